@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "analysis/DiskState.h"
+
+namespace velto {
+
+nlohmann::json toJson(const HistoryEntry& entry);
+
+/// The record as JSON; keys come out sorted when it is written.
+nlohmann::json toJson(const DiskState& state);
+
+/// The text with sorted keys; nothing when a number is not finite or a text is not UTF-8.
+std::optional<std::string> encode(const DiskState& state);
+
+/// Strict: a missing or mistyped field throws nlohmann::json::exception. Unknown keys are ignored.
+DiskState diskStateFromJson(const nlohmann::json& json);
+HistoryEntry historyEntryFromJson(const nlohmann::json& json);
+
+}  // namespace velto

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+namespace velto {
+
+/// What the application does at the events of its life. Main thread.
+class AppDelegate {
+public:
+    explicit AppDelegate(Platform& platform) : platform_(platform) {}
+
+    /// Takes back the notifications that maintenance runs have left.
+    void applicationDidFinishLaunching();
+
+    /// Lets the current bridge check Full Disk Access.
+    void applicationDidBecomeActive();
+
+    /// No while automatic maintenance is installed: closing the window then leaves the program
+    /// running, on purpose.
+    bool applicationShouldTerminateAfterLastWindowClosed() const;
+
+private:
+    Platform& platform_;
+};
+
+}  // namespace velto

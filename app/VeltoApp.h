@@ -1,0 +1,70 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "app/AppDelegate.h"
+#include "settings/AppLanguage.h"
+#include "settings/VeltoSettings.h"
+#include "platform/ApplicationShell.h"
+#include "platform/Platform.h"
+#include "platform/WebView.h"
+
+namespace velto {
+
+class JSBridge;
+
+/// One entry of the application menu.
+struct AppCommand {
+    std::string_view titleEs;
+    std::string_view titleEn;
+    char key;               // lower-case letter of the shortcut, 0 for none
+    bool shift;             // with Shift, beside Command (macOS) or Control (Linux)
+    std::string_view intent;
+    std::string_view argument;  // string payload, empty for none
+};
+
+/// The windowed application without its windows: what the code of each system carries out, in this
+/// order: `setShell` once; then for every window `windowOpened`, `pageLoaded`, `windowClosed`.
+/// Main thread.
+class VeltoApp {
+public:
+    explicit VeltoApp(Platform& platform);
+    ~VeltoApp();
+
+    AppDelegate& delegate() { return delegate_; }
+    AppLanguage& language() { return language_; }
+
+    /// The shell outlives the application object's use.
+    void setShell(ApplicationShell& shell);
+
+    /// A window with its web view exists and has loaded nothing yet: makes the bridge and attaches
+    /// it. The bridge holds the view weakly.
+    void windowOpened(const std::shared_ptr<WebView>& webView);
+
+    /// The page has finished loading.
+    void pageLoaded();
+
+    /// The window and its web view are gone.
+    void windowClosed();
+
+    static std::span<const AppCommand> commands();
+    std::string_view title(const AppCommand& command) const;  // in the current language
+    void perform(const AppCommand& command);                  // nothing while no bridge exists
+
+private:
+    Platform& platform_;
+    VeltoSettings settings_;
+    AppLanguage language_;
+    AppDelegate delegate_;
+    ApplicationShell* shell_ = nullptr;
+    std::shared_ptr<JSBridge> bridge_;
+};
+
+/// Runs the application with its window until it ends; returns the exit status. Implemented once
+/// per system (app/window/<system>).
+int runWindowedApplication(VeltoApp& app, Platform& platform);
+
+}  // namespace velto

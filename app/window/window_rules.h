@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ApplicationShell.h"
+
+/// Every decision about the window that does not need a window: both systems carry these out.
+namespace velto::window {
+
+inline constexpr int initialWidth = 1180;   // points
+inline constexpr int initialHeight = 760;
+inline constexpr int minimumWidth = 940;
+inline constexpr int minimumHeight = 600;
+
+struct Colour {
+    int red, green, blue;  // sRGB, 0 to 255, opaque
+};
+
+/// The colour behind the page.
+Colour backgroundColour(Appearance appearance);
+
+// The drag region: a transparent strip over the top of the page that moves the window.
+inline constexpr std::string_view dragRegionIdentifier = "velto-drag-region";
+inline constexpr double dragRegionHeight = 52;    // points
+inline constexpr double dragRegionLeading = 78;   // clear of the three window buttons
+struct WidthRule {
+    enum class Relation { equal, atLeast, atMost };
+    Relation relation;
+    bool relativeToContainer;  // constant is added to the container's width, else absolute
+    double constant;
+    float priority;            // 1000 is required
+};
+/// The rules of the region's width, as layout constraints.
+inline constexpr std::array<WidthRule, 3> dragRegionWidthRules{{
+    {WidthRule::Relation::equal, true, -598, 750},
+    {WidthRule::Relation::atLeast, false, 140, 999},
+    {WidthRule::Relation::atMost, true, -200, 999},
+}};
+/// What those rules come to for a container of that width (never negative). Between the two rules
+/// of priority 999 the lower bound wins where both cannot hold.
+double dragRegionWidth(double containerWidth);
+
+enum class NavigationKind { linkFollowed, other };
+enum class NavigationPolicy { allow, openInBrowser };
+NavigationPolicy policyFor(NavigationKind kind);
+
+/// True for the developer entries of the web view's context menu, in either language. Broad on
+/// purpose: "inspect", "inspeccionar" or "element" anywhere in the lower-cased title.
+bool isDeveloperMenuItem(std::string_view title);
+
+inline constexpr std::string_view resourceBundleName = "Velto_velto_app.bundle";
+/// The first existing folder of that name inside the candidates, tried in order; nothing when none
+/// exists. `exists` answers whether a path exists.
+std::optional<std::string> findResourceBundle(const std::vector<std::string>& parents,
+                                              const std::function<bool(const std::string&)>& exists);
+inline constexpr std::string_view missingBundleMessage =
+    "unable to find bundle named Velto_velto_app";
+
+}  // namespace velto::window

@@ -1,0 +1,11 @@
+# Copies the built page (SOURCE) to the resource bundle (TARGET), dropping what is no longer there.
+if(NOT EXISTS ${SOURCE}/index.html)
+    message(FATAL_ERROR "the page is not built: run ./dev build (no ${SOURCE}/index.html)")
+endif()
+file(GLOB old RELATIVE ${TARGET} ${TARGET}/*)
+foreach(name IN LISTS old)
+    if(NOT EXISTS ${SOURCE}/${name})
+        file(REMOVE_RECURSE ${TARGET}/${name})
+    endif()
+endforeach()
+file(COPY ${SOURCE}/ DESTINATION ${TARGET})

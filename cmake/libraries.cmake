@@ -1,0 +1,38 @@
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+
+# One static library per folder, made of every source in it. A header is reached as
+# "folder/Name.h", and only by the libraries that link to that folder's library: each library
+# exports an include root that holds nothing but a link to its own folder. A forbidden include is
+# therefore not found.
+function(velto_library folder)
+    cmake_parse_arguments(PARSE_ARGV 1 LIB "" "" "SUBFOLDERS;LINKS;PRIVATE_LINKS")
+    set(root ${CMAKE_BINARY_DIR}/include/${folder})
+    file(MAKE_DIRECTORY ${root})
+    file(CREATE_LINK ${CMAKE_SOURCE_DIR}/${folder} ${root}/${folder} SYMBOLIC)
+    set(patterns *.cpp)
+    foreach(subfolder IN LISTS LIB_SUBFOLDERS)
+        list(APPEND patterns ${subfolder}/*.cpp)
+        if(APPLE)
+            list(APPEND patterns ${subfolder}/*.mm)
+        endif()
+    endforeach()
+    file(GLOB sources CONFIGURE_DEPENDS ${patterns})
+    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+    add_library(velto_${folder} STATIC ${sources})
+    target_include_directories(velto_${folder} PUBLIC ${root})
+    target_link_libraries(velto_${folder}
+        PUBLIC ${LIB_LINKS} PRIVATE ${LIB_PRIVATE_LINKS} velto_options)
+endfunction()
+
+# System libraries bring headers that our warnings are not for.
+function(velto_system_package target)
+    pkg_check_modules(${target} REQUIRED IMPORTED_TARGET ${ARGN})
+    get_target_property(folders PkgConfig::${target} INTERFACE_INCLUDE_DIRECTORIES)
+    if(folders)
+        set_target_properties(PkgConfig::${target} PROPERTIES
+            INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${folders}")
+    endif()
+endfunction()

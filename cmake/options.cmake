@@ -1,0 +1,31 @@
+option(VELTO_TESTS "Build the tests" ON)
+option(VELTO_BENCH "Build the benchmarks" OFF)
+set(VELTO_SANITIZE "" CACHE STRING "Value of -fsanitize= for everything built here")
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_STANDARD 23)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(velto_options INTERFACE)
+target_compile_options(velto_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+if(APPLE)
+    target_compile_options(velto_options INTERFACE -mmacosx-version-min=13.0
+        $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+    target_link_options(velto_options INTERFACE -mmacosx-version-min=13.0)
+else()
+    # 64-bit file offsets everywhere; O_PATH, statx and renameat2 are GNU extensions.
+    target_compile_definitions(velto_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
+endif()
+if(VELTO_SANITIZE)
+    target_compile_options(velto_options INTERFACE
+        -fsanitize=${VELTO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(velto_options INTERFACE -fsanitize=${VELTO_SANITIZE})
+endif()

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velto {
+
+enum class EntryKind : std::uint8_t { regular, folder, symbolicLink, other, unreadable };
+
+/// One entry of a folder. Sizes and times are read for regular files only.
+struct DirectoryEntry {
+    std::string_view name;         // bytes as stored; points into the list that holds the entry
+    EntryKind kind = EntryKind::other;
+    bool hiddenFlag = false;       // the file system's own hidden flag (a leading full stop is not)
+    std::int64_t allocatedSize = -1;  // bytes on disk, -1 when the system does not say
+    std::int64_t logicalSize = 0;     // bytes
+    double accessed = 0;              // seconds since 1970, 0 when the system does not say
+    double modified = 0;              // seconds since 1970, 0 when the system does not say
+};
+
+/// The entries of one folder; reused from folder to folder so that reading allocates nothing once
+/// it has grown. The names live as long as the list is neither cleared nor destroyed.
+class EntryList {
+public:
+    void clear();
+    /// Copies `name` into the list and returns the new entry.
+    DirectoryEntry& add(std::string_view name);
+    const std::vector<DirectoryEntry>& entries() const { return entries_; }
+
+private:
+    static constexpr std::size_t chunkSize = 64 * 1024;
+    std::vector<DirectoryEntry> entries_;
+    std::vector<std::unique_ptr<char[]>> chunks_;
+    std::size_t chunk_ = 0;
+    std::size_t used_ = 0;
+};
+
+/// An open folder. Closing is the destructor's.
+class OpenFolder {
+public:
+    virtual ~OpenFolder() = default;
+};
+
+struct ReadOptions {
+    bool skipHidden = false;  // leave out names that begin with a full stop and flagged entries
+    /// Names that are kept although flagged hidden (the folder's flag only, not a leading stop).
+    const std::vector<std::string>* keepFlagged = nullptr;
+};
+
+/// Reads folders. One instance serves many threads at once; it has no state of its own.
+class DirectoryReader {
+public:
+    virtual ~DirectoryReader() = default;
+
+    /// Opens the folder at an absolute path; links in the path are followed (the caller has
+    /// resolved it). Null with `errno` set when it cannot be opened or is no folder.
+    virtual std::shared_ptr<OpenFolder> open(const std::string& path) = 0;
+
+    /// Opens a folder inside an open one, never through a link: a name that has become a link
+    /// since it was listed is refused. Null with `errno` set on failure.
+    virtual std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) = 0;
+
+    /// Appends all entries except "." and ".." to `entries`, in no order. An entry whose attributes
+    /// cannot be read has the kind `unreadable`. False with `errno` set when the listing itself
+    /// failed; what was read before stays in the list.
+    virtual bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) = 0;
+};
+
+}  // namespace velto

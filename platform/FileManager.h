@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velto {
+
+/// A failed file operation: what was attempted, on what, and the system's reason.
+class FileError : public std::runtime_error {
+public:
+    FileError(std::string attempt, std::string path, int code);
+
+    const std::string& attempt() const { return attempt_; }  // "read", "create folder", ...
+    const std::string& path() const { return path_; }
+    int code() const { return code_; }  // errno
+
+private:
+    std::string attempt_;
+    std::string path_;
+    int code_;
+};
+
+enum class FileKind { regular, folder, symbolicLink, other };
+
+struct FileAttributes {
+    FileKind kind = FileKind::other;
+    std::int64_t allocatedSize = 0;  // bytes on disk
+    std::int64_t logicalSize = 0;    // bytes
+    double modified = 0;             // seconds since 1970
+    double accessed = 0;             // seconds since 1970
+};
+
+/// Everything the program does to single files and folders. Paths are absolute byte strings.
+/// Blocking; safe from every thread. Where a function says that it throws, it throws FileError.
+class FileManager {
+public:
+    virtual ~FileManager() = default;
+
+    /// True when something stands at `path`; a link counts by itself, whatever it leads to.
+    virtual bool exists(const std::string& path) const = 0;
+
+    /// The item's own attributes (links are not followed); nothing when they cannot be read.
+    virtual std::optional<FileAttributes> attributes(const std::string& path) const = 0;
+
+    /// The names directly inside a folder without "." and "..", in no order. Throws.
+    virtual std::vector<std::string> list(const std::string& folder) const = 0;
+
+    /// `path` with every symbolic link, "." and ".." resolved. Throws when nothing is there.
+    virtual std::string resolved(const std::string& path) const = 0;
+
+    /// The whole content. Throws.
+    virtual std::string read(const std::string& path) const = 0;
+
+    /// Replaces the file by way of a synced temporary file in the same folder: a reader sees the
+    /// old or the new content whole, and a failure leaves the old file. Throws.
+    virtual void writeAtomically(const std::string& path, std::string_view content) = 0;
+
+    /// Makes the folder and its missing parents; one that exists already is fine. Throws.
+    virtual void createFolders(const std::string& path) = 0;
+
+    /// Removes a file, a link (never what it leads to) or a whole folder. Nothing there is no
+    /// error. Throws at the first item that cannot be removed.
+    virtual void removeAll(const std::string& path) = 0;
+};
+
+}  // namespace velto

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velto {
+
+/// A place with the identifier under which the page knows it.
+struct NamedLocation {
+    std::string identifier;
+    std::string path;
+};
+
+/// A substring of a path below a library root and the category that it decides.
+struct LibraryRule {
+    std::string_view substring;
+    std::string_view category;
+};
+
+/// Every folder that the program looks for, by role, as absolute paths without a trailing slash.
+/// No other code spells a folder of the home. An empty string is a role that this home lacks.
+struct HomeLayout {
+    enum class Kind { macOS, freedesktop };
+
+    Kind kind = Kind::macOS;
+    std::string home;  // resolved: no link anywhere in it
+
+    // Category folders.
+    std::string pictures, movies, music, downloads, documents, desktop;
+    std::vector<std::string> libraryRoots;
+    std::vector<LibraryRule> libraryRules;     // first match wins
+    std::string_view libraryDefault;           // category of a library file that no rule names
+    std::vector<std::string> applicationRoots; // of this user
+
+    // What the walk enters. `walkRoots` begins with the home; the others are library roots that the
+    // walk of the home does not reach because a folder on the way is hidden.
+    std::vector<std::string> walkRoots;
+    std::vector<std::string> neverWalked;      // whatever the access
+
+    // Privacy. Without a gate access always counts as granted.
+    bool hasPrivacyGate = true;
+    std::vector<NamedLocation> protectedLocations;
+    std::vector<std::string> guardedPaths;
+    std::vector<std::string> accessProbes;     // in the order in which they are tried
+
+    // The program's own and the system's places.
+    std::string caches;
+    std::string applicationSupport;            // where `dataFolder` lies
+    std::string dataFolder;
+    std::string trashFolder;
+    std::string systemTrash;
+    std::string agentsFolder;
+    std::string agentFile;                     // the maintenance agent, installed or not
+    std::string cloudDrive;                    // iCloud Drive
+    std::string cloudFolder;                   // the program's folder in it
+
+    /// The layout of a Mac's home.
+    static HomeLayout macOS(const std::string& home);
+
+    /// The layout of a Linux home. `environment` answers for XDG variables (nothing when unset);
+    /// `userDirs` is the text of "user-dirs.dirs", empty when there is none.
+    using Environment = std::function<std::optional<std::string>(const std::string& name)>;
+    static HomeLayout freedesktop(const std::string& home, const Environment& environment,
+                                  std::string_view userDirs);
+};
+
+/// True when `path` contains one of the markers of a library, backup or mailbox that must never be
+/// touched ("Photos Library", ".photoslibrary", "MobileSync", "Mail", "Library/Messages",
+/// "CallHistory", "Library/Mail"). Case-sensitive, anywhere in the path; the breadth of "Mail" is
+/// wanted.
+bool isProtectedPath(std::string_view path);
+
+}  // namespace velto

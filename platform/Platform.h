@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/Clock.h"
+#include "platform/DirectoryReader.h"
+#include "platform/Dispatcher.h"
+#include "platform/FileManager.h"
+#include "platform/HomeLayout.h"
+#include "platform/Locale.h"
+#include "platform/Log.h"
+#include "platform/Notifications.h"
+#include "platform/ToolRunner.h"
+#include "platform/UserDefaults.h"
+#include "platform/VolumeInfo.h"
+#include "platform/Workspace.h"
+
+namespace velto {
+
+/// The program's fixed identifier, used where it runs without a bundle of its own.
+inline constexpr const char* programIdentifier = "app.velto";
+
+/// What the program asks of the machine it runs on; built once at start and handed to constructors.
+struct Platform {
+    std::unique_ptr<Log> log;
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<Dispatcher> dispatcher;
+    std::unique_ptr<FileManager> files;
+    std::unique_ptr<DirectoryReader> directories;
+    std::unique_ptr<VolumeInfo> volumes;
+    std::unique_ptr<UserDefaults> defaults;
+    std::unique_ptr<Locale> locale;
+    std::unique_ptr<ToolRunner> tools;
+    std::unique_ptr<Workspace> workspace;
+    std::unique_ptr<Notifications> notifications;
+
+    HomeLayout layout;
+    std::string executablePath;      // of the running program, absolute
+    std::string bundleIdentifier = programIdentifier;
+    bool runsFromBundle = false;     // an application bundle holds the executable (macOS)
+};
+
+/// The platform of this machine (platform/linux or platform/macos). `programPath` is the first
+/// command-line argument. A home that cannot be resolved is fatal.
+std::unique_ptr<Platform> makePlatform(const std::string& programPath);
+
+/// The platform that the process-wide `shared()` services stand on. Set once in `main`, before any
+/// of them is used; the platform outlives them.
+Platform& processPlatform();
+void setProcessPlatform(Platform& platform);
+
+}  // namespace velto

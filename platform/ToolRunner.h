@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace velto {
+
+struct ToolResult {
+    bool started = false;
+    std::string startError;     // the system's reason when it could not be started
+    int exitStatus = -1;        // 128 + the signal's number when a signal ended it
+    std::string standardError;  // all of it, bytes as written
+};
+
+/// Runs child processes. Blocking; safe from every thread; never throws.
+class ToolRunner {
+public:
+    virtual ~ToolRunner() = default;
+
+    /// Runs the program at an absolute path and waits for its end. Standard input and output are
+    /// the null device; standard error is captured.
+    virtual ToolResult run(const std::string& path, const std::vector<std::string>& arguments) = 0;
+};
+
+}  // namespace velto

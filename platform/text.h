@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velto {
+
+/// `bytes` with every sequence that is not UTF-8 shown as U+FFFD; for names that leave the program.
+std::string validUtf8(std::string_view bytes);
+bool isValidUtf8(std::string_view bytes);
+
+/// One line without backslashes, valid UTF-8: control characters and line separators become spaces,
+/// a backslash becomes a slash. For texts from outside that go into a toast.
+std::string singleLine(std::string_view text);
+
+/// The part of a path after its last slash; a trailing slash is not a component.
+std::string_view lastPathComponent(std::string_view path);
+
+/// The lower-cased (ASCII) text after the last full stop of a file's name, empty when there is none
+/// or when the only full stop begins the name.
+std::string lowerCaseExtension(std::string_view name);
+
+/// True when `path` is `folder` or lies below it. Exact comparison, no normalisation.
+bool isAtOrBelow(std::string_view path, std::string_view folder);
+
+}  // namespace velto
