@@ -1,0 +1,8 @@
+import { mount } from 'svelte';
+import App from './App.svelte';
+import './style/tokens.css';
+import './style/base.css';
+import { start } from './state/start.ts';
+
+start();
+mount(App, { target: document.body });

@@ -1,0 +1,85 @@
+/**
+ * Everything the page can ask of the native program (intents) and everything the program can tell
+ * the page (events). docs/protocol.md shows an example of each.
+ */
+import type {
+  AppAnalysis, Cleanable, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, Permissions,
+  RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
+} from './records.ts';
+
+export type * from './records.ts';
+export { frequencies, ruleIds } from './records.ts';
+
+/** Only what changed is sent; the program pushes the state again afterwards. */
+export interface SettingsChange {
+  retention?: number;
+  frequency?: Frequency;
+  enabled?: boolean;
+  rules?: Partial<Record<RuleId, boolean>>;
+  language?: LanguageCode;
+  /** Marks a push made while the page starts; this page never makes one. */
+  boot?: boolean;
+}
+
+export type ViewName =
+  | 'inicio' | 'archivos' | 'duplicados' | 'limpieza' | 'papelera'
+  | 'historial' | 'apps' | 'sistema' | 'ajustes';
+
+/** Intent name to payload; `void` means that nothing is sent along. */
+export interface Intents {
+  webReady: void;
+  settings: SettingsChange;
+  setTheme: { theme: 'light' | 'dark' };
+  scan: void;
+  systemWatch: { on: boolean };
+  appsList: void;
+  appAnalysis: { path: string };
+  uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
+  revealPath: string;
+  deleteFiles: { paths: string[]; kind: string };
+  undoLast: void;
+  restoreItem: string;
+  purgeItem: string;
+  purgeTrash: void;
+  clearHistory: void;
+  openFDASettings: void;
+  requestAccess: void;
+  checkAccess: void;
+  resetAccess: void;
+  addExclusion: string;
+  exclusions: void;
+  removeExclusion: string;
+  scanCleanables: void;
+  cleanPaths: { paths: string[] };
+  moveCloud: { paths: string[]; direction: 'to' | 'from' };
+  resetVelto: void;
+  goView: ViewName;
+  setAutoMaintenance: SettingsChange;
+}
+
+export type IntentName = keyof Intents;
+
+/** Event name to the arguments it is called with. */
+export interface Events {
+  setState: [state: DiskState, stamp: number | undefined];
+  onScanStarted: [];
+  onScanProgress: [files: number, gb: number];
+  onScanFinished: [];
+  onScanFailed: [];
+  onPermissions: [permissions: Permissions];
+  toast: [title: string, detail: string];
+  onExclusions: [paths: string[]];
+  onCleanables: [candidates: Cleanable[]];
+  onTrashState: [items: TrashItem[]];
+  onTrashChanged: [gb: number];
+  onCloudMove: [result: CloudMove];
+  onApps: [apps: InstalledApp[]];
+  onAppSizes: [sizes: Record<string, number>];
+  onAppAnalysis: [analysis: AppAnalysis];
+  onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
+  onUninstallResult: [result: UninstallResult];
+  onSystem: [sample: SystemSample];
+}
+
+export type EventName = keyof Events;
+export type Listeners = { [Name in EventName]?: (...values: Events[Name]) => void };

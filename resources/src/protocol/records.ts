@@ -1,0 +1,211 @@
+/**
+ * The records that travel between the native program and the page. Sizes are decimal gigabytes
+ * (1 GB = 1,000,000,000 bytes), times are seconds since 1970, ages are whole days.
+ */
+
+export type CategoryId = 'fotos' | 'apps' | 'docs' | 'descargas' | 'musica' | 'sistema';
+
+export interface Category {
+  id: string;
+  /** Spanish; the page translates by id. */
+  name: string;
+  gb: number;
+  icon: string;
+  /** "#" and six hexadecimal digits. */
+  col: string;
+  /** Spanish equivalence sentence; the page translates by id. */
+  eq: string;
+  sub: string[][];
+  files: number;
+}
+
+export type FileKind = 'video' | 'descarga' | 'app' | 'doc';
+
+export interface BigFile {
+  name: string;
+  gb: number;
+  kind: string;
+  /** Spanish relative time; the page computes its own from `lastN`. */
+  last: string;
+  /** Whole days since the last use; very large when the date is unknown. */
+  lastN: number;
+  path: string;
+  isProtected: boolean;
+}
+
+export interface DuplicateGroup {
+  /** SHA-256 of the content the copies share. */
+  id: string;
+  name: string;
+  /** One entry a path: a list with one pair of file name and size in GB ("%.1f"). */
+  pairs: string[][][];
+  paths: string[];
+  /** Index into `paths` of the copy proposed to be kept. */
+  recommended: number;
+}
+
+export interface HistoryItem {
+  name: string;
+  gb: number;
+}
+
+export interface HistoryEntry {
+  /** The id of the trash operation. */
+  id: string;
+  ts: number;
+  gb: number;
+  items: HistoryItem[];
+  kind: string;
+}
+
+export type LanguageCode = 'es' | 'en';
+export type Frequency = 'daily' | 'weekends' | 'monthly';
+export type RuleId = 'systemTrash' | 'oldDownloads' | 'caches' | 'duplicates';
+
+export const ruleIds: readonly RuleId[] = ['systemTrash', 'oldDownloads', 'caches', 'duplicates'];
+export const frequencies: readonly Frequency[] = ['daily', 'weekends', 'monthly'];
+
+export interface Settings {
+  retention: number;
+  autoMaintenance: boolean;
+  frequency: Frequency;
+  language: LanguageCode;
+  rules?: Partial<Record<RuleId, boolean>>;
+}
+
+export interface DiskState {
+  total: number;
+  free: number;
+  /** Free-space score, 5 to 99. */
+  ser: number;
+  cats: Category[];
+  /** Largest first, at most 500. */
+  files: BigFile[];
+  dupGroups: DuplicateGroup[];
+  history: HistoryEntry[];
+  settings: Settings;
+  /** Identifiers of the places that were not measured. */
+  protected?: string[];
+}
+
+export interface Permissions {
+  fda: boolean;
+}
+
+/** An item of Velto Trash; `path` is where it came from. */
+export interface TrashItem {
+  id: string;
+  name: string;
+  gb: number;
+  taken: number;
+  path: string;
+  opID: string;
+}
+
+export interface Cleanable {
+  ruleID: string;
+  path: string;
+  gb: number;
+  daysOld: number;
+  /** Spanish. */
+  label: string;
+}
+
+export interface CloudMove {
+  moved: string[];
+  failed: string[];
+  direction: 'to' | 'from';
+}
+
+export interface InstalledApp {
+  bid: string;
+  name: string;
+  version: string;
+  exec: string;
+  path: string;
+  gb: number;
+  /** 0 when unknown. */
+  last: number;
+  running: boolean;
+  apple: boolean;
+  store: boolean;
+  team: string;
+  /** PNG data URL, present only when an icon could be made. */
+  icon?: string;
+}
+
+export type LeftoverGroupKey =
+  | 'app' | 'support' | 'caches' | 'prefs' | 'state'
+  | 'containers' | 'group' | 'web' | 'logs' | 'agents';
+
+export interface LeftoverItem {
+  id: string;
+  name: string;
+  path: string;
+  gb: number;
+  conf: 'certain' | 'possible';
+  admin: boolean;
+  nested: boolean;
+  cat: LeftoverGroupKey;
+}
+
+export interface AppAnalysis {
+  bid: string;
+  name: string;
+  path: string;
+  version: string;
+  icon: string;
+  gb: number;
+  running: boolean;
+  team: string;
+  groups: { key: LeftoverGroupKey; items: LeftoverItem[] }[];
+  total: number;
+  certain: number;
+  possible: number;
+  adminCount: number;
+  possibleCount: number;
+  count: number;
+}
+
+export type UninstallStage = 'stop' | 'files' | 'clean' | 'done';
+export type FailureReason = 'admin' | 'perm' | 'busy' | 'gone' | 'protected' | 'other';
+
+export interface UninstallResult {
+  name: string;
+  removed: number;
+  freed: number;
+  closed: number;
+  failures: { name: string; path: string; reason: FailureReason }[];
+}
+
+export interface ProcessGroup {
+  name: string;
+  pid: number;
+  kind: 'app' | 'other';
+  procs: number;
+  /** Percent of one processor. */
+  cpu: number;
+  /** Mebibytes. */
+  mem: number;
+  icon: string;
+}
+
+/** One sample of the machine; the first one after a start has no `cpu` and no `net`. */
+export interface SystemSample {
+  cpu?: { pct: number; cores: number; load: number };
+  mem?: {
+    total: number; used: number; pct: number;
+    app: number; wired: number; compressed: number; cached: number;
+    pressure: 'normal' | 'warning' | 'critical';
+    swapUsed: number; swapTotal: number;
+  };
+  disk?: { total: number; free: number; pct: number };
+  thermal?: { state: 'nominal' | 'fair' | 'serious' | 'critical'; lowPower: boolean };
+  battery?: {
+    avail: boolean; pct?: number; minutes?: number; cycles?: number;
+    state?: 'charged' | 'charging' | 'ac' | 'discharging';
+  };
+  /** Bytes a second. */
+  net?: { avail: boolean; iface: string; down: number; up: number };
+  procs?: ProcessGroup[];
+}

@@ -1,0 +1,49 @@
+/** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
+import type { DiskState, SettingsChange } from '../protocol/protocol.ts';
+import { send } from '../protocol/connection.ts';
+
+export type Access = 'unknown' | 'granted' | 'missing';
+export type ScanPhase = 'idle' | 'running' | 'failed';
+
+class Session {
+  /** Null until the program has sent a state. */
+  disk = $state.raw<DiskState | null>(null);
+  /** When the shown analysis was made, seconds since 1970. */
+  stamp = $state<number | undefined>();
+  access = $state<Access>('unknown');
+  scanPhase = $state<ScanPhase>('idle');
+  scanFiles = $state(0);
+  scanGb = $state(0);
+  /** Milliseconds since 1970. */
+  scanStartedAt = $state(0);
+  /** Null until the program has answered. */
+  exclusions = $state.raw<string[] | null>(null);
+  trashGb = $state(0);
+
+  /** The state of a program that has never analysed carries no categories. */
+  analysed = $derived((this.disk?.cats.length ?? 0) > 0);
+  scanning = $derived(this.scanPhase === 'running');
+
+  startScan(): void {
+    if (!this.scanning) send('scan');
+  }
+
+  /** Shows the change at once; the program confirms it with its next state. */
+  changeSettings(change: SettingsChange): void {
+    send('settings', change);
+    if (!this.disk) return;
+    const { enabled, rules, boot: _boot, ...plain } = change;
+    const current = this.disk.settings;
+    this.disk = {
+      ...this.disk,
+      settings: {
+        ...current,
+        ...plain,
+        ...(enabled !== undefined && { autoMaintenance: enabled }),
+        ...(rules && { rules: { ...current.rules, ...rules } }),
+      },
+    };
+  }
+}
+
+export const session = new Session();

@@ -1,0 +1,45 @@
+/** Connects the page to the program and reports when the first real state has been painted. */
+import { tick } from 'svelte';
+import { connect, send } from '../protocol/connection.ts';
+import type { DiskState } from '../protocol/protocol.ts';
+import { session } from './session.svelte.ts';
+
+export function start(): void {
+  const saved = connect({
+    setState: (state, stamp) => showState(state, stamp),
+    onScanStarted: () => {
+      session.scanPhase = 'running';
+      session.scanFiles = 0;
+      session.scanGb = 0;
+      session.scanStartedAt = Date.now();
+    },
+    onScanProgress: (files, gb) => {
+      session.scanFiles = files;
+      session.scanGb = gb;
+    },
+    onScanFinished: () => (session.scanPhase = 'idle'),
+    onScanFailed: () => (session.scanPhase = 'failed'),
+    onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),
+    onExclusions: (paths) => (session.exclusions = paths),
+    onTrashState: (items) => (session.trashGb = items.reduce((sum, item) => sum + item.gb, 0)),
+    onTrashChanged: (gb) => (session.trashGb = gb),
+  });
+  if (saved) showState(saved.state, saved.stamp);
+}
+
+let reported = false;
+
+function showState(state: DiskState, stamp: number | undefined): void {
+  session.disk = state;
+  if (stamp !== undefined) session.stamp = stamp;
+  if (!reported) {
+    reported = true;
+    void reportFirstPaint();
+  }
+}
+
+/** The second frame begins after the first one has been painted. */
+async function reportFirstPaint(): Promise<void> {
+  await tick();
+  requestAnimationFrame(() => requestAnimationFrame(() => send('webReady')));
+}
