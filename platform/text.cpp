@@ -1,0 +1,113 @@
+#include "platform/text.h"
+
+#include <cstdint>
+
+namespace velto {
+namespace {
+
+constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
+
+/// The length of the well-formed UTF-8 sequence at the start of `bytes`, 0 when there is none
+/// (Unicode 15, table 3-7: no overlong forms, no surrogates, nothing above U+10FFFF).
+std::size_t sequenceLength(std::string_view bytes) {
+    const auto byte = [&](std::size_t index) {
+        return index < bytes.size() ? static_cast<std::uint8_t>(bytes[index]) : std::uint8_t{0};
+    };
+    const auto continues = [&](std::size_t index, std::uint8_t low = 0x80,
+                               std::uint8_t high = 0xBF) {
+        return byte(index) >= low && byte(index) <= high;
+    };
+    const std::uint8_t first = byte(0);
+    if (first < 0x80) return 1;
+    if (first < 0xC2) return 0;
+    if (first < 0xE0) return continues(1) ? 2 : 0;
+    if (first < 0xF0) {
+        const std::uint8_t low = first == 0xE0 ? 0xA0 : 0x80;
+        const std::uint8_t high = first == 0xED ? 0x9F : 0xBF;
+        return continues(1, low, high) && continues(2) ? 3 : 0;
+    }
+    if (first < 0xF5) {
+        const std::uint8_t low = first == 0xF0 ? 0x90 : 0x80;
+        const std::uint8_t high = first == 0xF4 ? 0x8F : 0xBF;
+        return continues(1, low, high) && continues(2) && continues(3) ? 4 : 0;
+    }
+    return 0;
+}
+
+/// Calls `visit` with each well-formed sequence, and with an empty text for each bad byte.
+template <typename Visit>
+void forEachSequence(std::string_view bytes, Visit visit) {
+    while (!bytes.empty()) {
+        const std::size_t length = sequenceLength(bytes);
+        visit(bytes.substr(0, length));
+        bytes.remove_prefix(length == 0 ? 1 : length);
+    }
+}
+
+}  // namespace
+
+bool isValidUtf8(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const std::size_t length = sequenceLength(bytes);
+        if (length == 0) return false;
+        bytes.remove_prefix(length);
+    }
+    return true;
+}
+
+std::string validUtf8(std::string_view bytes) {
+    if (isValidUtf8(bytes)) return std::string(bytes);
+    std::string text;
+    text.reserve(bytes.size() + replacement.size());
+    forEachSequence(bytes, [&](std::string_view sequence) {
+        text += sequence.empty() ? replacement : sequence;
+    });
+    return text;
+}
+
+std::string singleLine(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    forEachSequence(text, [&](std::string_view sequence) {
+        if (sequence.empty()) {
+            line += replacement;
+        } else if (sequence == "\\") {
+            line += '/';
+        } else if (sequence.size() == 1 &&
+                   (static_cast<std::uint8_t>(sequence[0]) < 0x20 || sequence[0] == 0x7F)) {
+            line += ' ';
+        } else if (sequence == "\xC2\x85" || sequence == "\xE2\x80\xA8" ||
+                   sequence == "\xE2\x80\xA9") {  // next line, line and paragraph separator
+            line += ' ';
+        } else {
+            line += sequence;
+        }
+    });
+    return line;
+}
+
+std::string_view lastPathComponent(std::string_view path) {
+    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.size() == 1) return path;
+    return path.substr(slash + 1);
+}
+
+std::string lowerCaseExtension(std::string_view name) {
+    const std::size_t stop = name.rfind('.');
+    if (stop == std::string_view::npos || stop == 0) return {};
+    std::string extension(name.substr(stop + 1));
+    for (char& character : extension) {
+        if (character >= 'A' && character <= 'Z') {
+            character = static_cast<char>(character - 'A' + 'a');
+        }
+    }
+    return extension;
+}
+
+bool isAtOrBelow(std::string_view path, std::string_view folder) {
+    if (path.substr(0, folder.size()) != folder) return false;
+    return path.size() == folder.size() || path[folder.size()] == '/';
+}
+
+}  // namespace velto
