@@ -1,0 +1,63 @@
+#include "analysis/ExclusionService.h"
+
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/Platform.h"
+#include "platform/text.h"
+
+namespace velto {
+namespace {
+
+constexpr const char* fileName = "/exclusions.json";
+
+}  // namespace
+
+ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
+    : files_(files), folder_(layout.dataFolder) {
+    try {
+        const auto json = nlohmann::json::parse(files_.read(folder_ + fileName));
+        if (json.is_array()) paths_ = json.get<std::vector<std::string>>();
+    } catch (const FileError&) {
+        // Nothing was excluded yet.
+    } catch (const nlohmann::json::exception&) {
+        // Damaged: counts as empty, and the next save replaces it.
+    }
+}
+
+ExclusionService& ExclusionService::shared() {
+    static ExclusionService instance(*processPlatform().files, processPlatform().layout);
+    return instance;
+}
+
+bool ExclusionService::isExcluded(std::string_view path) const {
+    return std::any_of(paths_.begin(), paths_.end(),
+                       [&](const std::string& entry) { return isAtOrBelow(path, entry); });
+}
+
+void ExclusionService::add(const std::string& path) {
+    if (isExcluded(path)) return;
+    paths_.push_back(path);
+    save();
+}
+
+void ExclusionService::remove(const std::string& path) {
+    const auto found = std::find(paths_.begin(), paths_.end(), path);
+    if (found == paths_.end()) return;
+    paths_.erase(found);
+    save();
+}
+
+void ExclusionService::save() const {
+    try {
+        files_.createFolders(folder_);
+        files_.writeAtomically(folder_ + fileName, nlohmann::json(paths_).dump());
+    } catch (const FileError&) {
+        // The list stays in force for the life of the process.
+    } catch (const nlohmann::json::type_error&) {
+        // A path that is not UTF-8 cannot be written as JSON; the list stays in force in memory.
+    }
+}
+
+}  // namespace velto

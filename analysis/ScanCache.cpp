@@ -1,0 +1,44 @@
+#include "analysis/ScanCache.h"
+
+#include "analysis/disk_state_json.h"
+#include "platform/units.h"
+
+namespace velto {
+
+ScanCache::ScanCache(FileManager& files, const HomeLayout& layout)
+    : files_(files), folder_(layout.dataFolder) {}
+
+std::string ScanCache::location() const {
+    try {
+        files_.createFolders(folder_);
+    } catch (const FileError&) {
+        // Reading then finds nothing and saving fails in its own silence.
+    }
+    return folder_ + "/lastScan.json";
+}
+
+void ScanCache::save(const DiskState& state, double ts) const {
+    const auto text = encode(state);
+    if (!text) return;
+    try {
+        files_.writeAtomically(location(),
+                               R"({"state":)" + *text + R"(,"ts":)" + shortest(ts) + "}");
+    } catch (const FileError&) {
+        // Not remembered; the analysis is shown all the same.
+    }
+}
+
+std::optional<ScanCache::Entry> ScanCache::load() const {
+    try {
+        const auto json = nlohmann::json::parse(files_.read(location()));
+        const nlohmann::json& ts = json.at("ts");
+        if (!ts.is_number()) return std::nullopt;
+        return Entry{ts.get<double>(), diskStateFromJson(json.at("state"))};
+    } catch (const FileError&) {
+        return std::nullopt;  // never saved, or out of reach
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;  // damaged: the next save replaces it
+    }
+}
+
+}  // namespace velto

@@ -1,0 +1,200 @@
+#include "analysis/disk_state_json.h"
+
+#include <cmath>
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+
+/// A required field. Stricter than the library, which would read a number as a boolean's type or
+/// cut a real down to an integer: a mistyped field is an error.
+template <typename Type>
+Type field(const json& object, const char* key) {
+    const json& value = object.at(key);
+    bool fits = false;
+    if constexpr (std::is_same_v<Type, bool>) {
+        fits = value.is_boolean();
+    } else if constexpr (std::is_same_v<Type, double>) {
+        fits = value.is_number();
+    } else if constexpr (std::is_same_v<Type, std::int64_t>) {
+        fits = value.is_number_integer();
+    } else {
+        fits = true;  // texts and containers: the library checks them
+    }
+    if (!fits) throw json::type_error::create(302, std::string("wrong type of ") + key, &value);
+    return value.get<Type>();
+}
+
+json toJson(const Cat& cat);
+json toJson(const BigFile& file);
+json toJson(const DupGroup& group);
+json toJson(const HistoryItem& item);
+using velto::toJson;
+
+template <typename Record>
+json listToJson(const std::vector<Record>& records) {
+    json list = json::array();
+    for (const Record& record : records) list.push_back(toJson(record));
+    return list;
+}
+
+template <typename Read>
+auto listFrom(const json& object, const char* key, Read read) {
+    const json& list = object.at(key);
+    if (!list.is_array()) {
+        throw json::type_error::create(302, std::string("no list in ") + key, &list);
+    }
+    std::vector<decltype(read(list))> records;
+    records.reserve(list.size());
+    for (const json& element : list) records.push_back(read(element));
+    return records;
+}
+
+json toJson(const Cat& cat) {
+    return {{"id", cat.id},   {"name", cat.name}, {"gb", cat.gb},   {"icon", cat.icon},
+            {"col", cat.col}, {"eq", cat.eq},     {"sub", cat.sub}, {"files", cat.files}};
+}
+
+json toJson(const BigFile& file) {
+    return {{"name", file.name},   {"gb", file.gb},
+            {"kind", file.kind},   {"last", file.last},
+            {"lastN", file.lastN}, {"path", file.path},
+            {"isProtected", file.isProtected}};
+}
+
+json toJson(const DupGroup& group) {
+    return {{"id", group.id},
+            {"name", group.name},
+            {"pairs", group.pairs},
+            {"paths", group.paths},
+            {"recommended", group.recommended}};
+}
+
+json toJson(const HistoryItem& item) { return {{"name", item.name}, {"gb", item.gb}}; }
+
+json toJson(const Settings& settings) {
+    json object = {{"retention", settings.retention},
+                   {"autoMaintenance", settings.autoMaintenance},
+                   {"frequency", settings.frequency},
+                   {"language", settings.language}};
+    if (settings.rules) object["rules"] = *settings.rules;
+    return object;
+}
+
+Cat catFrom(const json& object) {
+    return {.id = field<std::string>(object, "id"),
+            .name = field<std::string>(object, "name"),
+            .gb = field<double>(object, "gb"),
+            .icon = field<std::string>(object, "icon"),
+            .col = field<std::string>(object, "col"),
+            .eq = field<std::string>(object, "eq"),
+            .sub = field<std::vector<std::vector<std::string>>>(object, "sub"),
+            .files = field<std::int64_t>(object, "files")};
+}
+
+BigFile bigFileFrom(const json& object) {
+    return {.name = field<std::string>(object, "name"),
+            .gb = field<double>(object, "gb"),
+            .kind = field<std::string>(object, "kind"),
+            .last = field<std::string>(object, "last"),
+            .lastN = field<double>(object, "lastN"),
+            .path = field<std::string>(object, "path"),
+            .isProtected = field<bool>(object, "isProtected")};
+}
+
+DupGroup dupGroupFrom(const json& object) {
+    return {.id = field<std::string>(object, "id"),
+            .name = field<std::string>(object, "name"),
+            .pairs = field<std::vector<std::vector<DupGroup::Pair>>>(object, "pairs"),
+            .paths = field<std::vector<std::string>>(object, "paths"),
+            .recommended = field<std::int64_t>(object, "recommended")};
+}
+
+HistoryItem historyItemFrom(const json& object) {
+    return {.name = field<std::string>(object, "name"), .gb = field<double>(object, "gb")};
+}
+
+Settings settingsFrom(const json& object) {
+    Settings settings{.retention = field<std::int64_t>(object, "retention"),
+                      .autoMaintenance = field<bool>(object, "autoMaintenance"),
+                      .frequency = field<std::string>(object, "frequency"),
+                      .language = field<std::string>(object, "language"),
+                      .rules = std::nullopt};
+    if (object.contains("rules") && !object["rules"].is_null()) {
+        settings.rules.emplace();
+        for (const auto& [id, on] : object["rules"].get_ref<const json::object_t&>()) {
+            if (!on.is_boolean()) throw json::type_error::create(302, "rule " + id, &on);
+            settings.rules->emplace(id, on.get<bool>());
+        }
+    }
+    return settings;
+}
+
+bool isFinite(const json& value) {
+    if (value.is_number_float()) return std::isfinite(value.get<double>());
+    if (!value.is_structured()) return true;
+    for (const json& element : value) {
+        if (!isFinite(element)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+json toJson(const HistoryEntry& entry) {
+    return {{"id", entry.id},
+            {"ts", entry.ts},
+            {"gb", entry.gb},
+            {"items", listToJson(entry.items)},
+            {"kind", entry.kind}};
+}
+
+json toJson(const DiskState& state) {
+    json object = {{"total", state.total},
+                   {"free", state.free},
+                   {"ser", state.ser},
+                   {"cats", listToJson(state.cats)},
+                   {"files", listToJson(state.files)},
+                   {"dupGroups", listToJson(state.dupGroups)},
+                   {"history", listToJson(state.history)},
+                   {"settings", toJson(state.settings)}};
+    if (state.protected_) object["protected"] = *state.protected_;
+    return object;
+}
+
+std::optional<std::string> encode(const DiskState& state) {
+    const json object = toJson(state);
+    if (!isFinite(object)) return std::nullopt;
+    try {
+        return object.dump();
+    } catch (const json::type_error&) {  // a text that is not UTF-8
+        return std::nullopt;
+    }
+}
+
+HistoryEntry historyEntryFromJson(const json& object) {
+    return {.id = field<std::string>(object, "id"),
+            .ts = field<double>(object, "ts"),
+            .gb = field<double>(object, "gb"),
+            .items = listFrom(object, "items", historyItemFrom),
+            .kind = field<std::string>(object, "kind")};
+}
+
+DiskState diskStateFromJson(const json& object) {
+    DiskState state{.total = field<double>(object, "total"),
+                    .free = field<double>(object, "free"),
+                    .ser = field<std::int64_t>(object, "ser"),
+                    .cats = listFrom(object, "cats", catFrom),
+                    .files = listFrom(object, "files", bigFileFrom),
+                    .dupGroups = listFrom(object, "dupGroups", dupGroupFrom),
+                    .history = listFrom(object, "history", historyEntryFromJson),
+                    .settings = settingsFrom(object.at("settings")),
+                    .protected_ = std::nullopt};
+    if (object.contains("protected") && !object["protected"].is_null()) {
+        state.protected_ = object["protected"].get<std::vector<std::string>>();
+    }
+    return state;
+}
+
+}  // namespace velto
