@@ -28,6 +28,9 @@ public:
     /// Takes an entry back (exact match) and saves; an unknown one changes nothing.
     void remove(const std::string& path);
 
+    /// Forgets the list without saving; for a reset that has deleted the file.
+    void clear() { paths_.clear(); }
+
     const std::vector<std::string>& paths() const { return paths_; }  // in the order of adding
 
 private:

@@ -1,0 +1,59 @@
+#include "app/VeltoApp.h"
+
+#include <array>
+
+#include "analysis/ExclusionService.h"
+#include "bridge/JSBridge.h"
+
+namespace velto {
+namespace {
+
+constexpr std::array<AppCommand, 4> commandTable{{
+    {"Analizar disco", "Analyze disk", 'r', false, "scan", ""},
+    {"Deshacer última limpieza", "Undo last cleanup", 'z', true, "undoLast", ""},
+    {"Desinstalar una aplicación", "Uninstall an application", 'd', true, "goView", "apps"},
+    {"Abrir la Papelera de Velto", "Open Velto Trash", 0, false, "goView", "papelera"},
+}};
+
+}  // namespace
+
+VeltoApp::VeltoApp(Platform& platform)
+    : platform_(platform),
+      settings_(*platform.defaults, *platform.locale),
+      language_(settings_),
+      delegate_(platform) {}
+
+VeltoApp::~VeltoApp() = default;
+
+void VeltoApp::setShell(ApplicationShell& shell) { shell_ = &shell; }
+
+void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
+    bridge_ = std::make_shared<JSBridge>(BridgeContext{.platform = platform_,
+                                                       .settings = settings_,
+                                                       .language = language_,
+                                                       .exclusions = ExclusionService::shared(),
+                                                       .shell = *shell_});
+    bridge_->attach(webView);
+}
+
+void VeltoApp::pageLoaded() {
+    if (bridge_) bridge_->applyBootState();
+}
+
+void VeltoApp::windowClosed() { bridge_.reset(); }
+
+std::span<const AppCommand> VeltoApp::commands() { return commandTable; }
+
+std::string_view VeltoApp::title(const AppCommand& command) const {
+    return language_.text(command.titleEs, command.titleEn);
+}
+
+void VeltoApp::perform(const AppCommand& command) {
+    const auto bridge = JSBridge::current();
+    if (!bridge) return;
+    const Payload payload =
+        command.argument.empty() ? Payload() : Payload(std::string(command.argument));
+    bridge->handle(std::string(command.intent), payload);
+}
+
+}  // namespace velto

@@ -1,0 +1,19 @@
+#include <string>
+#include <vector>
+
+#include "app/run_modes.h"
+#include "platform/Platform.h"
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv, argv + argc);
+    const auto platform = velto::makePlatform(arguments.empty() ? "" : arguments.front());
+    velto::setProcessPlatform(*platform);
+    switch (velto::runModeOf(arguments)) {
+        case velto::RunMode::maintenance:
+            return velto::runMaintenance(*platform);
+        case velto::RunMode::reset:
+            return velto::runReset(*platform);
+        case velto::RunMode::interactive:
+            return velto::runInteractive(*platform);
+    }
+}

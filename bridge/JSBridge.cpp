@@ -1,0 +1,106 @@
+#include "bridge/JSBridge.h"
+
+#include <fmt/format.h>
+
+#include "bridge/ScannerWithAccess.h"
+#include "bridge/events.h"
+#include "platform/text.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+constexpr const char* handlerName = "velto";
+
+std::weak_ptr<JSBridge>& currentBridge() {
+    static std::weak_ptr<JSBridge> bridge;
+    return bridge;
+}
+
+}  // namespace
+
+JSBridge::JSBridge(const BridgeContext& context)
+    : platform_(context.platform),
+      settings_(context.settings),
+      language_(context.language),
+      exclusions_(context.exclusions),
+      shell_(context.shell),
+      permissions_(context.platform),
+      scheduler_(context.platform),
+      cache_(*context.platform.files, context.platform.layout),
+      scanner_(std::make_shared<ScannerWithAccess>(context.platform)) {
+    accessGranted = permissions_.hasAccess();
+    if (auto entry = cache_.load()) {
+        const double age = (platform_.clock->now() - entry->ts) / 60;
+        bootState = BootState{std::move(entry->state), entry->ts};
+        bootState->state.settings = settings_.record();  // they may have changed since
+        log(fmt::format("Velto ▶ arranque: análisis guardado hace {} min · escaneo automático: no",
+                        tenths(age)));
+    } else {
+        needsFirstScan = true;
+        log("Velto ▶ arranque: sin análisis previo");
+    }
+}
+
+JSBridge::~JSBridge() {
+    if (scanTask) scanTask->cancel();
+    if (accessWatch) accessWatch->cancel();
+}
+
+std::shared_ptr<JSBridge> JSBridge::current() { return currentBridge().lock(); }
+
+void JSBridge::attach(const std::shared_ptr<WebView>& view) {
+    webView_ = view;
+    currentBridge() = weak_from_this();
+    view->setMessageHandler(
+        handlerName, [weak = weak_from_this()](const std::string& name, const nlohmann::json& body) {
+            if (const auto bridge = weak.lock()) bridge->receive(name, body);
+        });
+    if (!bootState) return;
+    if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
+        view->addUserScript(*script);
+    }
+}
+
+void JSBridge::applyBootState() {
+    const bool real = bootState && !bootState->state.cats.empty();
+    log(fmt::format("Velto ▶ estado de arranque aplicado: {} · categorías={} · archivos={}",
+                    real ? "real" : "pendiente de análisis",
+                    bootState ? bootState->state.cats.size() : 0,
+                    bootState ? bootState->state.files.size() : 0));
+    pushState();
+    // Nothing moves files into the trash yet, so it is empty.
+    evaluate(events::trashState(nlohmann::json::array()));
+    if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
+    if (needsFirstScan) startAnalysis();
+}
+
+void JSBridge::receive(const std::string& name, const nlohmann::json& body) {
+    if (name != handlerName || !body.is_object()) return;
+    const auto type = body.find("type");
+    if (type == body.end() || !type->is_string()) return;
+    const auto payload = body.find("payload");
+    handle(type->get<std::string>(), payload == body.end() ? Payload() : Payload(*payload));
+}
+
+void JSBridge::evaluate(const std::string& script) {
+    if (const auto view = webView_.lock()) view->evaluate(script);
+}
+
+void JSBridge::toast(std::string_view titleEs, std::string_view titleEn, std::string_view detail) {
+    evaluate(events::toast(language_.text(titleEs, titleEn), singleLine(detail)));
+}
+
+void JSBridge::pushState() {
+    evaluate(events::permissions(permissions_.hasAccess()));
+    const double stamp = bootState ? bootState->stamp : platform_.clock->now();
+    if (const auto script = events::setState(stateToShow(), stamp)) {
+        evaluate(*script);
+    } else {
+        log("Velto: no se pudo serializar DiskState");
+    }
+}
+
+void JSBridge::log(const std::string& line) const { platform_.log->line(line); }
+
+}  // namespace velto

@@ -1,0 +1,145 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/CancellationFlag.h"
+#include "analysis/DiskState.h"
+#include "analysis/ExclusionService.h"
+#include "analysis/PermissionService.h"
+#include "analysis/ScanCache.h"
+#include "analysis/ScannerService.h"
+#include "bridge/payload.h"
+#include "maintenance/MaintenanceScheduler.h"
+#include "platform/ApplicationShell.h"
+#include "platform/Platform.h"
+#include "platform/WebView.h"
+#include "settings/AppLanguage.h"
+#include "settings/VeltoSettings.h"
+
+namespace velto {
+
+/// What a bridge works with. Everything outlives it.
+struct BridgeContext {
+    Platform& platform;
+    VeltoSettings& settings;
+    AppLanguage& language;
+    ExclusionService& exclusions;
+    ApplicationShell& shell;
+};
+
+/// The controller between the page and every service: intents in (`intents.cpp` holds their table),
+/// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
+///
+/// Everything runs on the main thread. Work elsewhere holds the bridge weakly and comes back through
+/// the dispatcher. Make it with std::make_shared.
+class JSBridge : public std::enable_shared_from_this<JSBridge> {
+public:
+    /// An analysis as the page is given it.
+    struct BootState {
+        DiskState state;
+        double stamp = 0;  // seconds since 1970
+    };
+
+    /// Probes access and loads the saved analysis.
+    explicit JSBridge(const BridgeContext& context);
+    ~JSBridge();
+    JSBridge(const JSBridge&) = delete;
+    JSBridge& operator=(const JSBridge&) = delete;
+
+    /// The bridge that menu commands and the application delegate use; null before one is attached
+    /// and after it is gone.
+    static std::shared_ptr<JSBridge> current();
+
+    /// Connects the page's view, once, before it loads; the view is held weakly.
+    void attach(const std::shared_ptr<WebView>& view);
+
+    /// The page has loaded: pushes the state and starts the first analysis if none was saved.
+    void applyBootState();
+
+    /// A message of the page under a handler's name; a malformed one is dropped silently.
+    void receive(const std::string& handlerName, const nlohmann::json& body);
+
+    /// One intent, from the page or from the menu. An unknown one is only recorded.
+    void handle(const std::string& type, const Payload& payload = std::nullopt);
+
+    /// Probes Full Disk Access, tells the page, and resumes a full analysis when it was granted.
+    void checkFullDiskAccess();
+
+    // State, readable by all, changed by the bridge alone.
+    std::vector<std::string> pendingIntents;     // every intent received; never trimmed, on purpose
+    std::optional<CancellationFlag> scanTask;    // the running analysis
+    bool scanRunning = false;
+    std::optional<CancellationFlag> accessWatch; // the running watch
+    bool accessGranted = false;                  // last known
+    bool pendingAccessRescan = false;            // analyse again when the running one ends
+    std::optional<BootState> bootState;          // the current analysis; none before the first one
+    bool needsFirstScan = false;
+
+private:
+    friend struct IntentTable;
+
+    // Intents (intents.cpp, settings_intent.cpp, access.cpp).
+    void onSettings(const Payload& payload);
+    void onSetTheme(const Payload& payload);
+    void onScan(const Payload& payload);
+    void onRevealPath(const Payload& payload);
+    void onOpenAccessSettings(const Payload& payload);
+    void onRequestAccess(const Payload& payload);
+    void onCheckAccess(const Payload& payload);
+    void onResetAccess(const Payload& payload);
+    void onAddExclusion(const Payload& payload);
+    void onRemoveExclusion(const Payload& payload);
+    void onExclusions(const Payload& payload);
+    void onResetVelto(const Payload& payload);
+    void onGoView(const Payload& payload);
+
+    // Events (JSBridge.cpp).
+    void evaluate(const std::string& script);
+    void toast(std::string_view titleEs, std::string_view titleEn, std::string_view detail);
+    void pushState();
+
+    // Settings (settings_intent.cpp).
+    void applyMaintenance();
+    void refreshSettings();
+
+    // Analysis (analysis_task.cpp).
+    void startAnalysis();
+    void finishAnalysis(const AnalysisOutput& output);
+    void failAnalysis(const std::string& line);
+    void endAnalysis();
+    DiskState stateToShow() const;
+
+    // Reset (reset.cpp).
+    void forgetLocalData();
+
+    // Full Disk Access (access.cpp).
+    void openAccessSettings();
+    void startAccessWatch();
+    void scheduleAccessCheck(const CancellationFlag& watch, int checksLeft);
+
+    void log(const std::string& line) const;
+
+    Platform& platform_;
+    VeltoSettings& settings_;
+    AppLanguage& language_;
+    ExclusionService& exclusions_;
+    ApplicationShell& shell_;
+    PermissionService permissions_;
+    MaintenanceScheduler scheduler_;
+    ScanCache cache_;
+    // Shared with the walk, which may outlive the bridge.
+    struct ScannerWithAccess;
+    std::shared_ptr<ScannerWithAccess> scanner_;
+    std::weak_ptr<WebView> webView_;
+};
+
+/// Takes the agent and all local data away; the part of a full reset that needs no page. A failure
+/// is ignored: what could be removed is gone.
+void resetLocalData(Platform& platform);
+
+}  // namespace velto

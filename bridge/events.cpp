@@ -1,0 +1,81 @@
+#include "bridge/events.h"
+
+#include <fmt/format.h>
+
+#include "analysis/disk_state_json.h"
+#include "platform/units.h"
+
+namespace velto::events {
+namespace {
+
+std::string quoted(std::string_view text) {
+    std::string result = "\"";
+    for (char character : text) {
+        if (character == '"') result += '\\';
+        result += character;
+    }
+    return result + '"';
+}
+
+}  // namespace
+
+std::string call(std::string_view callback, std::string_view arguments) {
+    return fmt::format("window.velto && window.velto.{0} && window.velto.{0}({1});", callback,
+                       arguments);
+}
+
+std::string literal(const nlohmann::json& json) {
+    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string scanStarted() { return call("onScanStarted", ""); }
+
+std::string scanProgress(std::int64_t files, double gb) {
+    return call("onScanProgress", fmt::format("{}, {}", files, tenths(gb)));
+}
+
+std::string scanFinished() { return call("onScanFinished", ""); }
+
+std::string scanFailed() { return call("onScanFailed", ""); }
+
+std::optional<std::string> setState(const DiskState& state, double stamp) {
+    const auto json = encode(state);
+    if (!json) return std::nullopt;
+    return "window.velto && window.velto.setState(" + *json + ", " + shortest(stamp) + ");";
+}
+
+std::string permissions(bool fullDiskAccess) {
+    return call("onPermissions", literal({{"fda", fullDiskAccess}}));
+}
+
+std::string toast(std::string_view title, std::string_view detail) {
+    return call("toast", quoted(title) + ", " + quoted(detail));
+}
+
+std::string exclusions(const std::vector<std::string>& paths) {
+    return call("onExclusions", literal(paths));
+}
+
+std::string trashState(const nlohmann::json& items) {
+    return call("onTrashState", literal(items));
+}
+
+std::string goView(std::string_view name) {
+    return fmt::format("try {{ go('{}') }} catch(e) {{ console.warn(e) }}", name);
+}
+
+std::string intentEcho(std::string_view name) {
+    return fmt::format("console.info('[velto] intención recibida: {}');", name);
+}
+
+std::optional<std::string> bootstrap(const DiskState& state, double stamp) {
+    const auto json = encode(state);
+    if (!json) return std::nullopt;
+    return "window.velto = window.velto || {};\n"
+           "window.velto._state = " + *json + ";\n"
+           "window.velto._stamp = " + shortest(stamp) + ";\n"
+           "window.velto.setState = function(s, ts){ window.velto._state = s; "
+           "if (ts) window.velto._stamp = ts; };";
+}
+
+}  // namespace velto::events

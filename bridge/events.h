@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "analysis/DiskState.h"
+
+/// The exact script of each event that the page receives. Pure: no bridge, no web view.
+namespace velto::events {
+
+/// The guarded call that every event is: a page without that callback ignores it. `arguments` are
+/// script literals.
+std::string call(std::string_view callback, std::string_view arguments);
+
+/// JSON as a script literal. Bytes that are not UTF-8 become U+FFFD.
+std::string literal(const nlohmann::json& json);
+
+std::string scanStarted();
+std::string scanProgress(std::int64_t files, double gb);  // GB with one decimal
+std::string scanFinished();
+std::string scanFailed();
+
+/// The state's JSON and its stamp (seconds since 1970); nothing when the state cannot be encoded.
+std::optional<std::string> setState(const DiskState& state, double stamp);
+
+std::string permissions(bool fullDiskAccess);
+
+/// Only double quotes are escaped, on purpose: callers hand over single lines without backslashes
+/// (see `singleLine`).
+std::string toast(std::string_view title, std::string_view detail);
+
+std::string exclusions(const std::vector<std::string>& paths);
+std::string trashState(const nlohmann::json& items);
+
+/// Shows a view of the page. The name goes in as it is.
+std::string goView(std::string_view name);
+
+/// Lets the page's own console show a received intent.
+std::string intentEcho(std::string_view name);
+
+/// The script that runs before the page's own and holds the last analysis; nothing when the state
+/// cannot be encoded.
+std::optional<std::string> bootstrap(const DiskState& state, double stamp);
+
+}  // namespace velto::events

@@ -1,0 +1,112 @@
+#include <array>
+
+#include <fmt/format.h>
+
+#include "bridge/JSBridge.h"
+#include "bridge/events.h"
+
+namespace velto {
+
+/// Every intent with its handler, in the order of comparison. A row without one is recognised and
+/// recorded; "webReady" has nothing to do, since the page has its first state already.
+struct IntentTable {
+    using Handler = void (JSBridge::*)(const Payload&);
+    struct Row {
+        std::string_view name;
+        Handler handler;
+    };
+
+    static constexpr std::array<Row, 28> rows{{
+        {"webReady", nullptr},
+        {"settings", &JSBridge::onSettings},
+        {"setTheme", &JSBridge::onSetTheme},
+        {"scan", &JSBridge::onScan},
+        {"systemWatch", nullptr},
+        {"appsList", nullptr},
+        {"appAnalysis", nullptr},
+        {"uninstall", nullptr},
+        {"revealPath", &JSBridge::onRevealPath},
+        {"deleteFiles", nullptr},
+        {"undoLast", nullptr},
+        {"restoreItem", nullptr},
+        {"purgeItem", nullptr},
+        {"purgeTrash", nullptr},
+        {"clearHistory", nullptr},
+        {"openFDASettings", &JSBridge::onOpenAccessSettings},
+        {"requestAccess", &JSBridge::onRequestAccess},
+        {"checkAccess", &JSBridge::onCheckAccess},
+        {"resetAccess", &JSBridge::onResetAccess},
+        {"addExclusion", &JSBridge::onAddExclusion},
+        {"scanCleanables", nullptr},
+        {"cleanPaths", nullptr},
+        {"moveCloud", nullptr},
+        {"resetVelto", &JSBridge::onResetVelto},
+        {"goView", &JSBridge::onGoView},
+        {"setAutoMaintenance", &JSBridge::onSettings},
+        {"exclusions", &JSBridge::onExclusions},
+        {"removeExclusion", &JSBridge::onRemoveExclusion},
+    }};
+};
+
+void JSBridge::handle(const std::string& type, const Payload& payload) {
+    pendingIntents.push_back(type);
+    log(fmt::format("Velto ▶ intención: {} payload: {}", type, payload::description(payload)));
+    evaluate(events::intentEcho(type));
+    for (const auto& row : IntentTable::rows) {
+        if (row.name != type) continue;
+        if (row.handler != nullptr) (this->*row.handler)(payload);
+        return;
+    }
+}
+
+void JSBridge::onSetTheme(const Payload& payload) {
+    const auto theme = payload::stringMember(payload, "theme");
+    if (!theme) return;
+    const Appearance wanted = *theme == "light" ? Appearance::light : Appearance::dark;
+    if (wanted == shell_.appearance()) return;
+    shell_.setAppearance(wanted);
+    log("Velto ▶ tema de la ventana: " + appearanceName(wanted));
+}
+
+void JSBridge::onScan(const Payload&) { startAnalysis(); }
+
+void JSBridge::onRevealPath(const Payload& payload) {
+    if (const auto path = payload::string(payload)) platform_.workspace->reveal(*path);
+}
+
+void JSBridge::onAddExclusion(const Payload& payload) {
+    const auto path = payload::string(payload);
+    if (!path) return;
+    exclusions_.add(*path);
+    toast("Excluido del análisis", "Excluded from the analysis", *path);
+    evaluate(events::exclusions(exclusions_.paths()));
+}
+
+void JSBridge::onRemoveExclusion(const Payload& payload) {
+    const auto path = payload::string(payload);
+    if (!path) return;
+    exclusions_.remove(*path);
+    evaluate(events::exclusions(exclusions_.paths()));
+}
+
+void JSBridge::onExclusions(const Payload&) {
+    evaluate(events::exclusions(exclusions_.paths()));
+}
+
+void JSBridge::onGoView(const Payload& payload) {
+    if (const auto name = payload::string(payload)) evaluate(events::goView(*name));
+}
+
+void JSBridge::onResetVelto(const Payload&) {
+    Platform& platform = platform_;
+    platform.dispatcher->global(
+        QualityOfService::userInitiated, [&platform, weak = weak_from_this()] {
+            if (weak.expired()) return;
+            resetLocalData(platform);
+            platform.dispatcher->main([weak] {
+                if (const auto bridge = weak.lock()) bridge->forgetLocalData();
+            });
+        });
+}
+
+}  // namespace velto

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+/// What an intent carries, and how it is read. Every conversion that fails gives nothing, and the
+/// intent then does nothing.
+namespace velto {
+
+/// Absent means that the message had no payload.
+using Payload = std::optional<nlohmann::json>;
+
+namespace payload {
+
+std::optional<std::string> string(const Payload& payload);
+
+/// The payload as an object; null when it is something else.
+const nlohmann::json* object(const Payload& payload);
+
+/// A value of an object; null when there is no object or it lacks the key.
+const nlohmann::json* member(const Payload& payload, const char* key);
+
+std::optional<std::string> stringMember(const Payload& payload, const char* key);
+
+/// A list of strings and nothing else; an empty list gives nothing.
+std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key);
+
+/// A boolean, or a number (0 is false). Nothing when absent or something else.
+std::optional<bool> boolMember(const Payload& payload, const char* key);
+
+/// A whole number or a boolean. Nothing when absent or something else.
+std::optional<std::int64_t> integerMember(const Payload& payload, const char* key);
+
+/// A description for the log, on one line.
+std::string description(const Payload& payload);
+
+}  // namespace payload
+}  // namespace velto

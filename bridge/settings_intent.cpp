@@ -1,0 +1,61 @@
+#include <exception>
+
+#include <fmt/format.h>
+
+#include "bridge/JSBridge.h"
+
+namespace velto {
+
+void JSBridge::onSettings(const Payload& payload) {
+    if (payload::object(payload) == nullptr) return;
+    // What the page pushes while it starts are its own defaults: they never overwrite settings
+    // that the user has made.
+    const bool atBoot = payload::boolMember(payload, "boot").value_or(false);
+    if (atBoot && settings_.settingsConfigured()) return;
+
+    if (const auto days = payload::integerMember(payload, "retention")) {
+        settings_.setRetention(*days);
+    }
+    if (const auto frequency = payload::stringMember(payload, "frequency")) {
+        settings_.setFrequency(*frequency);
+    }
+    if (const auto enabled = payload::boolMember(payload, "enabled")) {
+        settings_.setAutoMaintenance(*enabled);
+    }
+    if (const nlohmann::json* rules = payload::member(payload, "rules");
+        rules != nullptr && rules->is_object()) {
+        for (const auto& [id, on] : rules->items()) {
+            if (on.is_boolean()) settings_.setRule(id, on.get<bool>());
+        }
+    }
+    if (const auto code = payload::stringMember(payload, "language")) language_.setCode(*code);
+    settings_.markConfigured();
+    log(fmt::format("Velto ▶ ajustes: idioma={} · conservación={} días · mantenimiento={}",
+                    language_.code(), settings_.retention(),
+                    settings_.autoMaintenance() ? "sí" : "no"));
+    applyMaintenance();
+    refreshSettings();
+}
+
+void JSBridge::applyMaintenance() {
+    try {
+        if (settings_.autoMaintenance()) {
+            scheduler_.install(settings_.frequency());
+        } else {
+            scheduler_.remove();
+        }
+    } catch (const std::exception& error) {
+        toast("No se pudo configurar el mantenimiento", "Automatic maintenance couldn't be set up",
+              error.what());
+    }
+}
+
+void JSBridge::refreshSettings() {
+    if (bootState) {
+        bootState->state.settings = settings_.record();
+        cache_.save(bootState->state, bootState->stamp);
+    }
+    pushState();
+}
+
+}  // namespace velto
