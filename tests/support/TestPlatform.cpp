@@ -1,0 +1,23 @@
+#include "support/TestPlatform.h"
+
+#include "support/system_platform.h"
+
+namespace velto {
+
+TestPlatform::TestPlatform()
+    : log(install<FakeLog>(platform.log)),
+      clock(install<FakeClock>(platform.clock)),
+      dispatcher(install<FakeDispatcher>(platform.dispatcher)),
+      volumes(install<FakeVolumeInfo>(platform.volumes)),
+      defaults(install<FakeUserDefaults>(platform.defaults)),
+      locale(install<FakeLocale>(platform.locale)),
+      tools(install<FakeToolRunner>(platform.tools)),
+      workspace(install<FakeWorkspace>(platform.workspace)),
+      notifications(install<FakeNotifications>(platform.notifications)) {
+    platform.files = systemFileManager();
+    platform.directories = systemDirectoryReader();
+    platform.layout = HomeLayout::macOS(home.path());
+    platform.executablePath = "/opt/velto/velto";
+}
+
+}  // namespace velto

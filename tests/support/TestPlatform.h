@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/Platform.h"
+#include "support/FakeDispatcher.h"
+#include "support/TempHome.h"
+#include "support/fakes.h"
+
+namespace velto {
+
+/// A platform of fakes over a made home: the real file system below it, everything else in the
+/// test's hands. The layout is a Mac's unless the test sets another.
+struct TestPlatform {
+    TestPlatform();
+
+    TempHome home;
+    Platform platform;
+
+    FakeLog& log;
+    FakeClock& clock;
+    FakeDispatcher& dispatcher;
+    FakeVolumeInfo& volumes;
+    FakeUserDefaults& defaults;
+    FakeLocale& locale;
+    FakeToolRunner& tools;
+    FakeWorkspace& workspace;
+    FakeNotifications& notifications;
+
+    /// Makes a probe folder readable, which counts as Full Disk Access.
+    void grantAccess() { home.folder("Library/Safari"); }
+};
+
+/// Puts a new fake into a slot of the platform and returns it.
+template <typename Fake, typename Slot>
+Fake& install(std::unique_ptr<Slot>& slot) {
+    auto fake = std::make_unique<Fake>();
+    Fake& reference = *fake;
+    slot = std::move(fake);
+    return reference;
+}
+
+}  // namespace velto

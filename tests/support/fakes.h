@@ -1,0 +1,170 @@
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/ApplicationShell.h"
+#include "platform/Platform.h"
+#include "platform/WebView.h"
+
+namespace velto {
+
+/// Keeps the log's lines.
+class FakeLog final : public Log {
+public:
+    void line(std::string_view text) override {
+        const std::lock_guard lock(mutex_);
+        lines_.emplace_back(text);
+    }
+    std::vector<std::string> lines() const {
+        const std::lock_guard lock(mutex_);
+        return lines_;
+    }
+    bool holds(std::string_view text) const {
+        const auto all = lines();
+        return std::find(all.begin(), all.end(), text) != all.end();
+    }
+    void clear() {
+        const std::lock_guard lock(mutex_);
+        lines_.clear();
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<std::string> lines_;
+};
+
+/// A clock that the test sets.
+class FakeClock final : public Clock {
+public:
+    double now() const override { return time; }
+    double monotonic() const override { return time; }
+
+    double time = 1'700'000'000;
+};
+
+class FakeVolumeInfo final : public VolumeInfo {
+public:
+    std::optional<std::int64_t> totalCapacity(const std::string&) const override { return total; }
+    std::optional<std::int64_t> availableCapacity(const std::string&) const override {
+        return available;
+    }
+
+    std::optional<std::int64_t> total = 500'000'000'000;
+    std::optional<std::int64_t> available = 125'000'000'000;
+};
+
+class FakeUserDefaults final : public UserDefaults {
+public:
+    std::optional<DefaultsValue> value(const std::string& key) const override {
+        const auto found = values.find(key);
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    }
+    void setValue(const std::string& key, DefaultsValue value) override {
+        values[key] = std::move(value);
+    }
+    void remove(const std::string& key) override { values.erase(key); }
+
+    std::map<std::string, DefaultsValue> values;
+};
+
+class FakeLocale final : public Locale {
+public:
+    std::vector<std::string> preferredLanguages() const override { return languages; }
+    std::string decimal(double value, std::string_view) const override {
+        return std::to_string(value);
+    }
+    int compare(std::string_view left, std::string_view right) const override {
+        return left.compare(right);
+    }
+
+    std::vector<std::string> languages{"en-US"};
+};
+
+/// Answers every run with `result` and keeps what was asked.
+class FakeToolRunner final : public ToolRunner {
+public:
+    ToolResult run(const std::string& path, const std::vector<std::string>& arguments) override {
+        std::vector<std::string> command{path};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        commands.push_back(std::move(command));
+        return result;
+    }
+
+    ToolResult result{.started = true, .startError = "", .exitStatus = 0, .standardError = ""};
+    std::vector<std::vector<std::string>> commands;
+};
+
+class FakeWorkspace final : public Workspace {
+public:
+    void openURL(const std::string& url) override { openedURLs.push_back(url); }
+    void reveal(const std::string& path) override { revealed.push_back(path); }
+
+    std::vector<std::string> openedURLs;
+    std::vector<std::string> revealed;
+};
+
+class FakeNotifications final : public Notifications {
+public:
+    void removeAllDelivered() override { ++removals; }
+
+    int removals = 0;
+};
+
+class FakeApplicationShell final : public ApplicationShell {
+public:
+    void activate() override { ++activations; }
+    Appearance appearance() const override { return current; }
+    void setAppearance(Appearance appearance) override {
+        current = appearance;
+        ++appearanceChanges;
+    }
+    void confirm(const Confirmation& question, std::function<void(bool)> answer) override {
+        questions.push_back(question);
+        answer(accepts);
+    }
+
+    Appearance current = Appearance::light;
+    bool accepts = true;
+    int activations = 0;
+    int appearanceChanges = 0;
+    std::vector<Confirmation> questions;
+};
+
+/// Keeps every script that was evaluated and lets a test post messages.
+class FakeWebView final : public WebView {
+public:
+    void evaluate(const std::string& script) override { scripts.push_back(script); }
+    void addUserScript(const std::string& script) override { userScripts.push_back(script); }
+    void setMessageHandler(const std::string& name, MessageHandler handler) override {
+        handlers[name] = std::move(handler);
+    }
+
+    void post(const nlohmann::json& body, const std::string& name = "velto") {
+        handlers.at("velto")(name, body);
+    }
+
+    /// The scripts that call the page's `callback`.
+    std::vector<std::string> calls(const std::string& callback) const {
+        std::vector<std::string> found;
+        for (const std::string& script : scripts) {
+            if (script.find("window.velto." + callback + "(") != std::string::npos) {
+                found.push_back(script);
+            }
+        }
+        return found;
+    }
+
+    std::vector<std::string> scripts;
+    std::vector<std::string> userScripts;
+    std::map<std::string, MessageHandler> handlers;
+};
+
+}  // namespace velto

@@ -1,0 +1,14 @@
+#include "support/system_platform.h"
+
+#include "platform/macos/MacDirectoryReader.h"
+#include "platform/posix/PosixFileManager.h"
+
+namespace velto {
+
+std::unique_ptr<FileManager> systemFileManager() { return std::make_unique<PosixFileManager>(); }
+
+std::unique_ptr<DirectoryReader> systemDirectoryReader() {
+    return std::make_unique<MacDirectoryReader>();
+}
+
+}  // namespace velto
