@@ -13,9 +13,10 @@ if(CCACHE_PROGRAM)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
+# Designated initialisers leave the other members at their defaults on purpose.
 add_library(velto_options INTERFACE)
 target_compile_options(velto_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers)
 if(APPLE)
     target_compile_options(velto_options INTERFACE -mmacosx-version-min=13.0
         $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)

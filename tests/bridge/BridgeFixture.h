@@ -1,0 +1,51 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "bridge/JSBridge.h"
+#include "support/TestPlatform.h"
+
+namespace velto {
+
+/// A bridge over a made home, with its page and its queues in the test's hands.
+struct BridgeFixture : testing::Test {
+    TestPlatform machine;
+    VeltoSettings settings{machine.defaults, machine.locale};
+    AppLanguage language{settings};
+    ExclusionService exclusions{*machine.platform.files, machine.platform.layout};
+    FakeApplicationShell shell;
+    std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
+    std::shared_ptr<JSBridge> bridge;
+
+    /// Makes the bridge and attaches the page, as opening the window does.
+    void open() {
+        bridge = std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
+                                                          .settings = settings,
+                                                          .language = language,
+                                                          .exclusions = exclusions,
+                                                          .shell = shell});
+        bridge->attach(page);
+    }
+
+    void load() { bridge->applyBootState(); }
+
+    /// Saves an analysis as an earlier run of the program would have.
+    void saveAnalysis(double ts) {
+        DiskState state;
+        state.total = 500;
+        state.free = 100;
+        state.ser = 62;
+        state.cats.push_back({.id = "fotos", .name = "Fotos y vídeo", .gb = 1.5});
+        ScanCache(*machine.platform.files, machine.platform.layout).save(state, ts);
+    }
+
+    void post(const char* type) { page->post({{"type", type}}); }
+    void post(const char* type, const nlohmann::json& payload) {
+        page->post({{"type", type}, {"payload", payload}});
+    }
+
+    std::size_t count(const char* callback) const { return page->calls(callback).size(); }
+};
+
+}  // namespace velto

@@ -1,0 +1,145 @@
+#include "bridge/BridgeFixture.h"
+
+namespace velto {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct AnalysisTask : BridgeFixture {};
+
+TEST_F(AnalysisTask, ASavedAnalysisIsThereBeforeThePagesScriptsAndNoScanStarts) {
+    saveAnalysis(machine.clock.time - 90);
+    open();
+    ASSERT_EQ(page->userScripts.size(), 1u);
+    EXPECT_THAT(page->userScripts[0], HasSubstr("window.velto._stamp = 1699999910.0;"));
+    EXPECT_TRUE(machine.log.holds(
+        "Velto ▶ arranque: análisis guardado hace 1.5 min · escaneo automático: no"));
+    load();
+    EXPECT_TRUE(machine.log.holds(
+        "Velto ▶ estado de arranque aplicado: real · categorías=1 · archivos=0"));
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_EQ(count("onScanStarted"), 0u);
+    EXPECT_EQ(count("setState"), 1u);
+    EXPECT_EQ(count("onTrashState"), 1u);
+}
+
+TEST_F(AnalysisTask, ASavedAnalysisOfAnyAgeIsShownWithoutANewOne) {
+    saveAnalysis(0);
+    open();
+    load();
+    EXPECT_FALSE(bridge->needsFirstScan);
+    EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(AnalysisTask, WithoutASavedAnalysisOneStartsWhenThePageHasLoaded) {
+    open();
+    EXPECT_THAT(page->userScripts, IsEmpty());
+    EXPECT_TRUE(machine.log.holds("Velto ▶ arranque: sin análisis previo"));
+    EXPECT_FALSE(bridge->scanRunning);
+    load();
+    EXPECT_TRUE(machine.log.holds(
+        "Velto ▶ estado de arranque aplicado: pendiente de análisis · categorías=0 · archivos=0"));
+    EXPECT_THAT(page->calls("setState").front(),
+                AllOf(HasSubstr("\"cats\":[]"), HasSubstr("\"total\":500.0"),
+                      HasSubstr("\"free\":125.0"), HasSubstr("\"ser\":66")));
+    EXPECT_TRUE(bridge->scanRunning);
+    EXPECT_EQ(count("onScanStarted"), 1u);
+}
+
+TEST_F(AnalysisTask, AFinishedAnalysisIsSavedBeforeThePageHearsOfIt) {
+    machine.home.file("Music/a.mp3", 2_MB);
+    open();
+    load();
+    page->scripts.clear();
+    machine.dispatcher.runAll();
+
+    const auto saved = ScanCache(*machine.platform.files, machine.platform.layout).load();
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->ts, machine.clock.time);
+    EXPECT_EQ(saved->state, bridge->bootState->state);
+    EXPECT_EQ(saved->state.cats.size(), 6u);
+    ASSERT_GE(page->scripts.size(), 3u);
+    const auto end = page->scripts.end();
+    EXPECT_THAT(*(end - 3), HasSubstr("onPermissions"));
+    EXPECT_THAT(*(end - 2), HasSubstr("setState"));
+    EXPECT_THAT(*(end - 1), HasSubstr("onScanFinished"));
+    EXPECT_TRUE(machine.log.holds("Velto ▶ análisis iniciado"));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ análisis terminado: 0 archivos top, 125.0 GB libres"));
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_FALSE(bridge->scanTask);
+}
+
+TEST_F(AnalysisTask, ASecondScanWhileOneRunsIsIgnored) {
+    open();
+    post("scan");
+    post("scan");
+    EXPECT_EQ(machine.dispatcher.waitingGlobal(), 1u);
+    EXPECT_EQ(count("onScanStarted"), 1u);
+}
+
+TEST_F(AnalysisTask, ACancelledAnalysisKeepsWhatWasThere) {
+    saveAnalysis(1'600'000'000);
+    open();
+    const DiskState before = bridge->bootState->state;
+    machine.home.file("a.txt", 10_KB);
+    post("scan");
+    bridge->scanTask->cancel();
+    machine.dispatcher.runAll();
+    EXPECT_TRUE(machine.log.holds("Velto ▶ análisis cancelado"));
+    EXPECT_EQ(count("onScanFailed"), 1u);
+    EXPECT_EQ(count("setState"), 0u);
+    EXPECT_EQ(bridge->bootState->state, before);
+    EXPECT_EQ(ScanCache(*machine.platform.files, machine.platform.layout).load()->ts,
+              1'600'000'000);
+    EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(AnalysisTask, ABridgeThatIsGoneEndsItsAnalysisQuietly) {
+    open();
+    post("scan");
+    bridge.reset();
+    page->scripts.clear();
+    machine.dispatcher.runAll();
+    EXPECT_THAT(page->scripts, IsEmpty());
+}
+
+TEST_F(AnalysisTask, AnEventAfterThePageIsGoneIsDropped) {
+    open();
+    post("scan");
+    page.reset();
+    machine.dispatcher.runAll();
+    EXPECT_TRUE(bridge->bootState);
+}
+
+TEST_F(AnalysisTask, AStateThatCannotBeEncodedStillTellsThePermissions) {
+    saveAnalysis(1);
+    open();
+    bridge->bootState->state.free = std::numeric_limits<double>::infinity();
+    load();
+    EXPECT_EQ(count("onPermissions"), 1u);
+    EXPECT_EQ(count("setState"), 0u);
+    EXPECT_TRUE(machine.log.holds("Velto: no se pudo serializar DiskState"));
+}
+
+TEST_F(AnalysisTask, AReloadedPageHearsThatAnAnalysisRuns) {
+    open();
+    load();
+    load();
+    EXPECT_EQ(count("onScanStarted"), 2u);
+    EXPECT_EQ(machine.dispatcher.waitingGlobal(), 1u);
+}
+
+TEST_F(AnalysisTask, SettingsChangedSinceTheAnalysisAreWhatThePageSees) {
+    saveAnalysis(1);
+    settings.setRetention(7);
+    open();
+    EXPECT_THAT(page->userScripts.at(0), HasSubstr("\"retention\":7"));
+}
+
+}  // namespace
+}  // namespace velto

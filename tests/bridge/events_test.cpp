@@ -1,0 +1,86 @@
+#include "bridge/events.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <limits>
+
+namespace velto {
+namespace {
+
+TEST(Events, ScanCallbacksAreTheFixedTexts) {
+    EXPECT_EQ(events::scanStarted(),
+              "window.velto && window.velto.onScanStarted && window.velto.onScanStarted();");
+    EXPECT_EQ(events::scanFinished(),
+              "window.velto && window.velto.onScanFinished && window.velto.onScanFinished();");
+    EXPECT_EQ(events::scanFailed(),
+              "window.velto && window.velto.onScanFailed && window.velto.onScanFailed();");
+}
+
+TEST(Events, ProgressHasOneDecimalAndAPointInEveryLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    std::setlocale(LC_ALL, "es_ES.UTF-8");
+    EXPECT_EQ(events::scanProgress(12345, 2.25),
+              "window.velto && window.velto.onScanProgress && "
+              "window.velto.onScanProgress(12345, 2.2);");
+    EXPECT_EQ(events::scanProgress(0, 0),
+              "window.velto && window.velto.onScanProgress && window.velto.onScanProgress(0, 0.0);");
+    std::setlocale(LC_ALL, before.c_str());
+}
+
+TEST(Events, AToastEscapesQuotesAndNothingElse) {
+    EXPECT_EQ(events::toast("Say \"hi\"", "a\\b"),
+              "window.velto && window.velto.toast && "
+              "window.velto.toast(\"Say \\\"hi\\\"\", \"a\\b\");");
+}
+
+TEST(Events, PermissionsAndListsAreJson) {
+    EXPECT_EQ(events::permissions(true),
+              "window.velto && window.velto.onPermissions && "
+              "window.velto.onPermissions({\"fda\":true});");
+    EXPECT_EQ(events::exclusions({"/h/a \"b\""}),
+              "window.velto && window.velto.onExclusions && "
+              "window.velto.onExclusions([\"/h/a \\\"b\\\"\"]);");
+    EXPECT_EQ(events::trashState(nlohmann::json::array()),
+              "window.velto && window.velto.onTrashState && window.velto.onTrashState([]);");
+}
+
+TEST(Events, GoViewInsertsTheNameAsItIs) {
+    EXPECT_EQ(events::goView("apps"), "try { go('apps') } catch(e) { console.warn(e) }");
+}
+
+TEST(Events, AnIntentIsEchoedToThePagesConsole) {
+    EXPECT_EQ(events::intentEcho("webReady"),
+              "console.info('[velto] intención recibida: webReady');");
+}
+
+TEST(Events, SetStateIsGuardedOnceAndCarriesThePlainStamp) {
+    DiskState state;
+    state.total = 500;
+    const auto script = events::setState(state, 1700000000.25);
+    ASSERT_TRUE(script);
+    EXPECT_TRUE(script->starts_with("window.velto && window.velto.setState({\"cats\":[]"));
+    EXPECT_TRUE(script->ends_with(", 1700000000.25);"));
+}
+
+TEST(Events, AStateThatCannotBeEncodedGivesNoScript) {
+    DiskState state;
+    state.free = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(events::setState(state, 1));
+    EXPECT_FALSE(events::bootstrap(state, 1));
+    state.free = 0;
+    state.cats.push_back({.id = "\xFF"});
+    EXPECT_FALSE(events::setState(state, 1));
+}
+
+TEST(Events, TheBootstrapDefinesStateStampAndAProvisionalSetState) {
+    const auto script = events::bootstrap(DiskState{}, 1700000000);
+    ASSERT_TRUE(script);
+    EXPECT_TRUE(script->starts_with("window.velto = window.velto || {};\nwindow.velto._state = {"));
+    EXPECT_TRUE(script->ends_with(
+        ";\nwindow.velto._stamp = 1700000000.0;\nwindow.velto.setState = function(s, ts){ "
+        "window.velto._state = s; if (ts) window.velto._stamp = ts; };"));
+}
+
+}  // namespace
+}  // namespace velto

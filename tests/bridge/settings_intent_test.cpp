@@ -1,0 +1,106 @@
+#include "bridge/BridgeFixture.h"
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct SettingsIntent : BridgeFixture {
+    void SetUp() override {
+        open();
+        page->scripts.clear();
+        machine.log.clear();
+    }
+};
+
+const json everything{{"retention", 14},
+                      {"frequency", "monthly"},
+                      {"enabled", false},
+                      {"rules", {{"caches", false}, {"duplicates", true}}},
+                      {"language", "es-MX"}};
+
+TEST_F(SettingsIntent, EachKeyIsStored) {
+    post("settings", everything);
+    const Settings record = settings.record();
+    EXPECT_EQ(record.retention, 14);
+    EXPECT_EQ(record.frequency, "monthly");
+    EXPECT_FALSE(record.rules->at("caches"));
+    EXPECT_TRUE(record.rules->at("duplicates"));
+    EXPECT_EQ(language.code(), "es");
+    EXPECT_TRUE(settings.settingsConfigured());
+    EXPECT_THAT(machine.log.lines().at(1),
+                StartsWith("Velto ▶ ajustes: idioma=es · conservación=14 días · mantenimiento="));
+}
+
+TEST_F(SettingsIntent, BothNamesDoTheSame) {
+    post("settings", everything);
+    const auto first = machine.defaults.values;
+    machine.defaults.values.clear();
+    post("setAutoMaintenance", everything);
+    EXPECT_EQ(machine.defaults.values, first);
+}
+
+TEST_F(SettingsIntent, ThePagesStartNeverOverwritesTheUsersChoice) {
+    post("settings", {{"boot", true}, {"retention", 90}});
+    EXPECT_EQ(settings.retention(), 90) << "nothing was chosen yet";
+    post("settings", {{"retention", 7}});
+    machine.home.text("Library/LaunchAgents/app.velto.maintenance.plist", "x");
+    const auto before = machine.defaults.values;
+    post("settings", {{"boot", true}, {"retention", 90}, {"language", "es"}});
+    EXPECT_EQ(machine.defaults.values, before);
+    EXPECT_TRUE(machine.home.exists("Library/LaunchAgents/app.velto.maintenance.plist"));
+    EXPECT_TRUE(machine.tools.commands.empty());
+}
+
+TEST_F(SettingsIntent, ValuesThatCannotBeConvertedAreLeftOut) {
+    post("settings", {{"retention", "x"}, {"enabled", "yes"}, {"rules", {{"caches", "off"}}}});
+    EXPECT_EQ(settings.retention(), 30);
+    EXPECT_FALSE(settings.autoMaintenance());
+    EXPECT_TRUE(settings.rules().at("caches"));
+    post("settings", {{"frequency", "hourly"}});
+    EXPECT_EQ(settings.frequency(), "daily");
+}
+
+TEST_F(SettingsIntent, SwitchingMaintenanceOnInstallsTheAgentAndOffRemovesIt) {
+    const std::string agent = machine.home.path("Library/LaunchAgents/app.velto.maintenance.plist");
+    post("settings", {{"enabled", true}, {"frequency", "monthly"}});
+    EXPECT_EQ(machine.home.read("Library/LaunchAgents/app.velto.maintenance.plist"),
+              launchAgentText("/opt/velto/velto", "monthly"));
+    EXPECT_THAT(machine.tools.commands, ElementsAre(ElementsAre("/bin/launchctl", "unload", agent),
+                                                    ElementsAre("/bin/launchctl", "load", agent)));
+    EXPECT_EQ(count("toast"), 0u);
+
+    post("settings", {{"enabled", false}});
+    EXPECT_FALSE(machine.platform.files->exists(agent));
+    EXPECT_THAT(machine.tools.commands.back(), ElementsAre("/bin/launchctl", "unload", agent));
+}
+
+TEST_F(SettingsIntent, AFailedInstallationIsToldInTheUsersLanguage) {
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    post("settings", {{"enabled", true}});
+    EXPECT_THAT(page->calls("toast").back(),
+                HasSubstr("\"Automatic maintenance couldn't be set up\", \"could not start "
+                          "/bin/launchctl: No such file or directory\""));
+    post("settings", {{"enabled", true}, {"language", "es"}});
+    EXPECT_THAT(page->calls("toast").back(),
+                HasSubstr("\"No se pudo configurar el mantenimiento\""));
+}
+
+TEST_F(SettingsIntent, ThePageGetsTheNewStateAndTheSavedAnalysisKeepsItsStamp) {
+    saveAnalysis(1'600'000'000);
+    open();
+    page->scripts.clear();
+    post("settings", {{"retention", 7}});
+    EXPECT_THAT(page->calls("setState").back(), HasSubstr("\"retention\":7"));
+    EXPECT_THAT(page->calls("setState").back(), HasSubstr(", 1600000000.0);"));
+    const auto saved = ScanCache(*machine.platform.files, machine.platform.layout).load();
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->ts, 1'600'000'000);
+    EXPECT_EQ(saved->state.settings.retention, 7);
+}
+
+}  // namespace
+}  // namespace velto
