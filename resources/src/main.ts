@@ -2,6 +2,7 @@ import { mount } from 'svelte';
 import App from './App.svelte';
 import './style/tokens.css';
 import './style/base.css';
+import './style/categories.css';
 import { start } from './state/start.ts';
 
 start();

@@ -2,9 +2,14 @@
 import { tick } from 'svelte';
 import { connect, send } from '../protocol/connection.ts';
 import type { DiskState } from '../protocol/protocol.ts';
+import { publishGo } from './navigation.svelte.ts';
 import { session } from './session.svelte.ts';
+import { theme } from './theme.svelte.ts';
+import { toasts } from './toasts.svelte.ts';
 
 export function start(): void {
+  theme.start();
+  publishGo();
   const saved = connect({
     setState: (state, stamp) => showState(state, stamp),
     onScanStarted: () => {
@@ -20,6 +25,7 @@ export function start(): void {
     onScanFinished: () => (session.scanPhase = 'idle'),
     onScanFailed: () => (session.scanPhase = 'failed'),
     onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),
+    toast: (title, detail) => toasts.show(title, detail),
     onExclusions: (paths) => (session.exclusions = paths),
     onTrashState: (items) => (session.trashGb = items.reduce((sum, item) => sum + item.gb, 0)),
     onTrashChanged: (gb) => (session.trashGb = gb),

@@ -1,0 +1,47 @@
+/** Keys that work everywhere. Cmd/Ctrl+R belongs to the program's menu and is left alone. */
+import { undoLastCleanup } from '../state/removal.ts';
+
+const regions = ['rail', 'list', 'actions'];
+
+function isTextField(target: EventTarget | null): boolean {
+  return target instanceof HTMLElement && target.matches('input, textarea, [contenteditable]');
+}
+
+/** What a region wants focused when it is reached by key. */
+function entryOf(region: Element): HTMLElement | null {
+  return region.querySelector<HTMLElement>(
+    '[aria-current="page"], [tabindex="0"], button:not([tabindex="-1"]), a[href], input, select',
+  );
+}
+
+/** From rail to list to action bar and round again; regions that are not there are passed over. */
+export function focusNextRegion(backwards: boolean): void {
+  const present = regions.flatMap((name) => {
+    const region = document.querySelector(`[data-region="${name}"]`);
+    const entry = region && entryOf(region);
+    return region && entry ? [{ region, entry }] : [];
+  });
+  if (!present.length) return;
+  const current = present.findIndex(({ region }) => region.contains(document.activeElement));
+  const step = backwards ? -1 : 1;
+  const next = current < 0 ? 0 : (current + step + present.length) % present.length;
+  present[next]!.entry.focus();
+}
+
+export function handleKey(event: KeyboardEvent): void {
+  if (document.querySelector('dialog[open]')) return;
+  const command = (event.metaKey || event.ctrlKey) && !event.altKey && !event.shiftKey;
+  if (event.key === 'F6') {
+    event.preventDefault();
+    focusNextRegion(event.shiftKey);
+  } else if (command && event.key.toLowerCase() === 'f') {
+    const search = document.querySelector<HTMLInputElement>('[data-search]');
+    if (!search) return;
+    event.preventDefault();
+    search.focus();
+    search.select();
+  } else if (command && event.key.toLowerCase() === 'z' && !isTextField(event.target)) {
+    event.preventDefault();
+    undoLastCleanup();
+  }
+}

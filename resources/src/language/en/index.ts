@@ -1,0 +1,6 @@
+import { frame } from './frame.ts';
+import { lists } from './lists.ts';
+import { overview } from './overview.ts';
+import { settings } from './settings.ts';
+
+export const en = { frame, lists, overview, settings };

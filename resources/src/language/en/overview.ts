@@ -1,0 +1,66 @@
+import { formats } from '../formats.ts';
+
+const { plural, size } = formats.en;
+
+export const overview = {
+  analysedNow: 'Analyzed just now',
+  analysed: (when: string) => `Analyzed ${when}`,
+  free: 'free',
+  usedOf: (used: number, total: number) => `${size(used)} of ${size(total)} in use`,
+  barLabel: (used: number, free: number, total: number) =>
+    `${size(used)} in use and ${size(free)} free, of ${size(total)}`,
+  scoreLabel: 'Room to spare',
+  scoreOf: (score: number) => `${score} of 100`,
+  scoreWords: { roomy: 'Plenty', comfortable: 'Comfortable', tight: 'Getting tight', full: 'Very little' },
+  scoreWhy: 'Worked out from the free share of the disk: 10% free gives 50, 30% free gives 70.',
+  mapTitle: 'Where the space is',
+  mapLabel: 'Map of the disk by category',
+  mapHelp: 'Each area is as large as the space it takes. Choose a file to find it in the list.',
+  mapAlternative: 'The table below has the same figures.',
+  cell: (name: string, gb: number, category: string) => `${name}, ${size(gb)}, ${category}`,
+  remainder: 'Everything else',
+  remainderLabel: (gb: number, category: string) => `${category}: everything else, ${size(gb)}`,
+  tableTitle: 'By category',
+  columns: { category: 'Category', files: 'Files', size: 'Size' },
+  categories: {
+    fotos: 'Photos and video',
+    apps: 'Applications',
+    docs: 'Documents',
+    descargas: 'Downloads',
+    musica: 'Music and audio',
+    sistema: 'macOS and system data',
+  },
+  systemElsewhere: 'System and everything else',
+  equivalences: {
+    fotos: 'about 150,000 photos or a year of home videos',
+    apps: 'like 40 big games',
+    docs: 'like 8,000 digital books',
+    descargas: 'like 190 films in HD',
+    musica: 'like 6,500 songs',
+    sistema: 'the essential space your Mac needs to work',
+  },
+  equivalenceSystemElsewhere: 'the essential space your computer needs to work',
+  accessTitle: 'Some places were not measured',
+  accessTitleBefore: 'Some places cannot be measured yet',
+  accessText: (places: string) =>
+    `Without Full Disk Access these stay unread: ${places}. Their space counts as system data; everything else works.`,
+  accessTextUnknown: 'Without Full Disk Access some folders stay unread. Everything else works.',
+  accessGrant: 'Grant access…',
+  accessAlready: 'Already granted',
+  accessAnyway: 'Analyze anyway',
+  places: {
+    desktop: 'Desktop',
+    documents: 'Documents',
+    downloads: 'Downloads',
+    photos: 'the Photos library',
+    icloud: 'iCloud Drive',
+    mail: 'Mail',
+    messages: 'Messages',
+    safari: 'Safari',
+    calendars: 'Calendars',
+    contacts: 'Contacts',
+    iphone: 'iPhone backups',
+  },
+  largeFiles: (count: number) =>
+    plural(count, { one: 'Show # large file', other: 'Show # large files' }),
+};

@@ -1,0 +1,87 @@
+/**
+ * Keys of a list with one tab stop. Rows carry `data-key`; the actions inside a row are reached
+ * with the right arrow and left with the left one.
+ */
+export interface ListActions {
+  /** The keys of the rows, in the order shown. */
+  order: readonly string[];
+  focused: string | null;
+  focus(key: string): void;
+  toggle(key: string): void;
+  extend(key: string): void;
+  selectAll(): void;
+  clear(): void;
+  remove(): void;
+  copy(): void;
+  /** Any other key of the list; answers whether it was taken. */
+  other?(event: KeyboardEvent): boolean;
+}
+
+const rowsPerPage = 10;
+
+function target(event: KeyboardEvent, index: number, count: number): number | null {
+  switch (event.key) {
+    case 'ArrowDown':
+      return index + 1;
+    case 'ArrowUp':
+      return index - 1;
+    case 'PageDown':
+      return index + rowsPerPage;
+    case 'PageUp':
+      return index - rowsPerPage;
+    case 'Home':
+      return 0;
+    case 'End':
+      return count - 1;
+    default:
+      return null;
+  }
+}
+
+/** Moves between a row and the buttons inside it; answers whether the key was one of those. */
+function moveInsideRow(event: KeyboardEvent): boolean {
+  if (event.key !== 'ArrowRight' && event.key !== 'ArrowLeft') return false;
+  const from = event.target as HTMLElement;
+  const row = from.closest<HTMLElement>('[data-key]');
+  if (!row) return false;
+  const stops = [row, ...row.querySelectorAll<HTMLElement>('button')];
+  const next = stops.indexOf(from) + (event.key === 'ArrowRight' ? 1 : -1);
+  stops[next]?.focus();
+  return true;
+}
+
+function moveBetweenRows(event: KeyboardEvent, actions: ListActions): boolean {
+  const index = actions.focused === null ? -1 : actions.order.indexOf(actions.focused);
+  const wanted = target(event, index, actions.order.length);
+  if (wanted === null) return false;
+  const key = actions.order[Math.min(Math.max(wanted, 0), actions.order.length - 1)];
+  if (key === undefined) return false;
+  if (event.shiftKey) {
+    if (actions.focused !== null) actions.extend(actions.focused);
+    actions.extend(key);
+  }
+  actions.focus(key);
+  return true;
+}
+
+function act(event: KeyboardEvent, actions: ListActions): boolean {
+  const command = (event.metaKey || event.ctrlKey) && !event.altKey;
+  const key = event.key.toLowerCase();
+  if (command && key === 'a') actions.selectAll();
+  else if (command && key === 'c') actions.copy();
+  else if (command) return false;
+  else if (event.key === 'Escape') actions.clear();
+  else if (event.key === 'Delete' || event.key === 'Backspace') actions.remove();
+  else if (event.key === ' ' && actions.focused !== null) {
+    if (event.shiftKey) actions.extend(actions.focused);
+    else actions.toggle(actions.focused);
+  } else return actions.other?.(event) ?? false;
+  return true;
+}
+
+export function handleListKey(event: KeyboardEvent, actions: ListActions): void {
+  const inButton = (event.target as HTMLElement).matches('button');
+  const pressesButton = inButton && (event.key === ' ' || event.key === 'Enter');
+  if (pressesButton) return;
+  if (moveBetweenRows(event, actions) || moveInsideRow(event) || act(event, actions)) event.preventDefault();
+}

@@ -1,0 +1,46 @@
+/** Which view is shown, and what it was asked to point at. */
+import { publish } from '../protocol/connection.ts';
+import type { ViewName } from '../protocol/protocol.ts';
+
+export const viewNames: readonly ViewName[] = [
+  'inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'apps', 'sistema', 'ajustes',
+];
+
+class Navigation {
+  view = $state<ViewName>('inicio');
+  /** The path that the list of large files should show and focus; taken by the list. */
+  wantedFile = $state<string | null>(null);
+  /** The change came from elsewhere than the rail: the focus should follow it to the view. */
+  private arrived = $state(false);
+
+  show(view: ViewName): void {
+    this.view = view;
+  }
+
+  arrive(view: ViewName): void {
+    this.view = view;
+    this.arrived = true;
+  }
+
+  /** True once after each arrival. */
+  takeArrival(): boolean {
+    const arrived = this.arrived;
+    if (arrived) this.arrived = false;
+    return arrived;
+  }
+
+  openFile(path: string): void {
+    this.wantedFile = path;
+    this.view = 'archivos';
+  }
+}
+
+export const navigation = new Navigation();
+
+/** The program's menu calls `go` with a view's name; an unknown name changes nothing. */
+export function publishGo(): void {
+  publish('go', (name) => {
+    const view = viewNames.find((known) => known === name);
+    if (view) navigation.arrive(view);
+  });
+}

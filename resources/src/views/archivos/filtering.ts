@@ -1,0 +1,69 @@
+/** Which large files are shown, and in which order. */
+import { oldestKnownUse } from '../../language/formats.ts';
+import type { BigFile } from '../../protocol/protocol.ts';
+
+export type SortColumn = 'name' | 'path' | 'size' | 'kind' | 'lastUse';
+export type Direction = 'ascending' | 'descending';
+export type AgeFilter = 'any' | 'days30' | 'days180' | 'days365';
+
+export interface Order {
+  column: SortColumn;
+  direction: Direction;
+}
+
+export interface Filter {
+  search: string;
+  kind: string;
+  age: AgeFilter;
+}
+
+export const everything: Filter = { search: '', kind: 'any', age: 'any' };
+export const largestFirst: Order = { column: 'size', direction: 'descending' };
+
+const leastDays: Record<AgeFilter, number> = { any: 0, days30: 30, days180: 180, days365: 365 };
+
+/** Letters count alike with and without marks and capitals: "informacion" finds "Información". */
+function folded(text: string): string {
+  return text.normalize('NFD').replace(/\p{Mn}/gu, '').toLowerCase();
+}
+
+/** An age filter shows known ages only: a missing date is no proof of a long time. */
+export function filterFiles(files: readonly BigFile[], filter: Filter): BigFile[] {
+  const words = folded(filter.search).split(/\s+/).filter(Boolean);
+  const days = leastDays[filter.age];
+  return files.filter((file) => {
+    if (filter.kind !== 'any' && file.kind !== filter.kind) return false;
+    if (days > 0 && (file.lastN < days || file.lastN > oldestKnownUse)) return false;
+    if (!words.length) return true;
+    const path = folded(file.path);
+    return words.every((word) => path.includes(word));
+  });
+}
+
+type Compare = (left: string, right: string) => number;
+
+/** Equal rows keep the order of their paths, so that a list never shuffles. */
+export function sortFiles(
+  files: readonly BigFile[],
+  { column, direction }: Order,
+  compare: Compare,
+  kindName: (kind: string) => string,
+): BigFile[] {
+  const by: Record<SortColumn, (left: BigFile, right: BigFile) => number> = {
+    name: (left, right) => compare(left.name, right.name),
+    path: (left, right) => compare(left.path, right.path),
+    size: (left, right) => left.gb - right.gb,
+    kind: (left, right) => compare(kindName(left.kind), kindName(right.kind)),
+    lastUse: (left, right) => left.lastN - right.lastN,
+  };
+  const sign = direction === 'ascending' ? 1 : -1;
+  return [...files].sort((left, right) => sign * by[column](left, right) || compare(left.path, right.path));
+}
+
+/** A second press turns the order round; sizes and ages start with the largest. */
+export function nextOrder(current: Order, column: SortColumn): Order {
+  if (current.column === column) {
+    return { column, direction: current.direction === 'ascending' ? 'descending' : 'ascending' };
+  }
+  return { column, direction: column === 'size' || column === 'lastUse' ? 'descending' : 'ascending' };
+}

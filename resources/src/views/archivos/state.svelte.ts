@@ -1,0 +1,72 @@
+/** What the list of large files remembers while another view is shown. */
+import { language } from '../../language/language.svelte.ts';
+import type { BigFile } from '../../protocol/protocol.ts';
+import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { session } from '../../state/session.svelte.ts';
+import { everything, filterFiles, largestFirst, sortFiles, type Filter, type Order } from './filtering.ts';
+
+class LargeFiles {
+  filter = $state.raw<Filter>(everything);
+  order = $state.raw<Order>(largestFirst);
+  focused = $state<string | null>(null);
+  private chosen = $state.raw<Selection>(nothing);
+
+  readonly all: BigFile[] = $derived(session.disk?.files ?? []);
+  readonly shown: BigFile[] = $derived(
+    sortFiles(
+      filterFiles(this.all, this.filter),
+      this.order,
+      language.formats.compare,
+      (kind) => kindName(kind),
+    ),
+  );
+  readonly keys: string[] = $derived(this.shown.map(({ path }) => path));
+  readonly selection: Selection = $derived(keepShown(this.chosen, this.keys));
+  readonly selectedFiles: BigFile[] = $derived(this.shown.filter(({ path }) => this.selection.selected.has(path)));
+  readonly selectedGb: number = $derived(this.selectedFiles.reduce((sum, { gb }) => sum + gb, 0));
+  readonly largest: number = $derived(Math.max(...this.all.map(({ gb }) => gb), 0.1));
+  readonly isFiltered: boolean = $derived(
+    this.filter.search.trim() !== '' || this.filter.kind !== 'any' || this.filter.age !== 'any',
+  );
+  private readonly locked: ReadonlySet<string> = $derived(
+    new Set(this.all.filter(({ isProtected }) => isProtected).map(({ path }) => path)),
+  );
+
+  private readonly selectable = (path: string): boolean => !this.locked.has(path);
+
+  /** Only what is shown stays selected, also after the filter is taken away again. */
+  narrow(change: Partial<Filter>): void {
+    this.filter = { ...this.filter, ...change };
+    this.chosen = this.selection;
+  }
+
+  toggle(path: string): void {
+    this.chosen = toggle(this.selection, path, this.selectable);
+  }
+
+  extend(path: string): void {
+    this.chosen = extend(this.selection, path, this.keys, this.selectable);
+  }
+
+  selectAll(): void {
+    this.chosen = selectAll(this.keys, this.selectable);
+  }
+
+  clear(): void {
+    this.chosen = nothing;
+  }
+
+  /** Shows a file that another view pointed at, whatever the filter was. */
+  pointAt(path: string): void {
+    if (!this.all.some((file) => file.path === path)) return;
+    if (!this.keys.includes(path)) this.narrow(everything);
+    this.focused = path;
+  }
+}
+
+export function kindName(kind: string): string {
+  const kinds: Record<string, string> = language.words.frame.kinds;
+  return kinds[kind] ?? kind;
+}
+
+export const largeFiles = new LargeFiles();

@@ -1,0 +1,141 @@
+/** Opens the built page from `file:` with a stub of the program on the other side. */
+import { chromium, type Browser, type BrowserContextOptions, type Page } from 'playwright-core';
+import type { DiskState, EventName } from '../../src/protocol/protocol.ts';
+
+export interface Intent {
+  type: string;
+  payload?: unknown;
+}
+
+export interface Setting {
+  /** What the program saved earlier; it is in the page before its scripts run. */
+  saved?: DiskState;
+  stamp?: number;
+  platform?: 'macos' | 'linux';
+  /** The build with every prepared feature switched on. */
+  ahead?: boolean;
+  /** Null opens the page as a plain browser would, without a program. */
+  program?: null;
+  storage?: Record<string, string>;
+  context?: BrowserContextOptions;
+}
+
+export interface OpenPage {
+  page: Page;
+  /** Everything the page has sent so far. */
+  intents(): Promise<Intent[]>;
+  /** The intents sent while the action ran. */
+  during(action: () => Promise<unknown>): Promise<Intent[]>;
+  /** Calls one of the page's callbacks as the program does. */
+  tell(event: EventName, ...values: unknown[]): Promise<void>;
+  /** Errors, refused resources and policy violations; a good page has none. */
+  complaints: string[];
+  close(): Promise<void>;
+}
+
+export async function launch(): Promise<Browser> {
+  return chromium.launch({
+    executablePath: '/usr/bin/chromium',
+    args: [
+      '--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run',
+      '--disable-background-networking', '--disable-component-update', '--disable-sync',
+    ],
+  });
+}
+
+/** Runs in the page before its own scripts: the channel, the saved state and the platform. */
+function prepare({ saved, stamp, platform, hosted, storage }: {
+  saved: unknown;
+  stamp: number;
+  platform: string;
+  hosted: boolean;
+  storage: Record<string, string>;
+}): void {
+  const page = window as unknown as Record<string, unknown>;
+  const intents: unknown[] = [];
+  const complaints: string[] = [];
+  page.__intents = intents;
+  page.__complaints = complaints;
+  document.addEventListener('securitypolicyviolation', (event) => {
+    complaints.push(`policy: ${event.violatedDirective} ${event.blockedURI}`);
+  });
+  for (const [key, value] of Object.entries(storage)) localStorage.setItem(key, value);
+  // The root element is not there yet when this runs.
+  new MutationObserver((_, observer) => {
+    if (!document.documentElement) return;
+    document.documentElement.dataset.platform = platform;
+    observer.disconnect();
+  }).observe(document, { childList: true });
+  if (!hosted) return;
+  page.webkit = {
+    messageHandlers: {
+      velto: {
+        postMessage: (message: unknown) => {
+          const painted = performance.getEntriesByName('first-contentful-paint').length > 0;
+          intents.push({ ...(structuredClone(message) as object), painted });
+        },
+      },
+    },
+  };
+  if (saved) {
+    const velto: Record<string, unknown> = { _state: saved, _stamp: stamp };
+    velto.setState = (state: unknown, time: unknown) => {
+      velto._state = state;
+      if (time) velto._stamp = time;
+    };
+    page.velto = velto;
+  }
+}
+
+export async function open(browser: Browser, setting: Setting = {}): Promise<OpenPage> {
+  const context = await browser.newContext({ viewport: { width: 1180, height: 760 }, locale: 'en-US', ...setting.context });
+  const page = await context.newPage();
+  const complaints: string[] = [];
+  page.on('pageerror', (error) => complaints.push(`error: ${error.message}`));
+  page.on('console', (message) => {
+    if (message.type() === 'error' || message.type() === 'warning') complaints.push(`console: ${message.text()}`);
+  });
+  page.on('request', (request) => {
+    if (!request.url().startsWith('file:') && !request.url().startsWith('data:')) complaints.push(`request: ${request.url()}`);
+  });
+  await page.addInitScript(prepare, {
+    saved: setting.saved,
+    stamp: setting.stamp ?? Date.now() / 1000 - 3 * 3600,
+    platform: setting.platform ?? 'macos',
+    hosted: setting.program !== null,
+    storage: setting.storage ?? {},
+  });
+  const folder = setting.ahead ? 'dist-ahead' : 'dist';
+  await page.goto(new URL(`../../${folder}/index.html`, import.meta.url).href);
+
+  const intents = async (): Promise<Intent[]> => {
+    const sent = await page.evaluate(() => (window as unknown as { __intents: (Intent & { painted: boolean })[] }).__intents);
+    return sent.map(({ painted: _painted, ...intent }) => intent);
+  };
+
+  return {
+    page,
+    complaints,
+    intents,
+    async during(action) {
+      const before = (await intents()).length;
+      await action();
+      return (await intents()).slice(before);
+    },
+    async tell(event, ...values) {
+      await page.evaluate(
+        ([name, given]) => {
+          const velto = (window as unknown as { velto?: Record<string, (...values: unknown[]) => void> }).velto;
+          velto?.[name as string]?.(...(given as unknown[]));
+        },
+        [event, values] as const,
+      );
+    },
+    async close() {
+      const violations = await page.evaluate(() => (window as unknown as { __complaints: string[] }).__complaints);
+      complaints.push(...violations);
+      await context.close();
+    },
+  };
+}
+
