@@ -1,4 +1,5 @@
-option(VELTO_TESTS "Build the tests" ON)
+option(VELTO_TESTS "Build the unit tests" ON)
+set(VELTO_TEST_FOLDERS "" CACHE STRING "Folders whose unit tests are built; empty for all")
 option(VELTO_BENCH "Build the benchmarks" OFF)
 set(VELTO_SANITIZE "" CACHE STRING "Value of -fsanitize= for everything built here")
 

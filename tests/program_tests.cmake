@@ -1,0 +1,36 @@
+# The tests that need no test program of their own: the page's, the real program's, and the
+# type-check of the macOS sources. Sanitized builds leave them to the plain ones.
+if(VELTO_SANITIZE)
+    return()
+endif()
+
+# `node` is looked for on the PATH when the test runs: ./dev puts a new enough one there.
+function(velto_page_test name script)
+    add_test(NAME page.${name} COMMAND npm run --silent ${script}
+        WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}/resources)
+    set_tests_properties(page.${name} PROPERTIES LABELS page TIMEOUT 600)
+endfunction()
+velto_page_test(types check)
+velto_page_test(logic test)
+
+if(APPLE)
+    message(STATUS "Skipped on a Mac: page.browser (drives Debian's Chromium), "
+        "e2e (needs a virtual X display), macos.typecheck (the compiler itself sees the sources)")
+    return()
+endif()
+
+velto_page_test(browser test:page)
+set_tests_properties(page.browser PROPERTIES RUN_SERIAL ON)
+
+file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
+foreach(scenario IN LISTS scenarios)
+    get_filename_component(name ${scenario} NAME_WE)
+    add_test(NAME e2e.${name} COMMAND node --test --test-reporter=spec ${scenario})
+    # One window at a time: they share the machine's cores, and each waits for what it sees.
+    set_tests_properties(e2e.${name} PROPERTIES
+        LABELS e2e TIMEOUT 600 RESOURCE_LOCK window
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>")
+endforeach()
+
+add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)
+set_tests_properties(macos.typecheck PROPERTIES LABELS macos)

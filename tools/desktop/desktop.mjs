@@ -1,0 +1,111 @@
+// A private desktop for one program: an X display of its own and a D-Bus session of its own.
+import { run, startChild, stopChild } from './children.mjs';
+
+/** Resolves to the first line that the child writes to its stream number `index`. */
+function firstLine(child, index, what) {
+  return new Promise((resolve, reject) => {
+    let text = '';
+    child.stdio[index].setEncoding('utf8').on('data', (part) => {
+      text += part;
+      if (text.includes('\n')) resolve(text.split('\n')[0].trim());
+    });
+    child.ended.then(({ error, status }) =>
+      reject(new Error(`${what} did not start: ${error?.message ?? `status ${status}`}`)),
+    );
+  });
+}
+
+/** A virtual display that holds one window of exactly this size. */
+export async function startDesktop({ width = 1180, height = 760 } = {}) {
+  const server = startChild(
+    'Xvfb',
+    ['-displayfd', '3', '-screen', '0', `${width}x${height}x24`, '-nolisten', 'tcp', '-noreset'],
+    { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
+  );
+  const number = await firstLine(server, 3, 'the virtual display (Xvfb)');
+  const bus = startChild(
+    'dbus-daemon',
+    ['--session', '--nofork', '--nopidfile', '--nosyslog', '--print-address=3'],
+    { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
+  );
+  let address;
+  try {
+    address = await firstLine(bus, 3, 'the D-Bus session (dbus-daemon)');
+  } catch (error) {
+    await stopChild(server);
+    throw error;
+  }
+  const display = `:${number}`;
+  const env = { ...process.env, DISPLAY: display };
+
+  return {
+    display,
+    width,
+    height,
+    /** What a program must find in its environment to live on this desktop alone. */
+    variables: {
+      DISPLAY: display,
+      DBUS_SESSION_BUS_ADDRESS: address,
+      GDK_BACKEND: 'x11',
+      LIBGL_ALWAYS_SOFTWARE: '1',
+      // No accessibility bus answers here; the toolkit would wait for one.
+      GTK_A11Y: 'none',
+    },
+
+    /** Writes the whole display to a PNG file. */
+    async screenshot(file) {
+      const { status, stderr } = await run('import', ['-window', 'root', file], { env });
+      if (status !== 0) throw new Error(`no screenshot: ${stderr.trim()}`);
+      return file;
+    },
+
+    /** A number that differs when any pixel of the display does, and how many colours it has. */
+    async look() {
+      const { status, stdout, stderr } = await run(
+        'import',
+        ['-window', 'root', '-format', '%# %k', 'info:-'],
+        { env },
+      );
+      if (status !== 0) throw new Error(`the display cannot be read: ${stderr.trim()}`);
+      const [signature, colours] = stdout.trim().split(' ');
+      return { signature, colours: Number(colours) };
+    },
+
+    /** Looks again and again until `good(look, previous)` holds; fails after `limit` ms. */
+    async lookUntil(good, limit = 30_000) {
+      const end = Date.now() + limit;
+      let previous = null;
+      for (;;) {
+        const now = await this.look();
+        if (good(now, previous)) return now;
+        if (Date.now() > end) {
+          throw new Error(`the display never came to show it (colours: ${now.colours})`);
+        }
+        previous = now;
+      }
+    },
+
+    /** Waits until something is painted and two looks in a row are equal. */
+    steady(limit = 30_000) {
+      return this.lookUntil(
+        (now, previous) => now.colours > 16 && now.signature === previous?.signature,
+        limit,
+      );
+    },
+
+    /** Runs xdotool with these arguments. */
+    async input(...args) {
+      const { status, stderr } = await run('xdotool', args.map(String), { env });
+      if (status !== 0) throw new Error(`xdotool ${args.join(' ')}: ${stderr.trim()}`);
+    },
+
+    async click(x, y) {
+      await this.input('mousemove', x, y, 'click', 1);
+    },
+
+    async stop() {
+      await stopChild(bus);
+      await stopChild(server);
+    },
+  };
+}

@@ -1,0 +1,42 @@
+# Configuring and building the program. Sourced by ./dev.
+
+# configure PRESET: Ninja configures again by itself when a CMake file changes, but not when the
+# presets do.
+configure() {
+    local folder=build/$1
+    if [ -f "$folder/build.ninja" ] && [ "$folder/CMakeCache.txt" -nt CMakePresets.json ]; then
+        return
+    fi
+    say "Configuring $1"
+    quietly "configure-$1.log" cmake --preset "$1"
+    touch "$folder/CMakeCache.txt"
+}
+
+# compile PRESET [TARGET...]: builds the targets, or everything.
+compile() {
+    local preset=$1
+    shift
+    configure "$preset"
+    local log=$logs/build-$preset.log
+    local -a command=(cmake --build "build/$preset" --parallel "$(cores)")
+    [ $# -gt 0 ] && command+=(--target "$@")
+
+    # Looking for new sources and copying the page are done at every build and not worth a word.
+    local steps
+    steps=$(ninja -n -C "build/$preset" "$@" 2>/dev/null | grep -c '^\[.*\] \(Building\|Linking\|Re-running\)' || true)
+    [ "$steps" -gt 0 ] && say "Building $preset"
+    if ! "${command[@]}" >"$log" 2>&1; then
+        grep -v '^\[[0-9]*/[0-9]*\] \(Building\|Linking\|Generating\) ' "$log" >&2 || true
+        fail "the $preset build failed (log: ${log#"$root"/})"
+    fi
+}
+
+build_everything() {
+    case $1 in
+        release | debug | asan | tsan) ;;
+        *) fail "no such preset: $1 (there are release, debug, asan and tsan)" ;;
+    esac
+    setup_build
+    build_page
+    compile "$1"
+}

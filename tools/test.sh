@@ -1,0 +1,26 @@
+# Every test: unit tests with address, undefined-behaviour and thread sanitizers, the page's own
+# tests, and the real program. Sourced by ./dev.
+
+run_tests() {
+    setup_build
+    need_packages test
+    build_page
+    compile asan unit_tests
+    compile tsan unit_tests
+    compile release velto
+    combine_tests asan tsan release
+    say "Testing"
+    # ctest's closing lines come last; what passes is only counted, unless it is one of the long
+    # ones. The whole log is kept.
+    ctest --test-dir build/test --output-on-failure --parallel "$(cores)" --no-tests=error 2>&1 |
+        tee "$logs/test.log" | awk -f tools/test_output.awk
+}
+
+# One CTest run over several builds, so that one set of closing lines tells the whole result.
+combine_tests() {
+    mkdir -p build/test
+    local preset
+    for preset in "$@"; do
+        printf 'subdirs("%s")\n' "$root/build/$preset"
+    done >build/test/CTestTestfile.cmake
+}
