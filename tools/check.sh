@@ -15,6 +15,11 @@ run_checks() {
     native_sources -name '*.cpp' -o -name '*.h' -o -name '*.mm' |
         xargs clang-format --dry-run -Werror || failed+=(formatting)
 
+    say "Shell scripts (shellcheck)"
+    # SC2154: what ./dev sets before it reads its parts.
+    grep -lE '^#!.*bash' dev .ci/run bench/* tests/*.sh tests/*/*.sh 2>/dev/null |
+        xargs shellcheck --shell=bash --exclude=SC2154 tools/*.sh || failed+=(shellcheck)
+
     say "The page's types (svelte-check)"
     npm --silent --prefix resources run check || failed+=(svelte-check)
 

@@ -5,11 +5,11 @@ debian_build=(g++ cmake ninja-build pkg-config ccache
     libfmt-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-theme)
 debian_test=("${debian_display[@]}" xdotool chromium clang procps)
-debian_check=(clang clang-format clang-tidy)
+debian_check=(clang clang-format clang-tidy shellcheck)
 debian_bench=("${debian_display[@]}" time ncdu gdu jdupes fdupes rmlint)
 
 mac_build=(cmake ninja pkgconf ccache fmt nlohmann-json googletest google-benchmark)
-mac_check=(clang-format llvm)
+mac_check=(clang-format llvm shellcheck)
 mac_bench=(ncdu gdu jdupes fdupes)
 
 # need_packages TASK: installs what is missing for build, display, test, check or bench.
@@ -66,7 +66,7 @@ last_apt_error() {
 }
 
 install_with_homebrew() {
-    have xcode-select && xcode-select -p >/dev/null 2>&1 ||
+    xcode-select -p >/dev/null 2>&1 ||
         fail "the command line tools are missing: run xcode-select --install"
     [ $# -eq 0 ] && return
     have brew || fail "Homebrew is missing, and these are needed: $*"
