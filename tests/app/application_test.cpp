@@ -1,0 +1,120 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/VeltoApp.h"
+#include "app/run_modes.h"
+#include "bridge/JSBridge.h"
+#include "support/TestPlatform.h"
+
+namespace velto {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr const char* agent = "Library/LaunchAgents/app.velto.maintenance.plist";
+
+TEST(RunModes, AnArgumentCountsWhereverItStandsAndMaintenanceWins) {
+    EXPECT_EQ(runModeOf({"velto"}), RunMode::interactive);
+    EXPECT_EQ(runModeOf({}), RunMode::interactive);
+    EXPECT_EQ(runModeOf({"velto", "x", "--reset"}), RunMode::reset);
+    EXPECT_EQ(runModeOf({"velto", "--reset", "--maintenance"}), RunMode::maintenance);
+    EXPECT_EQ(runModeOf({"--maintenance"}), RunMode::maintenance);
+    EXPECT_EQ(runModeOf({"velto", "--Reset"}), RunMode::interactive);
+    EXPECT_EQ(runModeOf({"velto", "--reset=1"}), RunMode::interactive);
+}
+
+TEST(RunModes, ResetTakesAgentAndDataAwayAndKeepsSettings) {
+    TestPlatform machine;
+    machine.home.text("Library/Application Support/Velto/lastScan.json", "{}");
+    machine.home.text("Library/Application Support/Other/keep.txt", "keep");
+    machine.home.text(agent, "x");
+    machine.defaults.values["velto.retentionDays"] = std::int64_t{7};
+    EXPECT_EQ(runReset(machine.platform), 0);
+    EXPECT_FALSE(machine.home.exists("Library/Application Support/Velto"));
+    EXPECT_FALSE(machine.home.exists(agent));
+    EXPECT_EQ(machine.home.read("Library/Application Support/Other/keep.txt"), "keep");
+    EXPECT_EQ(machine.defaults.values.size(), 1u);
+    EXPECT_TRUE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
+    EXPECT_EQ(runReset(machine.platform), 0) << "nothing left is fine";
+}
+
+struct ApplicationTest : testing::Test {
+    TestPlatform machine;
+    FakeApplicationShell shell;
+    std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
+
+    ApplicationTest() { setProcessPlatform(machine.platform); }
+
+    static const AppCommand& command(std::size_t index) { return VeltoApp::commands()[index]; }
+};
+
+TEST_F(ApplicationTest, ClosingTheWindowKeepsRunningWhileMaintenanceIsInstalled) {
+    AppDelegate delegate(machine.platform);
+    EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
+    machine.home.text(agent, "x");
+    EXPECT_FALSE(delegate.applicationShouldTerminateAfterLastWindowClosed());
+    resetLocalData(machine.platform);
+    EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
+}
+
+TEST_F(ApplicationTest, LaunchingTakesOldNotificationsBack) {
+    AppDelegate(machine.platform).applicationDidFinishLaunching();
+    EXPECT_EQ(machine.notifications.removals, 1);
+}
+
+TEST_F(ApplicationTest, CommandsBeforeTheBridgeExistsDoNothing) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    for (const AppCommand& each : VeltoApp::commands()) app.perform(each);
+    AppDelegate(machine.platform).applicationDidBecomeActive();
+    app.pageLoaded();
+    EXPECT_TRUE(machine.log.lines().empty());
+}
+
+TEST_F(ApplicationTest, CommandsSendTheirIntents) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    for (const AppCommand& each : VeltoApp::commands()) app.perform(each);
+    EXPECT_THAT(JSBridge::current()->pendingIntents,
+                ElementsAre("scan", "undoLast", "goView", "goView"));
+    EXPECT_THAT(page->scripts, testing::Contains(testing::HasSubstr("go('apps')")));
+    EXPECT_THAT(page->scripts, testing::Contains(testing::HasSubstr("go('papelera')")));
+    app.windowClosed();
+    EXPECT_EQ(JSBridge::current(), nullptr);
+}
+
+TEST_F(ApplicationTest, CommandTitlesFollowTheLanguage) {
+    VeltoApp app(machine.platform);
+    EXPECT_EQ(app.title(command(0)), "Analyze disk");
+    EXPECT_EQ(app.title(command(3)), "Open Velto Trash");
+    app.language().setCode("es");
+    EXPECT_EQ(app.title(command(0)), "Analizar disco");
+    EXPECT_EQ(app.title(command(1)), "Deshacer última limpieza");
+    EXPECT_EQ(app.title(command(2)), "Desinstalar una aplicación");
+    EXPECT_EQ(app.title(command(3)), "Abrir la Papelera de Velto");
+}
+
+TEST_F(ApplicationTest, BecomingActiveChecksAccess) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    page->scripts.clear();
+    app.delegate().applicationDidBecomeActive();
+    EXPECT_EQ(page->calls("onPermissions").size(), 1u);
+}
+
+TEST_F(ApplicationTest, AWindowOpenedAgainGetsABridgeOfItsOwn) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    app.windowClosed();
+    const auto second = std::make_shared<FakeWebView>();
+    app.windowOpened(second);
+    app.pageLoaded();
+    EXPECT_EQ(second->calls("setState").size(), 1u);
+    EXPECT_TRUE(page->calls("setState").empty());
+}
+
+}  // namespace
+}  // namespace velto

@@ -1,0 +1,97 @@
+#include "platform/HomeLayout.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace velto {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+HomeLayout::Environment environmentOf(std::map<std::string, std::string> values) {
+    return [values = std::move(values)](const std::string& name) -> std::optional<std::string> {
+        const auto found = values.find(name);
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    };
+}
+
+TEST(HomeLayoutTest, AMacsHomeIsWhereAMacKeepsThings) {
+    const HomeLayout layout = HomeLayout::macOS("/Users/ana");
+    EXPECT_EQ(layout.dataFolder, "/Users/ana/Library/Application Support/Velto");
+    EXPECT_EQ(layout.trashFolder, "/Users/ana/Library/Application Support/Velto/Trash");
+    EXPECT_EQ(layout.agentFile, "/Users/ana/Library/LaunchAgents/app.velto.maintenance.plist");
+    EXPECT_EQ(layout.cloudFolder,
+              "/Users/ana/Library/Mobile Documents/com~apple~CloudDocs/Velto");
+    EXPECT_EQ(layout.protectedLocations.size(), 11u);
+    EXPECT_EQ(layout.protectedLocations.front().identifier, "desktop");
+    EXPECT_EQ(layout.protectedLocations.back().path,
+              "/Users/ana/Library/Application Support/MobileSync");
+    EXPECT_EQ(layout.guardedPaths.size(), 40u);
+    EXPECT_EQ(layout.accessProbes.size(), 7u);
+    EXPECT_TRUE(layout.hasPrivacyGate);
+    EXPECT_THAT(layout.walkRoots, ElementsAre("/Users/ana"));
+}
+
+TEST(HomeLayoutTest, ALinuxHomeFollowsItsLocalisedFolders) {
+    const HomeLayout layout = HomeLayout::freedesktop(
+        "/home/ana", environmentOf({}),
+        "# comment\n"
+        "XDG_DOWNLOAD_DIR=\"$HOME/Descargas\"\n"
+        "  XDG_MUSIC_DIR=\"/media/disc/M\\\"sica/\"\n"
+        "XDG_DESKTOP_DIR=\"$HOME/\"\n"
+        "XDG_PICTURES_DIR=relative\n"
+        "broken");
+    EXPECT_EQ(layout.downloads, "/home/ana/Descargas");
+    EXPECT_EQ(layout.music, "/media/disc/M\"sica");
+    EXPECT_EQ(layout.desktop, "") << "the home itself means: no such folder";
+    EXPECT_EQ(layout.pictures, "/home/ana/Pictures");
+    EXPECT_FALSE(layout.hasPrivacyGate);
+    EXPECT_THAT(layout.protectedLocations, IsEmpty());
+    EXPECT_THAT(layout.accessProbes, IsEmpty());
+}
+
+TEST(HomeLayoutTest, ALinuxHomesHiddenApplicationFoldersAreWalkedOnce) {
+    const HomeLayout layout = HomeLayout::freedesktop("/home/ana", environmentOf({}), "");
+    EXPECT_THAT(layout.walkRoots,
+                ElementsAre("/home/ana", "/home/ana/.cache", "/home/ana/.config",
+                            "/home/ana/.local/share", "/home/ana/.local/state",
+                            "/home/ana/.var/app", "/home/ana/.local/bin"));
+    EXPECT_EQ(layout.dataFolder, "/home/ana/.local/share/Velto");
+    EXPECT_THAT(layout.neverWalked, ElementsAre("/home/ana/.local/share/Velto",
+                                                "/home/ana/.local/share/Trash"));
+}
+
+TEST(HomeLayoutTest, BaseFoldersOfTheEnvironmentCountWhenAbsolute) {
+    const HomeLayout layout = HomeLayout::freedesktop(
+        "/home/ana",
+        environmentOf({{"XDG_CACHE_HOME", "/home/ana/visible/cache/"},
+                       {"XDG_CONFIG_HOME", "relative"},
+                       {"XDG_DATA_HOME", "/data"},
+                       {"XDG_STATE_HOME", "/home/ana/.config/state"}}),
+        "");
+    EXPECT_EQ(layout.caches, "/home/ana/visible/cache");
+    EXPECT_EQ(layout.dataFolder, "/data/Velto");
+    EXPECT_EQ(layout.agentsFolder, "/home/ana/.config/systemd/user");
+    EXPECT_THAT(layout.walkRoots, Not(Contains("/home/ana/visible/cache"))) << "reached anyway";
+    EXPECT_THAT(layout.walkRoots, Not(Contains("/data"))) << "outside the home";
+    EXPECT_THAT(layout.walkRoots, Not(Contains("/home/ana/.config/state"))) << "walked twice";
+}
+
+TEST(HomeLayoutTest, EveryMarkerProtectsAPathThatHoldsIt) {
+    for (const char* path :
+         {"/h/Pictures/Photos Library.photoslibrary/a", "/h/Other.photoslibrary",
+          "/h/Library/Application Support/MobileSync/Backup", "/h/Documents/MailMerge.docx",
+          "/h/Library/Messages/chat.db", "/h/x/CallHistoryDB/y", "/h/Library/Mail/V10"}) {
+        EXPECT_TRUE(isProtectedPath(path)) << path;
+    }
+    EXPECT_FALSE(isProtectedPath("/h/Documents/mail.txt"));
+    EXPECT_FALSE(isProtectedPath("/h/Pictures/photos library/a"));
+}
+
+}  // namespace
+}  // namespace velto
