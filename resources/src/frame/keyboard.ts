@@ -9,9 +9,8 @@ function isTextField(target: EventTarget | null): boolean {
 
 /** What a region wants focused when it is reached by key. */
 function entryOf(region: Element): HTMLElement | null {
-  return region.querySelector<HTMLElement>(
-    '[aria-current="page"], [tabindex="0"], button:not([tabindex="-1"]), a[href], input, select',
-  );
+  const wanted = ['[aria-current="page"]', '[tabindex="0"]', 'button:not([tabindex="-1"])'];
+  return wanted.map((selector) => region.querySelector<HTMLElement>(selector)).find(Boolean) ?? null;
 }
 
 /** From rail to list to action bar and round again; regions that are not there are passed over. */

@@ -9,9 +9,15 @@ export interface Halves {
   tail: string;
 }
 
+/** Text that runs the other way keeps its order only in one piece. */
+export function isRightToLeft(text: string): boolean {
+  return /[\u0590-\u08ff\ufb1d-\ufdff\ufe70-\ufefc]/.test(text);
+}
+
 /** Splits off about `tailLength` visible characters; short texts have no tail. */
 export function splitForMiddle(text: string, tailLength: number): Halves {
-  if (tailLength <= 0 || text.length <= tailLength * 2) return { head: text, tail: '' };
+  if (tailLength <= 0 || isRightToLeft(text)) return { head: text, tail: '' };
+  if (text.length <= tailLength * 2) return { head: text, tail: '' };
   const starts = [...segmenter.segment(text)].map((segment) => segment.index);
   if (starts.length <= tailLength * 2) return { head: text, tail: '' };
   const cut = starts[starts.length - tailLength]!;

@@ -79,6 +79,27 @@ function act(event: KeyboardEvent, actions: ListActions): boolean {
   return true;
 }
 
+/**
+ * The column headers belong to the list's one tab stop: up from the first row, left and right
+ * between them, down to the row again. Answers whether the key was meant for them.
+ */
+export function handleHeaderKey(event: KeyboardEvent, grid: HTMLElement, row: HTMLElement | null): boolean {
+  const headers = [...grid.querySelectorAll<HTMLElement>('[role="columnheader"] button')];
+  const index = headers.indexOf(event.target as HTMLElement);
+  let next: HTMLElement | null | undefined;
+  if (index < 0) {
+    const isFirst = row !== null && event.target === row && !row.previousElementSibling?.matches('[data-key]');
+    if (event.key !== 'ArrowUp' || event.shiftKey || !isFirst) return false;
+    next = grid.querySelector<HTMLElement>('[aria-sort$="ending"] button') ?? headers[0];
+  } else if (event.key === 'ArrowRight') next = headers[index + 1];
+  else if (event.key === 'ArrowLeft') next = headers[index - 1];
+  else if (event.key === 'ArrowDown') next = row;
+  else return true;
+  event.preventDefault();
+  next?.focus();
+  return true;
+}
+
 export function handleListKey(event: KeyboardEvent, actions: ListActions): void {
   const inButton = (event.target as HTMLElement).matches('button');
   const pressesButton = inButton && (event.key === ' ' || event.key === 'Enter');

@@ -149,10 +149,10 @@ export function manyDuplicates(count: number): DiskState {
 
 export const hostileNames = [
   '<img src=x onerror="document.title=1">.mov',
-  '</span><script>document.title=2</script>.mp4',
+  '<script>document.title=2<!-- .mp4',
   'factura\u202Efdp.exe.mov',
   'línea uno\nlínea dos\ttab\u0007.bin',
-  '&lt;b&gt;no soy negrita&lt;/b&gt;.zip',
+  '&lt;b&gt;no soy negrita&lt;&sol;b&gt;.zip',
   '{@html "x"} ${7*7} {{7*7}}.dmg',
   'صور العائلة 2024 النهائية.mov',
   '👩‍👩‍👧‍👦'.repeat(40) + '.mov',

@@ -18,7 +18,7 @@ export const lists = {
   shownOf: (count: number, all: number, gb: number) =>
     `${count} of ${plural(all, { one: '# file', other: '# files' })} · ${size(gb)}`,
   filesLabel: 'Large files',
-  filesHelp: 'Arrow keys move, Space selects, Shift extends, Escape clears the selection, right arrow reaches the actions of a row.',
+  filesHelp: 'Arrow keys move, Space selects, Shift extends, Escape clears the selection, right arrow reaches the actions of a row, up from the first row the column headers.',
   filesIntro: 'The largest files of the analysis, from 0.3 GB up.',
   noLargeTitle: 'No large files',
   noLargeText: 'No single file of 0.3 GB or more was found. The space is spread over many small ones.',
@@ -57,7 +57,7 @@ export const lists = {
   keptProposed: 'Stays · most recent',
   selectExtras: 'Select all but the kept copies',
   noDuplicatesTitle: 'No duplicates',
-  noDuplicatesText: 'No two files over 1 MB have the same content.',
+  noDuplicatesText: 'Velto found no two files over 1 MB with the same content.',
   moreGroups: (count: number) => plural(count, { one: 'Show # more group', other: 'Show # more groups' }),
   protected: 'Protected',
 };

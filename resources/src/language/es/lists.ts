@@ -18,7 +18,7 @@ export const lists: typeof english = {
   shown: (count, gb) => `${plural(count, files)} · ${size(gb)}`,
   shownOf: (count, all, gb) => `${count} de ${plural(all, files)} · ${size(gb)}`,
   filesLabel: 'Archivos grandes',
-  filesHelp: 'Las flechas mueven, Espacio selecciona, Mayúsculas amplía, Escape quita la selección, la flecha derecha llega a las acciones de la fila.',
+  filesHelp: 'Las flechas mueven, Espacio selecciona, Mayúsculas amplía, Escape quita la selección, la flecha derecha llega a las acciones de la fila y, desde la primera fila, la flecha arriba a los encabezados.',
   filesIntro: 'Los archivos más grandes del análisis, desde 0,3 GB.',
   noLargeTitle: 'No hay archivos grandes',
   noLargeText: 'Ningún archivo llega a 0,3 GB. El espacio se reparte entre muchos pequeños.',
@@ -57,7 +57,7 @@ export const lists: typeof english = {
   keptProposed: 'Se queda · la más reciente',
   selectExtras: 'Seleccionar todas menos las que se quedan',
   noDuplicatesTitle: 'No hay duplicados',
-  noDuplicatesText: 'No hay dos archivos de más de 1 MB con el mismo contenido.',
+  noDuplicatesText: 'Velto no ha encontrado dos archivos de más de 1 MB con el mismo contenido.',
   moreGroups: (count) =>
     plural(count, { one: 'Ver # grupo más', many: 'Ver # de grupos más', other: 'Ver # grupos más' }),
   protected: 'Protegido',

@@ -1,0 +1,74 @@
+/** What the duplicates remember while another view is shown: what stays and what is selected. */
+import { language } from '../../language/language.svelte.ts';
+import type { DuplicateGroup } from '../../protocol/protocol.ts';
+import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { session } from '../../state/session.svelte.ts';
+import {
+  isRemovable, keptPath, mostWastefulFirst, removablePaths, selectedSize, totalWasted, type Keeps,
+} from './duplicates.ts';
+
+const groupsAtOnce = 100;
+
+class Duplicates {
+  focused = $state<string | null>(null);
+  limit = $state(groupsAtOnce);
+  private keeps = $state.raw<Keeps>(new Map());
+  private chosen = $state.raw<Selection>(nothing);
+
+  readonly all: DuplicateGroup[] = $derived(
+    mostWastefulFirst(session.disk?.dupGroups ?? [], language.formats.compare),
+  );
+  readonly shown: DuplicateGroup[] = $derived(this.all.slice(0, this.limit));
+  readonly wasted: number = $derived(totalWasted(this.all));
+  /** The copies on screen, in order. */
+  readonly order: string[] = $derived(this.shown.flatMap(({ paths }) => paths));
+  /** Whatever happens elsewhere, a kept copy is never part of the selection. */
+  private readonly removable: string[] = $derived(removablePaths(this.all, this.keeps));
+  readonly selection: Selection = $derived(keepShown(this.chosen, this.removable));
+  readonly selectedGb: number = $derived(selectedSize(this.all, this.selection.selected));
+  readonly hasExtras: boolean = $derived(this.removable.length > 0);
+  readonly allExtrasSelected: boolean = $derived(this.selection.selected.size === this.removable.length);
+
+  private readonly groupOf = $derived(
+    new Map(this.all.flatMap((group) => group.paths.map((path) => [path, group] as const))),
+  );
+
+  private readonly selectable = (path: string): boolean => {
+    const group = this.groupOf.get(path);
+    return group !== undefined && isRemovable(group, path, this.keeps);
+  };
+
+  kept(group: DuplicateGroup): string {
+    return keptPath(group, this.keeps);
+  }
+
+  /** The copy that stays leaves the selection; the one that stayed before is not selected for it. */
+  keep(path: string): void {
+    const group = this.groupOf.get(path);
+    if (group) this.keeps = new Map(this.keeps).set(group.id, path);
+  }
+
+  toggle(path: string): void {
+    this.chosen = toggle(this.selection, path, this.selectable);
+  }
+
+  extend(path: string): void {
+    this.chosen = extend(this.selection, path, this.order, this.selectable);
+  }
+
+  /** Everything selected is also on screen, so the whole list is shown first. */
+  selectExtras(): void {
+    this.limit = Math.max(this.limit, this.all.length);
+    this.chosen = selectAll(this.removable, this.selectable);
+  }
+
+  clear(): void {
+    this.chosen = nothing;
+  }
+
+  showMore(): void {
+    this.limit += groupsAtOnce;
+  }
+}
+
+export const duplicates = new Duplicates();
