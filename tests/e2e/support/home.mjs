@@ -1,0 +1,132 @@
+// Made homes for the real program.
+import { execFileSync } from 'node:child_process';
+import { createHash } from 'node:crypto';
+import {
+  existsSync,
+  mkdirSync,
+  mkdtempSync,
+  readFileSync,
+  realpathSync,
+  rmSync,
+  writeFileSync,
+} from 'node:fs';
+import { tmpdir } from 'node:os';
+import { dirname, join } from 'node:path';
+
+export const MB = 1_000_000;
+
+/** A temporary folder that goes when the test ends. */
+export function temporaryFolder(test, name = 'velto-e2e-') {
+  const folder = realpathSync(mkdtempSync(join(tmpdir(), name)));
+  test.after(() => rmSync(folder, { recursive: true, force: true }));
+  return folder;
+}
+
+/** Bytes that look random and are the same for the same seed. */
+function noise(seed, size) {
+  const block = createHash('sha512').update(seed).digest();
+  const bytes = Buffer.alloc(size, block);
+  bytes.write(seed);
+  return bytes;
+}
+
+export class Home {
+  /** `layout`: "mac" (has a Library) or "freedesktop". */
+  constructor(test, { layout = 'mac' } = {}) {
+    this.path = temporaryFolder(test, 'velto-home-');
+    this.layout = layout;
+    // Outside the home: the folder that a login session would have.
+    this.runtime = temporaryFolder(test, 'velto-run-');
+    if (layout === 'mac') this.folder('Library/Application Support');
+  }
+
+  at(path) {
+    return join(this.path, path);
+  }
+
+  folder(path) {
+    mkdirSync(this.at(path), { recursive: true });
+    return this;
+  }
+
+  text(path, text) {
+    mkdirSync(dirname(this.at(path)), { recursive: true });
+    writeFileSync(this.at(path), text);
+    return this;
+  }
+
+  /** A file of `bytes` allocated bytes that nobody had to write. */
+  allocated(path, bytes) {
+    mkdirSync(dirname(this.at(path)), { recursive: true });
+    execFileSync('fallocate', ['-l', String(bytes), this.at(path)]);
+    return this;
+  }
+
+  /** A file whose content depends on `seed` and `bytes` alone. */
+  content(path, seed, bytes) {
+    return this.text(path, noise(seed, bytes));
+  }
+
+  has(path) {
+    return existsSync(this.at(path));
+  }
+
+  read(path) {
+    return readFileSync(this.at(path), 'utf8');
+  }
+
+  /** The folder that is only readable with full access to the disk. */
+  withAccess() {
+    return this.folder('Library/Application Support/com.apple.TCC');
+  }
+
+  get dataFolder() {
+    return this.layout === 'mac' ? 'Library/Application Support/Velto' : '.local/share/Velto';
+  }
+
+  data(name) {
+    return join(this.dataFolder, name);
+  }
+
+  /** The saved analysis: {ts, state}. */
+  saved() {
+    return JSON.parse(this.read(this.data('lastScan.json')));
+  }
+
+  /** The environment of a program that lives in this home; nothing of the caller's leaks in. */
+  get variables() {
+    return {
+      HOME: this.path,
+      XDG_RUNTIME_DIR: this.runtime,
+      XDG_CONFIG_HOME: undefined,
+      XDG_DATA_HOME: undefined,
+      XDG_CACHE_HOME: undefined,
+      XDG_STATE_HOME: undefined,
+      XDG_CONFIG_DIRS: undefined,
+      WAYLAND_DISPLAY: undefined,
+      LANG: 'C.UTF-8',
+      LC_ALL: undefined,
+      LANGUAGE: undefined,
+    };
+  }
+}
+
+/** A home with something in every category, a group of three duplicates and four large files. */
+export function furnishedHome(test, options) {
+  const home = new Home(test, options);
+  home
+    .allocated('Pictures/2019/holiday.mov', 450 * MB)
+    .content('Pictures/2019/beach.raw', 'beach', 2.5 * MB)
+    .content('Pictures/beach copy.raw', 'beach', 2.5 * MB)
+    .content('beach again.raw', 'beach', 2.5 * MB)
+    .content('Pictures/2019/other.raw', 'other', 2.5 * MB)
+    .allocated('Music/concert.wav', 350 * MB)
+    .allocated('Library/Caches/com.example.app/blob', 320 * MB)
+    .text('Library/Logs/system.log', 'a line\n')
+    .allocated('Desktop/archive.zip', 600 * MB)
+    .text('Documents/letter.txt', 'Dear reader\n')
+    .text('Downloads/notes.pdf', 'not really a pdf\n')
+    .text('song.mp3', 'la la la\n')
+    .text('.hidden/secret.mp4', 'never counted\n');
+  return home;
+}
