@@ -1,6 +1,6 @@
 // The floor for the program's start: a GTK window with a web view and an empty page, nothing else.
-// Prints "painted" when the page's second frame begins (the first one is then on screen) and ends.
-// The empty page is loaded from a file, as the program's page is.
+// Writes "painted" to standard error when the page's second frame begins (the first one is then on
+// screen) and ends. The empty page is loaded from a file, as the program's page is.
 
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>
@@ -19,8 +19,7 @@ constexpr const char* page =
     "</script>";
 
 void onPainted(WebKitUserContentManager*, JSCValue*, gpointer application) {
-    std::puts("painted");
-    std::fflush(stdout);
+    std::fputs("painted\n", stderr);
     g_application_quit(G_APPLICATION(application));
 }
 

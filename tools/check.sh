@@ -1,4 +1,4 @@
-# Formatting, static analysis, type checks and measurements. Sourced by ./dev.
+# Formatting, static analysis and type checks. Sourced by ./dev.
 
 native_sources() {
     find analysis app bench bridge cleaning maintenance monitor platform settings tests uninstall \
@@ -45,13 +45,4 @@ run_clang_tidy() {
     have "$tidy" || tidy=$(brew --prefix llvm)/bin/clang-tidy
     native_sources -name '*.cpp' |
         xargs -P "$(cores)" -n 4 "$tidy" -p build/debug --quiet 2>"$logs/tidy-stderr.log"
-}
-
-run_benchmarks() {
-    setup_build
-    need_packages bench
-    build_page
-    compile release
-    bench/run "$@"
-    bench/start "$@"
 }
