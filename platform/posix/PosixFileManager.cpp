@@ -1,0 +1,107 @@
+#include "platform/posix/PosixFileManager.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/names_in_folder.h"
+
+namespace velto {
+namespace {
+
+constexpr mode_t folderMode = 0700;
+constexpr std::int64_t statBlock = 512;  // st_blocks counts units of 512 bytes (stat(2))
+
+[[noreturn]] void fail(const char* attempt, const std::string& path) {
+    throw FileError(attempt, path, errno);
+}
+
+/// A path with a NUL byte would be cut short by every system call and mean another file.
+void requireWholePath(const char* attempt, const std::string& path) {
+    if (path.find('\0') != std::string::npos || path.empty()) {
+        throw FileError(attempt, path.substr(0, path.find('\0')), EINVAL);
+    }
+}
+
+FileKind kindOf(mode_t mode) {
+    if (S_ISREG(mode)) return FileKind::regular;
+    if (S_ISDIR(mode)) return FileKind::folder;
+    return S_ISLNK(mode) ? FileKind::symbolicLink : FileKind::other;
+}
+
+}  // namespace
+
+bool PosixFileManager::exists(const std::string& path) const {
+    struct stat status;
+    if (path.find('\0') != std::string::npos) return false;
+    return calls_.stat(AT_FDCWD, path.c_str(), status) == 0;
+}
+
+std::optional<FileAttributes> PosixFileManager::attributes(const std::string& path) const {
+    struct stat status;
+    if (path.find('\0') != std::string::npos) return std::nullopt;
+    if (calls_.stat(AT_FDCWD, path.c_str(), status) != 0) return std::nullopt;
+    return FileAttributes{.kind = kindOf(status.st_mode),
+                          .allocatedSize = static_cast<std::int64_t>(status.st_blocks) * statBlock,
+                          .logicalSize = static_cast<std::int64_t>(status.st_size),
+                          .modified = static_cast<double>(status.st_mtime),
+                          .accessed = static_cast<double>(status.st_atime)};
+}
+
+std::vector<std::string> PosixFileManager::list(const std::string& folder) const {
+    requireWholePath("list", folder);
+    Descriptor opened(
+        calls_.open(AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+    if (!opened.isOpen()) fail("list", folder);
+    auto names = namesInFolder(std::move(opened));
+    if (!names) fail("list", folder);
+    return std::move(*names);
+}
+
+std::string PosixFileManager::resolved(const std::string& path) const {
+    requireWholePath("resolve", path);
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
+                                                           &std::free);
+    if (!real) fail("resolve", path);
+    return real.get();
+}
+
+std::string PosixFileManager::read(const std::string& path) const {
+    requireWholePath("read", path);
+    const Descriptor file(
+        calls_.open(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+    if (!file.isOpen()) fail("read", path);
+    std::string content;
+    std::array<char, 64 * 1024> buffer;
+    while (true) {
+        const ssize_t length = calls_.read(file.number(), buffer.data(), buffer.size());
+        if (length < 0) fail("read", path);
+        if (length == 0) return content;
+        content.append(buffer.data(), static_cast<std::size_t>(length));
+    }
+}
+
+void PosixFileManager::createFolders(const std::string& path) {
+    requireWholePath("create folder", path);
+    if (calls_.makeFolder(AT_FDCWD, path.c_str(), folderMode) == 0) return;
+    if (errno == ENOENT) {
+        const std::size_t slash = path.find_last_of('/');
+        if (slash == std::string::npos || slash == 0) fail("create folder", path);
+        createFolders(path.substr(0, slash));
+        if (calls_.makeFolder(AT_FDCWD, path.c_str(), folderMode) == 0) return;
+    }
+    // Something stands there: fine when it is a folder, or a link to one.
+    const int reason = errno;
+    struct stat status;
+    if (reason == EEXIST && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return;
+    throw FileError("create folder", path, reason == EEXIST ? ENOTDIR : reason);
+}
+
+}  // namespace velto
