@@ -6,14 +6,27 @@ native_sources() {
         -type f \( "$@" \) -print 2>/dev/null | LC_ALL=C sort
 }
 
+formatted_sources() { native_sources -name '*.cpp' -o -name '*.h' -o -name '*.mm'; }
+
+# run_checks [--fix]: with --fix, formats the sources first.
 run_checks() {
+    case ${1:-} in
+        '' | --fix) ;;
+        *) fail "usage: ./dev check [--fix]" ;;
+    esac
     setup_build
     need_packages check
-    local failed=()
+    local -a failed=()
 
     say "Formatting (clang-format)"
-    native_sources -name '*.cpp' -o -name '*.h' -o -name '*.mm' |
-        xargs clang-format --dry-run -Werror || failed+=(formatting)
+    if [ "${1:-}" = --fix ]; then
+        formatted_sources | xargs clang-format -i
+    fi
+    formatted_sources | xargs clang-format --dry-run -Werror 2>"$logs/format.log" || {
+        grep -h 'error:' "$logs/format.log" | cut -d: -f1 | sort | uniq -c
+        echo "    not as clang-format has it (mistakes per file); ./dev check --fix formats them"
+        failed+=(formatting)
+    }
 
     say "Shell scripts (shellcheck)"
     # SC2154: what ./dev sets before it reads its parts.
@@ -21,7 +34,7 @@ run_checks() {
         xargs shellcheck --shell=bash --exclude=SC2154 tools/*.sh || failed+=(shellcheck)
 
     say "The page's types (svelte-check)"
-    npm --silent --prefix resources run check || failed+=(svelte-check)
+    npm run --silent --prefix resources check || failed+=(svelte-check)
 
     say "Type-check of the macOS sources"
     if on_mac; then
@@ -37,12 +50,18 @@ run_checks() {
     say "All checks passed"
 }
 
-# clang-tidy reads how a file is compiled from the debug build's compile_commands.json.
+# clang-tidy reads from the debug build how a file is compiled. Debian's clang knows C++23 by its
+# working name.
 run_clang_tidy() {
-    [ -f resources/dist/index.html ] || build_page
+    build_page
     configure debug
+    mkdir -p build/tidy
+    sed 's/-std=c++23/-std=c++2b/g' build/debug/compile_commands.json \
+        >build/tidy/compile_commands.json
     local tidy=clang-tidy
     have "$tidy" || tidy=$(brew --prefix llvm)/bin/clang-tidy
-    native_sources -name '*.cpp' |
-        xargs -P "$(cores)" -n 4 "$tidy" -p build/debug --quiet 2>"$logs/tidy-stderr.log"
+    # What this build does not compile (the other system's sources) has no entry.
+    native_sources -name '*.cpp' | while read -r file; do
+        grep -qF "\"$root/$file\"" build/tidy/compile_commands.json && echo "$file"
+    done | xargs -P "$(cores)" -n 1 "$tidy" -p build/tidy --quiet 2>"$logs/tidy.log"
 }
