@@ -1,0 +1,60 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <vector>
+
+namespace velto {
+
+/// One file or folder in the program's trash.
+struct TrashItem {
+    std::string id;            // "it" and eight hexadecimal digits
+    std::string opID;          // the operation that moved it in
+    std::string originalPath;  // exactly as the caller gave it; restoring brings it back there
+    std::string name;          // last component of the standardised path
+    double gb = 0;             // decimal gigabytes
+    double taken = 0;          // seconds since 1970 when it was moved in
+
+    bool operator==(const TrashItem&) const = default;
+};
+
+/// One user action that moved items into the trash.
+struct Operation {
+    std::string id;                // "op" and a whole UUID
+    double ts = 0;                 // seconds since 1970 when it was recorded
+    double gb = 0;                 // sum of its items, one decimal
+    std::vector<TrashItem> items;  // full copies
+    std::string kind;              // the caller's own word, without meaning here
+
+    bool operator==(const Operation&) const = default;
+};
+
+/// The trash as it is stored.
+struct Manifest {
+    std::vector<TrashItem> items;       // oldest first
+    std::vector<Operation> operations;  // newest first
+
+    bool operator==(const Manifest&) const = default;
+};
+
+/// Why a path was refused. The texts exist in Spanish only and are shown as they are.
+class TrashError : public std::exception {
+public:
+    enum class Reason { outsideHome, protected_, notFound, alreadyInTrash };
+
+    explicit TrashError(Reason reason) : reason_(reason) {}
+
+    Reason reason() const { return reason_; }
+    const char* what() const noexcept override;
+
+private:
+    Reason reason_;
+};
+
+/// The manifest's JSON, compact.
+std::string encodeManifest(const Manifest& manifest);
+
+/// Strict: a missing or mistyped key throws nlohmann::json::exception.
+Manifest decodeManifest(const std::string& text);
+
+}  // namespace velto
