@@ -2,7 +2,7 @@
 
 run_program() {
     build_everything release
-    if on_mac || [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+    if on_mac || [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ] || opens_no_window "$@"; then
         exec build/release/velto "$@"
     fi
     if have apt-get; then
@@ -12,4 +12,12 @@ run_program() {
     say "No display: running the program on a virtual one until it shows an analysis"
     node tools/run_virtual.mjs "$root/build/release/velto" "$root/build/window.png" \
         "$logs/run.log" "$@"
+}
+
+opens_no_window() {
+    local argument
+    for argument in "$@"; do
+        case $argument in --maintenance | --reset) return 0 ;; esac
+    done
+    return 1
 }
