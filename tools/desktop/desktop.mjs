@@ -15,8 +15,21 @@ function firstLine(child, index, what) {
   });
 }
 
+/**
+ * The web engine puts its processes into a sandbox of namespaces, and ends the program when it may
+ * not make any, as in most containers. Only there it is told to go without: the page is our own.
+ */
+async function sandboxVariables() {
+  const { status } = await run('bwrap', [
+    '--unshare-pid', '--unshare-uts', '--unshare-net', '--die-with-parent',
+    '--ro-bind', '/', '/', '--dev', '/dev', '--proc', '/proc', 'true',
+  ]);
+  return status === 0 ? {} : { WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS: '1' };
+}
+
 /** A virtual display that holds one window of exactly this size. */
 export async function startDesktop({ width = 1180, height = 760 } = {}) {
+  const sandbox = await sandboxVariables();
   const server = startChild(
     'Xvfb',
     ['-displayfd', '3', '-screen', '0', `${width}x${height}x24`, '-nolisten', 'tcp', '-noreset'],
@@ -50,6 +63,7 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
       LIBGL_ALWAYS_SOFTWARE: '1',
       // No accessibility bus answers here; the toolkit would wait for one.
       GTK_A11Y: 'none',
+      ...sandbox,
     },
 
     /** Writes the whole display to a PNG file. */
