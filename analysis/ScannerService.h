@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "analysis/AnalysisOutput.h"
-#include "analysis/CancellationFlag.h"
+#include "platform/CancellationFlag.h"
 #include "cleaning/DupFinder.h"
 #include "platform/Platform.h"
 

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "analysis/CancellationFlag.h"
 #include "analysis/DiskState.h"
 #include "analysis/ExclusionService.h"
 #include "analysis/PermissionService.h"
@@ -16,6 +15,7 @@
 #include "bridge/payload.h"
 #include "maintenance/MaintenanceScheduler.h"
 #include "platform/ApplicationShell.h"
+#include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
 #include "platform/WebView.h"
 #include "settings/AppLanguage.h"

@@ -1,0 +1,112 @@
+#include "platform/TreeWalk.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "platform/WalkQueue.h"
+#include "platform/WalkWorker.h"
+
+namespace velto {
+namespace {
+
+constexpr std::chrono::milliseconds tickInterval{50};
+
+/// The threads of one walk. Its end joins them, whatever the calling thread is going through.
+class WalkThreads {
+public:
+    explicit WalkThreads(WalkQueue& queue) : queue_(queue) {}
+
+    ~WalkThreads() {
+        queue_.stop();
+        for (std::thread& thread : threads_) thread.join();
+    }
+
+    void start(WalkWorker& worker) {
+        {
+            const std::lock_guard guard(lock_);
+            ++running_;
+        }
+        try {
+            threads_.emplace_back([this, &worker] { work(worker); });
+        } catch (...) {
+            const std::lock_guard guard(lock_);
+            --running_;
+            throw;
+        }
+    }
+
+    /// Waits for the end of all threads, calling `tick` meanwhile. Rethrows the first exception
+    /// that a thread ended with.
+    void wait(const TreeWalk::Tick& tick) {
+        std::unique_lock guard(lock_);
+        const auto ended = [this] { return running_ == 0; };
+        while (!ended_.wait_for(guard, tickInterval, ended)) {
+            guard.unlock();
+            if (tick) tick();
+            guard.lock();
+        }
+        if (failure_) std::rethrow_exception(failure_);
+    }
+
+private:
+    void work(WalkWorker& worker) {
+        std::exception_ptr failure;
+        try {
+            worker.run();
+        } catch (...) {
+            failure = std::current_exception();
+            queue_.stop();
+        }
+        const std::lock_guard guard(lock_);
+        if (failure && !failure_) failure_ = failure;
+        if (--running_ == 0) ended_.notify_all();
+    }
+
+    WalkQueue& queue_;
+    std::vector<std::thread> threads_;
+    std::mutex lock_;
+    std::condition_variable ended_;
+    std::size_t running_ = 0;
+    std::exception_ptr failure_;
+};
+
+std::vector<FolderReference> rootFolders(const std::vector<WalkRoot>& roots,
+                                         const PlaceTable* places) {
+    std::vector<FolderReference> folders;
+    folders.reserve(roots.size());
+    for (const WalkRoot& root : roots) {
+        const Place* place = places == nullptr ? nullptr : places->find(root.path);
+        folders.push_back(FolderReference::root(root.path, folders.size(), root.mark, place));
+    }
+    return folders;
+}
+
+}  // namespace
+
+TreeWalk::Result TreeWalk::run(const std::vector<WalkRoot>& roots,
+                               std::span<TreeVisitor* const> visitors, const WalkOptions& options,
+                               const CancellationFlag& cancelled, const Tick& tick) const {
+    Result result;
+    result.rootErrors.assign(roots.size(), 0);
+    WalkQueue queue(options.maxOpenFolders);
+    queue.addRoots(rootFolders(roots, options.places));
+    const WalkSetting setting{reader_, roots, options, cancelled, queue, result.rootErrors};
+    std::vector<std::unique_ptr<WalkWorker>> workers;
+    for (TreeVisitor* visitor : visitors) {
+        workers.push_back(std::make_unique<WalkWorker>(setting, *visitor));
+    }
+    {
+        WalkThreads threads(queue);
+        for (const auto& worker : workers) threads.start(*worker);
+        threads.wait(tick);
+    }
+    for (const auto& worker : workers) result.unreadable += worker->unreadable();
+    result.cancelled = cancelled.isCancelled();
+    return result;
+}
+
+}  // namespace velto

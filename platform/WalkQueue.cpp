@@ -1,0 +1,92 @@
+#include "platform/WalkQueue.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace velto {
+
+void WalkQueue::addRoots(std::vector<FolderReference> roots) {
+    const std::lock_guard guard(lock_);
+    std::move(roots.rbegin(), roots.rend(), std::back_inserter(waiting_));
+}
+
+bool WalkQueue::next(Item& item) {
+    // Closing a folder is a system call and letting go of one may free many: not under the lock.
+    const bool wasBusy = static_cast<bool>(std::exchange(item, Item()).folder);
+    std::unique_lock guard(lock_);
+    if (wasBusy) --busy_;
+    if (waiting_.empty() && busy_ == 0) changed_.notify_all();
+    ++idle_;
+    changed_.wait(guard, [&] { return stopped_ || !waiting_.empty() || busy_ == 0; });
+    --idle_;
+    if (stopped_ || waiting_.empty()) return false;
+
+    ++busy_;
+    item.folder = std::move(waiting_.back());
+    waiting_.pop_back();
+    if (item.folder->parent_) item.parent = takeHandle(*item.folder->parent_);
+    return true;
+}
+
+/// Under the lock: the handle through which one of the waiting children is opened. The last one
+/// takes it along, except a root's, from which everything below can be opened anew.
+std::shared_ptr<OpenFolder> WalkQueue::takeHandle(WalkedFolder& parent) {
+    const bool isLast = --parent.waitingChildren_ == 0;
+    if (!isLast || !parent.handle_ || !parent.parent_) return parent.handle_;
+    open_.erase(parent.kept_);
+    return std::exchange(parent.handle_, nullptr);
+}
+
+void WalkQueue::add(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle,
+                    std::vector<FolderReference>& children) {
+    if (children.empty()) return;
+    Handles closing;
+    const std::lock_guard guard(lock_);
+    folder.waitingChildren_ = children.size();
+    std::move(children.begin(), children.end(), std::back_inserter(waiting_));
+    keep(folder, std::move(handle), closing);
+    // The caller takes one of them itself.
+    const std::size_t wanted = std::min(idle_, children.size() - 1);
+    for (std::size_t woken = 0; woken < wanted; ++woken) changed_.notify_one();
+    children.clear();
+}
+
+void WalkQueue::stop() {
+    const std::lock_guard guard(lock_);
+    stopped_ = true;
+    changed_.notify_all();
+}
+
+WalkQueue::OpenAncestor WalkQueue::openAncestor(const WalkedFolder& folder) {
+    const std::lock_guard guard(lock_);
+    OpenAncestor found;
+    WalkedFolder* above = folder.parent_ ? &*folder.parent_ : nullptr;
+    while (above != nullptr && !above->handle_) {
+        found.closed.push_back(above);
+        above = above->parent_ ? &*above->parent_ : nullptr;
+    }
+    if (above != nullptr) found.handle = above->handle_;
+    return found;
+}
+
+void WalkQueue::keepOpen(WalkedFolder& folder, const std::shared_ptr<OpenFolder>& handle) {
+    Handles closing;
+    const std::lock_guard guard(lock_);
+    if (folder.waitingChildren_ == 0 || folder.handle_) return;
+    keep(folder, handle, closing);
+}
+
+/// Under the lock. What has to be closed goes to `closing`, which the caller destroys later.
+void WalkQueue::keep(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle, Handles& closing) {
+    folder.handle_ = std::move(handle);
+    if (!folder.parent_) return;
+    folder.kept_ = open_.insert(open_.end(), &folder);
+    while (open_.size() > maxOpenFolders_) {
+        closing.push_back(std::move(open_.front()->handle_));
+        open_.front()->handle_ = nullptr;
+        open_.pop_front();
+    }
+}
+
+}  // namespace velto

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <condition_variable>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "platform/DirectoryReader.h"
+#include "platform/WalkedFolder.h"
+
+namespace velto {
+
+/// The folders that a walk has found and not yet read, last found first: that keeps few folders
+/// open and few names in memory. Shared by the workers; every function is safe from each of them.
+///
+/// A folder stays open while folders found in it wait, so that each is opened by one name. No more
+/// than a bound of folders stay open this way: beyond it the ones kept longest, which lie highest
+/// and are needed last, are closed, and whoever needs one opens it anew from above. A root stays
+/// open as long as anything below it is being walked.
+class WalkQueue {
+public:
+    /// A folder to read and its parent's handle; null for a root and for a parent that is closed.
+    struct Item {
+        FolderReference folder;
+        std::shared_ptr<OpenFolder> parent;
+    };
+
+    explicit WalkQueue(std::size_t maxOpenFolders) : maxOpenFolders_(maxOpenFolders) {}
+
+    /// Before the workers start. Roots are handed out in the order of the calls.
+    void addRoots(std::vector<FolderReference> roots);
+
+    /// The next folder, in place of the one that `item` holds, which has been read. Waits while
+    /// other workers may still find some. False at the end of the walk and after `stop`.
+    bool next(Item& item);
+
+    /// Adds the folders found in `folder`, which is open through `handle`; empties `children`.
+    void add(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle,
+             std::vector<FolderReference>& children);
+
+    /// Lets all workers end.
+    void stop();
+
+    /// The handle of the nearest open folder above `folder` (its root at the farthest) and the
+    /// closed folders between the two, deepest first.
+    struct OpenAncestor {
+        std::shared_ptr<OpenFolder> handle;
+        std::vector<WalkedFolder*> closed;
+    };
+    OpenAncestor openAncestor(const WalkedFolder& folder);
+
+    /// Keeps a folder open that was opened anew, when others still wait below it.
+    void keepOpen(WalkedFolder& folder, const std::shared_ptr<OpenFolder>& handle);
+
+private:
+    using Handles = std::vector<std::shared_ptr<OpenFolder>>;
+
+    std::shared_ptr<OpenFolder> takeHandle(WalkedFolder& parent);
+    void keep(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle, Handles& closing);
+
+    const std::size_t maxOpenFolders_;
+    std::mutex lock_;
+    std::condition_variable changed_;
+    std::vector<FolderReference> waiting_;
+    std::list<WalkedFolder*> open_;  // kept longest first; roots do not count
+    std::size_t busy_ = 0;           // workers that may still add folders
+    std::size_t idle_ = 0;           // workers that wait for one
+    bool stopped_ = false;
+};
+
+}  // namespace velto
