@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/Clock.h"
+#include "platform/FileContent.h"
 
 namespace velto {
 
@@ -29,13 +32,24 @@ public:
         bool budgetExhausted = false;
     };
 
-    explicit DupFinder(const Clock& clock) : clock_(clock) {}
+    /// Smaller files are not compared: more than a million bytes, on purpose.
+    static constexpr std::int64_t smallestSize = 1'000'001;
 
-    /// Blocks; hashing stops after 12 seconds and what was compared until then is returned.
-    Result find(const std::vector<FileRecord>& files) const;
+    /// Both outlive the finder. `threads` 0: one per processor.
+    DupFinder(const Clock& clock, FileContentReader& contents, std::size_t threads = 0)
+        : clock_(clock), contents_(contents), threads_(threads) {}
+
+    /// Blocks; hashing stops after 12 seconds and what was compared until then is returned. Files
+    /// that cannot be read, or whose size changes meanwhile, are left out. `stopped`, asked from
+    /// several threads before each file and between its chunks, ends the search early; what is
+    /// returned then is of no use.
+    Result find(const std::vector<FileRecord>& files,
+                const std::function<bool()>& stopped = {}) const;
 
 private:
     const Clock& clock_;
+    FileContentReader& contents_;
+    std::size_t threads_;
 };
 
 }  // namespace velto

@@ -6,6 +6,7 @@
 #include "platform/Clock.h"
 #include "platform/DirectoryReader.h"
 #include "platform/Dispatcher.h"
+#include "platform/FileContent.h"
 #include "platform/FileManager.h"
 #include "platform/HomeLayout.h"
 #include "platform/Locale.h"
@@ -28,6 +29,7 @@ struct Platform {
     std::unique_ptr<Dispatcher> dispatcher;
     std::unique_ptr<FileManager> files;
     std::unique_ptr<DirectoryReader> directories;
+    std::unique_ptr<FileContentReader> contents = makeFileContentReader();  // on every system
     std::unique_ptr<VolumeInfo> volumes;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<Locale> locale;

@@ -1,0 +1,193 @@
+#include "cleaning/DupSearch.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <map>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "platform/parallel.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+constexpr double budget = 12;                       // seconds of hashing whole files
+constexpr std::size_t quickLength = 4096;           // bytes at the start of a file
+constexpr std::size_t sampleLength = 4096;
+constexpr std::size_t chunkLength = 1024 * 1024;
+constexpr std::size_t filesAtOnce = 64;             // hashed before their groups are settled
+
+/// Reads until `buffer` is full or the file ends. Nothing on a read error.
+std::optional<std::span<const std::byte>> readFrom(FileContent& content, std::int64_t offset,
+                                                   std::span<std::byte> buffer) {
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const std::ptrdiff_t count = content.read(offset + static_cast<std::int64_t>(filled),
+                                                  buffer.subspan(filled));
+        if (count == 0) break;
+        if (count > 0) {
+            filled += static_cast<std::size_t>(count);
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+    return buffer.first(filled);
+}
+
+/// `sets` divided by `keyOf` each file; what ends up alone, or has no key, is dropped.
+template <typename KeyOf>
+std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std::size_t>>& sets,
+                                              const KeyOf& keyOf) {
+    std::vector<std::vector<std::size_t>> result;
+    for (const auto& set : sets) {
+        std::map<decltype(keyOf(0)), std::vector<std::size_t>> parts;
+        for (std::size_t file : set) parts[keyOf(file)].push_back(file);
+        for (auto& [key, part] : parts) {
+            if (key != decltype(keyOf(0))() && part.size() > 1) result.push_back(std::move(part));
+        }
+    }
+    return result;
+}
+
+}  // namespace
+
+DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
+                     FileContentReader& contents, std::size_t threads,
+                     const std::function<bool()>& stopped)
+    : files_(files),
+      clock_(clock),
+      contents_(contents),
+      stopped_(stopped),
+      tools_(threads == 0 ? processorCount() : threads),
+      keys_(files.size()) {
+    for (Tools& tools : tools_) {
+        tools.md5 = makeDigest(DigestKind::md5);
+        tools.sha256 = makeDigest(DigestKind::sha256);
+        tools.buffer.resize(chunkLength);
+    }
+}
+
+DupFinder::Result DupSearch::run() {
+    const std::vector<Set> sets = narrowed(sameSize(), &DupSearch::firstBytes);
+    deadline_ = clock_.monotonic() + budget;
+    std::vector<Set> equal;
+    std::vector<Set> batch;
+    std::size_t batchFiles = 0;
+    for (std::size_t index = 0; index < sets.size() && !stopping_; ++index) {
+        batch.push_back(sets[index]);
+        batchFiles += sets[index].size();
+        if (batchFiles < filesAtOnce && index + 1 < sets.size()) continue;
+        std::ranges::move(
+            narrowed(narrowed(batch, &DupSearch::samples), &DupSearch::wholeContent),
+            std::back_inserter(equal));
+        batch.clear();
+        batchFiles = 0;
+    }
+    std::ranges::sort(equal, {}, [](const Set& set) { return set.front(); });
+    DupFinder::Result result;
+    for (const Set& set : equal) result.groups.push_back(group(set));
+    result.budgetExhausted = budgetExhausted_;
+    return result;
+}
+
+/// Files large enough in sets of one size, the smallest size first: one pair of huge files must not
+/// use up the time that many others would have been settled in.
+std::vector<DupSearch::Set> DupSearch::sameSize() const {
+    Set all;
+    for (std::size_t file = 0; file < files_.size(); ++file) {
+        if (files_[file].size >= DupFinder::smallestSize) all.push_back(file);
+    }
+    return divided({all}, [&](std::size_t file) { return files_[file].size; });
+}
+
+/// Applies the test to every file of the sets, several at once, and divides the sets by it. A set
+/// that the search did not get through is dropped whole.
+std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Test test) {
+    Set files;
+    for (const Set& set : sets) files.insert(files.end(), set.begin(), set.end());
+    forEachInParallel(files.size(), tools_.size(), [&](std::size_t index, std::size_t thread) {
+        keys_[files[index]] = apply(test, files[index], tools_[thread]);
+    });
+    std::vector<Set> reached;
+    std::ranges::copy_if(sets, std::back_inserter(reached),
+                         [&](const Set& set) { return wasReached(set); });
+    return divided(reached, [&](std::size_t file) { return keys_[file].text; });
+}
+
+bool DupSearch::wasReached(const Set& set) const {
+    return std::ranges::all_of(set, [&](std::size_t file) { return keys_[file].reached; });
+}
+
+/// Files whose last test was that of their whole content.
+DupFinder::Group DupSearch::group(const Set& set) const {
+    DupFinder::Group result;
+    result.hash = keys_[set.front()].text;
+    result.gb = gigabytes(files_[set.front()].size);
+    for (std::size_t file : set) result.paths.push_back(files_[file].path);
+    return result;
+}
+
+DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
+    if (shouldStop()) return {};
+    const auto content = contents_.open(files_[file].path);
+    if (!content) return {true, {}};
+    const std::int64_t size = content->size();
+    if (size < 0) return {true, {}};
+    std::string text = (this->*test)(*content, size, tools);
+    if (stopping_ && text.empty()) return {};
+    return {true, std::move(text)};
+}
+
+/// The logical size is part of it: what was allocated may be the same for files of two lengths.
+std::string DupSearch::firstBytes(FileContent& content, std::int64_t size, Tools& tools) {
+    const auto bytes = readFrom(content, 0, std::span(tools.buffer).first(quickLength));
+    if (!bytes) return {};
+    tools.md5->update(*bytes);
+    return fmt::format("{} {}", tools.md5->finish(), size);
+}
+
+/// Files of one format and length often begin alike and differ soon after: a look at the middle and
+/// at the end spares most of them being read whole.
+std::string DupSearch::samples(FileContent& content, std::int64_t size, Tools& tools) {
+    const auto length = static_cast<std::int64_t>(sampleLength);
+    std::string text;
+    for (const std::int64_t offset : {size / 2, std::max<std::int64_t>(0, size - length)}) {
+        const auto bytes = readFrom(content, offset, std::span(tools.buffer).first(sampleLength));
+        if (!bytes) return {};
+        tools.md5->update(*bytes);
+        text += tools.md5->finish();
+    }
+    return text;
+}
+
+std::string DupSearch::wholeContent(FileContent& content, std::int64_t size, Tools& tools) {
+    for (std::int64_t offset = 0; offset < size;) {
+        if (offset > 0 && shouldStop()) return {};
+        const auto bytes = readFrom(content, offset, tools.buffer);
+        if (!bytes || bytes->empty()) {
+            tools.sha256->finish();  // drops what a file that cannot be read on has left in it
+            return {};
+        }
+        tools.sha256->update(*bytes);
+        offset += static_cast<std::int64_t>(bytes->size());
+    }
+    std::string hash = tools.sha256->finish();
+    return content.size() == size ? hash : std::string();
+}
+
+/// True once the time is used up or the caller wants no more.
+bool DupSearch::shouldStop() {
+    if (stopping_) return true;
+    if (stopped_ && stopped_()) {
+        stopping_ = true;
+    } else if (deadline_ && clock_.monotonic() > *deadline_) {
+        budgetExhausted_ = true;
+        stopping_ = true;
+    }
+    return stopping_;
+}
+
+}  // namespace velto

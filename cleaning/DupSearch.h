@@ -1,0 +1,66 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "cleaning/DupFinder.h"
+#include "platform/Digest.h"
+
+namespace velto {
+
+/// One search for duplicates. It narrows sets of files that may be equal, from the cheapest test to
+/// the dearest: size, first bytes, a few bytes from further in, whole content. Only the last one
+/// makes files equal; the others just tell apart.
+class DupSearch {
+public:
+    DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
+              FileContentReader& contents, std::size_t threads,
+              const std::function<bool()>& stopped);
+
+    DupFinder::Result run();
+
+private:
+    using Set = std::vector<std::size_t>;  // indices of files, in input order
+
+    /// What a test said about a file. Files with different texts differ.
+    struct Key {
+        bool reached = false;  // false: the search ended before the test did
+        std::string text;      // empty: the file is left out
+    };
+    /// What one thread works with.
+    struct Tools {
+        std::unique_ptr<Digest> md5, sha256;
+        std::vector<std::byte> buffer;
+    };
+    using Test = std::string (DupSearch::*)(FileContent& content, std::int64_t size, Tools& tools);
+
+    std::vector<Set> sameSize() const;
+    std::vector<Set> narrowed(const std::vector<Set>& sets, Test test);
+    bool wasReached(const Set& set) const;
+    DupFinder::Group group(const Set& set) const;
+
+    Key apply(Test test, std::size_t file, Tools& tools);
+    std::string firstBytes(FileContent& content, std::int64_t size, Tools& tools);
+    std::string samples(FileContent& content, std::int64_t size, Tools& tools);
+    std::string wholeContent(FileContent& content, std::int64_t size, Tools& tools);
+
+    bool shouldStop();
+
+    const std::vector<FileRecord>& files_;
+    const Clock& clock_;
+    FileContentReader& contents_;
+    const std::function<bool()>& stopped_;
+    std::vector<Tools> tools_;         // by thread
+    std::vector<Key> keys_;            // by file, of the test that was applied last
+    std::optional<double> deadline_;   // on the monotonic clock; none before the full-hash stage
+    std::atomic<bool> stopping_{false};
+    std::atomic<bool> budgetExhausted_{false};
+};
+
+}  // namespace velto

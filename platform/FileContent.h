@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace velto {
+
+/// The content of one open regular file. Closing is the destructor's. One thread at a time.
+class FileContent {
+public:
+    virtual ~FileContent() = default;
+
+    /// Logical size at this moment, in bytes; -1 with `errno` set when it cannot be told.
+    virtual std::int64_t size() const = 0;
+
+    /// Reads at most `buffer.size()` bytes from `offset` on. Returns how many, 0 at the end of the
+    /// file, -1 with `errno` set on failure. EINTR is the caller's to retry.
+    virtual std::ptrdiff_t read(std::int64_t offset, std::span<std::byte> buffer) = 0;
+};
+
+/// Opens files to read what is in them. Stateless; safe from every thread.
+class FileContentReader {
+public:
+    virtual ~FileContentReader() = default;
+
+    /// Null with `errno` set when the file cannot be opened. Only a regular file opens (a link, a
+    /// pipe or a device that has taken a file's place does not), and opening never blocks on the
+    /// other end of something. Where the system allows it, reading leaves the access time alone.
+    virtual std::unique_ptr<FileContent> open(const std::string& path) = 0;
+};
+
+/// The POSIX implementation, of every machine that this program runs on.
+std::unique_ptr<FileContentReader> makeFileContentReader();
+
+}  // namespace velto

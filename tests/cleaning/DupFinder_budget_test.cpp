@@ -1,0 +1,139 @@
+#include <atomic>
+#include <string>
+
+#include <gmock/gmock.h>
+
+#include "cleaning/DupFinder.h"
+#include "support/FakeFileContents.h"
+
+namespace velto {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Le;
+using testing::SizeIs;
+
+constexpr std::int64_t megabyte = 1024 * 1024;
+
+/// A clock that reads move on, from whatever thread.
+class ReadingClock final : public Clock {
+public:
+    double now() const override { return monotonic(); }
+    double monotonic() const override { return static_cast<double>(milliseconds_) / 1000; }
+    void advance(std::int64_t milliseconds) { milliseconds_ += milliseconds; }
+
+private:
+    std::atomic<std::int64_t> milliseconds_{0};
+};
+
+/// Pairs of equal files, and a clock that only reading from some offset on moves: 4096 and further
+/// is what the full-hash stage reads.
+struct DupFinderBudget : testing::Test {
+    void addPair(const std::string& name, std::int64_t length) {
+        for (const char* copy : {"/a/", "/b/"}) {
+            records.push_back({copy + name, length});
+            contents.files[copy + name].content =
+                name + std::string(static_cast<std::size_t>(length) - name.size(), 'x');
+        }
+    }
+    DupFinder::Result find(std::size_t threads = 1) {
+        return DupFinder(clock, contents, threads).find(records, stopped);
+    }
+
+    ReadingClock clock;
+    FakeFileContents contents;
+    std::vector<FileRecord> records;
+    std::function<bool()> stopped;
+};
+
+TEST_F(DupFinderBudget, WhatWasCompleteByTheDeadlineIsReturned) {
+    addPair("late", 9 * megabyte);
+    addPair("early", 2 * megabyte);
+    contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
+        if (path == "/b/late" && offset == 3 * megabyte) clock.advance(12'001);
+    };
+    const auto result = find();
+    EXPECT_TRUE(result.budgetExhausted);
+    ASSERT_THAT(result.groups, SizeIs(1));
+    EXPECT_THAT(result.groups[0].paths, ElementsAre("/a/early", "/b/early"));
+}
+
+TEST_F(DupFinderBudget, TheDeadlineIsOverrunByNoMoreThanOneChunk) {
+    addPair("huge", 20 * megabyte);
+    contents.beforeRead = [&](const std::string&, std::int64_t offset) {
+        if (offset == 5 * megabyte) clock.advance(13'000);
+    };
+    EXPECT_TRUE(find().budgetExhausted);
+    EXPECT_THAT(contents.bytesRead("/a/huge"), Le(6 * megabyte + 3 * 4096));
+}
+
+TEST_F(DupFinderBudget, ExactlyTwelveSecondsAreWithinTheBudget) {
+    addPair("file", 3 * megabyte);
+    contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
+        if (path == "/a/file" && offset == megabyte) clock.advance(12'000);
+    };
+    const auto result = find();
+    EXPECT_FALSE(result.budgetExhausted);
+    EXPECT_THAT(result.groups, SizeIs(1));
+}
+
+TEST_F(DupFinderBudget, TheQuickStageDoesNotUseItUp) {
+    addPair("file", 3 * megabyte);
+    contents.beforeRead = [&](const std::string&, std::int64_t offset) {
+        if (offset == 0 && contents.reads().size() < 2) clock.advance(60'000);
+    };
+    const auto result = find();
+    EXPECT_FALSE(result.budgetExhausted);
+    EXPECT_THAT(result.groups, SizeIs(1));
+}
+
+TEST_F(DupFinderBudget, TimeThatRunsOutWithTheLastByteCostsNothing) {
+    addPair("file", 2 * megabyte);
+    contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
+        if (path == "/b/file" && offset == megabyte && contents.bytesRead(path) > megabyte) {
+            clock.advance(20'000);
+        }
+    };
+    const auto result = find();
+    EXPECT_FALSE(result.budgetExhausted);
+    EXPECT_THAT(result.groups, SizeIs(1));
+}
+
+TEST_F(DupFinderBudget, ManySmallPairsAreSettledBeforeAHugeOne) {
+    addPair("aaa huge", 40 * megabyte);
+    for (int index = 0; index < 50; ++index) addPair(std::to_string(index), 2 * megabyte);
+    contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
+        if (path.ends_with("huge") && offset >= megabyte) clock.advance(1'000);
+    };
+    const auto result = find();
+    EXPECT_TRUE(result.budgetExhausted);
+    EXPECT_GE(result.groups.size(), 32u);
+}
+
+TEST_F(DupFinderBudget, SeveralThreadsKeepToItToo) {
+    for (int index = 0; index < 100; ++index) addPair(std::to_string(index), 3 * megabyte);
+    contents.beforeRead = [&](const std::string&, std::int64_t offset) {
+        if (offset >= megabyte) clock.advance(100);
+    };
+    const auto result = find(4);
+    EXPECT_TRUE(result.budgetExhausted);
+    EXPECT_LT(result.groups.size(), 100u);
+    for (const auto& group : result.groups) EXPECT_THAT(group.paths, SizeIs(2));
+}
+
+TEST_F(DupFinderBudget, ACallerWhoWantsNoMoreStopsItWithoutTheFlag) {
+    addPair("file", 9 * megabyte);
+    std::atomic<bool> enough = false;
+    stopped = [&] { return enough.load(); };
+    contents.beforeRead = [&](const std::string&, std::int64_t offset) {
+        if (offset == 2 * megabyte) enough = true;
+    };
+    const auto result = find();
+    EXPECT_FALSE(result.budgetExhausted);
+    EXPECT_THAT(result.groups, IsEmpty());
+    EXPECT_THAT(contents.bytesRead("/a/file"), Le(3 * megabyte + 3 * 4096));
+}
+
+}  // namespace
+}  // namespace velto
