@@ -3,13 +3,12 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "analysis/AnalysisOutput.h"
+#include "analysis/WalkTotals.h"
 #include "platform/CancellationFlag.h"
-#include "cleaning/DupFinder.h"
 #include "platform/Platform.h"
 
 namespace velto {
@@ -22,15 +21,17 @@ public:
 
 class PermissionService;
 
-/// Walks the home folder and adds up what fills it. One walk at a time per instance.
-class ScannerService {
+/// Walks the home folder and adds up what fills it. One walk at a time per instance. The service's
+/// own fields are the raw totals of the last walk, partial after a cancelled one.
+class ScannerService : public WalkTotals {
 public:
-    /// Files counted so far and gigabytes counted so far; called on the walking thread, at most
-    /// once every 0.2 seconds.
+    /// Files counted so far and gigabytes counted so far; called on the thread that called `scan`,
+    /// at most once every 0.2 seconds.
     using Progress = std::function<void(std::int64_t files, double gb)>;
 
-    /// The platform and the service outlive the scanner.
-    ScannerService(Platform& platform, const PermissionService& permissions);
+    /// The platform and the service outlive the scanner. `threads` 0: one per processor.
+    ScannerService(Platform& platform, const PermissionService& permissions,
+                   std::size_t threads = 0);
 
     /// Walks, finds duplicates and builds the output. `excluded` are the paths that the user keeps
     /// out. Blocks; not on the main thread. Throws CancellationError. A home that cannot be read is
@@ -38,17 +39,14 @@ public:
     AnalysisOutput scan(const std::vector<std::string>& excluded, const CancellationFlag& cancelled,
                         const Progress& progress);
 
-    // The raw totals of the last walk; partial after a cancelled one.
-    std::int64_t filesScanned = 0;                          // regular files counted
-    std::int64_t bytesScanned = 0;                          // allocated bytes counted
-    std::vector<FileRecord> fileList;                       // duplicate candidates, in path order
-    std::map<std::string, std::int64_t> catBytes;
-    std::map<std::string, std::vector<BigFile>> catTop;     // in path order
-    std::map<std::string, std::int64_t> catFiles;
-
 private:
+    void walk(const std::vector<std::string>& excluded, bool hasAccess,
+              const CancellationFlag& cancelled, const Progress& progress);
+
     Platform& platform_;
     const PermissionService& permissions_;
+    std::size_t threads_;
+    std::int64_t unreadable_ = 0;
 };
 
 }  // namespace velto

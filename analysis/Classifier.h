@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "analysis/categories.h"
+#include "platform/HomeLayout.h"
+#include "platform/PlaceTable.h"
+#include "platform/WalkedFolder.h"
+
+namespace velto {
+
+/// Sorts the files of a home into categories: first by the folder that they lie in, then by their
+/// extension. What a path says is worked out once per folder and noted in its mark, so that a file
+/// costs no path. Read by all workers of a walk.
+class Classifier {
+public:
+    /// The layout outlives the classifier. Notes the category folders in `places`.
+    Classifier(const HomeLayout& layout, PlaceTable& places);
+
+    /// The mark of a folder from which a walk starts, by its path.
+    std::uint32_t markOfRoot(std::string_view path) const;
+
+    /// Sets the mark of a folder found in another; it begins with the mark of that one.
+    void note(WalkedFolder& folder) const;
+
+    /// `place` is the file's own, null for none.
+    Category categoryOf(const WalkedFolder& folder, std::string_view fileName,
+                        const Place* place) const;
+
+private:
+    // A mark holds the first area that the folder lies in and, in a library, the first rule that
+    // its path matches. Areas are in the order in which they are tried.
+    enum Area : std::uint32_t {
+        nowhere,
+        photosArea,
+        musicArea,
+        downloadsArea,
+        documentsArea,
+        libraryArea,
+        applicationsArea,
+    };
+    struct Rule {
+        std::string_view substring;
+        Category category;
+        bool endsInFolder;  // can only match what ends with a slash: never by a file's name
+        bool spansFolders;  // holds a slash before its end
+    };
+    struct AreaFolder {
+        std::string_view path;
+        Area area;
+    };
+
+    static std::uint32_t mark(Area area, std::uint32_t rule) { return area | rule << 8; }
+    static Area areaOf(std::uint32_t mark) { return static_cast<Area>(mark & 0xFF); }
+    static std::uint32_t ruleOf(std::uint32_t mark) { return mark >> 8; }
+
+    std::uint32_t firstRule(std::string_view text, std::uint32_t limit) const;
+    Category libraryCategory(const WalkedFolder& folder, std::string_view fileName,
+                             std::uint32_t limit) const;
+
+    std::vector<AreaFolder> areaFolders_;
+    std::vector<Rule> rules_;
+    Category libraryDefault_;
+    std::size_t longestRule_ = 0;
+};
+
+}  // namespace velto

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "analysis/Classifier.h"
+#include "analysis/WalkTotals.h"
+#include "analysis/categories.h"
+#include "platform/TreeWalk.h"
+
+namespace velto {
+
+/// One thread's part of the scanner's walk: it counts what it meets and keeps what later steps
+/// need, for itself alone.
+class ScanWorker final : public TreeVisitor {
+public:
+    struct BigFileFound {
+        std::string path;  // bytes as stored
+        std::int64_t size = 0;
+        double lastUse = 0;  // seconds since 1970
+        Category category = Category::documents;
+    };
+
+    ScanWorker(const Classifier& classifier, bool entersMediaLibraries)
+        : classifier_(classifier), entersMediaLibraries_(entersMediaLibraries) {}
+
+    bool enter(WalkedFolder& folder) override;
+    void file(const WalkedFolder& folder, const DirectoryEntry& entry,
+              const Place* place) override;
+
+    /// Counted so far; from any thread while the walk runs.
+    std::int64_t files() const { return files_.load(std::memory_order_relaxed); }
+    std::int64_t bytes() const { return bytes_.load(std::memory_order_relaxed); }
+
+    /// Adds this worker's part to the sums and moves its lists over, after the walk.
+    void handOver(WalkTotals& totals, std::vector<BigFileFound>& bigFiles);
+
+private:
+    const Classifier& classifier_;
+    const bool entersMediaLibraries_;
+    std::array<std::int64_t, categoryCount> categoryBytes_{};
+    std::array<std::int64_t, categoryCount> categoryFiles_{};
+    std::vector<FileRecord> duplicateCandidates_;
+    std::vector<BigFileFound> bigFiles_;
+    // Written by the walking thread alone, read by the one that reports progress.
+    std::atomic<std::int64_t> files_{0};
+    std::atomic<std::int64_t> bytes_{0};
+};
+
+}  // namespace velto
