@@ -3,21 +3,11 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
 
+#include "platform/posix/uninterrupted.h"
+
 namespace velto {
-namespace {
-
-/// Repeats a call that a signal has interrupted.
-template <typename Call>
-auto uninterrupted(Call call) {
-    auto result = call();
-    while (result < 0 && errno == EINTR) result = call();
-    return result;
-}
-
-}  // namespace
 
 int FileCalls::open(int folder, const char* name, int flags, mode_t mode) {
     return uninterrupted([&] { return ::openat(folder, name, flags, mode); });

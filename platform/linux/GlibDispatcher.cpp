@@ -1,0 +1,200 @@
+#include "platform/linux/GlibDispatcher.h"
+
+#include <glib.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <deque>
+#include <limits>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace velto {
+namespace {
+
+// Work is handed over through queues of our own under a std::mutex; GLib's sources and pools carry
+// tokens only. That keeps the order in our hands, and the sanitizers see the hand-over.
+
+using Work = Dispatcher::Work;
+
+constexpr int userInitiatedThreads = 64;  // work may block on files; as many as that helps nobody
+constexpr int utilityThreads = 2;
+constexpr int utilityNiceness = 10;
+
+/// Work that throws is a program fault: it ends the program here, not somewhere inside GLib.
+void perform(const Work& work) noexcept { work(); }
+
+/// Rounded up: never earlier than asked.
+guint milliseconds(double seconds) {
+    const double value = std::ceil(seconds * 1000);
+    if (!(value > 0)) return 0;
+    return static_cast<guint>(
+        std::min(value, static_cast<double>(std::numeric_limits<gint>::max())));
+}
+
+}  // namespace
+
+/// The work that waits for the main thread. Tokens in the main context hold it, so it outlives the
+/// dispatcher where the context does.
+class GlibDispatcher::MainQueue : public std::enable_shared_from_this<MainQueue> {
+public:
+    void add(Work work) {
+        {
+            const std::lock_guard lock(mutex_);
+            waiting_.push_back(std::move(work));
+        }
+        g_idle_add_full(G_PRIORITY_DEFAULT, &MainQueue::runNext, makeToken(0).release(),
+                        &MainQueue::deleteToken);
+    }
+
+    void addDelayed(double seconds, Work work) {
+        std::uint64_t identifier = 0;
+        {
+            const std::lock_guard lock(mutex_);
+            identifier = ++lastDelayed_;
+            delayed_.emplace(identifier, std::move(work));
+        }
+        g_timeout_add_full(G_PRIORITY_DEFAULT, milliseconds(seconds), &MainQueue::runDelayed,
+                           makeToken(identifier).release(), &MainQueue::deleteToken);
+    }
+
+    /// Drops everything, outside the lock: what the work holds may add work as it goes.
+    void close() {
+        std::deque<Work> waiting;
+        std::unordered_map<std::uint64_t, Work> delayed;
+        {
+            const std::lock_guard lock(mutex_);
+            waiting.swap(waiting_);
+            delayed.swap(delayed_);
+        }
+    }
+
+private:
+    struct Token {
+        std::shared_ptr<MainQueue> queue;
+        std::uint64_t delayed;  // which delayed work, 0 for the next that waits
+    };
+
+    std::unique_ptr<Token> makeToken(std::uint64_t delayed) {
+        return std::make_unique<Token>(Token{shared_from_this(), delayed});
+    }
+
+    static void deleteToken(gpointer token) {
+        const std::unique_ptr<Token> owned(static_cast<Token*>(token));
+    }
+
+    static gboolean runNext(gpointer data) {
+        MainQueue& queue = *static_cast<Token*>(data)->queue;
+        Work work;
+        {
+            const std::lock_guard lock(queue.mutex_);
+            if (queue.waiting_.empty()) return G_SOURCE_REMOVE;  // closed meanwhile
+            work = std::move(queue.waiting_.front());
+            queue.waiting_.pop_front();
+        }
+        perform(work);
+        return G_SOURCE_REMOVE;
+    }
+
+    static gboolean runDelayed(gpointer data) {
+        const Token& token = *static_cast<Token*>(data);
+        std::unordered_map<std::uint64_t, Work>::node_type node;
+        {
+            const std::lock_guard lock(token.queue->mutex_);
+            node = token.queue->delayed_.extract(token.delayed);
+        }
+        if (!node.empty()) perform(node.mapped());
+        return G_SOURCE_REMOVE;
+    }
+
+    std::mutex mutex_;
+    std::deque<Work> waiting_;
+    std::unordered_map<std::uint64_t, Work> delayed_;
+    std::uint64_t lastDelayed_ = 0;
+};
+
+class GlibDispatcher::Pool {
+public:
+    /// Exclusive threads are the pool's own for good, so their niceness stays with it.
+    Pool(int threads, bool exclusive, int niceness)
+        : niceness_(niceness),
+          pool_(g_thread_pool_new(&Pool::runNext, this, threads, exclusive ? TRUE : FALSE,
+                                  nullptr)) {}
+
+    ~Pool() {
+        std::deque<Work> dropped;
+        {
+            const std::lock_guard lock(mutex_);
+            dropped.swap(waiting_);
+        }
+        constexpr gboolean dropTokens = TRUE, waitForRunning = TRUE;
+        g_thread_pool_free(pool_, dropTokens, waitForRunning);
+    }
+
+    Pool(const Pool&) = delete;
+    Pool& operator=(const Pool&) = delete;
+
+    void add(Work work) {
+        {
+            const std::lock_guard lock(mutex_);
+            waiting_.push_back(std::move(work));
+        }
+        // False means that no new thread could be made: the token then waits for a running one.
+        g_thread_pool_push(pool_, this, nullptr);
+    }
+
+private:
+    static void runNext(gpointer, gpointer data) {
+        auto& pool = *static_cast<Pool*>(data);
+        if (pool.niceness_ != 0) pool.lowerPriority();
+        Work work;
+        {
+            const std::lock_guard lock(pool.mutex_);
+            if (pool.waiting_.empty()) return;
+            work = std::move(pool.waiting_.front());
+            pool.waiting_.pop_front();
+        }
+        perform(work);
+    }
+
+    void lowerPriority() const {
+        thread_local const int result = setpriority(PRIO_PROCESS, 0, niceness_);
+        static_cast<void>(result);  // at worst the work runs as fast as any other
+    }
+
+    int niceness_;
+    std::mutex mutex_;
+    std::deque<Work> waiting_;
+    GThreadPool* pool_;
+};
+
+GlibDispatcher::GlibDispatcher()
+    : mainThread_(std::this_thread::get_id()),
+      mainQueue_(std::make_shared<MainQueue>()),
+      userInitiated_(std::make_unique<Pool>(userInitiatedThreads, false, 0)),
+      utility_(std::make_unique<Pool>(utilityThreads, true, utilityNiceness)) {}
+
+GlibDispatcher::~GlibDispatcher() {
+    // The pools first: work that is running may still post its result to the main queue.
+    userInitiated_.reset();
+    utility_.reset();
+    mainQueue_->close();
+}
+
+bool GlibDispatcher::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
+
+void GlibDispatcher::main(Work work) { mainQueue_->add(std::move(work)); }
+
+void GlibDispatcher::mainAfter(double seconds, Work work) {
+    mainQueue_->addDelayed(seconds, std::move(work));
+}
+
+void GlibDispatcher::global(QualityOfService quality, Work work) {
+    Pool& pool = quality == QualityOfService::utility ? *utility_ : *userInitiated_;
+    pool.add(std::move(work));
+}
+
+}  // namespace velto

@@ -1,0 +1,113 @@
+#include "platform/linux/JsonUserDefaults.h"
+
+#include <limits>
+
+#include <fmt/format.h>
+
+#include "platform/text.h"
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+
+std::optional<DefaultsValue> fromJson(const json& value) {
+    switch (value.type()) {
+        case json::value_t::boolean:
+            return value.get<bool>();
+        case json::value_t::number_integer:
+            return value.get<std::int64_t>();
+        case json::value_t::number_unsigned:
+            if (value.get<std::uint64_t>() > std::numeric_limits<std::int64_t>::max()) {
+                return value.get<double>();
+            }
+            return value.get<std::int64_t>();
+        case json::value_t::number_float:
+            return value.get<double>();
+        case json::value_t::string:
+            return value.get<std::string>();
+        default:
+            return std::nullopt;
+    }
+}
+
+json toJson(const DefaultsValue& value) {
+    return std::visit([](const auto& content) { return json(content); }, value);
+}
+
+bool isSameFile(const std::optional<FileAttributes>& left,
+                const std::optional<FileAttributes>& right) {
+    if (!left || !right) return !left && !right;
+    return left->modified == right->modified && left->logicalSize == right->logicalSize;
+}
+
+}  // namespace
+
+JsonUserDefaults::JsonUserDefaults(FileManager& files, Log& log, std::string path)
+    : files_(files), log_(log), path_(std::move(path)) {}
+
+std::optional<DefaultsValue> JsonUserDefaults::value(const std::string& key) const {
+    const std::lock_guard lock(mutex_);
+    if (const auto changed = unsaved_.find(key); changed != unsaved_.end()) return changed->second;
+    refresh();
+    const auto found = stored_.find(key);
+    return found == stored_.end() ? std::nullopt : fromJson(*found);
+}
+
+void JsonUserDefaults::setValue(const std::string& key, DefaultsValue value) {
+    const std::lock_guard lock(mutex_);
+    unsaved_[key] = std::move(value);
+    save();
+}
+
+void JsonUserDefaults::remove(const std::string& key) {
+    const std::lock_guard lock(mutex_);
+    unsaved_[key] = std::nullopt;
+    save();
+}
+
+void JsonUserDefaults::refresh() const {
+    auto now = files_.attributes(path_);
+    if (isSameFile(now, seen_)) return;
+    seen_ = std::move(now);
+    stored_ = json::object();
+    if (!seen_) return;
+    try {
+        stored_ = json::parse(files_.read(path_));
+    } catch (const FileError&) {
+        return;  // cannot be read: counts as empty, as a damaged one does
+    } catch (const json::exception&) {
+        return;
+    }
+    if (!stored_.is_object()) stored_ = json::object();
+}
+
+void JsonUserDefaults::save() {
+    refresh();
+    json content = stored_;
+    for (const auto& [key, value] : unsaved_) {
+        if (value) {
+            content[key] = toJson(*value);
+        } else {
+            content.erase(key);
+        }
+    }
+    if (content == stored_ && seen_) {
+        unsaved_.clear();
+        return;
+    }
+    try {
+        files_.createFolders(path_.substr(0, path_.rfind('/')));
+        files_.writeAtomically(path_,
+                               content.dump(2, ' ', false, json::error_handler_t::replace) + "\n");
+    } catch (const FileError& error) {
+        // The values stay in `unsaved_` for the life of the process; the next change tries again.
+        log_.line("Velto ▶ no se pudieron guardar los ajustes: " + singleLine(error.what()));
+        return;
+    }
+    stored_ = std::move(content);
+    seen_ = files_.attributes(path_);
+    unsaved_.clear();
+}
+
+}  // namespace velto

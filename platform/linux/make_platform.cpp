@@ -1,0 +1,111 @@
+#include <pwd.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <optional>
+
+#include "platform/Platform.h"
+#include "platform/linux/GlibDispatcher.h"
+#include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/LinuxDirectoryReader.h"
+#include "platform/linux/LinuxLocale.h"
+#include "platform/linux/LinuxLog.h"
+#include "platform/linux/LinuxNotifications.h"
+#include "platform/linux/LinuxVolumeInfo.h"
+#include "platform/linux/LinuxWorkspace.h"
+#include "platform/posix/PosixFileManager.h"
+#include "platform/posix/PosixToolRunner.h"
+
+namespace velto {
+namespace {
+
+std::optional<std::string> environment(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+/// $HOME, else what the user database says.
+std::string homePath() {
+    if (const auto home = environment("HOME"); home && !home->empty()) return *home;
+    std::array<char, 16 * 1024> buffer;
+    passwd entry{};
+    passwd* found = nullptr;
+    const int error = getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
+    if (error != 0 || found == nullptr || found->pw_dir == nullptr) {
+        fatal("no home folder: HOME is not set and the user has none");
+    }
+    return found->pw_dir;
+}
+
+std::string resolvedHome(const FileManager& files) {
+    try {
+        std::string home = files.resolved(homePath());
+        files.list(home);
+        return home;
+    } catch (const FileError& error) {
+        fatal(std::string("the home folder cannot be read: ") + error.what());
+    }
+}
+
+/// $XDG_CONFIG_HOME; the XDG Base Directory standard has a relative one ignored.
+std::string configurationFolder(const std::string& home) {
+    const std::string folder = environment("XDG_CONFIG_HOME").value_or("");
+    return folder.starts_with('/') ? folder : home + "/.config";
+}
+
+HomeLayout layoutOf(const std::string& home, const FileManager& files) {
+    for (const char* mark : {"/Library/Application Support", "/Library/Caches"}) {
+        if (files.exists(home + mark)) return HomeLayout::macOS(home);
+    }
+    std::string userDirs;
+    try {
+        userDirs = files.read(configurationFolder(home) + "/user-dirs.dirs");
+    } catch (const FileError&) {
+        // Most often there is none; then the folders have their standard names.
+    }
+    return HomeLayout::freedesktop(home, environment, userDirs);
+}
+
+std::string executablePath(const FileManager& files, const std::string& programPath) {
+    try {
+        return files.resolved("/proc/self/exe");
+    } catch (const FileError&) {
+        return programPath;  // /proc is not mounted
+    }
+}
+
+/// The parallel walk holds a folder open for every level below which work is left.
+void raiseOpenFileLimit() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);  // at worst the walk counts some folders as unreadable
+}
+
+}  // namespace
+
+std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
+    raiseOpenFileLimit();
+    auto platform = std::make_unique<Platform>();
+    platform->log = std::make_unique<LinuxLog>(LinuxLog::toStandardError());
+    platform->clock = std::make_unique<SystemClock>();
+    platform->dispatcher = std::make_unique<GlibDispatcher>();
+    platform->files = std::make_unique<PosixFileManager>();
+    platform->directories = std::make_unique<LinuxDirectoryReader>();
+    platform->volumes = std::make_unique<LinuxVolumeInfo>();
+
+    const std::string home = resolvedHome(*platform->files);
+    platform->layout = layoutOf(home, *platform->files);
+    platform->defaults = std::make_unique<JsonUserDefaults>(
+        *platform->files, *platform->log, configurationFolder(home) + "/velto/settings.json");
+    platform->locale = std::make_unique<LinuxLocale>(environment);
+    platform->tools = std::make_unique<PosixToolRunner>();
+    platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
+    platform->notifications = std::make_unique<LinuxNotifications>();
+    platform->executablePath = executablePath(*platform->files, programPath);
+    return platform;
+}
+
+}  // namespace velto

@@ -1,0 +1,157 @@
+#include "platform/posix/PosixToolRunner.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <mutex>
+#include <optional>
+#include <system_error>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/uninterrupted.h"
+
+extern char** environ;
+
+namespace velto {
+namespace {
+
+constexpr int exitCheckInterval = 100;  // milliseconds, only while the tool's output stays open
+
+class SpawnActions {
+public:
+    SpawnActions() { posix_spawn_file_actions_init(&actions_); }
+    ~SpawnActions() { posix_spawn_file_actions_destroy(&actions_); }
+    SpawnActions(const SpawnActions&) = delete;
+    SpawnActions& operator=(const SpawnActions&) = delete;
+    posix_spawn_file_actions_t* get() { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_{};
+};
+
+/// The tool starts with no signal blocked or ignored, whatever this program does with its own.
+class SpawnAttributes {
+public:
+    SpawnAttributes() {
+        posix_spawnattr_init(&attributes_);
+        sigset_t none, all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        sigdelset(&all, SIGKILL);
+        sigdelset(&all, SIGSTOP);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+    const posix_spawnattr_t* get() const { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_{};
+};
+
+struct Child {
+    pid_t process;
+    Descriptor standardError;
+};
+
+/// 0 or an error number.
+int openPipe(Descriptor& reader, Descriptor& writer) {
+    std::array<int, 2> ends{};
+    if (pipe(ends.data()) != 0) return errno;
+    reader = Descriptor(ends[0]);
+    writer = Descriptor(ends[1]);
+    for (int end : ends) {
+        if (fcntl(end, F_SETFD, FD_CLOEXEC) != 0) return errno;
+    }
+    return fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0 ? 0 : errno;
+}
+
+/// 0 or an error number.
+int spawn(const std::string& path, const std::vector<std::string>& arguments, Child& child) {
+    std::vector<std::string> texts{path};
+    texts.insert(texts.end(), arguments.begin(), arguments.end());
+    std::vector<char*> pointers;
+    for (std::string& text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+
+    // A pipe gets its close-on-exec mark in a second step; a tool that another thread started in
+    // between would hold the writing end open.
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
+    Descriptor writer;
+    if (const int error = openPipe(child.standardError, writer); error != 0) return error;
+    SpawnActions actions;
+    const SpawnAttributes attributes;
+    int error = posix_spawn_file_actions_adddup2(actions.get(), writer.number(), STDERR_FILENO);
+    for (int stream : {STDIN_FILENO, STDOUT_FILENO}) {
+        if (error != 0) break;
+        error = posix_spawn_file_actions_addopen(actions.get(), stream, "/dev/null", O_RDWR, 0);
+    }
+    if (error != 0) return error;
+    return posix_spawn(&child.process, path.c_str(), actions.get(), attributes.get(),
+                       pointers.data(), environ);
+}
+
+enum class ReadEnd { open, closed };
+
+/// Appends what waits in the pipe.
+ReadEnd drain(int pipe, std::string& text) {
+    std::array<char, 16 * 1024> buffer;
+    while (true) {
+        const ssize_t count =
+            uninterrupted([&] { return read(pipe, buffer.data(), buffer.size()); });
+        if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return ReadEnd::open;
+        if (count <= 0) return ReadEnd::closed;
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+/// The wait status once the tool has ended; nothing while it runs and `flags` say not to wait.
+std::optional<int> waitFor(pid_t process, int flags) {
+    int status = 0;
+    const pid_t ended = uninterrupted([&] { return waitpid(process, &status, flags); });
+    if (ended == 0) return std::nullopt;
+    // Fails only when something else has collected the process; its status then is lost.
+    return ended == process ? status : -1;
+}
+
+int exitStatusOf(int status) {
+    if (status == -1) return -1;
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+}  // namespace
+
+ToolResult PosixToolRunner::run(const std::string& path,
+                                const std::vector<std::string>& arguments) {
+    ToolResult result;
+    Child child{};
+    if (const int error = spawn(path, arguments, child); error != 0) {
+        result.startError = std::generic_category().message(error);
+        return result;
+    }
+    result.started = true;
+    const int pipe = child.standardError.number();
+    std::optional<int> status;
+    while (!status) {
+        pollfd waited{.fd = pipe, .events = POLLIN, .revents = 0};
+        poll(&waited, 1, exitCheckInterval);  // interrupted or not: both questions are asked below
+        // Asked before reading: what a tool that has ended wrote is in the pipe by now.
+        status = waitFor(child.process, WNOHANG);
+        if (drain(pipe, result.standardError) == ReadEnd::closed) break;
+    }
+    child.standardError = Descriptor();
+    result.exitStatus = exitStatusOf(status ? *status : *waitFor(child.process, 0));
+    return result;
+}
+
+}  // namespace velto
