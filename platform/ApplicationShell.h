@@ -20,7 +20,8 @@ class ApplicationShell {
 public:
     virtual ~ApplicationShell() = default;
 
-    /// Brings the application to the front, in front of others.
+    /// Makes the application active without pushing others back: a settings pane that was just
+    /// opened stays in sight.
     virtual void activate() = 0;
 
     virtual Appearance appearance() const = 0;

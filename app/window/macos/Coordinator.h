@@ -1,0 +1,15 @@
+#pragma once
+
+#import <WebKit/WebKit.h>
+
+#include "app/VeltoApp.h"
+
+/// Decides where navigations of the page go and tells the application when the page has loaded.
+/// Its runtime name is long because such names are shared with every framework of the system.
+__attribute__((objc_runtime_name("VeltoViewCoordinator")))
+@interface Coordinator : NSObject<WKNavigationDelegate>
+
+/// Both outlive the coordinator.
+- (instancetype)initWithApp:(velto::VeltoApp&)app platform:(velto::Platform&)platform;
+
+@end

@@ -1,0 +1,36 @@
+#pragma once
+
+#import <WebKit/WebKit.h>
+
+#include <set>
+
+#include "platform/WebView.h"
+
+namespace velto {
+
+/// The page's side of a WKWebView. Main thread, its destruction included.
+///
+/// Nothing here forms a cycle: the content controller keeps the message receivers, which know only
+/// the function that they call.
+class MacWebView final : public WebView {
+public:
+    /// Tells the page, before its own scripts, which system it runs on.
+    explicit MacWebView(WKWebView* view);
+    /// Closes the page's channels.
+    ~MacWebView() override;
+    MacWebView(const MacWebView&) = delete;
+    MacWebView& operator=(const MacWebView&) = delete;
+
+    void evaluate(const std::string& script) override;
+    void addUserScript(const std::string& script) override;
+    void setMessageHandler(const std::string& name, MessageHandler handler) override;
+
+private:
+    void closeChannel(const std::string& name);
+
+    WKWebView* view_;
+    WKUserContentController* content_;
+    std::set<std::string> channels_;
+};
+
+}  // namespace velto

@@ -1,0 +1,93 @@
+#include "app/window/macos/MacWebView.h"
+
+#include <optional>
+
+#include "platform/macos/foundation_text.h"
+
+namespace {
+
+/// What a script posted, as JSON; nothing when JSON has no such value (a date, a number that is not
+/// finite, half a character).
+std::optional<nlohmann::json> jsonOf(id body) {
+    if (body == nil) return std::nullopt;
+    NSArray* wrapped = @[ body ];  // only lists and objects count as valid by themselves
+    if (![NSJSONSerialization isValidJSONObject:wrapped]) return std::nullopt;
+    NSData* data = [NSJSONSerialization dataWithJSONObject:wrapped options:0 error:nil];
+    const auto* text = static_cast<const char*>(data.bytes);
+    if (text == nullptr) return std::nullopt;
+    auto list = nlohmann::json::parse(text, text + data.length, nullptr, false);
+    if (!list.is_array() || list.empty()) return std::nullopt;
+    return std::move(list.front());
+}
+
+// At document start the root element normally stands already; should it not, it is waited for.
+constexpr std::string_view platformScript = R"js((function () {
+  function mark() {
+    if (!document.documentElement) return false;
+    document.documentElement.dataset.platform = "macos";
+    return true;
+  }
+  if (mark()) return;
+  new MutationObserver(function (changes, observer) {
+    if (mark()) observer.disconnect();
+  }).observe(document, { childList: true });
+})();)js";
+
+}  // namespace
+
+/// Takes the messages of one channel.
+@interface ScriptMessageReceiver : NSObject <WKScriptMessageHandler>
+- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler;
+@end
+
+@implementation ScriptMessageReceiver {
+    velto::WebView::MessageHandler _handler;
+}
+
+- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler {
+    if ((self = [super init])) _handler = std::move(handler);
+    return self;
+}
+
+- (void)userContentController:(WKUserContentController*)userContentController
+      didReceiveScriptMessage:(WKScriptMessage*)message {
+    if (!message.frameInfo.isMainFrame) return;  // the page itself, not something inside it
+    // A message that is no JSON is malformed, and malformed messages are dropped without a word.
+    if (const auto body = jsonOf(message.body)) _handler(velto::utf8(message.name), *body);
+}
+
+@end
+
+namespace velto {
+
+MacWebView::MacWebView(WKWebView* view)
+    : view_(view), content_(view.configuration.userContentController) {
+    addUserScript(std::string(platformScript));
+}
+
+MacWebView::~MacWebView() {
+    for (const auto& name : channels_) closeChannel(name);
+}
+
+void MacWebView::evaluate(const std::string& script) {
+    [view_ evaluateJavaScript:nsString(script) completionHandler:nil];
+}
+
+void MacWebView::addUserScript(const std::string& script) {
+    [content_
+        addUserScript:[[WKUserScript alloc] initWithSource:nsString(script)
+                                             injectionTime:WKUserScriptInjectionTimeAtDocumentStart
+                                          forMainFrameOnly:YES]];
+}
+
+void MacWebView::setMessageHandler(const std::string& name, MessageHandler handler) {
+    if (!channels_.insert(name).second) closeChannel(name);  // adding a name twice is refused
+    auto* receiver = [[ScriptMessageReceiver alloc] initWithHandler:std::move(handler)];
+    [content_ addScriptMessageHandler:receiver name:nsString(name)];
+}
+
+void MacWebView::closeChannel(const std::string& name) {
+    [content_ removeScriptMessageHandlerForName:nsString(name)];
+}
+
+}  // namespace velto

@@ -1,0 +1,7 @@
+#pragma once
+
+#import <WebKit/WebKit.h>
+
+/// The web view that shows the page, without the developer entries in its context menu.
+@interface VeltoWebView : WKWebView
+@end

@@ -1,0 +1,31 @@
+#import "app/window/macos/VeltoWebView.h"
+
+#include "app/window/window_rules.h"
+#include "platform/macos/foundation_text.h"
+
+namespace {
+
+void removeDeveloperItems(NSMenu* menu) {
+    for (NSMenuItem* item in menu.itemArray) {  // a copy: items may go meanwhile
+        if (velto::window::isDeveloperMenuItem(velto::utf8(item.title))) [menu removeItem:item];
+    }
+}
+
+}  // namespace
+
+@implementation VeltoWebView
+
+// The web engine builds its menu late and shows it by itself, so most menus pass only through
+// `willOpenMenu:`.
+- (NSMenu*)menuForEvent:(NSEvent*)event {
+    NSMenu* menu = [super menuForEvent:event];
+    removeDeveloperItems(menu);
+    return menu;
+}
+
+- (void)willOpenMenu:(NSMenu*)menu withEvent:(NSEvent*)event {
+    [super willOpenMenu:menu withEvent:event];
+    removeDeveloperItems(menu);
+}
+
+@end

@@ -1,0 +1,100 @@
+#include "app/window/macos/main_menu.h"
+
+#include "platform/macos/foundation_text.h"
+
+namespace velto::window {
+namespace {
+
+/// One entry that the system itself carries out; without a title it is a line between groups.
+struct StandardItem {
+    std::string_view es, en;
+    SEL action;
+    NSString* key;
+    NSEventModifierFlags modifiers = NSEventModifierFlagCommand;
+};
+
+NSMenuItem* standardItem(const StandardItem& item, const AppLanguage& language) {
+    if (item.en.empty()) return [NSMenuItem separatorItem];
+    auto* entry = [[NSMenuItem alloc] initWithTitle:nsString(language.text(item.es, item.en))
+                                             action:item.action
+                                      keyEquivalent:item.key];
+    entry.keyEquivalentModifierMask = item.modifiers;
+    return entry;
+}
+
+/// A menu with that title, added to the bar.
+NSMenu* addMenu(NSMenu* bar, std::string_view title) {
+    auto* menu = [[NSMenu alloc] initWithTitle:nsString(title)];
+    auto* entry = [[NSMenuItem alloc] initWithTitle:menu.title action:nil keyEquivalent:@""];
+    entry.submenu = menu;
+    [bar addItem:entry];
+    return menu;
+}
+
+void fill(NSMenu* menu, std::initializer_list<StandardItem> items, const AppLanguage& language) {
+    for (const auto& item : items) [menu addItem:standardItem(item, language)];
+}
+
+void fillWithCommands(NSMenu* menu, const VeltoApp& app, id target, SEL action) {
+    NSInteger tag = 0;
+    for (const AppCommand& command : VeltoApp::commands()) {
+        NSString* key = command.key != 0 ? nsString({&command.key, 1}) : @"";
+        auto* entry = [[NSMenuItem alloc] initWithTitle:nsString(app.title(command))
+                                                 action:action
+                                          keyEquivalent:key];
+        entry.keyEquivalentModifierMask =
+            NSEventModifierFlagCommand | (command.shift ? NSEventModifierFlagShift : 0);
+        entry.target = target;  // held weakly
+        entry.tag = tag++;
+        [menu addItem:entry];
+    }
+}
+
+}  // namespace
+
+void installMainMenu(VeltoApp& app, id target, SEL action) {
+    const AppLanguage& language = app.language();
+    NSApplication* application = NSApp;
+    auto* bar = [[NSMenu alloc] initWithTitle:@""];
+    constexpr auto optionCommand = NSEventModifierFlagOption | NSEventModifierFlagCommand;
+
+    fill(addMenu(bar, "Velto"),
+         {
+             {"Acerca de Velto", "About Velto", @selector(orderFrontStandardAboutPanel:), @""},
+             {},
+             {"Ocultar Velto", "Hide Velto", @selector(hide:), @"h"},
+             {"Ocultar otros", "Hide Others", @selector(hideOtherApplications:), @"h",
+              optionCommand},
+             {"Mostrar todo", "Show All", @selector(unhideAllApplications:), @""},
+             {},
+             {"Salir de Velto", "Quit Velto", @selector(terminate:), @"q"},
+         },
+         language);
+    fillWithCommands(addMenu(bar, language.text("Acciones", "Actions")), app, target, action);
+    // Without "Redo": its shortcut belongs to taking back the last cleanup.
+    fill(addMenu(bar, language.text("Edición", "Edit")),
+         {
+             {"Deshacer", "Undo", @selector(undo:), @"z"},
+             {},
+             {"Cortar", "Cut", @selector(cut:), @"x"},
+             {"Copiar", "Copy", @selector(copy:), @"c"},
+             {"Pegar", "Paste", @selector(paste:), @"v"},
+             {"Seleccionar todo", "Select All", @selector(selectAll:), @"a"},
+         },
+         language);
+    NSMenu* windowMenu = addMenu(bar, language.text("Ventana", "Window"));
+    fill(windowMenu,
+         {
+             {"Cerrar", "Close", @selector(performClose:), @"w"},
+             {"Minimizar", "Minimize", @selector(performMiniaturize:), @"m"},
+             {"Zoom", "Zoom", @selector(performZoom:), @""},
+             {},
+             {"Traer todo al frente", "Bring All to Front", @selector(arrangeInFront:), @""},
+         },
+         language);
+
+    application.mainMenu = bar;
+    application.windowsMenu = windowMenu;  // the system adds the open windows to it
+}
+
+}  // namespace velto::window

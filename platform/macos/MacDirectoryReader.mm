@@ -1,0 +1,117 @@
+#include "platform/macos/MacDirectoryReader.h"
+
+#include <fcntl.h>
+#include <sys/attr.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/vnode.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
+
+#include "platform/attribute_buffer.h"
+
+namespace velto {
+namespace {
+
+static_assert(attributes::commonName == ATTR_CMN_NAME);
+static_assert(attributes::commonObjectType == ATTR_CMN_OBJTYPE);
+static_assert(attributes::commonModificationTime == ATTR_CMN_MODTIME);
+static_assert(attributes::commonAccessTime == ATTR_CMN_ACCTIME);
+static_assert(attributes::commonFlags == ATTR_CMN_FLAGS);
+static_assert(attributes::commonError == ATTR_CMN_ERROR);
+static_assert(attributes::commonReturned == ATTR_CMN_RETURNED_ATTRS);
+static_assert(attributes::fileAllocatedSize == ATTR_FILE_ALLOCSIZE);  // of all forks
+static_assert(attributes::fileDataLength == ATTR_FILE_DATALENGTH);
+static_assert(attributes::typeRegular == VREG);
+static_assert(attributes::typeFolder == VDIR);
+static_assert(attributes::typeSymbolicLink == VLNK);
+static_assert(attributes::flagHidden == UF_HIDDEN);
+static_assert(sizeof(attribute_set_t) == 5 * sizeof(std::uint32_t));
+static_assert(sizeof(attrreference_t) == 2 * sizeof(std::uint32_t));
+static_assert(sizeof(timespec) == 2 * sizeof(std::int64_t));
+
+constexpr std::size_t bufferSize = 256 * 1024;  // some 1,500 entries a call
+
+class MacFolder final : public OpenFolder {
+public:
+    explicit MacFolder(int descriptor) : descriptor_(descriptor) {}
+    ~MacFolder() override { close(descriptor_); }
+    MacFolder(const MacFolder&) = delete;
+    MacFolder& operator=(const MacFolder&) = delete;
+
+    int descriptor() const { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+int descriptorOf(OpenFolder& folder) { return static_cast<MacFolder&>(folder).descriptor(); }
+
+/// While it lives, this thread gets EDEADLK for what lies only in the cloud, instead of a download.
+class CloudStaysInTheCloud {
+public:
+    CloudStaysInTheCloud()
+        : before_(getiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD)) {
+        set(IOPOL_MATERIALIZE_DATALESS_FILES_OFF);
+    }
+    ~CloudStaysInTheCloud() {
+        const int cause = errno;  // the caller's, not ours
+        set(before_ < 0 ? IOPOL_MATERIALIZE_DATALESS_FILES_DEFAULT : before_);
+        errno = cause;
+    }
+    CloudStaysInTheCloud(const CloudStaysInTheCloud&) = delete;
+    CloudStaysInTheCloud& operator=(const CloudStaysInTheCloud&) = delete;
+
+private:
+    // A refusal changes nothing but that reading may wait for a download.
+    static void set(int policy) {
+        setiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD, policy);
+    }
+
+    int before_;
+};
+
+std::shared_ptr<OpenFolder> opened(int descriptor) {
+    if (descriptor < 0) return nullptr;
+    return std::make_shared<MacFolder>(descriptor);
+}
+
+}  // namespace
+
+std::shared_ptr<OpenFolder> MacDirectoryReader::open(const std::string& path) {
+    const CloudStaysInTheCloud policy;
+    return opened(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::shared_ptr<OpenFolder> MacDirectoryReader::openChild(OpenFolder& parent,
+                                                          std::string_view name) {
+    const CloudStaysInTheCloud policy;
+    return opened(openat(descriptorOf(parent), std::string(name).c_str(),
+                         O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool MacDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) {
+    const CloudStaysInTheCloud policy;
+    attrlist wanted{};
+    wanted.bitmapcount = ATTR_BIT_MAP_COUNT;
+    wanted.commonattr = attributes::requestedCommon;
+    wanted.fileattr = attributes::requestedFile;
+    thread_local std::vector<std::byte> buffer(bufferSize);
+
+    const int descriptor = descriptorOf(folder);
+    lseek(descriptor, 0, SEEK_SET);  // so that a folder can be read twice
+    while (true) {
+        const int count = getattrlistbulk(descriptor, &wanted, buffer.data(), buffer.size(), 0);
+        if (count == 0) return true;
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        if (!attributes::appendRecords(buffer, static_cast<std::size_t>(count), options, entries)) {
+            errno = EIO;
+            return false;
+        }
+    }
+}
+
+}  // namespace velto

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/VolumeInfo.h"
+
+namespace velto {
+
+class MacVolumeInfo final : public VolumeInfo {
+public:
+    std::optional<std::int64_t> totalCapacity(const std::string& path) const override;
+    std::optional<std::int64_t> availableCapacity(const std::string& path) const override;
+};
+
+}  // namespace velto
