@@ -26,6 +26,11 @@ function size(value: unknown): number {
   return Math.max(0, number(value));
 }
 
+/** An age that is missing is unknown, and an unknown age is a very large one. */
+function age(value: unknown): number {
+  return typeof value === 'number' && Number.isFinite(value) ? Math.max(0, value) : Number.MAX_SAFE_INTEGER;
+}
+
 export function texts(value: unknown): string[] {
   return Array.isArray(value) ? value.filter((entry): entry is string => typeof entry === 'string') : [];
 }
@@ -53,7 +58,7 @@ function bigFile(fields: Fields): BigFile | null {
   if (!text(fields.path)) return null;
   return {
     name: text(fields.name), gb: size(fields.gb), kind: text(fields.kind), last: text(fields.last),
-    lastN: size(fields.lastN), path: text(fields.path), isProtected: fields.isProtected === true,
+    lastN: age(fields.lastN), path: text(fields.path), isProtected: fields.isProtected === true,
   };
 }
 

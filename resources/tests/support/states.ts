@@ -124,6 +124,11 @@ export function emptyState(change: Partial<DiskState> = {}): DiskState {
   return fullState({ cats: [], files: [], dupGroups: [], ...change });
 }
 
+/** The same state in the other language. */
+export function inSpanish(state: DiskState): DiskState {
+  return { ...state, settings: { ...state.settings, language: 'es' } };
+}
+
 /** An analysis of a disk with nothing large and nothing double on it. */
 export function bareState(): DiskState {
   return fullState({ files: [], dupGroups: [], cats: categories([0, 0.2, 0, 0, 0, 14.1], [0, 310, 0, 0, 0, 88_100]) });

@@ -1,0 +1,66 @@
+import { describe, expect, it } from 'vitest';
+import { elapsedSeconds, progressSentence } from '../../src/frame/progress.ts';
+import { en } from '../../src/language/en/index.ts';
+import { es } from '../../src/language/es/index.ts';
+import { formats } from '../../src/language/formats.ts';
+import { retentionChoices } from '../../src/views/ajustes/retention.ts';
+import { categoryName, equivalence, placeNames } from '../../src/views/inicio/categoryWords.ts';
+import { scoreWord } from '../../src/views/inicio/score.ts';
+import { categories } from '../support/states.ts';
+
+describe('the retention choices', () => {
+  it('are in order and hold what is set already', () => {
+    expect(retentionChoices(30)).toEqual([7, 15, 30, 60, 90]);
+    expect(retentionChoices(45)).toEqual([7, 15, 30, 45, 60, 90]);
+  });
+});
+
+describe('the score in a word', () => {
+  it.each([[99, 'roomy'], [71, 'roomy'], [64, 'comfortable'], [50, 'comfortable'], [49, 'tight'], [39, 'full'], [5, 'full']])(
+    '%i',
+    (score, word) => expect(scoreWord(score as number)).toBe(word),
+  );
+});
+
+describe('progress', () => {
+  const progress = { scanFiles: 1, scanGb: 2.25, scanStartedAt: 10_000 };
+
+  it('says files, size and time, and no percentage', () => {
+    const sentence = progressSentence(en.frame, formats.en, progress, 85_000);
+    expect(sentence.replaceAll('\u00a0', ' ')).toBe('Analysis running: 1 file counted, 2.3 GB, 1 min 15 sec so far.');
+    expect(sentence).not.toContain('%');
+  });
+
+  it('a clock that was put back counts from zero', () => {
+    expect(elapsedSeconds(progress, 5_000)).toBe(0);
+  });
+});
+
+describe('category words', () => {
+  const [photos, , documents, , , system] = categories([10, 1, 0, 1, 1, 20], []);
+
+  it('Spanish sentences are the ones the program sends', () => {
+    expect(equivalence({ ...photos!, eq: 'como otra cosa' }, es.overview, 'es', true)).toBe('como otra cosa');
+    expect(equivalence(photos!, en.overview, 'en', true)).toBe('about 150,000 photos or a year of home videos');
+  });
+
+  it('an empty category is like nothing', () => {
+    expect(equivalence(documents!, en.overview, 'en', true)).toBe('');
+  });
+
+  it('names macOS only on a Mac', () => {
+    expect(categoryName(system!, en.overview, true)).toBe('macOS and system data');
+    expect(categoryName(system!, en.overview, false)).toBe('System and everything else');
+    expect(equivalence(system!, es.overview, 'es', false)).not.toContain('Mac');
+  });
+
+  it('an unknown category keeps the name it came with', () => {
+    expect(categoryName({ ...photos!, id: 'juegos', name: 'Juegos' }, en.overview, true)).toBe('Juegos');
+    expect(categoryName({ ...photos!, id: 'constructor', name: 'x' }, en.overview, true)).toBe('x');
+  });
+
+  it('an unknown place keeps its identifier', () => {
+    expect(placeNames(['desktop', 'somewhere'], en.overview)).toEqual(['Desktop', 'somewhere']);
+    expect(placeNames(['iphone'], es.overview)).toEqual(['las copias del iPhone']);
+  });
+});

@@ -1,0 +1,276 @@
+import type { Browser } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { fullState, home, withoutAccess } from '../support/states.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+/** Opens a view by its name in the rail and runs the test with it. */
+async function inView(view: string, test: (opened: OpenPage) => Promise<void>, setting: Setting = {}): Promise<void> {
+  const opened = await open(browser, { saved: fullState(), ...setting });
+  await opened.page.getByRole('navigation').getByRole('button', { name: view, exact: true }).click();
+  await test(opened);
+  await opened.close();
+  expect(opened.complaints).toEqual([]);
+}
+
+describe('overview', () => {
+  it('starts an analysis, and not a second one while it runs', async () => {
+    await inView('Overview', async ({ page, during, tell }) => {
+      const start = page.getByRole('button', { name: 'Analyze disk' });
+      expect(await during(() => start.click())).toEqual([{ type: 'scan' }]);
+      await tell('onScanStarted');
+      const running = page.getByRole('button', { name: 'Analyzing…' });
+      expect(await during(() => running.click())).toEqual([]);
+      await tell('onScanFinished');
+      expect(await start.isVisible()).toBe(true);
+    });
+  });
+
+  it('offers access, asks for it, and goes on without it', async () => {
+    await inView(
+      'Overview',
+      async ({ page, during, tell }) => {
+        await tell('onPermissions', { fda: false });
+        expect(await page.getByText('iPhone backups').isVisible()).toBe(true);
+        const press = (name: string) => during(() => page.getByRole('button', { name }).click());
+        expect(await press('Grant access…')).toEqual([{ type: 'requestAccess' }]);
+        expect(await press('Already granted')).toEqual([{ type: 'checkAccess' }]);
+        expect(await press('Analyze anyway')).toEqual([{ type: 'scan' }]);
+        await tell('onPermissions', { fda: true });
+        expect(await page.getByText('iPhone backups').count()).toBe(0);
+      },
+      { saved: withoutAccess() },
+    );
+  });
+
+  it('a file of the map is found in the list, focused and not selected', async () => {
+    await inView('Overview', async ({ page, during }) => {
+      const intents = await during(() => page.getByRole('button', { name: /^Disk\.raw, 34\.2/ }).click());
+      expect(intents).toEqual([]);
+      expect(await page.getByRole('heading', { level: 1 }).textContent()).toBe('Large files');
+      await page.waitForFunction(() => document.activeElement?.getAttribute('data-key')?.endsWith('Disk.raw'));
+      expect(await page.locator('[aria-selected="true"]').count()).toBe(0);
+    });
+  });
+
+  it('a file of the map is found although the list was filtered', async () => {
+    await inView('Large files', async ({ page }) => {
+      await page.getByRole('textbox').fill('boda');
+      await page.getByRole('navigation').getByRole('button', { name: 'Overview' }).click();
+      await page.getByRole('button', { name: /^Disk\.raw/ }).click();
+      await page.waitForFunction(() => document.activeElement?.getAttribute('data-key')?.endsWith('Disk.raw'));
+      expect(await page.getByRole('textbox').inputValue()).toBe('');
+    });
+  });
+});
+
+describe('large files', () => {
+  const wedding = `${home}/Movies/Boda Clara y Hugo.mp4`;
+
+  it('reveals and excludes one file', async () => {
+    await inView('Large files', async ({ page, during }) => {
+      const press = (name: string) => during(() => page.getByRole('button', { name }).click());
+      expect(await press('Show Boda Clara y Hugo.mp4 in its folder')).toEqual([{ type: 'revealPath', payload: wedding }]);
+      expect(await press('Exclude Boda Clara y Hugo.mp4 from the analysis')).toEqual([{ type: 'addExclusion', payload: wedding }]);
+    });
+  });
+
+  it('cannot remove anything yet, and says why', async () => {
+    await inView('Large files', async ({ page, during }) => {
+      await page.getByText('Boda Clara y Hugo.mp4').click({ modifiers: ['Control'] });
+      const remove = page.getByRole('button', { name: 'Move to Velto Trash' });
+      expect(await remove.getAttribute('aria-disabled')).toBe('true');
+      expect(await during(() => remove.click())).toEqual([]);
+      expect(await during(() => page.keyboard.press('Delete'))).toEqual([]);
+      const reason = await remove.getAttribute('aria-describedby');
+      expect(await page.locator(`#${reason}`).textContent()).toContain('not part of this version yet');
+    });
+  });
+
+  it('with the trash at hand moves exactly what is selected', async () => {
+    await inView(
+      'Large files',
+      async ({ page, during }) => {
+        const tick = (name: string) => page.getByRole('row', { name }).getByRole('gridcell').first().click();
+        await tick('Boda Clara y Hugo.mp4');
+        await tick('frames.cache');
+        const intents = await during(() => page.getByRole('button', { name: 'Move to Velto Trash' }).click());
+        expect(intents).toEqual([
+          { type: 'deleteFiles', payload: { paths: [wedding, `${home}/Library/Caches/org.example.Render/frames.cache`], kind: 'wind' } },
+        ]);
+      },
+      { ahead: true },
+    );
+  });
+
+  it('never sends a protected file, not even with everything selected', async () => {
+    await inView(
+      'Large files',
+      async ({ page, during }) => {
+        await page.getByText('Boda Clara y Hugo.mp4').click();
+        await page.keyboard.press('Control+a');
+        const [intent] = await during(() => page.keyboard.press('Delete'));
+        const { paths } = intent!.payload as { paths: string[] };
+        expect(paths).toHaveLength(18);
+        expect(paths.filter((path) => path.includes('Photos Library') || path.includes('MobileSync'))).toEqual([]);
+      },
+      { ahead: true },
+    );
+  });
+
+  it('narrowing the list narrows the selection', async () => {
+    await inView('Large files', async ({ page }) => {
+      await page.getByText('Boda Clara y Hugo.mp4').click();
+      await page.keyboard.press('Control+a');
+      await page.getByRole('textbox').fill('boda');
+      expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
+      await page.getByRole('button', { name: 'Clear search' }).click();
+      expect(await page.locator('[aria-selected="true"]').count()).toBe(1);
+    });
+  });
+
+  it('filters and sorts', async () => {
+    await inView('Large files', async ({ page }) => {
+      const names = () => page.locator('[data-key]').evaluateAll((rows) => rows.map((row) => row.getAttribute('data-key')!.split('/').at(-1)));
+      await page.getByRole('combobox', { name: 'Kind' }).selectOption({ label: 'Download' });
+      await page.getByRole('combobox', { name: 'Last used' }).selectOption({ label: 'Over a year ago' });
+      expect(await names()).toEqual(['macOS 27 beta installer.dmg', 'dataset-traffic-2024.tar.gz', 'Curso de fotografía completo.zip']);
+      await page.getByRole('columnheader', { name: 'Name' }).getByRole('button').click();
+      expect((await names())[0]).toBe('Curso de fotografía completo.zip');
+      expect(await page.getByRole('columnheader', { name: 'Name' }).getAttribute('aria-sort')).toBe('ascending');
+      await page.getByRole('textbox').fill('nothing like it');
+      await page.getByRole('button', { name: 'Show all files' }).click();
+      expect(await names()).toHaveLength(20);
+    });
+  });
+});
+
+describe('duplicates', () => {
+  it('selects every copy but the kept ones, and follows a change of mind', async () => {
+    await inView(
+      'Duplicates',
+      async ({ page, during }) => {
+        await page.getByRole('button', { name: 'Select all but the kept copies' }).click();
+        await page.getByRole('button', { name: `Keep this one: ${home}/Movies/Verano/playa.mp4` }).click();
+        const [intent] = await during(() => page.getByRole('button', { name: 'Move to Velto Trash' }).click());
+        const { paths, kind } = intent!.payload as { paths: string[]; kind: string };
+        expect(kind).toBe('wind');
+        expect(paths.sort()).toEqual([
+          `${home}/Desktop/maqueta.wav`,
+          `${home}/Desktop/para enviar a la abuela/playa.mp4`,
+          `${home}/Downloads/Curso de fotografía completo.zip`,
+          `${home}/Downloads/alquiler (1).pdf`,
+          `${home}/Downloads/playa (2).mp4`,
+        ]);
+      },
+      { ahead: true },
+    );
+  });
+
+  it('clicking the copy that stays selects nothing', async () => {
+    await inView('Duplicates', async ({ page }) => {
+      await page.getByRole('img', { name: 'This is the copy that stays' }).first().click();
+      expect(await page.locator('[aria-selected="true"]').count()).toBe(0);
+      expect(await page.getByRole('status').filter({ hasText: 'Keep another one' }).count()).toBe(1);
+    });
+  });
+
+  it('are in order of what they waste', async () => {
+    await inView('Duplicates', async ({ page }) => {
+      const groups = await page.getByRole('rowgroup').evaluateAll((found) => found.map((group) => group.getAttribute('aria-label')));
+      expect(groups.map((label) => label!.split(':')[0])).toEqual([
+        'playa.mp4', 'Curso de fotografía completo.zip', 'maqueta.wav', 'alquiler.pdf',
+      ]);
+    });
+  });
+});
+
+describe('settings', () => {
+  it('sends only what changed', async () => {
+    await inView('Settings', async ({ page, during }) => {
+      const click = (role: 'switch' | 'radio', name: string) => during(() => page.getByRole(role, { name, exact: true }).click());
+      expect(await click('switch', 'Run maintenance automatically')).toEqual([{ type: 'settings', payload: { enabled: true } }]);
+      expect(await click('switch', 'Run maintenance automatically')).toEqual([{ type: 'settings', payload: { enabled: false } }]);
+      expect(await click('radio', 'Every week')).toEqual([{ type: 'settings', payload: { frequency: 'weekends' } }]);
+      expect(await click('switch', 'Duplicates')).toEqual([{ type: 'settings', payload: { rules: { duplicates: true } } }]);
+      expect(await click('switch', 'Application caches')).toEqual([{ type: 'settings', payload: { rules: { caches: false } } }]);
+      const retention = page.getByRole('combobox', { name: 'Keep removed items for' });
+      expect(await during(() => retention.selectOption({ label: '90 days' }))).toEqual([{ type: 'settings', payload: { retention: 90 } }]);
+      expect(await click('radio', 'Español')).toEqual([{ type: 'settings', payload: { language: 'es' } }]);
+      expect(await page.getByRole('heading', { level: 1 }).textContent()).toBe('Ajustes');
+      expect(await during(() => page.getByRole('radio', { name: 'Oscuro' }).click())).toEqual([{ type: 'setTheme', payload: { theme: 'dark' } }]);
+    });
+  });
+
+  it('shows what the program answers, not what was clicked', async () => {
+    await inView('Settings', async ({ page, tell }) => {
+      await page.getByRole('switch', { name: 'Run maintenance automatically' }).click();
+      expect(await page.getByRole('switch', { name: 'Run maintenance automatically' }).getAttribute('aria-checked')).toBe('true');
+      await tell('setState', fullState(), 1_800_000_000);
+      expect(await page.getByRole('switch', { name: 'Run maintenance automatically' }).getAttribute('aria-checked')).toBe('false');
+    });
+  });
+
+  it('asks for the exclusions and takes one back', async () => {
+    const opened = await open(browser, { saved: fullState() });
+    const asked = await opened.during(() => opened.page.getByRole('button', { name: 'Settings' }).click());
+    expect(asked).toEqual([{ type: 'exclusions' }]);
+    await opened.tell('onExclusions', ['/a/Music', '/b']);
+    const back = await opened.during(() => opened.page.getByRole('button', { name: 'Include /a/Music again' }).click());
+    expect(back).toEqual([{ type: 'removeExclusion', payload: '/a/Music' }]);
+    await opened.tell('onExclusions', []);
+    expect(await opened.page.getByText('Nothing is excluded.').isVisible()).toBe(true);
+    await opened.close();
+  });
+
+  it('opens the system settings and resets the access', async () => {
+    await inView('Settings', async ({ page, during, tell }) => {
+      await tell('onPermissions', { fda: false });
+      expect(await during(() => page.getByRole('button', { name: 'Open system settings' }).click())).toEqual([{ type: 'openFDASettings' }]);
+      expect(await during(() => page.getByRole('button', { name: 'Reset access' }).click())).toEqual([{ type: 'resetAccess' }]);
+    });
+  });
+
+  it('resets only after two questions, each with the focus on Cancel', async () => {
+    await inView('Settings', async ({ page, during, tell }) => {
+      await tell('onTrashChanged', 12.5);
+      const focused = () => page.evaluate(() => document.activeElement?.textContent?.trim());
+      const start = page.getByRole('button', { name: 'Reset Velto…' });
+      await start.click();
+      expect(await page.getByRole('dialog').textContent()).toContain('12.5');
+      expect(await focused()).toBe('Cancel');
+      expect(await during(() => page.keyboard.press('Enter'))).toEqual([]);
+      expect(await page.getByRole('dialog').count()).toBe(0);
+
+      await start.click();
+      expect(await during(() => page.getByRole('button', { name: 'Continue…' }).click())).toEqual([]);
+      expect(await focused()).toBe('Cancel');
+      expect(await during(() => page.keyboard.press('Escape'))).toEqual([]);
+      expect(await page.getByRole('dialog').count()).toBe(0);
+
+      await start.click();
+      await page.getByRole('button', { name: 'Continue…' }).click();
+      expect(await during(() => page.getByRole('button', { name: 'Reset Velto', exact: true }).click())).toEqual([{ type: 'resetVelto' }]);
+    });
+  });
+});
+
+describe('views that come later', () => {
+  it.each(['limpieza', 'papelera', 'historial', 'apps', 'sistema'])('%s is shown as missing, with a way back', async (view) => {
+    const opened = await open(browser, { saved: fullState() });
+    const go = (name: string) => opened.page.evaluate((to) => (window as unknown as { go(name: string): void }).go(to), name);
+    await go(view);
+    expect(await opened.page.getByText('is not part of this version yet').isVisible()).toBe(true);
+    await opened.page.getByRole('button', { name: 'Back to Overview' }).click();
+    expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe('Overview');
+    await go('no such view');
+    expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe('Overview');
+    await opened.close();
+  });
+});

@@ -1,0 +1,121 @@
+import type { Browser, Page } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { launch, open } from '../support/page.ts';
+import { hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+const views = ['inicio', 'archivos', 'duplicados', 'ajustes', 'papelera'];
+
+/** What sticks out sideways of the window or of a scrolling part of it, or out of its own control. */
+function sticksOut(page: Page): Promise<string[]> {
+  return page.evaluate(() => {
+    const found: string[] = [];
+    if (document.documentElement.scrollWidth > innerWidth) found.push('window');
+    for (const element of document.querySelectorAll('.page, .content, nav, section, button, label')) {
+      const hidden = getComputedStyle(element).overflowX === 'hidden' && !element.matches('.page');
+      if (!hidden && element.scrollWidth > element.clientWidth + 1) {
+        found.push(`${element.tagName}.${element.className}: ${element.textContent?.trim().slice(0, 60)}`);
+      }
+    }
+    return found;
+  });
+}
+
+const sizes = [
+  { name: '720 px', width: 720, height: 600, zoom: '100%' },
+  { name: '720 px and 200 % text', width: 720, height: 600, zoom: '200%' },
+  { name: '940 px', width: 940, height: 600, zoom: '100%' },
+  { name: '1180 px', width: 1180, height: 760, zoom: '100%' },
+  { name: '1180 px and 200 % text', width: 1180, height: 760, zoom: '200%' },
+  { name: '4K', width: 3840, height: 2160, zoom: '100%' },
+];
+
+describe.each(sizes)('$name', ({ width, height, zoom }) => {
+  it.each(views)('nothing of %s sticks out', async (view) => {
+    for (const state of [inSpanish(withoutAccess()), hostileState()]) {
+      const opened = await open(browser, { saved: state, context: { viewport: { width, height } } });
+      await opened.tell('onPermissions', { fda: false });
+      await opened.page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
+      await opened.page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await opened.tell('onExclusions', state.files.map(({ path }) => path));
+      await opened.page.waitForTimeout(80);
+      expect(await sticksOut(opened.page)).toEqual([]);
+      await opened.close();
+      expect(opened.complaints).toEqual([]);
+    }
+  });
+});
+
+describe('room for the list', () => {
+  it('with large text the list keeps room and the page scrolls', async () => {
+    const opened = await open(browser, { saved: inSpanish(withoutAccess()), context: { viewport: { width: 720, height: 600 } } });
+    await opened.page.evaluate(() => (document.documentElement.style.fontSize = '200%'));
+    await opened.page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    const list = (await opened.page.locator('.content').boundingBox())!;
+    const bar = (await opened.page.locator('[data-region="actions"]').boundingBox())!;
+    expect(list.height).toBeGreaterThan(200);
+    expect(bar.y).toBeGreaterThanOrEqual(list.y + list.height - 1);
+    await opened.close();
+  });
+
+  it('targets are at least 24 by 24 px', async () => {
+    for (const view of views) {
+      const opened = await open(browser, { saved: withoutAccess(), context: { viewport: { width: 720, height: 600 } } });
+      await opened.tell('onPermissions', { fda: false });
+      await opened.page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      const small = await opened.page.evaluate(() =>
+        [...document.querySelectorAll('button:not(.cell), select, [role="switch"], label')]
+          .filter((element) => {
+            const { width, height } = element.getBoundingClientRect();
+            return width > 0 && (width < 24 || height < 24);
+          })
+          .map((element) => element.outerHTML.slice(0, 120)),
+      );
+      await opened.close();
+      expect(small, view).toEqual([]);
+    }
+  });
+});
+
+describe('long lists', () => {
+  /** Generous for a shared machine; a list that is laid out whole on every key takes far longer. */
+  const slow = 400;
+
+  it('500 files sort and filter without a pause', async () => {
+    const opened = await open(browser, { saved: manyFiles(500) });
+    const { page } = opened;
+    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await page.locator('[data-key]').nth(499).waitFor({ state: 'attached' });
+    const time = (action: string) =>
+      page.evaluate(async (selector) => {
+        const start = performance.now();
+        document.querySelector<HTMLElement>(selector)!.click();
+        await new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+        return performance.now() - start;
+      }, action);
+    expect(await time('[role="columnheader"].name button')).toBeLessThan(slow);
+    expect(await time('[role="columnheader"].size button')).toBeLessThan(slow);
+    await page.getByRole('textbox').fill('Proyectos');
+    expect(await page.locator('[data-key]').count()).toBe(125);
+    await opened.close();
+  });
+
+  it('many groups come in portions, and selecting all of them shows all of them', async () => {
+    const opened = await open(browser, { saved: manyDuplicates(230) });
+    const { page } = opened;
+    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('duplicados'));
+    expect(await page.getByRole('rowgroup').count()).toBe(100);
+    await page.getByRole('button', { name: 'Show 130 more groups' }).click();
+    expect(await page.getByRole('rowgroup').count()).toBe(200);
+    await page.getByRole('button', { name: 'Select all but the kept copies' }).click();
+    expect(await page.getByRole('rowgroup').count()).toBe(230);
+    expect(await page.getByText('230 selected').first().isVisible()).toBe(true);
+    await opened.close();
+  });
+});

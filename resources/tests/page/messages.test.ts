@@ -1,0 +1,156 @@
+import type { Browser, Page } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { emptyState, fullState } from '../support/states.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+const toasts = (page: Page) => page.locator('.toast');
+
+/** Opens the page with its clock in the hands of the test. */
+async function withClock(setting: Setting, test: (opened: OpenPage) => Promise<void>): Promise<void> {
+  const opened = await open(browser, setting);
+  await opened.page.clock.install({ time: new Date('2026-03-01T10:00:00Z') });
+  await opened.page.reload();
+  await test(opened);
+  await opened.close();
+}
+
+describe('toasts', () => {
+  it('stay ten seconds, and longer while the pointer is on them', async () => {
+    await withClock({ saved: fullState() }, async ({ page, tell }) => {
+      await tell('toast', 'Excluded from the analysis', '/Users/marina/Music');
+      await page.clock.runFor(9_900);
+      expect(await toasts(page).count()).toBe(1);
+      await toasts(page).hover();
+      await page.clock.runFor(60_000);
+      expect(await toasts(page).count()).toBe(1);
+      await page.mouse.move(0, 0);
+      await page.clock.runFor(10_100);
+      expect(await toasts(page).count()).toBe(0);
+    });
+  });
+
+  it('are announced, stack and can be dismissed one by one', async () => {
+    const { page, tell, close } = await open(browser, { saved: fullState() });
+    await tell('toast', 'First', 'one');
+    await tell('toast', 'Second', '');
+    expect(await toasts(page).count()).toBe(2);
+    expect(await page.getByRole('status').filter({ hasText: 'First' }).count()).toBe(1);
+    await toasts(page).first().getByRole('button', { name: 'Dismiss' }).click();
+    expect(await toasts(page).allTextContents()).toEqual([expect.stringContaining('Second')]);
+    for (let index = 0; index < 9; index += 1) await tell('toast', `More ${index}`, '');
+    expect(await toasts(page).count()).toBe(4);
+    await close();
+  });
+
+  it('the answer to a removal offers to undo it for more than ten seconds', async () => {
+    await withClock({ saved: fullState(), ahead: true }, async ({ page, tell, during }) => {
+      await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+      await page.locator('[data-key]').first().focus();
+      await page.keyboard.press('Space');
+      await page.keyboard.press('Delete');
+      await tell('toast', 'Removed', '41.7 GB in Velto Trash. Kept for 30 days.');
+      await page.clock.runFor(14_000);
+      const undo = page.getByRole('button', { name: 'Undo' });
+      expect(await during(() => undo.click())).toEqual([{ type: 'undoLast' }]);
+      expect(await toasts(page).count()).toBe(0);
+    });
+  });
+
+  it('a removal that failed, or one nobody asked for, offers no undo', async () => {
+    const { page, tell, close } = await open(browser, { saved: fullState(), ahead: true });
+    await tell('toast', 'Removed', '1.0 GB in Velto Trash.');
+    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await page.locator('[data-key]').first().focus();
+    await page.keyboard.press('Space');
+    await page.keyboard.press('Delete');
+    await tell('toast', "Couldn't remove", 'El archivo ya no existe.');
+    expect(await toasts(page).count()).toBe(2);
+    expect(await page.getByRole('button', { name: 'Undo' }).count()).toBe(0);
+    await close();
+  });
+});
+
+describe('an analysis', () => {
+  it('shows files, size and time, and announces them at most every five seconds', async () => {
+    await withClock({ saved: fullState() }, async ({ page, tell }) => {
+      await page.evaluate(() => {
+        const said: string[] = [];
+        (window as unknown as { __said: string[] }).__said = said;
+        const status = document.querySelector('p[role="status"]')!;
+        new MutationObserver(() => said.push(status.textContent ?? '')).observe(status, { childList: true, characterData: true, subtree: true });
+      });
+      await tell('onScanStarted');
+      for (let step = 1; step <= 60; step += 1) {
+        await tell('onScanProgress', step * 1000, step * 1.5);
+        await page.clock.runFor(200);
+      }
+      const visible = (await page.locator('.scan').textContent())!.replaceAll('\u00a0', ' ');
+      expect(visible).toContain('60,000 files counted');
+      expect(visible).toContain('90 GB');
+      expect(visible).toContain('12 sec so far');
+      expect(visible).not.toContain('%');
+      const said = await page.evaluate(() => (window as unknown as { __said: string[] }).__said);
+      expect(said.filter((message) => message.startsWith('Analysis running'))).toHaveLength(2);
+      await tell('setState', fullState({ free: 300 }), 1_772_360_000);
+      await tell('onScanFinished');
+      expect(await page.locator('.scan').count()).toBe(0);
+      expect(await page.locator('p[role="status"]').textContent()).toBe('Analysis finished.');
+    });
+  });
+
+  it('that fails leaves the last one standing and says that nothing was lost', async () => {
+    const { page, tell, during, close } = await open(browser, { saved: fullState() });
+    await tell('onScanStarted');
+    await tell('onScanFailed');
+    expect(await page.getByText('Nothing was changed and nothing was lost. What you see is the last analysis that finished.').isVisible()).toBe(true);
+    expect(await page.getByText('312.4').first().isVisible()).toBe(true);
+    expect(await during(() => page.getByRole('button', { name: 'Try again' }).click())).toEqual([{ type: 'scan' }]);
+    await tell('onScanStarted');
+    expect(await page.getByRole('button', { name: 'Try again' }).count()).toBe(0);
+    await close();
+  });
+
+  it('that fails the first time offers one thing: to try again', async () => {
+    const { page, tell, during, close } = await open(browser);
+    await tell('setState', emptyState(), 0);
+    await tell('onScanStarted');
+    expect(await page.getByRole('heading', { name: 'Looking at your disk for the first time' }).isVisible()).toBe(true);
+    await tell('onScanFailed');
+    for (const view of ['inicio', 'archivos', 'duplicados']) {
+      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      expect(await page.getByRole('heading', { name: 'The analysis did not finish' }).isVisible()).toBe(true);
+    }
+    expect(await during(() => page.getByRole('button', { name: 'Try again' }).click())).toEqual([{ type: 'scan' }]);
+    await close();
+  });
+
+  it('says how long ago it was made, and keeps saying it right', async () => {
+    const stamp = Date.parse('2026-03-01T09:58:30Z') / 1000;
+    await withClock({ saved: fullState(), stamp }, async ({ page }) => {
+      expect(await page.getByText('Analyzed 1 minute ago').isVisible()).toBe(true);
+      await page.clock.runFor(3_600_000);
+      expect(await page.getByText('Analyzed 1 hour ago').isVisible()).toBe(true);
+    });
+  });
+});
+
+describe('the exclusions', () => {
+  it('that do not arrive are reported, and can be asked for again', async () => {
+    await withClock({ saved: fullState() }, async ({ page, during, tell }) => {
+      await page.evaluate(() => (window as unknown as { go(name: string): void }).go('ajustes'));
+      expect(await page.getByText('Reading the list…').isVisible()).toBe(true);
+      await page.clock.runFor(5_100);
+      expect(await page.getByText('The list could not be read.').isVisible()).toBe(true);
+      expect(await during(() => page.getByRole('button', { name: 'Try again' }).click())).toEqual([{ type: 'exclusions' }]);
+      await tell('onExclusions', ['/late']);
+      expect(await page.getByText('/late').isVisible()).toBe(true);
+    });
+  });
+});

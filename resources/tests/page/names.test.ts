@@ -1,0 +1,69 @@
+import type { Browser } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { launch, open } from '../support/page.ts';
+import { hostileNames, hostileState } from '../support/states.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+/** What was put in the page as markup or run as script, instead of being shown. */
+const strangers = 'img, iframe, b, i, script:not([src="./velto.js"]), a';
+
+describe('names of files are data', () => {
+  it.each(['inicio', 'archivos', 'duplicados', 'ajustes'])('in %s no name becomes markup or script', async (view) => {
+    const opened = await open(browser, { saved: hostileState() });
+    const { page } = opened;
+    await opened.tell('onPermissions', { fda: false });
+    await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+    await opened.tell('onExclusions', hostileNames.map((name) => `/Users/marina/${name}`));
+    await opened.tell('toast', hostileNames[0], hostileNames[1]);
+    await page.waitForTimeout(150);
+    expect(await page.locator(strangers).count()).toBe(0);
+    expect(await page.title()).toBe('Velto');
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+
+  it('a name is shown letter for letter, its marks spelled out', async () => {
+    const opened = await open(browser, { saved: hostileState() });
+    const { page } = opened;
+    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    const shown = await page.locator('[data-key] .name bdi').evaluateAll((names) => names.map((name) => name.textContent));
+    expect(shown[0]).toBe(hostileNames[0]);
+    expect(shown[2]).toBe('facturaU+202Efdp.exe.mov');
+    expect(shown[3]).toBe('línea unoU+000Alínea dosU+0009tabU+0007.bin');
+    expect(shown[4]).toBe(hostileNames[4]);
+    expect(shown[8]).toBe(hostileNames[8]);
+    expect(await page.locator('[data-key] .mark').count()).toBe(4);
+    await opened.close();
+  });
+
+  it('no mark of a name reaches a label or a tooltip', async () => {
+    const opened = await open(browser, { saved: hostileState() });
+    const { page } = opened;
+    for (const view of ['inicio', 'archivos', 'duplicados']) {
+      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await page.waitForTimeout(80);
+      const leaked = await page.evaluate(() =>
+        [...document.querySelectorAll('[title], [aria-label]')]
+          .flatMap((element) => [element.getAttribute('title'), element.getAttribute('aria-label')])
+          .filter((text) => /[\u0000-\u001f\u202a-\u202e\u2066-\u2069]/.test(text ?? '')),
+      );
+      expect(leaked, view).toEqual([]);
+    }
+    await opened.close();
+  });
+
+  it('acts on the name as it is, not as it is shown', async () => {
+    const opened = await open(browser, { saved: hostileState() });
+    const { page } = opened;
+    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    const [intent] = await opened.during(() => page.locator('[data-key]').nth(2).getByRole('button').first().click());
+    expect(intent).toEqual({ type: 'revealPath', payload: `/Users/marina/Movies/${hostileNames[2]}` });
+    await opened.close();
+  });
+});
