@@ -8,9 +8,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 #include <vector>
 
 #include "platform/attribute_buffer.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/uninterrupted.h"
 
 namespace velto {
 namespace {
@@ -34,20 +37,12 @@ static_assert(sizeof(timespec) == 2 * sizeof(std::int64_t));
 
 constexpr std::size_t bufferSize = 256 * 1024;  // some 1,500 entries a call
 
-class MacFolder final : public OpenFolder {
-public:
-    explicit MacFolder(int descriptor) : descriptor_(descriptor) {}
-    ~MacFolder() override { close(descriptor_); }
-    MacFolder(const MacFolder&) = delete;
-    MacFolder& operator=(const MacFolder&) = delete;
-
-    int descriptor() const { return descriptor_; }
-
-private:
-    int descriptor_;
+struct MacFolder final : OpenFolder {
+    explicit MacFolder(Descriptor opened) : descriptor(std::move(opened)) {}
+    Descriptor descriptor;
 };
 
-int descriptorOf(OpenFolder& folder) { return static_cast<MacFolder&>(folder).descriptor(); }
+int descriptorOf(OpenFolder& folder) { return static_cast<MacFolder&>(folder).descriptor.number(); }
 
 /// While it lives, this thread gets EDEADLK for what lies only in the cloud, instead of a download.
 class CloudStaysInTheCloud {
@@ -75,7 +70,7 @@ private:
 
 std::shared_ptr<OpenFolder> opened(int descriptor) {
     if (descriptor < 0) return nullptr;
-    return std::make_shared<MacFolder>(descriptor);
+    return std::make_shared<MacFolder>(Descriptor(descriptor));
 }
 
 }  // namespace
@@ -103,9 +98,9 @@ bool MacDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, En
     const int descriptor = descriptorOf(folder);
     lseek(descriptor, 0, SEEK_SET);  // so that a folder can be read twice
     while (true) {
-        const int count = getattrlistbulk(descriptor, &wanted, buffer.data(), buffer.size(), 0);
+        const int count = uninterrupted(
+            [&] { return getattrlistbulk(descriptor, &wanted, buffer.data(), buffer.size(), 0); });
         if (count == 0) return true;
-        if (count < 0 && errno == EINTR) continue;
         if (count < 0) return false;
         if (!attributes::appendRecords(buffer, static_cast<std::size_t>(count), options, entries)) {
             errno = EIO;
