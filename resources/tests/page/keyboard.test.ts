@@ -22,7 +22,7 @@ async function press(page: Page, ...keys: string[]): Promise<void> {
 
 async function openList(view: string, ahead = false) {
   const opened = await open(browser, { saved: fullState(), ahead });
-  await opened.page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+  await opened.go(view);
   await opened.page.getByRole('grid').waitFor();
   await opened.page.locator('[data-key]').first().focus();
   return opened;
@@ -189,7 +189,7 @@ describe('keys of the whole window', () => {
 
   it('the menu moves the focus to the view it opens', async () => {
     const opened = await open(browser, { saved: fullState() });
-    await opened.page.evaluate(() => (window as unknown as { go(name: string): void }).go('ajustes'));
+    await opened.go('ajustes');
     await opened.page.waitForFunction(() => document.activeElement?.tagName === 'H1');
     expect(await opened.page.evaluate(() => document.activeElement?.textContent)).toBe('Settings');
     await opened.close();
@@ -199,7 +199,7 @@ describe('keys of the whole window', () => {
     for (const view of ['inicio', 'archivos', 'duplicados', 'ajustes']) {
       const opened = await open(browser, { saved: fullState() });
       const { page } = opened;
-      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await opened.go(view);
       const unseen: string[] = [];
       for (let stop = 0; stop < 25; stop += 1) {
         await press(page, 'Tab');

@@ -37,18 +37,21 @@ const sizes = [
 ];
 
 describe.each(sizes)('$name', ({ width, height, zoom }) => {
-  it.each(views)('nothing of %s sticks out', async (view) => {
-    for (const state of [inSpanish(withoutAccess()), hostileState()]) {
-      const opened = await open(browser, { saved: state, context: { viewport: { width, height } } });
-      await opened.tell('onPermissions', { fda: false });
-      await opened.page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
-      await opened.page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+  it.each([
+    { kind: 'in Spanish, without access', state: inSpanish(withoutAccess()) },
+    { kind: 'with hostile names', state: hostileState() },
+  ])('nothing sticks out $kind', async ({ state }) => {
+    const opened = await open(browser, { saved: state, context: { viewport: { width, height } } });
+    await opened.tell('onPermissions', { fda: false });
+    await opened.page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
+    for (const view of views) {
+      await opened.go(view);
       await opened.tell('onExclusions', state.files.map(({ path }) => path));
       await opened.page.waitForTimeout(80);
-      expect(await sticksOut(opened.page)).toEqual([]);
-      await opened.close();
-      expect(opened.complaints).toEqual([]);
+      expect(await sticksOut(opened.page), view).toEqual([]);
     }
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
   });
 });
 
@@ -56,7 +59,7 @@ describe('room for the list', () => {
   it('with large text the list keeps room and the page scrolls', async () => {
     const opened = await open(browser, { saved: inSpanish(withoutAccess()), context: { viewport: { width: 720, height: 600 } } });
     await opened.page.evaluate(() => (document.documentElement.style.fontSize = '200%'));
-    await opened.page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await opened.go('archivos');
     const list = (await opened.page.locator('.content').boundingBox())!;
     const bar = (await opened.page.locator('[data-region="actions"]').boundingBox())!;
     expect(list.height).toBeGreaterThan(200);
@@ -68,7 +71,7 @@ describe('room for the list', () => {
     for (const view of views) {
       const opened = await open(browser, { saved: withoutAccess(), context: { viewport: { width: 720, height: 600 } } });
       await opened.tell('onPermissions', { fda: false });
-      await opened.page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await opened.go(view);
       const small = await opened.page.evaluate(() =>
         [...document.querySelectorAll('button:not(.cell), select, [role="switch"], label')]
           .filter((element) => {
@@ -90,7 +93,7 @@ describe('long lists', () => {
   it('500 files sort and filter without a pause', async () => {
     const opened = await open(browser, { saved: manyFiles(500) });
     const { page } = opened;
-    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await opened.go('archivos');
     await page.locator('[data-key]').nth(499).waitFor({ state: 'attached' });
     const time = (action: string) =>
       page.evaluate(async (selector) => {
@@ -109,7 +112,7 @@ describe('long lists', () => {
   it('many groups come in portions, and selecting all of them shows all of them', async () => {
     const opened = await open(browser, { saved: manyDuplicates(230) });
     const { page } = opened;
-    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('duplicados'));
+    await opened.go('duplicados');
     expect(await page.getByRole('rowgroup').count()).toBe(100);
     await page.getByRole('button', { name: 'Show 130 more groups' }).click();
     expect(await page.getByRole('rowgroup').count()).toBe(200);

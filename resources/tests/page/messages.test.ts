@@ -15,8 +15,11 @@ const toasts = (page: Page) => page.locator('.toast');
 /** Opens the page with its clock in the hands of the test. */
 async function withClock(setting: Setting, test: (opened: OpenPage) => Promise<void>): Promise<void> {
   const opened = await open(browser, setting);
-  await opened.page.clock.install({ time: new Date('2026-03-01T10:00:00Z') });
+  const start = new Date('2026-03-01T10:00:00Z');
+  await opened.page.clock.install({ time: start });
   await opened.page.reload();
+  // From here on time passes only when the test says so.
+  await opened.page.clock.pauseAt(new Date(start.getTime() + 30_000));
   await test(opened);
   await opened.close();
 }
@@ -27,7 +30,8 @@ describe('toasts', () => {
       await tell('toast', 'Excluded from the analysis', '/Users/marina/Music');
       await page.clock.runFor(9_900);
       expect(await toasts(page).count()).toBe(1);
-      await toasts(page).hover();
+      const { x, y } = (await toasts(page).boundingBox())!;
+      await page.mouse.move(x + 20, y + 20);
       await page.clock.runFor(60_000);
       expect(await toasts(page).count()).toBe(1);
       await page.mouse.move(0, 0);
@@ -50,8 +54,8 @@ describe('toasts', () => {
   });
 
   it('the answer to a removal offers to undo it for more than ten seconds', async () => {
-    await withClock({ saved: fullState(), ahead: true }, async ({ page, tell, during }) => {
-      await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await withClock({ saved: fullState(), ahead: true }, async ({ page, tell, during, go }) => {
+      await go('archivos');
       await page.locator('[data-key]').first().focus();
       await page.keyboard.press('Space');
       await page.keyboard.press('Delete');
@@ -64,9 +68,9 @@ describe('toasts', () => {
   });
 
   it('a removal that failed, or one nobody asked for, offers no undo', async () => {
-    const { page, tell, close } = await open(browser, { saved: fullState(), ahead: true });
+    const { page, tell, go, close } = await open(browser, { saved: fullState(), ahead: true });
     await tell('toast', 'Removed', '1.0 GB in Velto Trash.');
-    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await go('archivos');
     await page.locator('[data-key]').first().focus();
     await page.keyboard.press('Space');
     await page.keyboard.press('Delete');
@@ -118,13 +122,13 @@ describe('an analysis', () => {
   });
 
   it('that fails the first time offers one thing: to try again', async () => {
-    const { page, tell, during, close } = await open(browser);
+    const { page, tell, during, go, close } = await open(browser);
     await tell('setState', emptyState(), 0);
     await tell('onScanStarted');
     expect(await page.getByRole('heading', { name: 'Looking at your disk for the first time' }).isVisible()).toBe(true);
     await tell('onScanFailed');
     for (const view of ['inicio', 'archivos', 'duplicados']) {
-      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await go(view);
       expect(await page.getByRole('heading', { name: 'The analysis did not finish' }).isVisible()).toBe(true);
     }
     expect(await during(() => page.getByRole('button', { name: 'Try again' }).click())).toEqual([{ type: 'scan' }]);
@@ -132,7 +136,7 @@ describe('an analysis', () => {
   });
 
   it('says how long ago it was made, and keeps saying it right', async () => {
-    const stamp = Date.parse('2026-03-01T09:58:30Z') / 1000;
+    const stamp = Date.parse('2026-03-01T09:59:00Z') / 1000;
     await withClock({ saved: fullState(), stamp }, async ({ page }) => {
       expect(await page.getByText('Analyzed 1 minute ago').isVisible()).toBe(true);
       await page.clock.runFor(3_600_000);
@@ -143,8 +147,8 @@ describe('an analysis', () => {
 
 describe('the exclusions', () => {
   it('that do not arrive are reported, and can be asked for again', async () => {
-    await withClock({ saved: fullState() }, async ({ page, during, tell }) => {
-      await page.evaluate(() => (window as unknown as { go(name: string): void }).go('ajustes'));
+    await withClock({ saved: fullState() }, async ({ page, during, tell, go }) => {
+      await go('ajustes');
       expect(await page.getByText('Reading the list…').isVisible()).toBe(true);
       await page.clock.runFor(5_100);
       expect(await page.getByText('The list could not be read.').isVisible()).toBe(true);

@@ -18,7 +18,7 @@ describe('names of files are data', () => {
     const opened = await open(browser, { saved: hostileState() });
     const { page } = opened;
     await opened.tell('onPermissions', { fda: false });
-    await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+    await opened.go(view);
     await opened.tell('onExclusions', hostileNames.map((name) => `/Users/marina/${name}`));
     await opened.tell('toast', hostileNames[0], hostileNames[1]);
     await page.waitForTimeout(150);
@@ -31,7 +31,7 @@ describe('names of files are data', () => {
   it('a name is shown letter for letter, its marks spelled out', async () => {
     const opened = await open(browser, { saved: hostileState() });
     const { page } = opened;
-    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await opened.go('archivos');
     const shown = await page.locator('[data-key] .name bdi').evaluateAll((names) => names.map((name) => name.textContent));
     expect(shown[0]).toBe(hostileNames[0]);
     expect(shown[2]).toBe('facturaU+202Efdp.exe.mov');
@@ -46,7 +46,7 @@ describe('names of files are data', () => {
     const opened = await open(browser, { saved: hostileState() });
     const { page } = opened;
     for (const view of ['inicio', 'archivos', 'duplicados']) {
-      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await opened.go(view);
       await page.waitForTimeout(80);
       const leaked = await page.evaluate(() =>
         [...document.querySelectorAll('[title], [aria-label]')]
@@ -61,7 +61,7 @@ describe('names of files are data', () => {
   it('acts on the name as it is, not as it is shown', async () => {
     const opened = await open(browser, { saved: hostileState() });
     const { page } = opened;
-    await page.evaluate(() => (window as unknown as { go(name: string): void }).go('archivos'));
+    await opened.go('archivos');
     const [intent] = await opened.during(() => page.locator('[data-key]').nth(2).getByRole('button').first().click());
     expect(intent).toEqual({ type: 'revealPath', payload: `/Users/marina/Movies/${hostileNames[2]}` });
     await opened.close();

@@ -28,6 +28,8 @@ export interface OpenPage {
   during(action: () => Promise<unknown>): Promise<Intent[]>;
   /** Calls one of the page's callbacks as the program does. */
   tell(event: EventName, ...values: unknown[]): Promise<void>;
+  /** Shows a view as the program's menu does. */
+  go(view: string): Promise<void>;
   /** Errors, refused resources and policy violations; a good page has none. */
   complaints: string[];
   close(): Promise<void>;
@@ -55,6 +57,17 @@ function prepare({ saved, stamp, platform, hosted, storage }: {
   const intents: unknown[] = [];
   const complaints: string[] = [];
   page.__intents = intents;
+  // Counts frames since the page's content was put in place: after two it has been painted.
+  let frame = 0;
+  let shownAt: number | null = null;
+  const count = () => {
+    frame += 1;
+    requestAnimationFrame(count);
+  };
+  requestAnimationFrame(count);
+  new MutationObserver(() => {
+    if (document.querySelector('.figure')) shownAt ??= frame;
+  }).observe(document, { childList: true, subtree: true });
   page.__complaints = complaints;
   document.addEventListener('securitypolicyviolation', (event) => {
     complaints.push(`policy: ${event.violatedDirective} ${event.blockedURI}`);
@@ -71,8 +84,8 @@ function prepare({ saved, stamp, platform, hosted, storage }: {
     messageHandlers: {
       velto: {
         postMessage: (message: unknown) => {
-          const painted = performance.getEntriesByName('first-contentful-paint').length > 0;
-          intents.push({ ...(structuredClone(message) as object), painted });
+          const framesShown = shownAt === null ? -1 : frame - shownAt;
+          intents.push({ ...(structuredClone(message) as object), framesShown });
         },
       },
     },
@@ -109,8 +122,8 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
   await page.goto(new URL(`../../${folder}/index.html`, import.meta.url).href);
 
   const intents = async (): Promise<Intent[]> => {
-    const sent = await page.evaluate(() => (window as unknown as { __intents: (Intent & { painted: boolean })[] }).__intents);
-    return sent.map(({ painted: _painted, ...intent }) => intent);
+    const sent = await page.evaluate(() => (window as unknown as { __intents: (Intent & { framesShown: number })[] }).__intents);
+    return sent.map(({ framesShown: _framesShown, ...intent }) => intent);
   };
 
   return {
@@ -122,6 +135,7 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
       await action();
       return (await intents()).slice(before);
     },
+    go: (view) => page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view),
     async tell(event, ...values) {
       await page.evaluate(
         ([name, given]) => {
