@@ -102,4 +102,8 @@ std::string LinuxLocale::decimal(double value, std::string_view localeIdentifier
     return result;
 }
 
+int LinuxLocale::compare(std::string_view left, std::string_view right) const {
+    return order_->compare(left, right);
+}
+
 }  // namespace velto
