@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/uninterrupted.h"
 
 namespace velto {
 namespace {
@@ -28,6 +29,7 @@ struct LinuxDirent {
 struct LinuxFolder final : OpenFolder {
     explicit LinuxFolder(Descriptor opened) : descriptor(std::move(opened)) {}
     Descriptor descriptor;
+    bool wasRead = false;
 };
 
 constexpr std::size_t listingBytes = 64 * 1024;
@@ -36,8 +38,10 @@ constexpr std::int64_t statxBlock = 512;  // stx_blocks counts units of 512 byte
 std::shared_ptr<OpenFolder> openAt(int parent, const char* name, int extraFlags) {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | extraFlags;
     // O_NOATIME is refused to all but the owner (open(2)).
-    int number = ::openat(parent, name, flags | O_NOATIME);
-    if (number < 0 && errno == EPERM) number = ::openat(parent, name, flags);
+    int number = uninterrupted([&] { return ::openat(parent, name, flags | O_NOATIME); });
+    if (number < 0 && errno == EPERM) {
+        number = uninterrupted([&] { return ::openat(parent, name, flags); });
+    }
     if (number < 0) return nullptr;
     return std::make_shared<LinuxFolder>(Descriptor(number));
 }
@@ -72,8 +76,7 @@ void describe(int folder, const LinuxDirent& record, DirectoryEntry& entry) {
         return;
     }
     struct statx status;
-    constexpr unsigned wanted =
-        STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME;
+    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME;
     constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     if (::statx(folder, record.name, flags, wanted, &status) != 0) {
         entry.kind = EntryKind::unreadable;
@@ -111,15 +114,18 @@ std::shared_ptr<OpenFolder> LinuxDirectoryReader::openChild(OpenFolder& parent,
 
 bool LinuxDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
                                 EntryList& entries) {
-    const int number = static_cast<LinuxFolder&>(folder).descriptor.number();
+    auto& opened = static_cast<LinuxFolder&>(folder);
+    const int number = opened.descriptor.number();
+    if (opened.wasRead && ::lseek(number, 0, SEEK_SET) != 0) return false;
+    opened.wasRead = true;
     alignas(LinuxDirent) std::array<char, listingBytes> buffer;
     while (true) {
-        const long bytes = ::syscall(SYS_getdents64, number, buffer.data(), buffer.size());
+        const long bytes = uninterrupted(
+            [&] { return ::syscall(SYS_getdents64, number, buffer.data(), buffer.size()); });
         if (bytes < 0) return false;
         if (bytes == 0) return true;
         for (long position = 0; position < bytes;) {
-            const auto& record =
-                *reinterpret_cast<const LinuxDirent*>(buffer.data() + position);
+            const auto& record = *reinterpret_cast<const LinuxDirent*>(buffer.data() + position);
             position += record.length;
             const char* name = record.name;
             if (name[0] == '.') {
