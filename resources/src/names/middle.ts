@@ -4,6 +4,9 @@
  */
 const segmenter = new Intl.Segmenter(undefined, { granularity: 'grapheme' });
 
+/** A head shorter than this is not worth an ellipsis. */
+const shortestHead = 4;
+
 export interface Halves {
   head: string;
   tail: string;
@@ -17,9 +20,9 @@ export function isRightToLeft(text: string): boolean {
 /** Splits off about `tailLength` visible characters; short texts have no tail. */
 export function splitForMiddle(text: string, tailLength: number): Halves {
   if (tailLength <= 0 || isRightToLeft(text)) return { head: text, tail: '' };
-  if (text.length <= tailLength * 2) return { head: text, tail: '' };
+  if (text.length < tailLength + shortestHead) return { head: text, tail: '' };
   const starts = [...segmenter.segment(text)].map((segment) => segment.index);
-  if (starts.length <= tailLength * 2) return { head: text, tail: '' };
+  if (starts.length < tailLength + shortestHead) return { head: text, tail: '' };
   const cut = starts[starts.length - tailLength]!;
   return { head: text.slice(0, cut), tail: text.slice(cut) };
 }

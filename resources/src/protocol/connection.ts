@@ -42,7 +42,7 @@ const readers: { [Name in EventName]?: (values: unknown[]) => Events[Name] | nul
   onScanProgress: ([files, gb]) => [guards.number(files), guards.number(gb)],
   onPermissions: ([value]) => [guards.permissions(value)],
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
-  onExclusions: ([paths]) => [guards.texts(paths)],
+  onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
   onTrashState: ([items]) => [guards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
 };

@@ -44,6 +44,15 @@ function list<Entry>(value: unknown, read: (fields: Fields) => Entry | null): En
   });
 }
 
+/**
+ * Lists are shown and selected by path or id, so each may appear once. Two files can only share a
+ * path here when bytes that are no text were replaced in it; neither could be acted on then.
+ */
+function distinct<Entry>(entries: Entry[], key: (entry: Entry) => string): Entry[] {
+  const seen = new Set<string>();
+  return entries.filter((entry) => !seen.has(key(entry)) && seen.add(key(entry)));
+}
+
 function category(fields: Fields): Category | null {
   if (!text(fields.id)) return null;
   return {
@@ -64,6 +73,7 @@ function bigFile(fields: Fields): BigFile | null {
 
 function duplicateGroup(fields: Fields): DuplicateGroup | null {
   const paths = texts(fields.paths);
+  if (new Set(paths).size !== paths.length) return null;
   if (paths.length < 2 || !text(fields.id)) return null;
   const recommended = Math.trunc(number(fields.recommended));
   return {
@@ -105,9 +115,9 @@ export function diskState(value: unknown): DiskState | null {
   if (!fields) return null;
   return {
     total: size(fields.total), free: size(fields.free), ser: number(fields.ser),
-    cats: list(fields.cats, category),
-    files: list(fields.files, bigFile),
-    dupGroups: list(fields.dupGroups, duplicateGroup),
+    cats: distinct(list(fields.cats, category), ({ id }) => id),
+    files: distinct(list(fields.files, bigFile), ({ path }) => path),
+    dupGroups: distinct(list(fields.dupGroups, duplicateGroup), ({ id }) => id),
     history: list(fields.history, historyEntry),
     settings: settings(fields.settings),
     ...(Array.isArray(fields.protected) && { protected: texts(fields.protected) }),

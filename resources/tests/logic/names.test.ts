@@ -44,6 +44,8 @@ describe('shortening in the middle', () => {
 
   it('leaves short texts whole', () => {
     expect(splitForMiddle('anexos.pdf', 10)).toEqual({ head: 'anexos.pdf', tail: '' });
+    expect(splitForMiddle('abc-anexos.pdf', 10)).toEqual({ head: 'abc-', tail: 'anexos.pdf' });
+    expect(splitForMiddle('ab-anexos.pdf', 10)).toEqual({ head: 'ab-anexos.pdf', tail: '' });
     expect(splitForMiddle('', 10)).toEqual({ head: '', tail: '' });
     expect(splitForMiddle('a'.repeat(99), 0)).toEqual({ head: 'a'.repeat(99), tail: '' });
   });

@@ -133,8 +133,19 @@ describe('reading a state', () => {
 
   it('drops groups that are no duplicates and mends an index that points nowhere', () => {
     const group = { id: 'h', name: 'x', pairs: [], paths: ['/a', '/b'], recommended: 9 };
-    const state = diskState({ dupGroups: [group, { ...group, paths: ['/a'] }, { ...group, recommended: -1 }] })!;
+    const state = diskState({ dupGroups: [group, { ...group, id: 'i', paths: ['/a'] }, { ...group, id: 'j', recommended: -1 }] })!;
     expect(state.dupGroups.map(({ recommended }) => recommended)).toEqual([0, 0]);
+  });
+
+  it('shows a path once, so that no list breaks over two that read alike', () => {
+    const file = { path: '/a/\uFFFD.bin', gb: 2 };
+    const group = { id: 'h', name: 'x', pairs: [], paths: ['/a', '/b'], recommended: 0 };
+    const state = diskState({
+      files: [file, { path: '/b', gb: 1 }, { ...file, gb: 1 }],
+      dupGroups: [group, { ...group, name: 'again' }, { ...group, id: 'i', paths: ['/c', '/c'] }],
+    })!;
+    expect(state.files.map(({ path, gb }) => [path, gb])).toEqual([['/a/\uFFFD.bin', 2], ['/b', 1]]);
+    expect(state.dupGroups.map(({ name }) => name)).toEqual(['x']);
   });
 
   it('normalises settings as the program does', () => {

@@ -145,6 +145,18 @@ describe('an analysis', () => {
   });
 });
 
+describe('Velto Trash', () => {
+  it('is told apart from what is free', async () => {
+    const { page, tell, close } = await open(browser, { saved: fullState() });
+    expect(await page.getByText('in Velto Trash').count()).toBe(0);
+    await tell('onTrashState', [{ id: 'it1', name: 'a', gb: 1.5, taken: 1, path: '/a', opID: 'op1' }, { id: 'it2', name: 'b', gb: 2, taken: 1, path: '/b', opID: 'op1' }]);
+    expect(await page.getByText('3.5 GB of it in Velto Trash').count()).toBe(1);
+    await tell('onTrashChanged', 0);
+    expect(await page.getByText('in Velto Trash').count()).toBe(0);
+    await close();
+  });
+});
+
 describe('the exclusions', () => {
   it('that do not arrive are reported, and can be asked for again', async () => {
     await withClock({ saved: fullState() }, async ({ page, during, tell, go }) => {

@@ -7,6 +7,7 @@ export const overview = {
   analysed: (when: string) => `Analyzed ${when}`,
   free: 'free',
   usedOf: (used: number, total: number) => `${size(used)} of ${size(total)} in use`,
+  inTrash: (gb: number) => `${size(gb)} of it in Velto Trash`,
   barLabel: (used: number, free: number, total: number) =>
     `${size(used)} in use and ${size(free)} free, of ${size(total)}`,
   scoreLabel: 'Room to spare',

@@ -9,6 +9,7 @@ export const overview: typeof english = {
   analysed: (when) => `Analizado ${when}`,
   free: 'libres',
   usedOf: (used, total) => `${size(used)} de ${size(total)} en uso`,
+  inTrash: (gb) => `${size(gb)} de ellos en la Papelera de Velto`,
   barLabel: (used, free, total) => `${size(used)} en uso y ${size(free)} libres, de ${size(total)}`,
   scoreLabel: 'Margen libre',
   scoreOf: (score) => `${score} de 100`,
