@@ -2,11 +2,13 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace velto {
 
-/// An open file descriptor, closed with the object.
+/// An open file descriptor, closed with the object. Closing keeps `errno`, so that a descriptor may
+/// go out of scope between a failure and its report.
 class Descriptor {
 public:
     Descriptor() = default;
@@ -17,7 +19,10 @@ public:
         return *this;
     }
     ~Descriptor() {
-        if (number_ >= 0) ::close(number_);
+        if (number_ < 0) return;
+        const int error = errno;
+        ::close(number_);  // never repeated: after EINTR the number may be someone else's already
+        errno = error;
     }
 
     int number() const { return number_; }

@@ -16,7 +16,7 @@ public:
     explicit PosixFileContent(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
 
     std::int64_t size() const override {
-        struct stat status{};
+        struct stat status {};
         if (::fstat(descriptor_.number(), &status) != 0) return -1;
         return static_cast<std::int64_t>(status.st_size);
     }
@@ -42,7 +42,7 @@ Descriptor openForReading(const std::string& path) {
 }
 
 bool isRegularFile(const Descriptor& descriptor) {
-    struct stat status{};
+    struct stat status {};
     if (::fstat(descriptor.number(), &status) != 0) return false;
     if (!S_ISREG(status.st_mode)) errno = EINVAL;
     return S_ISREG(status.st_mode);
@@ -52,7 +52,8 @@ class PosixFileContentReader final : public FileContentReader {
 public:
     std::unique_ptr<FileContent> open(const std::string& path) override {
         Descriptor descriptor = openForReading(path);
-        while (!descriptor.isOpen() && errno == EINTR) descriptor = openForReading(path);
+        while (!descriptor.isOpen() && errno == EINTR)
+            descriptor = openForReading(path);
         if (descriptor.isOpen() && isRegularFile(descriptor)) {
             return std::make_unique<PosixFileContent>(std::move(descriptor));
         }

@@ -30,6 +30,29 @@ void requireWholePath(const char* attempt, const std::string& path) {
     }
 }
 
+double seconds(const timespec& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+// POSIX calls the times st_mtim and st_atim; BSD systems keep their older names.
+template <typename Status>
+double modificationTime(const Status& status) {
+    if constexpr (requires { status.st_mtim; }) {
+        return seconds(status.st_mtim);
+    } else {
+        return seconds(status.st_mtimespec);
+    }
+}
+
+template <typename Status>
+double accessTime(const Status& status) {
+    if constexpr (requires { status.st_atim; }) {
+        return seconds(status.st_atim);
+    } else {
+        return seconds(status.st_atimespec);
+    }
+}
+
 FileKind kindOf(mode_t mode) {
     if (S_ISREG(mode)) return FileKind::regular;
     if (S_ISDIR(mode)) return FileKind::folder;
@@ -51,14 +74,13 @@ std::optional<FileAttributes> PosixFileManager::attributes(const std::string& pa
     return FileAttributes{.kind = kindOf(status.st_mode),
                           .allocatedSize = static_cast<std::int64_t>(status.st_blocks) * statBlock,
                           .logicalSize = static_cast<std::int64_t>(status.st_size),
-                          .modified = static_cast<double>(status.st_mtime),
-                          .accessed = static_cast<double>(status.st_atime)};
+                          .modified = modificationTime(status),
+                          .accessed = accessTime(status)};
 }
 
 std::vector<std::string> PosixFileManager::list(const std::string& folder) const {
     requireWholePath("list", folder);
-    Descriptor opened(
-        calls_.open(AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+    Descriptor opened(calls_.open(AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (!opened.isOpen()) fail("list", folder);
     auto names = namesInFolder(std::move(opened));
     if (!names) fail("list", folder);
@@ -77,8 +99,14 @@ std::string PosixFileManager::read(const std::string& path) const {
     requireWholePath("read", path);
     const Descriptor file(
         calls_.open(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
-    if (!file.isOpen()) fail("read", path);
+    struct stat status;
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) fail("read", path);
+    // A pipe or a device that has taken the file's place has no whole content.
+    if (!S_ISREG(status.st_mode)) {
+        throw FileError("read", path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    }
     std::string content;
+    content.reserve(static_cast<std::size_t>(status.st_size));
     std::array<char, 64 * 1024> buffer;
     while (true) {
         const ssize_t length = calls_.read(file.number(), buffer.data(), buffer.size());
@@ -97,10 +125,11 @@ void PosixFileManager::createFolders(const std::string& path) {
         createFolders(path.substr(0, slash));
         if (calls_.makeFolder(AT_FDCWD, path.c_str(), folderMode) == 0) return;
     }
-    // Something stands there: fine when it is a folder, or a link to one.
+    // Something stands there: fine when it is a folder, or a link to one. Not every system says
+    // EEXIST for it: a read-only volume and the root have their own answers.
     const int reason = errno;
     struct stat status;
-    if (reason == EEXIST && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return;
+    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return;
     throw FileError("create folder", path, reason == EEXIST ? ENOTDIR : reason);
 }
 

@@ -8,9 +8,21 @@
 #include <utility>
 
 namespace velto {
+namespace {
+
+/// Closing keeps `errno`: the failure that is reported is the listing's.
+struct CloseStream {
+    void operator()(DIR* stream) const {
+        const int error = errno;
+        ::closedir(stream);
+        errno = error;
+    }
+};
+
+}  // namespace
 
 std::optional<std::vector<std::string>> namesInFolder(Descriptor folder) {
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(folder.number()), &::closedir);
+    const std::unique_ptr<DIR, CloseStream> stream(::fdopendir(folder.number()));
     if (!stream) return std::nullopt;
     folder.release();  // the stream closes it
     std::vector<std::string> names;

@@ -3,6 +3,8 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
@@ -11,51 +13,166 @@
 namespace velto {
 namespace {
 
-/// Removes what a name in an open folder stands for. Works on handles all the way down: a folder
-/// that is swapped for a link meanwhile is removed as the link that it has become, and nothing
-/// behind it is touched. `path` is for the error alone.
-void removeEntry(FileCalls& calls, int parent, const std::string& name, const std::string& path) {
-    const auto fail = [&] { throw FileError("remove", path, errno); };
-    struct stat status;
-    if (calls.stat(parent, name.c_str(), status) != 0) {
-        if (errno == ENOENT) return;  // somebody else was faster
-        fail();
+/// A folder on the way down.
+struct Level {
+    std::string name;
+    Descriptor folder;
+    dev_t device;
+    ino_t inode;
+    std::vector<std::string> names;  // still to be removed
+    int refills = 0;                 // how often something was in it again when it went
+};
+
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int attempts = 8;             // what is being removed may change meanwhile; not for ever
+constexpr std::size_t openLevels = 64;  // of a deep tree only the lowest folders stay open
+
+/// Removes a tree by handles all the way down: a folder that is swapped for a link meanwhile is
+/// removed as the link that it has become, and nothing behind it is touched. Works in a loop, and
+/// with few descriptors, so that no depth is too much. A closed folder is opened again through
+/// "..", and used only if it is the same one.
+class Removal {
+public:
+    /// `path` is for errors alone.
+    Removal(FileCalls& calls, Descriptor parent, dev_t device, std::string path)
+        : calls_(calls), path_(std::move(path)) {
+        levels_.push_back(
+            {.name = "", .folder = std::move(parent), .device = device, .inode = 0, .names = {}});
     }
-    if (!S_ISDIR(status.st_mode)) {
-        if (calls.remove(parent, name.c_str(), 0) != 0 && errno != ENOENT) fail();
-        return;
+
+    void run(const std::string& name) {
+        removeEntry(name);
+        while (levels_.size() > 1) {
+            std::vector<std::string>& names = levels_.back().names;
+            if (names.empty()) {
+                leave();
+                continue;
+            }
+            const std::string next = std::move(names.back());
+            names.pop_back();
+            removeEntry(next);
+        }
     }
-    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-    Descriptor folder(calls.open(parent, name.c_str(), flags, 0));
-    if (!folder.isOpen()) fail();
-    Descriptor listing(calls.open(folder.number(), ".", flags, 0));
-    if (!listing.isOpen()) fail();
-    const auto names = namesInFolder(std::move(listing));
-    if (!names) fail();
-    for (const std::string& child : *names) {
-        removeEntry(calls, folder.number(), child, path + "/" + child);
+
+private:
+    /// Removes anything but a folder; enters a folder.
+    void removeEntry(const std::string& name) {
+        const int folder = levels_.back().folder.number();
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            struct stat status;
+            if (calls_.stat(folder, name.c_str(), status) != 0) {
+                if (errno == ENOENT) return;  // somebody else was faster
+                fail(name);
+            }
+            if (S_ISDIR(status.st_mode)) {
+                if (enter(name)) return;
+            } else {
+                if (calls_.remove(folder, name.c_str(), 0) == 0 || errno == ENOENT) return;
+                // What POSIX and Linux say of a file that has become a folder; the first also of
+                // one that may not be removed.
+                if (errno != EPERM && errno != EISDIR) break;
+            }
+        }
+        fail(name);
     }
-    if (calls.remove(parent, name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT) fail();
-}
+
+    /// False with `errno` set when the name is no folder any more.
+    bool enter(const std::string& name) {
+        const Level& parent = levels_.back();
+        Descriptor folder(calls_.open(parent.folder.number(), name.c_str(), folderFlags, 0));
+        if (!folder.isOpen()) {
+            // macOS and Linux answer ELOOP or ENOTDIR for a link.
+            if (errno == ENOTDIR || errno == ELOOP || errno == ENOENT) return false;
+            fail(name);
+        }
+        struct stat status;
+        if (::fstat(folder.number(), &status) != 0) fail(name);
+        // Another volume that is mounted here is no part of the folder.
+        if (status.st_dev != parent.device) fail(name, EXDEV);
+        levels_.push_back({.name = name,
+                           .folder = std::move(folder),
+                           .device = status.st_dev,
+                           .inode = status.st_ino,
+                           .names = {}});
+        list();
+        // The folder that holds the whole stays open: what lies above it is not ours to judge.
+        if (levels_.size() > openLevels + 1) {
+            levels_[levels_.size() - openLevels].folder = Descriptor();
+        }
+        return true;
+    }
+
+    void list() {
+        Level& level = levels_.back();
+        Descriptor listing(calls_.open(level.folder.number(), ".", folderFlags, 0));
+        if (!listing.isOpen()) fail("");
+        auto names = namesInFolder(std::move(listing));
+        if (!names) fail("");
+        level.names = std::move(*names);
+    }
+
+    /// Removes the emptied folder itself.
+    void leave() {
+        Level& level = levels_.back();
+        const int parent = parentOfLast();
+        if (calls_.remove(parent, level.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) {
+            levels_.pop_back();
+            return;
+        }
+        // A program that still runs may have put something into its folder.
+        const bool filledAgain = errno == ENOTEMPTY || errno == EEXIST;
+        if (!filledAgain || ++level.refills == attempts) fail("");
+        list();
+    }
+
+    int parentOfLast() {
+        Level& parent = levels_[levels_.size() - 2];
+        if (parent.folder.isOpen()) return parent.folder.number();
+        Descriptor folder(calls_.open(levels_.back().folder.number(), "..", folderFlags, 0));
+        struct stat status;
+        if (!folder.isOpen() || ::fstat(folder.number(), &status) != 0) fail("");
+        // Another one: the folder was moved away while it was being emptied.
+        if (status.st_dev != parent.device || status.st_ino != parent.inode) fail("", ESTALE);
+        parent.folder = std::move(folder);
+        return parent.folder.number();
+    }
+
+    /// `name` is an entry of the current folder; empty for that folder itself.
+    [[noreturn]] void fail(const std::string& name, int reason = errno) const {
+        std::string place = path_;
+        for (std::size_t index = 2; index < levels_.size(); ++index) {
+            place += "/" + levels_[index].name;
+        }
+        if (levels_.size() > 1 && !name.empty()) place += "/" + name;
+        throw FileError("remove", place, reason);
+    }
+
+    FileCalls& calls_;
+    std::string path_;
+    std::vector<Level> levels_;  // first the folder that holds the item
+};
 
 }  // namespace
 
 void PosixFileManager::removeAll(const std::string& path) {
+    // With a trailing slash the system would follow a link at the end of the path.
     std::string whole = path;
-    while (whole.size() > 1 && whole.back() == '/') whole.pop_back();
+    while (whole.size() > 1 && whole.back() == '/')
+        whole.pop_back();
     const std::size_t slash = whole.rfind('/');
     const std::string name = slash == std::string::npos ? "" : whole.substr(slash + 1);
     if (name.empty() || name == "." || name == ".." || whole.find('\0') != std::string::npos) {
         throw FileError("remove", path, EINVAL);
     }
     const std::string parent = slash == 0 ? "/" : whole.substr(0, slash);
-    const Descriptor folder(
-        calls_.open(AT_FDCWD, parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+    Descriptor folder(calls_.open(AT_FDCWD, parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (!folder.isOpen()) {
-        if (errno == ENOENT) return;
+        if (errno == ENOENT || errno == ENOTDIR) return;  // then nothing stands at `path`
         throw FileError("remove", path, errno);
     }
-    removeEntry(calls_, folder.number(), name, whole);
+    struct stat status;
+    if (::fstat(folder.number(), &status) != 0) throw FileError("remove", path, errno);
+    Removal(calls_, std::move(folder), status.st_dev, whole).run(name);
 }
 
 }  // namespace velto

@@ -16,9 +16,10 @@ namespace {
 
 constexpr mode_t fileMode = 0600;
 
-std::string unpredictableSuffix() {
+/// A name that nobody can have taken beforehand; short, whatever the length of the file's own.
+std::string temporaryName() {
     std::random_device source;
-    return fmt::format("{:08x}{:08x}", source(), source());
+    return fmt::format(".velto-{:08x}{:08x}", source(), source());
 }
 
 bool writeWhole(FileCalls& calls, int file, std::string_view content) {
@@ -45,7 +46,7 @@ void PosixFileManager::writeAtomically(const std::string& path, std::string_view
         calls_.open(AT_FDCWD, folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (!folder.isOpen()) fail(errno);
 
-    const std::string temporary = "." + name + "." + unpredictableSuffix();
+    const std::string temporary = temporaryName();
     const Descriptor file(calls_.open(folder.number(), temporary.c_str(),
                                       O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                       fileMode));
