@@ -1,5 +1,7 @@
 #include "analysis/ScanCache.h"
 
+#include <nlohmann/json.hpp>
+
 #include "analysis/disk_state_json.h"
 #include "platform/units.h"
 

@@ -1,6 +1,7 @@
 #include "bridge/events.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 
 #include "analysis/disk_state_json.h"
 #include "platform/units.h"

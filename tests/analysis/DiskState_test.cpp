@@ -1,6 +1,7 @@
 #include "analysis/DiskState.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <limits>
 

@@ -4,6 +4,7 @@
 #include "app/VeltoApp.h"
 #include "app/run_modes.h"
 #include "bridge/JSBridge.h"
+#include "support/FakeWebView.h"
 #include "support/TestPlatform.h"
 
 namespace velto {

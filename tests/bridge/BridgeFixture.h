@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "bridge/JSBridge.h"
+#include "support/FakeWebView.h"
 #include "support/TestPlatform.h"
 
 namespace velto {

@@ -1,6 +1,7 @@
 #include "bridge/events.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <clocale>
 #include <limits>

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include <nlohmann/json.hpp>
+
 #include "platform/macos/foundation_text.h"
 
 namespace {

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/WebView.h"
+
+namespace velto {
+
+/// Keeps every script that was evaluated and lets a test post messages.
+class FakeWebView final : public WebView {
+public:
+    void evaluate(const std::string& script) override { scripts.push_back(script); }
+    void addUserScript(const std::string& script) override { userScripts.push_back(script); }
+    void setMessageHandler(const std::string& name, MessageHandler handler) override {
+        handlers[name] = std::move(handler);
+    }
+
+    void post(const nlohmann::json& body, const std::string& name = "velto") {
+        handlers.at("velto")(name, body);
+    }
+
+    /// The scripts that call the page's `callback`.
+    std::vector<std::string> calls(const std::string& callback) const {
+        std::vector<std::string> found;
+        for (const std::string& script : scripts) {
+            if (script.find("window.velto." + callback + "(") != std::string::npos) {
+                found.push_back(script);
+            }
+        }
+        return found;
+    }
+
+    std::vector<std::string> scripts;
+    std::vector<std::string> userScripts;
+    std::map<std::string, MessageHandler> handlers;
+};
+
+}  // namespace velto
