@@ -26,7 +26,6 @@ inline constexpr const char* programIdentifier = "app.velto";
 struct Platform {
     std::unique_ptr<Log> log;
     std::unique_ptr<Clock> clock;
-    std::unique_ptr<Dispatcher> dispatcher;
     std::unique_ptr<FileManager> files;
     std::unique_ptr<DirectoryReader> directories;
     std::unique_ptr<FileContentReader> contents = makeFileContentReader();  // on every system
@@ -41,6 +40,9 @@ struct Platform {
     std::string executablePath;      // of the running program, absolute
     std::string bundleIdentifier = programIdentifier;
     bool runsFromBundle = false;     // an application bundle holds the executable (macOS)
+
+    // Last, so that it ends first: it waits for work that still uses the rest.
+    std::unique_ptr<Dispatcher> dispatcher;
 };
 
 /// The platform of this machine (platform/linux or platform/macos). `programPath` is the first
