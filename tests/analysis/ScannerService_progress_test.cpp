@@ -112,7 +112,7 @@ TEST_F(ScannerProgress, ReportsComeOnTheThreadThatAskedForTheWalk) {
         clock.advance(1'000);
         waitForCalls(1);
     };
-    progress = [this, &reporter, count = progress](std::int64_t files, double gb) {
+    progress = [&reporter, count = progress](std::int64_t files, double gb) {
         reporter = std::this_thread::get_id();
         count(files, gb);
     };
