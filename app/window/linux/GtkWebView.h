@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "app/window/linux/gtk.h"
+#include "platform/WebView.h"
+
+namespace velto::window {
+
+/// The page's view on WebKitGTK. The widget may outlive this object, which then hears nothing more.
+class GtkWebView final : public WebView {
+public:
+    /// `session` says where the web engine keeps its data.
+    explicit GtkWebView(WebKitNetworkSession* session);
+    ~GtkWebView() override;
+    GtkWebView(const GtkWebView&) = delete;
+    GtkWebView& operator=(const GtkWebView&) = delete;
+
+    WebKitWebView* view() const { return view_.get(); }
+    GtkWidget* widget() const { return GTK_WIDGET(view_.get()); }
+
+    void evaluate(const std::string& script) override;
+    void addUserScript(const std::string& script) override;
+    void setMessageHandler(const std::string& name, MessageHandler handler) override;
+
+private:
+    struct Channel {
+        std::string name;
+        MessageHandler handler;
+        gulong signal = 0;
+    };
+
+    static void received(WebKitUserContentManager*, JSCValue* message, gpointer channel);
+
+    GlibReference<WebKitUserContentManager> content_;
+    GlibReference<WebKitWebView> view_;
+    std::map<std::string, std::unique_ptr<Channel>> channels_;
+};
+
+}  // namespace velto::window

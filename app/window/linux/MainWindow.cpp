@@ -1,0 +1,115 @@
+#include "app/window/linux/MainWindow.h"
+
+#include <utility>
+
+#include "app/window/linux/style.h"
+#include "app/window/linux/web_policies.h"
+#include "app/window/linux/window_frame.h"
+#include "platform/text.h"
+
+namespace velto::window {
+namespace {
+
+MainWindow& owner(gpointer self) { return *static_cast<MainWindow*>(self); }
+
+}  // namespace
+
+MainWindow::MainWindow(const WindowContext& context, Appearance appearance,
+                       std::function<void()> closed)
+    : context_(context),
+      closed_(std::move(closed)),
+      webView_(std::make_shared<GtkWebView>(context.session)),
+      window_(GTK_WINDOW(gtk_application_window_new(context.application))) {
+    gtk_window_set_title(window_, "Velto");
+    gtk_widget_add_css_class(GTK_WIDGET(window_), "velto");
+    restoreFrame(window_, *context_.platform.defaults);
+
+    GtkWidget* const header = gtk_header_bar_new();
+    gtk_header_bar_set_title_widget(GTK_HEADER_BAR(header), gtk_label_new(nullptr));
+    gtk_header_bar_pack_end(GTK_HEADER_BAR(header), context_.menu.makeButton());
+    gtk_window_set_titlebar(window_, header);
+    gtk_window_set_child(window_, webView_->widget());
+    gtk_widget_grab_focus(webView_->widget());
+
+    showAppearance(appearance);
+    applyWebPolicies(webView_->view(), context_.platform);
+    connectSignals();
+    context_.app.windowOpened(webView_);
+    load();
+}
+
+MainWindow::~MainWindow() {
+    rememberFrame(window_, *context_.platform.defaults);
+    g_signal_handlers_disconnect_by_data(webView_->view(), this);
+    g_signal_handlers_disconnect_by_data(window_, this);
+    context_.app.windowClosed();
+    webView_.reset();
+    gtk_window_destroy(window_);
+}
+
+void MainWindow::present() { gtk_window_present(window_); }
+
+void MainWindow::showAppearance(Appearance appearance) {
+    const GdkRGBA colour = backgroundOf(appearance);
+    webkit_web_view_set_background_color(webView_->view(), &colour);
+}
+
+void MainWindow::connectSignals() {
+    g_signal_connect(window_, "close-request", G_CALLBACK(&MainWindow::closeRequested), this);
+    g_signal_connect(window_, "notify::is-active", G_CALLBACK(&MainWindow::activeChanged), this);
+    WebKitWebView* const view = webView_->view();
+    g_signal_connect(view, "load-changed", G_CALLBACK(&MainWindow::loadChanged), this);
+    g_signal_connect(view, "load-failed", G_CALLBACK(&MainWindow::loadFailed), this);
+    g_signal_connect(view, "web-process-terminated", G_CALLBACK(&MainWindow::pageProcessEnded),
+                     this);
+}
+
+void MainWindow::load() {
+    loadFailed_ = false;
+    webkit_web_view_load_uri(webView_->view(), context_.pageUri.c_str());
+}
+
+gboolean MainWindow::closeRequested(GtkWindow*, gpointer self) {
+    owner(self).closed_();
+    return TRUE;  // the owner destroys the window
+}
+
+void MainWindow::activeChanged(GtkWindow* window, GParamSpec*, gpointer self) {
+    if (gtk_window_is_active(window) == FALSE) return;
+    owner(self).context_.app.delegate().applicationDidBecomeActive();
+}
+
+void MainWindow::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
+    MainWindow& window = owner(self);
+    if (event == WEBKIT_LOAD_STARTED) window.loadFailed_ = false;
+    if (event == WEBKIT_LOAD_FINISHED && !window.loadFailed_) window.context_.app.pageLoaded();
+}
+
+gboolean MainWindow::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error,
+                                gpointer self) {
+    // A link that was handed to the browser ends its navigation here; the page still stands.
+    if (g_error_matches(error, WEBKIT_POLICY_ERROR,
+                        WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE) != FALSE) {
+        return TRUE;
+    }
+    MainWindow& window = owner(self);
+    window.loadFailed_ = true;
+    window.context_.platform.log->line("Velto ▶ no se pudo cargar la página: " +
+                                       singleLine(error->message));
+    return FALSE;  // the engine shows what it knows about it
+}
+
+void MainWindow::pageProcessEnded(WebKitWebView*, WebKitWebProcessTerminationReason reason,
+                                  gpointer self) {
+    if (reason == WEBKIT_WEB_PROCESS_TERMINATED_BY_API) return;
+    MainWindow& window = owner(self);
+    Platform& platform = window.context_.platform;
+    platform.log->line("Velto ▶ el proceso de la página terminó: se carga de nuevo");
+    const double delay = window.reloads_.delay(platform.clock->monotonic());
+    platform.dispatcher->mainAfter(
+        delay, [&window, view = std::weak_ptr<GtkWebView>(window.webView_)] {
+            if (!view.expired()) window.load();  // the view goes with its window
+        });
+}
+
+}  // namespace velto::window

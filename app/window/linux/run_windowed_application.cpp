@@ -1,0 +1,139 @@
+#include <glib-unix.h>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "app/VeltoApp.h"
+#include "app/window/linux/CommandMenu.h"
+#include "app/window/linux/DesktopAppearance.h"
+#include "app/window/linux/GtkApplicationShell.h"
+#include "app/window/linux/MainWindow.h"
+#include "app/window/linux/gtk.h"
+#include "app/window/linux/style.h"
+#include "app/window/linux/web_engine.h"
+#include "app/window/window_rules.h"
+
+namespace velto {
+namespace window {
+namespace {
+
+/// The application on GTK: one instance per session bus, and a window while the user wants one.
+class WindowedApplication {
+public:
+    WindowedApplication(VeltoApp& app, Platform& platform, std::string pageUri)
+        : app_(app),
+          platform_(platform),
+          pageUri_(std::move(pageUri)),
+          application_(gtk_application_new(programIdentifier, G_APPLICATION_DEFAULT_FLAGS)) {
+        connect("startup", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).startUp(); }));
+        connect("activate", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).activate(); }));
+        connect("shutdown", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).shutDown(); }));
+    }
+
+    int run() { return g_application_run(G_APPLICATION(application_.get()), 0, nullptr); }
+
+private:
+    /// What stands while the application runs, in the order in which it is made.
+    struct Running {
+        Running(VeltoApp& app, Platform& platform, GtkApplication* application)
+            : appearance(platform, webDataFolder(platform) + "/appearance"),
+              shell(application, appearance),
+              menu(app, application),
+              session(makeSession(platform)) {}
+
+        Style style;
+        DesktopAppearance appearance;
+        GtkApplicationShell shell;
+        CommandMenu menu;
+        GlibReference<WebKitNetworkSession> session;
+        std::unique_ptr<MainWindow> window;
+        std::unique_ptr<MainWindow> closing;
+    };
+
+    static WindowedApplication& of(gpointer self) {
+        return *static_cast<WindowedApplication*>(self);
+    }
+
+    void connect(const char* signal, GCallback callback) {
+        g_signal_connect(application_.get(), signal, callback, this);
+    }
+
+    void startUp() {
+        GApplication* const application = G_APPLICATION(application_.get());
+        // The program ends by its own rule, not with its last window.
+        g_application_hold(application);
+        for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+            g_unix_signal_add(
+                signal,
+                +[](gpointer self) -> gboolean {
+                    g_application_quit(G_APPLICATION(self));
+                    return G_SOURCE_CONTINUE;
+                },
+                application);
+        }
+        running_ = std::make_unique<Running>(app_, platform_, application_.get());
+        running_->appearance.onChange([this] { showAppearance(); });
+        running_->appearance.start(g_application_get_dbus_connection(application));
+        showAppearance();
+        app_.setShell(running_->shell);
+        app_.delegate().applicationDidFinishLaunching();
+    }
+
+    void activate() {
+        if (!running_->window) {
+            running_->window = std::make_unique<MainWindow>(
+                WindowContext{.app = app_,
+                              .platform = platform_,
+                              .application = application_.get(),
+                              .session = running_->session.get(),
+                              .menu = running_->menu,
+                              .pageUri = pageUri_},
+                running_->appearance.current(), [this] { windowClosed(); });
+        }
+        running_->window->present();
+    }
+
+    /// Called by the window itself, which therefore has to stand a moment longer.
+    void windowClosed() {
+        running_->closing = std::move(running_->window);
+        platform_.dispatcher->main([this] {
+            if (running_) running_->closing.reset();
+        });
+        if (app_.delegate().applicationShouldTerminateAfterLastWindowClosed()) {
+            g_application_quit(G_APPLICATION(application_.get()));
+        }
+    }
+
+    void shutDown() { running_.reset(); }
+
+    void showAppearance() {
+        const Appearance appearance = running_->appearance.current();
+        running_->style.show(appearance);
+        if (running_->window) running_->window->showAppearance(appearance);
+    }
+
+    VeltoApp& app_;
+    Platform& platform_;
+    std::string pageUri_;
+    GlibReference<GtkApplication> application_;
+    std::unique_ptr<Running> running_;
+};
+
+}  // namespace
+}  // namespace window
+
+int runWindowedApplication(VeltoApp& app, Platform& platform) {
+    const auto page = window::pageUri(platform);
+    if (!page) fatal(window::missingBundleMessage);
+    window::prepareEnvironment();
+    if (gtk_init_check() == FALSE) {
+        std::fputs("velto: no display: neither a Wayland nor an X11 display answers\n", stderr);
+        return EXIT_FAILURE;
+    }
+    return window::WindowedApplication(app, platform, *page).run();
+}
+
+}  // namespace velto

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/window/linux/gtk.h"
+#include "platform/Platform.h"
+
+namespace velto::window {
+
+/// Sets what GTK and the web engine read from the environment. Before GTK starts, and before there
+/// are other threads that read it.
+void prepareEnvironment();
+
+/// The folder inside the data folder where the web engine keeps what it stores for the page; no
+/// walk goes there, and a reset takes it along.
+std::string webDataFolder(const Platform& platform);
+
+/// Where the engine keeps its data. One per process.
+GlibReference<WebKitNetworkSession> makeSession(const Platform& platform);
+
+/// The page as a URI: from the resource bundle beside the program, or where an installation puts
+/// it; nothing when there is none.
+std::optional<std::string> pageUri(const Platform& platform);
+
+}  // namespace velto::window

@@ -1,0 +1,79 @@
+#include "app/window/window_rules.h"
+
+#include <algorithm>
+
+namespace velto::window {
+namespace {
+
+constexpr Colour lightBackground{246, 246, 243};
+constexpr Colour darkBackground{10, 10, 10};
+
+constexpr std::array<std::string_view, 3> developerWords{"inspect", "inspeccionar", "element"};
+
+/// ASCII only: the words that are looked for have no other letters.
+std::string lowerCased(std::string_view text) {
+    std::string lower(text);
+    for (char& letter : lower) {
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return lower;
+}
+
+double bound(const WidthRule& rule, double containerWidth) {
+    return rule.relativeToContainer ? containerWidth + rule.constant : rule.constant;
+}
+
+}  // namespace
+
+Colour backgroundColour(Appearance appearance) {
+    return appearance == Appearance::dark ? darkBackground : lightBackground;
+}
+
+double dragRegionWidth(double containerWidth) {
+    double wanted = 0;
+    double least = 0;
+    double most = containerWidth;
+    for (const WidthRule& rule : dragRegionWidthRules) {
+        const double value = bound(rule, containerWidth);
+        switch (rule.relation) {
+            case WidthRule::Relation::equal:
+                wanted = value;
+                break;
+            case WidthRule::Relation::atLeast:
+                least = std::max(least, value);
+                break;
+            case WidthRule::Relation::atMost:
+                most = std::min(most, value);
+                break;
+        }
+    }
+    // The lower bound comes last, so that it wins where both bounds cannot hold.
+    return std::max(least, std::min(wanted, most));
+}
+
+NavigationPolicy policyFor(NavigationKind kind) {
+    return kind == NavigationKind::linkFollowed ? NavigationPolicy::openInBrowser
+                                                : NavigationPolicy::allow;
+}
+
+bool isDeveloperMenuItem(std::string_view title) {
+    const std::string lower = lowerCased(title);
+    return std::any_of(developerWords.begin(), developerWords.end(), [&](std::string_view word) {
+        return lower.find(word) != std::string::npos;
+    });
+}
+
+std::optional<std::string> findResourceBundle(
+    const std::vector<std::string>& parents,
+    const std::function<bool(const std::string&)>& exists) {
+    for (const std::string& parent : parents) {
+        if (parent.empty()) continue;
+        std::string path = parent;
+        if (path.back() != '/') path += '/';
+        path += resourceBundleName;
+        if (exists(path)) return path;
+    }
+    return std::nullopt;
+}
+
+}  // namespace velto::window
