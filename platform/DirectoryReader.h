@@ -10,11 +10,12 @@ namespace velto {
 
 enum class EntryKind : std::uint8_t { regular, folder, symbolicLink, other, unreadable };
 
-/// One entry of a folder. Sizes and times are read for regular files only.
+/// One entry of a folder. Sizes and times are read for regular files only; the logical size of any
+/// other entry when the options ask for it.
 struct DirectoryEntry {
-    std::string_view name;         // bytes as stored; points into the list that holds the entry
+    std::string_view name;  // bytes as stored; points into the list that holds the entry
     EntryKind kind = EntryKind::other;
-    bool hiddenFlag = false;       // the file system's own hidden flag (a leading full stop is not)
+    bool hiddenFlag = false;  // the file system's own hidden flag (a leading full stop is not)
     std::int64_t allocatedSize = -1;  // bytes on disk, -1 when the system does not say
     std::int64_t logicalSize = 0;     // bytes
     double accessed = 0;              // seconds since 1970, 0 when the system does not say
@@ -48,6 +49,9 @@ struct ReadOptions {
     bool skipHidden = false;  // leave out names that begin with a full stop and flagged entries
     /// Names that are kept although flagged hidden (the folder's flag only, not a leading stop).
     const std::vector<std::string>* keepFlagged = nullptr;
+    /// The logical size of folders, links and special files too: what they take up themselves, not
+    /// what is in them or where they lead. 0 when it cannot be read.
+    bool sizeEveryEntry = false;
 };
 
 /// Reads folders. One instance serves many threads at once; it has no state of its own.

@@ -30,11 +30,17 @@ public:
     /// A regular file was found. `place` is the file's own in the walk's table, nearly always null.
     virtual void file(const WalkedFolder& folder, const DirectoryEntry& entry,
                       const Place* place) = 0;
+
+    /// Anything else was found: a folder (before `enter` is asked), a link, a special file.
+    virtual void other(const WalkedFolder& folder, const DirectoryEntry& entry) {
+        static_cast<void>(folder);
+        static_cast<void>(entry);
+    }
 };
 
 struct WalkRoot {
-    std::string path;         // absolute
-    std::uint32_t mark = 0;   // what the visitor's `enter` finds as the mark
+    std::string path;        // absolute
+    std::uint32_t mark = 0;  // what the visitor's `enter` finds as the mark
     /// `path` or a folder above it: links on the way to it are followed, links after it refused.
     /// Empty: the whole path may lead through links.
     std::string resolved;
@@ -42,6 +48,7 @@ struct WalkRoot {
 
 struct WalkOptions {
     bool skipHidden = false;             // names that begin with a full stop, flagged entries
+    bool sizeEveryEntry = false;         // logical sizes of folders, links and special files too
     const PlaceTable* places = nullptr;  // outlives the walk
     /// Folders kept open for the folders that wait in them; besides these, each worker and each
     /// root begun hold at most two.
@@ -53,9 +60,9 @@ struct WalkOptions {
 class TreeWalk {
 public:
     struct Result {
-        std::int64_t unreadable = 0;   // entries and folders that could not be read; not the roots
-        std::vector<int> rootErrors;   // per root: 0, or the errno that kept it from being opened
-        bool cancelled = false;        // the flag was set: the walk may be incomplete
+        std::int64_t unreadable = 0;  // entries and folders that could not be read; not the roots
+        std::vector<int> rootErrors;  // per root: 0, or the errno that kept it from being opened
+        bool cancelled = false;       // the flag was set: the walk may be incomplete
     };
     /// Called on the calling thread every now and then (some 20 times a second) during the walk.
     using Tick = std::function<void()>;
@@ -63,9 +70,9 @@ public:
     /// The reader outlives the walk.
     explicit TreeWalk(DirectoryReader& reader) : reader_(reader) {}
 
-    /// Walks the roots with one thread per visitor (at least one) and returns when all have ended; rethrows what a
-    /// visitor, the reader or `tick` threw. The flag is tested once per entry. A root that the
-    /// table leaves out is walked all the same: the caller named it.
+    /// Walks the roots with one thread per visitor (at least one) and returns when all have ended;
+    /// rethrows what a visitor, the reader or `tick` threw. The flag is tested once per entry. A
+    /// root that the table leaves out is walked all the same: the caller named it.
     Result run(const std::vector<WalkRoot>& roots, std::span<TreeVisitor* const> visitors,
                const WalkOptions& options = {}, const CancellationFlag& cancelled = {},
                const Tick& tick = {}) const;

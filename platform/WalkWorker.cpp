@@ -10,7 +10,8 @@ namespace velto {
 
 void WalkWorker::run() {
     WalkQueue::Item item;
-    while (setting_.queue.next(item)) walk(item);
+    while (setting_.queue.next(item))
+        walk(item);
 }
 
 void WalkWorker::walk(const WalkQueue::Item& item) {
@@ -30,6 +31,7 @@ void WalkWorker::walk(const WalkQueue::Item& item) {
     }
     ReadOptions options;
     options.skipHidden = setting_.options.skipHidden;
+    options.sizeEveryEntry = setting_.options.sizeEveryEntry;
     if (folder.place() != nullptr) options.keepFlagged = &folder.place()->keepFlagged;
     entries_.clear();
     if (!setting_.reader.read(*handle, options, entries_)) ++unreadable_;
@@ -53,6 +55,7 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
             visitor_.file(*folder, entry, place);
             break;
         case EntryKind::folder: {
+            visitor_.other(*folder, entry);
             FolderReference child = FolderReference::inside(folder, entry.name, place);
             if (visitor_.enter(*child)) children_.push_back(std::move(child));
             break;
@@ -62,6 +65,7 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
             break;
         case EntryKind::symbolicLink:
         case EntryKind::other:
+            visitor_.other(*folder, entry);
             break;
     }
     return true;

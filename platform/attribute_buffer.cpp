@@ -61,7 +61,7 @@ struct ReturnedSet {
 
 bool onlyRequested(const ReturnedSet& returned) {
     return (returned.common & ~requestedCommon) == 0 && (returned.file & ~requestedFile) == 0 &&
-           returned.volume == 0 && returned.folder == 0 && returned.fork == 0;
+           (returned.folder & ~requestedFolder) == 0 && returned.volume == 0 && returned.fork == 0;
 }
 
 EntryKind kindOf(std::uint32_t type) {
@@ -100,7 +100,8 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
     const auto common = [&](std::uint32_t attribute) { return (returned.common & attribute) != 0; };
     const auto file = [&](std::uint32_t attribute) { return (returned.file & attribute) != 0; };
 
-    // The order is the system's: the error comes first, then by rising bit, files' attributes last.
+    // The order is the system's: the error comes first, then by rising bit; folders'
+    // attributes before files', and no entry has both.
     Record record{.length = length, .entry = {}};
     DirectoryEntry& entry = record.entry;
     const auto error = common(commonError) ? fields.next<std::uint32_t>() : 0;
@@ -109,6 +110,7 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
     const double modified = common(commonModificationTime) ? fields.nextTime() : 0;
     const double accessed = common(commonAccessTime) ? fields.nextTime() : 0;
     const auto flags = common(commonFlags) ? fields.next<std::uint32_t>() : 0;
+    const auto folder = (returned.folder & folderDataLength) != 0 ? fields.next<std::int64_t>() : 0;
     const auto allocated = file(fileAllocatedSize) ? fields.next<std::int64_t>() : -1;
     const auto logical = file(fileDataLength) ? fields.next<std::int64_t>() : 0;
     if (!fields.complete() || entry.name.empty()) return std::nullopt;
@@ -118,9 +120,11 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
     const bool readable =
         error == 0 && common(commonObjectType) && entry.name.find('/') == std::string_view::npos;
     entry.kind = readable ? kindOf(type) : EntryKind::unreadable;
+    if (entry.kind == EntryKind::unreadable) return record;
+    entry.logicalSize =
+        std::max<std::int64_t>(entry.kind == EntryKind::folder ? folder : logical, 0);
     if (entry.kind == EntryKind::regular) {
         entry.allocatedSize = std::max<std::int64_t>(allocated, -1);
-        entry.logicalSize = std::max<std::int64_t>(logical, 0);
         entry.modified = modified;
         entry.accessed = accessed;
     }

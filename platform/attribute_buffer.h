@@ -20,6 +20,7 @@ inline constexpr std::uint32_t commonAccessTime = 0x00001000;
 inline constexpr std::uint32_t commonFlags = 0x00040000;
 inline constexpr std::uint32_t commonError = 0x20000000;
 inline constexpr std::uint32_t commonReturned = 0x80000000;
+inline constexpr std::uint32_t folderDataLength = 0x00000020;
 inline constexpr std::uint32_t fileAllocatedSize = 0x00000004;
 inline constexpr std::uint32_t fileDataLength = 0x00000200;
 
@@ -32,8 +33,9 @@ inline constexpr std::uint32_t flagHidden = 0x00008000;
 inline constexpr std::uint32_t requestedCommon = commonReturned | commonError | commonName |
                                                  commonObjectType | commonModificationTime |
                                                  commonAccessTime | commonFlags;
-/// And of files besides.
+/// And of files besides; of folders only when their own size is wanted.
 inline constexpr std::uint32_t requestedFile = fileAllocatedSize | fileDataLength;
+inline constexpr std::uint32_t requestedFolder = folderDataLength;
 
 struct Record {
     std::size_t length = 0;  // bytes from this record's start to the next one's

@@ -69,22 +69,28 @@ EntryKind kindOfMode(std::uint16_t mode) {
     return S_ISREG(mode) ? EntryKind::regular : EntryKind::other;
 }
 
-/// Reads the attributes of a regular file, or the kind where the listing did not tell it.
-void describe(int folder, const LinuxDirent& record, DirectoryEntry& entry) {
-    if (record.type != DT_REG && record.type != DT_UNKNOWN) {
+/// Reads the attributes of a regular file, the kind where the listing did not tell it, and what
+/// else the options ask for.
+void describe(int folder, const LinuxDirent& record, const ReadOptions& options,
+              DirectoryEntry& entry) {
+    const bool kindIsKnown = record.type != DT_REG && record.type != DT_UNKNOWN;
+    if (kindIsKnown) {
         entry.kind = kindOfType(record.type);
-        return;
+        if (!options.sizeEveryEntry) return;
     }
     struct statx status;
     constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME;
     constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     if (::statx(folder, record.name, flags, wanted, &status) != 0) {
-        entry.kind = EntryKind::unreadable;
+        // A folder is still a folder, to be opened or not.
+        if (!kindIsKnown) entry.kind = EntryKind::unreadable;
         return;
     }
     entry.kind = kindOfMode(status.stx_mode);
+    if (entry.kind == EntryKind::regular || options.sizeEveryEntry) {
+        entry.logicalSize = static_cast<std::int64_t>(status.stx_size);
+    }
     if (entry.kind != EntryKind::regular) return;
-    entry.logicalSize = static_cast<std::int64_t>(status.stx_size);
     if ((status.stx_mask & STATX_BLOCKS) != 0) {
         entry.allocatedSize = static_cast<std::int64_t>(status.stx_blocks) * statxBlock;
     }
@@ -133,7 +139,7 @@ bool LinuxDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
                 if (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')) continue;
             }
             DirectoryEntry& entry = entries.add(name);
-            describe(number, record, entry);
+            describe(number, record, options, entry);
         }
     }
 }

@@ -25,6 +25,7 @@ static_assert(attributes::commonAccessTime == ATTR_CMN_ACCTIME);
 static_assert(attributes::commonFlags == ATTR_CMN_FLAGS);
 static_assert(attributes::commonError == ATTR_CMN_ERROR);
 static_assert(attributes::commonReturned == ATTR_CMN_RETURNED_ATTRS);
+static_assert(attributes::folderDataLength == ATTR_DIR_DATALENGTH);
 static_assert(attributes::fileAllocatedSize == ATTR_FILE_ALLOCSIZE);  // of all forks
 static_assert(attributes::fileDataLength == ATTR_FILE_DATALENGTH);
 static_assert(attributes::typeRegular == VREG);
@@ -93,6 +94,7 @@ bool MacDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, En
     wanted.bitmapcount = ATTR_BIT_MAP_COUNT;
     wanted.commonattr = attributes::requestedCommon;
     wanted.fileattr = attributes::requestedFile;
+    if (options.sizeEveryEntry) wanted.dirattr = attributes::requestedFolder;
     thread_local std::vector<std::byte> buffer(bufferSize);
 
     const int descriptor = descriptorOf(folder);

@@ -30,9 +30,14 @@ public:
         if (onFile) onFile(paths.back());
     }
 
+    void other(const WalkedFolder& folder, const DirectoryEntry& entry) override {
+        others.push_back(folder.pathOf(entry.name) + " " + std::to_string(entry.logicalSize));
+    }
+
     std::function<bool(WalkedFolder&)> onEnter;
     std::function<void(const std::string&)> onFile;
     std::vector<std::string> paths;
+    std::vector<std::string> others;
     std::vector<std::uint32_t> marks;
 };
 
@@ -51,8 +56,10 @@ struct TreeWalkTest : testing::Test {
         for (const auto& lister : listers) {
             paths.insert(paths.end(), lister->paths.begin(), lister->paths.end());
             marks.insert(marks.end(), lister->marks.begin(), lister->marks.end());
+            others.insert(others.end(), lister->others.begin(), lister->others.end());
         }
         std::ranges::sort(paths);
+        std::ranges::sort(others);
         return result;
     }
 
@@ -64,6 +71,7 @@ struct TreeWalkTest : testing::Test {
     std::function<bool(WalkedFolder&)> onEnter;
     std::function<void(const std::string&)> onFile;
     std::vector<std::string> paths;
+    std::vector<std::string> others;
     std::vector<std::uint32_t> marks;
 };
 
@@ -172,6 +180,18 @@ TEST_F(TreeWalkTest, WhatCannotBeReadIsCountedAndTheRestIsWalked) {
     reader.file("/a/3", 1);
     EXPECT_EQ(walk({{.path = "/a"}}).unreadable, 3);
     EXPECT_THAT(paths, ElementsAre("/a/3", "/a/half/2"));
+}
+
+TEST_F(TreeWalkTest, WhatIsNoFileIsMetWithItsOwnSizeWhenItIsAskedFor) {
+    reader.folder("/a/folder").logicalSize = 96;
+    reader.entry("/a/folder/link", EntryKind::symbolicLink).logicalSize = 7;
+    reader.entry("/a/pipe", EntryKind::other);
+    walk({{.path = "/a"}});
+    EXPECT_THAT(others, ElementsAre("/a/folder 0", "/a/folder/link 0", "/a/pipe 0"));
+    others.clear();
+    options.sizeEveryEntry = true;
+    walk({{.path = "/a"}});
+    EXPECT_THAT(others, ElementsAre("/a/folder 96", "/a/folder/link 7", "/a/pipe 0"));
 }
 
 TEST_F(TreeWalkTest, ARootThatCannotBeOpenedSaysWhy) {

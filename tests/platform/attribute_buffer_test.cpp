@@ -39,6 +39,10 @@ public:
         common |= commonFlags;
         return put(flags_, value);
     }
+    RecordBuilder& folderLength(std::int64_t bytes) {
+        folder |= folderDataLength;
+        return put(folder_, bytes);
+    }
     RecordBuilder& allocated(std::int64_t bytes) {
         file |= fileAllocatedSize;
         return put(allocated_, bytes);
@@ -49,7 +53,8 @@ public:
     }
 
     std::vector<std::byte> bytes() const {
-        const std::string after = type_ + modified_ + accessed_ + flags_ + allocated_ + logical_;
+        const std::string after =
+            type_ + modified_ + accessed_ + flags_ + folder_ + allocated_ + logical_;
         std::string body = error_;
         if ((common & commonName) != 0) {
             const auto offset = nameOffset.value_or(static_cast<std::int32_t>(8 + after.size()));
@@ -62,7 +67,7 @@ public:
             body += '\0';
         std::string record;
         put(record, length.value_or(static_cast<std::uint32_t>(24 + body.size())));
-        for (const std::uint32_t set : {common, std::uint32_t{0}, std::uint32_t{0}, file, fork}) {
+        for (const std::uint32_t set : {common, std::uint32_t{0}, folder, file, fork}) {
             put(record, set);
         }
         record += body;
@@ -72,6 +77,7 @@ public:
     }
 
     std::uint32_t common = commonReturned | commonName;
+    std::uint32_t folder = 0;
     std::uint32_t file = 0;
     std::uint32_t fork = 0;
     std::optional<std::uint32_t> length;
@@ -95,7 +101,7 @@ private:
         append(text, value);
     }
 
-    std::string name_, error_, type_, modified_, accessed_, flags_, allocated_, logical_;
+    std::string name_, error_, type_, modified_, accessed_, flags_, folder_, allocated_, logical_;
 };
 
 RecordBuilder film() {
@@ -144,6 +150,16 @@ TEST(AttributeBuffer, KindsAreToldApart) {
     EXPECT_EQ(kind(typeFolder), EntryKind::folder);
     EXPECT_EQ(kind(typeSymbolicLink), EntryKind::symbolicLink);
     EXPECT_EQ(kind(7), EntryKind::other);  // a named pipe
+}
+
+TEST(AttributeBuffer, FoldersAndLinksHaveASizeOfTheirOwn) {
+    const auto folder = RecordBuilder("Logs").type(typeFolder).flags(0).folderLength(320).bytes();
+    ASSERT_TRUE(parseRecord(folder));
+    EXPECT_EQ(parseRecord(folder)->entry.logicalSize, 320);
+    EXPECT_EQ(parseRecord(folder)->entry.name, "Logs");
+    const auto link = RecordBuilder("to").type(typeSymbolicLink).allocated(4096).logical(9).bytes();
+    EXPECT_EQ(parseRecord(link)->entry.logicalSize, 9);
+    EXPECT_EQ(parseRecord(link)->entry.allocatedSize, -1);
 }
 
 TEST(AttributeBuffer, FileSystemThatReportsLessIsStillRead) {

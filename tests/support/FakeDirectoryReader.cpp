@@ -7,7 +7,8 @@ namespace velto {
 namespace {
 
 std::string_view nextName(std::string_view& path) {
-    while (!path.empty() && path.front() == '/') path.remove_prefix(1);
+    while (!path.empty() && path.front() == '/')
+        path.remove_prefix(1);
     const std::string_view name = path.substr(0, path.find('/'));
     path.remove_prefix(name.size());
     return name;
@@ -125,8 +126,7 @@ std::shared_ptr<OpenFolder> FakeDirectoryReader::openChild(OpenFolder& parent,
     return openNode(found == children.end() ? nullptr : found->second);
 }
 
-bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
-                               EntryList& entries) {
+bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) {
     const Node& node = dynamic_cast<Opened&>(folder).node;
     if (beforeRead) beforeRead(node);
     {
@@ -138,6 +138,7 @@ bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
         DirectoryEntry& entry = entries.add(name);
         entry.kind = child->kind;
         entry.hiddenFlag = child->hiddenFlag;
+        if (options.sizeEveryEntry) entry.logicalSize = child->logicalSize;
         if (child->kind != EntryKind::regular) continue;
         entry.allocatedSize = child->allocatedSize;
         entry.logicalSize = child->logicalSize;
@@ -151,7 +152,8 @@ bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
 std::vector<std::string> FakeDirectoryReader::readFolders() const {
     const std::lock_guard guard(lock_);
     std::vector<std::string> paths;
-    for (const Node* node : read_) paths.push_back(node->path());
+    for (const Node* node : read_)
+        paths.push_back(node->path());
     std::ranges::sort(paths);
     return paths;
 }

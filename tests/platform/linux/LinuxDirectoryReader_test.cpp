@@ -75,6 +75,23 @@ TEST_F(LinuxDirectoryReaderTest, ASparseFileCountsWithWhatItTakesNotWithItsLengt
     EXPECT_LT(entry.allocatedSize, 1'000'000);
 }
 
+TEST_F(LinuxDirectoryReaderTest, FoldersAndLinksHaveASizeOfTheirOwnWhenItIsAskedFor) {
+    home.file("folder/inside", 1'000'000);
+    home.link("link", "folder/inside");
+    struct stat status {};
+    ASSERT_EQ(lstat(home.path("folder").c_str(), &status), 0);
+
+    auto entries = read(home.path(), {.sizeEveryEntry = true});
+    EXPECT_EQ(entries.at("folder").kind, EntryKind::folder);
+    EXPECT_EQ(entries.at("folder").logicalSize, status.st_size) << "not what is in it";
+    EXPECT_EQ(entries.at("link").kind, EntryKind::symbolicLink);
+    EXPECT_EQ(entries.at("link").logicalSize, 13) << "the text of the link";
+    list.clear();
+    entries = read(home.path());
+    EXPECT_EQ(entries.at("folder").logicalSize, 0);
+    EXPECT_EQ(entries.at("link").logicalSize, 0);
+}
+
 TEST_F(LinuxDirectoryReaderTest, LinksPipesAndSocketsAreWhatTheyAreAndNeverFollowed) {
     home.file("target", 10);
     home.folder("folder");
