@@ -31,31 +31,37 @@ struct HomeLayout {
     // Category folders.
     std::string pictures, movies, music, downloads, documents, desktop;
     std::vector<std::string> libraryRoots;
-    std::vector<LibraryRule> libraryRules;     // first match wins
-    std::string_view libraryDefault;           // category of a library file that no rule names
-    std::vector<std::string> applicationRoots; // of this user
+    std::vector<LibraryRule> libraryRules;      // first match wins
+    std::string_view libraryDefault;            // category of a library file that no rule names
+    std::vector<std::string> applicationRoots;  // of this user
 
     // What the walk enters. `walkRoots` begins with the home; the others are library roots that the
     // walk of the home does not reach because a folder on the way is hidden.
     std::vector<std::string> walkRoots;
-    std::vector<std::string> neverWalked;      // whatever the access
+    std::vector<std::string> neverWalked;  // whatever the access
 
     // Privacy. Without a gate access always counts as granted.
     bool hasPrivacyGate = true;
     std::vector<NamedLocation> protectedLocations;
     std::vector<std::string> guardedPaths;
-    std::vector<std::string> accessProbes;     // in the order in which they are tried
+    std::vector<std::string> accessProbes;  // in the order in which they are tried
 
     // The program's own and the system's places.
     std::string caches;
-    std::string applicationSupport;            // where `dataFolder` lies
+    std::string applicationSupport;  // where `dataFolder` lies
     std::string dataFolder;
     std::string trashFolder;
     std::string systemTrash;
     std::string agentsFolder;
-    std::string agentFile;                     // the maintenance agent, installed or not
-    std::string cloudDrive;                    // iCloud Drive
-    std::string cloudFolder;                   // the program's folder in it
+    std::string agentFile;    // the maintenance agent, installed or not
+    std::string cloudDrive;   // iCloud Drive
+    std::string cloudFolder;  // the program's folder in it
+
+    // What cleaning proposes, besides `caches` and `downloads`.
+    std::vector<std::string> xcodeApplications;  // one of them there: Xcode is installed
+    std::string xcodeDerivedData;
+    std::string xcodeDeviceSupport;                     // a folder for each system of a device
+    std::vector<std::string_view> installerExtensions;  // lower case, without the full stop
 
     /// The layout of a Mac's home.
     static HomeLayout macOS(const std::string& home);

@@ -16,7 +16,8 @@ std::string normalised(std::string_view path) {
         if (character == '/' && !result.empty() && result.back() == '/') continue;
         result += character;
     }
-    while (result.size() > 1 && result.back() == '/') result.pop_back();
+    while (result.size() > 1 && result.back() == '/')
+        result.pop_back();
     return result;
 }
 
@@ -93,6 +94,9 @@ HomeLayout HomeLayout::freedesktop(const std::string& home, const Environment& e
     layout.systemTrash = layout.applicationSupport + "/Trash";
     layout.agentsFolder = configuration + "/systemd/user";
     layout.agentFile = layout.agentsFolder + "/app.velto.maintenance.timer";
+
+    // Packages of this system, and a Mac's: downloads travel between machines.
+    layout.installerExtensions = {"dmg", "pkg", "deb", "rpm", "appimage", "flatpakref", "run"};
 
     layout.walkRoots = {home};
     std::vector<std::string> hidden = layout.libraryRoots;

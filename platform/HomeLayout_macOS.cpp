@@ -131,6 +131,11 @@ HomeLayout HomeLayout::macOS(const std::string& home) {
     layout.cloudDrive = below("Library/Mobile Documents/com~apple~CloudDocs");
     layout.cloudFolder = layout.cloudDrive + "/Velto";
 
+    layout.xcodeApplications = {below("Applications/Xcode.app"), "/Applications/Xcode.app"};
+    layout.xcodeDerivedData = below("Library/Developer/Xcode/DerivedData");
+    layout.xcodeDeviceSupport = below("Library/Developer/Xcode/iOS DeviceSupport");
+    layout.installerExtensions = {"dmg", "pkg"};
+
     layout.walkRoots = {home};
     layout.neverWalked = {layout.dataFolder, layout.cloudFolder};
 
@@ -138,8 +143,10 @@ HomeLayout HomeLayout::macOS(const std::string& home) {
     for (const auto& [identifier, path] : protectedLocationTable) {
         layout.protectedLocations.push_back({std::string(identifier), below(path)});
     }
-    for (std::string_view path : guardedPathTable) layout.guardedPaths.push_back(below(path));
-    for (std::string_view path : accessProbeTable) layout.accessProbes.push_back(below(path));
+    for (std::string_view path : guardedPathTable)
+        layout.guardedPaths.push_back(below(path));
+    for (std::string_view path : accessProbeTable)
+        layout.accessProbes.push_back(below(path));
     return layout;
 }
 

@@ -25,8 +25,7 @@ TEST(HomeLayoutTest, AMacsHomeIsWhereAMacKeepsThings) {
     EXPECT_EQ(layout.dataFolder, "/Users/ana/Library/Application Support/Velto");
     EXPECT_EQ(layout.trashFolder, "/Users/ana/Library/Application Support/Velto/Trash");
     EXPECT_EQ(layout.agentFile, "/Users/ana/Library/LaunchAgents/app.velto.maintenance.plist");
-    EXPECT_EQ(layout.cloudFolder,
-              "/Users/ana/Library/Mobile Documents/com~apple~CloudDocs/Velto");
+    EXPECT_EQ(layout.cloudFolder, "/Users/ana/Library/Mobile Documents/com~apple~CloudDocs/Velto");
     EXPECT_EQ(layout.protectedLocations.size(), 11u);
     EXPECT_EQ(layout.protectedLocations.front().identifier, "desktop");
     EXPECT_EQ(layout.protectedLocations.back().path,
@@ -34,18 +33,23 @@ TEST(HomeLayoutTest, AMacsHomeIsWhereAMacKeepsThings) {
     EXPECT_EQ(layout.guardedPaths.size(), 40u);
     EXPECT_EQ(layout.accessProbes.size(), 7u);
     EXPECT_TRUE(layout.hasPrivacyGate);
+    EXPECT_EQ(layout.caches, "/Users/ana/Library/Caches");
+    EXPECT_THAT(layout.xcodeApplications,
+                ElementsAre("/Users/ana/Applications/Xcode.app", "/Applications/Xcode.app"));
+    EXPECT_EQ(layout.xcodeDerivedData, "/Users/ana/Library/Developer/Xcode/DerivedData");
+    EXPECT_EQ(layout.xcodeDeviceSupport, "/Users/ana/Library/Developer/Xcode/iOS DeviceSupport");
+    EXPECT_THAT(layout.installerExtensions, ElementsAre("dmg", "pkg"));
     EXPECT_THAT(layout.walkRoots, ElementsAre("/Users/ana"));
 }
 
 TEST(HomeLayoutTest, ALinuxHomeFollowsItsLocalisedFolders) {
-    const HomeLayout layout = HomeLayout::freedesktop(
-        "/home/ana", environmentOf({}),
-        "# comment\n"
-        "XDG_DOWNLOAD_DIR=\"$HOME/Descargas\"\n"
-        "  XDG_MUSIC_DIR=\"/media/disc/M\\\"sica/\"\n"
-        "XDG_DESKTOP_DIR=\"$HOME/\"\n"
-        "XDG_PICTURES_DIR=relative\n"
-        "broken");
+    const HomeLayout layout = HomeLayout::freedesktop("/home/ana", environmentOf({}),
+                                                      "# comment\n"
+                                                      "XDG_DOWNLOAD_DIR=\"$HOME/Descargas\"\n"
+                                                      "  XDG_MUSIC_DIR=\"/media/disc/M\\\"sica/\"\n"
+                                                      "XDG_DESKTOP_DIR=\"$HOME/\"\n"
+                                                      "XDG_PICTURES_DIR=relative\n"
+                                                      "broken");
     EXPECT_EQ(layout.downloads, "/home/ana/Descargas");
     EXPECT_EQ(layout.music, "/media/disc/M\"sica");
     EXPECT_EQ(layout.desktop, "") << "the home itself means: no such folder";
@@ -53,27 +57,29 @@ TEST(HomeLayoutTest, ALinuxHomeFollowsItsLocalisedFolders) {
     EXPECT_FALSE(layout.hasPrivacyGate);
     EXPECT_THAT(layout.protectedLocations, IsEmpty());
     EXPECT_THAT(layout.accessProbes, IsEmpty());
+    EXPECT_THAT(layout.xcodeApplications, IsEmpty());
+    EXPECT_THAT(layout.installerExtensions,
+                ElementsAre("dmg", "pkg", "deb", "rpm", "appimage", "flatpakref", "run"));
 }
 
 TEST(HomeLayoutTest, ALinuxHomesHiddenApplicationFoldersAreWalkedOnce) {
     const HomeLayout layout = HomeLayout::freedesktop("/home/ana", environmentOf({}), "");
-    EXPECT_THAT(layout.walkRoots,
-                ElementsAre("/home/ana", "/home/ana/.cache", "/home/ana/.config",
-                            "/home/ana/.local/share", "/home/ana/.local/state",
-                            "/home/ana/.var/app", "/home/ana/.local/bin"));
+    EXPECT_THAT(layout.walkRoots, ElementsAre("/home/ana", "/home/ana/.cache", "/home/ana/.config",
+                                              "/home/ana/.local/share", "/home/ana/.local/state",
+                                              "/home/ana/.var/app", "/home/ana/.local/bin"));
     EXPECT_EQ(layout.dataFolder, "/home/ana/.local/share/Velto");
-    EXPECT_THAT(layout.neverWalked, ElementsAre("/home/ana/.local/share/Velto",
-                                                "/home/ana/.local/share/Trash"));
+    EXPECT_THAT(layout.neverWalked,
+                ElementsAre("/home/ana/.local/share/Velto", "/home/ana/.local/share/Trash"));
 }
 
 TEST(HomeLayoutTest, BaseFoldersOfTheEnvironmentCountWhenAbsolute) {
-    const HomeLayout layout = HomeLayout::freedesktop(
-        "/home/ana",
-        environmentOf({{"XDG_CACHE_HOME", "/home/ana/visible/cache/"},
-                       {"XDG_CONFIG_HOME", "relative"},
-                       {"XDG_DATA_HOME", "/data"},
-                       {"XDG_STATE_HOME", "/home/ana/.config/state"}}),
-        "");
+    const HomeLayout layout =
+        HomeLayout::freedesktop("/home/ana",
+                                environmentOf({{"XDG_CACHE_HOME", "/home/ana/visible/cache/"},
+                                               {"XDG_CONFIG_HOME", "relative"},
+                                               {"XDG_DATA_HOME", "/data"},
+                                               {"XDG_STATE_HOME", "/home/ana/.config/state"}}),
+                                "");
     EXPECT_EQ(layout.caches, "/home/ana/visible/cache");
     EXPECT_EQ(layout.dataFolder, "/data/Velto");
     EXPECT_EQ(layout.agentsFolder, "/home/ana/.config/systemd/user");

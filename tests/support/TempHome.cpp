@@ -39,7 +39,12 @@ TempHome::~TempHome() {
 
 const TempHome::File& TempHome::File::lastUsed(double secondsAgo) const {
     const auto then = std::time(nullptr) - static_cast<std::time_t>(secondsAgo);
-    const timeval times[2] = {{then, 0}, {then, 0}};
+    return dated(then, then);
+}
+
+const TempHome::File& TempHome::File::dated(std::int64_t accessed, std::int64_t modified) const {
+    const timeval times[2] = {{static_cast<std::time_t>(accessed), 0},
+                              {static_cast<std::time_t>(modified), 0}};
     require(utimes(path_.c_str(), times) == 0, path_);
     return *this;
 }
@@ -64,6 +69,12 @@ TempHome::File TempHome::file(std::string_view relative, std::int64_t bytes) {
     return File(target);
 }
 
+TempHome::File TempHome::sparse(std::string_view relative, std::int64_t bytes) {
+    const File made = text(relative, "");
+    require(truncate(made.path().c_str(), bytes) == 0, made.path());
+    return made;
+}
+
 TempHome::File TempHome::text(std::string_view relative, std::string_view content) {
     const std::string target = path(relative);
     std::filesystem::create_directories(std::filesystem::path(target).parent_path());
@@ -86,7 +97,7 @@ void TempHome::link(std::string_view relative, std::string_view target) {
 }
 
 bool TempHome::exists(std::string_view relative) const {
-    struct stat status{};
+    struct stat status {};
     return lstat(path(relative).c_str(), &status) == 0;
 }
 

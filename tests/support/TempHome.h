@@ -32,6 +32,8 @@ public:
         explicit File(std::string path) : path_(std::move(path)) {}
         /// Sets access and modification time to that many seconds ago.
         const File& lastUsed(double secondsAgo) const;
+        /// Sets both, in whole seconds since 1970.
+        const File& dated(std::int64_t accessed, std::int64_t modified) const;
         const std::string& path() const { return path_; }
 
     private:
@@ -40,6 +42,8 @@ public:
 
     /// A file of that many bytes, really allocated; its content differs from name to name.
     File file(std::string_view path, std::int64_t bytes);
+    /// A file of that length that takes up no space: every byte reads as zero.
+    File sparse(std::string_view path, std::int64_t bytes);
     File text(std::string_view path, std::string_view content);
     std::string folder(std::string_view path);
     void link(std::string_view path, std::string_view target);
