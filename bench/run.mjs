@@ -1,0 +1,143 @@
+// The walk and the duplicate finder against the bare floor and against other tools. Usage and how
+// to read the result: bench/README.md.
+import { existsSync, mkdirSync, rmSync, statfsSync, writeFileSync } from 'node:fs';
+import { cpus, loadavg } from 'node:os';
+import { dirname, join, resolve } from 'node:path';
+import { fileURLToPath } from 'node:url';
+import { compareProcesses, median, output, table } from './measure.mjs';
+
+const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
+const data = join(root, 'build', 'bench-data');
+const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only walk|memory|duplicates] [--clean]
+  --build FOLDER  where the benchmarks were built (build/release)
+  --runs N        measured runs of each program, after one that is not (15)
+  --only PART     one part instead of all
+  --clean         remove the made data (build/bench-data) and do nothing else`;
+
+function options() {
+  const chosen = { build: join(root, 'build', 'release'), runs: 15, only: '' };
+  const rest = process.argv.slice(2);
+  while (rest.length > 0) {
+    const option = rest.shift();
+    if (option === '--clean') chosen.clean = true;
+    else if (option === '--build' && rest.length > 0) chosen.build = resolve(rest.shift());
+    else if (option === '--runs' && Number(rest[0]) > 0) chosen.runs = Number(rest.shift());
+    else if (option === '--only' && ['walk', 'memory', 'duplicates'].includes(rest[0])) {
+      chosen.only = rest.shift();
+    } else {
+      console.error(usage);
+      process.exit(option === '--help' ? 0 : 2);
+    }
+  }
+  return chosen;
+}
+
+const { build, runs, only, clean } = options();
+const program = (name) => join(build, 'bench', name);
+
+/** The folder of made data `name`; made by `make(folder)` when it is missing or was not finished. */
+function made(name, gigabytes, make) {
+  const folder = join(data, name);
+  const finished = `${folder}.made`;
+  if (existsSync(finished)) return folder;
+  mkdirSync(data, { recursive: true });
+  const { bavail, bsize } = statfsSync(data);
+  if ((bavail * bsize) / 1e9 < gigabytes + 5) {
+    console.log(`Left out: ${name} needs ${gigabytes} GB free in ${data}`);
+    return undefined;
+  }
+  console.log(`Making ${folder} (${gigabytes} GB of claimed space) ...`);
+  rmSync(folder, { recursive: true, force: true });
+  make(folder);
+  writeFileSync(finished, '');
+  return folder;
+}
+
+const smallHome = () => made('home-400k', 10, (folder) => {
+  output([program('bench_make_home'), folder, '400000', '18000', '65536']);
+});
+const largeHome = () => made('home-2m', 17, (folder) => {
+  output([program('bench_make_home'), folder, '2000000', '90000', '4096']);
+});
+const copies = () => made('duplicates', 1, (folder) => {
+  output([program('bench_make_duplicates'), folder]);
+});
+
+function sameTotals(home) {
+  const [scan, floor] = ['bench_scan', 'bench_floor'].map((name) =>
+    output([program(name), home]).trim().split(' ').map(Number));
+  if (scan[0] !== floor[0] || scan[1] !== floor[1]) {
+    throw new Error(`the scanner counts ${scan[0]} files, the floor ${floor[0]}`);
+  }
+  return { files: scan[0], gigabytes: scan[1] / 1e9 };
+}
+
+function walk() {
+  const home = smallHome();
+  if (!home) return;
+  const { files, gigabytes } = sameTotals(home);
+  console.log(`\nWalk of ${files} files, ${gigabytes.toFixed(1)} GB, warm cache, as processes`);
+  const results = compareProcesses([
+    { name: 'velto scan', command: [program('bench_scan'), home] },
+    { name: 'floor', command: [program('bench_floor'), home] },
+    { name: 'du', command: ['du', '-s', home] },
+    { name: 'ncdu', command: ['ncdu', '-0', '-o', '/dev/null', home] },
+    { name: 'gdu', command: ['gdu', '-npc', home] },
+  ], runs);
+  table(results, 'velto scan');
+  const time = (name) => results.find((result) => result.name === name)?.median;
+  const peers = results.filter(({ name }) => !['velto scan', 'floor'].includes(name));
+  const ratio = time('velto scan') / time('floor');
+  console.log(`against the floor: ${ratio.toFixed(2)} (target: at most 1.25)`);
+  if (peers.length > 0) {
+    const fastest = peers.reduce((one, other) => (other.median < one.median ? other : one));
+    console.log(`against the fastest peer, ${fastest.name}: ` +
+      `${(time('velto scan') / fastest.median).toFixed(2)} (target: at most 0.60)`);
+  }
+
+  console.log('\nThe same inside one process, without starting one');
+  const lines = output([program('bench_in_process'), home, String(runs + 1)]).trim().split('\n');
+  const pairs = lines.slice(1).map((line) => line.split(' ').map(Number));
+  const scan = median(pairs.map(([first]) => first));
+  const floor = median(pairs.map(([, second]) => second));
+  console.log(`velto scan ${scan.toFixed(1)} ms, floor ${floor.toFixed(1)} ms, ` +
+    `ratio ${(scan / floor).toFixed(2)} (target: at most 1.25)`);
+}
+
+function memory() {
+  console.log('\nPeak of resident memory of the walk (VmHWM)');
+  const peak = (home) => Number(output([program('bench_scan'), home]).trim().split(' ')[2]) / 1024;
+  const [small, large] = [smallHome(), largeHome()].map((home) => home && peak(home));
+  if (small) console.log(`400,000 files: ${small.toFixed(1)} MiB (target: at most 64)`);
+  if (large) console.log(`2,000,000 files: ${large.toFixed(1)} MiB`);
+  if (small && large) console.log(`growth: ${(large - small).toFixed(1)} MiB`);
+}
+
+function duplicates() {
+  const folder = copies();
+  if (!folder) return;
+  const found = output([program('bench_duplicates'), folder]).trim();
+  if (found !== '20 60') throw new Error(`found ${found}, not 20 groups of 60 files`);
+  console.log('\nDuplicates: 120 files of 8 MiB, 20 groups of three, warm cache, as processes');
+  const results = compareProcesses([
+    { name: 'velto', command: [program('bench_duplicates'), folder] },
+    { name: 'jdupes', command: ['jdupes', '-r', '-q', folder] },
+    { name: 'fdupes', command: ['fdupes', '-r', '-q', folder] },
+    // Its report only, and no list of things to do with it.
+    { name: 'rmlint', command: ['rmlint', '-T', 'duplicates', '-o', 'fdupes:/dev/null', folder] },
+  ], runs);
+  table(results, 'velto');
+}
+
+if (clean) {
+  rmSync(data, { recursive: true, force: true });
+} else if (process.platform === 'darwin') {
+  console.log('The walk is measured on Linux only.');
+  if (only !== 'walk' && only !== 'memory') duplicates();
+} else {
+  console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
+    `load at the start ${loadavg()[0].toFixed(2)}`);
+  for (const part of [walk, memory, duplicates]) {
+    if (only === '' || only === part.name) part();
+  }
+}
