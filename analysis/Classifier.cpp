@@ -32,15 +32,16 @@ Classifier::Classifier(const HomeLayout& layout, PlaceTable& places)
     add(layout.downloads, downloadsArea);
     add(layout.documents, documentsArea);
     add(layout.desktop, documentsArea);
-    for (const std::string& path : layout.libraryRoots) add(path, libraryArea);
-    for (const std::string& path : layout.applicationRoots) add(path, applicationsArea);
+    for (const std::string& path : layout.libraryRoots)
+        add(path, libraryArea);
+    for (const std::string& path : layout.applicationRoots)
+        add(path, applicationsArea);
 
     for (const LibraryRule& rule : layout.libraryRules) {
         const std::size_t slash = rule.substring.find('/');
         const bool endsInFolder = rule.substring.ends_with('/');
-        rules_.push_back({rule.substring,
-                          categoryWithId(rule.category).value_or(libraryDefault_), endsInFolder,
-                          !endsInFolder && slash != std::string_view::npos});
+        rules_.push_back({rule.substring, categoryWithId(rule.category).value_or(libraryDefault_),
+                          endsInFolder, !endsInFolder && slash != std::string_view::npos});
         longestRule_ = std::max(longestRule_, rule.substring.size());
     }
 }
@@ -75,13 +76,20 @@ Category Classifier::categoryOf(const WalkedFolder& folder, std::string_view fil
     Area area = areaOf(folder.mark);
     if (place != nullptr) area = firstArea(area, static_cast<Area>(place->role));
     switch (area) {
-        case photosArea: return Category::photos;
-        case musicArea: return Category::music;
-        case downloadsArea: return Category::downloads;
-        case documentsArea: return Category::documents;
-        case libraryArea: return libraryCategory(folder, fileName, ruleOf(folder.mark));
-        case applicationsArea: return Category::applications;
-        case nowhere: break;
+        case photosArea:
+            return Category::photos;
+        case musicArea:
+            return Category::music;
+        case downloadsArea:
+            return Category::downloads;
+        case documentsArea:
+            return Category::documents;
+        case libraryArea:
+            return libraryCategory(folder, fileName, ruleOf(folder.mark));
+        case applicationsArea:
+            return Category::applications;
+        case nowhere:
+            break;
     }
     return categoryByExtension(fileName);
 }
@@ -100,10 +108,9 @@ Category Classifier::libraryCategory(const WalkedFolder& folder, std::string_vie
     for (std::uint32_t index = 0; index < limit; ++index) {
         const Rule& rule = rules_[index];
         if (rule.endsInFolder) continue;
-        const bool matches =
-            rule.spansFolders
-                ? folder.pathOf(fileName).find(rule.substring) != std::string::npos
-                : fileName.find(rule.substring) != std::string_view::npos;
+        const bool matches = rule.spansFolders
+                                 ? folder.pathOf(fileName).find(rule.substring) != std::string::npos
+                                 : fileName.find(rule.substring) != std::string_view::npos;
         if (matches) return rule.category;
     }
     return limit < rules_.size() ? rules_[limit].category : libraryDefault_;

@@ -49,11 +49,9 @@ bool ScanWorker::enter(WalkedFolder& folder) {
     return true;
 }
 
-void ScanWorker::file(const WalkedFolder& folder, const DirectoryEntry& entry,
-                      const Place* place) {
+void ScanWorker::file(const WalkedFolder& folder, const DirectoryEntry& entry, const Place* place) {
     if (!entersMediaLibraries_ && isMediaLibrary(entry.name)) return;
-    const std::int64_t size =
-        entry.allocatedSize >= 0 ? entry.allocatedSize : entry.logicalSize;
+    const std::int64_t size = entry.allocatedSize >= 0 ? entry.allocatedSize : entry.logicalSize;
     if (size < 1) return;
 
     increase(files_, 1);

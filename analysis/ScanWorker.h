@@ -28,8 +28,7 @@ public:
         : classifier_(classifier), entersMediaLibraries_(entersMediaLibraries) {}
 
     bool enter(WalkedFolder& folder) override;
-    void file(const WalkedFolder& folder, const DirectoryEntry& entry,
-              const Place* place) override;
+    void file(const WalkedFolder& folder, const DirectoryEntry& entry, const Place* place) override;
 
     /// Counted so far; from any thread while the walk runs.
     std::int64_t files() const { return files_.load(std::memory_order_relaxed); }

@@ -31,10 +31,13 @@ void leaveOut(PlaceTable& places, const HomeLayout& layout, bool hasAccess,
         for (const NamedLocation& location : layout.protectedLocations) {
             places.leaveOut(location.path);
         }
-        for (const std::string& path : layout.guardedPaths) places.leaveOut(path);
+        for (const std::string& path : layout.guardedPaths)
+            places.leaveOut(path);
     }
-    for (const std::string& path : excluded) places.leaveOut(path);
-    for (const std::string& path : layout.neverWalked) places.leaveOut(path);
+    for (const std::string& path : excluded)
+        places.leaveOut(path);
+    for (const std::string& path : layout.neverWalked)
+        places.leaveOut(path);
 }
 
 std::vector<WalkRoot> walkRoots(PlaceTable& places, const HomeLayout& layout,
@@ -52,8 +55,7 @@ std::vector<WalkRoot> walkRoots(PlaceTable& places, const HomeLayout& layout,
 }
 
 std::vector<std::unique_ptr<ScanWorker>> makeWorkers(std::size_t count,
-                                                     const Classifier& classifier,
-                                                     bool hasAccess) {
+                                                     const Classifier& classifier, bool hasAccess) {
     std::vector<std::unique_ptr<ScanWorker>> workers;
     for (std::size_t index = 0; index < count; ++index) {
         workers.push_back(std::make_unique<ScanWorker>(classifier, hasAccess));
@@ -113,8 +115,9 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     unreadable_ = 0;
     const bool hasAccess = permissions_.hasAccess();
     walk(excluded, hasAccess, cancelled, progress);
-    platform_.log->line(fmt::format("Velto ▶ recorrido completo: {} archivos, candidatos duplicado: {}",
-                                    filesScanned, fileList.size()));
+    platform_.log->line(
+        fmt::format("Velto ▶ recorrido completo: {} archivos, candidatos duplicado: {}",
+                    filesScanned, fileList.size()));
 
     std::vector<std::string> keptOut;
     if (!hasAccess) {
@@ -125,8 +128,8 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     AnalysisOutput output =
         postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled);
     if (cancelled.isCancelled()) throw CancellationError();
-    platform_.log->line(fmt::format("Velto ▶ post-proceso listo (duplicados: {} grupos)",
-                                    output.dupGroups.size()));
+    platform_.log->line(
+        fmt::format("Velto ▶ post-proceso listo (duplicados: {} grupos)", output.dupGroups.size()));
     return output;
 }
 
@@ -141,11 +144,14 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
 
     const auto workers = makeWorkers(threads_, classifier, hasAccess);
     std::vector<TreeVisitor*> visitors;
-    for (const auto& worker : workers) visitors.push_back(worker.get());
+    for (const auto& worker : workers)
+        visitors.push_back(worker.get());
     ProgressPacer pacer(*platform_.clock, progress);
     const WalkOptions options{.skipHidden = true, .places = &places};
-    const TreeWalk::Result result = TreeWalk(*platform_.directories)
-        .run(roots, visitors, options, cancelled, [&] { pacer.report(workers); });
+    const TreeWalk::Result result =
+        TreeWalk(*platform_.directories).run(roots, visitors, options, cancelled, [&] {
+            pacer.report(workers);
+        });
 
     for (std::size_t index = 0; index < roots.size(); ++index) {
         const int error = result.rootErrors[index];
@@ -159,7 +165,8 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
     unreadable_ += result.unreadable;
 
     std::vector<ScanWorker::BigFileFound> found;
-    for (const auto& worker : workers) worker->handOver(*this, found);
+    for (const auto& worker : workers)
+        worker->handOver(*this, found);
     if (result.cancelled) throw CancellationError();
     // Which worker met what, and when, must not show.
     std::ranges::sort(fileList, {}, &FileRecord::path);

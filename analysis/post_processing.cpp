@@ -75,7 +75,8 @@ std::vector<Cat> categories(const std::map<std::string, std::int64_t>& bytes,
 
 std::vector<BigFile> largestFiles(const std::map<std::string, std::vector<BigFile>>& lists) {
     std::vector<BigFile> files;
-    for (const auto& [category, list] : lists) files.insert(files.end(), list.begin(), list.end());
+    for (const auto& [category, list] : lists)
+        files.insert(files.end(), list.begin(), list.end());
     std::ranges::stable_sort(files, std::greater(), &BigFile::gb);
     if (files.size() > mostBigFiles) files.resize(mostBigFiles);
     return files;

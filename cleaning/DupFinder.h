@@ -28,7 +28,7 @@ public:
         std::vector<std::string> paths;  // two or more, in input order
     };
     struct Result {
-        std::vector<Group> groups;       // in the input order of their first path
+        std::vector<Group> groups;  // in the input order of their first path
         bool budgetExhausted = false;
     };
 

@@ -14,19 +14,19 @@
 namespace velto {
 namespace {
 
-constexpr double budget = 12;                       // seconds of hashing whole files
-constexpr std::size_t quickLength = 4096;           // bytes at the start of a file
+constexpr double budget = 12;              // seconds of hashing whole files
+constexpr std::size_t quickLength = 4096;  // bytes at the start of a file
 constexpr std::size_t sampleLength = 4096;
 constexpr std::size_t chunkLength = 1024 * 1024;
-constexpr std::size_t filesAtOnce = 64;             // hashed before their groups are settled
+constexpr std::size_t filesAtOnce = 64;  // hashed before their groups are settled
 
 /// Reads until `buffer` is full or the file ends. Nothing on a read error.
 std::optional<std::span<const std::byte>> readFrom(FileContent& content, std::int64_t offset,
                                                    std::span<std::byte> buffer) {
     std::size_t filled = 0;
     while (filled < buffer.size()) {
-        const std::ptrdiff_t count = content.read(offset + static_cast<std::int64_t>(filled),
-                                                  buffer.subspan(filled));
+        const std::ptrdiff_t count =
+            content.read(offset + static_cast<std::int64_t>(filled), buffer.subspan(filled));
         if (count == 0) break;
         if (count > 0) {
             filled += static_cast<std::size_t>(count);
@@ -44,7 +44,8 @@ std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std:
     std::vector<std::vector<std::size_t>> result;
     for (const auto& set : sets) {
         std::map<decltype(keyOf(0)), std::vector<std::size_t>> parts;
-        for (std::size_t file : set) parts[keyOf(file)].push_back(file);
+        for (std::size_t file : set)
+            parts[keyOf(file)].push_back(file);
         for (auto& [key, part] : parts) {
             if (key != decltype(keyOf(0))() && part.size() > 1) result.push_back(std::move(part));
         }
@@ -80,15 +81,15 @@ DupFinder::Result DupSearch::run() {
         batch.push_back(sets[index]);
         batchFiles += sets[index].size();
         if (batchFiles < filesAtOnce && index + 1 < sets.size()) continue;
-        std::ranges::move(
-            narrowed(narrowed(batch, &DupSearch::samples), &DupSearch::wholeContent),
-            std::back_inserter(equal));
+        std::ranges::move(narrowed(narrowed(batch, &DupSearch::samples), &DupSearch::wholeContent),
+                          std::back_inserter(equal));
         batch.clear();
         batchFiles = 0;
     }
     std::ranges::sort(equal, {}, [](const Set& set) { return set.front(); });
     DupFinder::Result result;
-    for (const Set& set : equal) result.groups.push_back(group(set));
+    for (const Set& set : equal)
+        result.groups.push_back(group(set));
     result.budgetExhausted = budgetExhausted_;
     return result;
 }
@@ -107,7 +108,8 @@ std::vector<DupSearch::Set> DupSearch::sameSize() const {
 /// that the search did not get through is dropped whole.
 std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Test test) {
     Set files;
-    for (const Set& set : sets) files.insert(files.end(), set.begin(), set.end());
+    for (const Set& set : sets)
+        files.insert(files.end(), set.begin(), set.end());
     forEachInParallel(files.size(), tools_.size(), [&](std::size_t index, std::size_t thread) {
         keys_[files[index]] = apply(test, files[index], tools_[thread]);
     });
@@ -126,7 +128,8 @@ DupFinder::Group DupSearch::group(const Set& set) const {
     DupFinder::Group result;
     result.hash = keys_[set.front()].text;
     result.gb = gigabytes(files_[set.front()].size);
-    for (std::size_t file : set) result.paths.push_back(files_[file].path);
+    for (std::size_t file : set)
+        result.paths.push_back(files_[file].path);
     return result;
 }
 

@@ -19,9 +19,8 @@ namespace velto {
 /// makes files equal; the others just tell apart.
 class DupSearch {
 public:
-    DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
-              FileContentReader& contents, std::size_t threads,
-              const std::function<bool()>& stopped);
+    DupSearch(const std::vector<FileRecord>& files, const Clock& clock, FileContentReader& contents,
+              std::size_t threads, const std::function<bool()>& stopped);
 
     DupFinder::Result run();
 
@@ -56,9 +55,9 @@ private:
     const Clock& clock_;
     FileContentReader& contents_;
     const std::function<bool()>& stopped_;
-    std::vector<Tools> tools_;         // by thread
-    std::vector<Key> keys_;            // by file, of the test that was applied last
-    std::optional<double> deadline_;   // on the monotonic clock; none before the full-hash stage
+    std::vector<Tools> tools_;        // by thread
+    std::vector<Key> keys_;           // by file, of the test that was applied last
+    std::optional<double> deadline_;  // on the monotonic clock; none before the full-hash stage
     std::atomic<bool> stopping_{false};
     std::atomic<bool> budgetExhausted_{false};
 };

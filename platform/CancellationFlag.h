@@ -5,7 +5,8 @@
 
 namespace velto {
 
-/// A flag that the owner of some work sets to end it early; copies share it. Safe from every thread.
+/// A flag that the owner of some work sets to end it early; copies share it. Safe from every
+/// thread.
 class CancellationFlag {
 public:
     void cancel() { state_->store(true, std::memory_order_relaxed); }

@@ -7,7 +7,8 @@ namespace {
 
 /// Takes the next component off the front of `rest`; empty at the end.
 std::string_view nextComponent(std::string_view& rest) {
-    while (!rest.empty() && rest.front() == '/') rest.remove_prefix(1);
+    while (!rest.empty() && rest.front() == '/')
+        rest.remove_prefix(1);
     const std::string_view component = rest.substr(0, rest.find('/'));
     rest.remove_prefix(component.size());
     return component;

@@ -22,7 +22,8 @@ public:
 
     ~WalkThreads() {
         queue_.stop();
-        for (std::thread& thread : threads_) thread.join();
+        for (std::thread& thread : threads_)
+            thread.join();
     }
 
     void start(WalkWorker& worker) {
@@ -101,10 +102,12 @@ TreeWalk::Result TreeWalk::run(const std::vector<WalkRoot>& roots,
     }
     {
         WalkThreads threads(queue);
-        for (const auto& worker : workers) threads.start(*worker);
+        for (const auto& worker : workers)
+            threads.start(*worker);
         threads.wait(tick);
     }
-    for (const auto& worker : workers) result.unreadable += worker->unreadable();
+    for (const auto& worker : workers)
+        result.unreadable += worker->unreadable();
     result.cancelled = cancelled.isCancelled();
     return result;
 }

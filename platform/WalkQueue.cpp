@@ -48,7 +48,8 @@ void WalkQueue::add(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle,
     keep(folder, std::move(handle), closing);
     // The caller takes one of them itself.
     const std::size_t wanted = std::min(idle_, children.size() - 1);
-    for (std::size_t woken = 0; woken < wanted; ++woken) changed_.notify_one();
+    for (std::size_t woken = 0; woken < wanted; ++woken)
+        changed_.notify_one();
     children.clear();
 }
 

@@ -4,8 +4,7 @@
 
 namespace velto {
 
-FolderReference::FolderReference(std::unique_ptr<WalkedFolder> folder)
-    : folder_(folder.release()) {
+FolderReference::FolderReference(std::unique_ptr<WalkedFolder> folder) : folder_(folder.release()) {
     folder_->references_.store(1, std::memory_order_relaxed);
 }
 
@@ -24,8 +23,7 @@ FolderReference& FolderReference::operator=(FolderReference other) noexcept {
 void FolderReference::release() {
     // A loop, not the parents' destructors: a chain of many thousand folders must not recurse.
     WalkedFolder* folder = std::exchange(folder_, nullptr);
-    while (folder != nullptr &&
-           folder->references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+    while (folder != nullptr && folder->references_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
         const std::unique_ptr<WalkedFolder> last(folder);
         folder = std::exchange(last->parent_.folder_, nullptr);
     }

@@ -84,9 +84,9 @@ private:
     std::atomic<std::uint32_t> references_{0};
 
     // Guarded by the queue's lock.
-    std::shared_ptr<OpenFolder> handle_;      // only while children wait to be opened through it
+    std::shared_ptr<OpenFolder> handle_;  // only while children wait to be opened through it
     std::size_t waitingChildren_ = 0;
-    std::list<WalkedFolder*>::iterator kept_; // valid while `handle_` counts against the bound
+    std::list<WalkedFolder*>::iterator kept_;  // valid while `handle_` counts against the bound
 };
 
 }  // namespace velto

@@ -44,7 +44,8 @@ private:
 class Threads {
 public:
     ~Threads() {
-        for (std::thread& thread : threads_) thread.join();
+        for (std::thread& thread : threads_)
+            thread.join();
     }
     void start(Run& run) {
         const std::size_t number = threads_.size() + 1;
@@ -67,7 +68,8 @@ void forEachInParallel(std::size_t count, std::size_t threads,
     {
         Threads others;
         const std::size_t wanted = std::min(count, threads == 0 ? processorCount() : threads);
-        for (std::size_t number = 1; number < wanted; ++number) others.start(run);
+        for (std::size_t number = 1; number < wanted; ++number)
+            others.start(run);
         run.onThread(0);
     }
     run.rethrow();

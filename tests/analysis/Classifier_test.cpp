@@ -43,9 +43,8 @@ public:
     explicit Descent(const HomeLayout& layout) : layout_(layout), classifier_(layout, places_) {}
 
     std::string_view categoryOf(const std::string& path) {
-        FolderReference folder =
-            FolderReference::root(layout_.home, 0, classifier_.markOfRoot(layout_.home),
-                                  places_.find(layout_.home));
+        FolderReference folder = FolderReference::root(
+            layout_.home, 0, classifier_.markOfRoot(layout_.home), places_.find(layout_.home));
         std::string_view rest = std::string_view(path).substr(layout_.home.size() + 1);
         for (auto slash = rest.find('/'); slash != std::string_view::npos; slash = rest.find('/')) {
             const std::string_view name = rest.substr(0, slash);
@@ -115,9 +114,10 @@ TEST(Classifier, OutsideTheLibraryThePartsOfAPathSayNothing) {
 }
 
 TEST(Classifier, NestedFoldersGoByTheOrderOfTrial) {
-    const std::string userDirs = "XDG_DOCUMENTS_DIR=\"$HOME/Docs\"\n"
-                                 "XDG_PICTURES_DIR=\"$HOME/Docs/Pictures\"\n"
-                                 "XDG_MUSIC_DIR=\"$HOME/Docs/Pictures/Music\"\n";
+    const std::string userDirs =
+        "XDG_DOCUMENTS_DIR=\"$HOME/Docs\"\n"
+        "XDG_PICTURES_DIR=\"$HOME/Docs/Pictures\"\n"
+        "XDG_MUSIC_DIR=\"$HOME/Docs/Pictures/Music\"\n";
     const HomeLayout layout = HomeLayout::freedesktop(
         "/home/ana", [](const std::string&) { return std::nullopt; }, userDirs);
     Descent descent(layout);
@@ -141,10 +141,26 @@ TEST(Classifier, AgreesWithThePlainRulesOnThousandsOfPaths) {
     HomeLayout layout = HomeLayout::macOS("/Users/ana");
     // A rule that spans two folders and the beginning of a name.
     layout.libraryRules.push_back({"Logs/App", "docs"});
-    constexpr std::array names{"Library", "Caches", "Application Support", "MobileSync", "Logs",
-                               "Application", "Pictures", "Music", "Documents", "Preferences",
-                               "Containers", "a", "Group Containers", "Applications", "b.mp3",
-                               "MobileSync.jpg", "WebKit", "n.mov", "Saved Application State"};
+    constexpr std::array names{"Library",
+                               "Caches",
+                               "Application Support",
+                               "MobileSync",
+                               "Logs",
+                               "Application",
+                               "Pictures",
+                               "Music",
+                               "Documents",
+                               "Preferences",
+                               "Containers",
+                               "a",
+                               "Group Containers",
+                               "Applications",
+                               "b.mp3",
+                               "MobileSync.jpg",
+                               "WebKit",
+                               "n.mov",
+                               "Saved Application State"};
+    Descent descent(layout);
     std::minstd_rand random(20240501);
     std::map<std::string_view, int> met;
     for (int round = 0; round < 20'000; ++round) {
@@ -153,7 +169,7 @@ TEST(Classifier, AgreesWithThePlainRulesOnThousandsOfPaths) {
         for (unsigned index = 0; index < length; ++index) {
             path += std::string("/") + names.at(random() % names.size());
         }
-        const std::string_view category = Descent(layout).categoryOf(path);
+        const std::string_view category = descent.categoryOf(path);
         ASSERT_EQ(category, categoryOfPath(layout, path)) << path;
         ++met[category];
     }

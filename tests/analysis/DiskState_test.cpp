@@ -95,7 +95,8 @@ TEST(DiskStateJson, AbsentOptionalsStayAbsent) {
 TEST(DiskStateJson, AnyMissingOrMistypedFieldMakesTheRecordUnreadable) {
     const json whole = toJson(filledState());
     const std::vector<std::string> optional{"/protected", "/settings/rules"};
-    for (const auto& [pointer, value] : whole.flatten().items()) {
+    const json leaves = whole.flatten();  // must outlive the loop over its items
+    for (const auto& [pointer, value] : leaves.items()) {
         // Each path down to a leaf: drop it, then give it a wrong type.
         json without = whole;
         const json::json_pointer place(pointer);

@@ -51,7 +51,8 @@ struct ScannerProgress : ScannerFixture {
 };
 
 TEST_F(ScannerProgress, AWalkThatTakesNoTimeReportsNothing) {
-    for (int index = 0; index < 1'000; ++index) file("Music/" + std::to_string(index), 10);
+    for (int index = 0; index < 1'000; ++index)
+        file("Music/" + std::to_string(index), 10);
     scan();
     EXPECT_THAT(calls, IsEmpty());
 }
@@ -136,8 +137,8 @@ TEST_F(ScannerProgress, CancellingFromAReportEndsTheWalkWithItsError) {
     EXPECT_THROW(scan(), CancellationError);
     EXPECT_LT(scanner.filesScanned, 100);
     EXPECT_EQ(reader.openNow(), 0);
-    EXPECT_THAT(machine.log.lines(), testing::Not(testing::Contains(
-                                         testing::HasSubstr("recorrido completo"))));
+    EXPECT_THAT(machine.log.lines(),
+                testing::Not(testing::Contains(testing::HasSubstr("recorrido completo"))));
 }
 
 TEST_F(ScannerProgress, AWalkWithoutAListenerIsFine) {

@@ -22,8 +22,8 @@ TEST_F(Scanner, AnEmptyHomeCountsNothing) {
     EXPECT_THAT(scanner.catTop, IsEmpty());
     EXPECT_THAT(scanner.catFiles, IsEmpty());
     EXPECT_THAT(output.cats, SizeIs(6));
-    EXPECT_TRUE(machine.log.holds(
-        "Velto ▶ recorrido completo: 0 archivos, candidatos duplicado: 0"));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ recorrido completo: 0 archivos, candidatos duplicado: 0"));
     EXPECT_TRUE(machine.log.holds("Velto ▶ post-proceso listo (duplicados: 0 grupos)"));
 }
 
@@ -35,8 +35,8 @@ TEST_F(Scanner, BytesAndFilesAddUpByCategory) {
     scan();
     EXPECT_EQ(scanner.filesScanned, 4);
     EXPECT_EQ(scanner.bytesScanned, 4096 + 8192 + 100 + 1);
-    EXPECT_THAT(scanner.catBytes, ElementsAre(Pair("docs", 1), Pair("fotos", 100),
-                                              Pair("musica", 12288)));
+    EXPECT_THAT(scanner.catBytes,
+                ElementsAre(Pair("docs", 1), Pair("fotos", 100), Pair("musica", 12288)));
     EXPECT_THAT(scanner.catFiles,
                 ElementsAre(Pair("docs", 1), Pair("fotos", 1), Pair("musica", 2)));
 }
@@ -72,8 +72,8 @@ TEST_F(Scanner, OnlyMoreThanAMillionBytesAreADuplicateCandidate) {
     file("Music/more", 1'000'001);
     scan();
     EXPECT_THAT(scanner.fileList, ElementsAre(FileRecord{at("Music/more"), 1'000'001}));
-    EXPECT_TRUE(machine.log.holds(
-        "Velto ▶ recorrido completo: 2 archivos, candidatos duplicado: 1"));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ recorrido completo: 2 archivos, candidatos duplicado: 1"));
 }
 
 TEST_F(Scanner, AFileOfExactlyThreeHundredMillionBytesIsABigFile) {
@@ -107,7 +107,8 @@ TEST_F(Scanner, ABigFilesKindGoesByItsCategory) {
     file("Library/Logs/a", 300'000'000);
     scan();
     std::map<std::string, std::string> kinds;
-    for (const auto& [category, list] : scanner.catTop) kinds[category] = list.at(0).kind;
+    for (const auto& [category, list] : scanner.catTop)
+        kinds[category] = list.at(0).kind;
     EXPECT_THAT(kinds, UnorderedElementsAre(Pair("fotos", "video"), Pair("musica", "video"),
                                             Pair("descargas", "descarga"), Pair("docs", "doc"),
                                             Pair("apps", "app"), Pair("sistema", "doc")));
@@ -146,11 +147,13 @@ TEST_F(Scanner, ListsAreInPathOrderWhateverTheThreads) {
     }
     scan();
     std::vector<std::string> paths;
-    for (const BigFile& big : scanner.catTop.at("musica")) paths.push_back(big.path);
+    for (const BigFile& big : scanner.catTop.at("musica"))
+        paths.push_back(big.path);
     EXPECT_THAT(paths, ElementsAre(at("Music/a/1"), at("Music/a/2"), at("Music/b/c/d/1"),
                                    at("Music/m"), at("Music/z/1")));
     std::vector<std::string> candidates;
-    for (const FileRecord& record : scanner.fileList) candidates.push_back(record.path);
+    for (const FileRecord& record : scanner.fileList)
+        candidates.push_back(record.path);
     EXPECT_EQ(candidates, paths);
 }
 

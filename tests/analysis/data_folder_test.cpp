@@ -53,8 +53,9 @@ TEST_F(ScanCacheTest, DamagedFilesCountAsNoAnalysisAndAreReplaced) {
     EXPECT_EQ(cache.load()->ts, 6);
 }
 
-TEST_F(ScanCacheTest, NothingSavedAndAFolderOutOfReachAreNoAnalysis) {
-    EXPECT_FALSE(cache.load());
+TEST_F(ScanCacheTest, NothingSavedIsNoAnalysis) { EXPECT_FALSE(cache.load()); }
+
+TEST_F(ScanCacheTest, AFolderOutOfReachIsNoAnalysisAndSavingIsSilent) {
     machine.home.text("Library/Application Support", "a file where the folder should be");
     EXPECT_FALSE(cache.load());
     cache.save(DiskState{}, 1);  // silent
@@ -110,9 +111,8 @@ struct PermissionTest : testing::Test {
 
 TEST_F(PermissionTest, WithoutAnyProbeFolderTheAnswerIsNo) {
     EXPECT_FALSE(permissions.hasAccess());
-    EXPECT_THAT(
-        machine.log.lines(),
-        ElementsAre("Velto ▶ permiso de disco: sin rutas de prueba legibles en este Mac"));
+    EXPECT_THAT(machine.log.lines(),
+                ElementsAre("Velto ▶ permiso de disco: sin rutas de prueba legibles en este Mac"));
 }
 
 TEST_F(PermissionTest, TheFirstReadableFolderGrants) {
@@ -127,8 +127,8 @@ TEST_F(PermissionTest, AMissingFolderIsPassedOverAndADeniedOneEndsTheSearch) {
     const std::string mail = machine.home.text("Library/Mail", "x").path();
     machine.home.folder("Library/Messages");
     EXPECT_FALSE(permissions.hasAccess());
-    EXPECT_THAT(machine.log.lines(), ElementsAre("Velto ▶ permiso de disco: denegado al leer " +
-                                                 mail + " (código 20)"));
+    EXPECT_THAT(machine.log.lines(),
+                ElementsAre("Velto ▶ permiso de disco: denegado al leer " + mail + " (código 20)"));
 }
 
 TEST_F(PermissionTest, NothingIsRemembered) {

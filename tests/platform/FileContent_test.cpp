@@ -64,7 +64,7 @@ TEST_F(FileContentTest, ComparingAFileDoesNotCountAsUsingIt) {
     ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
     std::array<std::byte, 8> buffer{};
     ASSERT_EQ(reader->open(path)->read(0, buffer), 5);
-    struct stat status{};
+    struct stat status {};
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_atime, 1'000'000'000);
 }

@@ -65,19 +65,22 @@ TEST_F(TreeWalkDepth, AFolderTenThousandLevelsDownIsReachedWithFewFoldersOpen) {
     nest(0);
     EXPECT_EQ(walk(2).unreadable, 0);
     EXPECT_EQ(files, 1);
-    EXPECT_EQ(bottomLength, std::string("/home").size() + 2 * depth + std::string("/bottom").size());
+    EXPECT_EQ(bottomLength,
+              std::string("/home").size() + 2 * depth + std::string("/bottom").size());
     EXPECT_EQ(reader.openNow(), 0);
     EXPECT_THAT(reader.mostOpen(), Le(8));
     EXPECT_EQ(reader.opened(), depth + 1);
 }
 
 TEST_F(TreeWalkDepth, FoldersThatWaitOnEveryLevelKeepNoMoreOpenThanTheBound) {
-    nest(1);
+    constexpr int levels = 3'000;
+    nest(1, levels);
     options.maxOpenFolders = 32;
     constexpr std::size_t threads = 3;
     EXPECT_EQ(walk(threads).unreadable, 0);
-    EXPECT_EQ(files, 2 * depth + 1);
+    EXPECT_EQ(files, 2 * levels + 1);
     EXPECT_EQ(reader.openNow(), 0);
+    // The kept ones, the root, and what each worker has in its hands.
     EXPECT_THAT(reader.mostOpen(), Le(32 + 1 + 2 * static_cast<int>(threads) + 1));
 }
 

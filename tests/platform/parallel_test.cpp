@@ -13,7 +13,8 @@ namespace {
 TEST(ForEachInParallel, EveryIndexIsDoneOnce) {
     std::vector<std::atomic<int>> done(1'000);
     forEachInParallel(done.size(), 4, [&](std::size_t index, std::size_t) { ++done[index]; });
-    for (const auto& count : done) EXPECT_EQ(count, 1);
+    for (const auto& count : done)
+        EXPECT_EQ(count, 1);
 }
 
 TEST(ForEachInParallel, ThreadsThatRunAtOnceHaveDifferentNumbers) {
@@ -24,9 +25,11 @@ TEST(ForEachInParallel, ThreadsThatRunAtOnceHaveDifferentNumbers) {
         ++seen.at(thread);
         ++started;
         started.notify_all();
-        for (int now = started; now < 3; now = started) started.wait(now);
+        for (int now = started; now < 3; now = started)
+            started.wait(now);
     });
-    for (const auto& count : seen) EXPECT_EQ(count, 1);
+    for (const auto& count : seen)
+        EXPECT_EQ(count, 1);
 }
 
 TEST(ForEachInParallel, OneThreadIsTheCallersOwn) {

@@ -27,8 +27,8 @@ public:
         std::int64_t logicalSize = 0;
         double accessed = 0;
         double modified = 0;
-        int openError = 0;  // errno with which opening the folder fails
-        int listError = 0;  // errno with which listing it fails, after its entries
+        int openError = 0;             // errno with which opening the folder fails
+        int listError = 0;             // errno with which listing it fails, after its entries
         bool isLinkMeanwhile = false;  // listed as a folder, but a link by the time it is opened
         std::map<std::string, Node*, std::less<>> children;
 

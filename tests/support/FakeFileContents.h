@@ -22,10 +22,10 @@ public:
         std::string content;
         int openError = 0;
         int readError = 0;
-        std::int64_t readErrorFrom = 0;    // offset from which on reads fail
-        int interruptions = 0;             // reads that fail with EINTR before one succeeds
-        std::size_t longestRead = SIZE_MAX; // short reads
-        std::int64_t sizeAfterReads = -1;  // size once it has been read, when not -1
+        std::int64_t readErrorFrom = 0;      // offset from which on reads fail
+        int interruptions = 0;               // reads that fail with EINTR before one succeeds
+        std::size_t longestRead = SIZE_MAX;  // short reads
+        std::int64_t sizeAfterReads = -1;    // size once it has been read, when not -1
     };
     struct Read {
         std::string path;
@@ -65,7 +65,9 @@ private:
     class Content final : public FileContent {
     public:
         Content(FakeFileContents& owner, std::string path, const File& file)
-            : owner_(owner), path_(std::move(path)), file_(file),
+            : owner_(owner),
+              path_(std::move(path)),
+              file_(file),
               interruptions_(file.interruptions) {}
 
         std::int64_t size() const override {
@@ -86,8 +88,8 @@ private:
                 return -1;
             }
             const auto start = std::min(static_cast<std::size_t>(offset), file_.content.size());
-            const std::size_t length = std::min(
-                {buffer.size(), file_.content.size() - start, file_.longestRead});
+            const std::size_t length =
+                std::min({buffer.size(), file_.content.size() - start, file_.longestRead});
             std::memcpy(buffer.data(), file_.content.data() + start, length);
             wasRead_ = true;
             const std::lock_guard guard(owner_.lock_);
