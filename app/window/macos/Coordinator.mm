@@ -1,5 +1,6 @@
 #import "app/window/macos/Coordinator.h"
 
+#include "app/window/ReloadPace.h"
 #include "app/window/window_rules.h"
 #include "platform/macos/foundation_text.h"
 #include "platform/text.h"
@@ -7,9 +8,16 @@
 using velto::window::NavigationKind;
 using velto::window::NavigationPolicy;
 
+namespace {
+
+constexpr NSInteger interruptedByPolicy = 102;  // <WebKit/WebKitErrors.h>
+
+}  // namespace
+
 @implementation Coordinator {
     velto::VeltoApp* _app;
     velto::Platform* _platform;
+    velto::window::ReloadPace _reloads;
 }
 
 - (instancetype)initWithApp:(velto::VeltoApp&)app platform:(velto::Platform&)platform {
@@ -51,6 +59,10 @@ using velto::window::NavigationPolicy;
 }
 
 - (void)logFailure:(NSError*)error {
+    // A link that was handed to the browser ends its navigation like this; the page still stands.
+    if ([error.domain isEqualToString:@"WebKitErrorDomain"] && error.code == interruptedByPolicy) {
+        return;
+    }
     _platform->log->line("Velto ▶ no se pudo cargar la página: " +
                          velto::singleLine(velto::utf8(error.localizedDescription)));
 }
@@ -59,7 +71,9 @@ using velto::window::NavigationPolicy;
 // with the state that the bridge holds.
 - (void)webViewWebContentProcessDidTerminate:(WKWebView*)webView {
     _platform->log->line("Velto ▶ el proceso de la página terminó: se carga de nuevo");
-    [webView reload];
+    const double delay = _reloads.delay(_platform->clock->monotonic());
+    __weak WKWebView* weakView = webView;  // it goes with its window
+    _platform->dispatcher->mainAfter(delay, [weakView] { [weakView reload]; });
 }
 
 @end

@@ -6,6 +6,9 @@
 namespace velto {
 namespace {
 
+// Beside the window's frame, which the system keeps; no setting of the user's.
+constexpr const char* appearanceKey = "VeltoWindowAppearance";
+
 NSAlert* alertFor(const Confirmation& question) {
     NSAlert* alert = [[NSAlert alloc] init];
     alert.messageText = nsString(question.title);
@@ -19,6 +22,16 @@ NSAlert* alertFor(const Confirmation& question) {
 
 }  // namespace
 
+void MacApplicationShell::setWindow(NSWindow* window) {
+    window_ = window;
+    const auto kept = defaults_.value(appearanceKey);
+    for (const Appearance known : {Appearance::light, Appearance::dark}) {
+        if (kept == DefaultsValue(appearanceName(known))) {
+            window.appearance = window::namedAppearance(known);
+        }
+    }
+}
+
 void MacApplicationShell::activate() { [NSApp activateIgnoringOtherApps:NO]; }
 
 Appearance MacApplicationShell::appearance() const {
@@ -30,6 +43,7 @@ Appearance MacApplicationShell::appearance() const {
 
 void MacApplicationShell::setAppearance(Appearance appearance) {
     window_.appearance = window::namedAppearance(appearance);
+    defaults_.setValue(appearanceKey, appearanceName(appearance));
 }
 
 void MacApplicationShell::confirm(const Confirmation& question, std::function<void(bool)> answer) {

@@ -11,7 +11,7 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
         NSApplication* application = NSApplication.sharedApplication;
         // Outside a bundle a program has neither a menu bar nor a place in the Dock by itself.
         [application setActivationPolicy:NSApplicationActivationPolicyRegular];
-        MacApplicationShell shell;
+        MacApplicationShell shell(*platform.defaults);
         app.setShell(shell);
         // The application holds its delegate weakly; without the attribute the compiler could
         // release it right after the assignment.
