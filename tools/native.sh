@@ -26,7 +26,8 @@ compile() {
     steps=$(ninja -n -C "build/$preset" "$@" 2>/dev/null | grep -c '^\[.*\] \(Building\|Linking\|Re-running\)' || true)
     [ "$steps" -gt 0 ] && say "Building $preset"
     if ! "${command[@]}" >"$log" 2>&1; then
-        grep -v '^\[[0-9]*/[0-9]*\] \(Building\|Linking\|Generating\) ' "$log" >&2 || true
+        # What the compiler said, without the progress and the command lines.
+        sed -n '/^FAILED: /,$p' "$log" | grep -v -e '^: && ' -e '^/usr/.*c++ ' -e '^\[[0-9]*/[0-9]*\] ' >&2 || true
         fail "the $preset build failed (log: ${log#"$root"/})"
     fi
 }
