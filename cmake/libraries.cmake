@@ -1,7 +1,18 @@
 find_package(PkgConfig REQUIRED)
+set(THREADS_PREFER_PTHREAD_FLAG ON)
 find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
+
+if(VELTO_SANITIZE AND NOT APPLE)
+    file(WRITE ${CMAKE_BINARY_DIR}/precompiled.cpp "")
+    add_library(velto_precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
+    target_link_libraries(velto_precompiled PRIVATE
+        nlohmann_json::nlohmann_json fmt::fmt Threads::Threads velto_options)
+    velto_precompile(velto_precompiled velto_precompiled
+        <algorithm> <functional> <map> <memory> <optional> <string> <vector>
+        <fmt/format.h> <nlohmann/json.hpp>)
+endif()
 
 # One static library per folder, made of every source in it. A header is reached as
 # "folder/Name.h", and only by the libraries that link to that folder's library: each library
@@ -25,6 +36,7 @@ function(velto_library folder)
     target_include_directories(velto_${folder} PUBLIC ${root})
     target_link_libraries(velto_${folder}
         PUBLIC ${LIB_LINKS} PRIVATE ${LIB_PRIVATE_LINKS} velto_options)
+    velto_precompile(velto_${folder} velto_precompiled)
 endfunction()
 
 # System libraries bring headers that our warnings are not for.

@@ -13,8 +13,10 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
-    set(CMAKE_OBJCXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    # What ccache wants to be told before it caches what uses a precompiled header.
+    set(launcher ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+    set(CMAKE_OBJCXX_COMPILER_LAUNCHER ${launcher})
 endif()
 
 # Designated initialisers leave the other members at their defaults on purpose.
@@ -30,7 +32,22 @@ else()
     target_compile_definitions(velto_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
 endif()
 if(VELTO_SANITIZE)
+    # -g1 is what a report's stack needs, and compiles a quarter faster.
     target_compile_options(velto_options INTERFACE
-        -fsanitize=${VELTO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+        -fsanitize=${VELTO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
     target_link_options(velto_options INTERFACE -fsanitize=${VELTO_SANITIZE})
 endif()
+
+# The sanitized builds share precompiled headers: they compile everything anew where nothing is
+# cached. The plain builds go without, so that no source gets away with a missing include.
+function(velto_precompile target from)
+    if(NOT VELTO_SANITIZE OR APPLE)
+        return()
+    endif()
+    target_compile_options(${target} PRIVATE -fpch-preprocess)  # for ccache
+    if(target STREQUAL from)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${from})
+    endif()
+endfunction()
