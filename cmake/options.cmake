@@ -30,6 +30,8 @@ if(APPLE)
 else()
     # 64-bit file offsets everywhere; O_PATH, statx and renameat2 are GNU extensions.
     target_compile_definitions(velto_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
+    # GLib's own flag; with it everywhere, all sources can share a precompiled header.
+    target_compile_options(velto_options INTERFACE -pthread)
 endif()
 if(VELTO_SANITIZE)
     # -g1 is what a report's stack needs, and compiles a quarter faster.
