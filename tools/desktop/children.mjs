@@ -35,7 +35,7 @@ export async function stopChild(child) {
   return end;
 }
 
-/** Runs a program to its end; resolves to its status and texts. */
+/** Runs a program to its end; resolves to its status, signal and texts. */
 export async function run(file, args, { env = process.env, limit = 60_000, cwd } = {}) {
   const child = startChild(file, args, { env, cwd, stdio: ['ignore', 'pipe', 'pipe'] });
   let stdout = '';
@@ -45,7 +45,8 @@ export async function run(file, args, { env = process.env, limit = 60_000, cwd }
   const closed = once(child, 'close').catch(() => {});
   const watch = setTimeout(() => child.kill('SIGKILL'), limit);
   const end = await child.ended;
-  if (!end.error) await closed;
   clearTimeout(watch);
+  if (end.error) throw new Error(`${file} cannot be run: ${end.error.message}`);
+  await closed;
   return { ...end, stdout, stderr };
 }

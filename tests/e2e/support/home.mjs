@@ -15,10 +15,25 @@ import { dirname, join } from 'node:path';
 
 export const MB = 1_000_000;
 
+const undone = new WeakMap();
+
+/** Undoes something when the test ends: the last thing made is the first to go. */
+export function atEnd(test, undo) {
+  if (!undone.has(test)) {
+    const list = [];
+    undone.set(test, list);
+    test.after(async () => {
+      while (list.length > 0) await list.pop()();
+    });
+  }
+  undone.get(test).push(undo);
+}
+
 /** A temporary folder that goes when the test ends. */
 export function temporaryFolder(test, name = 'velto-e2e-') {
   const folder = realpathSync(mkdtempSync(join(tmpdir(), name)));
-  test.after(() => rmSync(folder, { recursive: true, force: true }));
+  // The web engine's helpers may write for a moment after the program has ended.
+  atEnd(test, () => rmSync(folder, { recursive: true, force: true, maxRetries: 20, retryDelay: 50 }));
   return folder;
 }
 

@@ -5,10 +5,11 @@ import { fileURLToPath } from 'node:url';
 import { run } from '../../../tools/desktop/children.mjs';
 import { startDesktop } from '../../../tools/desktop/desktop.mjs';
 import { startProgram } from '../../../tools/desktop/program.mjs';
+import { atEnd } from './home.mjs';
 
 const root = join(dirname(fileURLToPath(import.meta.url)), '..', '..', '..');
 
-export const program = process.env.VELTO_PROGRAM ?? join(root, 'build', 'debug', 'velto');
+export const program = process.env.VELTO_PROGRAM ?? join(root, 'build', 'release', 'velto');
 export const bundleName = 'Velto_velto_app.bundle';
 
 export const line = {
@@ -25,7 +26,7 @@ export const line = {
 /** A desktop that goes when the test ends. */
 export async function desktopFor(test, size) {
   const desktop = await startDesktop(size);
-  test.after(() => desktop.stop());
+  atEnd(test, () => desktop.stop());
   return desktop;
 }
 
@@ -36,7 +37,7 @@ export function start(test, home, desktop, { file = program, args = [], variable
     ...desktop.variables,
     ...variables,
   });
-  test.after(() => velto.stop());
+  atEnd(test, () => velto.stop());
   return velto;
 }
 
