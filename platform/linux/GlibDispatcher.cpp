@@ -124,24 +124,29 @@ public:
           pool_(g_thread_pool_new(&Pool::runNext, this, threads, exclusive ? TRUE : FALSE,
                                   nullptr)) {}
 
-    ~Pool() {
+    ~Pool() { close(); }
+
+    /// Drops what has not begun and waits for what has. Work that is added later, by what still
+    /// runs here or in the other pool, is dropped too.
+    void close() {
         std::deque<Work> dropped;
+        GThreadPool* pool = nullptr;
         {
             const std::lock_guard lock(mutex_);
             dropped.swap(waiting_);
+            pool = std::exchange(pool_, nullptr);
         }
         constexpr gboolean dropTokens = TRUE, waitForRunning = TRUE;
-        g_thread_pool_free(pool_, dropTokens, waitForRunning);
+        if (pool != nullptr) g_thread_pool_free(pool, dropTokens, waitForRunning);
     }
 
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
 
     void add(Work work) {
-        {
-            const std::lock_guard lock(mutex_);
-            waiting_.push_back(std::move(work));
-        }
+        const std::lock_guard lock(mutex_);
+        if (pool_ == nullptr) return;
+        waiting_.push_back(std::move(work));
         // False means that no new thread could be made: the token then waits for a running one.
         g_thread_pool_push(pool_, this, nullptr);
     }
@@ -179,8 +184,8 @@ GlibDispatcher::GlibDispatcher()
 
 GlibDispatcher::~GlibDispatcher() {
     // The pools first: work that is running may still post its result to the main queue.
-    userInitiated_.reset();
-    utility_.reset();
+    userInitiated_->close();
+    utility_->close();
     mainQueue_->close();
 }
 
