@@ -1,6 +1,8 @@
-// The walk and the duplicate finder against the bare floor and against other tools. Usage and how
-// to read the result: bench/README.md.
-import { existsSync, mkdirSync, rmSync, statfsSync, writeFileSync } from 'node:fs';
+// The walk, the discovery of what can be cleaned and the duplicate finder against the bare floor
+// and against other tools. Usage and how to read the result: bench/README.md.
+import {
+  existsSync, lstatSync, mkdirSync, readdirSync, rmSync, statfsSync, writeFileSync,
+} from 'node:fs';
 import { cpus, loadavg } from 'node:os';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
@@ -8,10 +10,11 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only walk|memory|duplicates] [--clean]
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates'];
+const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
-  --only PART     one part instead of all
+  --only PART     one part instead of all: ${partNames.join(', ')}
   --clean         remove the made data (build/bench-data) and do nothing else`;
 
 function options() {
@@ -22,7 +25,7 @@ function options() {
     if (option === '--clean') chosen.clean = true;
     else if (option === '--build' && rest.length > 0) chosen.build = resolve(rest.shift());
     else if (option === '--runs' && Number(rest[0]) > 0) chosen.runs = Number(rest.shift());
-    else if (option === '--only' && ['walk', 'memory', 'duplicates'].includes(rest[0])) {
+    else if (option === '--only' && partNames.includes(rest[0])) {
       chosen.only = rest.shift();
     } else {
       console.error(usage);
@@ -58,6 +61,9 @@ const smallHome = () => made('home-400k', 10, (folder) => {
 });
 const largeHome = () => made('home-2m', 17, (folder) => {
   output([program('bench_make_home'), folder, '2000000', '90000', '4096']);
+});
+const fullCaches = () => made('caches-200k', 1, (folder) => {
+  output([program('bench_make_caches'), folder]);
 });
 const copies = () => made('duplicates', 1, (folder) => {
   output([program('bench_make_duplicates'), folder]);
@@ -113,6 +119,40 @@ function memory() {
   if (small && large) console.log(`growth: ${(large - small).toFixed(1)} MiB`);
 }
 
+/** Throws unless each cache folder is found with the bytes that du counts in it. */
+function sameSizes(home, folders) {
+  const lines = output([program('bench_cleanables'), home]).trim().split('\n');
+  const found = new Map(lines.map((line) => {
+    const [bytes, path] = line.split(/ (.*)/);
+    return [path, Number(bytes)];
+  }));
+  for (const line of output(['du', '-sb', ...folders]).trim().split('\n')) {
+    const [bytes, path] = line.split('\t');
+    // du counts the folder itself too, which is no entry of its own.
+    const expected = Number(bytes) - lstatSync(path).size;
+    if (found.get(path) !== expected) {
+      throw new Error(`${path}: found ${found.get(path)} bytes, not ${expected}`);
+    }
+  }
+  if (found.size !== folders.length) throw new Error(`found ${found.size} candidates`);
+}
+
+function cleanables() {
+  const home = fullCaches();
+  if (!home) return;
+  const caches = join(home, 'Library', 'Caches');
+  const folders = readdirSync(caches).map((name) => join(caches, name));
+  sameSizes(home, folders);
+  console.log('\nWhat can be cleaned: 20 caches of 200,000 files, warm cache, as processes');
+  const results = compareProcesses([
+    { name: 'velto', command: [program('bench_cleanables'), home] },
+    { name: 'du -sb', command: ['du', '-sb', ...folders] },
+  ], runs);
+  table(results, 'velto');
+  const ratio = results[0].median / results[1].median;
+  console.log(`against du: ${ratio.toFixed(2)} (target: at most 0.60)`);
+}
+
 function duplicates() {
   const folder = copies();
   if (!folder) return;
@@ -133,11 +173,11 @@ if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
   console.log('The walk is measured on Linux only.');
-  if (only !== 'walk' && only !== 'memory') duplicates();
+  if (only === '' || only === 'duplicates') duplicates();
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, duplicates]) {
+  for (const part of [walk, memory, cleanables, duplicates]) {
     if (only === '' || only === part.name) part();
   }
 }
