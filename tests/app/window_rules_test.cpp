@@ -36,7 +36,8 @@ TEST(WindowRules, TheHandleLeavesThePageItsControlsOnTheRight) {
 
 TEST(WindowRules, TheBackgroundIsThePagesOwnSoThatNothingFlashes) {
     const Colour light = backgroundColour(Appearance::light);
-    EXPECT_THAT((std::array{light.red, light.green, light.blue}), testing::ElementsAre(246, 246, 243));
+    EXPECT_THAT((std::array{light.red, light.green, light.blue}),
+                testing::ElementsAre(246, 246, 243));
     const Colour dark = backgroundColour(Appearance::dark);
     EXPECT_THAT((std::array{dark.red, dark.green, dark.blue}), testing::ElementsAre(10, 10, 10));
 }
@@ -107,7 +108,8 @@ TEST(ReloadPace, APageThatDiesOnceComesBackAtOnce) {
 
 TEST(ReloadPace, APageThatKeepsDyingIsLoadedThreeTimesAMinuteAndNotGivenUp) {
     ReloadPace pace;
-    for (const double now : {0.0, 1.0, 2.0}) pace.delay(now);
+    for (const double now : {0.0, 1.0, 2.0})
+        pace.delay(now);
     EXPECT_THAT(pace.delay(3), DoubleEq(57)) << "a minute after the first one";
     EXPECT_THAT(pace.delay(60), DoubleEq(1)) << "the waiting one counts too";
     EXPECT_THAT(pace.delay(62), DoubleEq(0)) << "a minute after the third one";

@@ -50,6 +50,7 @@ CommandMenu::~CommandMenu() {
 GtkWidget* CommandMenu::makeButton() {
     GtkWidget* const button = gtk_menu_button_new();
     gtk_menu_button_set_icon_name(GTK_MENU_BUTTON(button), "open-menu-symbolic");
+    gtk_menu_button_set_has_frame(GTK_MENU_BUTTON(button), FALSE);
     gtk_menu_button_set_menu_model(GTK_MENU_BUTTON(button), G_MENU_MODEL(menu_.get()));
     gtk_menu_button_set_primary(GTK_MENU_BUTTON(button), TRUE);
     g_set_weak_pointer(&button_, button);

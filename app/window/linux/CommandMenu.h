@@ -36,8 +36,8 @@ private:
     GtkApplication* application_;
     std::vector<std::unique_ptr<Entry>> entries_;
     GlibReference<GMenu> menu_;
-    GtkWidget* button_ = nullptr;        // null while no window has one
-    std::shared_ptr<bool> alive_;        // the language keeps its observers longer than this lives
+    GtkWidget* button_ = nullptr;  // null while no window has one
+    std::shared_ptr<bool> alive_;  // the language keeps its observers longer than this lives
 };
 
 }  // namespace velto::window

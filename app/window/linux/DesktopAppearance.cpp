@@ -135,7 +135,8 @@ std::optional<Appearance> DesktopAppearance::remembered() const {
 void DesktopAppearance::remember(Appearance appearance) {
     try {
         platform_.files->createFolders(memory_.substr(0, memory_.rfind('/')));
-        platform_.files->writeAtomically(memory_, appearance == Appearance::dark ? "dark" : "light");
+        platform_.files->writeAtomically(memory_,
+                                         appearance == Appearance::dark ? "dark" : "light");
     } catch (const FileError& error) {
         platform_.log->line(singleLine(error.what()));  // the next start may show another colour
     }
@@ -175,8 +176,7 @@ void DesktopAppearance::interfaceChanged(GSettings* settings, const char*, gpoin
 
 void DesktopAppearance::portalAnswered(GObject* bus, GAsyncResult* result, gpointer self) {
     GError* error = nullptr;
-    GVariant* const answer =
-        g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error);
+    GVariant* const answer = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error);
     if (answer == nullptr) {
         // Cancelled (then `self` is gone), or a desktop without a portal: GTK's setting stands.
         const GlibError reason(error);

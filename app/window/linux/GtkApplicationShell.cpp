@@ -31,8 +31,8 @@ void GtkApplicationShell::confirm(const Confirmation& question, Answer answer) {
     g_signal_connect(dialog, "response", G_CALLBACK(responded),
                      std::make_unique<Answer>(std::move(answer)).release());
     gtk_window_present(GTK_WINDOW(dialog));
-    gtk_widget_grab_focus(gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog),
-                                                             GTK_RESPONSE_CANCEL));
+    gtk_widget_grab_focus(
+        gtk_dialog_get_widget_for_response(GTK_DIALOG(dialog), GTK_RESPONSE_CANCEL));
 }
 
 }  // namespace velto::window

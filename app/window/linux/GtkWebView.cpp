@@ -74,9 +74,8 @@ void GtkWebView::setMessageHandler(const std::string& name, MessageHandler handl
     }
     auto channel = std::make_unique<Channel>(Channel{name, std::move(handler)});
     // Connected before it is registered, so that no message is missed.
-    channel->signal =
-        g_signal_connect(content_.get(), ("script-message-received::" + name).c_str(),
-                         G_CALLBACK(&GtkWebView::received), channel.get());
+    channel->signal = g_signal_connect(content_.get(), ("script-message-received::" + name).c_str(),
+                                       G_CALLBACK(&GtkWebView::received), channel.get());
     webkit_user_content_manager_register_script_message_handler(content_.get(), name.c_str(),
                                                                 nullptr);
     channels_.emplace(name, std::move(channel));

@@ -1,5 +1,7 @@
 #include "app/window/linux/MainWindow.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "app/window/linux/style.h"
@@ -24,11 +26,9 @@ MainWindow::MainWindow(const WindowContext& context, Appearance appearance,
     gtk_widget_add_css_class(GTK_WIDGET(window_), "velto");
     restoreFrame(window_, *context_.platform.defaults);
 
-    GtkWidget* const header = gtk_header_bar_new();
-    gtk_header_bar_set_title_widget(GTK_HEADER_BAR(header), gtk_label_new(nullptr));
-    gtk_header_bar_pack_end(GTK_HEADER_BAR(header), context_.menu.makeButton());
-    gtk_window_set_titlebar(window_, header);
-    gtk_window_set_child(window_, webView_->widget());
+    top_ = std::make_unique<WindowTop>(window_, webView_->widget(), context_.menu.makeButton(),
+                                       [this] { tellRoom(); });
+    webView_->addUserScript(roomScript());
     gtk_widget_grab_focus(webView_->widget());
 
     showAppearance(appearance);
@@ -44,7 +44,19 @@ MainWindow::~MainWindow() {
     g_signal_handlers_disconnect_by_data(window_, this);
     context_.app.windowClosed();
     webView_.reset();
+    top_.reset();
     gtk_window_destroy(window_);
+}
+
+// The page keeps its own controls clear of the window's.
+std::string MainWindow::roomScript() const {
+    return fmt::format(
+        "document.documentElement?.style.setProperty('--window-controls-end', '{}px');",
+        top_->roomAtEnd());
+}
+
+void MainWindow::tellRoom() {
+    if (top_) webView_->evaluate(roomScript());  // its controls appear while it is being made
 }
 
 void MainWindow::present() { gtk_window_present(window_); }
@@ -82,6 +94,7 @@ void MainWindow::activeChanged(GtkWindow* window, GParamSpec*, gpointer self) {
 void MainWindow::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {
     MainWindow& window = owner(self);
     if (event == WEBKIT_LOAD_STARTED) window.loadFailed_ = false;
+    if (event == WEBKIT_LOAD_COMMITTED) window.tellRoom();
     if (event == WEBKIT_LOAD_FINISHED && !window.loadFailed_) window.context_.app.pageLoaded();
 }
 
@@ -106,10 +119,11 @@ void MainWindow::pageProcessEnded(WebKitWebView*, WebKitWebProcessTerminationRea
     Platform& platform = window.context_.platform;
     platform.log->line("Velto ▶ el proceso de la página terminó: se carga de nuevo");
     const double delay = window.reloads_.delay(platform.clock->monotonic());
-    platform.dispatcher->mainAfter(
-        delay, [&window, view = std::weak_ptr<GtkWebView>(window.webView_)] {
-            if (!view.expired()) window.load();  // the view goes with its window
-        });
+    platform.dispatcher->mainAfter(delay,
+                                   [&window, view = std::weak_ptr<GtkWebView>(window.webView_)] {
+                                       if (!view.expired())
+                                           window.load();  // the view goes with its window
+                                   });
 }
 
 }  // namespace velto::window

@@ -8,6 +8,7 @@
 #include "app/window/ReloadPace.h"
 #include "app/window/linux/CommandMenu.h"
 #include "app/window/linux/GtkWebView.h"
+#include "app/window/linux/WindowTop.h"
 #include "app/window/linux/gtk.h"
 
 namespace velto::window {
@@ -50,11 +51,14 @@ private:
 
     void connectSignals();
     void load();
+    std::string roomScript() const;
+    void tellRoom();
 
     WindowContext context_;
     std::function<void()> closed_;
     std::shared_ptr<GtkWebView> webView_;
     GtkWindow* window_;
+    std::unique_ptr<WindowTop> top_;
     ReloadPace reloads_;
     bool loadFailed_ = false;
 };

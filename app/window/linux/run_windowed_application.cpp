@@ -128,7 +128,7 @@ private:
 int runWindowedApplication(VeltoApp& app, Platform& platform) {
     const auto page = window::pageUri(platform);
     if (!page) fatal(window::missingBundleMessage);
-    window::prepareEnvironment();
+    window::prepareEnvironment(platform);
     if (gtk_init_check() == FALSE) {
         std::fputs("velto: no display: neither a Wayland nor an X11 display answers\n", stderr);
         return EXIT_FAILURE;

@@ -9,15 +9,22 @@
 namespace velto::window {
 namespace {
 
+// Where nothing composes windows GTK draws a frame to resize by instead of a shadow; it keeps one
+// hairline of it.
 constexpr const char* sheet = R"css(
-window.velto, window.velto headerbar, window.velto-question, window.velto-question .titlebar {{
+window.velto, window.velto-question, window.velto-question .titlebar {{
     background: rgb({0}, {1}, {2});
-    box-shadow: none;
-    border: none;
 }}
-window.velto headerbar {{
-    min-height: 38px;
-    padding: 0 6px;
+window.velto.csd:not(.maximized):not(.fullscreen):not(.tiled),
+window.velto.csd:not(.maximized):not(.fullscreen):not(.tiled) > overlay {{
+    border-radius: 12px;
+}}
+window.velto.solid-csd {{
+    border-color: transparent;
+    box-shadow: inset 0 0 0 1px alpha(currentColor, 0.15);
+}}
+.velto-corner {{
+    padding: 0 8px;
 }}
 )css";
 

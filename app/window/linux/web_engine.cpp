@@ -5,11 +5,31 @@
 #include "app/window/window_rules.h"
 
 namespace velto::window {
+namespace {
 
-void prepareEnvironment() {
-    // Some graphics stacks show an empty window otherwise.
+/// Whether the engine can lock its processes in namespaces of their own, which most containers and
+/// some systems do not allow. Asked of the tool that the engine uses for it; about 10 ms.
+bool sandboxWorks(Platform& platform) {
+    if (platform.files->exists("/.flatpak-info")) return true;  // the sandbox is Flatpak's there
+    const GlibText tool(g_find_program_in_path("bwrap"));
+    if (!tool) return true;  // the engine may know where it is
+    const auto result = platform.tools->run(
+        tool.get(), {"--unshare-pid", "--unshare-uts", "--unshare-net", "--die-with-parent",
+                     "--ro-bind", "/", "/", "--dev", "/dev", "--proc", "/proc", "true"});
+    return result.started && result.exitStatus == 0;
+}
+
+}  // namespace
+
+void prepareEnvironment(Platform& platform) {
     constexpr gboolean unlessTheUserHas = FALSE;
+    // Some graphics stacks show an empty window otherwise.
     g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", unlessTheUserHas);
+    if (sandboxWorks(platform)) return;
+    // The engine would end the program. The page is the program's own, and reads nothing from
+    // outside, so it can do without.
+    platform.log->line("Velto ▶ la página se muestra sin aislamiento: el sistema no lo permite");
+    g_setenv("WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS", "1", unlessTheUserHas);
 }
 
 std::string webDataFolder(const Platform& platform) {
@@ -25,9 +45,9 @@ GlibReference<WebKitNetworkSession> makeSession(const Platform& platform) {
 std::optional<std::string> pageUri(const Platform& platform) {
     const std::string& program = platform.executablePath;
     const std::string folder = program.substr(0, program.rfind('/'));
-    const auto bundle = findResourceBundle(
-        {folder, folder + "/../share/velto", folder + "/../lib/velto"},
-        [&](const std::string& path) { return platform.files->exists(path); });
+    const auto bundle =
+        findResourceBundle({folder, folder + "/../share/velto", folder + "/../lib/velto"},
+                           [&](const std::string& path) { return platform.files->exists(path); });
     if (!bundle) return std::nullopt;
     const std::string page = platform.files->resolved(*bundle) + "/index.html";
     const GlibText uri(g_filename_to_uri(page.c_str(), nullptr, nullptr));

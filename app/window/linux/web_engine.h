@@ -10,7 +10,7 @@ namespace velto::window {
 
 /// Sets what GTK and the web engine read from the environment. Before GTK starts, and before there
 /// are other threads that read it.
-void prepareEnvironment();
+void prepareEnvironment(Platform& platform);
 
 /// The folder inside the data folder where the web engine keeps what it stores for the page; no
 /// walk goes there, and a reset takes it along.

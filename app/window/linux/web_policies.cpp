@@ -18,8 +18,8 @@ NavigationKind kindOf(WebKitNavigationAction* action) {
                : NavigationKind::other;
 }
 
-gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision,
-                      WebKitPolicyDecisionType type, gpointer data) {
+gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPolicyDecisionType type,
+                      gpointer data) {
     if (type == WEBKIT_POLICY_DECISION_TYPE_RESPONSE) return FALSE;  // the engine's own rule
     WebKitNavigationAction* const action = webkit_navigation_policy_decision_get_navigation_action(
         WEBKIT_NAVIGATION_POLICY_DECISION(decision));

@@ -26,8 +26,7 @@ int stored(const UserDefaults& defaults, const char* key, int initial, int least
 
 void restoreFrame(GtkWindow* window, const UserDefaults& defaults) {
     gtk_widget_set_size_request(GTK_WIDGET(window), minimumWidth, minimumHeight);
-    gtk_window_set_default_size(window,
-                                stored(defaults, widthKey, initialWidth, minimumWidth),
+    gtk_window_set_default_size(window, stored(defaults, widthKey, initialWidth, minimumWidth),
                                 stored(defaults, heightKey, initialHeight, minimumHeight));
     const auto maximized = defaults.value(maximizedKey);
     if (maximized == DefaultsValue(true)) gtk_window_maximize(window);
