@@ -7,8 +7,9 @@ import { desktopFor, expectInOrder, line, start } from './support/velto.mjs';
 
 const size = { width: 1180, height: 760 };
 
-// Where the rail's entries are: views from the top, theme and language at the bottom.
-const view = (index) => [100, 28 + 38 * index];
+// Where the rail's entries are: views below the strip that drags the window, theme and language at
+// the bottom.
+const view = (index) => [100, 74 + 38 * index];
 const themeChoice = [100, size.height - 66];
 const languageChoice = [100, size.height - 28];
 
