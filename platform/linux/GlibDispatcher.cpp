@@ -16,13 +16,19 @@ namespace velto {
 namespace {
 
 // Work is handed over through queues of our own under a std::mutex; GLib's sources and pools carry
-// tokens only. That keeps the order in our hands, and the sanitizers see the hand-over.
+// tokens only. That keeps the order in our hands.
 
 using Work = Dispatcher::Work;
 
 constexpr int userInitiatedThreads = 64;  // work may block on files; as many as that helps nobody
 constexpr int utilityThreads = 2;
 constexpr int utilityNiceness = 10;
+
+std::mutex handOverMutex;
+
+/// Called before something is given to another thread by way of GLib, and by that thread when it
+/// has it. GLib orders the two by locks that ThreadSanitizer does not see; this one it sees.
+void passHandOver() { const std::lock_guard lock(handOverMutex); }
 
 /// Work that throws is a program fault: it ends the program here, not somewhere inside GLib.
 void perform(const Work& work) noexcept { work(); }
@@ -46,7 +52,9 @@ public:
             const std::lock_guard lock(mutex_);
             waiting_.push_back(std::move(work));
         }
-        g_idle_add_full(G_PRIORITY_DEFAULT, &MainQueue::runNext, makeToken(0).release(),
+        auto token = makeToken(0);
+        passHandOver();
+        g_idle_add_full(G_PRIORITY_DEFAULT, &MainQueue::runNext, token.release(),
                         &MainQueue::deleteToken);
     }
 
@@ -57,8 +65,10 @@ public:
             identifier = ++lastDelayed_;
             delayed_.emplace(identifier, std::move(work));
         }
+        auto token = makeToken(identifier);
+        passHandOver();
         g_timeout_add_full(G_PRIORITY_DEFAULT, milliseconds(seconds), &MainQueue::runDelayed,
-                           makeToken(identifier).release(), &MainQueue::deleteToken);
+                           token.release(), &MainQueue::deleteToken);
     }
 
     /// Drops everything, outside the lock: what the work holds may add work as it goes.
@@ -87,6 +97,7 @@ private:
     }
 
     static gboolean runNext(gpointer data) {
+        passHandOver();
         MainQueue& queue = *static_cast<Token*>(data)->queue;
         Work work;
         {
@@ -100,6 +111,7 @@ private:
     }
 
     static gboolean runDelayed(gpointer data) {
+        passHandOver();
         const Token& token = *static_cast<Token*>(data);
         std::unordered_map<std::uint64_t, Work>::node_type node;
         {
@@ -138,6 +150,7 @@ public:
         }
         constexpr gboolean dropTokens = TRUE, waitForRunning = TRUE;
         if (pool != nullptr) g_thread_pool_free(pool, dropTokens, waitForRunning);
+        passHandOver();
     }
 
     Pool(const Pool&) = delete;
@@ -147,20 +160,26 @@ public:
         const std::lock_guard lock(mutex_);
         if (pool_ == nullptr) return;
         waiting_.push_back(std::move(work));
+        passHandOver();
         // False means that no new thread could be made: the token then waits for a running one.
         g_thread_pool_push(pool_, this, nullptr);
     }
 
 private:
     static void runNext(gpointer, gpointer data) {
-        auto& pool = *static_cast<Pool*>(data);
-        if (pool.niceness_ != 0) pool.lowerPriority();
+        passHandOver();
+        static_cast<Pool*>(data)->runOne();
+        passHandOver();
+    }
+
+    void runOne() {
+        if (niceness_ != 0) lowerPriority();
         Work work;
         {
-            const std::lock_guard lock(pool.mutex_);
-            if (pool.waiting_.empty()) return;
-            work = std::move(pool.waiting_.front());
-            pool.waiting_.pop_front();
+            const std::lock_guard lock(mutex_);
+            if (waiting_.empty()) return;  // dropped meanwhile
+            work = std::move(waiting_.front());
+            waiting_.pop_front();
         }
         perform(work);
     }
