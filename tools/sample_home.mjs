@@ -26,15 +26,16 @@ function make(path) {
   return full;
 }
 
-/** Reserved, never written. */
+/** Reserved, never written. No two are of one size: all are full of zeros, hence equal. */
+let made = 0;
 function large(path, gb, days) {
-  execFileSync('fallocate', ['-l', String(Math.round(gb * GB)), make(path)]);
+  const bytes = Math.round(gb * GB) + 100_000 * made++;
+  execFileSync('fallocate', ['-l', String(bytes), make(path)]);
   place(path, days);
 }
 
 function small(path, bytes, days, seed = path) {
-  const bytesOf = Buffer.alloc(bytes, `${seed}\n`);
-  writeFileSync(make(path), bytesOf);
+  writeFileSync(make(path), Buffer.alloc(bytes, `${seed}\n`));
   place(path, days);
 }
 

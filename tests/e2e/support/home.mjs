@@ -2,9 +2,12 @@
 import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
 import {
+  closeSync,
   existsSync,
+  fsyncSync,
   mkdirSync,
   mkdtempSync,
+  openSync,
   readFileSync,
   realpathSync,
   rmSync,
@@ -77,9 +80,16 @@ export class Home {
     return this;
   }
 
-  /** A file whose content depends on `seed` and `bytes` alone. */
+  /**
+   * A file whose content depends on `seed` and `bytes` alone. It is synced: only then do all file
+   * systems say how much space it takes.
+   */
   content(path, seed, bytes) {
-    return this.text(path, noise(seed, bytes));
+    this.text(path, noise(seed, bytes));
+    const file = openSync(this.at(path), 'r');
+    fsyncSync(file);
+    closeSync(file);
+    return this;
   }
 
   has(path) {
