@@ -144,6 +144,7 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
 
     const auto workers = makeWorkers(threads_, classifier, hasAccess);
     std::vector<TreeVisitor*> visitors;
+    visitors.reserve(workers.size());
     for (const auto& worker : workers)
         visitors.push_back(worker.get());
     ProgressPacer pacer(*platform_.clock, progress);

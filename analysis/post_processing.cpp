@@ -85,6 +85,7 @@ std::vector<BigFile> largestFiles(const std::map<std::string, std::vector<BigFil
 std::vector<DupGroup> duplicateGroups(const std::vector<DupFinder::Group>& groups,
                                       const FileManager& files, double now) {
     std::vector<DupGroup> result;
+    result.reserve(groups.size());
     for (const DupFinder::Group& group : groups) {
         result.push_back(duplicateGroup(group, files, now));
     }
