@@ -6,9 +6,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -42,15 +44,17 @@ struct Waiting {
 
 class Floor {
 public:
-    explicit Floor(const std::string& folder) { waiting_.push_back({nullptr, folder}); }
+    Floor(const std::string& folder, std::size_t threads) : threads_(threads) {
+        waiting_.push_back({nullptr, folder});
+    }
 
-    FloorWalk run(std::size_t threads) {
-        std::vector<FloorWalk> sums(threads);
+    FloorWalk run() {
+        std::vector<FloorWalk> sums(threads_);
         std::vector<std::thread> running;
         for (FloorWalk& sum : sums)
             running.emplace_back([this, &sum] { work(sum); });
         FloorWalk total;
-        for (std::size_t index = 0; index < threads; ++index) {
+        for (std::size_t index = 0; index < threads_; ++index) {
             running[index].join();
             total.files += sums[index].files;
             total.bytes += sums[index].bytes;
@@ -62,35 +66,47 @@ private:
     void work(FloorWalk& result) {
         FloorWalk sum;  // local: threads must not share a cache line
         std::vector<char> buffer(64 * 1024);
-        std::vector<Waiting> found;
-        while (true) {
-            Waiting next;
-            {
-                std::unique_lock guard(lock_);
-                changed_.wait(guard, [&] { return !waiting_.empty() || busy_ == 0; });
-                if (waiting_.empty()) break;
-                next = std::move(waiting_.back());
-                waiting_.pop_back();
-                ++busy_;
+        std::vector<Waiting> own;
+        while (take(own)) {
+            while (!own.empty()) {
+                const Waiting next = std::move(own.back());
+                own.pop_back();
+                list(next, buffer, own, sum);
+                if (idle_.load(std::memory_order_relaxed) > 0 && own.size() > 1) share(own);
             }
-            list(next, buffer, found, sum);
-            {
-                const std::lock_guard guard(lock_);
-                for (Waiting& folder : found)
-                    waiting_.push_back(std::move(folder));
-                --busy_;
-                if (!found.empty() || busy_ == 0) changed_.notify_all();
-            }
-            found.clear();
         }
         result = sum;
+    }
+
+    /// Waits for a folder that another thread can spare; false at the end.
+    bool take(std::vector<Waiting>& own) {
+        std::unique_lock guard(lock_);
+        if (++idle_ == threads_ && waiting_.empty()) {
+            ended_ = true;
+            changed_.notify_all();
+        }
+        changed_.wait(guard, [&] { return ended_ || !waiting_.empty(); });
+        if (waiting_.empty()) return false;
+        --idle_;
+        own.push_back(std::move(waiting_.back()));
+        waiting_.pop_back();
+        return true;
+    }
+
+    /// Gives away the folders found first, which lie highest and hold the most.
+    void share(std::vector<Waiting>& own) {
+        const auto half = own.begin() + static_cast<std::ptrdiff_t>(own.size() / 2);
+        const std::lock_guard guard(lock_);
+        std::move(own.begin(), half, std::back_inserter(waiting_));
+        own.erase(own.begin(), half);
+        changed_.notify_all();
     }
 
     static void list(const Waiting& folder, std::vector<char>& buffer, std::vector<Waiting>& found,
                      FloorWalk& sum) {
         const int parent = folder.parent ? folder.parent->number : AT_FDCWD;
-        const int number =
-            ::openat(parent, folder.name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW);
+        const int number = ::openat(parent, folder.name.c_str(),
+                                    O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW | O_NOATIME);
         if (number < 0) {
             std::perror(folder.name.c_str());
             std::exit(1);
@@ -118,16 +134,18 @@ private:
         sum.bytes += static_cast<std::int64_t>(status.stx_blocks) * 512;
     }
 
+    const std::size_t threads_;
     std::mutex lock_;
     std::condition_variable changed_;
     std::vector<Waiting> waiting_;
-    std::size_t busy_ = 0;
+    std::atomic<std::size_t> idle_{0};
+    bool ended_ = false;
 };
 
 }  // namespace
 
 FloorWalk FloorWalk::run(const std::string& folder, std::size_t threads) {
-    return Floor(folder).run(threads);
+    return Floor(folder, threads).run();
 }
 
 }  // namespace velto
