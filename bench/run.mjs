@@ -163,8 +163,9 @@ function duplicates() {
     { name: 'velto', command: [program('bench_duplicates'), folder] },
     { name: 'jdupes', command: ['jdupes', '-r', '-q', folder] },
     { name: 'fdupes', command: ['fdupes', '-r', '-q', folder] },
-    // Its report only, and no list of things to do with it.
-    { name: 'rmlint', command: ['rmlint', '-T', 'duplicates', '-o', 'fdupes:/dev/null', folder] },
+    // Its report only, and no list of things to do with it. Never to a file that is there: it would
+    // rename that one first, be it a device, and be it for all.
+    { name: 'rmlint', command: ['rmlint', '-T', 'duplicates', '-o', 'fdupes:stdout', folder] },
   ], runs);
   table(results, 'velto');
 }
