@@ -26,7 +26,8 @@ if(APPLE)
 endif()
 
 velto_page_test(browser test:page)
-set_tests_properties(page.browser PROPERTIES RUN_SERIAL ON)
+# The longest test starts first; a high cost is how CTest is told.
+set_tests_properties(page.browser PROPERTIES COST 1000 RESOURCE_LOCK window)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
@@ -34,7 +35,7 @@ foreach(scenario IN LISTS scenarios)
     add_test(NAME e2e.${name} COMMAND node --test --test-reporter=spec ${scenario})
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
-        LABELS e2e TIMEOUT 600 RESOURCE_LOCK window
+        LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
         ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>")
 endforeach()
 

@@ -1,4 +1,5 @@
 // A private desktop for one program: an X display of its own and a D-Bus session of its own.
+import { setTimeout as pause } from 'node:timers/promises';
 import { run, startChild, stopChild } from './children.mjs';
 
 /** Resolves to the first line that the child writes to its stream number `index`. */
@@ -96,6 +97,7 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
           throw new Error(`the display never came to show it (colours: ${now.colours})`);
         }
         previous = now;
+        await pause(50); // what is looked at needs the processor more
       }
     },
 
