@@ -11,13 +11,16 @@ const build = process.argv[2] ?? 'build/release';
 const runs = Number(process.argv[3] ?? 15);
 const target = 1.3;
 
-/** An analysis as full as one gets: 500 large files and 150 groups of three duplicates. */
+/**
+ * An analysis as full as one gets: 500 large files, as unequal as real ones, that fit into their
+ * category, and 150 groups of three duplicates.
+ */
 function fullAnalysis(home) {
   const category = (id, name, gb, col) => ({
     id, name, gb, col, icon: 'doc', eq: 'como 8.000 libros digitales', sub: [], files: 40_000,
   });
   const file = (index) => ({
-    name: `recording ${index}.mov`, gb: 12 - index / 50, kind: 'video', last: 'hace 2 meses',
+    name: `recording ${index}.mov`, gb: Math.max(0.3, Math.round(120 * 0.93 ** index) / 10), kind: 'video', last: 'hace 2 meses',
     lastN: 61, path: `${home}/Movies/2023/a folder of some length/recording ${index}.mov`,
     isProtected: false,
   });
@@ -30,9 +33,9 @@ function fullAnalysis(home) {
   return {
     ts: Date.now() / 1000 - 3600,
     state: {
-      total: 494.4, free: 71.2, ser: 56,
+      total: 994.7, free: 312.4, ser: 71,
       cats: [
-        category('fotos', 'Fotos y vídeo', 120.4, '#E8355A'),
+        category('fotos', 'Fotos y vídeo', 379.5, '#E8355A'),
         category('apps', 'Aplicaciones', 88.1, '#2563EB'),
         category('docs', 'Documentos', 40.7, '#E88F0C'),
         category('descargas', 'Descargas', 21.3, '#0BA5D6'),

@@ -35,8 +35,13 @@ export function start(): void {
 
 let reported = false;
 
+function isShown(state: DiskState): boolean {
+  return session.disk !== null && JSON.stringify(session.disk) === JSON.stringify(state);
+}
+
 function showState(state: DiskState, stamp: number | undefined): void {
-  session.disk = state;
+  // The program pushes at every load what the page has from the start already: nothing to render.
+  if (!isShown(state)) session.disk = state;
   if (stamp !== undefined) session.stamp = stamp;
   if (!reported) {
     reported = true;
