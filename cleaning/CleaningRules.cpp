@@ -103,6 +103,7 @@ std::vector<Candidate> CleaningRules::caches() const {
     std::vector<std::string> entries = names(platform_.layout.caches);
     std::erase_if(entries, isSystemCache);
     std::vector<std::string> paths;
+    paths.reserve(entries.size());
     for (const std::string& name : entries)
         paths.push_back(inside(platform_.layout.caches, name));
     const auto sizes = folderSizes(*platform_.directories, paths);
@@ -144,6 +145,7 @@ std::vector<Candidate> CleaningRules::xcode() const {
                             .label = fmt::format("Device support {}.", name)});
     }
     std::vector<std::string> paths;
+    paths.reserve(possible.size());
     for (const Candidate& candidate : possible)
         paths.push_back(candidate.path);
     const auto sizes = folderSizes(*platform_.directories, paths);

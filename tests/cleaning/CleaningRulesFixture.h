@@ -31,7 +31,7 @@ struct CleaningRulesTest : testing::Test {
 
     /// A download of that size, opened and changed that many days ago.
     TempHome::File download(const std::string& name, std::int64_t bytes, std::int64_t days) {
-        const TempHome::File file = home().sparse("Downloads/" + name, bytes);
+        TempHome::File file = home().sparse("Downloads/" + name, bytes);
         file.dated(now() - days * day, now() - days * day);
         return file;
     }
@@ -62,6 +62,7 @@ struct CleaningRulesTest : testing::Test {
 
     static std::vector<std::string> paths(const std::vector<Candidate>& candidates) {
         std::vector<std::string> found;
+        found.reserve(candidates.size());
         for (const Candidate& candidate : candidates)
             found.push_back(candidate.path);
         return found;

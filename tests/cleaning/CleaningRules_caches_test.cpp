@@ -121,6 +121,7 @@ TEST_F(CleaningRulesCachesTest, HundredsOfEntriesKeepOneOrder) {
         folderOf("Library/Caches/small " + std::to_string(index), 1);
     }
     std::vector<std::string> expected;
+    expected.reserve(40);
     for (int index = 0; index < 40; ++index) {
         expected.push_back(folderOf("Library/Caches/c" + std::to_string(100 + index), 50'000'000));
     }

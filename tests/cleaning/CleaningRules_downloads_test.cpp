@@ -7,7 +7,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 struct CleaningRulesDownloadsTest : CleaningRulesTest {
     void useLinuxHome(std::string_view userDirs) {

@@ -86,10 +86,13 @@ TEST_F(FolderSizeTest, ASumThatNoNumberHoldsStaysAtTheLargest) {
     reader.file("/c/a/1", 0, largest - 1);
     reader.file("/c/a/2", 0, 1);
     EXPECT_EQ(size("/c/a"), largest);
+    reader.file("/c/b/1", 0, largest - 1);
+    reader.file("/c/b/2", 0, 5);
+    EXPECT_EQ(size("/c/b"), largest);
     for (int index = 0; index < 64; ++index) {
-        reader.file("/c/a/" + std::to_string(index) + "x/f", 0, largest / 2);
+        reader.file("/c/d/" + std::to_string(index) + "/f", 0, largest / 3);
     }
-    EXPECT_EQ(size("/c/a"), largest);
+    EXPECT_EQ(size("/c/d"), largest) << "also when several threads have a part of it";
 }
 
 TEST_F(FolderSizeTest, EverySumIsTheSameWhateverTheThreadsDo) {

@@ -70,7 +70,7 @@ TempHome::File TempHome::file(std::string_view relative, std::int64_t bytes) {
 }
 
 TempHome::File TempHome::sparse(std::string_view relative, std::int64_t bytes) {
-    const File made = text(relative, "");
+    File made = text(relative, "");
     require(truncate(made.path().c_str(), bytes) == 0, made.path());
     return made;
 }
