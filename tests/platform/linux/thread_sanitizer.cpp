@@ -1,7 +1,8 @@
-/// Read by ThreadSanitizer when the test program starts, unused without it. The system's GLib is not
-/// built for it: what GLib's own threads (the bus, the look-up of applications) pass among
+/// Read by ThreadSanitizer when the test program starts, unused without it. The system's GLib is
+/// not built for it: what GLib's own threads (the bus, the look-up of applications) pass among
 /// themselves looks unordered to it. What these libraries do themselves is left out, and the one
-/// place where our code reads an error text that such a thread has written; nothing else of ours is.
+/// place where our code reads an error text that such a thread has written; nothing else of ours
+/// is.
 extern "C" const char* __tsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
 
 const char* __tsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
