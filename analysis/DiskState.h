@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cleaning/HistoryRecords.h"
+
 namespace velto {
 
 // The analysis as the page shows it. Every field travels under a JSON key equal to its name, all
@@ -15,7 +17,7 @@ namespace velto {
 struct Cat {
     std::string id;
     std::string name;
-    double gb = 0;                              // one decimal
+    double gb = 0;  // one decimal
     std::string icon;
     std::string col;                            // "#RRGGBB"
     std::string eq;                             // equivalence sentence
@@ -27,10 +29,10 @@ struct Cat {
 
 struct BigFile {
     std::string name;
-    double gb = 0;             // one decimal
-    std::string kind;          // "video", "descarga", "app" or "doc"
-    std::string last;          // Spanish relative time
-    double lastN = 0;          // whole days since last use
+    double gb = 0;     // one decimal
+    std::string kind;  // "video", "descarga", "app" or "doc"
+    std::string last;  // Spanish relative time
+    double lastN = 0;  // whole days since last use
     std::string path;
     bool isProtected = false;
 
@@ -40,31 +42,13 @@ struct BigFile {
 struct DupGroup {
     using Pair = std::vector<std::string>;  // file name, size in GB with one decimal
 
-    std::string id;                         // content hash
+    std::string id;  // content hash
     std::string name;
-    std::vector<std::vector<Pair>> pairs;   // per path a list that holds one pair
+    std::vector<std::vector<Pair>> pairs;  // per path a list that holds one pair
     std::vector<std::string> paths;
-    std::int64_t recommended = 0;           // index of the copy to keep
+    std::int64_t recommended = 0;  // index of the copy to keep
 
     bool operator==(const DupGroup&) const = default;
-};
-
-struct HistoryItem {
-    std::string name;
-    double gb = 0;
-
-    bool operator==(const HistoryItem&) const = default;
-};
-
-/// One cleanup of the past.
-struct HistoryEntry {
-    std::string id;
-    double ts = 0;  // seconds since 1970
-    double gb = 0;
-    std::vector<HistoryItem> items;
-    std::string kind;
-
-    bool operator==(const HistoryEntry&) const = default;
 };
 
 /// The user's settings as the page needs them.

@@ -1,56 +1,25 @@
 #include "analysis/disk_state_json.h"
 
-#include <cmath>
-
 #include <nlohmann/json.hpp>
+
+#include "platform/json_fields.h"
 
 namespace velto {
 namespace {
 
 using nlohmann::json;
 
-/// A required field. Stricter than the library, which would read a number as a boolean's type or
-/// cut a real down to an integer: a mistyped field is an error.
-template <typename Type>
-Type field(const json& object, const char* key) {
-    const json& value = object.at(key);
-    bool fits = false;
-    if constexpr (std::is_same_v<Type, bool>) {
-        fits = value.is_boolean();
-    } else if constexpr (std::is_same_v<Type, double>) {
-        fits = value.is_number();
-    } else if constexpr (std::is_same_v<Type, std::int64_t>) {
-        fits = value.is_number_integer();
-    } else {
-        fits = true;  // texts and containers: the library checks them
-    }
-    if (!fits) throw json::type_error::create(302, std::string("wrong type of ") + key, &value);
-    return value.get<Type>();
-}
-
 json toJson(const Cat& cat);
 json toJson(const BigFile& file);
 json toJson(const DupGroup& group);
-json toJson(const HistoryItem& item);
 using velto::toJson;
 
 template <typename Record>
 json listToJson(const std::vector<Record>& records) {
     json list = json::array();
-    for (const Record& record : records) list.push_back(toJson(record));
+    for (const Record& record : records)
+        list.push_back(toJson(record));
     return list;
-}
-
-template <typename Read>
-auto listFrom(const json& object, const char* key, Read read) {
-    const json& list = object.at(key);
-    if (!list.is_array()) {
-        throw json::type_error::create(302, std::string("no list in ") + key, &list);
-    }
-    std::vector<decltype(read(list))> records;
-    records.reserve(list.size());
-    for (const json& element : list) records.push_back(read(element));
-    return records;
 }
 
 json toJson(const Cat& cat) {
@@ -59,9 +28,12 @@ json toJson(const Cat& cat) {
 }
 
 json toJson(const BigFile& file) {
-    return {{"name", file.name},   {"gb", file.gb},
-            {"kind", file.kind},   {"last", file.last},
-            {"lastN", file.lastN}, {"path", file.path},
+    return {{"name", file.name},
+            {"gb", file.gb},
+            {"kind", file.kind},
+            {"last", file.last},
+            {"lastN", file.lastN},
+            {"path", file.path},
             {"isProtected", file.isProtected}};
 }
 
@@ -72,8 +44,6 @@ json toJson(const DupGroup& group) {
             {"paths", group.paths},
             {"recommended", group.recommended}};
 }
-
-json toJson(const HistoryItem& item) { return {{"name", item.name}, {"gb", item.gb}}; }
 
 json toJson(const Settings& settings) {
     json object = {{"retention", settings.retention},
@@ -113,10 +83,6 @@ DupGroup dupGroupFrom(const json& object) {
             .recommended = field<std::int64_t>(object, "recommended")};
 }
 
-HistoryItem historyItemFrom(const json& object) {
-    return {.name = field<std::string>(object, "name"), .gb = field<double>(object, "gb")};
-}
-
 Settings settingsFrom(const json& object) {
     Settings settings{.retention = field<std::int64_t>(object, "retention"),
                       .autoMaintenance = field<bool>(object, "autoMaintenance"),
@@ -133,24 +99,7 @@ Settings settingsFrom(const json& object) {
     return settings;
 }
 
-bool isFinite(const json& value) {
-    if (value.is_number_float()) return std::isfinite(value.get<double>());
-    if (!value.is_structured()) return true;
-    for (const json& element : value) {
-        if (!isFinite(element)) return false;
-    }
-    return true;
-}
-
 }  // namespace
-
-json toJson(const HistoryEntry& entry) {
-    return {{"id", entry.id},
-            {"ts", entry.ts},
-            {"gb", entry.gb},
-            {"items", listToJson(entry.items)},
-            {"kind", entry.kind}};
-}
 
 json toJson(const DiskState& state) {
     json object = {{"total", state.total},
@@ -173,14 +122,6 @@ std::optional<std::string> encode(const DiskState& state) {
     } catch (const json::type_error&) {  // a text that is not UTF-8
         return std::nullopt;
     }
-}
-
-HistoryEntry historyEntryFromJson(const json& object) {
-    return {.id = field<std::string>(object, "id"),
-            .ts = field<double>(object, "ts"),
-            .gb = field<double>(object, "gb"),
-            .items = listFrom(object, "items", historyItemFrom),
-            .kind = field<std::string>(object, "kind")};
 }
 
 DiskState diskStateFromJson(const json& object) {

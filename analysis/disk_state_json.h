@@ -9,8 +9,6 @@
 
 namespace velto {
 
-nlohmann::json toJson(const HistoryEntry& entry);
-
 /// The record as JSON; keys come out sorted when it is written.
 nlohmann::json toJson(const DiskState& state);
 
@@ -19,6 +17,5 @@ std::optional<std::string> encode(const DiskState& state);
 
 /// Strict: a missing or mistyped field throws nlohmann::json::exception. Unknown keys are ignored.
 DiskState diskStateFromJson(const nlohmann::json& json);
-HistoryEntry historyEntryFromJson(const nlohmann::json& json);
 
 }  // namespace velto

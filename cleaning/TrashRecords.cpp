@@ -1,6 +1,10 @@
 #include "cleaning/TrashRecords.h"
 
+#include <cmath>
+
 #include <nlohmann/json.hpp>
+
+#include "platform/json_fields.h"
 
 namespace velto {
 namespace {
@@ -9,50 +13,36 @@ using nlohmann::json;
 // Keys come out in the records' order.
 using ordered = nlohmann::ordered_json;
 
-ordered toJson(const TrashItem& item) {
-    return {{"id", item.id},     {"opID", item.opID}, {"originalPath", item.originalPath},
-            {"name", item.name}, {"gb", item.gb},     {"taken", item.taken}};
+/// The library writes a number that is not finite as null, which no reader would accept.
+double finite(double number) {
+    if (!std::isfinite(number)) throw json::other_error::create(600, "number not finite", nullptr);
+    return number;
 }
 
 ordered toJson(const std::vector<TrashItem>& items) {
     ordered list = ordered::array();
-    for (const TrashItem& item : items) list.push_back(toJson(item));
+    for (const TrashItem& item : items)
+        list.push_back(velto::toJson(item));
     return list;
 }
 
-ordered toJson(const Operation& operation) {
-    return {{"id", operation.id},
-            {"ts", operation.ts},
-            {"gb", operation.gb},
-            {"items", toJson(operation.items)},
-            {"kind", operation.kind}};
-}
-
 TrashItem itemFrom(const json& object) {
-    return {.id = object.at("id").get<std::string>(),
-            .opID = object.at("opID").get<std::string>(),
-            .originalPath = object.at("originalPath").get<std::string>(),
-            .name = object.at("name").get<std::string>(),
-            .gb = object.at("gb").get<double>(),
-            .taken = object.at("taken").get<double>()};
-}
-
-std::vector<TrashItem> itemsFrom(const json& list) {
-    std::vector<TrashItem> items;
-    items.reserve(list.size());
-    for (const json& item : list.get_ref<const json::array_t&>()) items.push_back(itemFrom(item));
-    return items;
-}
-
-Operation operationFrom(const json& object) {
-    return {.id = object.at("id").get<std::string>(),
-            .ts = object.at("ts").get<double>(),
-            .gb = object.at("gb").get<double>(),
-            .items = itemsFrom(object.at("items")),
-            .kind = object.at("kind").get<std::string>()};
+    return {.id = field<std::string>(object, "id"),
+            .opID = field<std::string>(object, "opID"),
+            .originalPath = field<std::string>(object, "originalPath"),
+            .name = field<std::string>(object, "name"),
+            .gb = field<double>(object, "gb"),
+            .taken = field<double>(object, "taken")};
 }
 
 }  // namespace
+
+double sumOf(const std::vector<TrashItem>& items) {
+    double sum = 0;
+    for (const TrashItem& item : items)
+        sum += item.gb;
+    return sum;
+}
 
 const char* TrashError::what() const noexcept {
     switch (reason_) {
@@ -68,20 +58,39 @@ const char* TrashError::what() const noexcept {
     return "";
 }
 
+ordered toJson(const TrashItem& item) {
+    return {{"id", item.id},     {"opID", item.opID},     {"originalPath", item.originalPath},
+            {"name", item.name}, {"gb", finite(item.gb)}, {"taken", finite(item.taken)}};
+}
+
+ordered toJson(const Operation& operation) {
+    return {{"id", operation.id},
+            {"ts", finite(operation.ts)},
+            {"gb", finite(operation.gb)},
+            {"items", toJson(operation.items)},
+            {"kind", operation.kind}};
+}
+
+Operation operationFromJson(const json& object) {
+    return {.id = field<std::string>(object, "id"),
+            .ts = field<double>(object, "ts"),
+            .gb = field<double>(object, "gb"),
+            .items = listFrom(object, "items", itemFrom),
+            .kind = field<std::string>(object, "kind")};
+}
+
 std::string encodeManifest(const Manifest& manifest) {
     ordered operations = ordered::array();
-    for (const Operation& operation : manifest.operations) operations.push_back(toJson(operation));
-    const ordered object{{"items", toJson(manifest.items)}, {"operations", operations}};
+    for (const Operation& operation : manifest.operations)
+        operations.push_back(toJson(operation));
+    const ordered object{{"items", toJson(manifest.items)}, {"operations", std::move(operations)}};
     return object.dump();
 }
 
 Manifest decodeManifest(const std::string& text) {
     const json object = json::parse(text);
-    Manifest manifest{.items = itemsFrom(object.at("items")), .operations = {}};
-    for (const json& operation : object.at("operations").get_ref<const json::array_t&>()) {
-        manifest.operations.push_back(operationFrom(operation));
-    }
-    return manifest;
+    return {.items = listFrom(object, "items", itemFrom),
+            .operations = listFrom(object, "operations", operationFromJson)};
 }
 
 }  // namespace velto

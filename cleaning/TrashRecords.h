@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 namespace velto {
 
 /// One file or folder in the program's trash.
@@ -37,6 +39,9 @@ struct Manifest {
     bool operator==(const Manifest&) const = default;
 };
 
+/// The items' gigabytes, not rounded.
+double sumOf(const std::vector<TrashItem>& items);
+
 /// Why a path was refused. The texts exist in Spanish only and are shown as they are.
 class TrashError : public std::exception {
 public:
@@ -51,10 +56,17 @@ private:
     Reason reason_;
 };
 
+// Keys equal the field names and come in their order. Reading is strict: a missing or mistyped
+// field throws nlohmann::json::exception, and so does writing a number or text that JSON cannot
+// express.
+
+nlohmann::ordered_json toJson(const TrashItem& item);
+nlohmann::ordered_json toJson(const Operation& operation);
+Operation operationFromJson(const nlohmann::json& object);
+
 /// The manifest's JSON, compact.
 std::string encodeManifest(const Manifest& manifest);
 
-/// Strict: a missing or mistyped key throws nlohmann::json::exception.
 Manifest decodeManifest(const std::string& text);
 
 }  // namespace velto

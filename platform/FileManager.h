@@ -26,12 +26,21 @@ private:
 
 enum class FileKind { regular, folder, symbolicLink, other };
 
+/// Which file it is, whatever its name.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;  // inode
+
+    bool operator==(const FileIdentity&) const = default;
+};
+
 struct FileAttributes {
     FileKind kind = FileKind::other;
     std::int64_t allocatedSize = 0;  // bytes on disk
     std::int64_t logicalSize = 0;    // bytes
     double modified = 0;             // seconds since 1970
     double accessed = 0;             // seconds since 1970
+    FileIdentity identity{};
 };
 
 /// Everything the program does to single files and folders. Paths are absolute byte strings.

@@ -8,6 +8,7 @@
 #include "platform/Dispatcher.h"
 #include "platform/FileContent.h"
 #include "platform/FileManager.h"
+#include "platform/FileMover.h"
 #include "platform/HomeLayout.h"
 #include "platform/Locale.h"
 #include "platform/Log.h"
@@ -27,6 +28,7 @@ struct Platform {
     std::unique_ptr<Log> log;
     std::unique_ptr<Clock> clock;
     std::unique_ptr<FileManager> files;
+    std::unique_ptr<FileMover> mover;
     std::unique_ptr<DirectoryReader> directories;
     std::unique_ptr<FileContentReader> contents = makeFileContentReader();  // on every system
     std::unique_ptr<VolumeInfo> volumes;
@@ -37,9 +39,9 @@ struct Platform {
     std::unique_ptr<Notifications> notifications;
 
     HomeLayout layout;
-    std::string executablePath;      // of the running program, absolute
+    std::string executablePath;  // of the running program, absolute
     std::string bundleIdentifier = programIdentifier;
-    bool runsFromBundle = false;     // an application bundle holds the executable (macOS)
+    bool runsFromBundle = false;  // an application bundle holds the executable (macOS)
 
     // Last, so that it ends first: it waits for work that still uses the rest.
     std::unique_ptr<Dispatcher> dispatcher;

@@ -86,8 +86,26 @@ std::string singleLine(std::string_view text) {
     return line;
 }
 
+std::string standardizedPath(std::string_view path) {
+    if (path.empty() || path.front() != '/') return {};
+    std::string result;
+    while (!path.empty()) {
+        path.remove_prefix(1);
+        const std::string_view component = path.substr(0, path.find('/'));
+        path.remove_prefix(component.size());
+        if (component == "..") {
+            result.resize(result.empty() ? 0 : result.rfind('/'));
+        } else if (!component.empty() && component != ".") {
+            result += '/';
+            result += component;
+        }
+    }
+    return result.empty() ? "/" : result;
+}
+
 std::string_view lastPathComponent(std::string_view path) {
-    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+    while (path.size() > 1 && path.back() == '/')
+        path.remove_suffix(1);
     const std::size_t slash = path.rfind('/');
     if (slash == std::string_view::npos || path.size() == 1) return path;
     return path.substr(slash + 1);

@@ -13,6 +13,10 @@ bool isValidUtf8(std::string_view bytes);
 /// a backslash becomes a slash. For texts from outside that go into a toast.
 std::string singleLine(std::string_view text);
 
+/// An absolute path without doubled or trailing slashes, "." and "..", by its text alone: links
+/// play no part, and ".." at the top is dropped. Empty for a path that is not absolute.
+std::string standardizedPath(std::string_view path);
+
 /// The part of a path after its last slash; a trailing slash is not a component.
 std::string_view lastPathComponent(std::string_view path);
 

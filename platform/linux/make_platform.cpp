@@ -93,6 +93,7 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->clock = std::make_unique<SystemClock>();
     platform->dispatcher = std::make_unique<GlibDispatcher>();
     platform->files = std::make_unique<PosixFileManager>();
+    platform->mover = std::make_unique<PosixFileManager>();
     platform->directories = std::make_unique<LinuxDirectoryReader>();
     platform->volumes = std::make_unique<LinuxVolumeInfo>();
 

@@ -66,6 +66,7 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
         platform->clock = std::make_unique<SystemClock>();
         platform->dispatcher = std::make_unique<MacDispatcher>();
         platform->files = std::make_unique<PosixFileManager>();
+        platform->mover = std::make_unique<PosixFileManager>();
         platform->directories = std::make_unique<MacDirectoryReader>();
         platform->volumes = std::make_unique<MacVolumeInfo>();
         platform->defaults = std::make_unique<MacUserDefaults>();

@@ -1,6 +1,7 @@
 #include "platform/posix/FileCalls.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -17,12 +18,28 @@ int FileCalls::stat(int folder, const char* name, struct stat& status) {
     return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW);
 }
 
+int FileCalls::status(int file, struct stat& status) { return ::fstat(file, &status); }
+
 ssize_t FileCalls::read(int file, void* buffer, std::size_t size) {
     return uninterrupted([&] { return ::read(file, buffer, size); });
 }
 
 ssize_t FileCalls::write(int file, const void* data, std::size_t size) {
     return uninterrupted([&] { return ::write(file, data, size); });
+}
+
+ssize_t FileCalls::readAt(int file, void* buffer, std::size_t size, off_t offset) {
+    return uninterrupted([&] { return ::pread(file, buffer, size, offset); });
+}
+
+ssize_t FileCalls::writeAt(int file, const void* data, std::size_t size, off_t offset) {
+    return uninterrupted([&] { return ::pwrite(file, data, size, offset); });
+}
+
+off_t FileCalls::seek(int file, off_t offset, int whence) { return ::lseek(file, offset, whence); }
+
+int FileCalls::resize(int file, off_t size) {
+    return uninterrupted([&] { return ::ftruncate(file, size); });
 }
 
 int FileCalls::sync(int file) {
@@ -36,8 +53,36 @@ int FileCalls::sync(int file) {
 
 int FileCalls::changeMode(int file, mode_t mode) { return ::fchmod(file, mode); }
 
+int FileCalls::changeOwner(int file, uid_t user, gid_t group) {
+    return ::fchown(file, user, group);
+}
+
+int FileCalls::setTimes(int file, const struct timespec (&times)[2]) {
+    return ::futimens(file, times);
+}
+
+int FileCalls::setTimes(int folder, const char* name, const struct timespec (&times)[2]) {
+    return ::utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW);
+}
+
 int FileCalls::makeFolder(int folder, const char* name, mode_t mode) {
     return ::mkdirat(folder, name, mode);
+}
+
+int FileCalls::makeLink(const char* target, int folder, const char* name) {
+    return ::symlinkat(target, folder, name);
+}
+
+int FileCalls::readLink(int folder, const char* name, std::string& target) {
+    target.resize(1024);
+    while (true) {
+        const ssize_t length = ::readlinkat(folder, name, target.data(), target.size());
+        if (length < 0) return -1;
+        const auto size = static_cast<std::size_t>(length);
+        const bool whole = size < target.size();
+        target.resize(whole ? size : target.size() * 2);
+        if (whole) return 0;
+    }
 }
 
 int FileCalls::remove(int folder, const char* name, int flags) {
@@ -46,6 +91,14 @@ int FileCalls::remove(int folder, const char* name, int flags) {
 
 int FileCalls::replace(int fromFolder, const char* from, int toFolder, const char* to) {
     return ::renameat(fromFolder, from, toFolder, to);
+}
+
+int FileCalls::addName(int fromFolder, const char* from, int toFolder, const char* to) {
+    return ::linkat(fromFolder, from, toFolder, to, 0);
+}
+
+int FileCalls::lock(int file, int operation) {
+    return uninterrupted([&] { return ::flock(file, operation); });
 }
 
 FileCalls& systemFileCalls() {

@@ -4,26 +4,54 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <string>
 
 namespace velto {
 
 /// The system calls through which files are changed, one virtual function each, so that a test can
 /// let any single one fail or end the process before or after it. Results and errors are those of
 /// the calls themselves: -1 and `errno`. Safe from every thread.
+///
+/// Those marked "system" are defined in platform/linux and platform/macos.
 class FileCalls {
 public:
     virtual ~FileCalls() = default;
 
     virtual int open(int folder, const char* name, int flags, mode_t mode);
     virtual int stat(int folder, const char* name, struct stat& status);  // never follows a link
+    virtual int status(int file, struct stat& status);
     virtual ssize_t read(int file, void* buffer, std::size_t size);
     virtual ssize_t write(int file, const void* data, std::size_t size);
+    virtual ssize_t readAt(int file, void* buffer, std::size_t size, off_t offset);
+    virtual ssize_t writeAt(int file, const void* data, std::size_t size, off_t offset);
+    /// The next offset with (SEEK_DATA) or without (SEEK_HOLE) content.
+    virtual off_t seek(int file, off_t offset, int whence);
+    virtual int resize(int file, off_t size);
     virtual int sync(int file);  // content and attributes reach the disk
     virtual int changeMode(int file, mode_t mode);
+    virtual int changeOwner(int file, uid_t user, gid_t group);
+    /// Access and modification time of an open file.
+    virtual int setTimes(int file, const struct timespec (&times)[2]);
+    /// The same of a name, never following a link.
+    virtual int setTimes(int folder, const char* name, const struct timespec (&times)[2]);
     virtual int makeFolder(int folder, const char* name, mode_t mode);
+    virtual int makeLink(const char* target, int folder, const char* name);
+    virtual int readLink(int folder, const char* name, std::string& target);
     virtual int remove(int folder, const char* name, int flags);  // flags of unlinkat
     /// Renames, replacing what stands at the target.
     virtual int replace(int fromFolder, const char* from, int toFolder, const char* to);
+    /// Renames in one step; EEXIST when something stands at the target, EINVAL or ENOTSUP when the
+    /// file system cannot promise that. System.
+    virtual int rename(int fromFolder, const char* from, int toFolder, const char* to);
+    /// A second name of the same file (a link itself, not what it leads to); EEXIST as above.
+    virtual int addName(int fromFolder, const char* from, int toFolder, const char* to);
+    /// Copies at most `size` bytes at `offset` inside the kernel and returns how many; fails where
+    /// that is not possible, and the content goes through this process instead. System.
+    virtual ssize_t copyRange(int from, int to, off_t offset, std::size_t size);
+    /// Copies extended attributes and access lists; fails when one of the user's own cannot be
+    /// kept. What only the system may write is left out. System.
+    virtual int copyAttributes(int from, int to);
+    virtual int lock(int file, int operation);  // flock
 };
 
 /// The calls of this machine.

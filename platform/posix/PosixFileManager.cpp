@@ -12,6 +12,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/names_in_folder.h"
+#include "platform/posix/same_state.h"
 
 namespace velto {
 namespace {
@@ -34,25 +35,6 @@ double seconds(const timespec& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
-// POSIX calls the times st_mtim and st_atim; BSD systems keep their older names.
-template <typename Status>
-double modificationTime(const Status& status) {
-    if constexpr (requires { status.st_mtim; }) {
-        return seconds(status.st_mtim);
-    } else {
-        return seconds(status.st_mtimespec);
-    }
-}
-
-template <typename Status>
-double accessTime(const Status& status) {
-    if constexpr (requires { status.st_atim; }) {
-        return seconds(status.st_atim);
-    } else {
-        return seconds(status.st_atimespec);
-    }
-}
-
 FileKind kindOf(mode_t mode) {
     if (S_ISREG(mode)) return FileKind::regular;
     if (S_ISDIR(mode)) return FileKind::folder;
@@ -60,6 +42,16 @@ FileKind kindOf(mode_t mode) {
 }
 
 }  // namespace
+
+FileAttributes attributesFrom(const struct stat& status) {
+    return {.kind = kindOf(status.st_mode),
+            .allocatedSize = static_cast<std::int64_t>(status.st_blocks) * statBlock,
+            .logicalSize = static_cast<std::int64_t>(status.st_size),
+            .modified = seconds(modifiedTime(status)),
+            .accessed = seconds(accessedTime(status)),
+            .identity = {static_cast<std::uint64_t>(status.st_dev),
+                         static_cast<std::uint64_t>(status.st_ino)}};
+}
 
 bool PosixFileManager::exists(const std::string& path) const {
     struct stat status;
@@ -71,11 +63,7 @@ std::optional<FileAttributes> PosixFileManager::attributes(const std::string& pa
     struct stat status;
     if (path.find('\0') != std::string::npos) return std::nullopt;
     if (calls_.stat(AT_FDCWD, path.c_str(), status) != 0) return std::nullopt;
-    return FileAttributes{.kind = kindOf(status.st_mode),
-                          .allocatedSize = static_cast<std::int64_t>(status.st_blocks) * statBlock,
-                          .logicalSize = static_cast<std::int64_t>(status.st_size),
-                          .modified = modificationTime(status),
-                          .accessed = accessTime(status)};
+    return attributesFrom(status);
 }
 
 std::vector<std::string> PosixFileManager::list(const std::string& folder) const {

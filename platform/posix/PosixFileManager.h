@@ -1,12 +1,13 @@
 #pragma once
 
 #include "platform/FileManager.h"
+#include "platform/FileMover.h"
 #include "platform/posix/FileCalls.h"
 
 namespace velto {
 
 /// Files through POSIX calls. New files are for the user alone (0600), new folders too (0700).
-class PosixFileManager final : public FileManager {
+class PosixFileManager : public FileManager, public FileMover {
 public:
     /// `calls` outlives the manager.
     explicit PosixFileManager(FileCalls& calls = systemFileCalls()) : calls_(calls) {}
@@ -23,8 +24,30 @@ public:
     /// Does not enter a volume that is mounted inside (EXDEV).
     void removeAll(const std::string& path) override;
 
+    std::unique_ptr<FolderHandle> openFolder(const std::string& path, FolderPath how) override;
+    std::unique_ptr<FolderHandle> openFolder(const FolderHandle& parent,
+                                             const std::string& name) override;
+    bool isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) override;
+    std::optional<FileAttributes> attributes(const FolderHandle& folder,
+                                             const std::string& name) override;
+    std::vector<std::string> list(const FolderHandle& folder) override;
+    void makeFolder(const FolderHandle& parent, const std::string& name) override;
+    bool moveAtOnce(const FolderHandle& from, const std::string& name, const FolderHandle& to,
+                    const std::string& newName) override;
+    void moveInSteps(const FolderHandle& from, const std::string& name, const FolderHandle& to,
+                     const std::string& newName, const std::string& scratch) override;
+    MoveState settleMove(const FolderHandle& from, const std::string& name, const FolderHandle& to,
+                         const std::string& newName, const std::string& scratch) override;
+    void removeAll(const FolderHandle& parent, const std::string& name) override;
+    bool removeEmptyFolder(const FolderHandle& parent, const std::string& name) override;
+    void sync(const FolderHandle& folder) override;
+    std::unique_ptr<FileLock> lock(const std::string& path, bool wait) override;
+    std::unique_ptr<FileVersion> openVersion(const std::string& path) override;
+
 private:
     FileCalls& calls_;
 };
+
+FileAttributes attributesFrom(const struct stat& status);
 
 }  // namespace velto

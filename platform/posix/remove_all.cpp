@@ -8,6 +8,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/posix/PosixFolder.h"
 #include "platform/posix/names_in_folder.h"
 
 namespace velto {
@@ -23,7 +24,7 @@ struct Level {
     int refills = 0;                 // how often something was in it again when it went
 };
 
-constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int listFlags = O_RDONLY | folderFlags;
 constexpr int attempts = 8;             // what is being removed may change meanwhile; not for ever
 constexpr std::size_t openLevels = 64;  // of a deep tree only the lowest folders stay open
 
@@ -33,9 +34,10 @@ constexpr std::size_t openLevels = 64;  // of a deep tree only the lowest folder
 /// "..", and used only if it is the same one.
 class Removal {
 public:
-    /// `path` is for errors alone.
-    Removal(FileCalls& calls, Descriptor parent, dev_t device, std::string path)
-        : calls_(calls), path_(std::move(path)) {
+    /// `path` is for errors alone. With `makeWritable`, folders that refuse their owner are opened
+    /// up before they are emptied.
+    Removal(FileCalls& calls, Descriptor parent, dev_t device, std::string path, bool makeWritable)
+        : calls_(calls), path_(std::move(path)), makeWritable_(makeWritable) {
         levels_.push_back(
             {.name = "", .folder = std::move(parent), .device = device, .inode = 0, .names = {}});
     }
@@ -79,7 +81,7 @@ private:
     /// False with `errno` set when the name is no folder any more.
     bool enter(const std::string& name) {
         const Level& parent = levels_.back();
-        Descriptor folder(calls_.open(parent.folder.number(), name.c_str(), folderFlags, 0));
+        Descriptor folder(calls_.open(parent.folder.number(), name.c_str(), listFlags, 0));
         if (!folder.isOpen()) {
             // macOS and Linux answer ELOOP or ENOTDIR for a link.
             if (errno == ENOTDIR || errno == ELOOP || errno == ENOENT) return false;
@@ -89,6 +91,10 @@ private:
         if (::fstat(folder.number(), &status) != 0) fail(name);
         // Another volume that is mounted here is no part of the folder.
         if (status.st_dev != parent.device) fail(name, EXDEV);
+        // Refused to all but the owner; then removing what is inside tells why.
+        if (makeWritable_ && (status.st_mode & S_IRWXU) != S_IRWXU) {
+            calls_.changeMode(folder.number(), (status.st_mode & 07777) | S_IRWXU);
+        }
         levels_.push_back({.name = name,
                            .folder = std::move(folder),
                            .device = status.st_dev,
@@ -104,7 +110,7 @@ private:
 
     void list() {
         Level& level = levels_.back();
-        Descriptor listing(calls_.open(level.folder.number(), ".", folderFlags, 0));
+        Descriptor listing(calls_.open(level.folder.number(), ".", listFlags, 0));
         if (!listing.isOpen()) fail("");
         auto names = namesInFolder(std::move(listing));
         if (!names) fail("");
@@ -128,7 +134,7 @@ private:
     int parentOfLast() {
         Level& parent = levels_[levels_.size() - 2];
         if (parent.folder.isOpen()) return parent.folder.number();
-        Descriptor folder(calls_.open(levels_.back().folder.number(), "..", folderFlags, 0));
+        Descriptor folder(calls_.open(levels_.back().folder.number(), "..", listFlags, 0));
         struct stat status;
         if (!folder.isOpen() || ::fstat(folder.number(), &status) != 0) fail("");
         // Another one: the folder was moved away while it was being emptied.
@@ -149,6 +155,7 @@ private:
 
     FileCalls& calls_;
     std::string path_;
+    bool makeWritable_;
     std::vector<Level> levels_;  // first the folder that holds the item
 };
 
@@ -172,7 +179,17 @@ void PosixFileManager::removeAll(const std::string& path) {
     }
     struct stat status;
     if (::fstat(folder.number(), &status) != 0) throw FileError("remove", path, errno);
-    Removal(calls_, std::move(folder), status.st_dev, whole).run(name);
+    Removal(calls_, std::move(folder), status.st_dev, whole, false).run(name);
+}
+
+void PosixFileManager::removeAll(const FolderHandle& parent, const std::string& name) {
+    const Entry entry(parent, name);
+    Descriptor folder(calls_.open(entry.folder(), ".", passThrough | folderFlags, 0));
+    struct stat status;
+    if (!folder.isOpen() || calls_.status(folder.number(), status) != 0) {
+        throw FileError("remove", entry.path(), errno);
+    }
+    Removal(calls_, std::move(folder), status.st_dev, entry.path(), true).run(name);
 }
 
 }  // namespace velto

@@ -26,8 +26,10 @@ void require(bool succeeded, const std::string& what) {
 
 }  // namespace
 
-TempHome::TempHome() {
-    std::string pattern = std::filesystem::temp_directory_path() / "velto-test-XXXXXX";
+TempHome::TempHome() : TempHome(std::filesystem::temp_directory_path().string()) {}
+
+TempHome::TempHome(const std::string& parent) {
+    std::string pattern = parent + "/velto-test-XXXXXX";
     require(mkdtemp(pattern.data()) != nullptr, pattern);
     root_ = std::filesystem::canonical(pattern);
 }

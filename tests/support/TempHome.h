@@ -22,6 +22,8 @@ constexpr double operator""_days(unsigned long long count) {
 class TempHome {
 public:
     TempHome();
+    /// In a folder of the test's choice, to have it on that folder's volume.
+    explicit TempHome(const std::string& parent);
     ~TempHome();
     TempHome(const TempHome&) = delete;
     TempHome& operator=(const TempHome&) = delete;

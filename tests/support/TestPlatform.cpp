@@ -15,6 +15,7 @@ TestPlatform::TestPlatform()
       workspace(install<FakeWorkspace>(platform.workspace)),
       notifications(install<FakeNotifications>(platform.notifications)) {
     platform.files = systemFileManager();
+    platform.mover = systemFileMover();
     platform.directories = systemDirectoryReader();
     platform.layout = HomeLayout::macOS(home.path());
     platform.executablePath = "/opt/velto/velto";

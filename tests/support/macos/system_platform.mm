@@ -7,6 +7,8 @@ namespace velto {
 
 std::unique_ptr<FileManager> systemFileManager() { return std::make_unique<PosixFileManager>(); }
 
+std::unique_ptr<FileMover> systemFileMover() { return std::make_unique<PosixFileManager>(); }
+
 std::unique_ptr<DirectoryReader> systemDirectoryReader() {
     return std::make_unique<MacDirectoryReader>();
 }

@@ -1,0 +1,136 @@
+#include "cleaning/TrashFolder.h"
+
+#include <cerrno>
+
+#include "platform/text.h"
+
+namespace velto {
+namespace {
+
+constexpr std::size_t longestName = 255;  // bytes; what most file systems take
+
+/// A manifest that somebody has tampered with must not reach outside the trash.
+bool isComponent(const std::string& name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
+}
+
+/// The id, "-" and the item's name; a name that would be too long with the id before it is cut
+/// between two characters (the manifest holds it whole).
+std::string storedName(const TrashItem& item) {
+    std::string name = item.id + "-" + item.name;
+    if (name.size() <= longestName) return name;
+    name.resize(longestName);
+    while (!isValidUtf8(name))
+        name.pop_back();
+    return name;
+}
+
+std::string scratchName(const TrashItem& item) { return ".velto-" + item.id; }
+
+bool isSound(const TrashItem& item) {
+    return isComponent(item.opID) && isComponent(storedName(item));
+}
+
+bool isAbsence(const FileError& error) {
+    return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ELOOP;
+}
+
+}  // namespace
+
+std::unique_ptr<FolderHandle> TrashFolder::openRoot() const {
+    try {
+        return mover_.openFolder(path_, FolderPath::throughLinks);
+    } catch (const FileError& error) {
+        if (!isAbsence(error) || files_.exists(path_)) throw;
+        return nullptr;
+    }
+}
+
+std::unique_ptr<FolderHandle> TrashFolder::makeOperation(const std::string& operationID) {
+    const auto root = mover_.openFolder(path_, FolderPath::created);
+    mover_.makeFolder(*root, operationID);
+    return mover_.openFolder(*root, operationID);
+}
+
+std::unique_ptr<FolderHandle> TrashFolder::openOperation(const std::string& operationID) const {
+    if (!isComponent(operationID)) return nullptr;
+    const auto root = openRoot();
+    if (!root) return nullptr;
+    try {
+        return mover_.openFolder(*root, operationID);
+    } catch (const FileError& error) {
+        // A link, or a file, is nothing that this program has made.
+        const bool isFolder = error.code() == ENOENT && mover_.attributes(*root, operationID);
+        if (!isAbsence(error) || isFolder) throw;
+        return nullptr;
+    }
+}
+
+std::optional<FileAttributes> TrashFolder::attributes(const FolderHandle* operation,
+                                                      const TrashItem& item) const {
+    if (operation == nullptr || !isSound(item)) return std::nullopt;
+    return mover_.attributes(*operation, storedName(item));
+}
+
+void TrashFolder::moveIn(const Place& source, const FolderHandle& operation,
+                         const TrashItem& item) {
+    const std::string name = storedName(item);
+    if (mover_.moveAtOnce(*source.folder, source.name, operation, name)) return;
+    mover_.moveInSteps(*source.folder, source.name, operation, name, scratchName(item));
+}
+
+void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation, const Place& target,
+                          const std::function<void()>& beforeSteps) {
+    const std::string name = storedName(item);
+    if (mover_.moveAtOnce(operation, name, *target.folder, target.name)) return;
+    beforeSteps();
+    mover_.moveInSteps(operation, name, *target.folder, target.name, scratchName(item));
+}
+
+MoveState TrashFolder::settleIn(const Place& source, const FolderHandle& operation,
+                                const TrashItem& item) {
+    return mover_.settleMove(*source.folder, source.name, operation, storedName(item),
+                             scratchName(item));
+}
+
+MoveState TrashFolder::settleOut(const TrashItem& item, const FolderHandle& operation,
+                                 const Place& target) {
+    return mover_.settleMove(operation, storedName(item), *target.folder, target.name,
+                             scratchName(item));
+}
+
+bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operation) const {
+    return mover_.attributes(operation, scratchName(item)).has_value();
+}
+
+void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
+    if (!holdsScratch(item, operation) || attributes(&operation, item)) return;
+    mover_.moveAtOnce(operation, scratchName(item), operation, storedName(item));
+}
+
+void TrashFolder::remove(const TrashItem& item) {
+    const auto operation = openOperation(item.opID);
+    if (operation && isSound(item)) mover_.removeAll(*operation, storedName(item));
+}
+
+void TrashFolder::removeOperationIfEmpty(const std::string& operationID) {
+    try {
+        const auto root = openRoot();
+        if (root && isComponent(operationID)) mover_.removeEmptyFolder(*root, operationID);
+    } catch (const FileError&) {
+        // See the declaration.
+    }
+}
+
+void TrashFolder::removeEverything() {
+    const auto root = openRoot();
+    if (!root) return;
+    for (const std::string& name : mover_.list(*root)) {
+        if (name != manifestName) mover_.removeAll(*root, name);
+    }
+    mover_.removeAll(*root, manifestName);
+    files_.removeAll(path_);
+}
+
+}  // namespace velto

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "cleaning/TrashGuard.h"
+#include "cleaning/TrashRecords.h"
+#include "platform/FileManager.h"
+#include "platform/FileMover.h"
+#include "platform/HomeLayout.h"
+
+namespace velto {
+
+/// The files of the trash: one folder per operation, in it each item under its id, "-" and its
+/// name. Knows nothing of the manifest but its name. What its functions throw is FileError.
+class TrashFolder {
+public:
+    TrashFolder(FileManager& files, FileMover& mover, const HomeLayout& layout)
+        : files_(files), mover_(mover), path_(layout.trashFolder) {}
+
+    const std::string& path() const { return path_; }
+    std::string manifestPath() const { return path_ + "/" + manifestName; }
+
+    /// Makes the folder of a new operation, and the trash when it is missing.
+    std::unique_ptr<FolderHandle> makeOperation(const std::string& operationID);
+
+    /// Null when there is no such folder, or when the id cannot be the name of one.
+    std::unique_ptr<FolderHandle> openOperation(const std::string& operationID) const;
+
+    /// The attributes of an item's file in its operation's folder (null: there is none); nothing
+    /// when the file is not there.
+    std::optional<FileAttributes> attributes(const FolderHandle* operation,
+                                             const TrashItem& item) const;
+
+    void moveIn(const Place& source, const FolderHandle& operation, const TrashItem& item);
+
+    /// Moves an item out to a name that must be free. `beforeSteps` runs when it takes several
+    /// steps.
+    void moveOut(
+        const TrashItem& item, const FolderHandle& operation, const Place& target,
+        const std::function<void()>& beforeSteps = [] {});
+
+    /// Undoes or completes what a cut-off move has left (FileManager::settleMove). "Source" is
+    /// where the move began.
+    MoveState settleIn(const Place& source, const FolderHandle& operation, const TrashItem& item);
+    MoveState settleOut(const TrashItem& item, const FolderHandle& operation, const Place& target);
+
+    /// True when a move in several steps has left something under its scratch name.
+    bool holdsScratch(const TrashItem& item, const FolderHandle& operation) const;
+
+    /// Gives that the item's own name when that is free; for a move whose other side is gone.
+    void adoptScratch(const TrashItem& item, const FolderHandle& operation);
+
+    /// Removes an item's file for good; one that is not there is fine.
+    void remove(const TrashItem& item);
+
+    /// Removes an operation's folder unless something is in it. Errors are ignored: an empty folder
+    /// harms nobody.
+    void removeOperationIfEmpty(const std::string& operationID);
+
+    /// Removes the trash folder with everything in it, the manifest last: what remains after a
+    /// failure is still listed.
+    void removeEverything();
+
+private:
+    static constexpr const char* manifestName = "manifest.json";
+
+    std::unique_ptr<FolderHandle> openRoot() const;
+
+    FileManager& files_;
+    FileMover& mover_;
+    std::string path_;
+};
+
+}  // namespace velto

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "cleaning/TrashRecords.h"
+#include "platform/FileManager.h"
+#include "platform/FileMover.h"
+
+namespace velto {
+
+/// The manifest file and the version of it that the lists in memory stand for.
+class TrashManifest {
+public:
+    /// `path` lies in the trash folder.
+    TrashManifest(FileManager& files, FileMover& mover, std::string path)
+        : files_(files), mover_(mover), path_(std::move(path)) {}
+
+    /// True when the lists were read and nobody has changed the file since.
+    bool isCurrent() const;
+
+    /// Reads the file unless it is current. When it cannot be read or is damaged the lists stay as
+    /// they are: empty at first, and the next save overwrites it. A damaged file is not read again.
+    /// When the whole trash is gone the lists become empty. False when another process has changed
+    /// the file and it cannot be read: then nothing may be saved over it.
+    bool refresh(Manifest& lists);
+
+    /// Writes the lists, making the trash folder when it is missing. Returns why it failed.
+    std::optional<FileError> save(const Manifest& lists);
+
+    /// False while the last save has failed: the lists know more than the file.
+    bool isSaved() const { return isSaved_; }
+
+private:
+    bool tryToRead(Manifest& lists);
+    std::string folder() const { return path_.substr(0, path_.rfind('/')); }
+
+    FileManager& files_;
+    FileMover& mover_;
+    std::string path_;
+    bool loaded_ = false;
+    bool isSaved_ = true;
+    std::unique_ptr<FileVersion> version_;  // null: there was no file
+};
+
+}  // namespace velto

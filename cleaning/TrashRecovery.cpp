@@ -1,0 +1,180 @@
+#include "cleaning/TrashRecovery.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <optional>
+#include <unordered_set>
+
+#include "platform/text.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+/// Where an item came from. A link that has got into the path since is not followed.
+Place openOrigin(FileMover& mover, const TrashItem& item) {
+    return openPlace(mover, standardizedPath(item.originalPath), FolderPath::withoutLinks);
+}
+
+}  // namespace
+
+void forgetItems(Manifest& lists, const std::vector<std::string>& itemIDs) {
+    const std::unordered_set<std::string> gone(itemIDs.begin(), itemIDs.end());
+    const auto isGone = [&](const TrashItem& item) { return gone.contains(item.id); };
+    std::erase_if(lists.items, isGone);
+    for (Operation& operation : lists.operations)
+        std::erase_if(operation.items, isGone);
+    std::erase_if(lists.operations,
+                  [](const Operation& operation) { return operation.items.empty(); });
+}
+
+bool TrashRecovery::recover(const JournalEntry& entry) {
+    switch (entry.kind) {
+        case JournalEntry::Kind::move:
+            return recoverMove(entry.operation);
+        case JournalEntry::Kind::restore:
+            return recoverRestore(entry);
+        case JournalEntry::Kind::remove:
+        case JournalEntry::Kind::purge:
+            return recoverRemoval(entry);
+        case JournalEntry::Kind::empty:
+            return recoverEmptying();
+    }
+    return false;
+}
+
+/// A move that had brought everything in is finished; any other is taken back.
+bool TrashRecovery::recoverMove(const Operation& operation) {
+    const bool isRecorded = std::ranges::find(lists_.operations, operation.id, &Operation::id) !=
+                            lists_.operations.end();
+    if (isRecorded) return false;
+    const auto folder = folder_.openOperation(operation.id);
+    if (!folder) return false;
+    const bool isComplete =
+        !operation.items.empty() && std::ranges::all_of(operation.items, [&](const auto& item) {
+            return isInTrash(item, *folder);
+        });
+    if (!isComplete) return takeBack(operation);
+    record(operation);
+    return true;
+}
+
+bool TrashRecovery::takeBack(const Operation& operation) {
+    const auto folder = folder_.openOperation(operation.id);
+    if (!folder) return false;
+    Operation stuck = operation;
+    std::erase_if(stuck.items, [&](const TrashItem& item) {
+        return !isInTrash(item, *folder) || moveBack(item, *folder);
+    });
+    folder_.removeOperationIfEmpty(operation.id);
+    if (stuck.items.empty()) return false;
+    record(std::move(stuck));
+    return true;
+}
+
+bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
+    try {
+        const Place place = openOrigin(mover_, item);
+        return folder_.settleIn(place, operation, item) == MoveState::atTarget;
+    } catch (const FileError& error) {
+        // EEXIST: both places are taken and nothing may be replaced; all pieces stay. In all other
+        // cases the place that it came from is out of reach.
+        if (folder_.attributes(&operation, item)) return true;
+        if (error.code() == EEXIST || !folder_.holdsScratch(item, operation)) return false;
+        const bool isGone = error.code() == ENOENT || error.code() == ENOTDIR;
+        if (!isGone) throw;  // the original may be there, put aside
+        folder_.adoptScratch(item, operation);
+        return true;
+    }
+}
+
+bool TrashRecovery::moveBack(const TrashItem& item, const FolderHandle& operation) {
+    std::optional<Place> place;
+    try {
+        place = openOrigin(mover_, item);
+        folder_.moveOut(item, operation, *place);
+        return true;
+    } catch (const FileError&) {
+        // Nowhere to go back to, or the move itself failed and may have left something.
+        return place && folder_.settleOut(item, operation, *place) != MoveState::atSource;
+    }
+}
+
+/// The items that are out of the trash are forgotten. They are restored in order, so the first one
+/// that is still there ends the search.
+bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
+    const std::vector<TrashItem> items = itemsOf(entry);
+    if (items.empty()) return false;
+    const std::string operationID = items.front().opID;
+    const auto folder = folder_.openOperation(operationID);
+    std::vector<std::string> restored;
+    for (const TrashItem& item : items) {
+        if (folder && entry.steps && entry.steps->itemID == item.id) {
+            settleSteps(item, *folder, entry.steps->target);
+        }
+        if (folder_.attributes(folder.get(), item)) break;
+        restored.push_back(item.id);
+    }
+    if (restored.empty()) return false;
+    forgetItems(lists_, restored);
+    folder_.removeOperationIfEmpty(operationID);
+    return true;
+}
+
+void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
+                                const std::string& target) {
+    try {
+        const Place place = openPlace(mover_, target, FolderPath::throughLinks);
+        folder_.settleOut(item, operation, place);
+    } catch (const FileError&) {
+        // The place that it went to is out of reach: what was put aside is the item again.
+        folder_.adoptScratch(item, operation);
+    }
+}
+
+bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {
+    std::vector<std::string> gone;
+    const std::vector<TrashItem> items = itemsOf(entry);
+    for (const TrashItem& item : items) {
+        try {
+            folder_.remove(item);
+            gone.push_back(item.id);
+        } catch (const FileError&) {
+            if (entry.kind == JournalEntry::Kind::purge) gone.push_back(item.id);
+        }
+    }
+    if (gone.empty()) return false;
+    forgetItems(lists_, gone);
+    for (const TrashItem& item : items)
+        folder_.removeOperationIfEmpty(item.opID);
+    return true;
+}
+
+bool TrashRecovery::recoverEmptying() {
+    try {
+        folder_.removeEverything();
+    } catch (const FileError&) {
+        return false;  // what resists stays listed, as when emptying fails
+    }
+    lists_ = {};
+    return true;
+}
+
+void TrashRecovery::record(Operation operation) {
+    const double total = roundedToTenth(sumOf(operation.items));
+    operation.gb = std::isfinite(total) ? total : 0;
+    lists_.items.insert(lists_.items.end(), operation.items.begin(), operation.items.end());
+    lists_.operations.insert(lists_.operations.begin(), std::move(operation));
+}
+
+std::vector<TrashItem> TrashRecovery::itemsOf(const JournalEntry& entry) const {
+    const std::unordered_set<std::string> wanted(entry.itemIDs.begin(), entry.itemIDs.end());
+    std::vector<TrashItem> items;
+    std::ranges::copy_if(lists_.items, std::back_inserter(items), [&](const TrashItem& item) {
+        return wanted.empty() ? item.opID == entry.operation.id : wanted.contains(item.id);
+    });
+    return items;
+}
+
+}  // namespace velto

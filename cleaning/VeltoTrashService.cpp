@@ -1,0 +1,207 @@
+#include "cleaning/VeltoTrashService.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <unordered_set>
+
+#include <fmt/format.h>
+
+#include "platform/Platform.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+using Kind = JournalEntry::Kind;
+using Reason = TrashError::Reason;
+
+std::vector<std::string> idsOf(const std::vector<TrashItem>& items) {
+    std::vector<std::string> ids;
+    for (const TrashItem& item : items)
+        ids.push_back(item.id);
+    return ids;
+}
+
+}  // namespace
+
+VeltoTrashService::VeltoTrashService(FileManager& files, FileMover& mover, const Clock& clock,
+                                     Log& log, const HomeLayout& layout)
+    : files_(files),
+      mover_(mover),
+      clock_(clock),
+      log_(log),
+      layout_(layout),
+      guard_(files, mover, layout),
+      folder_(files, mover, layout),
+      journal_(files, layout),
+      manifest_(files, mover, folder_.manifestPath()),
+      recovery_(mover, folder_, lists_) {}
+
+VeltoTrashService& VeltoTrashService::shared() {
+    Platform& platform = processPlatform();
+    static VeltoTrashService instance(*platform.files, *platform.mover, *platform.clock,
+                                      *platform.log, platform.layout);
+    return instance;
+}
+
+// Deleting for good
+
+void VeltoTrashService::deletePermanently(const std::string& itemID) {
+    const Change change = begin();
+    const TrashItem item = itemWith(itemID);
+    const auto operation = folder_.openOperation(item.opID);
+    if (!folder_.attributes(operation.get(), item)) throw TrashError(Reason::notFound);
+    announce({.kind = Kind::remove, .operation = {}, .itemIDs = {itemID}, .steps = {}}, change);
+    try {
+        folder_.remove(item);
+    } catch (const FileError&) {
+        if (!change.unsettled) journal_.clear();
+        throw;
+    }
+    forget({item});
+    saveAndSettle(change);
+}
+
+void VeltoTrashService::emptyTrash() {
+    const Change change = begin();
+    // What an earlier change has left unsettled may be the only copy of a file.
+    if (change.unsettled && !change.isOnlyUnsaved) throw FileError(*change.unsettled);
+    announce({.kind = Kind::empty, .operation = {}, .itemIDs = {}, .steps = {}}, change);
+    try {
+        folder_.removeEverything();
+    } catch (const FileError&) {
+        if (!change.unsettled) journal_.clear();
+        throw;
+    }
+    lists_ = {};
+    saveAndSettle(change);
+}
+
+double VeltoTrashService::purgeExpired(std::int64_t retentionDays) {
+    try {
+        return purge(clock_.now() - static_cast<double>(retentionDays) * secondsPerDay);
+    } catch (const FileError&) {
+        return 0;  // out of reach: what is expired now still is at the next purge
+    }
+}
+
+double VeltoTrashService::purge(double cutoff) {
+    const Change change = begin();
+    std::vector<TrashItem> expired;
+    std::ranges::copy_if(lists_.items, std::back_inserter(expired),
+                         [&](const TrashItem& item) { return item.taken < cutoff; });
+    if (expired.empty()) return 0;
+    announce({.kind = Kind::purge, .operation = {}, .itemIDs = idsOf(expired), .steps = {}},
+             change);
+    double freed = 0;
+    for (const TrashItem& item : expired) {
+        try {
+            const auto operation = folder_.openOperation(item.opID);
+            const auto attributes = folder_.attributes(operation.get(), item);
+            if (attributes) freed += gigabytes(attributes->allocatedSize);
+            folder_.remove(item);
+        } catch (const FileError&) {
+            // Forgotten all the same: the retention period has ended.
+        }
+    }
+    forget(expired);
+    saveAndSettle(change);
+    log_.line(
+        fmt::format("Velto ▶ purga: {} elementos, {} GB liberados", expired.size(), tenths(freed)));
+    return freed;
+}
+
+// The lists
+
+double VeltoTrashService::totalGB() { return sumOf(items()); }
+
+const std::vector<TrashItem>& VeltoTrashService::items() {
+    ensureLoaded();
+    return lists_.items;
+}
+
+const std::vector<Operation>& VeltoTrashService::operations() {
+    ensureLoaded();
+    return lists_.operations;
+}
+
+void VeltoTrashService::validate(const std::string& path,
+                                 const std::vector<std::string>& extraRoots) {
+    guard_.admit(path, extraRoots);
+}
+
+const TrashItem& VeltoTrashService::itemWith(const std::string& id) const {
+    const auto found = std::ranges::find(lists_.items, id, &TrashItem::id);
+    if (found == lists_.items.end()) throw TrashError(Reason::notFound);
+    return *found;
+}
+
+void VeltoTrashService::forget(const std::vector<TrashItem>& gone) {
+    forgetItems(lists_, idsOf(gone));
+    std::unordered_set<std::string> seen;
+    for (const TrashItem& item : gone) {
+        if (seen.insert(item.opID).second) folder_.removeOperationIfEmpty(item.opID);
+    }
+}
+
+// One change at a time
+
+VeltoTrashService::Change VeltoTrashService::begin() {
+    files_.createFolders(layout_.dataFolder);
+    Change change;
+    change.lock = mover_.lock(lockPath(), true);
+    if (!manifest_.refresh(lists_)) throw FileError("read", folder_.manifestPath(), EIO);
+    settleEarlierChange(change);
+    return change;
+}
+
+VeltoTrashService::Change VeltoTrashService::beginStrictly() {
+    Change change = begin();
+    if (change.unsettled) throw FileError(*change.unsettled);
+    return change;
+}
+
+void VeltoTrashService::settleEarlierChange(Change& change) {
+    try {
+        const auto entry = journal_.read();
+        if (!entry) return;
+        const bool hasChanged = recovery_.recover(*entry);
+        if (hasChanged || !manifest_.isSaved()) change.unsettled = manifest_.save(lists_);
+        change.isOnlyUnsaved = change.unsettled.has_value();
+        if (!change.unsettled) journal_.clear();
+    } catch (const FileError& error) {
+        change.unsettled = error;
+    }
+}
+
+/// For reading alone: never waits for another process, and settles what it has left only when it is
+/// not at work.
+void VeltoTrashService::ensureLoaded() {
+    if (manifest_.isCurrent() && !journal_.exists()) return;
+    Change change;
+    try {
+        if (files_.exists(layout_.dataFolder)) change.lock = mover_.lock(lockPath(), false);
+    } catch (const FileError&) {
+        // Without the lock the lists are still whole: the manifest is replaced in one step.
+    }
+    manifest_.refresh(lists_);
+    if (change.lock) settleEarlierChange(change);
+}
+
+/// A removal goes on without the journal: it must be possible on a full disk.
+void VeltoTrashService::announce(const JournalEntry& entry, const Change& change) {
+    if (change.unsettled) return;
+    try {
+        journal_.write(entry);
+    } catch (const FileError&) {
+        // Cut off now, an item could be found half deleted; it was to go anyway.
+    }
+}
+
+/// Saves the lists, silently when that fails: they stay in force, and so does the journal.
+void VeltoTrashService::saveAndSettle(const Change& change) {
+    const bool isSaved = !manifest_.save(lists_).has_value();
+    if (isSaved && (!change.unsettled || change.isOnlyUnsaved)) journal_.clear();
+}
+
+}  // namespace velto

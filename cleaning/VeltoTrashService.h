@@ -1,0 +1,128 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cleaning/TrashFolder.h"
+#include "cleaning/TrashGuard.h"
+#include "cleaning/TrashJournal.h"
+#include "cleaning/TrashManifest.h"
+#include "cleaning/TrashRecords.h"
+#include "cleaning/TrashRecovery.h"
+#include "platform/Clock.h"
+#include "platform/FileManager.h"
+#include "platform/FileMover.h"
+#include "platform/HomeLayout.h"
+#include "platform/Log.h"
+
+namespace velto {
+
+/// The program's own recoverable trash. Files are moved into a private folder, one folder per
+/// operation, and listed in a manifest; from there they can be restored, undone by the operation,
+/// or deleted for good.
+///
+/// At every instant every file exists in full, at its place or in the trash, until it is deleted
+/// for good: nothing is ever replaced, and a journal beside the trash folder lets the next use
+/// finish or take back a change that was cut off. Several processes may use one trash at a time; a
+/// lock beside it orders their changes. Within a process one work item at a time uses an instance.
+///
+/// Functions throw TrashError for what the trash itself refuses, FileError for what the file system
+/// refuses. All of them read the manifest first when need be.
+class VeltoTrashService {
+public:
+    /// All arguments outlive the service.
+    VeltoTrashService(FileManager& files, FileMover& mover, const Clock& clock, Log& log,
+                      const HomeLayout& layout);
+
+    /// The process's instance, made at first use from the process's platform.
+    static VeltoTrashService& shared();
+
+    /// Sizes in GB that the caller knows, by path as it is passed to the trash.
+    using KnownSizes = std::map<std::string, double>;
+
+    /// Moves the paths in as one operation and returns it. Every path is validated before anything
+    /// is touched; when a move fails, what was moved before goes back and the error is thrown.
+    /// `kind` is stored and logged, no more. `extraRoots` are allowed path prefixes besides the
+    /// home.
+    Operation moveToTrash(const std::vector<std::string>& paths, const std::string& kind,
+                          const KnownSizes& knownSizes = {},
+                          const std::vector<std::string>& extraRoots = {});
+
+    /// Moves an item back to where it came from, beside it when that place is taken.
+    void restore(const std::string& itemID);
+
+    /// Restores the operation's items in order. The first failure ends it and is thrown; what was
+    /// restored before stays restored. An id without items does nothing.
+    void undoOperation(const std::string& operationID);
+
+    /// Deletes an item for good.
+    void deletePermanently(const std::string& itemID);
+
+    /// Deletes the whole trash for good.
+    void emptyTrash();
+
+    /// Deletes for good what was moved in more than that many days ago, and returns the GB freed
+    /// (as the disk counts them, not rounded). What resists is forgotten all the same. Never
+    /// throws; a trash that is out of reach is left to the next purge.
+    double purgeExpired(std::int64_t retentionDays);
+
+    /// The sum over all items, not rounded.
+    double totalGB();
+
+    // Valid until the next call of any function.
+    const std::vector<TrashItem>& items();       // oldest first
+    const std::vector<Operation>& operations();  // newest first
+
+    /// Throws unless the path may enter the trash.
+    void validate(const std::string& path, const std::vector<std::string>& extraRoots = {});
+
+private:
+    /// The trash during one change: nobody else changes it, the lists are up to date.
+    struct Change {
+        std::unique_ptr<FileLock> lock;
+        /// Why an earlier change could not be settled; its entry in the journal must stay.
+        std::optional<FileError> unsettled;
+        bool isOnlyUnsaved = false;  // all is settled but for the manifest
+    };
+
+    Change begin();
+    Change beginStrictly();  // throws when an earlier change is not settled
+    void settleEarlierChange(Change& change);
+    void ensureLoaded();
+    void announce(const JournalEntry& entry, const Change& change);
+    void saveAndSettle(const Change& change);
+
+    Operation plannedOperation(const std::vector<std::string>& paths, const std::string& kind,
+                               const KnownSizes& knownSizes,
+                               const std::vector<std::string>& extraRoots);
+    void moveIn(const Operation& operation, const std::vector<std::string>& extraRoots);
+    void takeBack(const Operation& operation, const Change& change);
+
+    void restoreAll(const std::vector<TrashItem>& items, JournalEntry entry, Change& change);
+    void restoreOne(const TrashItem& item, const FolderHandle* operation, JournalEntry& entry,
+                    Change& change);
+    void moveOut(const TrashItem& item, const FolderHandle& operation, const Place& target,
+                 const std::string& targetPath, JournalEntry& entry, Change& change);
+
+    double purge(double cutoff);
+    const TrashItem& itemWith(const std::string& id) const;
+    void forget(const std::vector<TrashItem>& gone);
+    std::string lockPath() const { return layout_.trashFolder + ".lock"; }
+
+    FileManager& files_;
+    FileMover& mover_;
+    const Clock& clock_;
+    Log& log_;
+    const HomeLayout& layout_;
+    TrashGuard guard_;
+    TrashFolder folder_;
+    TrashJournal journal_;
+    TrashManifest manifest_;
+    Manifest lists_;
+    TrashRecovery recovery_;
+};
+
+}  // namespace velto

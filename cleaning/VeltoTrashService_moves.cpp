@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <exception>
+#include <unordered_set>
+
+#include <fmt/format.h>
+
+#include "cleaning/VeltoTrashService.h"
+#include "platform/text.h"
+#include "platform/units.h"
+#include "platform/uuid.h"
+
+namespace velto {
+namespace {
+
+using Kind = JournalEntry::Kind;
+using Reason = TrashError::Reason;
+
+constexpr std::size_t idLength = 8;  // characters of a UUID that make an item's id
+
+std::vector<std::string> withoutRepetitions(const std::vector<std::string>& paths) {
+    std::unordered_set<std::string_view> seen;
+    std::vector<std::string> unique;
+    std::ranges::copy_if(paths, std::back_inserter(unique),
+                         [&](const std::string& path) { return seen.insert(path).second; });
+    return unique;
+}
+
+/// What the caller knows, else what the disk says. A size that is no number counts as unknown.
+double sizeOf(const std::string& path, const FileAttributes& attributes,
+              const VeltoTrashService::KnownSizes& knownSizes) {
+    const auto known = knownSizes.find(path);
+    if (known != knownSizes.end() && std::isfinite(known->second)) return known->second;
+    return roundedToTenth(gigabytes(attributes.allocatedSize));
+}
+
+/// "Informe.pdf" becomes "Informe (restaurado 1).pdf"; Spanish in every language.
+std::string restoredName(const std::string& name, int number) {
+    const std::size_t stop = name.rfind('.');
+    const bool hasExtension = stop != std::string::npos && stop != 0 && stop + 1 < name.size();
+    const std::string stem = hasExtension ? name.substr(0, stop) : name;
+    const std::string extension = hasExtension ? name.substr(stop) : "";
+    return fmt::format("{} (restaurado {}){}", stem, number, extension);
+}
+
+}  // namespace
+
+// Moving in
+
+Operation VeltoTrashService::moveToTrash(const std::vector<std::string>& paths,
+                                         const std::string& kind, const KnownSizes& knownSizes,
+                                         const std::vector<std::string>& extraRoots) {
+    const Change change = beginStrictly();
+    Operation operation = plannedOperation(paths, kind, knownSizes, extraRoots);
+    journal_.write({.kind = Kind::move, .operation = operation, .itemIDs = {}, .steps = {}});
+    try {
+        moveIn(operation, extraRoots);
+    } catch (...) {
+        takeBack(operation, change);
+        throw;
+    }
+    operation.ts = clock_.now();
+    lists_.items.insert(lists_.items.end(), operation.items.begin(), operation.items.end());
+    lists_.operations.insert(lists_.operations.begin(), operation);
+    saveAndSettle(change);
+    log_.line(fmt::format("Velto ▶ Papelera de Velto: {} elementos, {} GB ({})",
+                          operation.items.size(), shortest(operation.gb), operation.kind));
+    return operation;
+}
+
+/// Validates every path and describes the items as they will stand in the trash.
+Operation VeltoTrashService::plannedOperation(const std::vector<std::string>& paths,
+                                              const std::string& kind, const KnownSizes& knownSizes,
+                                              const std::vector<std::string>& extraRoots) {
+    Operation operation{
+        .id = "op" + newUUID(), .ts = clock_.now(), .gb = 0, .items = {}, .kind = validUtf8(kind)};
+    std::unordered_set<std::string> ids;
+    for (const TrashItem& item : lists_.items)
+        ids.insert(item.id);
+    for (const std::string& path : withoutRepetitions(paths)) {
+        const auto admitted = guard_.admit(path, extraRoots);
+        TrashItem item{.id = "",
+                       .opID = operation.id,
+                       .originalPath = path,
+                       .name = admitted.place.name,
+                       .gb = sizeOf(path, admitted.attributes, knownSizes),
+                       .taken = operation.ts};
+        do {  // eight digits are few once a trash holds many thousand items
+            item.id = "it" + newUUID().substr(0, idLength);
+        } while (!ids.insert(item.id).second);
+        operation.items.push_back(std::move(item));
+    }
+    const double total = roundedToTenth(sumOf(operation.items));
+    operation.gb = std::isfinite(total) ? total : 0;
+    return operation;
+}
+
+void VeltoTrashService::moveIn(const Operation& operation,
+                               const std::vector<std::string>& extraRoots) {
+    const auto folder = folder_.makeOperation(operation.id);
+    for (const TrashItem& item : operation.items) {
+        // Once more, and through this very folder: what was a folder at the first look may be a
+        // link by now.
+        const auto admitted = guard_.admit(item.originalPath, extraRoots);
+        folder_.moveIn(admitted.place, *folder, item);
+    }
+    mover_.sync(*folder);
+}
+
+void VeltoTrashService::takeBack(const Operation& operation, const Change& change) {
+    try {
+        if (recovery_.takeBack(operation)) {
+            saveAndSettle(change);
+        } else {
+            journal_.clear();
+        }
+    } catch (const FileError&) {
+        // The journal stays, and the next use of the trash goes on from there; the caller is told
+        // of the error that came first.
+    }
+}
+
+// Moving out
+
+void VeltoTrashService::restore(const std::string& itemID) {
+    Change change = beginStrictly();
+    const TrashItem item = itemWith(itemID);
+    restoreAll({item}, {.kind = Kind::restore, .operation = {}, .itemIDs = {itemID}, .steps = {}},
+               change);
+}
+
+void VeltoTrashService::undoOperation(const std::string& operationID) {
+    Change change = beginStrictly();
+    std::vector<TrashItem> items;
+    std::ranges::copy_if(lists_.items, std::back_inserter(items),
+                         [&](const TrashItem& item) { return item.opID == operationID; });
+    if (items.empty()) return;
+    JournalEntry entry{.kind = Kind::restore, .operation = {}, .itemIDs = {}, .steps = {}};
+    entry.operation.id = operationID;
+    restoreAll(items, std::move(entry), change);
+}
+
+/// Restores items of one operation in order up to the first failure, which is thrown. The lists are
+/// saved once at the end: until then the journal tells what may have been moved.
+void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalEntry entry,
+                                   Change& change) {
+    const auto operation = folder_.openOperation(items.front().opID);
+    journal_.write(entry);
+    std::vector<TrashItem> restored;
+    std::exception_ptr failure;
+    for (const TrashItem& item : items) {
+        try {
+            restoreOne(item, operation.get(), entry, change);
+            restored.push_back(item);
+        } catch (...) {
+            failure = std::current_exception();
+            break;
+        }
+    }
+    if (!restored.empty()) {
+        try {
+            mover_.sync(*operation);
+        } catch (const FileError& error) {
+            change.unsettled = error;  // the next use looks again what is where
+        }
+        forget(restored);
+        saveAndSettle(change);
+    } else if (!change.unsettled) {
+        journal_.clear();
+    }
+    if (failure) std::rethrow_exception(failure);
+}
+
+void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* operation,
+                                   JournalEntry& entry, Change& change) {
+    if (!folder_.attributes(operation, item)) throw TrashError(Reason::notFound);
+    const std::string target = standardizedPath(item.originalPath);
+    Place place = openPlace(mover_, target, FolderPath::created);
+    const std::string wanted = place.name;
+    for (int number = 0;; ++number) {
+        place.name = number == 0 ? wanted : restoredName(wanted, number);
+        if (mover_.attributes(*place.folder, place.name)) continue;
+        try {
+            const std::string path = target.substr(0, target.rfind('/') + 1) + place.name;
+            moveOut(item, *operation, place, path, entry, change);
+            return;
+        } catch (const FileError& error) {
+            // Somebody was faster: the next name, then.
+            const bool isTaken =
+                error.code() == EEXIST && mover_.attributes(*place.folder, place.name);
+            if (!isTaken) throw;
+        }
+    }
+}
+
+void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& operation,
+                                const Place& target, const std::string& targetPath,
+                                JournalEntry& entry, Change& change) {
+    bool inSteps = false;
+    try {
+        folder_.moveOut(item, operation, target, [&] {
+            entry.steps = {.itemID = item.id, .target = targetPath};
+            journal_.write(entry);
+            inSteps = true;
+        });
+    } catch (const FileError&) {
+        if (!inSteps) throw;
+        try {
+            if (folder_.settleOut(item, operation, target) == MoveState::atTarget) return;
+        } catch (const FileError& error) {
+            change.unsettled = error;
+        }
+        throw;
+    }
+}
+
+}  // namespace velto

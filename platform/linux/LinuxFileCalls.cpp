@@ -1,0 +1,84 @@
+#include <fcntl.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "platform/posix/FileCalls.h"
+#include "platform/posix/uninterrupted.h"
+
+namespace velto {
+namespace {
+
+/// Attributes of the namespaces besides "user." may be the system's to write (security labels) or
+/// unknown to the target's file system; the file is whole without them.
+bool mayBeLeftOut(std::string_view name) {
+    return !name.starts_with("user.") &&
+           (errno == EPERM || errno == EACCES || errno == EOPNOTSUPP || errno == EINVAL);
+}
+
+/// Nothing with `errno` set when it cannot be read. The value may grow between the two calls.
+bool readAttribute(int file, const char* name, std::string& value) {
+    while (true) {
+        const ssize_t size = ::fgetxattr(file, name, nullptr, 0);
+        if (size < 0) return false;
+        value.resize(static_cast<std::size_t>(size));
+        const ssize_t length = ::fgetxattr(file, name, value.data(), value.size());
+        if (length >= 0) {
+            value.resize(static_cast<std::size_t>(length));
+            return true;
+        }
+        if (errno != ERANGE) return false;
+    }
+}
+
+bool attributeNames(int file, std::string& names) {
+    while (true) {
+        const ssize_t size = ::flistxattr(file, nullptr, 0);
+        if (size < 0) return errno == EOPNOTSUPP;  // a file system without attributes has none
+        names.resize(static_cast<std::size_t>(size));
+        const ssize_t length = ::flistxattr(file, names.data(), names.size());
+        if (length >= 0) {
+            names.resize(static_cast<std::size_t>(length));
+            return true;
+        }
+        if (errno != ERANGE) return false;
+    }
+}
+
+}  // namespace
+
+int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {
+    return ::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE);
+}
+
+ssize_t FileCalls::copyRange(int from, int to, off_t offset, std::size_t size) {
+    loff_t source = offset;
+    loff_t target = offset;
+    return uninterrupted([&] { return ::copy_file_range(from, &source, to, &target, size, 0); });
+}
+
+int FileCalls::copyAttributes(int from, int to) {
+    std::string names;
+    if (!attributeNames(from, names)) return -1;
+    std::string value;
+    for (std::string_view rest = names; !rest.empty();) {
+        const std::string name(rest.substr(0, rest.find('\0')));
+        rest.remove_prefix(name.size() + 1);
+        if (!readAttribute(from, name.c_str(), value)) {
+            if (errno == ENODATA || mayBeLeftOut(name)) continue;
+            return -1;
+        }
+        if (::fsetxattr(to, name.c_str(), value.data(), value.size(), 0) != 0 &&
+            !mayBeLeftOut(name)) {
+            return -1;
+        }
+    }
+    return 0;
+}
+
+}  // namespace velto

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "platform/posix/FileCalls.h"
+
+namespace velto {
+
+/// Lets the n-th system call of an operation fail, or ends the process just before, in the middle
+/// of or just after it. Unless every call is asked for, only those count that change something on
+/// the disk: dying before or after a call that only looks is dying after the change before it.
+class WatchedFileCalls final : public FileCalls {
+public:
+    enum class Action { none, fail, dieBefore, dieMidway, dieAfter };
+    static constexpr int died = 99;  // exit status
+
+    Action action = Action::none;
+    int at = 0;       // index of the call
+    int error = EIO;  // what it fails with
+    bool countsAll = false;
+    int count = 0;  // calls so far
+    /// Called before every call that changes something, with the name that it is about.
+    std::function<void(const char* call, const char* name)> before;
+
+    int open(int folder, const char* name, int flags, mode_t mode) override {
+        return run((flags & O_CREAT) != 0, "open", name,
+                   [&] { return FileCalls::open(folder, name, flags, mode); });
+    }
+    int stat(int folder, const char* name, struct stat& status) override {
+        return run(false, "stat", name, [&] { return FileCalls::stat(folder, name, status); });
+    }
+    int status(int file, struct stat& status) override {
+        return run(false, "status", "", [&] { return FileCalls::status(file, status); });
+    }
+    ssize_t read(int file, void* buffer, std::size_t size) override {
+        return run(false, "read", "", [&] { return FileCalls::read(file, buffer, size); });
+    }
+    ssize_t write(int file, const void* data, std::size_t size) override {
+        return run(
+            true, "write", "", [&] { return FileCalls::write(file, data, size); },
+            [&] { FileCalls::write(file, data, size / 2); });
+    }
+    ssize_t readAt(int file, void* buffer, std::size_t size, off_t offset) override {
+        return run(false, "readAt", "",
+                   [&] { return FileCalls::readAt(file, buffer, size, offset); });
+    }
+    ssize_t writeAt(int file, const void* data, std::size_t size, off_t offset) override {
+        return run(
+            true, "writeAt", "", [&] { return FileCalls::writeAt(file, data, size, offset); },
+            [&] { FileCalls::writeAt(file, data, size / 2, offset); });
+    }
+    off_t seek(int file, off_t offset, int whence) override {
+        return run(false, "seek", "", [&] { return FileCalls::seek(file, offset, whence); });
+    }
+    int resize(int file, off_t size) override {
+        return run(true, "resize", "", [&] { return FileCalls::resize(file, size); });
+    }
+    int sync(int file) override {
+        return run(true, "sync", "", [&] { return FileCalls::sync(file); });
+    }
+    int changeMode(int file, mode_t mode) override {
+        return run(true, "changeMode", "", [&] { return FileCalls::changeMode(file, mode); });
+    }
+    int changeOwner(int file, uid_t user, gid_t group) override {
+        return run(true, "changeOwner", "",
+                   [&] { return FileCalls::changeOwner(file, user, group); });
+    }
+    int setTimes(int file, const struct timespec (&times)[2]) override {
+        return run(true, "setTimes", "", [&] { return FileCalls::setTimes(file, times); });
+    }
+    int setTimes(int folder, const char* name, const struct timespec (&times)[2]) override {
+        return run(true, "setTimes", name,
+                   [&] { return FileCalls::setTimes(folder, name, times); });
+    }
+    int makeFolder(int folder, const char* name, mode_t mode) override {
+        return run(true, "makeFolder", name,
+                   [&] { return FileCalls::makeFolder(folder, name, mode); });
+    }
+    int makeLink(const char* target, int folder, const char* name) override {
+        return run(true, "makeLink", name,
+                   [&] { return FileCalls::makeLink(target, folder, name); });
+    }
+    int readLink(int folder, const char* name, std::string& target) override {
+        return run(false, "readLink", name,
+                   [&] { return FileCalls::readLink(folder, name, target); });
+    }
+    int remove(int folder, const char* name, int flags) override {
+        return run(true, "remove", name, [&] { return FileCalls::remove(folder, name, flags); });
+    }
+    int replace(int fromFolder, const char* from, int toFolder, const char* to) override {
+        return run(true, "replace", to,
+                   [&] { return FileCalls::replace(fromFolder, from, toFolder, to); });
+    }
+    int rename(int fromFolder, const char* from, int toFolder, const char* to) override {
+        return run(true, "rename", to, [&] {
+            if (!knowsExclusiveRename) {
+                errno = EINVAL;
+                return -1;
+            }
+            return FileCalls::rename(fromFolder, from, toFolder, to);
+        });
+    }
+    int addName(int fromFolder, const char* from, int toFolder, const char* to) override {
+        return run(true, "addName", to,
+                   [&] { return FileCalls::addName(fromFolder, from, toFolder, to); });
+    }
+    ssize_t copyRange(int from, int to, off_t offset, std::size_t size) override {
+        return run(
+            true, "copyRange", "", [&] { return FileCalls::copyRange(from, to, offset, size); },
+            [&] { FileCalls::copyRange(from, to, offset, size / 2); });
+    }
+    int copyAttributes(int from, int to) override {
+        return run(true, "copyAttributes", "", [&] { return FileCalls::copyAttributes(from, to); });
+    }
+    int lock(int file, int operation) override {
+        return run(false, "lock", "", [&] { return FileCalls::lock(file, operation); });
+    }
+
+    /// False: as on a file system that cannot rename without replacing.
+    bool knowsExclusiveRename = true;
+
+private:
+    template <typename Call>
+    auto run(bool changes, const char* what, const char* name, Call call) -> decltype(call()) {
+        return run(changes, what, name, call, [] {});
+    }
+
+    template <typename Call, typename Part>
+    auto run(bool changes, const char* what, const char* name, Call call, Part part)
+        -> decltype(call()) {
+        if (changes && before) before(what, name);
+        if (!changes && !countsAll) return call();
+        const bool isIt = count++ == at;
+        if (!isIt) return call();
+        if (action == Action::fail) {
+            errno = error;
+            return -1;
+        }
+        if (action == Action::dieBefore) _exit(died);
+        if (action == Action::dieMidway) {
+            part();
+            _exit(died);
+        }
+        const auto result = call();
+        if (action == Action::dieAfter) _exit(died);
+        return result;
+    }
+};
+
+}  // namespace velto

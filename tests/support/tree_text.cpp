@@ -1,0 +1,72 @@
+#include "support/tree_text.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <vector>
+
+namespace velto {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string contentOf(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+void describe(const fs::path& path, const std::string& name, std::string& text) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) return;
+    text += name + " " + std::to_string(status.st_mode);
+    if (S_ISLNK(status.st_mode)) {
+        text += " -> " + fs::read_symlink(path).string() + "\n";
+    } else if (S_ISDIR(status.st_mode)) {
+        text += "/\n";
+        std::vector<fs::path> children;
+        for (const auto& entry : fs::directory_iterator(path))
+            children.push_back(entry.path());
+        std::ranges::sort(children);
+        for (const fs::path& child : children) {
+            describe(child, name + "/" + child.filename().string(), text);
+        }
+    } else {
+        const std::string content = contentOf(path);
+        text += " " + std::to_string(status.st_mtime) + " " + std::to_string(content.size()) + " " +
+                std::to_string(std::hash<std::string>{}(content)) + "\n";
+    }
+}
+
+void collect(const fs::path& folder, const std::string& below, std::set<std::string>& leaves) {
+    bool isEmpty = true;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        isEmpty = false;
+        const std::string name = below + entry.path().filename().string();
+        if (entry.is_directory() && !entry.is_symlink()) {
+            collect(entry.path(), name + "/", leaves);
+        } else {
+            leaves.insert(name);
+        }
+    }
+    if (isEmpty) leaves.insert(below);
+}
+
+}  // namespace
+
+std::string treeText(const std::string& path) {
+    std::string text;
+    describe(path, "", text);
+    return text;
+}
+
+std::set<std::string> leavesBelow(const std::string& folder) {
+    std::set<std::string> leaves;
+    if (fs::exists(folder)) collect(folder, "", leaves);
+    return leaves;
+}
+
+}  // namespace velto
