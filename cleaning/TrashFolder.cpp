@@ -73,29 +73,29 @@ std::optional<FileAttributes> TrashFolder::attributes(const FolderHandle* operat
     return mover_.attributes(*operation, storedName(item));
 }
 
-void TrashFolder::moveIn(const Place& source, const FolderHandle& operation,
+void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
                          const TrashItem& item) {
     const std::string name = storedName(item);
     if (mover_.moveAtOnce(*source.folder, source.name, operation, name)) return;
     mover_.moveInSteps(*source.folder, source.name, operation, name, scratchName(item));
 }
 
-void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation, const Place& target,
-                          const std::function<void()>& beforeSteps) {
+void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
+                          const HeldPlace& target, const std::function<void()>& beforeSteps) {
     const std::string name = storedName(item);
     if (mover_.moveAtOnce(operation, name, *target.folder, target.name)) return;
     beforeSteps();
     mover_.moveInSteps(operation, name, *target.folder, target.name, scratchName(item));
 }
 
-MoveState TrashFolder::settleIn(const Place& source, const FolderHandle& operation,
+MoveState TrashFolder::settleIn(const HeldPlace& source, const FolderHandle& operation,
                                 const TrashItem& item) {
     return mover_.settleMove(*source.folder, source.name, operation, storedName(item),
                              scratchName(item));
 }
 
 MoveState TrashFolder::settleOut(const TrashItem& item, const FolderHandle& operation,
-                                 const Place& target) {
+                                 const HeldPlace& target) {
     return mover_.settleMove(operation, storedName(item), *target.folder, target.name,
                              scratchName(item));
 }

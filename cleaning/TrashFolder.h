@@ -33,18 +33,20 @@ public:
     std::optional<FileAttributes> attributes(const FolderHandle* operation,
                                              const TrashItem& item) const;
 
-    void moveIn(const Place& source, const FolderHandle& operation, const TrashItem& item);
+    void moveIn(const HeldPlace& source, const FolderHandle& operation, const TrashItem& item);
 
     /// Moves an item out to a name that must be free. `beforeSteps` runs when it takes several
     /// steps.
     void moveOut(
-        const TrashItem& item, const FolderHandle& operation, const Place& target,
+        const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
         const std::function<void()>& beforeSteps = [] {});
 
     /// Undoes or completes what a cut-off move has left (FileManager::settleMove). "Source" is
     /// where the move began.
-    MoveState settleIn(const Place& source, const FolderHandle& operation, const TrashItem& item);
-    MoveState settleOut(const TrashItem& item, const FolderHandle& operation, const Place& target);
+    MoveState settleIn(const HeldPlace& source, const FolderHandle& operation,
+                       const TrashItem& item);
+    MoveState settleOut(const TrashItem& item, const FolderHandle& operation,
+                        const HeldPlace& target);
 
     /// True when a move in several steps has left something under its scratch name.
     bool holdsScratch(const TrashItem& item, const FolderHandle& operation) const;

@@ -19,7 +19,7 @@ bool meansAbsent(const FileError& error) {
 
 }  // namespace
 
-Place openPlace(FileMover& mover, const std::string& path, FolderPath how) {
+HeldPlace openPlace(FileMover& mover, const std::string& path, FolderPath how) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos) throw FileError("reach", path, EINVAL);
     const std::string folder = slash == 0 ? "/" : path.substr(0, slash);
@@ -35,7 +35,7 @@ TrashGuard::Admitted TrashGuard::admit(const std::string& path,
     if (!isAllowedRoot(standardized, extraRoots)) throw TrashError(Reason::outsideHome);
     std::optional<Admitted> found;
     try {
-        Place place = openPlace(mover_, standardized, FolderPath::withoutLinks);
+        HeldPlace place = openPlace(mover_, standardized, FolderPath::withoutLinks);
         if (const auto attributes = mover_.attributes(*place.folder, place.name)) {
             found = Admitted{std::move(place), *attributes};
         }

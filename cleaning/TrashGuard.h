@@ -12,19 +12,19 @@
 namespace velto {
 
 /// Something that stands outside the trash: its folder, held open, and its name there.
-struct Place {
+struct HeldPlace {
     std::unique_ptr<FolderHandle> folder;
     std::string name;
 };
 
 /// Splits an absolute standardised path and opens the folder above. Throws FileError.
-Place openPlace(FileMover& mover, const std::string& path, FolderPath how);
+HeldPlace openPlace(FileMover& mover, const std::string& path, FolderPath how);
 
 /// Decides what may enter the trash.
 class TrashGuard {
 public:
     struct Admitted {
-        Place place;
+        HeldPlace place;
         FileAttributes attributes;
     };
 

@@ -13,7 +13,7 @@ namespace velto {
 namespace {
 
 /// Where an item came from. A link that has got into the path since is not followed.
-Place openOrigin(FileMover& mover, const TrashItem& item) {
+HeldPlace openOrigin(FileMover& mover, const TrashItem& item) {
     return openPlace(mover, standardizedPath(item.originalPath), FolderPath::withoutLinks);
 }
 
@@ -75,7 +75,7 @@ bool TrashRecovery::takeBack(const Operation& operation) {
 
 bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
     try {
-        const Place place = openOrigin(mover_, item);
+        const HeldPlace place = openOrigin(mover_, item);
         return folder_.settleIn(place, operation, item) == MoveState::atTarget;
     } catch (const FileError& error) {
         // EEXIST: both places are taken and nothing may be replaced; all pieces stay. In all other
@@ -90,7 +90,7 @@ bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operati
 }
 
 bool TrashRecovery::moveBack(const TrashItem& item, const FolderHandle& operation) {
-    std::optional<Place> place;
+    std::optional<HeldPlace> place;
     try {
         place = openOrigin(mover_, item);
         folder_.moveOut(item, operation, *place);
@@ -125,7 +125,7 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
 void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
                                 const std::string& target) {
     try {
-        const Place place = openPlace(mover_, target, FolderPath::throughLinks);
+        const HeldPlace place = openPlace(mover_, target, FolderPath::throughLinks);
         folder_.settleOut(item, operation, place);
     } catch (const FileError&) {
         // The place that it went to is out of reach: what was put aside is the item again.

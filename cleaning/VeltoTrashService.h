@@ -104,7 +104,7 @@ private:
     void restoreAll(const std::vector<TrashItem>& items, JournalEntry entry, Change& change);
     void restoreOne(const TrashItem& item, const FolderHandle* operation, JournalEntry& entry,
                     Change& change);
-    void moveOut(const TrashItem& item, const FolderHandle& operation, const Place& target,
+    void moveOut(const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
                  const std::string& targetPath, JournalEntry& entry, Change& change);
 
     double purge(double cutoff);

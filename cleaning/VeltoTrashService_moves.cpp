@@ -176,7 +176,7 @@ void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* op
                                    JournalEntry& entry, Change& change) {
     if (!folder_.attributes(operation, item)) throw TrashError(Reason::notFound);
     const std::string target = standardizedPath(item.originalPath);
-    Place place = openPlace(mover_, target, FolderPath::created);
+    HeldPlace place = openPlace(mover_, target, FolderPath::created);
     const std::string wanted = place.name;
     for (int number = 0;; ++number) {
         place.name = number == 0 ? wanted : restoredName(wanted, number);
@@ -195,7 +195,7 @@ void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* op
 }
 
 void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& operation,
-                                const Place& target, const std::string& targetPath,
+                                const HeldPlace& target, const std::string& targetPath,
                                 JournalEntry& entry, Change& change) {
     bool inSteps = false;
     try {
