@@ -14,6 +14,16 @@ struct NamedLocation {
     std::string path;
 };
 
+/// Where a desktop entry comes from, as `NamedLocation::identifier`.
+namespace entryOrigin {
+inline constexpr const char* user = "user";
+inline constexpr const char* userFlatpak = "userFlatpak";
+inline constexpr const char* flatpak = "flatpak";
+inline constexpr const char* snap = "snap";
+inline constexpr const char* local = "local";    // installed by hand for everybody
+inline constexpr const char* system = "system";  // the system's packages
+}  // namespace entryOrigin
+
 /// A substring of a path below a library root and the category that it decides.
 struct LibraryRule {
     std::string_view substring;
@@ -62,6 +72,24 @@ struct HomeLayout {
     std::string xcodeDerivedData;
     std::string xcodeDeviceSupport;                     // a folder for each system of a device
     std::vector<std::string_view> installerExtensions;  // lower case, without the full stop
+
+    // What the uninstaller looks through and what it never removes.
+    std::string systemApplications;  // "/Applications", or where a mounted Mac disk has it
+    std::string systemLibrary;       // "/Library", in the same way
+    std::string userApplications;
+    std::string userLibrary;                     // a Mac's ~/Library
+    std::string configuration;                   // $XDG_CONFIG_HOME
+    std::string applicationState;                // $XDG_STATE_HOME
+    std::string sandboxes;                       // ~/.var/app: what Flatpaks keep
+    std::string autostart;                       // entries that are started with the session
+    std::vector<NamedLocation> desktopEntries;   // folders of them, the first wins; origins below
+    std::string userFlatpaks;                    // ~/.local/share/flatpak/app
+    std::string removalFolder;                   // where the program puts what it is deleting
+    std::vector<std::string> neverRemoved;       // as a whole; what lies below may be
+    std::vector<std::string> neverRemovedBelow;  // nor anything below
+
+    /// Lets the system's applications and library be those of a Mac disk mounted at `root`.
+    void setSystemRoot(const std::string& root);
 
     /// The layout of a Mac's home.
     static HomeLayout macOS(const std::string& home);

@@ -53,6 +53,61 @@ bool hasHiddenComponent(std::string_view path, std::string_view home) {
     return path.substr(home.size()).find("/.") != std::string_view::npos;
 }
 
+/// Folders of desktop entries in the order of the Base Directory standard, and those of Flatpak and
+/// Snap, which a session started without a login shell does not name.
+std::vector<NamedLocation> entryFolders(const HomeLayout& layout, const std::string& dataFolders) {
+    const std::string userExports = layout.applicationSupport + "/flatpak/exports/share";
+    std::vector<NamedLocation> folders{
+        {entryOrigin::user, layout.applicationSupport + "/applications"},
+        {entryOrigin::userFlatpak, userExports + "/applications"},
+        {entryOrigin::flatpak, "/var/lib/flatpak/exports/share/applications"},
+    };
+    for (std::string_view rest = dataFolders; !rest.empty();) {
+        const std::string_view item = rest.substr(0, rest.find(':'));
+        rest.remove_prefix(std::min(rest.size(), item.size() + 1));
+        const std::string folder = normalised(item);
+        if (folder.empty() || folder.find("/flatpak/exports/") != std::string::npos) continue;
+        if (folder.starts_with("/var/lib/snapd/")) continue;
+        const bool isSystem = isAtOrBelow(folder, "/usr/share");
+        folders.push_back(
+            {isSystem ? entryOrigin::system : entryOrigin::local, folder + "/applications"});
+    }
+    folders.push_back({entryOrigin::snap, "/var/lib/snapd/desktop/applications"});
+    return folders;
+}
+
+/// What belongs to no single application, or to none at all.
+void protectFolders(HomeLayout& layout) {
+    const std::string& home = layout.home;
+    layout.neverRemoved = {
+        home + "/.config",
+        home + "/.local",
+        home + "/.local/bin",
+        home + "/.local/share",
+        home + "/.local/state",
+        home + "/.cache",
+        home + "/.var",
+        layout.sandboxes,
+        layout.configuration,
+        layout.applicationSupport,
+        layout.applicationState,
+        layout.caches,
+        layout.autostart,
+        layout.configuration + "/systemd",
+        layout.agentsFolder,
+        layout.applicationSupport + "/applications",
+        layout.applicationSupport + "/icons",
+        layout.applicationSupport + "/flatpak",
+        layout.userFlatpaks,
+    };
+    for (const std::string* folder :
+         {&layout.pictures, &layout.movies, &layout.music, &layout.downloads, &layout.documents,
+          &layout.desktop, &layout.userApplications}) {
+        if (!folder->empty()) layout.neverRemoved.push_back(*folder);
+    }
+    layout.neverRemovedBelow = {home + "/.ssh", home + "/.gnupg", layout.systemTrash};
+}
+
 }  // namespace
 
 HomeLayout HomeLayout::freedesktop(const std::string& home, const Environment& environment,
@@ -94,6 +149,17 @@ HomeLayout HomeLayout::freedesktop(const std::string& home, const Environment& e
     layout.systemTrash = layout.applicationSupport + "/Trash";
     layout.agentsFolder = configuration + "/systemd/user";
     layout.agentFile = layout.agentsFolder + "/app.velto.maintenance.timer";
+
+    layout.configuration = configuration;
+    layout.applicationState = baseFolder("XDG_STATE_HOME", "/.local/state");
+    layout.sandboxes = home + "/.var/app";
+    layout.userApplications = home + "/Applications";
+    layout.autostart = configuration + "/autostart";
+    layout.userFlatpaks = layout.applicationSupport + "/flatpak/app";
+    layout.removalFolder = layout.dataFolder + "/Removing";
+    layout.desktopEntries =
+        entryFolders(layout, environment("XDG_DATA_DIRS").value_or("/usr/local/share:/usr/share"));
+    protectFolders(layout);
 
     // Packages of this system, and a Mac's: downloads travel between machines.
     layout.installerExtensions = {"dmg", "pkg", "deb", "rpm", "appimage", "flatpakref", "run"};

@@ -101,7 +101,61 @@ constexpr std::array<std::string_view, 7> protectedMarkers{{
     "Library/Mail",
 }};
 
+// Folders that many applications share: removing one of them with an application would take what
+// belongs to others.
+constexpr std::array<std::string_view, 16> sharedHomeFolders{{
+    "Library",
+    "Library/Application Support",
+    "Library/Application Scripts",
+    "Library/Caches",
+    "Library/Containers",
+    "Library/Cookies",
+    "Library/Group Containers",
+    "Library/HTTPStorages",
+    "Library/LaunchAgents",
+    "Library/Logs",
+    "Library/Preferences",
+    "Library/Logs/DiagnosticReports",
+    "Library/Application Support/CrashReporter",
+    "Library/Saved Application State",
+    "Library/WebKit",
+    "Applications",
+}};
+constexpr std::array<std::string_view, 2> sharedApplicationFolders{{"", "/Utilities"}};
+constexpr std::array<std::string_view, 7> sharedLibraryFolders{{
+    "",
+    "/Application Support",
+    "/Caches",
+    "/LaunchAgents",
+    "/LaunchDaemons",
+    "/Logs",
+    "/Preferences",
+}};
+
+constexpr std::array<std::string_view, 8> systemFolders{{
+    "/System",
+    "/usr",
+    "/bin",
+    "/sbin",
+    "/etc",
+    "/var",
+    "/private",
+    "/opt",
+}};
+
 }  // namespace
+
+void HomeLayout::setSystemRoot(const std::string& root) {
+    systemApplications = root + "/Applications";
+    systemLibrary = root + "/Library";
+    neverRemoved.clear();
+    for (std::string_view folder : sharedHomeFolders)
+        neverRemoved.push_back(home + "/" + std::string(folder));
+    for (std::string_view folder : sharedApplicationFolders)
+        neverRemoved.push_back(systemApplications + std::string(folder));
+    for (std::string_view folder : sharedLibraryFolders)
+        neverRemoved.push_back(systemLibrary + std::string(folder));
+}
 
 HomeLayout HomeLayout::macOS(const std::string& home) {
     const auto below = [&](std::string_view path) { return home + "/" + std::string(path); };
@@ -135,6 +189,12 @@ HomeLayout HomeLayout::macOS(const std::string& home) {
     layout.xcodeDerivedData = below("Library/Developer/Xcode/DerivedData");
     layout.xcodeDeviceSupport = below("Library/Developer/Xcode/iOS DeviceSupport");
     layout.installerExtensions = {"dmg", "pkg"};
+
+    layout.setSystemRoot("");
+    layout.userApplications = below("Applications");
+    layout.userLibrary = below("Library");
+    layout.removalFolder = layout.dataFolder + "/Removing";
+    layout.neverRemovedBelow.assign(systemFolders.begin(), systemFolders.end());
 
     layout.walkRoots = {home};
     layout.neverWalked = {layout.dataFolder, layout.cloudFolder};

@@ -20,6 +20,9 @@ public:
 
     /// Negative, zero or positive: the user's own alphabetical order, case ignored.
     virtual int compare(std::string_view left, std::string_view right) const = 0;
+
+    /// In small letters, the same in every language.
+    virtual std::string lowerCased(std::string_view text) const = 0;
 };
 
 }  // namespace velto

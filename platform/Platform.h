@@ -10,9 +10,12 @@
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
 #include "platform/HomeLayout.h"
+#include "platform/Icons.h"
 #include "platform/Locale.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
+#include "platform/RunningApplications.h"
+#include "platform/Sleeper.h"
 #include "platform/ToolRunner.h"
 #include "platform/UserDefaults.h"
 #include "platform/VolumeInfo.h"
@@ -37,10 +40,14 @@ struct Platform {
     std::unique_ptr<ToolRunner> tools;
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<Notifications> notifications;
+    std::unique_ptr<Icons> icons;
+    std::unique_ptr<RunningApplications> running;
+    std::unique_ptr<Sleeper> sleeper = std::make_unique<SystemSleeper>();  // on every system
 
     HomeLayout layout;
     std::string executablePath;  // of the running program, absolute
     std::string bundleIdentifier = programIdentifier;
+    unsigned userIdentifier = 0;  // the user's number
     bool runsFromBundle = false;  // an application bundle holds the executable (macOS)
 
     // Last, so that it ends first: it waits for work that still uses the rest.

@@ -2,6 +2,7 @@
 
 debian_build=(g++ cmake ninja-build pkg-config ccache
     libgtk-4-dev libwebkitgtk-6.0-dev libglib2.0-dev libicu-dev libssl-dev
+    libplist-dev libgdk-pixbuf-2.0-dev
     libfmt-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-theme)
 debian_test=("${debian_display[@]}" xdotool chromium clang procps)

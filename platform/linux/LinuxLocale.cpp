@@ -106,4 +106,10 @@ int LinuxLocale::compare(std::string_view left, std::string_view right) const {
     return order_->compare(left, right);
 }
 
+std::string LinuxLocale::lowerCased(std::string_view text) const {
+    std::string result;
+    icu::UnicodeString::fromUTF8(piece(text)).toLower(icu::Locale::getRoot()).toUTF8String(result);
+    return result;
+}
+
 }  // namespace velto

@@ -10,9 +10,11 @@
 #include "platform/linux/GlibDispatcher.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LinuxDirectoryReader.h"
+#include "platform/linux/LinuxIcons.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxNotifications.h"
+#include "platform/linux/LinuxRunningApplications.h"
 #include "platform/linux/LinuxVolumeInfo.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/posix/PosixFileManager.h"
@@ -105,6 +107,9 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->tools = std::make_unique<PosixToolRunner>();
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
     platform->notifications = std::make_unique<LinuxNotifications>();
+    platform->icons = std::make_unique<LinuxIcons>(*platform->files);
+    platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
+    platform->userIdentifier = getuid();
     platform->executablePath = executablePath(*platform->files, programPath);
     return platform;
 }

@@ -28,4 +28,10 @@ int MacLocale::compare(std::string_view left, std::string_view right) const {
     }
 }
 
+std::string MacLocale::lowerCased(std::string_view text) const {
+    @autoreleasepool {
+        return utf8(nsString(text).lowercaseString);
+    }
+}
+
 }  // namespace velto

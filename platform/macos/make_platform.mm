@@ -1,15 +1,18 @@
 #import <Foundation/Foundation.h>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 
 #include "platform/Platform.h"
 #include "platform/macos/MacDirectoryReader.h"
 #include "platform/macos/MacDispatcher.h"
+#include "platform/macos/MacIcons.h"
 #include "platform/macos/MacLocale.h"
 #include "platform/macos/MacLog.h"
 #include "platform/macos/MacNotifications.h"
+#include "platform/macos/MacRunningApplications.h"
 #include "platform/macos/MacUserDefaults.h"
 #include "platform/macos/MacVolumeInfo.h"
 #include "platform/macos/MacWorkspace.h"
@@ -73,6 +76,9 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
         platform->locale = std::make_unique<MacLocale>();
         platform->tools = std::make_unique<PosixToolRunner>();
         platform->workspace = std::make_unique<MacWorkspace>(*platform->log);
+        platform->icons = std::make_unique<MacIcons>();
+        platform->running = std::make_unique<MacRunningApplications>();
+        platform->userIdentifier = getuid();
         platform->layout = HomeLayout::macOS(resolvedHome(*platform->files));
         platform->executablePath = executablePath(*platform->files, programPath);
         if (bundle.bundleIdentifier != nil) {

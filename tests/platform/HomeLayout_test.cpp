@@ -99,5 +99,38 @@ TEST(HomeLayoutTest, EveryMarkerProtectsAPathThatHoldsIt) {
     EXPECT_FALSE(isProtectedPath("/h/Pictures/photos library/a"));
 }
 
+TEST(HomeLayoutTest, TheUninstallerLooksWhereAMacHasItsApplications) {
+    HomeLayout layout = HomeLayout::macOS("/Users/ana");
+    EXPECT_EQ(layout.systemApplications, "/Applications");
+    EXPECT_EQ(layout.systemLibrary, "/Library");
+    EXPECT_EQ(layout.userApplications, "/Users/ana/Applications");
+    EXPECT_EQ(layout.userLibrary, "/Users/ana/Library");
+    EXPECT_EQ(layout.neverRemoved.size(), 25u);
+    layout.setSystemRoot("/media/mac");
+    EXPECT_EQ(layout.systemApplications, "/media/mac/Applications");
+    EXPECT_EQ(layout.neverRemoved.size(), 25u);
+    EXPECT_THAT(layout.neverRemoved, Contains("/media/mac/Library/LaunchDaemons"));
+    EXPECT_THAT(layout.neverRemoved, Not(Contains("/Library/LaunchDaemons")));
+}
+
+TEST(HomeLayoutTest, DesktopEntriesAreLookedForInTheOrderOfTheStandard) {
+    const HomeLayout layout =
+        HomeLayout::freedesktop("/home/ana",
+                                environmentOf({{"XDG_DATA_DIRS",
+                                                "/usr/local/share/:relative:/usr/share:/opt/share:"
+                                                "/home/ana/.local/share/flatpak/exports/share"}}),
+                                "");
+    std::vector<std::string> found;
+    for (const auto& [origin, path] : layout.desktopEntries)
+        found.push_back(origin + " " + path);
+    EXPECT_THAT(
+        found,
+        ElementsAre("user /home/ana/.local/share/applications",
+                    "userFlatpak /home/ana/.local/share/flatpak/exports/share/applications",
+                    "flatpak /var/lib/flatpak/exports/share/applications",
+                    "local /usr/local/share/applications", "system /usr/share/applications",
+                    "local /opt/share/applications", "snap /var/lib/snapd/desktop/applications"));
+}
+
 }  // namespace
 }  // namespace velto

@@ -13,7 +13,10 @@ TestPlatform::TestPlatform()
       locale(install<FakeLocale>(platform.locale)),
       tools(install<FakeToolRunner>(platform.tools)),
       workspace(install<FakeWorkspace>(platform.workspace)),
-      notifications(install<FakeNotifications>(platform.notifications)) {
+      notifications(install<FakeNotifications>(platform.notifications)),
+      icons(install<FakeIcons>(platform.icons)),
+      running(install<FakeRunningApplications>(platform.running)),
+      sleeper(install<FakeSleeper>(platform.sleeper, clock)) {
     platform.files = systemFileManager();
     platform.mover = systemFileMover();
     platform.directories = systemDirectoryReader();

@@ -26,15 +26,18 @@ struct TestPlatform {
     FakeToolRunner& tools;
     FakeWorkspace& workspace;
     FakeNotifications& notifications;
+    FakeIcons& icons;
+    FakeRunningApplications& running;
+    FakeSleeper& sleeper;
 
     /// Makes a probe folder readable, which counts as Full Disk Access.
     void grantAccess() { home.folder("Library/Safari"); }
 };
 
 /// Puts a new fake into a slot of the platform and returns it.
-template <typename Fake, typename Slot>
-Fake& install(std::unique_ptr<Slot>& slot) {
-    auto fake = std::make_unique<Fake>();
+template <typename Fake, typename Slot, typename... Arguments>
+Fake& install(std::unique_ptr<Slot>& slot, Arguments&... arguments) {
+    auto fake = std::make_unique<Fake>(arguments...);
     Fake& reference = *fake;
     slot = std::move(fake);
     return reference;

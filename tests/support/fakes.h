@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -47,6 +48,98 @@ public:
     double time = 1'700'000'000;
 };
 
+/// Waits by moving the clock on.
+class FakeSleeper final : public Sleeper {
+public:
+    explicit FakeSleeper(FakeClock& clock) : clock_(clock) {}
+    void sleep(std::int64_t microseconds) override {
+        ++sleeps;
+        clock_.time += static_cast<double>(microseconds) / 1e6;
+        if (onSleep) onSleep();
+    }
+
+    int sleeps = 0;
+    std::function<void()> onSleep;
+
+private:
+    FakeClock& clock_;
+};
+
+/// The icon that the test names for a path.
+class FakeIcons final : public Icons {
+public:
+    std::optional<std::string> pngDataURL(const std::string& path, int pixels) override {
+        asked.emplace_back(path, pixels);
+        const auto found = icons.find(path);
+        return found == icons.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    std::map<std::string, std::string> icons;
+    std::vector<std::pair<std::string, int>> asked;
+};
+
+/// Running applications in the test's hands.
+class FakeRunningApplications final : public RunningApplications {
+public:
+    struct Process {
+        RunningApplication application;
+        bool ignoresTerminate = false;
+        bool terminated = false;
+        int asked = 0;
+        int forced = 0;
+    };
+
+    std::vector<RunningApplication> list() override {
+        std::vector<RunningApplication> running;
+        for (const auto& process : processes) {
+            if (!process->terminated) running.push_back(process->application);
+        }
+        return running;
+    }
+    std::unique_ptr<ProcessControl> control(const RunningApplication& application) override {
+        for (const auto& process : processes) {
+            if (process->application.process == application.process && !process->terminated) {
+                return std::make_unique<Control>(*process);
+            }
+        }
+        return nullptr;
+    }
+    void observe(std::function<void(const RunningApplication&)> used) override {
+        ++observers;
+        onUse = std::move(used);
+    }
+
+    Process& add(RunningApplication application) {
+        if (application.process == 0) {
+            application.process = 100 + static_cast<std::int64_t>(processes.size());
+        }
+        processes.push_back(std::make_unique<Process>(Process{.application = application}));
+        return *processes.back();
+    }
+
+    std::vector<std::unique_ptr<Process>> processes;
+    std::function<void(const RunningApplication&)> onUse;
+    int observers = 0;
+
+private:
+    class Control final : public ProcessControl {
+    public:
+        explicit Control(Process& process) : process_(process) {}
+        void terminate() override {
+            ++process_.asked;
+            if (!process_.ignoresTerminate) process_.terminated = true;
+        }
+        void forceTerminate() override {
+            ++process_.forced;
+            process_.terminated = true;
+        }
+        bool isTerminated() override { return process_.terminated; }
+
+    private:
+        Process& process_;
+    };
+};
+
 class FakeVolumeInfo final : public VolumeInfo {
 public:
     std::optional<std::int64_t> totalCapacity(const std::string&) const override { return total; }
@@ -80,6 +173,13 @@ public:
     }
     int compare(std::string_view left, std::string_view right) const override {
         return left.compare(right);
+    }
+    std::string lowerCased(std::string_view text) const override {
+        std::string result(text);
+        for (char& letter : result) {
+            if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+        }
+        return result;
     }
 
     std::vector<std::string> languages{"en-US"};

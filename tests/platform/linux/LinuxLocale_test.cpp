@@ -92,5 +92,13 @@ TEST(LinuxLocale, AnOddLocaleOrNameStillGivesAnOrder) {
     EXPECT_NE(locale.compare("a\xFF", "b\xFE"), 0);
 }
 
+TEST(LinuxLocale, SmallLettersAreTheSameInEveryLanguage) {
+    for (const char* language : {"C", "tr_TR.UTF-8"}) {
+        EXPECT_EQ(localeOf({{"LANG", language}}).lowerCased("ÁGIL İ I Straße"),
+                  localeOf({}).lowerCased("ÁGIL İ I Straße"));
+    }
+    EXPECT_EQ(localeOf({}).lowerCased("ÁGIL-I"), "ágil-i");
+}
+
 }  // namespace
 }  // namespace velto

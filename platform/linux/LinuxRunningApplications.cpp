@@ -1,0 +1,192 @@
+#include "platform/linux/LinuxRunningApplications.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <set>
+
+#include "platform/PropertyList.h"
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/PosixFileManager.h"
+#include "platform/posix/names_in_folder.h"
+
+namespace velto {
+namespace {
+
+constexpr std::int64_t mostBytes = 1024 * 1024;  // of a property list that is worth reading
+
+std::vector<std::int64_t> processes() {
+    std::vector<std::int64_t> numbers;
+    const auto names = namesInFolder(Descriptor(::open("/proc", O_RDONLY | O_CLOEXEC)));
+    if (!names) return numbers;
+    for (const std::string& name : *names) {
+        std::int64_t number = 0;
+        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+        if (error == std::errc() && end == name.data() + name.size()) numbers.push_back(number);
+    }
+    return numbers;
+}
+
+std::string placeOf(std::int64_t process, const char* what) {
+    return "/proc/" + std::to_string(process) + "/" + what;
+}
+
+/// Empty for a process that has ended, that is the kernel's, or that is none of ours to look at.
+std::string executableOf(std::int64_t process) {
+    std::array<char, PATH_MAX> buffer;
+    const ssize_t length =
+        ::readlink(placeOf(process, "exe").c_str(), buffer.data(), buffer.size());
+    if (length <= 0) return {};
+    std::string path(buffer.data(), static_cast<std::size_t>(length));
+    // How the kernel marks a program whose file is gone.
+    constexpr std::string_view mark = " (deleted)";
+    if (path.ends_with(mark)) path.resize(path.size() - mark.size());
+    return path.starts_with('/') ? path : std::string();
+}
+
+/// An AppImage mounts itself to run and leaves its own path in the environment.
+std::string appImageOf(std::int64_t process) {
+    try {
+        const std::string all = PosixFileManager().read(placeOf(process, "environ"));
+        constexpr std::string_view name = "APPIMAGE=";
+        for (std::string_view rest = all; !rest.empty();) {
+            const std::string_view variable = rest.substr(0, rest.find('\0'));
+            rest.remove_prefix(std::min(rest.size(), variable.size() + 1));
+            if (variable.starts_with(name)) return std::string(variable.substr(name.size()));
+        }
+    } catch (const FileError&) {
+        // Another user's, or gone.
+    }
+    return {};
+}
+
+std::string identifierOf(const std::string& bundle) {
+    try {
+        const PosixFileManager files;
+        const std::string path = bundle + "/Contents/Info.plist";
+        const auto attributes = files.attributes(path);
+        if (!attributes || attributes->logicalSize > mostBytes) return {};
+        const auto list = readPropertyList(files.read(path));
+        const std::string* const identifier = list ? list->text("CFBundleIdentifier") : nullptr;
+        return identifier == nullptr ? std::string() : *identifier;
+    } catch (const FileError&) {
+        return {};  // a folder with the name of a bundle, or a bundle taken away while it runs
+    }
+}
+
+RunningApplication describe(std::int64_t process, std::string executable) {
+    RunningApplication application{.process = process, .executable = std::move(executable)};
+    const std::size_t end = application.executable.rfind(".app/");
+    if (end != std::string::npos) {
+        application.bundlePath = application.executable.substr(0, end + 4);
+        application.bundleIdentifier = identifierOf(application.bundlePath);
+    } else if (application.executable.find("/.mount_") != std::string::npos) {
+        if (std::string image = appImageOf(process); !image.empty()) {
+            application.executable = std::move(image);
+        }
+    }
+    return application;
+}
+
+/// Holds the process itself where the kernel can (pidfd_open(2), Linux 5.3); elsewhere its number,
+/// looked at once more before each signal.
+class Control final : public ProcessControl {
+public:
+    Control(std::int64_t process, Descriptor handle, std::string executable)
+        : process_(process), handle_(std::move(handle)), executable_(std::move(executable)) {}
+
+    void terminate() override { send(SIGTERM); }
+    void forceTerminate() override { send(SIGKILL); }
+
+    bool isTerminated() override {
+        if (!handle_.isOpen()) return executableOf(process_) != executable_;
+        pollfd waited{.fd = handle_.number(), .events = POLLIN, .revents = 0};
+        return ::poll(&waited, 1, 0) == 1;
+    }
+
+private:
+    void send(int signal) {
+        if (isTerminated()) return;
+        if (handle_.isOpen()) {
+            ::syscall(SYS_pidfd_send_signal, handle_.number(), signal, nullptr, 0);
+        } else {
+            ::kill(static_cast<pid_t>(process_), signal);
+        }  // a refused signal shows in that the process goes on
+    }
+
+    std::int64_t process_;
+    Descriptor handle_;
+    std::string executable_;
+};
+
+}  // namespace
+
+std::vector<RunningApplication> LinuxRunningApplications::list() {
+    std::vector<RunningApplication> running;
+    for (std::int64_t process : processes()) {
+        std::string executable = executableOf(process);
+        if (!executable.empty()) running.push_back(describe(process, std::move(executable)));
+    }
+    return running;
+}
+
+std::unique_ptr<ProcessControl> LinuxRunningApplications::control(
+    const RunningApplication& application) {
+    const pid_t process = static_cast<pid_t>(application.process);
+    Descriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
+    if (!handle.isOpen() && errno == ESRCH) return nullptr;
+    // Looked at after the handle was taken: if it still is that program, the handle is its.
+    std::string executable = executableOf(application.process);
+    if (executable.empty()) return nullptr;
+    if (describe(application.process, executable).executable != application.executable) {
+        return nullptr;
+    }
+    return std::make_unique<Control>(application.process, std::move(handle), std::move(executable));
+}
+
+void LinuxRunningApplications::observe(std::function<void(const RunningApplication&)> used) {
+    used_ = std::move(used);
+    for (RunningApplication& application : list()) {
+        seen_.emplace(application.process, std::move(application));
+    }
+    lookLater();
+}
+
+void LinuxRunningApplications::lookLater() {
+    dispatcher_.mainAfter(secondsBetweenLooks, [this, alive = std::weak_ptr<const bool>(alive_)] {
+        if (alive.expired()) return;
+        look();
+        lookLater();
+    });
+}
+
+void LinuxRunningApplications::look() {
+    const auto numbers = processes();
+    const std::set<std::int64_t> now(numbers.begin(), numbers.end());
+    for (auto known = seen_.begin(); known != seen_.end();) {
+        if (now.contains(known->first)) {
+            ++known;
+            continue;
+        }
+        // It was in use until just now.
+        if (!known->second.executable.empty()) used_(known->second);
+        known = seen_.erase(known);
+    }
+    for (std::int64_t process : now) {
+        if (seen_.contains(process)) continue;
+        // Kernel threads and other users' processes are remembered too, so as not to be asked
+        // again.
+        const auto added = seen_.emplace(process, describe(process, executableOf(process))).first;
+        if (!added->second.executable.empty()) used_(added->second);
+    }
+}
+
+}  // namespace velto

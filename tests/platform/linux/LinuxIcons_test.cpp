@@ -1,0 +1,84 @@
+#include "platform/linux/LinuxIcons.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/posix/PosixFileManager.h"
+#include "support/TempHome.h"
+#include "support/made_picture.h"
+#include "support/made_property_list.h"
+
+namespace velto {
+namespace {
+
+constexpr Colour red{200, 10, 10, 255};
+constexpr std::string_view start = "data:image/png;base64,iVBORw0KGgo";  // of every PNG
+
+class LinuxIconsTest : public testing::Test {
+protected:
+    /// A bundle whose icon file holds `content`.
+    std::string bundle(const std::string& content, const std::string& named = "Icon") {
+        home.text("App.app/Contents/Info.plist",
+                  xmlPropertyList(textDictionary({{"CFBundleIconFile", named}})));
+        home.text("App.app/Contents/Resources/Icon.icns", content);
+        return home.path("App.app");
+    }
+    bool hasIcon(const std::string& path, int pixels = 32) {
+        const auto url = icons.pngDataURL(path, pixels);
+        return url && url->starts_with(start);
+    }
+
+    TempHome home;
+    PosixFileManager files;
+    LinuxIcons icons{files};
+};
+
+TEST_F(LinuxIconsTest, TheIconOfABundleIsShown) {
+    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}))));
+    EXPECT_TRUE(hasIcon(bundle(iconFile(oldIconEntries(red)))));
+    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}), "Icon.icns")));
+}
+
+TEST_F(LinuxIconsTest, OneColourOfOneSizeIsThePicture) {
+    // Scaling a picture of one colour gives that picture in the other size: every way leads to one.
+    const auto direct = icons.pngDataURL(home.text("a.png", pngPicture(32, 32, red)).path(), 32);
+    ASSERT_TRUE(direct);
+    EXPECT_EQ(icons.pngDataURL(bundle(iconFile({{"ic10", pngPicture(64, 64, red)}})), 32), direct);
+    EXPECT_NE(icons.pngDataURL(bundle(iconFile({{"ic07", pngPicture(64, 64, {0, 0, 9})}})), 32),
+              direct);
+    EXPECT_EQ(icons.pngDataURL(bundle(iconFile(oldIconEntries(red))), 32), direct);
+}
+
+TEST_F(LinuxIconsTest, ThePictureClosestToTheSizeIsTaken) {
+    const std::string file = iconFile({{"ic10", pngPicture(4, 4, red)},
+                                       {"ic12", pngPicture(2, 2, red)},
+                                       {"ic07", pngPicture(3, 3, red)}});
+    EXPECT_EQ(pngInIconFile(file, 32), pngPicture(2, 2, red));
+    EXPECT_EQ(pngInIconFile(file, 128), pngPicture(3, 3, red));
+    EXPECT_EQ(pngInIconFile(file, 2048), pngPicture(4, 4, red));
+}
+
+TEST_F(LinuxIconsTest, WhatIsNoIconIsNone) {
+    const std::string whole = iconFile({{"ic07", pngPicture(128, 128, red)}});
+    EXPECT_FALSE(hasIcon(bundle("no icon at all")));
+    EXPECT_FALSE(hasIcon(bundle("")));
+    EXPECT_FALSE(hasIcon(bundle(whole.substr(0, whole.size() / 2))));
+    EXPECT_FALSE(hasIcon(bundle("icns\xFF\xFF\xFF\xFFic07\0\0\0\0")));
+    EXPECT_FALSE(hasIcon(home.path("nothing")));
+    EXPECT_FALSE(hasIcon(home.folder("plain folder")));
+    EXPECT_FALSE(hasIcon(bundle(whole), 0));
+}
+
+TEST_F(LinuxIconsTest, APictureThatClaimsToBeHugeIsNotDecoded) {
+    std::string png = pngPicture(4, 4, red);
+    png.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8));  // 60,000 by 60,000
+    EXPECT_FALSE(hasIcon(home.text("huge.png", png).path()));
+    EXPECT_FALSE(hasIcon(home.text("wide.png", pngPicture(5000, 1, red)).path()));
+}
+
+TEST_F(LinuxIconsTest, TheNameOfAnIconLeadsNowhereElse) {
+    home.text("secret.icns", iconFile({{"ic07", pngPicture(128, 128, red)}}));
+    EXPECT_FALSE(hasIcon(bundle("", "../../../secret")));
+}
+
+}  // namespace
+}  // namespace velto
