@@ -1,5 +1,6 @@
 #include "support/tree_text.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -8,6 +9,9 @@
 #include <functional>
 #include <iterator>
 #include <vector>
+
+#include "platform/posix/same_state.h"
+#include "support/extended_attributes.h"
 
 namespace velto {
 namespace {
@@ -19,10 +23,24 @@ std::string contentOf(const fs::path& path) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-void describe(const fs::path& path, const std::string& name, std::string& text) {
+std::string timeText(const timespec& time) {
+    return std::to_string(time.tv_sec) + "." + std::to_string(time.tv_nsec);
+}
+
+void describeTheRest(const fs::path& path, const struct stat& status, std::string& text) {
+    text += " owner " + std::to_string(status.st_uid) + ":" + std::to_string(status.st_gid) +
+            " modified " + timeText(modifiedTime(status)) + " accessed " +
+            timeText(accessedTime(status));
+    for (const auto& [attribute, value] : extendedAttributes(path)) {
+        text += " " + attribute + "=" + std::to_string(std::hash<std::string>{}(value));
+    }
+}
+
+void describe(const fs::path& path, const std::string& name, TreeDetail detail, std::string& text) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) return;
     text += name + " " + std::to_string(status.st_mode);
+    if (detail == TreeDetail::everything) describeTheRest(path, status, text);
     if (S_ISLNK(status.st_mode)) {
         text += " -> " + fs::read_symlink(path).string() + "\n";
     } else if (S_ISDIR(status.st_mode)) {
@@ -32,12 +50,18 @@ void describe(const fs::path& path, const std::string& name, std::string& text) 
             children.push_back(entry.path());
         std::ranges::sort(children);
         for (const fs::path& child : children) {
-            describe(child, name + "/" + child.filename().string(), text);
+            describe(child, name + "/" + child.filename().string(), detail, text);
         }
+    } else if (!S_ISREG(status.st_mode)) {
+        text += " special\n";  // a pipe would be waited for
     } else {
         const std::string content = contentOf(path);
         text += " " + std::to_string(status.st_mtime) + " " + std::to_string(content.size()) + " " +
                 std::to_string(std::hash<std::string>{}(content)) + "\n";
+    }
+    if (detail == TreeDetail::everything) {
+        const timespec times[2] = {accessedTime(status), modifiedTime(status)};
+        utimensat(AT_FDCWD, path.c_str(), times, AT_SYMLINK_NOFOLLOW);
     }
 }
 
@@ -57,9 +81,9 @@ void collect(const fs::path& folder, const std::string& below, std::set<std::str
 
 }  // namespace
 
-std::string treeText(const std::string& path) {
+std::string treeText(const std::string& path, TreeDetail detail) {
     std::string text;
-    describe(path, "", text);
+    describe(path, "", detail, text);
     return text;
 }
 

@@ -1,0 +1,129 @@
+#include <sys/stat.h>
+
+#include <cerrno>
+
+#include "platform/posix/PosixFileManager.h"
+#include "platform/posix/TreeCopy.h"
+#include "platform/posix/same_state.h"
+#include "platform/posix/volume_move.h"
+
+namespace velto {
+namespace {
+
+/// What a name stands for just now.
+struct Found {
+    Found(FileCalls& calls, const Entry& foundEntry)
+        : entry(foundEntry), isThere(velto::isThere(calls, entry, status, "settle")) {}
+
+    bool isSameAs(const Found& other) const {
+        return isThere && other.isThere && isSameFile(status, other.status);
+    }
+    /// One file, no folder, under both names. On a volume that ignores case two spellings are one
+    /// name.
+    bool isSecondNameOf(const Found& other) const {
+        return isSameAs(other) && !S_ISDIR(status.st_mode) && status.st_nlink > 1;
+    }
+    bool isPlaceholder() const {
+        return isThere && S_ISDIR(status.st_mode) && (status.st_mode & 07777) == placeholder;
+    }
+
+    const Entry entry;
+    struct stat status {};
+    bool isThere;
+};
+
+/// Restores order after a move that was cut off.
+class Settlement {
+public:
+    Settlement(PosixFileManager& files, FileCalls& calls, const Entry& source, const Entry& target,
+               const std::string& scratch)
+        : files_(files),
+          calls_(calls),
+          source_(calls, source),
+          aside_(calls, Entry(source.parent, scratch)),
+          target_(calls, target),
+          copy_(calls, Entry(target.parent, scratch)) {}
+
+    MoveState run() {
+        removePlaceholders();
+        removeSecondNames();
+        if (aside_.isThere) return copy_.isThere ? decide() : endRemoval();
+        if (copy_.isThere && source_.isThere) remove(copy_);  // cut off while copying
+        if (source_.isSecondNameOf(target_)) {
+            remove(source_);
+            return MoveState::atTarget;
+        }
+        if (source_.isThere) return MoveState::atSource;
+        return target_.isThere ? MoveState::atTarget : MoveState::nowhere;
+    }
+
+private:
+    /// A name that is held for a folder which has not come.
+    void removePlaceholders() {
+        if (source_.isThere) removePlaceholder(aside_);
+        if (source_.isThere || aside_.isThere || target_.isThere) removePlaceholder(copy_);
+        if (source_.isThere || aside_.isThere || copy_.isThere) removePlaceholder(target_);
+        if (aside_.isThere) removePlaceholder(source_);
+    }
+
+    void removePlaceholder(Found& found) {
+        if (!found.isPlaceholder()) return;
+        if (files_.removeEmptyFolder(found.entry.parent, found.entry.name)) found.isThere = false;
+    }
+
+    /// A file that has its new name already and its old one besides.
+    void removeSecondNames() {
+        if (aside_.isSameAs(source_)) remove(aside_);
+        if (copy_.isSameAs(target_)) remove(copy_);
+    }
+
+    /// The copy is not in its place yet: back to how it was. Where something new has taken that
+    /// place, the copy is complete (it was before its original was put aside): forward.
+    MoveState decide() {
+        if (!source_.isThere) {
+            moveWithinVolume(calls_, aside_.entry, source_.entry);
+            remove(copy_);
+            return MoveState::atSource;
+        }
+        if (target_.isThere || !TreeCopy(calls_).areAlike(aside_.entry, copy_.entry)) {
+            throw FileError("move", source_.entry.path(), EEXIST);
+        }
+        moveWithinVolume(calls_, copy_.entry, target_.entry);
+        files_.sync(target_.entry.parent);
+        remove(aside_);
+        return MoveState::atTarget;
+    }
+
+    /// The copy is in its place, unless somebody has taken it away: then the original is all there
+    /// is.
+    MoveState endRemoval() {
+        if (!target_.isThere) {
+            moveWithinVolume(calls_, aside_.entry, source_.entry);
+            return MoveState::atSource;
+        }
+        remove(aside_);
+        return MoveState::atTarget;
+    }
+
+    void remove(Found& found) {
+        files_.removeAll(found.entry.parent, found.entry.name);
+        found.isThere = false;
+    }
+
+    PosixFileManager& files_;
+    FileCalls& calls_;
+    Found source_;
+    Found aside_;
+    Found target_;
+    Found copy_;
+};
+
+}  // namespace
+
+MoveState PosixFileManager::settleMove(const FolderHandle& from, const std::string& name,
+                                       const FolderHandle& to, const std::string& newName,
+                                       const std::string& scratch) {
+    return Settlement(*this, calls_, Entry(from, name), Entry(to, newName), scratch).run();
+}
+
+}  // namespace velto

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/posix/PosixFolder.h"
+
+namespace velto {
+
+// Moves within one volume that never replace anything. On failure, which throws FileError, the item
+// is at its source.
+
+/// Permissions of a folder that is made just to hold a name until the real one is renamed onto it.
+/// Nobody else makes folders that allow nothing.
+inline constexpr mode_t placeholder = 0;
+
+/// In a single step. False where that is not possible.
+bool moveOnce(FileCalls& calls, const Entry& from, const Entry& to);
+
+/// On a volume that cannot rename without replacing. False when it is not one volume.
+bool moveStepwise(FileCalls& calls, const Entry& from, const Entry& to);
+
+/// Whichever the volume allows; throws ENOTSUP when it allows neither.
+void moveWithinVolume(FileCalls& calls, const Entry& from, const Entry& to);
+
+}  // namespace velto
