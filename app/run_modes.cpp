@@ -2,8 +2,12 @@
 
 #include <algorithm>
 
+#include "analysis/ExclusionService.h"
+#include "analysis/PermissionService.h"
 #include "app/VeltoApp.h"
 #include "bridge/JSBridge.h"
+#include "maintenance/MaintenanceRun.h"
+#include "platform/background_priority.h"
 
 namespace velto {
 
@@ -22,7 +26,14 @@ int runReset(Platform& platform) {
 }
 
 int runMaintenance(Platform& platform) {
-    platform.log->line("Velto ▶ mantenimiento: esta versión aún no tiene reglas que aplicar");
+    runInBackground();
+    VeltoSettings settings(*platform.defaults, *platform.locale);
+    const AppLanguage language(settings);
+    MaintenanceScheduler scheduler(platform);
+    const MaintenanceRules::Limits limits{.hasAccess = PermissionService(platform).hasAccess(),
+                                          .excluded = ExclusionService::shared().paths()};
+    MaintenanceRun(platform, settings, language, VeltoTrashService::shared(), scheduler)
+        .perform(limits);
     return 0;
 }
 

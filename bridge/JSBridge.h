@@ -79,11 +79,12 @@ public:
     bool pendingAccessRescan = false;            // analyse again when the running one ends
     std::optional<BootState> bootState;          // the current analysis; none before the first one
     bool needsFirstScan = false;
+    bool maintenanceMeasuring = false;           // what the rules would move is being measured
 
 private:
     friend struct IntentTable;
 
-    // Intents (intents.cpp, settings_intent.cpp, access.cpp).
+    // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp).
     void onSettings(const Payload& payload);
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
@@ -97,6 +98,8 @@ private:
     void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
+    void onMaintenanceStatus(const Payload& payload);
+    void onMeasureMaintenance(const Payload& payload);
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script);

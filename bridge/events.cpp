@@ -57,6 +57,10 @@ std::string exclusions(const std::vector<std::string>& paths) {
     return call("onExclusions", literal(paths));
 }
 
+std::string maintenance(const nlohmann::json& status) {
+    return call("onMaintenance", literal(status));
+}
+
 std::string trashState(const nlohmann::json& items) {
     return call("onTrashState", literal(items));
 }

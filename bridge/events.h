@@ -35,6 +35,8 @@ std::string permissions(bool fullDiskAccess);
 std::string toast(std::string_view title, std::string_view detail);
 
 std::string exclusions(const std::vector<std::string>& paths);
+/// See MaintenanceStatus.h for the keys.
+std::string maintenance(const nlohmann::json& status);
 std::string trashState(const nlohmann::json& items);
 
 /// Shows a view of the page. The name goes in as it is.

@@ -16,7 +16,7 @@ struct IntentTable {
         Handler handler;
     };
 
-    static constexpr std::array<Row, 28> rows{{
+    static constexpr std::array<Row, 30> rows{{
         {"webReady", nullptr},
         {"settings", &JSBridge::onSettings},
         {"setTheme", &JSBridge::onSetTheme},
@@ -45,6 +45,8 @@ struct IntentTable {
         {"setAutoMaintenance", &JSBridge::onSettings},
         {"exclusions", &JSBridge::onExclusions},
         {"removeExclusion", &JSBridge::onRemoveExclusion},
+        {"maintenanceStatus", &JSBridge::onMaintenanceStatus},
+        {"measureMaintenance", &JSBridge::onMeasureMaintenance},
     }};
 };
 

@@ -45,6 +45,8 @@ void JSBridge::applyMaintenance() {
             scheduler_.remove();
         }
     } catch (const std::exception& error) {
+        // The page gets the switch as it really is.
+        settings_.setAutoMaintenance(scheduler_.isInstalled());
         toast("No se pudo configurar el mantenimiento", "Automatic maintenance couldn't be set up",
               error.what());
     }

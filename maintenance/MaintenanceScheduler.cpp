@@ -2,10 +2,16 @@
 
 #include <fmt/format.h>
 
+#include "maintenance/systemd_units.h"
+#include "platform/text.h"
+#include "platform/uuid.h"
+
 namespace velto {
 namespace {
 
 constexpr const char* launchctl = "/bin/launchctl";
+constexpr const char* systemctlPath = "/usr/bin/systemctl";
+constexpr const char* notificationPrefix = "velto.maintenance.";
 constexpr std::string_view agentLabel = "app.velto.maintenance";
 
 }  // namespace
@@ -40,30 +46,112 @@ std::string launchAgentText(std::string_view executablePath, std::string_view fr
 }
 
 void MaintenanceScheduler::install(std::string_view frequency) {
-    const HomeLayout& layout = platform_.layout;
-    if (layout.kind != HomeLayout::Kind::macOS) {
-        throw SchedulerError("scheduled maintenance is not supported on this system");
+    try {
+        platform_.files->createFolders(platform_.layout.agentsFolder);
+        if (platform_.layout.kind == HomeLayout::Kind::macOS) {
+            installAgent(frequency);
+        } else {
+            installTimer(frequency);
+        }
+    } catch (...) {
+        takeBack();
+        throw;
     }
-    platform_.files->createFolders(layout.agentsFolder);
-    platform_.files->writeAtomically(layout.agentFile,
-                                     launchAgentText(platform_.executablePath, frequency));
+}
+
+void MaintenanceScheduler::installAgent(std::string_view frequency) {
+    const std::string& file = platform_.layout.agentFile;
+    platform_.files->writeAtomically(file, launchAgentText(platform_.executablePath, frequency));
     // The agent is usually not loaded yet, so the outcome of "unload" says nothing.
-    platform_.tools->run(launchctl, {"unload", layout.agentFile});
-    const ToolResult load = platform_.tools->run(launchctl, {"load", layout.agentFile});
+    platform_.tools->run(launchctl, {"unload", file});
+    const ToolResult load = platform_.tools->run(launchctl, {"load", file});
     if (!load.started) {
         throw SchedulerError(fmt::format("could not start {}: {}", launchctl, load.startError));
     }
 }
 
+void MaintenanceScheduler::installTimer(std::string_view frequency) {
+    if (!canBeStartedByUnit(platform_.executablePath)) {
+        throw SchedulerError(fmt::format("systemd cannot start a program with this path: {}",
+                                         platform_.executablePath));
+    }
+    const HomeLayout& layout = platform_.layout;
+    platform_.files->writeAtomically(layout.agentService,
+                                     maintenanceServiceText(platform_.executablePath));
+    platform_.files->writeAtomically(layout.agentFile, maintenanceTimerText(frequency));
+    enableTimer();
+}
+
+void MaintenanceScheduler::enableTimer() {
+    const std::string timer(lastPathComponent(platform_.layout.agentFile));
+    const std::vector<std::vector<std::string>> steps{
+        {"daemon-reload"}, {"enable", timer}, {"restart", timer}};
+    for (const auto& step : steps) {
+        const ToolResult result = systemctl(step);
+        if (!result.started) {
+            throw SchedulerError(
+                fmt::format("could not start {}: {}", systemctlPath, result.startError));
+        }
+        if (result.exitStatus != 0) {
+            const std::string reason = singleLine(result.standardError);
+            throw SchedulerError(
+                fmt::format("{} {}: {}", systemctlPath, step.front(),
+                            reason.empty() ? fmt::format("status {}", result.exitStatus) : reason));
+        }
+    }
+}
+
 void MaintenanceScheduler::remove() {
-    if (!isInstalled()) return;
-    // A tool that cannot be started has nothing loaded; the file has to go all the same.
-    platform_.tools->run(launchctl, {"unload", platform_.layout.agentFile});
-    platform_.files->removeAll(platform_.layout.agentFile);
+    const bool isAgent = platform_.layout.kind == HomeLayout::Kind::macOS;
+    if (isInstalled()) {
+        // A tool that cannot be started has nothing loaded; the files have to go all the same.
+        if (isAgent) {
+            platform_.tools->run(launchctl, {"unload", platform_.layout.agentFile});
+        } else {
+            const std::string timer(lastPathComponent(platform_.layout.agentFile));
+            systemctl({"disable", "--now", timer});
+        }
+    }
+    bool hasRemoved = false;
+    for (const std::string& file : installedFiles()) {
+        if (!platform_.files->exists(file)) continue;
+        platform_.files->removeAll(file);
+        hasRemoved = true;
+    }
+    if (hasRemoved && !isAgent) systemctl({"daemon-reload"});
+}
+
+/// After a failed installation: what was there before does not work any more either.
+void MaintenanceScheduler::takeBack() {
+    try {
+        remove();
+    } catch (const FileError& error) {
+        platform_.log->line(error.what());  // the reason of the failure matters more
+    }
 }
 
 bool MaintenanceScheduler::isInstalled() const {
     return platform_.files->exists(platform_.layout.agentFile);
+}
+
+/// The link last: enabling makes it, and a service manager that is not there cannot take it away.
+std::vector<std::string> MaintenanceScheduler::installedFiles() const {
+    const HomeLayout& layout = platform_.layout;
+    if (layout.kind == HomeLayout::Kind::macOS) return {layout.agentFile};
+    return {layout.agentFile, layout.agentService,
+            layout.agentsFolder + "/timers.target.wants/" +
+                std::string(lastPathComponent(layout.agentFile))};
+}
+
+ToolResult MaintenanceScheduler::systemctl(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--user");
+    return platform_.tools->run(systemctlPath, arguments);
+}
+
+void MaintenanceScheduler::notify(const std::string& title, const std::string& body) {
+    if (notified_) return;
+    notified_ = true;
+    platform_.notifications->post(notificationPrefix + newUUID(), title, body);
 }
 
 }  // namespace velto

@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Platform.h"
 
@@ -14,25 +15,38 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Makes the unattended maintenance run happen on a schedule: a per-user launch agent that starts
-/// this program with "--maintenance". Main thread or a work item, one call at a time.
+/// Makes the unattended maintenance run happen on a schedule, by what the user's system has for
+/// that: a launch agent on a Mac (and in the layout of one), a timer of the user's service manager
+/// on a freedesktop home. Either starts this program with "--maintenance". Main thread or a work
+/// item, one call at a time.
 class MaintenanceScheduler {
 public:
     explicit MaintenanceScheduler(Platform& platform) : platform_(platform) {}
 
-    /// Writes the agent for a frequency ("daily", "weekends", "monthly") and loads it; one that is
-    /// loaded already is unloaded first. Throws FileError when the file cannot be written and
-    /// SchedulerError when the system's tool cannot be started or knows no such agents.
+    /// Installs the schedule for a frequency ("daily", "weekends", "monthly"); one that is
+    /// installed already is replaced. Throws FileError when a file cannot be written and
+    /// SchedulerError when the system's tool cannot be started or, for a timer, refuses; nothing is
+    /// installed then.
     void install(std::string_view frequency);
 
-    /// Unloads the agent and takes its file away; nothing installed is no error. Throws FileError
-    /// when the file stays.
+    /// Takes the schedule away; nothing installed is no error. Throws FileError when a file stays.
     void remove();
 
     bool isInstalled() const;
 
+    /// Tells the user what a run did; once only, however often it is called.
+    void notify(const std::string& title, const std::string& body);
+
 private:
+    void installAgent(std::string_view frequency);
+    void installTimer(std::string_view frequency);
+    void enableTimer();
+    void takeBack();
+    std::vector<std::string> installedFiles() const;
+    ToolResult systemctl(std::vector<std::string> arguments);
+
     Platform& platform_;
+    bool notified_ = false;
 };
 
 /// The launch agent's property list, byte for byte. The executable's path goes in as it is.

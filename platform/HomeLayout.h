@@ -63,9 +63,10 @@ struct HomeLayout {
     std::string trashFolder;
     std::string systemTrash;
     std::string agentsFolder;
-    std::string agentFile;    // the maintenance agent, installed or not
-    std::string cloudDrive;   // iCloud Drive
-    std::string cloudFolder;  // the program's folder in it
+    std::string agentFile;     // the maintenance agent or timer, installed or not
+    std::string agentService;  // what the timer starts; a Mac's agent needs none
+    std::string cloudDrive;    // iCloud Drive
+    std::string cloudFolder;   // the program's folder in it
 
     // What cleaning proposes, besides `caches` and `downloads`.
     std::vector<std::string> xcodeApplications;  // one of them there: Xcode is installed

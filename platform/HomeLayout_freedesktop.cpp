@@ -149,6 +149,7 @@ HomeLayout HomeLayout::freedesktop(const std::string& home, const Environment& e
     layout.systemTrash = layout.applicationSupport + "/Trash";
     layout.agentsFolder = configuration + "/systemd/user";
     layout.agentFile = layout.agentsFolder + "/app.velto.maintenance.timer";
+    layout.agentService = layout.agentsFolder + "/app.velto.maintenance.service";
 
     layout.configuration = configuration;
     layout.applicationState = baseFolder("XDG_STATE_HOME", "/.local/state");

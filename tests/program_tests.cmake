@@ -29,6 +29,13 @@ velto_page_test(browser test:page)
 # The longest test starts first; a high cost is how CTest is told.
 set_tests_properties(page.browser PROPERTIES COST 1000 RESOURCE_LOCK window)
 
+# What the tests of the real program need besides it.
+velto_system_package(GIO gio-unix-2.0)
+add_executable(notification_service
+    e2e/support/notification_service.cpp platform/linux/NotificationService.cpp)
+target_link_libraries(notification_service
+    PRIVATE PkgConfig::GIO nlohmann_json::nlohmann_json velto_options)
+
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
     get_filename_component(name ${scenario} NAME_WE)
@@ -36,7 +43,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
-        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>")
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>")
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)

@@ -1,19 +1,30 @@
 #pragma once
 
+#include <string>
+
+#include "platform/FileManager.h"
+#include "platform/Log.h"
 #include "platform/Notifications.h"
 
 namespace velto {
 
-/// The identifier under which a maintenance pass posts its notification through GIO.
-inline constexpr const char* maintenanceNotification = "maintenance";
-
-/// Notifications as GIO sends them. A desktop offers no way to list a program's notifications, nor
-/// to take all of them back: the known one is withdrawn, and only while a GApplication runs, since
-/// GIO withdraws through it. Where the desktop's server knows numbers instead of identifiers, it
-/// can take back only what this very process posted; the rest stays until the user dismisses it.
+/// The desktop's notification service on the session bus ("org.freedesktop.Notifications"). It
+/// knows a notification by the number that it gave it and lists none, so the number of the last one
+/// is kept in a file, together with the service that gave it: another one counts from the start.
 class LinuxNotifications final : public Notifications {
 public:
+    /// `memory` is the file that keeps the number. All outlive the object.
+    LinuxNotifications(FileManager& files, Log& log, std::string memory)
+        : files_(files), log_(log), memory_(std::move(memory)) {}
+
     void removeAllDelivered() override;
+    void post(const std::string& identifier, const std::string& title,
+              const std::string& body) override;
+
+private:
+    FileManager& files_;
+    Log& log_;
+    std::string memory_;
 };
 
 }  // namespace velto

@@ -106,7 +106,8 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->locale = std::make_unique<LinuxLocale>(environment);
     platform->tools = std::make_unique<PosixToolRunner>();
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
-    platform->notifications = std::make_unique<LinuxNotifications>();
+    platform->notifications = std::make_unique<LinuxNotifications>(
+        *platform->files, *platform->log, platform->layout.dataFolder + "/notification.json");
     platform->icons = std::make_unique<LinuxIcons>(*platform->files);
     platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
     platform->userIdentifier = getuid();

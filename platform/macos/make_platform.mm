@@ -85,7 +85,8 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
             platform->bundleIdentifier = utf8(bundle.bundleIdentifier);
             platform->runsFromBundle = [bundle.bundlePath hasSuffix:@".app"];
         }
-        platform->notifications = std::make_unique<MacNotifications>(platform->runsFromBundle);
+        platform->notifications =
+            std::make_unique<MacNotifications>(*platform->log, platform->runsFromBundle);
         return platform;
     }
 }

@@ -19,7 +19,8 @@ TEST_F(Intents, WebReadyIsRecordedLoggedAndEchoedAndNothingElse) {
     post("webReady");
     EXPECT_THAT(bridge->pendingIntents, ElementsAre("webReady"));
     EXPECT_THAT(machine.log.lines(), ElementsAre("Velto ▶ intención: webReady payload: nil"));
-    EXPECT_THAT(page->scripts, ElementsAre("console.info('[velto] intención recibida: webReady');"));
+    EXPECT_THAT(page->scripts,
+                ElementsAre("console.info('[velto] intención recibida: webReady');"));
 }
 
 TEST_F(Intents, MalformedMessagesAreDroppedWithoutATrace) {
@@ -44,15 +45,23 @@ TEST_F(Intents, AnUnknownIntentIsOnlyRecorded) {
 
 TEST_F(Intents, EveryKnownNameSurvivesEveryWrongPayload) {
     const std::vector<const char*> names{
-        "webReady",    "settings",     "setTheme",     "systemWatch",    "appsList",
-        "appAnalysis", "uninstall",    "revealPath",   "deleteFiles",    "undoLast",
-        "restoreItem", "purgeItem",    "purgeTrash",   "clearHistory",   "addExclusion",
-        "cleanPaths",  "moveCloud",    "goView",       "scanCleanables", "setAutoMaintenance",
-        "exclusions",  "removeExclusion"};
-    const std::vector<json> wrong{nullptr, true, 3.5, json::array(), json::array({1}),
-                                  {{"paths", json::array()}}, {{"theme", 1}}, {{"rules", "x"}}};
+        "webReady",    "settings",        "setTheme",          "systemWatch",
+        "appsList",    "appAnalysis",     "uninstall",         "revealPath",
+        "deleteFiles", "undoLast",        "restoreItem",       "purgeItem",
+        "purgeTrash",  "clearHistory",    "addExclusion",      "cleanPaths",
+        "moveCloud",   "goView",          "scanCleanables",    "setAutoMaintenance",
+        "exclusions",  "removeExclusion", "maintenanceStatus", "measureMaintenance"};
+    const std::vector<json> wrong{nullptr,
+                                  true,
+                                  3.5,
+                                  json::array(),
+                                  json::array({1}),
+                                  {{"paths", json::array()}},
+                                  {{"theme", 1}},
+                                  {{"rules", "x"}}};
     for (const char* name : names) {
-        for (const json& payload : wrong) post(name, payload);
+        for (const json& payload : wrong)
+            post(name, payload);
     }
     machine.dispatcher.runAll();
     EXPECT_EQ(bridge->pendingIntents.size(), names.size() * wrong.size());

@@ -89,6 +89,14 @@ TEST_F(SettingsIntent, AFailedInstallationIsToldInTheUsersLanguage) {
                 HasSubstr("\"No se pudo configurar el mantenimiento\""));
 }
 
+TEST_F(SettingsIntent, AFailedInstallationPutsTheSwitchBackAndLeavesNothing) {
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    post("settings", {{"enabled", true}});
+    EXPECT_FALSE(settings.autoMaintenance());
+    EXPECT_FALSE(machine.home.exists("Library/LaunchAgents/app.velto.maintenance.plist"));
+    EXPECT_THAT(page->calls("setState").back(), HasSubstr("\"autoMaintenance\":false"));
+}
+
 TEST_F(SettingsIntent, ThePageGetsTheNewStateAndTheSavedAnalysisKeepsItsStamp) {
     saveAnalysis(1'600'000'000);
     open();

@@ -211,8 +211,16 @@ public:
 class FakeNotifications final : public Notifications {
 public:
     void removeAllDelivered() override { ++removals; }
+    void post(const std::string& identifier, const std::string& title,
+              const std::string& body) override {
+        posted.push_back({identifier, title, body});
+    }
 
+    struct Posted {
+        std::string identifier, title, body;
+    };
     int removals = 0;
+    std::vector<Posted> posted;
 };
 
 class FakeApplicationShell final : public ApplicationShell {

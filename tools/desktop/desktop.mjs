@@ -28,6 +28,17 @@ async function sandboxVariables() {
   return status === 0 ? {} : { WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS: '1' };
 }
 
+/** A D-Bus session: its address, and how it ends. */
+export async function startBus() {
+  const bus = startChild(
+    'dbus-daemon',
+    ['--session', '--nofork', '--nopidfile', '--nosyslog', '--print-address=3'],
+    { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
+  );
+  const address = await firstLine(bus, 3, 'the D-Bus session (dbus-daemon)');
+  return { address, stop: () => stopChild(bus) };
+}
+
 /** A virtual display that holds one window of exactly this size. */
 export async function startDesktop({ width = 1180, height = 760 } = {}) {
   const sandbox = await sandboxVariables();
@@ -37,14 +48,9 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
     { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
   );
   const number = await firstLine(server, 3, 'the virtual display (Xvfb)');
-  const bus = startChild(
-    'dbus-daemon',
-    ['--session', '--nofork', '--nopidfile', '--nosyslog', '--print-address=3'],
-    { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
-  );
-  let address;
+  let bus;
   try {
-    address = await firstLine(bus, 3, 'the D-Bus session (dbus-daemon)');
+    bus = await startBus();
   } catch (error) {
     await stopChild(server);
     throw error;
@@ -59,7 +65,7 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
     /** What a program must find in its environment to live on this desktop alone. */
     variables: {
       DISPLAY: display,
-      DBUS_SESSION_BUS_ADDRESS: address,
+      DBUS_SESSION_BUS_ADDRESS: bus.address,
       GDK_BACKEND: 'x11',
       LIBGL_ALWAYS_SOFTWARE: '1',
       // No accessibility bus answers here; the toolkit would wait for one.
@@ -120,7 +126,7 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
     },
 
     async stop() {
-      await stopChild(bus);
+      await bus.stop();
       await stopChild(server);
     },
   };

@@ -12,7 +12,6 @@
 #include <functional>
 #include <memory>
 
-#include "platform/linux/LinuxNotifications.h"
 #include "support/TempHome.h"
 #include "support/fakes.h"
 
@@ -186,11 +185,6 @@ TEST_F(LinuxWorkspaceTest, ALinkOpensInTheUsersBrowser) {
 TEST_F(LinuxWorkspaceTest, ARelativePathIsRefusedInTheLog) {
     LinuxWorkspace(log).reveal("relative/file");
     EXPECT_THAT(log.lines(), SizeIs(1));
-}
-
-TEST(LinuxNotifications, WithoutARunningApplicationThereIsNothingToTakeBack) {
-    ASSERT_EQ(g_application_get_default(), nullptr);
-    LinuxNotifications().removeAllDelivered();
 }
 
 }  // namespace

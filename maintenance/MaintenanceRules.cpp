@@ -1,0 +1,167 @@
+#include "maintenance/MaintenanceRules.h"
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <unordered_set>
+#include <utility>
+
+#include "cleaning/folder_size.h"
+#include "platform/text.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+constexpr std::int64_t smallestTrashItem = 50'000'000;  // bytes
+constexpr double longestInTrash = 30;                   // whole days
+constexpr int oldDownloadDays = 365;
+
+/// Appends what a rule finds. One that fails adds nothing and keeps no other from its work.
+template <typename Element, typename FindAll>
+void append(std::vector<Element>& target, FindAll findAll) {
+    try {
+        std::ranges::move(findAll(), std::back_inserter(target));
+    } catch (const std::exception&) {
+        // See above.
+    }
+}
+
+}  // namespace
+
+MaintenanceRules::MaintenanceRules(const Platform& platform, Mover mover, CleaningRules& cleaning,
+                                   Limits limits)
+    : platform_(platform),
+      mover_(std::move(mover)),
+      cleaning_(cleaning),
+      limits_(std::move(limits)),
+      systemTrash_(platform) {}
+
+std::vector<MaintenanceRules::Candidate> MaintenanceRules::candidates(const Switches& switches) {
+    std::vector<Candidate> candidates;
+    for (Found& found : find(switches))
+        candidates.push_back(std::move(found.candidate));
+    return candidates;
+}
+
+std::vector<MaintenanceRules::Candidate> MaintenanceRules::run(const Switches& switches) {
+    std::vector<Found> found = find(switches);
+    std::erase_if(found, [&](const Found& one) { return !isStillWanted(one); });
+    if (found.empty()) return {};
+    std::vector<Candidate> moved;
+    if (move(found)) {
+        for (Found& one : found)
+            moved.push_back(std::move(one.candidate));
+        return moved;
+    }
+    for (Found& one : found) {
+        if (isStillWanted(one) && move({one})) moved.push_back(std::move(one.candidate));
+    }
+    return moved;
+}
+
+/// The first rule to offer a path wins.
+std::vector<MaintenanceRules::Found> MaintenanceRules::find(const Switches& switches) {
+    const auto isOn = [&](const std::string& id) {
+        const auto rule = switches.find(id);
+        return rule != switches.end() && rule->second;
+    };
+    std::vector<Found> all;
+    if (isOn("systemTrash")) append(all, [&] { return fromSystemTrash(); });
+    if (isOn("oldDownloads") && limits_.hasAccess) {
+        append(all, [&] { return fromCleaning("oldDownloads", oldDownloadDays); });
+    }
+    if (isOn("caches")) {
+        append(all, [&] { return fromCleaning("caches", 0); });
+        append(all, [&] { return fromCleaning("xcode", 0); });
+    }
+    if (isOn("duplicates") && limits_.hasAccess) append(all, [&] { return fromDuplicates(all); });
+
+    std::unordered_set<std::string> seen;
+    std::erase_if(all, [&](const Found& one) { return !seen.insert(one.candidate.path).second; });
+    return all;
+}
+
+std::vector<MaintenanceRules::Found> MaintenanceRules::fromSystemTrash() const {
+    const double now = platform_.clock->now();
+    std::vector<SystemTrash::Item> old = systemTrash_.items();
+    std::erase_if(old, [&](const SystemTrash::Item& item) {
+        const double days = std::trunc((now - item.since) / secondsPerDay);
+        return days <= longestInTrash || isProtectedPath(item.path) || !isValidUtf8(item.path);
+    });
+    std::vector<std::string> paths;
+    for (const SystemTrash::Item& item : old)
+        paths.push_back(item.path);
+    const auto folders = folderSizes(*platform_.directories, paths);
+
+    std::vector<Found> found;
+    for (std::size_t index = 0; index < old.size(); ++index) {
+        std::optional<std::int64_t> size = folders[index];
+        if (!size) {
+            const auto attributes = platform_.files->attributes(old[index].path);
+            if (!attributes || attributes->kind != FileKind::regular) continue;
+            size = attributes->logicalSize;
+        }
+        if (*size < smallestTrashItem) continue;
+        found.push_back({.candidate = {old[index].path, old[index].name, gigabytes(*size)},
+                         .duplicate = std::nullopt,
+                         .isFromSystemTrash = true});
+    }
+    return found;
+}
+
+std::vector<MaintenanceRules::Found> MaintenanceRules::fromCleaning(std::string_view ruleID,
+                                                                    int youngest) {
+    std::vector<Found> found;
+    const auto rule = std::ranges::find(cleaning_.rules(), ruleID, &Rule::id);
+    if (rule == cleaning_.rules().end()) return found;
+    for (const velto::Candidate& candidate : rule->discover()) {
+        if (candidate.daysOld < youngest) continue;
+        found.push_back(
+            {.candidate = {candidate.path, std::string(lastPathComponent(candidate.path)),
+                           candidate.gb},
+             .duplicate = std::nullopt});
+    }
+    return found;
+}
+
+std::vector<MaintenanceRules::Found> MaintenanceRules::fromDuplicates(
+    const std::vector<Found>& leaving) const {
+    // Another rule may take the very copy that would stay; then another one has to.
+    std::vector<std::string> leavingPaths;
+    for (const Found& one : leaving)
+        leavingPaths.push_back(one.candidate.path);
+    std::vector<Found> found;
+    for (DuplicateCopy& copy : duplicateCopies(platform_, limits_.excluded, leavingPaths)) {
+        const std::string path = copy.copy.path;
+        found.push_back({.candidate = {path, std::string(lastPathComponent(path)), copy.gb},
+                         .duplicate = std::move(copy)});
+    }
+    return found;
+}
+
+/// Comparing takes a while: a copy that has changed since, or whose other copy has, is none.
+bool MaintenanceRules::isStillWanted(const Found& found) const {
+    return !found.duplicate || (found.duplicate->copy.isUnchanged(*platform_.files) &&
+                                found.duplicate->kept.isUnchanged(*platform_.files));
+}
+
+bool MaintenanceRules::move(const std::vector<Found>& found) {
+    std::vector<std::string> paths;
+    Sizes sizes;
+    for (const Found& one : found) {
+        paths.push_back(one.candidate.path);
+        sizes[one.candidate.path] = one.candidate.gb;
+    }
+    try {
+        mover_(paths, sizes);
+    } catch (const std::exception&) {
+        return false;  // one by one next, or this one stays where it is
+    }
+    for (const Found& one : found) {
+        if (one.isFromSystemTrash) systemTrash_.forget(one.candidate.path);
+    }
+    return true;
+}
+
+}  // namespace velto

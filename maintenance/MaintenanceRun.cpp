@@ -1,0 +1,91 @@
+#include "maintenance/MaintenanceRun.h"
+
+#include <exception>
+
+#include <fmt/format.h>
+
+#include "maintenance/MaintenanceRecord.h"
+#include "platform/units.h"
+
+namespace velto {
+namespace {
+
+constexpr double duplicatesInterval = 30 * secondsPerDay;
+
+}  // namespace
+
+std::string maintenanceMessage(const AppLanguage& language, double freed, std::size_t moved) {
+    std::string_view text;
+    if (freed > 0 && moved > 0) {
+        text =
+            language.text("Se han liberado {0} GB y {1} elementos esperan en la Papelera de Velto.",
+                          "{0} GB freed, and {1} items wait in Velto Trash.");
+    } else if (freed > 0) {
+        text = language.text("Se han liberado {0} GB de la Papelera de Velto.",
+                             "{0} GB freed from Velto Trash.");
+    } else if (moved > 0) {
+        text = language.text("{1} elementos esperan en la Papelera de Velto.",
+                             "{1} items wait in Velto Trash.");
+    }
+    return fmt::format(fmt::runtime(text), tenths(freed), moved);
+}
+
+void MaintenanceRun::perform(const MaintenanceRules::Limits& limits) {
+    try {
+        const std::string folder = platform_.layout.dataFolder;
+        platform_.files->createFolders(folder);
+        const auto alone = platform_.mover->lock(folder + "/maintenance.lock", false);
+        if (alone == nullptr) {
+            platform_.log->line("Velto ▶ mantenimiento: ya hay una pasada en marcha");
+            return;
+        }
+        performAlone(limits);
+    } catch (const std::exception& error) {
+        platform_.log->line(fmt::format("Velto ▶ mantenimiento interrumpido: {}", error.what()));
+    }
+}
+
+void MaintenanceRun::performAlone(const MaintenanceRules::Limits& limits) {
+    const double freed = trash_.purgeExpired(settings_.retention());
+    double movedGB = 0;
+    CleaningRules cleaning(platform_, [&] { return limits.hasAccess; });
+    const auto mover = [&](const std::vector<std::string>& paths,
+                           const MaintenanceRules::Sizes& sizes) {
+        const double gb = trash_.moveToTrash(paths, maintenanceKind, sizes).gb;
+        movedGB += gb;
+        return gb;
+    };
+    MaintenanceRules rules(platform_, mover, cleaning, limits);
+    const std::size_t moved = moveToTrash(rules).size();
+    platform_.log->line(
+        fmt::format("Velto ▶ mantenimiento: {} GB liberados, {} elementos a la Papelera de Velto",
+                    tenths(freed), moved));
+    rememberMaintenance(*platform_.files, platform_.layout,
+                        {.ts = platform_.clock->now(),
+                         .freed = freed,
+                         .moved = static_cast<std::int64_t>(moved),
+                         .movedGB = movedGB});
+    notify(freed, moved);
+}
+
+/// Duplicates are handled unattended at most once in 30 days, whatever the schedule.
+std::vector<MaintenanceRules::Candidate> MaintenanceRun::moveToTrash(MaintenanceRules& rules) {
+    MaintenanceRules::Switches switches = settings_.rules();
+    bool& duplicates = switches["duplicates"];
+    const double sinceLast = platform_.clock->now() - settings_.duplicatesRound();
+    duplicates = duplicates && sinceLast >= duplicatesInterval;
+    const bool isRound = duplicates;
+    auto moved = rules.run(switches);
+    if (isRound) settings_.setDuplicatesRound(platform_.clock->now());
+    return moved;
+}
+
+void MaintenanceRun::notify(double freed, std::size_t moved) {
+    const std::string message = maintenanceMessage(language_, freed, moved);
+    if (message.empty()) return;
+    scheduler_.notify(std::string(language_.text("Mantenimiento de Velto completado",
+                                                 "Velto maintenance complete")),
+                      message);
+}
+
+}  // namespace velto

@@ -1,0 +1,45 @@
+#include "maintenance/next_run.h"
+
+#include <algorithm>
+#include <ctime>
+
+#include "maintenance/MaintenanceScheduler.h"
+
+namespace velto {
+namespace {
+
+constexpr int saturday = 6;  // of tm_wday
+
+}  // namespace
+
+double nextCalendarRun(double now, std::string_view frequency) {
+    const auto seconds = static_cast<std::time_t>(now);
+    std::tm date{};
+    localtime_r(&seconds, &date);
+    date.tm_hour = date.tm_min = date.tm_sec = 0;
+    date.tm_isdst = -1;  // whatever it will be then
+    if (frequency == "daily") {
+        date.tm_mday += 1;
+    } else if (frequency == "monthly") {
+        date.tm_mday = 1;
+        date.tm_mon += 1;
+    } else {
+        const int days = (saturday - date.tm_wday + 7) % 7;
+        date.tm_mday += days == 0 ? 7 : days;
+    }
+    return static_cast<double>(std::mktime(&date));
+}
+
+std::optional<double> nextMaintenance(const Platform& platform, std::string_view frequency,
+                                      std::optional<double> lastRun) {
+    const auto installed = platform.files->attributes(platform.layout.agentFile);
+    if (!installed) return std::nullopt;
+    const double now = platform.clock->now();
+    if (platform.layout.kind == HomeLayout::Kind::freedesktop) {
+        return nextCalendarRun(now, frequency);
+    }
+    const double from = std::max(installed->modified, lastRun.value_or(0));
+    return std::max(now, from + maintenanceInterval(frequency));
+}
+
+}  // namespace velto

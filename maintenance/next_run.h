@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "platform/Platform.h"
+
+namespace velto {
+
+/// When the installed schedule starts its next run, in seconds since 1970, as far as that can be
+/// told from outside: an agent counts its interval from the run before (`lastRun`, if there was
+/// one) or from its installation, a timer goes by the calendar of this machine's time zone and may
+/// come up to an hour later. A time that has passed already means: as soon as the machine is awake,
+/// and is given as now. Nothing when nothing is installed.
+std::optional<double> nextMaintenance(const Platform& platform, std::string_view frequency,
+                                      std::optional<double> lastRun);
+
+/// The first start of a timer after `now`: the next midnight, the next Saturday's or the next first
+/// of a month's.
+double nextCalendarRun(double now, std::string_view frequency);
+
+}  // namespace velto

@@ -1,0 +1,102 @@
+#include "maintenance/MaintenanceRules.h"
+
+#include "MaintenanceFixture.h"
+
+namespace velto {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+TEST_F(MaintenanceRulesTest, WhatWasThrownAwayStaysThirtyWholeDays) {
+    thrownAway("thirty.iso", 50 * megabyte, 30);
+    thrownAway("almost.iso", 50 * megabyte, 31).dated(now(), now() - 31 * day + 1);
+    thrownAway("thirty-one.iso", 50 * megabyte, 31);
+    EXPECT_THAT(run({{"systemTrash", true}}), ElementsAre(home().path(".Trash/thirty-one.iso")));
+}
+
+TEST_F(MaintenanceRulesTest, SmallThingsStayInTheSystemsTrash) {
+    thrownAway("small.iso", 40 * megabyte, 31);
+    thrownAway("a byte short.iso", 50 * megabyte - 1, 31);
+    home().sparse(".Trash/folder/a", 30 * megabyte);
+    home().sparse(".Trash/folder/b", 30 * megabyte);
+    TempHome::File(home().path(".Trash/folder")).dated(now(), now() - 40 * day);
+    EXPECT_THAT(run({{"systemTrash", true}}), ElementsAre(home().path(".Trash/folder")));
+}
+
+TEST_F(MaintenanceRulesTest, ProtectedThingsStayInTheSystemsTrash) {
+    thrownAway("Old.photoslibrary", 90 * megabyte, 99);
+    thrownAway("MailDrop.zip", 90 * megabyte, 99);
+    home().link(".Trash/link", "/");
+    EXPECT_THAT(run({{"systemTrash", true}}), IsEmpty());
+    EXPECT_THAT(calls, IsEmpty());
+}
+
+TEST_F(MaintenanceRulesTest, AnUnreadableTrashHasNothing) {
+    EXPECT_THAT(run({{"systemTrash", true}}), IsEmpty());
+}
+
+TEST_F(MaintenanceRulesTest, NothingIsMovedByRulesThatAreOffOrUnknown) {
+    thrownAway("old.iso", 90 * megabyte, 99);
+    home().sparse("Library/Caches/com.example.App/data", 90 * megabyte);
+    EXPECT_THAT(run({}), IsEmpty());
+    EXPECT_THAT(run({{"systemTrash", false}, {"caches", false}, {"other", true}}), IsEmpty());
+    EXPECT_THAT(calls, IsEmpty());
+}
+
+TEST_F(MaintenanceRulesTest, TheRulesComeInTheirOrderAndCachesOfAnyAge) {
+    thrownAway("old.iso", 60 * megabyte, 31);
+    home().sparse("Downloads/film.mkv", 70 * megabyte).dated(now() - 366 * day, now() - 366 * day);
+    home().sparse("Downloads/new.mkv", 70 * megabyte).dated(now(), now());
+    home().sparse("Downloads/installer.dmg", 70 * megabyte).dated(now(), now());
+    home().sparse("Library/Caches/com.example.App/data", 90 * megabyte).dated(now(), now());
+    EXPECT_THAT(run({{"systemTrash", true},
+                     {"oldDownloads", true},
+                     {"caches", true},
+                     {"duplicates", true}}),
+                ElementsAre(home().path(".Trash/old.iso"), home().path("Downloads/film.mkv"),
+                            home().path("Library/Caches/com.example.App")));
+    EXPECT_THAT(calls, SizeIs(1)) << "all at once";
+}
+
+TEST_F(MaintenanceRulesTest, WhatTwoRulesOfferIsMovedOnce) {
+    // Xcode's data kept among the caches: offered by both rules.
+    machine.platform.layout.xcodeApplications = {home().path("Applications/Xcode.app")};
+    home().folder("Applications/Xcode.app");
+    machine.platform.layout.xcodeDerivedData = home().path("Library/Caches/DerivedData");
+    home().sparse("Library/Caches/DerivedData/data", 200 * megabyte);
+    EXPECT_THAT(run({{"caches", true}}), ElementsAre(home().path("Library/Caches/DerivedData")));
+    EXPECT_THAT(calls, ElementsAre(SizeIs(1)));
+}
+
+TEST_F(MaintenanceRulesTest, OneLockedFileKeepsNoOtherFromBeingMoved) {
+    thrownAway("a.iso", 60 * megabyte, 31);
+    thrownAway("b.iso", 60 * megabyte, 31);
+    thrownAway("c.iso", 60 * megabyte, 31);
+    locked = home().path(".Trash/b.iso");
+    EXPECT_THAT(run({{"systemTrash", true}}),
+                ElementsAre(home().path(".Trash/a.iso"), home().path(".Trash/c.iso")));
+    EXPECT_THAT(calls, ElementsAre(SizeIs(3), SizeIs(1), SizeIs(1), SizeIs(1)));
+    EXPECT_TRUE(home().exists(".Trash/b.iso"));
+}
+
+TEST_F(MaintenanceRulesTest, WithoutAccessNothingAsksForTheGuardedFolders) {
+    limits.hasAccess = false;
+    home().sparse("Downloads/film.mkv", 70 * megabyte).dated(now() - 400 * day, now() - 400 * day);
+    filled("Downloads/one.bin", 'x');
+    filled("Documents/other.bin", 'x');
+    EXPECT_THAT(run({{"oldDownloads", true}, {"duplicates", true}}), IsEmpty());
+}
+
+TEST_F(MaintenanceRulesTest, ACandidateTellsItsNameAndItsSize) {
+    thrownAway("old.iso", 60 * megabyte, 31);
+    const auto candidates = rules().candidates({{"systemTrash", true}});
+    ASSERT_THAT(candidates, SizeIs(1));
+    EXPECT_EQ(candidates.front().name, "old.iso");
+    EXPECT_DOUBLE_EQ(candidates.front().gb, 0.06);
+    EXPECT_THAT(calls, IsEmpty()) << "asking moves nothing";
+}
+
+}  // namespace
+}  // namespace velto

@@ -1,0 +1,123 @@
+// The schedule of a freedesktop home: units of the user's service manager.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "maintenance/MaintenanceScheduler.h"
+#include "maintenance/systemd_units.h"
+#include "support/TestPlatform.h"
+
+namespace velto {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr const char* timer = ".config/systemd/user/app.velto.maintenance.timer";
+constexpr const char* service = ".config/systemd/user/app.velto.maintenance.service";
+constexpr const char* wanted =
+    ".config/systemd/user/timers.target.wants/app.velto.maintenance.timer";
+
+/// Fails at one command.
+class FailingTool final : public ToolRunner {
+public:
+    explicit FailingTool(std::string command) : command_(std::move(command)) {}
+
+    ToolResult run(const std::string&, const std::vector<std::string>& arguments) override {
+        const bool fails = std::ranges::find(arguments, command_) != arguments.end();
+        return {.started = true,
+                .startError = "",
+                .exitStatus = fails ? 1 : 0,
+                .standardError = fails ? "Failed to connect to bus:\nno medium found\n" : ""};
+    }
+
+private:
+    std::string command_;
+};
+
+struct MaintenanceTimerTest : testing::Test {
+    MaintenanceTimerTest() {
+        machine.platform.layout = HomeLayout::freedesktop(
+            machine.home.path(), [](const std::string&) { return std::nullopt; }, "");
+    }
+
+    TestPlatform machine;
+    MaintenanceScheduler scheduler{machine.platform};
+};
+
+TEST_F(MaintenanceTimerTest, InstallingWritesBothUnitsAndStartsTheTimer) {
+    scheduler.install("daily");
+    EXPECT_TRUE(scheduler.isInstalled());
+    EXPECT_EQ(machine.home.read(timer), maintenanceTimerText("daily"));
+    EXPECT_EQ(machine.home.read(service), maintenanceServiceText("/opt/velto/velto"));
+    const char* const tool = "/usr/bin/systemctl";
+    const char* const unit = "app.velto.maintenance.timer";
+    EXPECT_THAT(machine.tools.commands, ElementsAre(ElementsAre(tool, "--user", "daemon-reload"),
+                                                    ElementsAre(tool, "--user", "enable", unit),
+                                                    ElementsAre(tool, "--user", "restart", unit)));
+}
+
+TEST_F(MaintenanceTimerTest, RemovingTakesEverythingAway) {
+    scheduler.install("daily");
+    machine.home.link(wanted, machine.home.path(timer));  // as enabling does
+    machine.tools.commands.clear();
+    scheduler.remove();
+    EXPECT_FALSE(machine.home.exists(timer));
+    EXPECT_FALSE(machine.home.exists(service));
+    EXPECT_FALSE(machine.home.exists(wanted));
+    EXPECT_THAT(machine.tools.commands.front(), Contains("disable"));
+    EXPECT_THAT(machine.tools.commands.back(), Contains("daemon-reload"));
+    machine.tools.commands.clear();
+    scheduler.remove();
+    EXPECT_THAT(machine.tools.commands, IsEmpty()) << "nothing was installed";
+}
+
+TEST_F(MaintenanceTimerTest, WithoutAUserManagerNothingIsLeftHalfInstalled) {
+    for (const char* command : {"daemon-reload", "enable", "restart"}) {
+        machine.platform.tools = std::make_unique<FailingTool>(command);
+        try {
+            scheduler.install("daily");
+            ADD_FAILURE() << command;
+        } catch (const SchedulerError& error) {
+            EXPECT_THAT(error.what(), HasSubstr("Failed to connect to bus: no medium found"));
+            EXPECT_THAT(error.what(), Not(HasSubstr("\n")));
+        }
+        EXPECT_FALSE(machine.home.exists(timer)) << command;
+        EXPECT_FALSE(machine.home.exists(service)) << command;
+    }
+}
+
+TEST_F(MaintenanceTimerTest, WithoutTheToolNothingIsLeftEither) {
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    EXPECT_THROW(scheduler.install("daily"), SchedulerError);
+    EXPECT_FALSE(scheduler.isInstalled());
+    EXPECT_FALSE(machine.home.exists(service));
+}
+
+TEST(SystemdUnits, EachFrequencyHasItsDay) {
+    EXPECT_THAT(maintenanceTimerText("daily"), HasSubstr("\nOnCalendar=daily\n"));
+    EXPECT_THAT(maintenanceTimerText("weekends"), HasSubstr("\nOnCalendar=Sat\n"));
+    EXPECT_THAT(maintenanceTimerText("monthly"), HasSubstr("\nOnCalendar=monthly\n"));
+    EXPECT_THAT(maintenanceTimerText("daily"), HasSubstr("\nPersistent=true\n"));
+}
+
+TEST(SystemdUnits, TheProgramsPathIsOneWordWhateverIsInIt) {
+    EXPECT_THAT(maintenanceServiceText("/opt/my 100% $HOME/velto"),
+                HasSubstr("\nExecStart=\"/opt/my 100%% $HOME/velto\" --maintenance\n"));
+}
+
+TEST_F(MaintenanceTimerTest, APathThatSystemdRefusesIsRefusedWithAReason) {
+    for (const char* path : {"/opt/\"x\"/velto", "/opt/a\\b", "/opt/a\nb", "/opt/it's"}) {
+        machine.platform.executablePath = path;
+        EXPECT_THROW(scheduler.install("daily"), SchedulerError) << path;
+        EXPECT_FALSE(machine.home.exists(service)) << path;
+    }
+}
+
+}  // namespace
+}  // namespace velto

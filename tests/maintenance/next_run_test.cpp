@@ -1,0 +1,64 @@
+#include "maintenance/next_run.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+#include "support/TestPlatform.h"
+
+namespace velto {
+namespace {
+
+constexpr const char* agent = "Library/LaunchAgents/app.velto.maintenance.plist";
+constexpr double day = 86400;
+
+double localTime(int year, int month, int dayOfMonth, int hour) {
+    std::tm date{};
+    date.tm_year = year - 1900;
+    date.tm_mon = month - 1;
+    date.tm_mday = dayOfMonth;
+    date.tm_hour = hour;
+    date.tm_isdst = -1;
+    return static_cast<double>(std::mktime(&date));
+}
+
+void installed(TestPlatform& machine, double when) {
+    const auto seconds = static_cast<std::int64_t>(when);
+    machine.home.text(agent, "x").dated(seconds, seconds);
+}
+
+TEST(NextMaintenance, WithoutAScheduleThereIsNone) {
+    TestPlatform machine;
+    EXPECT_FALSE(nextMaintenance(machine.platform, "daily", 5.0));
+}
+
+TEST(NextMaintenance, AnAgentCountsFromTheRunBeforeOrFromItsInstallation) {
+    TestPlatform machine;
+    const double now = machine.clock.time;
+    installed(machine, now - 1000);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now - 1000 + day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "weekends", std::nullopt), now - 1000 + 7 * day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", now - 400), now - 400 + day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", now - 4 * day), now - 1000 + day)
+        << "installed anew since";
+}
+
+TEST(NextMaintenance, AMissedRunComesAtOnce) {
+    TestPlatform machine;
+    const double now = machine.clock.time;
+    installed(machine, now - 9 * day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now);
+}
+
+TEST(NextCalendarRun, IsTheNextMidnightSaturdayOrFirstOfAMonth) {
+    // The 21st of November 2026 is a Saturday.
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 11, 20, 9), "daily"), localTime(2026, 11, 21, 0));
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 11, 20, 9), "weekends"), localTime(2026, 11, 21, 0));
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 11, 21, 9), "weekends"), localTime(2026, 11, 28, 0));
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 11, 22, 9), "weekends"), localTime(2026, 11, 28, 0));
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 12, 31, 23), "daily"), localTime(2027, 1, 1, 0));
+    EXPECT_EQ(nextCalendarRun(localTime(2026, 12, 5, 9), "monthly"), localTime(2027, 1, 1, 0));
+}
+
+}  // namespace
+}  // namespace velto
