@@ -1,23 +1,26 @@
 import { svelte } from '@sveltejs/vite-plugin-svelte';
 import { defineConfig } from 'vitest/config';
 import { classicPage } from './build/classicPage.ts';
+import { staticIcons } from './build/staticIcons.ts';
 
 export default defineConfig(({ mode }) => ({
   base: './',
-  plugins: [svelte(), classicPage()],
+  plugins: [staticIcons(), svelte(), classicPage()],
   // The mode "ahead" switches on every feature the page is prepared for; tests build it too.
   define: { __AHEAD__: JSON.stringify(mode === 'ahead') },
   build: {
     target: 'safari16.4',
     outDir: mode === 'ahead' ? 'dist-ahead' : 'dist',
     modulePreload: false,
-    cssCodeSplit: false,
     assetsInlineLimit: 0,
     rolldownOptions: {
+      // Vite hands `import.meta.url` to its preloading, which classicPage replaces.
+      checks: { emptyImportMeta: false },
       output: {
-        format: 'iife',
+        format: 'cjs', // see classicPage
         entryFileNames: 'velto.js',
-        assetFileNames: 'velto[extname]',
+        chunkFileNames: '[name].js',
+        assetFileNames: ({ names }) => (names.includes('index.css') ? 'velto.css' : '[name][extname]'),
       },
     },
   },

@@ -1,5 +1,7 @@
 #include "app/window/window_rules.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace velto::window {
@@ -74,6 +76,22 @@ std::optional<std::string> findResourceBundle(
         if (exists(path)) return path;
     }
     return std::nullopt;
+}
+
+// At document start the root element normally stands already; should it not, it is waited for.
+std::string platformScript(std::string_view system) {
+    return fmt::format(R"js((function () {{
+  function mark() {{
+    if (!document.documentElement) return false;
+    document.documentElement.dataset.platform = "{}";
+    return true;
+  }}
+  if (mark()) return;
+  new MutationObserver(function (changes, observer) {{
+    if (mark()) observer.disconnect();
+  }}).observe(document, {{ childList: true }});
+}})();)js",
+                       system);
 }
 
 }  // namespace velto::window

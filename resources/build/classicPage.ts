@@ -2,7 +2,9 @@ import type { Plugin } from 'vite';
 
 /**
  * The web view loads the page from `file:`, where module scripts are refused. The built page
- * therefore carries one classic deferred script, and a policy that allows its own files only.
+ * therefore carries classic scripts, and a policy that allows its own files only. Rolldown writes
+ * them as CommonJS chunks; each is put into a function here, and what it exports stands under its
+ * file name in a table that all of them share.
  */
 const policy = [
   "default-src 'none'",
@@ -12,10 +14,34 @@ const policy = [
   "font-src 'self'",
 ].join('; ');
 
+const table = 'globalThis.veltoScripts';
+
+/** The first script makes the table; asking for a script that has not been loaded is an error. */
+function classicScript(fileName: string, code: string, isFirst: boolean): string {
+  const name = JSON.stringify(`./${fileName}`);
+  const begin = isFirst ? `${table}={};` : '';
+  return (
+    `(function(){"use strict";${begin}` +
+    `const exports=${table}[${name}]={};` +
+    `function require(name){const found=${table}[name];if(!found)throw new Error(name+" is not loaded");return found}` +
+    `${code}\n})();\n`
+  );
+}
+
+const preloadHelper = '\0vite/preload-helper.js';
+
 export function classicPage(): Plugin {
   return {
     name: 'velto:classic-page',
     apply: 'build',
+    enforce: 'pre',
+    // Nothing is preloaded: `laterViews` asks for the second script and style sheet itself.
+    load: (id) => (id === preloadHelper ? 'export const __vitePreload = (load) => load();' : null),
+    generateBundle(_options, bundle) {
+      for (const file of Object.values(bundle)) {
+        if (file.type === 'chunk') file.code = classicScript(file.fileName, file.code, file.isEntry);
+      }
+    },
     transformIndexHtml: {
       order: 'post',
       handler: (html) =>

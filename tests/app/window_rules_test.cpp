@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+
 #include "app/window/ReloadPace.h"
 
 namespace velto::window {
@@ -114,6 +117,18 @@ TEST(ReloadPace, APageThatKeepsDyingIsLoadedThreeTimesAMinuteAndNotGivenUp) {
     EXPECT_THAT(pace.delay(60), DoubleEq(1)) << "the waiting one counts too";
     EXPECT_THAT(pace.delay(62), DoubleEq(0)) << "a minute after the third one";
     EXPECT_THAT(pace.delay(500), DoubleEq(0));
+}
+
+TEST(WindowRules, ThePageIsToldItsSystemEvenBeforeTheRootElementStands) {
+    for (const std::string system : {"linux", "macos"}) {
+        const std::string script = platformScript(system);
+        EXPECT_THAT(script,
+                    testing::HasSubstr("document.documentElement.dataset.platform = \"" + system + "\";"));
+        EXPECT_THAT(script, testing::HasSubstr("if (!document.documentElement) return false;"));
+        EXPECT_THAT(script, testing::HasSubstr(".observe(document, { childList: true });"));
+        EXPECT_EQ(std::count(script.begin(), script.end(), '{'),
+                  std::count(script.begin(), script.end(), '}'));
+    }
 }
 
 }  // namespace

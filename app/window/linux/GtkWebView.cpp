@@ -4,21 +4,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/window/window_rules.h"
+
 namespace velto::window {
 namespace {
-
-// At document start the root element normally stands already; should it not, it is waited for.
-constexpr const char* platformScript = R"js((function () {
-  function mark() {
-    if (!document.documentElement) return false;
-    document.documentElement.dataset.platform = "linux";
-    return true;
-  }
-  if (mark()) return;
-  new MutationObserver(function (changes, observer) {
-    if (mark()) observer.disconnect();
-  }).observe(document, { childList: true });
-})();)js";
 
 /// The page is one local file: what serves browsing is off, and so are the developer tools.
 GlibReference<WebKitSettings> makeSettings() {
@@ -42,7 +31,7 @@ GtkWebView::GtkWebView(WebKitNetworkSession* session)
     view_.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
         g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session, "user-content-manager",
                      content_.get(), "settings", settings.get(), nullptr))));
-    addUserScript(platformScript);
+    addUserScript(platformScript("linux"));
 }
 
 GtkWebView::~GtkWebView() {

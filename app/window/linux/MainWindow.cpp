@@ -39,6 +39,7 @@ MainWindow::MainWindow(const WindowContext& context, Appearance appearance,
 }
 
 MainWindow::~MainWindow() {
+    if (settling_ != 0) g_source_remove(settling_);
     rememberFrame(window_, *context_.platform.defaults);
     g_signal_handlers_disconnect_by_data(webView_->view(), this);
     g_signal_handlers_disconnect_by_data(window_, this);
@@ -95,7 +96,15 @@ void MainWindow::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer sel
     MainWindow& window = owner(self);
     if (event == WEBKIT_LOAD_STARTED) window.loadFailed_ = false;
     if (event == WEBKIT_LOAD_COMMITTED) window.tellRoom();
-    if (event == WEBKIT_LOAD_FINISHED && !window.loadFailed_) window.context_.app.pageLoaded();
+    if (event != WEBKIT_LOAD_FINISHED || window.loadFailed_ || window.settling_ != 0) return;
+    // The page comes with what it shows first: drawing that goes before telling it more.
+    window.settling_ = g_idle_add(&MainWindow::settled, self);
+}
+
+gboolean MainWindow::settled(gpointer self) {
+    owner(self).settling_ = 0;
+    owner(self).context_.app.pageLoaded();
+    return G_SOURCE_REMOVE;
 }
 
 gboolean MainWindow::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error,

@@ -44,6 +44,7 @@ private:
     static gboolean closeRequested(GtkWindow*, gpointer self);
     static void activeChanged(GtkWindow* window, GParamSpec*, gpointer self);
     static void loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self);
+    static gboolean settled(gpointer self);
     static gboolean loadFailed(WebKitWebView*, WebKitLoadEvent, const char* uri, GError* error,
                                gpointer self);
     static void pageProcessEnded(WebKitWebView*, WebKitWebProcessTerminationReason reason,
@@ -61,6 +62,7 @@ private:
     std::unique_ptr<WindowTop> top_;
     ReloadPace reloads_;
     bool loadFailed_ = false;
+    guint settling_ = 0;  // the source that waits for a pause after the page has loaded
 };
 
 }  // namespace velto::window

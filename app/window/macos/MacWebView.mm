@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/window/window_rules.h"
 #include "platform/macos/foundation_text.h"
 
 namespace {
@@ -21,19 +22,6 @@ std::optional<nlohmann::json> jsonOf(id body) {
     if (!list.is_array() || list.empty()) return std::nullopt;
     return std::move(list.front());
 }
-
-// At document start the root element normally stands already; should it not, it is waited for.
-constexpr std::string_view platformScript = R"js((function () {
-  function mark() {
-    if (!document.documentElement) return false;
-    document.documentElement.dataset.platform = "macos";
-    return true;
-  }
-  if (mark()) return;
-  new MutationObserver(function (changes, observer) {
-    if (mark()) observer.disconnect();
-  }).observe(document, { childList: true });
-})();)js";
 
 }  // namespace
 
@@ -64,7 +52,7 @@ namespace velto {
 
 MacWebView::MacWebView(WKWebView* view)
     : view_(view), content_(view.configuration.userContentController) {
-    addUserScript(std::string(platformScript));
+    addUserScript(window::platformScript("macos"));
 }
 
 MacWebView::~MacWebView() {

@@ -15,18 +15,25 @@ export const oldestKnownUse = 50 * 365;
 
 const nonBreakingSpace = '\u00a0';
 
+/** Making one takes about a millisecond, and a page shows few of them: each is made when first used. */
+function once<Made>(make: () => Made): () => Made {
+  let made: Made | undefined;
+  return () => (made ??= make());
+}
+
 export function createFormats(code: LanguageCode) {
   const locale = locales[code];
-  const whole = new Intl.NumberFormat(locale, { maximumFractionDigits: 0 });
-  const oneDecimal = new Intl.NumberFormat(locale, { maximumFractionDigits: 1 });
-  const share = new Intl.NumberFormat(locale, { style: 'percent', maximumFractionDigits: 0 });
-  const rules = new Intl.PluralRules(locale);
-  const relative = new Intl.RelativeTimeFormat(locale, { numeric: 'always' });
-  const nearby = new Intl.RelativeTimeFormat(locale, { numeric: 'auto' });
-  const moment = new Intl.DateTimeFormat(locale, { dateStyle: 'long', timeStyle: 'short' });
-  const enumeration = new Intl.ListFormat(locale, { type: 'conjunction' });
+  const whole = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 0 }));
+  const oneDecimal = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 1 }));
+  const share = once(() => new Intl.NumberFormat(locale, { style: 'percent', maximumFractionDigits: 0 }));
+  const rules = once(() => new Intl.PluralRules(locale));
+  const relative = once(() => new Intl.RelativeTimeFormat(locale, { numeric: 'always' }));
+  const nearby = once(() => new Intl.RelativeTimeFormat(locale, { numeric: 'auto' }));
+  const moment = once(() => new Intl.DateTimeFormat(locale, { dateStyle: 'long', timeStyle: 'short' }));
+  const enumeration = once(() => new Intl.ListFormat(locale, { type: 'conjunction' }));
+  const collator = once(() => new Intl.Collator(locale, { numeric: true, sensitivity: 'base' }));
   const unit = (name: string) =>
-    new Intl.NumberFormat(locale, { style: 'unit', unit: name, unitDisplay: 'short' });
+    once(() => new Intl.NumberFormat(locale, { style: 'unit', unit: name, unitDisplay: 'short' }));
   const seconds = unit('second');
   const minutes = unit('minute');
   const hours = unit('hour');
@@ -36,49 +43,49 @@ export function createFormats(code: LanguageCode) {
   }
 
   return {
-    number: (value: number) => whole.format(value),
-    share: (value: number) => share.format(value),
-    list: (entries: string[]) => enumeration.format(entries),
-    moment: (stamp: number) => moment.format(stamp * 1000),
-    compare: new Intl.Collator(locale, { numeric: true, sensitivity: 'base' }).compare,
+    number: (value: number) => whole().format(value),
+    share: (value: number) => share().format(value),
+    list: (entries: string[]) => enumeration().format(entries),
+    moment: (stamp: number) => moment().format(stamp * 1000),
+    compare: (left: string, right: string) => collator().compare(left, right),
 
     /** A size given in decimal gigabytes, with at most one fraction digit. */
     size(gb: number): string {
       if (gb <= 0) return withUnit('0', 'GB');
-      if (gb < 0.05) return withUnit('<' + nonBreakingSpace + oneDecimal.format(0.1), 'GB');
-      if (gb >= 999.95) return withUnit(oneDecimal.format(gb / 1000), 'TB');
-      return withUnit(oneDecimal.format(gb), 'GB');
+      if (gb < 0.05) return withUnit('<' + nonBreakingSpace + oneDecimal().format(0.1), 'GB');
+      if (gb >= 999.95) return withUnit(oneDecimal().format(gb / 1000), 'TB');
+      return withUnit(oneDecimal().format(gb), 'GB');
     },
 
     /** "#" in the chosen form stands for the count. */
     plural(count: number, forms: PluralForms): string {
-      const form = rules.select(count) as keyof PluralForms;
-      return (forms[form] ?? forms.other).replace('#', whole.format(count));
+      const form = rules().select(count) as keyof PluralForms;
+      return (forms[form] ?? forms.other).replace('#', whole().format(count));
     },
 
     /** How long ago, for whole days since the last use; null when no date is known. */
     age(days: number): string | null {
       if (days > oldestKnownUse) return null;
-      if (days < 2) return nearby.format(-Math.trunc(days), 'day');
-      if (days < 30) return relative.format(-Math.trunc(days), 'day');
-      if (days < 365) return relative.format(-Math.trunc(days / 30), 'month');
-      return relative.format(-Math.trunc(days / 365), 'year');
+      if (days < 2) return nearby().format(-Math.trunc(days), 'day');
+      if (days < 30) return relative().format(-Math.trunc(days), 'day');
+      if (days < 365) return relative().format(-Math.trunc(days / 30), 'month');
+      return relative().format(-Math.trunc(days / 365), 'year');
     },
 
     /** How long ago, for a time in seconds since 1970; null when it was within this minute. */
     since(stamp: number, now: number): string | null {
       const passed = Math.max(0, now - stamp);
       if (passed < 60) return null;
-      if (passed < 3600) return relative.format(-Math.trunc(passed / 60), 'minute');
-      if (passed < 86400) return relative.format(-Math.trunc(passed / 3600), 'hour');
-      return relative.format(-Math.trunc(passed / 86400), 'day');
+      if (passed < 3600) return relative().format(-Math.trunc(passed / 60), 'minute');
+      if (passed < 86400) return relative().format(-Math.trunc(passed / 3600), 'hour');
+      return relative().format(-Math.trunc(passed / 86400), 'day');
     },
 
     duration(totalSeconds: number): string {
       const total = Math.max(0, Math.trunc(totalSeconds));
-      if (total < 60) return seconds.format(total);
-      if (total < 3600) return `${minutes.format(Math.trunc(total / 60))} ${seconds.format(total % 60)}`;
-      return `${hours.format(Math.trunc(total / 3600))} ${minutes.format(Math.trunc((total % 3600) / 60))}`;
+      if (total < 60) return seconds().format(total);
+      if (total < 3600) return `${minutes().format(Math.trunc(total / 60))} ${seconds().format(total % 60)}`;
+      return `${hours().format(Math.trunc(total / 3600))} ${minutes().format(Math.trunc((total % 3600) / 60))}`;
     },
   };
 }

@@ -29,6 +29,11 @@ export function nameParts(name: string): NamePart[] {
   return parts;
 }
 
+/** Hardly any name has one, and then it is one piece of text. */
+export function hasMarks(name: string): boolean {
+  return name.search(marks) >= 0;
+}
+
 /** The name as one plain string, for tooltips and labels. */
 export function plainName(name: string): string {
   return name.replace(marks, (mark) => `⟨${codePoint(mark)}⟩`);

@@ -2,7 +2,14 @@
  * Long names are shortened in the middle, because the end of a path matters. The page shows the
  * head with an ellipsis when it does not fit, and the tail always.
  */
-const segmenter = new Intl.Segmenter(undefined, { granularity: 'grapheme' });
+let segmenter: Intl.Segmenter | undefined;
+
+/** What is seen as one character each. Making a segmenter is slow, and plain ASCII needs none. */
+function characters(text: string): string[] {
+  if (/^[\x20-\x7e]*$/.test(text)) return text.split('');
+  segmenter ??= new Intl.Segmenter(undefined, { granularity: 'grapheme' });
+  return [...segmenter.segment(text)].map(({ segment }) => segment);
+}
 
 /** A head shorter than this is not worth an ellipsis. */
 const shortestHead = 4;
@@ -21,10 +28,9 @@ export function isRightToLeft(text: string): boolean {
 export function splitForMiddle(text: string, tailLength: number): Halves {
   if (tailLength <= 0 || isRightToLeft(text)) return { head: text, tail: '' };
   if (text.length < tailLength + shortestHead) return { head: text, tail: '' };
-  const starts = [...segmenter.segment(text)].map((segment) => segment.index);
-  if (starts.length < tailLength + shortestHead) return { head: text, tail: '' };
-  const cut = starts[starts.length - tailLength]!;
-  return { head: text.slice(0, cut), tail: text.slice(cut) };
+  const shown = characters(text);
+  if (shown.length < tailLength + shortestHead) return { head: text, tail: '' };
+  return { head: shown.slice(0, -tailLength).join(''), tail: shown.slice(-tailLength).join('') };
 }
 
 /** The folder that holds the file, without a trailing slash; "/" for a file at the root. */

@@ -58,8 +58,12 @@ export interface SavedAnalysis {
   stamp: number | undefined;
 }
 
+/** What the program told while the saved analysis was being painted; null once that is done. */
+let held: (() => void)[] | null = null;
+
 /**
- * Installs the page's callbacks and answers what the program put in the page before it started.
+ * Installs the page's callbacks and answers what the program put in the page before it started. If
+ * that is a state, events wait until `release`: painting it comes first.
  * A listener that throws is reported to the console and never reaches the program's script.
  */
 export function connect(listeners: Listeners): SavedAnalysis | null {
@@ -67,15 +71,21 @@ export function connect(listeners: Listeners): SavedAnalysis | null {
   for (const name of Object.keys(listeners) as EventName[]) {
     velto[name] = (...values: unknown[]) => {
       if (name === 'setState') keepLatest(velto, values);
-      try {
-        receive(name, values, listeners);
-      } catch (error) {
-        console.error(`[velto] ${name}`, error);
-      }
+      const deliver = () => receive(name, values, listeners);
+      if (held) held.push(deliver);
+      else deliver();
     };
   }
   const state = guards.diskState(velto._state);
+  held = state ? [] : null;
   return state && { state, stamp: readStamp(velto._stamp) };
+}
+
+/** Hands over what was held back, in its order. */
+export function release(): void {
+  const events = held ?? [];
+  held = null;
+  for (const deliver of events) deliver();
 }
 
 function keepLatest(velto: Bootstrap, [state, stamp]: unknown[]): void {
@@ -84,10 +94,14 @@ function keepLatest(velto: Bootstrap, [state, stamp]: unknown[]): void {
 }
 
 function receive(name: EventName, values: unknown[], listeners: Listeners): void {
-  const read = readers[name];
-  const typed = read ? read(values) : values;
-  const listener = listeners[name] as ((...typed: unknown[]) => void) | undefined;
-  if (typed) listener?.(...typed);
+  try {
+    const read = readers[name];
+    const typed = read ? read(values) : values;
+    const listener = listeners[name] as ((...typed: unknown[]) => void) | undefined;
+    if (typed) listener?.(...typed);
+  } catch (error) {
+    console.error(`[velto] ${name}`, error);
+  }
 }
 
 /** Makes a function callable by the program's own scripts and menu commands. */

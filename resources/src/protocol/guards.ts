@@ -37,11 +37,14 @@ export function texts(value: unknown): string[] {
 
 function list<Entry>(value: unknown, read: (fields: Fields) => Entry | null): Entry[] {
   if (!Array.isArray(value)) return [];
-  return value.flatMap((entry) => {
+  const entries: Entry[] = [];
+  // A plain loop: this reads hundreds of entries before the first frame.
+  for (const entry of value) {
     const fields = fieldsOf(entry);
     const record = fields && read(fields);
-    return record ? [record] : [];
-  });
+    if (record) entries.push(record);
+  }
+  return entries;
 }
 
 /**

@@ -1,7 +1,8 @@
 /** Connects the page to the program and reports when the first real state has been painted. */
 import { tick } from 'svelte';
-import { connect, send } from '../protocol/connection.ts';
+import { connect, release, send } from '../protocol/connection.ts';
 import type { DiskState } from '../protocol/protocol.ts';
+import { laterViews } from '../views/laterViews.svelte.ts';
 import { publishGo } from './navigation.svelte.ts';
 import { session } from './session.svelte.ts';
 import { theme } from './theme.svelte.ts';
@@ -49,8 +50,14 @@ function showState(state: DiskState, stamp: number | undefined): void {
   }
 }
 
-/** The second frame begins after the first one has been painted. */
+/** The second frame begins after the first one has been painted; whatever can wait waits for it. */
 async function reportFirstPaint(): Promise<void> {
   await tick();
-  requestAnimationFrame(() => requestAnimationFrame(() => send('webReady')));
+  requestAnimationFrame(() =>
+    requestAnimationFrame(() => {
+      send('webReady');
+      release();
+      void laterViews.load();
+    }),
+  );
 }

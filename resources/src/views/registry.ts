@@ -1,24 +1,25 @@
-/** The views of the rail. Adding one is a folder beside this file and a row here. */
+/**
+ * The views of the rail. Adding one is a folder beside this file, a row here and one in `later.ts`:
+ * only what is on screen at the start is part of the first script.
+ */
 import Copy from '@lucide/svelte/icons/copy';
 import FileStack from '@lucide/svelte/icons/file-stack';
 import LayoutDashboard from '@lucide/svelte/icons/layout-dashboard';
 import Settings from '@lucide/svelte/icons/settings';
 import type { Component } from 'svelte';
 import type { ViewName } from '../protocol/protocol.ts';
-import Ajustes from './ajustes/Ajustes.svelte';
-import Archivos from './archivos/Archivos.svelte';
-import Duplicados from './duplicados/Duplicados.svelte';
 import Inicio from './inicio/Inicio.svelte';
 
 export interface View {
   name: ViewName;
   icon: Component<Record<string, unknown>>;
-  content: Component;
+  /** Only of the view at the start; the others are in `later.ts`. */
+  content?: Component;
 }
 
 export const views: readonly View[] = [
   { name: 'inicio', icon: LayoutDashboard, content: Inicio },
-  { name: 'archivos', icon: FileStack, content: Archivos },
-  { name: 'duplicados', icon: Copy, content: Duplicados },
-  { name: 'ajustes', icon: Settings, content: Ajustes },
+  { name: 'archivos', icon: FileStack },
+  { name: 'duplicados', icon: Copy },
+  { name: 'ajustes', icon: Settings },
 ];

@@ -1,6 +1,6 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
-import { connect, isHosted, publish, send } from '../../src/protocol/connection.ts';
+import { connect, isHosted, publish, release, send } from '../../src/protocol/connection.ts';
 import { diskState, permissions, texts, trashItems } from '../../src/protocol/guards.ts';
 import { fullState } from '../support/states.ts';
 
@@ -52,9 +52,24 @@ describe('connecting', () => {
     expect(saved!.state.cats).toHaveLength(6);
     expect(saved!.stamp).toBe(1_700_000_000.5);
     call('setState', fullState({ free: 1 }), 1_700_000_100);
+    release();
     expect(provisional).not.toHaveBeenCalled();
     expect(setState.mock.calls[0]![0].free).toBe(1);
     expect(setState.mock.calls[0]![1]).toBe(1_700_000_100);
+  });
+
+  it('holds events back while a saved state is painted, and loses none of them', () => {
+    page.velto = { _state: fullState() };
+    const told: string[] = [];
+    connect({ onScanStarted: () => told.push('started'), toast: (title) => told.push(title) });
+    call('onScanStarted');
+    call('toast', 'first');
+    expect(told).toEqual([]);
+    release();
+    expect(told).toEqual(['started', 'first']);
+    call('toast', 'second');
+    release();
+    expect(told).toEqual(['started', 'first', 'second']);
   });
 
   it('keeps the latest state and stamp where the program looks for them', () => {

@@ -1,4 +1,6 @@
 /** Opens the built page from `file:` with a stub of the program on the other side. */
+import { join } from 'node:path';
+import { fileURLToPath, pathToFileURL } from 'node:url';
 import { chromium, type Browser, type BrowserContextOptions, type Page } from 'playwright-core';
 import type { DiskState, EventName } from '../../src/protocol/protocol.ts';
 
@@ -14,6 +16,10 @@ export interface Setting {
   platform?: 'macos' | 'linux';
   /** The build with every prepared feature switched on. */
   ahead?: boolean;
+  /** Another folder with a built page. */
+  folder?: string;
+  /** Runs in the page before its own scripts. */
+  before?: () => void;
   /** Null opens the page as a plain browser would, without a program. */
   program?: null;
   storage?: Record<string, string>;
@@ -33,6 +39,10 @@ export interface OpenPage {
   /** Errors, refused resources and policy violations; a good page has none. */
   complaints: string[];
   close(): Promise<void>;
+}
+
+export function builtPage(ahead = false): string {
+  return fileURLToPath(new URL(ahead ? '../../dist-ahead' : '../../dist', import.meta.url));
 }
 
 export async function launch(): Promise<Browser> {
@@ -118,13 +128,20 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
     hosted: setting.program !== null,
     storage: setting.storage ?? {},
   });
-  const folder = setting.ahead ? 'dist-ahead' : 'dist';
-  await page.goto(new URL(`../../${folder}/index.html`, import.meta.url).href);
+  if (setting.before) await page.addInitScript(setting.before);
+  await page.goto(pathToFileURL(join(setting.folder ?? builtPage(setting.ahead), 'index.html')).href);
 
   const intents = async (): Promise<Intent[]> => {
     const sent = await page.evaluate(() => (window as unknown as { __intents: (Intent & { framesShown: number })[] }).__intents);
     return sent.map(({ framesShown: _framesShown, ...intent }) => intent);
   };
+
+  // Until then the page holds back what it is told.
+  if (setting.saved && setting.program !== null) {
+    await page.waitForFunction(() =>
+      (window as unknown as { __intents: Intent[] }).__intents.some(({ type }) => type === 'webReady'),
+    );
+  }
 
   return {
     page,
@@ -135,7 +152,10 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
       await action();
       return (await intents()).slice(before);
     },
-    go: (view) => page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view),
+    async go(view) {
+      await page.evaluate((name) => (window as unknown as { go(name: string): void }).go(name), view);
+      await page.locator('.opening').waitFor({ state: 'detached' });
+    },
     async tell(event, ...values) {
       await page.evaluate(
         ([name, given]) => {

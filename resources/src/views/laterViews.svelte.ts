@@ -1,0 +1,53 @@
+/**
+ * The views of the second script. It is asked for once the first state has been painted, or as soon
+ * as one of its views is wanted, whichever comes first.
+ */
+import type { Component } from 'svelte';
+import type { ViewName } from '../protocol/protocol.ts';
+
+/** Resolves when the page has taken the file in; an element that failed is taken out again. */
+function add(element: HTMLScriptElement | HTMLLinkElement): Promise<void> {
+  return new Promise((resolve, reject) => {
+    element.onload = () => resolve();
+    element.onerror = () => {
+      element.remove();
+      reject(new Error('a part of the page cannot be read'));
+    };
+    document.head.append(element);
+  });
+}
+
+function addScript(file: string): Promise<void> {
+  return add(Object.assign(document.createElement('script'), { src: file }));
+}
+
+function addStyles(file: string): Promise<void> {
+  return add(Object.assign(document.createElement('link'), { rel: 'stylesheet', href: file }));
+}
+
+class LaterViews {
+  failed = $state(false);
+  private find = $state.raw<((name: ViewName) => Component) | null>(null);
+  private asked = false;
+
+  /** Null until the script is there. */
+  content(name: ViewName): Component | null {
+    return this.find?.(name) ?? null;
+  }
+
+  async load(): Promise<void> {
+    if (this.asked) return;
+    this.asked = true;
+    this.failed = false;
+    try {
+      await Promise.all([addScript('./later.js'), addStyles('./later.css')]);
+      this.find = (await import('./later.ts')).contentOf;
+    } catch (error) {
+      console.error('[velto] later.js', error);
+      this.asked = false;
+      this.failed = true;
+    }
+  }
+}
+
+export const laterViews = new LaterViews();
