@@ -65,7 +65,7 @@ async function programStart(variables) {
   return time;
 }
 
-async function bareStart(folder, variables) {
+async function bareStart(variables, folder) {
   const start = process.hrtime.bigint();
   const bare = startProgram(join(build, 'bench', 'bench_bare_window'), [folder], variables);
   await bare.waitFor('painted');
@@ -98,10 +98,14 @@ async function main() {
     const program = [];
     const bare = [];
     for (let round = 0; round <= runs; round++) {
-      const times = [await bareStart(folder, variables), await programStart(variables)];
-      if (round === 0) continue;
-      bare.push(times[0]);
-      program.push(times[1]);
+      // Each goes first in every other round, so that neither always finds the machine as the
+      // other left it.
+      const inTurn = [[bare, bareStart], [program, programStart]];
+      if (round % 2) inTurn.reverse();
+      for (const [times, start] of inTurn) {
+        const time = await start(variables, folder);
+        if (round > 0) times.push(time);
+      }
     }
     const show = (name, times) =>
       console.log(`  ${name.padEnd(34)} ${median(times).toFixed(0).padStart(5)} ms` +

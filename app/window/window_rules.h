@@ -61,7 +61,8 @@ std::optional<std::string> findResourceBundle(const std::vector<std::string>& pa
 inline constexpr std::string_view missingBundleMessage =
     "unable to find bundle named Velto_velto_app";
 
-/// The script that tells the page which system it runs on ("linux", "macos"), before the page's own.
+/// The script that tells the page which system it runs on ("linux" or "macos"); it runs before the
+/// page's own.
 std::string platformScript(std::string_view system);
 
 }  // namespace velto::window

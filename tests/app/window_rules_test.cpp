@@ -122,8 +122,8 @@ TEST(ReloadPace, APageThatKeepsDyingIsLoadedThreeTimesAMinuteAndNotGivenUp) {
 TEST(WindowRules, ThePageIsToldItsSystemEvenBeforeTheRootElementStands) {
     for (const std::string system : {"linux", "macos"}) {
         const std::string script = platformScript(system);
-        EXPECT_THAT(script,
-                    testing::HasSubstr("document.documentElement.dataset.platform = \"" + system + "\";"));
+        EXPECT_THAT(script, testing::HasSubstr("document.documentElement.dataset.platform = \"" +
+                                               system + "\";"));
         EXPECT_THAT(script, testing::HasSubstr("if (!document.documentElement) return false;"));
         EXPECT_THAT(script, testing::HasSubstr(".observe(document, { childList: true });"));
         EXPECT_EQ(std::count(script.begin(), script.end(), '{'),
