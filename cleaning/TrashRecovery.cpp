@@ -76,7 +76,9 @@ bool TrashRecovery::takeBack(const Operation& operation) {
 bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
     try {
         const HeldPlace place = openOrigin(mover_, item);
-        return folder_.settleIn(place, operation, item) == MoveState::atTarget;
+        folder_.settleIn(place, operation, item);
+        // Not where the move has got to: something new may stand in the place that it came from.
+        return folder_.attributes(&operation, item).has_value();
     } catch (const FileError& error) {
         // EEXIST: both places are taken and nothing may be replaced; all pieces stay. In all other
         // cases the place that it came from is out of reach.
