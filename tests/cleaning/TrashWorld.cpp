@@ -17,7 +17,8 @@ namespace fs = std::filesystem;
 
 /// What lies in an item's place in the trash, found by its id alone.
 std::string storedPath(const std::string& trash, const TrashItem& item) {
-    for (const auto& entry : fs::directory_iterator(trash + "/" + item.opID)) {
+    std::error_code noFolder;
+    for (const auto& entry : fs::directory_iterator(trash + "/" + item.opID, noFolder)) {
         if (entry.path().filename().string().starts_with(item.id + "-")) return entry.path();
     }
     return {};
@@ -34,6 +35,13 @@ std::string TrashWorld::fastVolume() {
 }
 
 std::string TrashWorld::buildVolume() { return fs::canonical(fs::current_path()).string(); }
+
+bool TrashWorld::hasTwoVolumes() {
+    struct stat one {};
+    struct stat other {};
+    return stat(fastVolume().c_str(), &one) == 0 && stat(buildVolume().c_str(), &other) == 0 &&
+           one.st_dev != other.st_dev;
+}
 
 TrashWorld::TrashWorld(const std::string& homeVolume, const std::string& volumeOfTrash)
     : home(homeVolume), layout(HomeLayout::macOS(home.path())) {
@@ -80,18 +88,23 @@ TrashWorld::Whereabouts TrashWorld::prove(const std::set<std::string>& mayBeGone
     const std::vector<TrashItem> items = fresh->service.items();
     Whereabouts found;
     std::set<std::string> known;  // in the trash volume
+    std::size_t listed = 0;
     for (const auto& [relative, text] : kept_) {
+        const bool mustBeWhole = !mayBeInPart.contains(relative);
         const std::string here = treeText(path(relative));
         if (!here.empty()) {
-            EXPECT_EQ(here, text) << relative << " is not whole in its place";
+            EXPECT_TRUE(!mustBeWhole || here == text) << relative << " is not whole in its place";
             found.home.insert(relative);
         }
         for (const TrashItem& item : items) {
             if (item.originalPath != path(relative)) continue;
+            ++listed;
             const std::string stored = storedPath(trashPath(), item);
-            EXPECT_FALSE(stored.empty()) << relative << " is listed but not in the trash";
+            EXPECT_FALSE(stored.empty() && mustBeWhole)
+                << relative << " is listed but not in the trash";
             if (stored.empty()) continue;
-            EXPECT_EQ(treeText(stored), text) << relative << " is not whole in the trash";
+            EXPECT_TRUE(!mustBeWhole || treeText(stored) == text)
+                << relative << " is not whole in the trash";
             EXPECT_TRUE(found.trash.insert(relative).second)
                 << relative << " is twice in the trash";
             known.insert(item.opID + "/" + fs::path(stored).filename().string());
@@ -103,7 +116,7 @@ TrashWorld::Whereabouts TrashWorld::prove(const std::set<std::string>& mayBeGone
         EXPECT_TRUE(mayBeGone.contains(relative)) << relative << " is lost";
         found.gone.insert(relative);
     }
-    EXPECT_EQ(items.size(), known.size()) << "the trash lists something that was never kept";
+    EXPECT_EQ(items.size(), listed) << "the trash lists something that was never kept";
     if (allowsLeftovers) return found;
 
     const std::string ownFolder = fs::relative(layout.dataFolder, home.path());
@@ -129,9 +142,14 @@ TrashWorld::Whereabouts TrashWorld::prove(const std::set<std::string>& mayBeGone
 }
 
 void TrashWorld::proveTrashWorks() {
-    const auto undoAll = [](VeltoTrashService& service) {
-        while (!service.operations().empty()) {
-            service.undoOperation(service.operations().front().id);
+    const auto undoAll = [&](VeltoTrashService& service) {
+        for (const TrashItem& item : std::vector(service.items())) {
+            try {
+                service.restore(item.id);
+            } catch (const TrashError&) {
+                // Removed already, by a removal that failed later on: it stays listed.
+                EXPECT_FALSE(mayBeInPart.empty()) << item.name << " is not in the trash";
+            }
         }
     };
     const auto fresh = process();

@@ -38,6 +38,7 @@ public:
     static std::string fastVolume();
     /// The folder in which the test program runs, on the build folder's volume.
     static std::string buildVolume();
+    static bool hasTwoVolumes();
 
     /// Puts something into the home that has to survive.
     void keep(const std::string& relative, const std::string& content);
@@ -70,6 +71,9 @@ public:
     /// Counts files that no one knows of as leftovers unless they are allowed (file systems that
     /// fail to remove what they should leave something, and it must not be the user's).
     bool allowsLeftovers = false;
+
+    /// Kept things of which a failed removal may have left a part.
+    std::set<std::string> mayBeInPart;
 
     TempHome home;
     std::optional<TempHome> trashVolume;

@@ -1,0 +1,111 @@
+// Every single call of the file system fails once, one after another through all of them. The trash
+// says so or gets over it; either way every file is whole and in one place, and the trash works on.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "trash_scenarios.h"
+
+namespace velto {
+namespace {
+
+constexpr int reasons[] = {ENOSPC, EACCES, EBUSY, ENOENT, EROFS, ENAMETOOLONG};
+
+enum class Outcome { done, refused, brokenOff };
+
+Outcome outcomeOf(const std::function<void()>& action) {
+    try {
+        action();
+        return Outcome::done;
+    } catch (const FileError&) {
+        return Outcome::refused;
+    } catch (const TrashError&) {
+        return Outcome::refused;
+    } catch (const std::exception& error) {
+        ADD_FAILURE() << "an error of another kind: " << error.what();
+        return Outcome::brokenOff;
+    }
+}
+
+struct Volumes {
+    std::string home, trash;
+    bool knowsExclusiveRename = true;
+};
+
+struct Fault {
+    int at;
+    int reason;
+};
+
+/// True when the call at which it should fail was made.
+bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault& fault) {
+    TrashWorld world(volumes.home, volumes.trash);
+    world.keepMany();
+    scenario.prepare(world);
+    // What is to be deleted and resists is there in part; when it was to expire, it is forgotten.
+    world.mayBeInPart = scenario.deleted;
+    world.allowsLeftovers = !scenario.deleted.empty();
+    const auto process = world.process();
+    process->calls.knowsExclusiveRename = volumes.knowsExclusiveRename;
+    process->service.items();
+    process->calls.countsAll = true;
+    process->calls.count = 0;
+    process->calls.at = fault.at;
+    process->calls.error = fault.reason;
+    process->calls.action = WatchedFileCalls::Action::fail;
+    const Outcome outcome = outcomeOf([&] { scenario.act(world, process->service); });
+    const bool wasReached = process->calls.count > fault.at;
+    process->calls.action = WatchedFileCalls::Action::none;
+
+    const TrashWorld::Whereabouts found = world.prove(scenario.deleted);
+    const bool saysDone = outcome == Outcome::done && scenario.deleted.empty();
+    if (saysDone) {
+        EXPECT_EQ(found.home, scenario.home) << "reported as done";
+    }
+    EXPECT_EQ(process->service.items(), world.process()->service.items())
+        << "this process and the next do not agree";
+    world.proveTrashWorks();
+    return wasReached;
+}
+
+void failEverywhere(const TrashScenario& scenario, const Volumes& volumes, int share) {
+    const int step = isExhaustive() ? 1 : share;
+    int points = 0;
+    for (const int reason : reasons) {
+        // Elsewhere for each reason and for each scenario.
+        int at = (reason * 7 + static_cast<int>(std::strlen(scenario.name))) % step;
+        for (bool wasReached = true; wasReached; at += step) {
+            SCOPED_TRACE(testing::Message()
+                         << scenario.name << ", call " << at << ": " << std::strerror(reason));
+            wasReached = failOnce(scenario, volumes, {.at = at, .reason = reason});
+            if (testing::Test::HasFailure()) return;
+            ++points;
+        }
+    }
+    EXPECT_GT(points * step, 20) << "the calls are not counted";
+    testing::Test::RecordProperty("points", points);
+}
+
+class TrashFault : public testing::TestWithParam<TrashScenario> {};
+
+TEST_P(TrashFault, NothingIsLostWhateverFails) {
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 53);
+}
+
+TEST_P(TrashFault, NothingIsLostBetweenVolumes) {
+    if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), TrashWorld::buildVolume()}, 211);
+}
+
+TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplace) {
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 101);
+}
+
+INSTANTIATE_TEST_SUITE_P(Changes, TrashFault, testing::ValuesIn(trashScenarios()),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+}  // namespace
+}  // namespace velto
