@@ -3,8 +3,6 @@
  * still missing is shown as missing and never pretended.
  */
 export const features = {
-  /** Velto Trash: removing, undoing. */
-  trash: __AHEAD__,
   /** The scheduled pass behind the automatic maintenance settings. */
   maintenance: __AHEAD__,
 };

@@ -1,5 +1,5 @@
 /** Keys that work everywhere. Cmd/Ctrl+R belongs to the program's menu and is left alone. */
-import { undoLastCleanup } from '../state/removal.ts';
+import { undoLastCleanup } from '../state/putBack.ts';
 
 const regions = ['rail', 'list', 'actions'];
 
@@ -41,6 +41,6 @@ export function handleKey(event: KeyboardEvent): void {
     search.select();
   } else if (command && event.key.toLowerCase() === 'z' && !isTextField(event.target)) {
     event.preventDefault();
-    undoLastCleanup();
+    void undoLastCleanup();
   }
 }

@@ -30,6 +30,12 @@ export function createFormats(code: LanguageCode) {
   const relative = once(() => new Intl.RelativeTimeFormat(locale, { numeric: 'always' }));
   const nearby = once(() => new Intl.RelativeTimeFormat(locale, { numeric: 'auto' }));
   const moment = once(() => new Intl.DateTimeFormat(locale, { dateStyle: 'long', timeStyle: 'short' }));
+  const month = once(() => new Intl.DateTimeFormat(locale, { month: 'long', year: 'numeric' }));
+  const monthShort = once(() => new Intl.DateTimeFormat(locale, { month: 'short' }));
+  const dayAndTime = once(
+    () => new Intl.DateTimeFormat(locale, { day: 'numeric', month: 'short', hour: 'numeric', minute: '2-digit' }),
+  );
+  const date = once(() => new Intl.DateTimeFormat(locale, { dateStyle: 'long' }));
   const enumeration = once(() => new Intl.ListFormat(locale, { type: 'conjunction' }));
   const collator = once(() => new Intl.Collator(locale, { numeric: true, sensitivity: 'base' }));
   const unit = (name: string) =>
@@ -44,9 +50,15 @@ export function createFormats(code: LanguageCode) {
 
   return {
     number: (value: number) => whole().format(value),
+    /** With at most one fraction digit, where the unit stands elsewhere. */
+    amount: (value: number) => oneDecimal().format(value),
     share: (value: number) => share().format(value),
     list: (entries: string[]) => enumeration().format(entries),
     moment: (stamp: number) => moment().format(stamp * 1000),
+    month: (stamp: number) => month().format(stamp * 1000),
+    monthShort: (stamp: number) => monthShort().format(stamp * 1000),
+    dayAndTime: (stamp: number) => dayAndTime().format(stamp * 1000),
+    date: (stamp: number) => date().format(stamp * 1000),
     compare: (left: string, right: string) => collator().compare(left, right),
 
     /** A size given in decimal gigabytes, with at most one fraction digit. */

@@ -11,8 +11,8 @@ function characters(text: string): string[] {
   return [...segmenter.segment(text)].map(({ segment }) => segment);
 }
 
-/** A head shorter than this is not worth an ellipsis. */
-const shortestHead = 4;
+/** A head shorter than this is not worth an ellipsis, and narrower than the room kept for it. */
+const shortestHead = 8;
 
 export interface Halves {
   head: string;
@@ -41,4 +41,12 @@ export function folderOf(path: string): string {
 
 export function lastComponent(path: string): string {
   return path.slice(path.lastIndexOf('/') + 1);
+}
+
+/** For sentences, where no layout can shorten: at most `length` visible characters. */
+export function shortInMiddle(text: string, length: number): string {
+  const shown = characters(text);
+  if (shown.length <= length) return text;
+  const tail = Math.floor((length - 1) / 2);
+  return `${shown.slice(0, length - 1 - tail).join('')}…${shown.slice(-tail).join('')}`;
 }

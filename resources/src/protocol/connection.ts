@@ -43,6 +43,7 @@ const readers: { [Name in EventName]?: (values: unknown[]) => Events[Name] | nul
   onPermissions: ([value]) => [guards.permissions(value)],
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
+  onCleanables: ([candidates]) => [guards.cleanables(candidates)],
   onTrashState: ([items]) => [guards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
 };

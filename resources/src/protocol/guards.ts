@@ -5,7 +5,7 @@
  */
 import { frequencies, ruleIds } from './records.ts';
 import type {
-  BigFile, Category, DiskState, DuplicateGroup, HistoryEntry, Permissions, RuleId, Settings, TrashItem,
+  BigFile, Category, Cleanable, DiskState, DuplicateGroup, HistoryEntry, Permissions, RuleId, Settings, TrashItem,
 } from './records.ts';
 
 type Fields = Record<string, unknown>;
@@ -132,7 +132,7 @@ export function permissions(value: unknown): Permissions {
 }
 
 export function trashItems(value: unknown): TrashItem[] {
-  return list(value, (fields) =>
+  const items = list(value, (fields) =>
     text(fields.id)
       ? {
           id: text(fields.id), name: text(fields.name), gb: size(fields.gb), taken: number(fields.taken),
@@ -140,4 +140,18 @@ export function trashItems(value: unknown): TrashItem[] {
         }
       : null,
   );
+  return distinct(items, ({ id }) => id);
+}
+
+/** An age that is missing counts as none at all here: only what is known to be old is preselected. */
+export function cleanables(value: unknown): Cleanable[] {
+  const candidates = list(value, (fields) =>
+    text(fields.path)
+      ? {
+          ruleID: text(fields.ruleID), path: text(fields.path), gb: size(fields.gb),
+          daysOld: size(fields.daysOld), label: text(fields.label),
+        }
+      : null,
+  );
+  return distinct(candidates, ({ path }) => path);
 }

@@ -10,6 +10,8 @@ class Navigation {
   view = $state<ViewName>('inicio');
   /** The path that the list of large files should show and focus; taken by the list. */
   wantedFile = $state<string | null>(null);
+  /** The cleanup that Velto Trash should show and focus; taken by its list. */
+  wantedOperation = $state<string | null>(null);
   /** The change came from elsewhere than the rail: the focus should follow it to the view. */
   private arrived = $state(false);
 
@@ -32,6 +34,11 @@ class Navigation {
   openFile(path: string): void {
     this.wantedFile = path;
     this.view = 'archivos';
+  }
+
+  openOperation(id: string): void {
+    this.wantedOperation = id;
+    this.view = 'papelera';
   }
 }
 

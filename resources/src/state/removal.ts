@@ -1,16 +1,56 @@
 /** The things a view can ask to have done with files. */
-import { features } from '../features.ts';
+import { language } from '../language/language.svelte.ts';
+import { plainName } from '../names/marks.ts';
+import { shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
+import type { DuplicateGroup } from '../protocol/protocol.ts';
+import { cleanables } from './cleanables.svelte.ts';
+import { requests, type RequestKind } from './requests.svelte.ts';
+import { session } from './session.svelte.ts';
 import { toasts } from './toasts.svelte.ts';
 
-export function moveToTrash(paths: string[]): void {
-  if (!features.trash || paths.length === 0) return;
-  toasts.expectRemoval();
-  send('deleteFiles', { paths, kind: 'wind' });
+/** The group that would be left without a single copy, if there is one. */
+export function groupLosingAll(groups: readonly DuplicateGroup[], going: ReadonlySet<string>): DuplicateGroup | null {
+  return groups.find(({ paths }) => paths.every((path) => going.has(path))) ?? null;
 }
 
-export function undoLastCleanup(): void {
-  if (features.trash) send('undoLast');
+/** Moves the paths as one operation; "cleanPaths" is the intent for what the cleaning rules proposed. */
+export async function moveToTrash(paths: string[], intent: 'deleteFiles' | 'cleanPaths' = 'deleteFiles'): Promise<void> {
+  const waiting = paths.filter((path) => !requests.busy.has(path));
+  if (waiting.length === 0) return;
+  const group = groupLosingAll(session.disk?.dupGroups ?? [], new Set([...waiting, ...requests.busy]));
+  if (group) {
+    const words = language.words.lists;
+    toasts.show(words.everyCopyTitle, words.everyCopyText(shortInMiddle(plainName(group.name), 48)));
+    return;
+  }
+  const answer = requests.ask('remove', waiting);
+  if (intent === 'cleanPaths') send('cleanPaths', { paths: waiting });
+  else send('deleteFiles', { paths: waiting, kind: 'wind' });
+  if ((await answer) === 'done') cleanables.forget(waiting);
+}
+
+/** Shows a message of the program; what answers a request of the page says what that means. */
+export function showAnswer(title: string, detail: string): void {
+  const answer = requests.answer(title);
+  if (!answer) {
+    toasts.show(title, detail);
+    return;
+  }
+  const failed = answer.outcome === 'failed';
+  if (answer.kind === 'remove' && !failed) {
+    toasts.withdrawUndo();
+    toasts.show(title, detail, { canUndo: true });
+    return;
+  }
+  toasts.show(title, detail, { note: failed ? noteOnFailure(answer.kind) : '' });
+}
+
+/** What did not happen, and that nothing was lost. */
+function noteOnFailure(kind: RequestKind): string {
+  const words = language.words.trash;
+  if (kind === 'remove') return words.nothingMoved;
+  return kind === 'undo' || kind === 'restore' ? words.notPutBack : words.notDeleted;
 }
 
 export function revealInFolder(path: string): void {

@@ -1,5 +1,5 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
-import type { DiskState, SettingsChange } from '../protocol/protocol.ts';
+import type { DiskState, SettingsChange, TrashItem } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
@@ -19,6 +19,8 @@ class Session {
   /** Null until the program has answered. */
   exclusions = $state.raw<string[] | null>(null);
   trashGb = $state(0);
+  /** What lies in Velto Trash, in the order it arrived there; null until the program has said so. */
+  trash = $state.raw<TrashItem[] | null>(null);
 
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);
@@ -26,6 +28,12 @@ class Session {
 
   startScan(): void {
     if (!this.scanning) send('scan');
+  }
+
+  /** Shows the empty history at once; the program confirms it with its next state. */
+  clearHistory(): void {
+    send('clearHistory');
+    if (this.disk) this.disk = { ...this.disk, history: [] };
   }
 
   /** Shows the change at once; the program confirms it with its next state. */

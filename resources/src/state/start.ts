@@ -1,12 +1,14 @@
 /** Connects the page to the program and reports when the first real state has been painted. */
 import { tick } from 'svelte';
 import { connect, release, send } from '../protocol/connection.ts';
-import type { DiskState } from '../protocol/protocol.ts';
+import type { DiskState, TrashItem } from '../protocol/protocol.ts';
 import { laterViews } from '../views/laterViews.svelte.ts';
+import { cleanables } from './cleanables.svelte.ts';
 import { publishGo } from './navigation.svelte.ts';
+import { showAnswer } from './removal.ts';
+import { requests } from './requests.svelte.ts';
 import { session } from './session.svelte.ts';
 import { theme } from './theme.svelte.ts';
-import { toasts } from './toasts.svelte.ts';
 
 export function start(): void {
   theme.start();
@@ -26,12 +28,19 @@ export function start(): void {
     onScanFinished: () => (session.scanPhase = 'idle'),
     onScanFailed: () => (session.scanPhase = 'failed'),
     onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),
-    toast: (title, detail) => toasts.show(title, detail),
+    toast: (title, detail) => showAnswer(title, detail),
     onExclusions: (paths) => (session.exclusions = paths),
-    onTrashState: (items) => (session.trashGb = items.reduce((sum, item) => sum + item.gb, 0)),
+    onCleanables: (candidates) => cleanables.receive(candidates),
+    onTrashState: (items) => showTrash(items),
     onTrashChanged: (gb) => (session.trashGb = gb),
   });
   if (saved) showState(saved.state, saved.stamp);
+}
+
+function showTrash(items: TrashItem[]): void {
+  session.trash = items;
+  session.trashGb = items.reduce((sum, item) => sum + item.gb, 0);
+  requests.trashHolds(items);
 }
 
 let reported = false;

@@ -1,10 +1,11 @@
 /** Short messages. Each stays at least ten seconds, longer while the pointer or the focus is on it. */
-import { send } from '../protocol/connection.ts';
 
 export interface Toast {
   id: number;
   title: string;
   detail: string;
+  /** What it means: a sentence of the page's own. */
+  note: string;
   /** The message reports something that can be taken back. */
   canUndo: boolean;
 }
@@ -13,24 +14,16 @@ const shownFor = 10_000;
 const shownForUndo = 15_000;
 const mostAtOnce = 4;
 
-/** Titles with which the program answers a removal that worked. */
-const removedTitles = ['Eliminado', 'Removed'];
-
 class Toasts {
   list = $state<Toast[]>([]);
   private lastId = 0;
   private timers = new Map<number, ReturnType<typeof setTimeout>>();
-  private removalAsked = false;
 
-  /** The next answer to a removal carries an Undo. */
-  expectRemoval(): void {
-    this.removalAsked = true;
-  }
-
-  show(title: string, detail: string): void {
-    const canUndo = this.removalAsked && removedTitles.includes(title);
-    if (this.removalAsked) this.removalAsked = false;
-    const toast: Toast = { id: ++this.lastId, title, detail, canUndo };
+  show(title: string, detail: string, { canUndo = false, note = '' } = {}): void {
+    // The same words again take the place of the first ones.
+    const same = this.list.find((other) => !other.canUndo && other.title === title && other.detail === detail);
+    if (same) this.dismiss(same.id);
+    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo };
     this.list = [...this.list, toast].slice(-mostAtOnce);
     this.resume(toast);
   }
@@ -40,9 +33,9 @@ class Toasts {
     this.list = this.list.filter((toast) => toast.id !== id);
   }
 
-  undo(id: number): void {
-    this.dismiss(id);
-    send('undoLast');
+  /** Only the last cleanup can be undone from here, and only until something else happens to the trash. */
+  withdrawUndo(): void {
+    this.list = this.list.map((toast) => (toast.canUndo ? { ...toast, canUndo: false } : toast));
   }
 
   pause(id: number): void {

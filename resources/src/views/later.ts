@@ -7,11 +7,17 @@ import type { ViewName } from '../protocol/protocol.ts';
 import Ajustes from './ajustes/Ajustes.svelte';
 import Archivos from './archivos/Archivos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
+import Historial from './historial/Historial.svelte';
+import Limpieza from './limpieza/Limpieza.svelte';
 import NotYet from './NotYet.svelte';
+import Papelera from './papelera/Papelera.svelte';
 
 const contents: Partial<Record<ViewName, Component>> = {
   archivos: Archivos,
   duplicados: Duplicados,
+  limpieza: Limpieza,
+  papelera: Papelera,
+  historial: Historial,
   ajustes: Ajustes,
 };
 

@@ -2,10 +2,13 @@
  * The views of the rail. Adding one is a folder beside this file, a row here and one in `later.ts`:
  * only what is on screen at the start is part of the first script.
  */
+import BrushCleaning from '@lucide/svelte/icons/brush-cleaning';
 import Copy from '@lucide/svelte/icons/copy';
 import FileStack from '@lucide/svelte/icons/file-stack';
+import History from '@lucide/svelte/icons/history';
 import LayoutDashboard from '@lucide/svelte/icons/layout-dashboard';
 import Settings from '@lucide/svelte/icons/settings';
+import Trash2 from '@lucide/svelte/icons/trash-2';
 import type { Component } from 'svelte';
 import type { ViewName } from '../protocol/protocol.ts';
 import Inicio from './inicio/Inicio.svelte';
@@ -21,5 +24,8 @@ export const views: readonly View[] = [
   { name: 'inicio', icon: LayoutDashboard, content: Inicio },
   { name: 'archivos', icon: FileStack },
   { name: 'duplicados', icon: Copy },
+  { name: 'limpieza', icon: BrushCleaning },
+  { name: 'papelera', icon: Trash2 },
+  { name: 'historial', icon: History },
   { name: 'ajustes', icon: Settings },
 ];

@@ -2,6 +2,7 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
 
 let browser: Browser;
@@ -30,21 +31,42 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
   }
 
   it('the views have no violation', async () => {
-    await check({ saved: translate(fullState()) }, ['inicio', 'archivos', 'duplicados', 'ajustes', 'papelera'], async (opened) => {
+    await check({ saved: translate(fullState()) }, ['inicio', 'archivos', 'duplicados', 'ajustes', 'apps'], async (opened) => {
       await opened.tell('onPermissions', { fda: true });
       await opened.tell('onExclusions', ['/Users/marina/Music']);
     });
   });
 
-  it('the views of a narrow window, without access, have none', async () => {
-    const narrow = { viewport: { width: 720, height: 600 } };
-    await check({ saved: translate(withoutAccess()), context: narrow }, ['inicio', 'archivos', 'duplicados', 'ajustes'], (opened) =>
-      opened.tell('onPermissions', { fda: false }),
-    );
+  it('what is for cleaning up has none, full, unfolded and empty', async () => {
+    const views = ['limpieza', 'papelera', 'historial'];
+    await check({ saved: translate(withHistory(fullState())) }, views, async (opened) => {
+      await tellCleaning(opened);
+      await opened.page.locator('[data-key]').first().focus();
+      await opened.page.keyboard.press('Space');
+    });
+    await check({ saved: translate(fullState()) }, views);
+    await check({ saved: translate(fullState()) }, views, async ({ tell }) => {
+      await tell('onPermissions', { fda: false });
+      await tell('onCleanables', []);
+      await tell('onTrashState', []);
+    });
+    await check({ saved: translate(fullState()) }, ['papelera'], async (opened) => {
+      await tellCleaning(opened);
+      await opened.page.getByRole('row').nth(1).focus();
+      await opened.page.keyboard.press('Delete');
+    });
   });
 
-  it('a selection with the trash at hand has none', async () => {
-    await check({ saved: translate(fullState()), ahead: true }, ['archivos', 'duplicados'], async ({ page }) => {
+  it('the views of a narrow window, without access, have none', async () => {
+    const narrow = { viewport: { width: 720, height: 600 } };
+    await check({ saved: translate(withHistory(withoutAccess())), context: narrow }, ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes'], async (opened) => {
+      await opened.tell('onPermissions', { fda: false });
+      await tellCleaning(opened);
+    });
+  });
+
+  it('a selection has none', async () => {
+    await check({ saved: translate(fullState()) }, ['archivos', 'duplicados'], async ({ page }) => {
       await page.locator('[data-key]').first().focus();
       await page.keyboard.press('Control+a');
     });
@@ -74,7 +96,7 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
   });
 
   it('a toast with an undo and a question have none', async () => {
-    await check({ saved: translate(fullState()), ahead: true }, ['archivos'], async (opened) => {
+    await check({ saved: translate(fullState()) }, ['archivos'], async (opened) => {
       await opened.page.locator('[data-key]').first().focus();
       await opened.page.keyboard.press('Space');
       await opened.page.keyboard.press('Delete');

@@ -1,6 +1,7 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open } from '../support/page.ts';
+import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { fullState, home } from '../support/states.ts';
 
 let browser: Browser;
@@ -20,8 +21,8 @@ async function press(page: Page, ...keys: string[]): Promise<void> {
   for (const key of keys) await page.keyboard.press(key);
 }
 
-async function openList(view: string, ahead = false) {
-  const opened = await open(browser, { saved: fullState(), ahead });
+async function openList(view: string) {
+  const opened = await open(browser, { saved: fullState() });
   await opened.go(view);
   await opened.page.getByRole('grid').waitFor();
   await opened.page.locator('[data-key]').first().focus();
@@ -107,7 +108,7 @@ describe('the list of large files by keyboard', () => {
   });
 
   it('Delete moves the selection, and with nothing selected nothing', async () => {
-    const { page, during, close } = await openList('archivos', true);
+    const { page, during, close } = await openList('archivos');
     expect(await during(() => page.keyboard.press('Delete'))).toEqual([]);
     await press(page, 'ArrowDown', 'Space');
     const [intent] = await during(() => page.keyboard.press('Delete'));
@@ -127,6 +128,26 @@ describe('the duplicates by keyboard', () => {
     await press(page, 'Control+a');
     expect(await selected(page)).toHaveLength(6);
     await close();
+  });
+});
+
+describe('the lists of the cleanup by keyboard', () => {
+  it.each(['limpieza', 'papelera', 'historial'])('%s is one tab stop, walked with arrows', async (view) => {
+    const opened = await open(browser, { saved: withHistory(fullState()) });
+    const { page } = opened;
+    await tellCleaning(opened);
+    await opened.go(view);
+    expect(await page.locator('[role="grid"] [data-key][tabindex="0"], [role="grid"] [data-key] button:not([tabindex="-1"])').count()).toBe(1);
+    const keys = await page.locator('[data-key]').evaluateAll((rows) => rows.map((row) => row.getAttribute('data-key')));
+    await page.locator('[data-key]').first().focus();
+    await press(page, 'ArrowDown');
+    const at = () => page.evaluate(() => document.activeElement?.getAttribute('data-key'));
+    expect(await at()).toBe(keys[1]);
+    await press(page, 'End');
+    expect(await at()).toBe(keys.at(-1));
+    await press(page, 'ArrowRight');
+    expect(await page.evaluate(() => document.activeElement?.tagName)).toBe('BUTTON');
+    await opened.close();
   });
 });
 
@@ -153,7 +174,7 @@ describe('keys of the whole window', () => {
   });
 
   it('Control+Z takes the last cleanup back, but in a text field only the typing', async () => {
-    const { page, during, close } = await openList('archivos', true);
+    const { page, during, close } = await openList('archivos');
     expect(await during(() => page.keyboard.press('Control+z'))).toEqual([{ type: 'undoLast' }]);
     await press(page, 'Control+f');
     expect(await during(() => page.keyboard.press('Control+z'))).toEqual([]);
@@ -196,9 +217,10 @@ describe('keys of the whole window', () => {
   });
 
   it('the focus can be seen wherever Tab leads', async () => {
-    for (const view of ['inicio', 'archivos', 'duplicados', 'ajustes']) {
-      const opened = await open(browser, { saved: fullState() });
+    for (const view of ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes']) {
+      const opened = await open(browser, { saved: withHistory(fullState()) });
       const { page } = opened;
+      await tellCleaning(opened);
       await opened.go(view);
       const unseen: string[] = [];
       for (let stop = 0; stop < 25; stop += 1) {

@@ -1,6 +1,7 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open } from '../support/page.ts';
+import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
 
 let browser: Browser;
@@ -10,7 +11,7 @@ beforeAll(async () => {
 });
 afterAll(() => browser.close());
 
-const views = ['inicio', 'archivos', 'duplicados', 'ajustes', 'papelera'];
+const views = ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes', 'apps'];
 
 /** What sticks out sideways of the window or of a scrolling part of it, or out of its own control. */
 function sticksOut(page: Page): Promise<string[]> {
@@ -38,15 +39,17 @@ const sizes = [
 
 describe.each(sizes)('$name', ({ width, height, zoom }) => {
   it.each([
-    { kind: 'in Spanish, without access', state: inSpanish(withoutAccess()) },
-    { kind: 'with hostile names', state: hostileState() },
-  ])('nothing sticks out $kind', async ({ state }) => {
+    { kind: 'in Spanish, without access', hostile: false, state: inSpanish(withHistory(withoutAccess())) },
+    { kind: 'with hostile names', hostile: true, state: withHistory(hostileState(), true) },
+  ])('nothing sticks out $kind', async ({ state, hostile }) => {
     const opened = await open(browser, { saved: state, context: { viewport: { width, height } } });
     await opened.tell('onPermissions', { fda: false });
     await opened.page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
+    await tellCleaning(opened, hostile);
     for (const view of views) {
       await opened.go(view);
       await opened.tell('onExclusions', state.files.map(({ path }) => path));
+      if (view === 'historial') await opened.page.locator('[data-key]').first().press('Enter');
       await opened.page.waitForTimeout(80);
       expect(await sticksOut(opened.page), view).toEqual([]);
     }
@@ -69,8 +72,9 @@ describe('room for the list', () => {
 
   it('targets are at least 24 by 24 px', async () => {
     for (const view of views) {
-      const opened = await open(browser, { saved: withoutAccess(), context: { viewport: { width: 720, height: 600 } } });
+      const opened = await open(browser, { saved: withHistory(withoutAccess()), context: { viewport: { width: 720, height: 600 } } });
       await opened.tell('onPermissions', { fda: false });
+      await tellCleaning(opened);
       await opened.go(view);
       const small = await opened.page.evaluate(() =>
         [...document.querySelectorAll('button:not(.cell), select, [role="switch"], label')]

@@ -54,7 +54,7 @@ describe('toasts', () => {
   });
 
   it('the answer to a removal offers to undo it for more than ten seconds', async () => {
-    await withClock({ saved: fullState(), ahead: true }, async ({ page, tell, during, go }) => {
+    await withClock({ saved: fullState() }, async ({ page, tell, during, go }) => {
       await go('archivos');
       await page.locator('[data-key]').first().focus();
       await page.keyboard.press('Space');
@@ -68,7 +68,7 @@ describe('toasts', () => {
   });
 
   it('a removal that failed, or one nobody asked for, offers no undo', async () => {
-    const { page, tell, go, close } = await open(browser, { saved: fullState(), ahead: true });
+    const { page, tell, go, close } = await open(browser, { saved: fullState() });
     await tell('toast', 'Removed', '1.0 GB in Velto Trash.');
     await go('archivos');
     await page.locator('[data-key]').first().focus();

@@ -1,6 +1,7 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open } from '../support/page.ts';
+import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileNames, hostileState } from '../support/states.ts';
 
 let browser: Browser;
@@ -14,11 +15,13 @@ afterAll(() => browser.close());
 const strangers = 'img, iframe, b, i, script:not([src="./velto.js"], [src="./later.js"]), a';
 
 describe('names of files are data', () => {
-  it.each(['inicio', 'archivos', 'duplicados', 'ajustes'])('in %s no name becomes markup or script', async (view) => {
-    const opened = await open(browser, { saved: hostileState() });
+  it.each(['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes'])('in %s no name becomes markup or script', async (view) => {
+    const opened = await open(browser, { saved: withHistory(hostileState(), true) });
     const { page } = opened;
     await opened.tell('onPermissions', { fda: false });
+    await tellCleaning(opened, true);
     await opened.go(view);
+    if (view === 'historial') await page.locator('[data-key]').first().press('Enter');
     await opened.tell('onExclusions', hostileNames.map((name) => `/Users/marina/${name}`));
     await opened.tell('toast', hostileNames[0], hostileNames[1]);
     await page.waitForTimeout(150);
@@ -43,9 +46,10 @@ describe('names of files are data', () => {
   });
 
   it('no mark of a name reaches a label or a tooltip', async () => {
-    const opened = await open(browser, { saved: hostileState() });
+    const opened = await open(browser, { saved: withHistory(hostileState(), true) });
     const { page } = opened;
-    for (const view of ['inicio', 'archivos', 'duplicados']) {
+    await tellCleaning(opened, true);
+    for (const view of ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial']) {
       await opened.go(view);
       await page.waitForTimeout(80);
       const leaked = await page.evaluate(() =>
@@ -65,5 +69,22 @@ describe('names of files are data', () => {
     const [intent] = await opened.during(() => page.locator('[data-key]').nth(2).getByRole('button').first().click());
     expect(intent).toEqual({ type: 'revealPath', payload: `/Users/marina/Movies/${hostileNames[2]}` });
     await opened.close();
+  });
+
+  it('a question names a hostile file in words of its own, shortened and with its marks spelled out', async () => {
+    const opened = await open(browser, { saved: hostileState() });
+    const { page } = opened;
+    await tellCleaning(opened, true);
+    await opened.go('papelera');
+    for (const row of await page.locator('[data-key^="it"]').all()) {
+      await row.getByRole('button').last().click();
+      const title = (await page.getByRole('dialog').getByRole('heading').textContent())!;
+      expect([...title].length).toBeLessThan(800);
+      expect(title).not.toMatch(/[\u0000-\u001f\u202a-\u202e]/);
+      expect(await page.locator(strangers).count()).toBe(0);
+      await page.keyboard.press('Escape');
+    }
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
   });
 });

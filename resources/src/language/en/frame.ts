@@ -53,7 +53,6 @@ export const frame = {
   analysisDone: 'Analysis finished.',
   kinds: { video: 'Media', descarga: 'Download', app: 'App data', doc: 'Document' },
   unknownUse: 'Unknown',
-  trashMissing: 'Removing arrives together with Velto Trash, which is not part of this version yet. Until then nothing can be removed.',
   protectedWhy: 'Protected: photo libraries, backups, mail and messages are never removed from here.',
   mark: (code: string) => `hidden character ${code}`,
 };

@@ -1,6 +1,9 @@
+import { cleanup } from './cleanup.ts';
 import { frame } from './frame.ts';
+import { history } from './history.ts';
 import { lists } from './lists.ts';
 import { overview } from './overview.ts';
 import { settings } from './settings.ts';
+import { trash } from './trash.ts';
 
-export const en = { frame, lists, overview, settings };
+export const en = { frame, lists, overview, settings, cleanup, trash, history };

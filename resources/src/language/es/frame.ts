@@ -54,7 +54,6 @@ export const frame: typeof english = {
   analysisDone: 'Análisis terminado.',
   kinds: { video: 'Multimedia', descarga: 'Descarga', app: 'Datos de apps', doc: 'Documento' },
   unknownUse: 'Se desconoce',
-  trashMissing: 'Quitar archivos llegará junto con la Papelera de Velto, que aún no forma parte de esta versión. Hasta entonces no se puede quitar nada.',
   protectedWhy: 'Protegido: las fototecas, las copias de seguridad, el correo y los mensajes nunca se quitan desde aquí.',
   mark: (code) => `carácter oculto ${code}`,
 };

@@ -33,6 +33,8 @@ export const lists: typeof english = {
   selectAll: 'Seleccionar todo',
   remove: 'Mover a la Papelera de Velto',
   selected: (count) => plural(count, { one: '# seleccionado', other: '# seleccionados' }),
+  removing: (count) =>
+    plural(count, { one: 'Moviendo # elemento a la Papelera de Velto…', many: 'Moviendo # de elementos a la Papelera de Velto…', other: 'Moviendo # elementos a la Papelera de Velto…' }),
   nothingSelected: 'Nada seleccionado',
   clearSelection: 'Quitar la selección',
   trashNote: 'Mover a la Papelera de Velto aún no libera espacio; se recupera al vaciarla.',
@@ -54,6 +56,9 @@ export const lists: typeof english = {
   keepNamed: (path) => `Conservar esta: ${path}`,
   kept: 'Se queda',
   keptWhy: 'Esta es la copia que se queda. Conserva otra para poder quitarla.',
+  keptTitle: 'Siempre queda una copia',
+  everyCopyTitle: 'No se ha movido nada',
+  everyCopyText: (name) => `Están seleccionadas todas las copias de «${name}». Deja una fuera e inténtalo de nuevo.`,
   keptProposed: 'la más reciente',
   selectExtras: 'Seleccionar todas menos las que se quedan',
   noDuplicatesTitle: 'No hay duplicados',

@@ -1,0 +1,66 @@
+import { formats } from '../formats.ts';
+
+const { plural, size } = formats.en;
+
+const items = { one: '# item', other: '# items' };
+
+/** What the cleaning rules propose. */
+export const cleanup = {
+  label: 'What can go, by kind',
+  help: 'Arrow keys move, Space selects an item or a whole kind, Shift extends, Escape clears the selection, Enter shows an item in its folder.',
+  found: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
+  lookingAgain: 'Looking again…',
+  intro: 'What can usually go. Only what is certain to be made again, and is over a month old, is selected to begin with.',
+  look: 'Look again',
+  rules: {
+    caches: {
+      name: 'Application caches',
+      why: 'Working files that applications keep so as not to make them twice.',
+      after: 'Each application makes its own again when it needs them; its next start may take a little longer.',
+    },
+    xcode: {
+      name: 'Xcode leftovers',
+      why: 'Build results, and support for devices that has not changed for over a year.',
+      after: 'Xcode builds or downloads them again when it needs them.',
+    },
+    oldDownloads: {
+      name: 'Old downloads',
+      why: 'Files in Downloads that have not been opened for over a year.',
+      after: 'They are yours and nothing makes them again: have a look before you choose.',
+    },
+    installers: {
+      name: 'Installers',
+      why: 'Files in Downloads that applications are installed from.',
+      after: 'What is installed stays. An installer can usually be downloaded again.',
+    },
+    other: {
+      name: 'Other proposals',
+      why: 'Found by Velto in another way.',
+      after: 'Have a look before you choose.',
+    },
+  },
+  certain: 'Certain: made again',
+  possible: 'Possible: look first',
+  derivedData: 'Build results (DerivedData)',
+  deviceSupport: (name: string) => `Device support ${name}`,
+  changed: (age: string) => `Changed ${age}`,
+  opened: (age: string) => `Opened ${age}`,
+  groupSummary: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
+  groupLabel: (name: string, selected: number, count: number) => `${name}: ${selected} of ${plural(count, items)} selected`,
+  remove: (count: number, gb: number) => `Move ${plural(count, items)}, ${size(gb)}, to Velto Trash`,
+  selectedOf: (count: number, all: number) => `${count} of ${plural(all, items)} selected`,
+  sizeOf: (gb: number, all: number) => `${size(gb)} of ${size(all)}`,
+  lookingTitle: 'Looking for what can go',
+  lookingText: 'Velto measures caches and goes through Downloads. Nothing is changed.',
+  lookingLate: 'Large folders take a while to measure. Nothing is changed.',
+  failedTitle: 'No answer has come',
+  failedText: 'What can go could not be found out. Nothing was changed and nothing was lost.',
+  failedAgain: 'Looking again has brought no answer. What you see is the last one.',
+  emptyTitle: 'Nothing to clean up',
+  emptyText: 'Velto found no cache, old download or installer large enough to matter.',
+  doneTitle: 'All of it is in Velto Trash',
+  doneText: 'The space comes back when the trash is emptied. Until then everything can be put back.',
+  toTrash: 'Go to Velto Trash',
+  withoutAccess: 'Downloads is left out: looking there needs Full Disk Access.',
+  grant: 'Grant access…',
+};

@@ -1,0 +1,66 @@
+import type { cleanup as english } from '../en/cleanup.ts';
+import { formats } from '../formats.ts';
+
+const { plural, size } = formats.es;
+
+const items = { one: '# elemento', many: '# de elementos', other: '# elementos' };
+
+export const cleanup: typeof english = {
+  label: 'Lo prescindible, por clases',
+  help: 'Las flechas mueven, Espacio selecciona un elemento o una clase entera, Mayúsculas amplía, Escape quita la selección, Intro muestra un elemento en su carpeta.',
+  found: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
+  lookingAgain: 'Buscando de nuevo…',
+  intro: 'De lo que se suele poder prescindir. Al principio solo está seleccionado lo que seguro se vuelve a crear y tiene más de un mes.',
+  look: 'Buscar de nuevo',
+  rules: {
+    caches: {
+      name: 'Cachés de aplicaciones',
+      why: 'Archivos de trabajo que las aplicaciones guardan para no tener que crearlos dos veces.',
+      after: 'Cada aplicación vuelve a crear los suyos cuando los necesita; su próximo arranque puede tardar algo más.',
+    },
+    xcode: {
+      name: 'Restos de Xcode',
+      why: 'Resultados de compilación y soporte de dispositivos sin cambios desde hace más de un año.',
+      after: 'Xcode los compila o descarga de nuevo cuando los necesita.',
+    },
+    oldDownloads: {
+      name: 'Descargas antiguas',
+      why: 'Archivos de Descargas que nadie ha abierto desde hace más de un año.',
+      after: 'Son tuyos y nada los vuelve a crear: míralos antes de elegir.',
+    },
+    installers: {
+      name: 'Instaladores',
+      why: 'Archivos de Descargas con los que se instalan aplicaciones.',
+      after: 'Lo instalado se queda. Un instalador se suele poder descargar otra vez.',
+    },
+    other: {
+      name: 'Otras propuestas',
+      why: 'Velto las ha encontrado de otra manera.',
+      after: 'Míralas antes de elegir.',
+    },
+  },
+  certain: 'Seguro: se vuelve a crear',
+  possible: 'Posible: míralo antes',
+  derivedData: 'Resultados de compilación (DerivedData)',
+  deviceSupport: (name) => `Soporte de dispositivo ${name}`,
+  changed: (age) => `Cambió ${age}`,
+  opened: (age) => `Abierto ${age}`,
+  groupSummary: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
+  groupLabel: (name, selected, count) => `${name}: ${selected} de ${plural(count, items)} en la selección`,
+  remove: (count, gb) => `Mover ${plural(count, items)}, ${size(gb)}, a la Papelera de Velto`,
+  selectedOf: (count, all) => `${count} de ${plural(all, items)} en la selección`,
+  sizeOf: (gb, all) => `${size(gb)} de ${size(all)}`,
+  lookingTitle: 'Buscando lo prescindible',
+  lookingText: 'Velto mide las cachés y recorre Descargas. No cambia nada.',
+  lookingLate: 'Medir carpetas grandes lleva un rato. No cambia nada.',
+  failedTitle: 'No ha llegado respuesta',
+  failedText: 'No se pudo averiguar qué es prescindible. No se ha cambiado ni perdido nada.',
+  failedAgain: 'Al buscar de nuevo no ha llegado respuesta. Lo que ves es la última.',
+  emptyTitle: 'No hay nada que limpiar',
+  emptyText: 'Velto no ha encontrado cachés, descargas antiguas ni instaladores de un tamaño que importe.',
+  doneTitle: 'Ya está todo en la Papelera de Velto',
+  doneText: 'El espacio vuelve al vaciar la papelera. Hasta entonces todo se puede recuperar.',
+  toTrash: 'Ir a la Papelera de Velto',
+  withoutAccess: 'Descargas queda fuera: para mirar allí hace falta el acceso total al disco.',
+  grant: 'Dar acceso…',
+};

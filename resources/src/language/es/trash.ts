@@ -1,0 +1,59 @@
+import type { trash as english } from '../en/trash.ts';
+import { formats } from '../formats.ts';
+
+const { plural, size } = formats.es;
+
+const items = { one: '# elemento', many: '# de elementos', other: '# elementos' };
+
+export const trash: typeof english = {
+  label: 'Papelera de Velto, por limpiezas',
+  help: 'Las flechas mueven, Intro devuelve a su sitio un elemento o una limpieza entera, Suprimir pregunta antes de eliminar un elemento definitivamente, la flecha derecha llega a las acciones de la fila.',
+  holds: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
+  figureWords: 'en la Papelera de Velto',
+  notFree: 'Los elementos siguen ocupando ese espacio. Solo vuelve cuando se eliminan definitivamente.',
+  freeThen: (free, then) => `Libres ahora: ${size(free)}. Tras vaciarla: unos ${size(then)}.`,
+  kept: (days) => `Los elementos se conservan ${days}; después, el mantenimiento automático los elimina definitivamente.`,
+  keptLonger: (days) => `Los elementos se conservan ${days}. El mantenimiento automático está desactivado: se quedan aún más, hasta que los elimines.`,
+  keptChange: 'Cambiar',
+  empty: 'Vaciar la papelera…',
+  emptying: 'Vaciando…',
+  moved: (when) => `Movido ${when}`,
+  movedUnknown: 'Movido, fecha desconocida',
+  justNow: 'ahora mismo',
+  daysLeft: (days) =>
+    days > 0 ? plural(days, { one: 'Queda # día', many: 'Quedan # de días', other: 'Quedan # días' }) : 'Plazo cumplido',
+  keptUntil: (date) => `Se conserva hasta el ${date}`,
+  putBackAll: 'Devolver todo',
+  putBackAllOf: (count, when) => `Devolver todo: ${plural(count, items)}, movido ${when}`,
+  putBack: 'Devolver',
+  putBackNamed: (name) => `Devolver: ${name}`,
+  purgeNamed: (name) => `Eliminar ${name} definitivamente…`,
+  working: 'En curso…',
+  more: (count) =>
+    plural(count, { one: 'Ver # elemento más', many: 'Ver # de elementos más', other: 'Ver # elementos más' }),
+  moreOperations: (count) =>
+    plural(count, { one: 'Ver # limpieza anterior', many: 'Ver # de limpiezas anteriores', other: 'Ver # limpiezas anteriores' }),
+  groupLabel: (moved, summary, left) => `${moved}: ${summary}, ${left}`,
+  purgeTitle: (name) => `¿Eliminar «${name}» definitivamente?`,
+  purgeText: (gb) => (gb > 0 ? `Quedan libres ${size(gb)}.` : 'Apenas ocupa espacio.'),
+  noWayBack: 'Después ya no se puede recuperar.',
+  purgeConfirm: 'Eliminar definitivamente',
+  emptyTitle: '¿Vaciar la Papelera de Velto?',
+  emptyText: (count, gb) =>
+    `${plural(count, { one: 'Se elimina # elemento', many: 'Se eliminan # de elementos', other: 'Se eliminan # elementos' })} definitivamente. Quedan libres unos ${size(gb)}.`,
+  emptyConfirm: 'Vaciar la Papelera de Velto',
+  emptyStateTitle: 'La Papelera de Velto está vacía',
+  emptyStateText: 'Lo que quitas viene primero aquí, y desde aquí se puede devolver a su sitio.',
+  toCleanup: 'Ir a Limpieza',
+  waitingTitle: 'Leyendo la Papelera de Velto…',
+  lateTitle: 'La lista no ha llegado',
+  lateText: 'Lo que hay en la Papelera de Velto sigue allí. La lista llega con el próximo cambio.',
+  putBackDone: 'De vuelta en su sitio',
+  putBackOne: (name, folder) => `«${name}» está de nuevo en ${folder}.`,
+  putBackMany: (count, gb) => `${plural(count, items)}, ${size(gb)}, de nuevo en sus carpetas.`,
+  nothingToUndo: 'No hay nada que deshacer',
+  nothingToUndoText: 'La Papelera de Velto está vacía.',
+  nothingMoved: 'No se ha movido nada: todo sigue donde estaba.',
+  notPutBack: 'Lo que no ha vuelto a su sitio sigue en la Papelera de Velto.',
+  notDeleted: 'Lo que no se ha eliminado sigue en la Papelera de Velto.',
+};

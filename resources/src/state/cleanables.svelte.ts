@@ -1,0 +1,63 @@
+/** What the program proposes to clean up. There is no failure to hear of, only an answer that does not come. */
+import { send } from '../protocol/connection.ts';
+import type { Cleanable } from '../protocol/protocol.ts';
+
+export type LookPhase = 'idle' | 'looking' | 'late' | 'failed';
+
+/** Measuring large folders takes its time; after this long the page says so. */
+const late = 15_000;
+/** After this long nothing is on its way any more. */
+const tooLate = 180_000;
+
+class Cleanables {
+  /** Null until the program has answered. */
+  list = $state.raw<Cleanable[] | null>(null);
+  phase = $state<LookPhase>('idle');
+  /** Something was put back since: the list may lack it. */
+  outdated = $state(false);
+  /** Everything that was proposed has been moved. */
+  emptied = $state(false);
+  private timers: ReturnType<typeof setTimeout>[] = [];
+
+  readonly looking: boolean = $derived(this.phase === 'looking' || this.phase === 'late');
+
+  look(): void {
+    if (this.looking) return;
+    this.stopTimers();
+    this.phase = 'looking';
+    this.outdated = false;
+    this.timers = [
+      setTimeout(() => (this.phase = 'late'), late),
+      setTimeout(() => (this.phase = 'failed'), tooLate),
+    ];
+    send('scanCleanables');
+  }
+
+  /** What the view does when it is shown: looks once, and again when something has changed. */
+  lookIfNeeded(): void {
+    if ((this.list === null && this.phase === 'idle') || this.outdated) this.look();
+  }
+
+  receive(list: Cleanable[]): void {
+    this.stopTimers();
+    this.phase = 'idle';
+    this.list = list;
+    this.emptied = false;
+  }
+
+  /** Takes out what lies in Velto Trash now. */
+  forget(paths: readonly string[]): void {
+    if (!this.list) return;
+    const gone = new Set(paths);
+    const left = this.list.filter(({ path }) => !gone.has(path));
+    this.emptied ||= this.list.length > 0 && left.length === 0;
+    this.list = left;
+  }
+
+  private stopTimers(): void {
+    for (const timer of this.timers) clearTimeout(timer);
+    this.timers = [];
+  }
+}
+
+export const cleanables = new Cleanables();

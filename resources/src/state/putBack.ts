@@ -1,0 +1,106 @@
+/** Taking things out of Velto Trash: back to their places, or for good. */
+import { language } from '../language/language.svelte.ts';
+import { plainName } from '../names/marks.ts';
+import { folderOf, shortInMiddle } from '../names/middle.ts';
+import { send } from '../protocol/connection.ts';
+import type { TrashItem } from '../protocol/protocol.ts';
+import { cleanables } from './cleanables.svelte.ts';
+import { operationsOf, totalGb, type Operation } from './operations.ts';
+import { questions } from './questions.svelte.ts';
+import { requests, type Outcome } from './requests.svelte.ts';
+import { session } from './session.svelte.ts';
+import { toasts } from './toasts.svelte.ts';
+
+const idsOf = (items: readonly TrashItem[]) => items.map(({ id }) => id);
+
+function sayPutBack(items: readonly TrashItem[]): void {
+  const words = language.words.trash;
+  cleanables.outdated = cleanables.list !== null;
+  const [only] = items;
+  toasts.show(
+    words.putBackDone,
+    items.length === 1 && only
+      ? words.putBackOne(shortInMiddle(plainName(only.name), 48), plainName(folderOf(only.path)))
+      : words.putBackMany(items.length, totalGb(items)),
+  );
+}
+
+/** Undoes what the program knows as the last cleanup. */
+export async function undoLastCleanup(): Promise<void> {
+  toasts.withdrawUndo();
+  if (session.trash?.length === 0 && requests.moving === 0) {
+    const words = language.words.trash;
+    toasts.show(words.nothingToUndo, words.nothingToUndoText);
+    return;
+  }
+  const [last] = operationsOf(session.trash ?? []);
+  // While something is still on its way into the trash, that is what will be undone.
+  if (!last || requests.moving > 0) {
+    send('undoLast');
+    return;
+  }
+  if (last.items.some(({ id }) => requests.busy.has(id))) return;
+  const answer = requests.ask('undo', idsOf(last.items));
+  send('undoLast');
+  if ((await answer) === 'done') sayPutBack(last.items);
+}
+
+function restore(item: TrashItem): Promise<Outcome> {
+  const answer = requests.ask('restore', [item.id]);
+  send('restoreItem', item.id);
+  return answer;
+}
+
+export async function putBack(item: TrashItem): Promise<void> {
+  if (requests.busy.has(item.id)) return;
+  toasts.withdrawUndo();
+  if ((await restore(item)) === 'done') sayPutBack([item]);
+}
+
+/**
+ * Puts everything of an operation back. The last one is undone as a whole; for an older one the
+ * items are asked for one after the other, and the first that fails ends it.
+ */
+export async function putBackAll(operation: Operation): Promise<void> {
+  if (operation.items.some(({ id }) => requests.busy.has(id))) return;
+  if (operationsOf(session.trash ?? [])[0]?.id === operation.id && requests.moving === 0) return undoLastCleanup();
+  toasts.withdrawUndo();
+  const release = requests.hold(idsOf(operation.items));
+  const back: TrashItem[] = [];
+  for (const item of operation.items) {
+    if ((await restore(item)) !== 'done') break;
+    back.push(item);
+  }
+  release();
+  if (back.length) sayPutBack(back);
+}
+
+export async function purge(item: TrashItem): Promise<void> {
+  if (requests.busy.has(item.id)) return;
+  const words = language.words.trash;
+  const confirmed = await questions.ask({
+    title: words.purgeTitle(shortInMiddle(plainName(item.name), 48)),
+    paragraphs: [words.purgeText(item.gb), words.noWayBack],
+    confirm: words.purgeConfirm,
+  });
+  // It may have gone while the question stood.
+  if (!confirmed || !session.trash?.some(({ id }) => id === item.id) || requests.busy.has(item.id)) return;
+  toasts.withdrawUndo();
+  void requests.ask('purge', [item.id]);
+  send('purgeItem', item.id);
+}
+
+export async function emptyTrash(): Promise<void> {
+  const items = session.trash ?? [];
+  if (!items.length || requests.emptying) return;
+  const words = language.words.trash;
+  const confirmed = await questions.ask({
+    title: words.emptyTitle,
+    paragraphs: [words.emptyText(items.length, totalGb(items)), words.noWayBack],
+    confirm: words.emptyConfirm,
+  });
+  if (!confirmed || requests.emptying) return;
+  toasts.withdrawUndo();
+  void requests.ask('empty', idsOf(session.trash ?? []));
+  send('purgeTrash');
+}

@@ -1,0 +1,80 @@
+/** What the cleanup remembers while another view is shown: what is selected. */
+import type { Cleanable } from '../../protocol/protocol.ts';
+import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { cleanables } from '../../state/cleanables.svelte.ts';
+import { totalGb } from '../../state/operations.ts';
+import { requests } from '../../state/requests.svelte.ts';
+import { groupsOf, isSelectable, preselected, type Group, type RuleName } from './candidates.ts';
+
+/** The rows of whole kinds stand among those of the items; a path begins with a slash. */
+const kindPrefix = 'kind:';
+
+export function kindKey(rule: RuleName): string {
+  return kindPrefix + rule;
+}
+
+class Cleanup {
+  focused = $state<string | null>(null);
+  /** Null until the user has chosen anything. */
+  private chosen = $state.raw<Selection | null>(null);
+
+  readonly groups: Group[] = $derived(groupsOf(cleanables.list ?? []));
+  readonly items: Cleanable[] = $derived(this.groups.flatMap(({ items }) => items));
+  readonly gb: number = $derived(totalGb(this.items));
+  /** The rows in the order shown. */
+  readonly keys: string[] = $derived(
+    this.groups.flatMap(({ rule, items }) => [kindKey(rule), ...items.map(({ path }) => path)]),
+  );
+  private readonly selectablePaths: string[] = $derived(this.items.filter(isSelectable).map(({ path }) => path));
+  private readonly selectableSet: ReadonlySet<string> = $derived(new Set(this.selectablePaths));
+  readonly selection: Selection = $derived(
+    keepShown(this.chosen ?? { selected: preselected(this.groups), anchor: null }, this.selectablePaths),
+  );
+  readonly selectedItems: Cleanable[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
+  readonly selectedGb: number = $derived(totalGb(this.selectedItems));
+
+  private readonly selectable = (path: string): boolean => this.selectableSet.has(path) && !requests.busy.has(path);
+
+  selectedIn(group: Group): number {
+    return group.items.filter(({ path }) => this.selection.selected.has(path)).length;
+  }
+
+  /** A kind is on when everything of it that can be selected is. */
+  isOn(group: Group): boolean | 'some' {
+    const count = this.selectedIn(group);
+    if (count === 0) return false;
+    return count === group.items.filter(isSelectable).length ? true : 'some';
+  }
+
+  toggle(key: string): void {
+    const group = this.groups.find(({ rule }) => kindKey(rule) === key);
+    if (group) this.toggleGroup(group);
+    else this.chosen = toggle(this.selection, key, this.selectable);
+  }
+
+  private toggleGroup(group: Group): void {
+    const paths = group.items.map(({ path }) => path).filter(this.selectable);
+    const rest = [...this.selection.selected].filter((path) => !paths.includes(path));
+    this.chosen = { selected: new Set(this.isOn(group) === true ? rest : [...rest, ...paths]), anchor: null };
+  }
+
+  extend(key: string): void {
+    this.chosen = extend(this.selection, key, this.keys, this.selectable);
+  }
+
+  selectAll(): void {
+    this.chosen = selectAll(this.selectablePaths, this.selectable);
+  }
+
+  clear(): void {
+    this.chosen = nothing;
+  }
+
+  /** The paths that a row stands for: its own, or those of its kind. */
+  pathsOf(key: string): string[] {
+    const group = this.groups.find(({ rule }) => kindKey(rule) === key);
+    return group ? group.items.map(({ path }) => path) : [key];
+  }
+}
+
+export const cleanup = new Cleanup();

@@ -1,0 +1,149 @@
+import type { Browser } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { someCleanables, someHistory } from '../support/cleaning.ts';
+import { launch, open, type OpenPage } from '../support/page.ts';
+import { duplicateGroup, fullState, home, inSpanish } from '../support/states.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+async function withPage(test: (opened: OpenPage) => Promise<void>, saved = fullState({ history: someHistory() })): Promise<void> {
+  const opened = await open(browser, { saved });
+  await test(opened);
+  await opened.close();
+  expect(opened.complaints).toEqual([]);
+}
+
+const toastTexts = ({ page }: OpenPage) => page.locator('.toast').allTextContents();
+const renderCache = `${home}/Library/Caches/org.example.Render`;
+
+describe('cleanup', () => {
+  const ready = async (opened: OpenPage) => {
+    await opened.go('limpieza');
+    await opened.tell('onCleanables', someCleanables());
+  };
+  const tick = ({ page }: OpenPage, name: string | RegExp) => page.getByRole('row', { name }).getByRole('gridcell').first().click();
+
+  it('looks when it is shown, once, and again when asked', async () => {
+    await withPage(async (opened) => {
+      expect(await opened.during(() => opened.go('limpieza'))).toEqual([{ type: 'scanCleanables' }]);
+      expect(await opened.page.getByRole('heading', { name: 'Looking for what can go' }).isVisible()).toBe(true);
+      await opened.tell('onCleanables', someCleanables());
+      expect(await opened.during(async () => {
+        await opened.go('inicio');
+        await opened.go('limpieza');
+      })).toEqual([]);
+      expect(await opened.during(() => opened.page.getByRole('button', { name: 'Look again' }).click())).toEqual([{ type: 'scanCleanables' }]);
+    });
+  });
+
+  it('begins with what is certain and over a month old, and says what the button will do', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      const button = opened.page.getByRole('button', { name: /^Move / });
+      expect((await button.textContent())!.replaceAll('\u00a0', ' ').trim()).toBe('Move 4 items, 20.5 GB, to Velto Trash');
+      await tick(opened, /Curso de fotografía/);
+      expect((await button.textContent())!.replaceAll('\u00a0', ' ').trim()).toBe('Move 5 items, 25.4 GB, to Velto Trash');
+    });
+  });
+
+  it('moves exactly what is selected, never a protected path, and offers it no more', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      await opened.page.locator('[data-key="kind:xcode"] [role="gridcell"]').first().click();
+      await opened.page.locator('[data-key="kind:caches"] [role="gridcell"]').first().click();
+      const [intent, ...more] = await opened.during(() => opened.page.getByRole('button', { name: /^Move / }).click());
+      expect(more).toEqual([]);
+      expect(intent!.type).toBe('cleanPaths');
+      const { paths } = intent!.payload as { paths: string[] };
+      expect(paths.map((path) => path.split('/').at(-1)).sort()).toEqual([
+        'com.example.Browser', 'com.example.music-player.ShipIt', 'org.example.Render', 'pip',
+      ]);
+      expect(await opened.page.getByText('Moving 4 items to Velto Trash…').first().isVisible()).toBe(true);
+      expect(await opened.during(() => opened.page.keyboard.press('Delete'))).toEqual([]);
+      await opened.tell('toast', 'Removed', '6.1 GB in Velto Trash. Kept for 30 days.');
+      expect(await opened.page.locator(`[data-key="${renderCache}"]`).count()).toBe(0);
+      expect(await opened.during(() => opened.page.getByRole('button', { name: 'Undo' }).click())).toEqual([{ type: 'undoLast' }]);
+    });
+  });
+
+  it('that fails leaves everything selected and says that nothing was moved', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      await opened.page.getByRole('button', { name: /^Move / }).click();
+      await opened.tell('toast', "Couldn't remove", 'El archivo ya no existe.');
+      expect(await toastTexts(opened)).toEqual([expect.stringContaining('Nothing was moved: everything is where it was.')]);
+      expect(await opened.page.getByRole('button', { name: 'Undo' }).count()).toBe(0);
+      expect(await opened.page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(4);
+    });
+  });
+
+  it('shows a candidate in its folder', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      const reveal = opened.page.getByRole('button', { name: 'Show org.example.Render in its folder' });
+      expect(await opened.during(() => reveal.click())).toEqual([{ type: 'revealPath', payload: renderCache }]);
+    });
+  });
+
+  it('by keyboard: Space takes a whole kind, then one item out of it', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      await opened.page.locator('[data-key="kind:caches"]').focus();
+      for (const key of ['Escape', 'Space', 'ArrowDown', 'Space']) await opened.page.keyboard.press(key);
+      const [intent] = await opened.during(() => opened.page.keyboard.press('Delete'));
+      expect((intent!.payload as { paths: string[] }).paths).toHaveLength(3);
+    });
+  });
+
+  it('with nothing to offer, without an answer and without access says so', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      await opened.go('limpieza');
+      await opened.tell('onPermissions', { fda: false });
+      await opened.tell('onCleanables', []);
+      expect(await page.getByRole('heading', { name: 'Nothing to clean up' }).isVisible()).toBe(true);
+      expect(await opened.during(() => page.getByRole('button', { name: 'Grant access…' }).click())).toEqual([{ type: 'requestAccess' }]);
+      await page.clock.install();
+      await page.getByRole('button', { name: 'Look again' }).click();
+      await page.clock.runFor(16_000);
+      expect(await page.getByText('Large folders take a while').isVisible()).toBe(true);
+      await page.clock.runFor(170_000);
+      expect(await page.getByRole('heading', { name: 'No answer has come' }).isVisible()).toBe(true);
+      expect(await opened.during(() => page.getByRole('button', { name: 'Try again' }).click())).toEqual([{ type: 'scanCleanables' }]);
+    });
+  });
+
+  it('labels are never shown, in no language', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      expect(await opened.page.getByText('Caché de').count()).toBe(0);
+      expect(await opened.page.getByText('Resultados de compilación (DerivedData)').count()).toBe(1);
+    }, inSpanish(fullState()));
+  });
+});
+
+describe('removing every copy of a file', () => {
+  it('is refused with a sentence, wherever the copies are selected', async () => {
+    const [first, second] = fullState().files.map(({ path }) => path);
+    const saved = fullState({ dupGroups: [duplicateGroup('34.2', 0, first!, second!)] });
+    await withPage(async (opened) => {
+      await opened.go('archivos');
+      await opened.page.locator('[data-key]').first().focus();
+      for (const key of ['Space', 'ArrowDown', 'Space']) await opened.page.keyboard.press(key);
+      expect(await opened.during(() => opened.page.keyboard.press('Delete'))).toEqual([]);
+      expect(await toastTexts(opened)).toEqual([expect.stringContaining('Leave one of them out')]);
+      await opened.page.keyboard.press('Space');
+      expect(await opened.during(() => opened.page.keyboard.press('Delete'))).toEqual([
+        { type: 'deleteFiles', payload: { paths: [first], kind: 'wind' } },
+      ]);
+      // The other copy is the last one as soon as the first is on its way.
+      await opened.page.keyboard.press('Space');
+      expect(await opened.during(() => opened.page.keyboard.press('Delete'))).toEqual([]);
+    }, saved);
+  });
+});
