@@ -7,7 +7,10 @@ namespace velto {
 void AppDelegate::applicationDidFinishLaunching() { platform_.notifications->removeAllDelivered(); }
 
 void AppDelegate::applicationDidBecomeActive() {
-    if (const auto bridge = JSBridge::current()) bridge->checkFullDiskAccess();
+    const auto bridge = JSBridge::current();
+    if (!bridge) return;
+    bridge->checkFullDiskAccess();
+    bridge->refreshTrash();
 }
 
 bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed() const {

@@ -12,7 +12,8 @@ public:
     /// Takes back the notifications that maintenance runs have left.
     void applicationDidFinishLaunching();
 
-    /// Lets the current bridge check Full Disk Access.
+    /// Lets the current bridge check Full Disk Access, and look whether a maintenance run has
+    /// changed the trash meanwhile.
     void applicationDidBecomeActive();
 
     /// No while automatic maintenance is installed: closing the window then leaves the program

@@ -21,7 +21,10 @@ VeltoApp::VeltoApp(Platform& platform)
     : platform_(platform),
       settings_(*platform.defaults, *platform.locale),
       language_(settings_),
-      delegate_(platform) {}
+      delegate_(platform),
+      cleanups_(*platform.dispatcher, {.trash = VeltoTrashService::shared(),
+                                       .history = HistoryService::shared(),
+                                       .cloud = CloudFolder::shared()}) {}
 
 VeltoApp::~VeltoApp() = default;
 
@@ -32,7 +35,8 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                                                        .settings = settings_,
                                                        .language = language_,
                                                        .exclusions = ExclusionService::shared(),
-                                                       .shell = *shell_});
+                                                       .shell = *shell_,
+                                                       .cleanups = cleanups_});
     bridge_->attach(webView);
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/AppDelegate.h"
+#include "bridge/CleanupQueue.h"
 #include "settings/AppLanguage.h"
 #include "settings/VeltoSettings.h"
 #include "platform/ApplicationShell.h"
@@ -59,6 +60,7 @@ private:
     VeltoSettings settings_;
     AppLanguage language_;
     AppDelegate delegate_;
+    CleanupQueue cleanups_;
     ApplicationShell* shell_ = nullptr;
     std::shared_ptr<JSBridge> bridge_;
 };

@@ -28,12 +28,15 @@ JSBridge::JSBridge(const BridgeContext& context)
       permissions_(context.platform),
       scheduler_(context.platform),
       cache_(*context.platform.files, context.platform.layout),
-      scanner_(std::make_shared<ScannerWithAccess>(context.platform)) {
+      scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
+      cleanups_(context.cleanups) {
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {
         const double age = (platform_.clock->now() - entry->ts) / 60;
         bootState = BootState{std::move(entry->state), entry->ts};
         bootState->state.settings = settings_.record();  // they may have changed since
+        history_ = bootState->state.history;
+        lists_.replace(bootState->state, lists_.mark());
         log(fmt::format("Velto ▶ arranque: análisis guardado hace {} min · escaneo automático: no",
                         tenths(age)));
     } else {
@@ -56,6 +59,7 @@ void JSBridge::attach(const std::shared_ptr<WebView>& view) {
         handlerName, [weak = weak_from_this()](const std::string& name, const nlohmann::json& body) {
             if (const auto bridge = weak.lock()) bridge->receive(name, body);
         });
+    refreshTrash();
     if (!bootState) return;
     if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
         view->addUserScript(*script);
@@ -69,8 +73,14 @@ void JSBridge::applyBootState() {
                     bootState ? bootState->state.cats.size() : 0,
                     bootState ? bootState->state.files.size() : 0));
     pushState();
-    // Nothing moves files into the trash yet, so it is empty.
-    evaluate(events::trashState(nlohmann::json::array()));
+    isWaitingForTrash_ = true;
+    if (trash_) finishBoot();
+}
+
+/// The page knows the state; the trash and the rest come in this order.
+void JSBridge::finishBoot() {
+    isWaitingForTrash_ = false;
+    evaluate(events::trashState(*trash_));
     if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
     if (needsFirstScan) startAnalysis();
 }
@@ -99,6 +109,11 @@ void JSBridge::pushState() {
     } else {
         log("Velto: no se pudo serializar DiskState");
     }
+}
+
+/// For the next start; not while a reset is on its way, which the file would outlive.
+void JSBridge::rememberState() const {
+    if (bootState && resetsAhead_ == 0) cache_.save(bootState->state, bootState->stamp);
 }
 
 void JSBridge::log(const std::string& line) const { platform_.log->line(line); }

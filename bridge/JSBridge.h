@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,7 +13,10 @@
 #include "analysis/PermissionService.h"
 #include "analysis/ScanCache.h"
 #include "analysis/ScannerService.h"
+#include "bridge/AnalysisLists.h"
+#include "bridge/CleanupQueue.h"
 #include "bridge/payload.h"
+#include "cleaning/CleaningRules.h"
 #include "maintenance/MaintenanceScheduler.h"
 #include "platform/ApplicationShell.h"
 #include "platform/CancellationFlag.h"
@@ -30,7 +34,10 @@ struct BridgeContext {
     AppLanguage& language;
     ExclusionService& exclusions;
     ApplicationShell& shell;
+    CleanupQueue& cleanups;
 };
+
+struct CleanupOutcome;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
 /// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
@@ -70,6 +77,9 @@ public:
     /// Probes Full Disk Access, tells the page, and resumes a full analysis when it was granted.
     void checkFullDiskAccess();
 
+    /// Tells the page about the trash if another process has changed it.
+    void refreshTrash();
+
     // State, readable by all, changed by the bridge alone.
     std::vector<std::string> pendingIntents;     // every intent received; never trimmed, on purpose
     std::optional<CancellationFlag> scanTask;    // the running analysis
@@ -84,7 +94,8 @@ public:
 private:
     friend struct IntentTable;
 
-    // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp).
+    // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp,
+    // trash_intents.cpp, cleaning_intents.cpp).
     void onSettings(const Payload& payload);
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
@@ -100,11 +111,22 @@ private:
     void onGoView(const Payload& payload);
     void onMaintenanceStatus(const Payload& payload);
     void onMeasureMaintenance(const Payload& payload);
+    void onDeleteFiles(const Payload& payload);
+    void onCleanPaths(const Payload& payload);
+    void onUndoLast(const Payload& payload);
+    void onRestoreItem(const Payload& payload);
+    void onPurgeItem(const Payload& payload);
+    void onPurgeTrash(const Payload& payload);
+    void onClearHistory(const Payload& payload);
+    void onScanCleanables(const Payload& payload);
+    void onMoveCloud(const Payload& payload);
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script);
     void toast(std::string_view titleEs, std::string_view titleEn, std::string_view detail);
     void pushState();
+    void pushTrash();
+    void finishBoot();
 
     // Settings (settings_intent.cpp).
     void applyMaintenance();
@@ -116,6 +138,18 @@ private:
     void failAnalysis(const std::string& line);
     void endAnalysis();
     DiskState stateToShow() const;
+    void rememberState() const;
+
+    // Work on the trash, the history and the cloud folder (cleanup_work.cpp). `report` runs on the
+    // main thread, before the page is told of the trash and the state.
+    using CleanupWork = std::function<void(CleanupServices&, CleanupOutcome&)>;
+    using CleanupReport = std::function<void(JSBridge&, const CleanupOutcome&)>;
+    void runCleanup(CleanupWork work, CleanupReport report);
+    void finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report);
+    bool updateState(const CleanupOutcome& outcome);
+    void moveToTrash(const std::vector<std::string>& paths, const std::string& kind);
+    VeltoTrashService::KnownSizes knownSizes(const std::vector<std::string>& paths) const;
+    void showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
     // Reset (reset.cpp).
     void forgetLocalData();
@@ -139,6 +173,15 @@ private:
     struct ScannerWithAccess;
     std::shared_ptr<ScannerWithAccess> scanner_;
     std::weak_ptr<WebView> webView_;
+
+    CleanupQueue& cleanups_;
+    AnalysisLists lists_;
+    AnalysisLists::Mark analysisBegun_ = 0;
+    std::map<std::string, double> cleanableSizes_;  // GB by path, of the last answer to the page
+    std::vector<HistoryEntry> history_;             // what the page knows
+    std::optional<std::vector<TrashItem>> trash_;   // the same; none until it has been read
+    bool isWaitingForTrash_ = false;                // the page has loaded first
+    int resetsAhead_ = 0;                           // asked for and not done yet
 };
 
 /// Takes the agent and all local data away; the part of a full reset that needs no page. A failure

@@ -2,21 +2,18 @@
 
 #include <fmt/format.h>
 
+#include "analysis/post_processing.h"
 #include "bridge/JSBridge.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
 #include "platform/units.h"
 
 namespace velto {
-namespace {
-
-double volumeGigabytes(std::optional<std::int64_t> bytes) { return gigabytes(bytes.value_or(0)); }
-
-}  // namespace
 
 void JSBridge::startAnalysis() {
     if (scanRunning) return;
     scanRunning = true;
+    analysisBegun_ = lists_.mark();
     evaluate(events::scanStarted());
     log("Velto ▶ análisis iniciado");
 
@@ -62,12 +59,14 @@ void JSBridge::finishAnalysis(const AnalysisOutput& output) {
                                     .cats = output.cats,
                                     .files = output.files,
                                     .dupGroups = output.dupGroups,
-                                    .history = {},
+                                    .history = history_,
                                     .settings = settings_.record(),
                                     .protected_ = output.protectedLocations},
                           .stamp = now};
+    lists_.replace(bootState->state, analysisBegun_);
+    lists_.show(bootState->state);  // without what has left while the walk was on its way
     needsFirstScan = false;
-    cache_.save(bootState->state, now);
+    rememberState();
     pushState();
     evaluate(events::scanFinished());
     log(fmt::format("Velto ▶ análisis terminado: {} archivos top, {} GB libres",
@@ -89,13 +88,12 @@ void JSBridge::endAnalysis() {
 
 DiskState JSBridge::stateToShow() const {
     if (bootState) return bootState->state;
-    const std::string& home = platform_.layout.home;
-    const double total = volumeGigabytes(platform_.volumes->totalCapacity(home));
-    const double free = volumeGigabytes(platform_.volumes->availableCapacity(home));
+    const VolumeFigures volume = volumeFigures(*platform_.volumes, platform_.layout.home);
     DiskState state;
-    state.total = total;
-    state.free = free;
-    state.ser = freeSpaceScore(free, total);
+    state.total = volume.total;
+    state.free = volume.free;
+    state.ser = freeSpaceScore(volume.free, volume.total);
+    state.history = history_;
     state.settings = settings_.record();
     return state;
 }

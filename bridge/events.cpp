@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/disk_state_json.h"
+#include "cleaning/candidates_json.h"
 #include "platform/units.h"
 
 namespace velto::events {
@@ -61,8 +62,29 @@ std::string maintenance(const nlohmann::json& status) {
     return call("onMaintenance", literal(status));
 }
 
-std::string trashState(const nlohmann::json& items) {
-    return call("onTrashState", literal(items));
+std::string trashState(const std::vector<TrashItem>& items) {
+    auto list = nlohmann::json::array();
+    for (const TrashItem& item : items) {
+        list.push_back({{"id", item.id},
+                        {"name", item.name},
+                        {"gb", item.gb},
+                        {"taken", item.taken},
+                        {"path", item.originalPath},
+                        {"opID", item.opID}});
+    }
+    return call("onTrashState", literal(list));
+}
+
+std::string trashChanged(double gb) { return call("onTrashChanged", tenths(gb)); }
+
+std::string cleanables(const std::vector<Candidate>& candidates) {
+    return call("onCleanables", literal(toJson(candidates)));
+}
+
+std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,
+                      std::string_view direction) {
+    return call("onCloudMove",
+                literal({{"moved", moved}, {"failed", failed}, {"direction", direction}}));
 }
 
 std::string goView(std::string_view name) {

@@ -9,6 +9,8 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include "analysis/DiskState.h"
+#include "cleaning/CleaningRules.h"
+#include "cleaning/TrashRecords.h"
 
 /// The exact script of each event that the page receives. Pure: no bridge, no web view.
 namespace velto::events {
@@ -37,7 +39,15 @@ std::string toast(std::string_view title, std::string_view detail);
 std::string exclusions(const std::vector<std::string>& paths);
 /// See MaintenanceStatus.h for the keys.
 std::string maintenance(const nlohmann::json& status);
-std::string trashState(const nlohmann::json& items);
+
+/// The trash's items, oldest first; the page knows an item's place as `path`.
+std::string trashState(const std::vector<TrashItem>& items);
+std::string trashChanged(double gb);  // GB in the trash, with one decimal
+std::string cleanables(const std::vector<Candidate>& candidates);
+
+/// `direction` is "to" or "from" the cloud folder.
+std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,
+                      std::string_view direction);
 
 /// Shows a view of the page. The name goes in as it is.
 std::string goView(std::string_view name);

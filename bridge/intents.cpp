@@ -26,20 +26,20 @@ struct IntentTable {
         {"appAnalysis", nullptr},
         {"uninstall", nullptr},
         {"revealPath", &JSBridge::onRevealPath},
-        {"deleteFiles", nullptr},
-        {"undoLast", nullptr},
-        {"restoreItem", nullptr},
-        {"purgeItem", nullptr},
-        {"purgeTrash", nullptr},
-        {"clearHistory", nullptr},
+        {"deleteFiles", &JSBridge::onDeleteFiles},
+        {"undoLast", &JSBridge::onUndoLast},
+        {"restoreItem", &JSBridge::onRestoreItem},
+        {"purgeItem", &JSBridge::onPurgeItem},
+        {"purgeTrash", &JSBridge::onPurgeTrash},
+        {"clearHistory", &JSBridge::onClearHistory},
         {"openFDASettings", &JSBridge::onOpenAccessSettings},
         {"requestAccess", &JSBridge::onRequestAccess},
         {"checkAccess", &JSBridge::onCheckAccess},
         {"resetAccess", &JSBridge::onResetAccess},
         {"addExclusion", &JSBridge::onAddExclusion},
-        {"scanCleanables", nullptr},
-        {"cleanPaths", nullptr},
-        {"moveCloud", nullptr},
+        {"scanCleanables", &JSBridge::onScanCleanables},
+        {"cleanPaths", &JSBridge::onCleanPaths},
+        {"moveCloud", &JSBridge::onMoveCloud},
         {"resetVelto", &JSBridge::onResetVelto},
         {"goView", &JSBridge::onGoView},
         {"setAutoMaintenance", &JSBridge::onSettings},
@@ -97,18 +97,6 @@ void JSBridge::onExclusions(const Payload&) {
 
 void JSBridge::onGoView(const Payload& payload) {
     if (const auto name = payload::string(payload)) evaluate(events::goView(*name));
-}
-
-void JSBridge::onResetVelto(const Payload&) {
-    Platform& platform = platform_;
-    platform.dispatcher->global(
-        QualityOfService::userInitiated, [&platform, weak = weak_from_this()] {
-            if (weak.expired()) return;
-            resetLocalData(platform);
-            platform.dispatcher->main([weak] {
-                if (const auto bridge = weak.lock()) bridge->forgetLocalData();
-            });
-        });
 }
 
 }  // namespace velto

@@ -1,3 +1,4 @@
+#include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "bridge/events.h"
 
@@ -18,10 +19,25 @@ void resetLocalData(Platform& platform) {
     platform.log->line("Velto ▶ reset completo: LaunchAgent y datos eliminados");
 }
 
+/// In its turn among the work on the trash: nothing is on its way into a folder that goes, and what
+/// is asked for afterwards finds an empty trash.
+void JSBridge::onResetVelto(const Payload&) {
+    Platform& platform = platform_;
+    ++resetsAhead_;
+    runCleanup(
+        [&platform](CleanupServices& services, CleanupOutcome&) {
+            resetLocalData(platform);
+            services.history.forget();
+        },
+        [](JSBridge& bridge, const CleanupOutcome&) { bridge.forgetLocalData(); });
+}
+
 void JSBridge::forgetLocalData() {
+    --resetsAhead_;
     exclusions_.clear();
     bootState.reset();
-    pushState();
+    lists_.forget();
+    cleanableSizes_.clear();
     evaluate(events::exclusions(exclusions_.paths()));
     toast("Velto restablecida", "Velto has been reset",
           language_.text("Se han eliminado el mantenimiento automático y todos los datos locales.",

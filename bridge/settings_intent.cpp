@@ -55,7 +55,7 @@ void JSBridge::applyMaintenance() {
 void JSBridge::refreshSettings() {
     if (bootState) {
         bootState->state.settings = settings_.record();
-        cache_.save(bootState->state, bootState->stamp);
+        rememberState();
     }
     pushState();
 }

@@ -32,6 +32,9 @@ public:
     /// Forgets every entry, saves and logs; an empty history is left untouched.
     void clear();
 
+    /// Forgets every entry after somebody has removed the file.
+    void forget() { entries_.clear(); }
+
     const std::vector<HistoryEntry>& entries() const { return entries_; }  // newest first
 
 private:

@@ -15,17 +15,35 @@ struct BridgeFixture : testing::Test {
     VeltoSettings settings{machine.defaults, machine.locale};
     AppLanguage language{settings};
     ExclusionService exclusions{*machine.platform.files, machine.platform.layout};
+    VeltoTrashService trash{*machine.platform.files, *machine.platform.mover, machine.clock,
+                            machine.log, machine.platform.layout};
+    HistoryService history{*machine.platform.files, machine.log, machine.platform.layout};
+    CloudFolder cloud{*machine.platform.files, *machine.platform.mover, machine.log,
+                      machine.platform.layout};
+    std::unique_ptr<CleanupQueue> cleanups;
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
     std::shared_ptr<JSBridge> bridge;
 
-    /// Makes the bridge and attaches the page, as opening the window does.
+    /// Makes the bridge and attaches the page, as opening the window does. The trash is read by the
+    /// time that the page has loaded.
     void open() {
+        cleanups = std::make_unique<CleanupQueue>(
+            *machine.platform.dispatcher,
+            CleanupServices{.trash = trash, .history = history, .cloud = cloud});
+        openAnother();
+        if (auto* queues = dynamic_cast<FakeDispatcher*>(machine.platform.dispatcher.get())) {
+            queues->runAll();
+        }
+    }
+
+    void openAnother() {
         bridge = std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
                                                           .settings = settings,
                                                           .language = language,
                                                           .exclusions = exclusions,
-                                                          .shell = shell});
+                                                          .shell = shell,
+                                                          .cleanups = *cleanups});
         bridge->attach(page);
     }
 

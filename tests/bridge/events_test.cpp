@@ -24,8 +24,9 @@ TEST(Events, ProgressHasOneDecimalAndAPointInEveryLocale) {
     EXPECT_EQ(events::scanProgress(12345, 2.25),
               "window.velto && window.velto.onScanProgress && "
               "window.velto.onScanProgress(12345, 2.2);");
-    EXPECT_EQ(events::scanProgress(0, 0),
-              "window.velto && window.velto.onScanProgress && window.velto.onScanProgress(0, 0.0);");
+    EXPECT_EQ(
+        events::scanProgress(0, 0),
+        "window.velto && window.velto.onScanProgress && window.velto.onScanProgress(0, 0.0);");
     std::setlocale(LC_ALL, before.c_str());
 }
 
@@ -42,8 +43,34 @@ TEST(Events, PermissionsAndListsAreJson) {
     EXPECT_EQ(events::exclusions({"/h/a \"b\""}),
               "window.velto && window.velto.onExclusions && "
               "window.velto.onExclusions([\"/h/a \\\"b\\\"\"]);");
-    EXPECT_EQ(events::trashState(nlohmann::json::array()),
+    EXPECT_EQ(events::trashState({}),
               "window.velto && window.velto.onTrashState && window.velto.onTrashState([]);");
+    EXPECT_EQ(events::trashState({{.id = "itA1B2C3D4",
+                                   .opID = "op1",
+                                   .originalPath = "/h/a \"b\".mov",
+                                   .name = "a \"b\".mov",
+                                   .gb = 1.2,
+                                   .taken = 1700000000.5}}),
+              "window.velto && window.velto.onTrashState && window.velto.onTrashState([{\"gb\":1.2,"
+              "\"id\":\"itA1B2C3D4\",\"name\":\"a \\\"b\\\".mov\",\"opID\":\"op1\","
+              "\"path\":\"/h/a \\\"b\\\".mov\",\"taken\":1700000000.5}]);");
+    EXPECT_EQ(events::trashChanged(2.25),
+              "window.velto && window.velto.onTrashChanged && "
+              "window.velto.onTrashChanged(2.2);");
+    EXPECT_EQ(events::trashChanged(0),
+              "window.velto && window.velto.onTrashChanged && "
+              "window.velto.onTrashChanged(0.0);");
+    EXPECT_EQ(events::cleanables({{.ruleID = "caches",
+                                   .path = "/h/c",
+                                   .gb = 0.31,
+                                   .daysOld = 12,
+                                   .label = "Caché de c."}}),
+              "window.velto && window.velto.onCleanables && window.velto.onCleanables([{"
+              "\"daysOld\":12,\"gb\":0.31,\"label\":\"Caché de c.\",\"path\":\"/h/c\","
+              "\"ruleID\":\"caches\"}]);");
+    EXPECT_EQ(events::cloudMove({"/h/a"}, {}, "to"),
+              "window.velto && window.velto.onCloudMove && window.velto.onCloudMove("
+              "{\"direction\":\"to\",\"failed\":[],\"moved\":[\"/h/a\"]});");
 }
 
 TEST(Events, GoViewInsertsTheNameAsItIs) {

@@ -48,9 +48,9 @@ TEST_F(Intents, EveryKnownNameSurvivesEveryWrongPayload) {
         "webReady",    "settings",        "setTheme",          "systemWatch",
         "appsList",    "appAnalysis",     "uninstall",         "revealPath",
         "deleteFiles", "undoLast",        "restoreItem",       "purgeItem",
-        "purgeTrash",  "clearHistory",    "addExclusion",      "cleanPaths",
-        "moveCloud",   "goView",          "scanCleanables",    "setAutoMaintenance",
-        "exclusions",  "removeExclusion", "maintenanceStatus", "measureMaintenance"};
+        "cleanPaths",  "clearHistory",    "addExclusion",      "scanCleanables",
+        "moveCloud",   "goView",          "maintenanceStatus", "setAutoMaintenance",
+        "exclusions",  "removeExclusion", "measureMaintenance"};
     const std::vector<json> wrong{nullptr,
                                   true,
                                   3.5,

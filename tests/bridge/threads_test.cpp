@@ -17,12 +17,18 @@ struct Threads : BridgeFixture {
         }
         machine.home.file("a.bin", 2_MB);
     }
+
+    /// Opens the window on a home that was never analysed, up to the start of the first analysis.
+    void start() {
+        open();
+        load();
+        threads.runMainUntil([&] { return bridge->scanRunning; });
+    }
 };
 
 TEST_F(Threads, AnAnalysisReachesThePageWhileIntentsArrive) {
     fillHome();
-    open();
-    load();
+    start();
     for (int number = 0; number < 50; ++number) {
         post("addExclusion", machine.home.path("Music/" + std::to_string(number)));
         post("settings", {{"retention", number + 1}});
@@ -34,8 +40,7 @@ TEST_F(Threads, AnAnalysisReachesThePageWhileIntentsArrive) {
 
 TEST_F(Threads, ClosingTheWindowDuringAnAnalysisEndsIt) {
     fillHome();
-    open();
-    load();
+    start();
     const CancellationFlag task = *bridge->scanTask;
     bridge.reset();
     page.reset();
@@ -45,11 +50,52 @@ TEST_F(Threads, ClosingTheWindowDuringAnAnalysisEndsIt) {
 
 TEST_F(Threads, AResetDuringAnAnalysisLeavesNoHalfState) {
     fillHome();
-    open();
-    load();
+    start();
     post("resetVelto");
     threads.runMainUntil([&] { return !bridge->scanRunning && count("toast") > 0; });
     EXPECT_EQ(count("onScanFinished"), 1u);
+}
+
+TEST_F(Threads, CleanupsUndosAndResetsAskedForAtOnceAreDoneOneAfterTheOther) {
+    fillHome();
+    start();
+    threads.runMainUntil([&] { return !bridge->scanRunning; });
+    for (int number = 0; number < 10; ++number) {
+        const std::string folder = machine.home.path("Music/" + std::to_string(number));
+        post("deleteFiles", {{"paths", {folder}}});
+        post("scanCleanables");
+        bridge->refreshTrash();
+        if (number % 2 == 1) post("undoLast");
+    }
+    post("clearHistory");
+    post("moveCloud", {{"paths", {machine.home.path("a.bin")}}});
+    threads.runMainUntil([&] { return count("onCloudMove") == 1; });
+    threads.runMainUntil([&] { return count("onCleanables") == 10; });
+    threads.join();
+    EXPECT_EQ(count("toast"), 10u);
+    EXPECT_EQ(trash.items().size(), 5u);
+    EXPECT_TRUE(history.entries().empty());
+    for (int number = 0; number < 10; ++number) {
+        EXPECT_EQ(machine.home.exists("Music/" + std::to_string(number)), number % 2 == 1);
+    }
+}
+
+TEST_F(Threads, AWindowClosedInTheMiddleOfACleanupLosesNothing) {
+    fillHome();
+    start();
+    threads.runMainUntil([&] { return !bridge->scanRunning; });
+    for (int number = 0; number < 10; ++number) {
+        post("deleteFiles", {{"paths", {machine.home.path("Music/" + std::to_string(number))}}});
+    }
+    bridge.reset();
+    page.reset();
+    threads.join();
+    int left = 0;
+    for (int number = 0; number < 10; ++number) {
+        left += machine.home.exists("Music/" + std::to_string(number)) ? 1 : 0;
+    }
+    EXPECT_EQ(trash.items().size() + static_cast<std::size_t>(left), 10u);
+    EXPECT_EQ(history.entries().size(), trash.operations().size());
 }
 
 }  // namespace

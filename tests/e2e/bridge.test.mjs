@@ -34,11 +34,12 @@ test('the page has the saved analysis before its own scripts run', async (t) => 
   assert.match(first.args[0].setState, /window\.velto\._state = s; if \(ts\) window\.velto\._stamp = ts;/);
 
   // Access first, then the state with its own stamp, then the trash.
+  // The window comes to the front at a moment of its own, and then tells the access once more.
   const pushed = names(rest);
-  assert.deepEqual(pushed.slice(0, 3), ['onPermissions', 'setState', 'onTrashState']);
+  assert.deepEqual([...new Set(pushed)].slice(0, 3), ['onPermissions', 'setState', 'onTrashState']);
   assert.deepEqual(rest[0].args, [{ fda: false }]);
-  assert.deepEqual(rest[1].args, [state, ts]);
-  assert.ok(Array.isArray(rest[2].args[0]));
+  assert.deepEqual(last(rest, 'setState').args, [state, ts]);
+  assert.deepEqual(last(rest, 'onTrashState').args, [[]]);
   assert.ok(!pushed.includes('onScanStarted'));
 });
 
@@ -49,10 +50,10 @@ test('a first analysis reaches the page from its start to its end', async (t) =>
   assert.equal(seen[0].what, 'atStart');
   assert.equal(seen[0].args[0], null, 'nothing is saved, so nothing is in the page');
 
-  const order = names(seen).filter((what) => what !== 'onScanProgress' && what !== 'console');
+  const often = ['onScanProgress', 'onPermissions', 'console'];
+  const order = names(seen).filter((what) => !often.includes(what));
   assert.deepEqual(order, [
-    'atStart', 'onPermissions', 'setState', 'onTrashState', 'onScanStarted',
-    'onPermissions', 'setState', 'onScanFinished', 'done',
+    'atStart', 'setState', 'onTrashState', 'onScanStarted', 'setState', 'onScanFinished', 'done',
   ]);
   const empty = seen.find(({ what }) => what === 'setState').args[0];
   assert.deepEqual([empty.cats, empty.files, empty.dupGroups], [[], [], []]);

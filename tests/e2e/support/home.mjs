@@ -77,15 +77,16 @@ export class Home {
   allocated(path, bytes) {
     mkdirSync(dirname(this.at(path)), { recursive: true });
     execFileSync('fallocate', ['-l', String(bytes), this.at(path)]);
-    return this;
+    return this.synced(path);
   }
 
-  /**
-   * A file whose content depends on `seed` and `bytes` alone. It is synced: only then do all file
-   * systems say how much space it takes.
-   */
+  /** A file whose content depends on `seed` and `bytes` alone. */
   content(path, seed, bytes) {
-    this.text(path, noise(seed, bytes));
+    return this.text(path, noise(seed, bytes)).synced(path);
+  }
+
+  /** Only a synced file takes, on all file systems, the space that it will take. */
+  synced(path) {
     const file = openSync(this.at(path), 'r');
     fsyncSync(file);
     closeSync(file);

@@ -1,0 +1,104 @@
+#include "bridge/AnalysisLists.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "platform/text.h"
+
+namespace velto {
+namespace {
+
+/// The size of a copy as the group tells it: a text such as "4.9".
+std::optional<double> sizeIn(const DupGroup& group, std::size_t index) {
+    if (index >= group.pairs.size() || group.pairs[index].empty()) return std::nullopt;
+    const DupGroup::Pair& pair = group.pairs[index].front();
+    if (pair.size() < 2) return std::nullopt;
+    const std::string text = pair[1];
+    // Digits, a point and one digit, as `tenths` writes it; the library's own reading of reals is
+    // not everywhere, and the others follow the locale.
+    const std::size_t point = text.find('.');
+    std::int64_t whole = 0;
+    std::int64_t tenth = 0;
+    const char* end = text.data() + std::min(point, text.size());
+    if (std::from_chars(text.data(), end, whole).ec != std::errc()) return std::nullopt;
+    if (point != std::string::npos) {
+        std::from_chars(text.data() + point + 1, text.data() + text.size(), tenth);
+    }
+    return static_cast<double>(whole) + static_cast<double>(tenth) / 10;
+}
+
+}  // namespace
+
+void AnalysisLists::replace(const DiskState& analysis, Mark begun) {
+    files_ = analysis.files;
+    groups_ = analysis.dupGroups;
+    std::erase_if(gone_, [&](const auto& entry) { return entry.second <= begun; });
+}
+
+void AnalysisLists::forget() {
+    files_.clear();
+    groups_.clear();
+    gone_.clear();
+}
+
+void AnalysisLists::noteGone(const std::vector<std::string>& paths) {
+    if (paths.empty()) return;
+    ++lastMark_;
+    for (const std::string& path : paths)
+        gone_[standardizedPath(path)] = lastMark_;
+}
+
+void AnalysisLists::noteBack(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths)
+        gone_.erase(standardizedPath(path));
+}
+
+bool AnalysisLists::hasGoneSince(const std::string& path, Mark mark) const {
+    const auto found = gone_.find(standardizedPath(path));
+    return found != gone_.end() && found->second > mark;
+}
+
+bool AnalysisLists::show(DiskState& state) const {
+    std::vector<BigFile> files;
+    std::ranges::copy_if(files_, std::back_inserter(files),
+                         [&](const BigFile& file) { return !isGone(file.path); });
+    std::vector<DupGroup> groups;
+    for (const DupGroup& group : groups_) {
+        DupGroup left{.id = group.id, .name = group.name, .pairs = {}, .paths = {}};
+        for (std::size_t index = 0; index < group.paths.size(); ++index) {
+            if (isGone(group.paths[index])) continue;
+            if (std::cmp_equal(index, group.recommended)) {
+                left.recommended = static_cast<std::int64_t>(left.paths.size());
+            }
+            left.paths.push_back(group.paths[index]);
+            if (index < group.pairs.size()) left.pairs.push_back(group.pairs[index]);
+        }
+        if (left.paths.size() > 1) groups.push_back(std::move(left));
+    }
+    const bool differs = files != state.files || groups != state.dupGroups;
+    state.files = std::move(files);
+    state.dupGroups = std::move(groups);
+    return differs;
+}
+
+std::optional<double> AnalysisLists::sizeOf(const std::string& path) const {
+    const auto file = std::ranges::find(files_, path, &BigFile::path);
+    if (file != files_.end()) return file->gb;
+    for (const DupGroup& group : groups_) {
+        const auto copy = std::ranges::find(group.paths, path);
+        if (copy == group.paths.end()) continue;
+        return sizeIn(group, static_cast<std::size_t>(copy - group.paths.begin()));
+    }
+    return std::nullopt;
+}
+
+bool AnalysisLists::isGone(std::string path) const {
+    for (; !gone_.empty() && !path.empty(); path.resize(path.rfind('/'))) {
+        if (gone_.contains(path)) return true;
+        if (path.find('/') == std::string::npos) break;
+    }
+    return false;
+}
+
+}  // namespace velto

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "analysis/DiskState.h"
+
+namespace velto {
+
+/// The lists of the last analysis in full, and which paths have left their place since. The page is
+/// shown the lists without those, and what comes back is shown as it was. Main thread.
+///
+/// The full lists live as long as the process: what comes back after a restart is listed again by
+/// the next analysis.
+class AnalysisLists {
+public:
+    /// A moment between two changes, to ask later what has left since.
+    using Mark = std::uint64_t;
+    Mark mark() const { return lastMark_; }
+
+    /// Takes the lists of an analysis whose walk began at `begun`; what had left before is not in
+    /// them, or stands at its place again.
+    void replace(const DiskState& analysis, Mark begun);
+
+    void forget();
+
+    /// The paths, with everything below them, are not at their place any more, or are again.
+    void noteGone(const std::vector<std::string>& paths);
+    void noteBack(const std::vector<std::string>& paths);
+
+    bool hasGoneSince(const std::string& path, Mark mark) const;
+
+    /// Puts into `state` what is still there: large files, and duplicate groups of two copies and
+    /// more. True when that is something else than it held.
+    bool show(DiskState& state) const;
+
+    /// The size in GB that the analysis has found for a file.
+    std::optional<double> sizeOf(const std::string& path) const;
+
+private:
+    bool isGone(std::string path) const;
+
+    std::vector<BigFile> files_;
+    std::vector<DupGroup> groups_;
+    std::map<std::string, Mark> gone_;  // standardised paths
+    Mark lastMark_ = 0;
+};
+
+}  // namespace velto

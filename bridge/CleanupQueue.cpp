@@ -1,0 +1,48 @@
+#include "bridge/CleanupQueue.h"
+
+#include <deque>
+#include <mutex>
+#include <utility>
+
+namespace velto {
+
+struct CleanupQueue::Line {
+    explicit Line(const CleanupServices& theServices) : services(theServices) {}
+
+    /// True when nobody works through the line yet: the caller then has to.
+    bool join(Work work) {
+        const std::lock_guard guard(lock);
+        waiting.push_back(std::move(work));
+        return !std::exchange(isWorkedOn, true);
+    }
+
+    Work next() {
+        const std::lock_guard guard(lock);
+        if (waiting.empty()) {
+            isWorkedOn = false;
+            return nullptr;
+        }
+        Work work = std::move(waiting.front());
+        waiting.pop_front();
+        return work;
+    }
+
+    CleanupServices services;
+    std::mutex lock;
+    std::deque<Work> waiting;
+    bool isWorkedOn = false;
+};
+
+CleanupQueue::CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services)
+    : dispatcher_(dispatcher), line_(std::make_shared<Line>(services)) {}
+
+void CleanupQueue::run(Work work) {
+    if (!line_->join(std::move(work))) return;
+    // Whoever waits for the one before waits here, not on a thread of the global queue.
+    dispatcher_.global(QualityOfService::userInitiated, [line = line_] {
+        while (const Work next = line->next())
+            next(line->services);
+    });
+}
+
+}  // namespace velto

@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <exception>
+#include <unordered_set>
+
+#include "bridge/CleanupOutcome.h"
+#include "bridge/JSBridge.h"
+#include "bridge/events.h"
+
+namespace velto {
+namespace {
+
+std::unordered_set<std::string> idsOf(const std::vector<TrashItem>& items) {
+    std::unordered_set<std::string> ids;
+    for (const TrashItem& item : items)
+        ids.insert(item.id);
+    return ids;
+}
+
+/// The items whose place is free: restored, they will be at it and not beside it.
+std::vector<TrashItem> withFreePlace(const std::vector<TrashItem>& items,
+                                     const FileManager& files) {
+    std::vector<TrashItem> found;
+    std::ranges::copy_if(items, std::back_inserter(found),
+                         [&](const TrashItem& item) { return !files.exists(item.originalPath); });
+    return found;
+}
+
+/// What the trash holds and did not before has left its place, whoever has moved it; what it does
+/// not hold any more and stands where it came from is back.
+void noteMoves(const std::vector<TrashItem>& before, const std::vector<TrashItem>& homeless,
+               CleanupOutcome& outcome, const FileManager& files) {
+    const auto idsBefore = idsOf(before);
+    const auto idsNow = idsOf(outcome.trash);
+    for (const TrashItem& item : outcome.trash) {
+        if (!idsBefore.contains(item.id)) outcome.gone.push_back(item.originalPath);
+    }
+    for (const TrashItem& item : homeless) {
+        if (!idsNow.contains(item.id) && files.exists(item.originalPath)) {
+            outcome.back.push_back(item.originalPath);
+        }
+    }
+}
+
+}  // namespace
+
+void JSBridge::runCleanup(CleanupWork work, CleanupReport report) {
+    Platform& platform = platform_;
+    cleanups_.run([&platform, weak = weak_from_this(), work = std::move(work),
+                   report = std::move(report)](CleanupServices& services) {
+        if (weak.expired()) return;
+        const auto outcome = std::make_shared<CleanupOutcome>();
+        const std::vector<TrashItem> before = services.trash.items();
+        const std::vector<TrashItem> homeless = withFreePlace(before, *platform.files);
+        try {
+            work(services, *outcome);
+        } catch (const std::exception& error) {
+            outcome->hasActed = false;
+            outcome->failure = error.what();
+        }
+        outcome->trash = services.trash.items();
+        outcome->history = services.history.entries();
+        outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
+        noteMoves(before, homeless, *outcome, *platform.files);
+        platform.dispatcher->main([weak, outcome, report] {
+            if (const auto bridge = weak.lock()) bridge->finishCleanup(*outcome, report);
+        });
+    });
+}
+
+void JSBridge::finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report) {
+    lists_.noteGone(outcome.gone);
+    lists_.noteBack(outcome.back);
+    const bool isFirst = !trash_;
+    const bool hasTrashChanged = isFirst || outcome.trash != *trash_;
+    const bool hasHistoryChanged = outcome.history != history_;
+    trash_ = outcome.trash;
+    history_ = outcome.history;
+    if (report) report(*this, outcome);
+    const bool hasStateChanged = updateState(outcome) || hasHistoryChanged || outcome.hasActed;
+    if (isFirst) {
+        // Read while the page was being made; it is told when it has loaded.
+        if (isWaitingForTrash_ && hasStateChanged) pushState();
+        if (isWaitingForTrash_) finishBoot();
+        return;
+    }
+    if (hasTrashChanged || outcome.hasActed) pushTrash();
+    if (hasTrashChanged || hasStateChanged) pushState();
+}
+
+/// Brings the current analysis up to date and remembers it. True when the page sees a difference.
+bool JSBridge::updateState(const CleanupOutcome& outcome) {
+    if (!bootState) return false;
+    DiskState& state = bootState->state;
+    DiskState updated = state;
+    lists_.show(updated);
+    updated.history = history_;
+    updated.settings = settings_.record();
+    if (outcome.hasActed && outcome.volume.total > 0) {
+        updated.total = outcome.volume.total;
+        updated.free = outcome.volume.free;
+        updated.ser = freeSpaceScore(updated.free, updated.total);
+    }
+    if (updated == state) return false;
+    state = std::move(updated);
+    rememberState();
+    return true;
+}
+
+void JSBridge::pushTrash() {
+    evaluate(events::trashChanged(sumOf(*trash_)));
+    evaluate(events::trashState(*trash_));
+}
+
+void JSBridge::refreshTrash() {
+    // What another process has moved away since the analysis is not offered any more either, unless
+    // something stands there again.
+    const FileManager& files = *platform_.files;
+    const double since = bootState ? bootState->stamp : 0;
+    runCleanup(
+        [&files, since](CleanupServices& services, CleanupOutcome& outcome) {
+            outcome.hasActed = false;
+            services.cloud.settle();
+            for (const TrashItem& item : services.trash.items()) {
+                if (item.taken > since && !files.exists(item.originalPath)) {
+                    outcome.gone.push_back(item.originalPath);
+                }
+            }
+        },
+        nullptr);
+}
+
+}  // namespace velto

@@ -1,0 +1,246 @@
+#include "cleaning/CloudFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/Platform.h"
+#include "platform/json_fields.h"
+#include "platform/text.h"
+#include "platform/uuid.h"
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+
+/// Below the folder, and not the folder itself.
+bool isBelow(const std::string& path, const std::string& folder) {
+    return path != folder && isAtOrBelow(path, folder);
+}
+
+std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
+
+bool isAbsence(const FileError& error) {
+    return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ELOOP;
+}
+
+}  // namespace
+
+CloudFolder::CloudFolder(FileManager& files, FileMover& mover, Log& log, const HomeLayout& layout)
+    : files_(files), mover_(mover), log_(log), layout_(layout), guard_(files, mover, layout) {}
+
+CloudFolder& CloudFolder::shared() {
+    Platform& platform = processPlatform();
+    static CloudFolder instance(*platform.files, *platform.mover, *platform.log, platform.layout);
+    return instance;
+}
+
+CloudFolder::Result CloudFolder::moveTo(const std::vector<std::string>& paths) {
+    return moveEach(paths,
+                    [this](const std::string& path, Index& index) { return moveIn(path, index); });
+}
+
+CloudFolder::Result CloudFolder::moveFrom(const std::vector<std::string>& paths) {
+    return moveEach(paths,
+                    [this](const std::string& path, Index& index) { return moveOut(path, index); });
+}
+
+template <typename MoveOne>
+CloudFolder::Result CloudFolder::moveEach(const std::vector<std::string>& paths, MoveOne moveOne) {
+    Result result;
+    for (const std::string& path : paths) {
+        try {
+            if (layout_.cloudDrive.empty()) throw FileError("reach", "the cloud drive", ENOENT);
+            files_.createFolders(layout_.dataFolder);
+            const auto lock = mover_.lock(indexPath() + ".lock", true);
+            Index index = read();
+            settleEarlierMove(index);
+            result.arrivedAt.push_back(moveOne(path, index));
+            result.moved.push_back(path);
+        } catch (const std::exception& error) {
+            log_.line("Velto ▶ nube: " + singleLine(path) + ": " + singleLine(error.what()));
+            result.failed.push_back(path);
+        }
+    }
+    return result;
+}
+
+std::string CloudFolder::moveIn(const std::string& path, Index& index) {
+    const TrashGuard::Admitted item = guard_.admit(path, {});
+    const auto drive = files_.attributes(layout_.cloudDrive);
+    if (!drive || drive->kind != FileKind::folder) {
+        throw FileError("reach", layout_.cloudDrive, ENOENT);
+    }
+    files_.createFolders(layout_.cloudFolder);
+    refuseOwnFolders(item);
+    const Move move{.from = standardizedPath(path),
+                    .to = layout_.cloudFolder + "/" + item.place.name,
+                    .scratch = ".velto-" + newUUID()};
+    carryOut(item.place, openPlace(mover_, move.to, FolderPath::withoutLinks), move, index);
+    return move.to;
+}
+
+std::string CloudFolder::moveOut(const std::string& path, Index& index) {
+    const std::string source = pathInCloud(standardizedPath(path), index);
+    const TrashGuard::Admitted item = guard_.admit(source, {});
+    const auto known = index.origins.find(item.place.name);
+    const std::string origin = known == index.origins.end() ? "" : known->second;
+    const Move move{.from = source,
+                    .to = placeToReturnTo(origin, item.place.name),
+                    .scratch = ".velto-" + newUUID()};
+    carryOut(item.place, openPlace(mover_, move.to, FolderPath::withoutLinks), move, index);
+    return move.to;
+}
+
+/// The move is on the disk before the first file is touched, and stays there until the index tells
+/// what has become of it.
+void CloudFolder::carryOut(const HeldPlace& from, const HeldPlace& to, const Move& move,
+                           Index& index) {
+    if (mover_.attributes(*to.folder, to.name)) throw FileError("move to", move.to, EEXIST);
+    index.move = move;
+    save(index);
+    try {
+        if (!mover_.moveAtOnce(*from.folder, from.name, *to.folder, to.name)) {
+            mover_.moveInSteps(*from.folder, from.name, *to.folder, to.name, move.scratch);
+        }
+    } catch (const FileError&) {
+        const MoveState state =
+            mover_.settleMove(*from.folder, from.name, *to.folder, to.name, move.scratch);
+        finish(move, state, index);
+        save(index);
+        if (state != MoveState::atTarget) throw;
+        return;
+    }
+    finish(move, MoveState::atTarget, index);
+    try {
+        mover_.sync(*to.folder);
+        mover_.sync(*from.folder);
+        save(index);
+    } catch (const FileError& error) {
+        // The file has moved; what is written down tells the next use all that it needs.
+        log_.line("Velto ▶ nube: " + singleLine(error.what()));
+    }
+}
+
+void CloudFolder::settle() {
+    try {
+        if (!files_.exists(indexPath())) return;
+        const auto lock = mover_.lock(indexPath() + ".lock", true);
+        Index index = read();
+        settleEarlierMove(index);
+    } catch (const FileError& error) {
+        log_.line("Velto ▶ nube: " + singleLine(error.what()));
+    }
+}
+
+void CloudFolder::settleEarlierMove(Index& index) {
+    if (!index.move) return;
+    const Move move = *index.move;
+    MoveState state = MoveState::nowhere;
+    try {
+        const HeldPlace from = openPlace(mover_, move.from, FolderPath::withoutLinks);
+        const HeldPlace to = openPlace(mover_, move.to, FolderPath::withoutLinks);
+        state = mover_.settleMove(*from.folder, from.name, *to.folder, to.name, move.scratch);
+    } catch (const FileError& error) {
+        // A folder of it is gone for good: nothing can be brought into order there any more.
+        if (!isAbsence(error)) throw;
+        if (files_.exists(move.to) && !files_.exists(move.from)) state = MoveState::atTarget;
+    }
+    finish(move, state, index);
+    save(index);
+}
+
+/// What the index says once it is known where the item is.
+void CloudFolder::finish(const Move& move, MoveState state, Index& index) const {
+    index.move.reset();
+    if (state != MoveState::atTarget) return;
+    if (isBelow(move.to, layout_.cloudFolder)) {
+        index.origins[std::string(lastPathComponent(move.to))] = move.from;
+    } else {
+        index.origins.erase(std::string(lastPathComponent(move.from)));
+    }
+}
+
+/// The item in the cloud folder that a path stands for: its own path, or where it came from.
+std::string CloudFolder::pathInCloud(const std::string& path, const Index& index) const {
+    if (folderOf(path) == layout_.cloudFolder) return path;
+    const auto found = std::ranges::find_if(
+        index.origins, [&](const auto& entry) { return entry.second == path; });
+    if (found == index.origins.end()) throw FileError("find in the cloud folder", path, ENOENT);
+    return layout_.cloudFolder + "/" + found->first;
+}
+
+std::string CloudFolder::placeToReturnTo(const std::string& origin, const std::string& name) const {
+    // An index that somebody has tampered with must not lead out of the home or into what is
+    // protected.
+    const bool isSound = standardizedPath(origin) == origin && isBelow(origin, layout_.home) &&
+                         !isProtectedPath(origin) && !isAtOrBelow(origin, layout_.dataFolder) &&
+                         !isAtOrBelow(origin, layout_.cloudFolder);
+    if (isSound) {
+        try {
+            openPlace(mover_, origin, FolderPath::withoutLinks);
+            return origin;
+        } catch (const FileError&) {
+            // Its folder is gone, or is not the one that it was.
+        }
+    }
+    files_.createFolders(layout_.downloads);
+    return files_.resolved(layout_.downloads) + "/" + name;
+}
+
+void CloudFolder::refuseOwnFolders(const TrashGuard::Admitted& item) {
+    refuseOwnFolder(item, layout_.dataFolder);
+    refuseOwnFolder(item, layout_.cloudFolder);
+}
+
+/// By identity: a path may reach a folder in other letters (a volume that ignores case).
+void CloudFolder::refuseOwnFolder(const TrashGuard::Admitted& item, const std::string& folder) {
+    const auto own = mover_.openFolder(folder, FolderPath::throughLinks);
+    bool isOwn = mover_.isAtOrBelow(*item.place.folder, *own);
+    if (!isOwn && item.attributes.kind == FileKind::folder) {
+        const auto moved = mover_.openFolder(*item.place.folder, item.place.name);
+        isOwn = mover_.isAtOrBelow(*own, *moved);
+    }
+    if (isOwn) throw FileError("move", folder, EPERM);
+}
+
+// The index
+
+/// A missing or damaged file counts as empty. Throws FileError when it cannot be read: then nothing
+/// may be saved over it.
+CloudFolder::Index CloudFolder::read() const {
+    Index index;
+    try {
+        const json object = json::parse(files_.read(indexPath()));
+        index.origins = object.at("origins").get<std::map<std::string, std::string>>();
+        if (object.contains("move")) {
+            const json& move = object["move"];
+            index.move = Move{.from = field<std::string>(move, "from"),
+                              .to = field<std::string>(move, "to"),
+                              .scratch = field<std::string>(move, "scratch")};
+        }
+    } catch (const FileError&) {
+        if (files_.exists(indexPath())) throw;
+    } catch (const json::exception&) {
+        return {};
+    }
+    return index;
+}
+
+void CloudFolder::save(const Index& index) {
+    json object{{"origins", index.origins}};
+    if (index.move) {
+        const Move& move = *index.move;
+        object["move"] = {{"from", move.from}, {"to", move.to}, {"scratch", move.scratch}};
+    }
+    try {
+        files_.writeAtomically(indexPath(), object.dump());
+    } catch (const json::exception&) {
+        throw FileError("write", indexPath(), EILSEQ);  // a path that is not UTF-8
+    }
+}
+
+}  // namespace velto

@@ -1,0 +1,171 @@
+#include "bridge/BridgeFixture.h"
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+struct CleaningIntents : BridgeFixture {
+    std::string cache;
+
+    void SetUp() override {
+        machine.home.sparse("Library/Caches/com.example.app/blob", 123'456'789);
+        cache = machine.home.path("Library/Caches/com.example.app");
+        saveAnalysis(1'600'000'000);
+        open();
+        load();
+        machine.dispatcher.runAll();
+        page->scripts.clear();
+    }
+
+    void ask(const char* type, const json& payload) {
+        post(type, payload);
+        machine.dispatcher.runAll();
+    }
+
+    json lastArgument(const std::string& callback) const {
+        const std::string script = page->calls(callback).back();
+        const std::size_t begin = script.rfind(callback + "(") + callback.size() + 1;
+        return json::parse(script.substr(begin, script.rfind(");") - begin));
+    }
+};
+
+TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {
+    machine.grantAccess();
+    machine.home.sparse("Downloads/Example.dmg", 60'000'000);
+    post("scanCleanables");
+    EXPECT_EQ(count("onCleanables"), 0u) << "not on the main thread";
+    machine.dispatcher.runAll();
+    const json list = lastArgument("onCleanables");
+    ASSERT_THAT(list, SizeIs(2));
+    EXPECT_EQ(list[0]["ruleID"], "caches");
+    EXPECT_EQ(list[0]["path"], cache);
+    EXPECT_EQ(list[0]["label"], "Caché de com example app.");
+    EXPECT_EQ(list[0]["daysOld"], 0);
+    EXPECT_NEAR(list[0]["gb"].get<double>(), 0.1235, 0.001);
+    EXPECT_EQ(list[1]["ruleID"], "installers");
+    EXPECT_EQ(list[1].size(), 5u);
+}
+
+TEST_F(CleaningIntents, WithoutAccessDownloadsIsLeftAlone) {
+    machine.home.sparse("Downloads/Example.dmg", 60'000'000);
+    post("scanCleanables");
+    machine.dispatcher.runAll();
+    ASSERT_THAT(lastArgument("onCleanables"), SizeIs(1));
+    EXPECT_EQ(lastArgument("onCleanables")[0]["ruleID"], "caches");
+}
+
+TEST_F(CleaningIntents, WhatWasProposedKeepsItsSizeInTheTrash) {
+    post("scanCleanables");
+    machine.dispatcher.runAll();
+    const double gb = lastArgument("onCleanables")[0]["gb"];
+    machine.home.sparse("Library/Caches/com.example.app/more", 500'000'000);
+    ask("cleanPaths", {{"paths", {cache}}});
+    ASSERT_THAT(trash.items(), SizeIs(1));
+    EXPECT_EQ(trash.items()[0].gb, gb) << "what the page has shown";
+    EXPECT_EQ(page->calls("toast").back(),
+              "window.velto && window.velto.toast && window.velto.toast(\"Removed\", \"0.1 GB in "
+              "Velto Trash. Kept for 30 days.\");");
+}
+
+TEST_F(CleaningIntents, WhatIsMovedWhileItIsMeasuredIsNotProposed) {
+    post("cleanPaths", {{"paths", {cache}}});
+    machine.dispatcher.runGlobal();
+    post("scanCleanables");
+    machine.dispatcher.runMain();  // now the bridge knows that the cache has gone
+    // As it looked when it was measured.
+    machine.home.sparse("Library/Caches/com.example.app/blob", 123'456'789);
+    machine.dispatcher.runAll();
+    EXPECT_THAT(lastArgument("onCleanables"), IsEmpty());
+
+    post("scanCleanables");
+    machine.dispatcher.runAll();
+    EXPECT_THAT(lastArgument("onCleanables"), SizeIs(1)) << "it stands there again";
+}
+
+TEST_F(CleaningIntents, AnAnswerToAClosedWindowIsDropped) {
+    post("scanCleanables");
+    bridge.reset();
+    machine.dispatcher.runAll();
+    post("scanCleanables");
+    EXPECT_EQ(count("onCleanables"), 0u);
+}
+
+struct CloudIntents : CleaningIntents {
+    const std::string drive = "Library/Mobile Documents/com~apple~CloudDocs";
+    std::string film;
+
+    void SetUp() override {
+        CleaningIntents::SetUp();
+        machine.home.folder(drive);
+        film = machine.home.text("Movies/film.mov", "film").path();
+    }
+};
+
+TEST_F(CloudIntents, WithoutADirectionItMovesToTheCloud) {
+    ask("moveCloud", {{"paths", {film, machine.home.path("gone")}}});
+    EXPECT_EQ(page->calls("onCloudMove").back(),
+              "window.velto && window.velto.onCloudMove && window.velto.onCloudMove({\"direction\":"
+              "\"to\",\"failed\":[\"" +
+                  machine.home.path("gone") + "\"],\"moved\":[\"" + film + "\"]});");
+    EXPECT_EQ(machine.home.read(drive + "/Velto/film.mov"), "film");
+    EXPECT_FALSE(machine.home.exists("Movies/film.mov"));
+    EXPECT_EQ(count("setState"), 1u);
+    EXPECT_THAT(trash.items(), IsEmpty());
+    EXPECT_THAT(history.entries(), IsEmpty());
+}
+
+TEST_F(CloudIntents, FromMovesItBack) {
+    ask("moveCloud", {{"paths", {film}}, {"direction", "to"}});
+    const std::string there = machine.home.path(drive + "/Velto/film.mov");
+    ask("moveCloud", {{"paths", {there}}, {"direction", "from"}});
+    EXPECT_EQ(lastArgument("onCloudMove"),
+              json({{"moved", {there}}, {"failed", json::array()}, {"direction", "from"}}));
+    EXPECT_EQ(machine.home.read("Movies/film.mov"), "film");
+}
+
+TEST_F(CloudIntents, WhatIsInTheCloudIsNotListedAndComesBackToTheList) {
+    DiskState state;
+    state.cats.push_back({.id = "fotos"});
+    state.files = {{.name = "film.mov", .gb = 1.2, .kind = "video", .path = film}};
+    ScanCache(*machine.platform.files, machine.platform.layout).save(state, 1'600'000'000);
+    open();
+    load();
+    ask("moveCloud", {{"paths", {film}}});
+    EXPECT_THAT(bridge->bootState->state.files, IsEmpty());
+    ask("moveCloud", {{"paths", {film}}, {"direction", "from"}});
+    EXPECT_EQ(bridge->bootState->state.files, state.files);
+}
+
+TEST_F(CloudIntents, WhenAllFailsNothingElseIsSaid) {
+    ask("moveCloud", {{"paths", {machine.home.path("gone")}}});
+    EXPECT_EQ(count("onCloudMove"), 1u);
+    EXPECT_EQ(count("setState") + count("onTrashState") + count("toast"), 0u);
+}
+
+TEST_F(CloudIntents, MalformedPayloadsDoNothing) {
+    post("moveCloud");
+    ask("moveCloud", {{"paths", json::array()}});
+    ask("moveCloud", {{"paths", film}});
+    ask("moveCloud", {{"paths", {film}}, {"direction", 1}});
+    ask("moveCloud", {{"paths", {film}}, {"direction", "away"}});
+    EXPECT_EQ(count("onCloudMove"), 0u);
+    EXPECT_TRUE(machine.home.exists("Movies/film.mov"));
+}
+
+TEST_F(CloudIntents, AResetForgetsWhereThingsCameFrom) {
+    ask("moveCloud", {{"paths", {film}}});
+    post("resetVelto");
+    machine.dispatcher.runAll();
+    EXPECT_TRUE(machine.home.exists(drive + "/Velto/film.mov")) << "the file is the user's";
+    ask("moveCloud",
+        {{"paths", {machine.home.path(drive + "/Velto/film.mov")}}, {"direction", "from"}});
+    EXPECT_TRUE(machine.home.exists("Downloads/film.mov"));
+}
+
+}  // namespace
+}  // namespace velto

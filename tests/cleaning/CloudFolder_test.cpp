@@ -1,0 +1,344 @@
+#include "cleaning/CloudFolder.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+
+#include "TrashWorld.h"
+#include "support/tree_text.h"
+
+namespace velto {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr const char* drive = "Library/Mobile Documents/com~apple~CloudDocs";
+constexpr const char* cloud = "Library/Mobile Documents/com~apple~CloudDocs/Velto";
+constexpr const char* indexFile = "Library/Application Support/Velto/cloud.json";
+
+/// A home with a cloud drive, and the folder in it as one process sees it.
+struct Cloud : testing::Test {
+    TempHome home{TrashWorld::fastVolume()};
+    HomeLayout layout = HomeLayout::macOS(home.path());
+    WatchedFileCalls calls;
+    PosixFileManager files{calls};
+    FakeLog log;
+    CloudFolder service{files, files, log, layout};
+
+    void SetUp() override { home.folder(drive); }
+
+    std::string inCloud(const std::string& name) const {
+        return home.path(std::string(cloud) + "/" + name);
+    }
+    bool cloudHas(const std::string& name) const {
+        return home.exists(std::string(cloud) + "/" + name);
+    }
+    json index() const { return json::parse(home.read(indexFile)); }
+
+    void expectFailed(const CloudFolder::Result& result, const std::string& path) {
+        EXPECT_THAT(result.failed, ElementsAre(path));
+        EXPECT_THAT(result.moved, IsEmpty());
+        EXPECT_THAT(result.arrivedAt, IsEmpty());
+    }
+};
+
+TEST_F(Cloud, WhatIsMovedThereComesBackToWhereItWas) {
+    const std::string film = home.text("Movies/2019/film.mov", "film").path();
+    const std::string folder = home.path("Documents/papers");
+    home.text("Documents/papers/one", "1");
+    const auto there = service.moveTo({film, folder});
+    EXPECT_THAT(there.moved, ElementsAre(film, folder));
+    EXPECT_THAT(there.failed, IsEmpty());
+    EXPECT_THAT(there.arrivedAt, ElementsAre(inCloud("film.mov"), inCloud("papers")));
+    EXPECT_FALSE(home.exists("Movies/2019/film.mov"));
+    EXPECT_TRUE(cloudHas("papers/one"));
+
+    // Another start of the program.
+    CloudFolder later{files, files, log, layout};
+    const auto back = later.moveFrom({inCloud("film.mov"), inCloud("papers")});
+    EXPECT_THAT(back.moved, SizeIs(2));
+    EXPECT_THAT(back.arrivedAt, ElementsAre(film, folder));
+    EXPECT_EQ(home.read("Movies/2019/film.mov"), "film");
+    EXPECT_EQ(home.read("Documents/papers/one"), "1");
+    EXPECT_EQ(index(), json({{"origins", json::object()}}));
+}
+
+TEST_F(Cloud, TheFormerPlaceIsEnoughToBringItBack) {
+    const std::string film = home.text("Movies/film.mov", "film").path();
+    service.moveTo({film});
+    EXPECT_THAT(service.moveFrom({film}).moved, ElementsAre(film));
+    EXPECT_TRUE(home.exists("Movies/film.mov"));
+    expectFailed(service.moveFrom({film}), film);
+}
+
+TEST_F(Cloud, WithItsPlaceGoneItComesBackToDownloads) {
+    const std::string film = home.text("Movies/2019/film.mov", "film").path();
+    service.moveTo({film});
+    files.removeAll(home.path("Movies/2019"));
+    const auto back = service.moveFrom({inCloud("film.mov")});
+    EXPECT_THAT(back.arrivedAt, ElementsAre(home.path("Downloads/film.mov")));
+    EXPECT_EQ(home.read("Downloads/film.mov"), "film");
+    EXPECT_FALSE(home.exists("Movies/2019"));
+}
+
+TEST_F(Cloud, WhatSomebodyElsePutThereComesToDownloads) {
+    home.text(std::string(cloud) + "/other.txt", "other");
+    EXPECT_THAT(service.moveFrom({inCloud("other.txt")}).arrivedAt,
+                ElementsAre(home.path("Downloads/other.txt")));
+}
+
+TEST_F(Cloud, ATakenNameIsAFailureAndNothingIsReplaced) {
+    const std::string film = home.text("Movies/film.mov", "film").path();
+    home.text(std::string(cloud) + "/film.mov", "in the cloud");
+    expectFailed(service.moveTo({film}), film);
+    EXPECT_EQ(home.read("Movies/film.mov"), "film");
+    EXPECT_EQ(home.read(std::string(cloud) + "/film.mov"), "in the cloud");
+
+    const std::string note = home.text("note.txt", "note").path();
+    service.moveTo({note});
+    home.text("note.txt", "another note");
+    expectFailed(service.moveFrom({inCloud("note.txt")}), inCloud("note.txt"));
+    EXPECT_EQ(home.read("note.txt"), "another note");
+    EXPECT_EQ(home.read(std::string(cloud) + "/note.txt"), "note");
+    files.removeAll(note);
+    EXPECT_THAT(service.moveFrom({inCloud("note.txt")}).arrivedAt, ElementsAre(note))
+        << "its place is still known";
+}
+
+TEST_F(Cloud, OneFailureLeavesTheOthersAlone) {
+    const std::string film = home.text("film.mov", "film").path();
+    const std::string gone = home.path("gone.mov");
+    const std::string song = home.text("song.mp3", "song").path();
+    const auto result = service.moveTo({film, gone, song});
+    EXPECT_THAT(result.moved, ElementsAre(film, song));
+    EXPECT_THAT(result.failed, ElementsAre(gone));
+    EXPECT_THAT(result.arrivedAt, ElementsAre(inCloud("film.mov"), inCloud("song.mp3")));
+    expectFailed(service.moveFrom({inCloud("gone.mov")}), inCloud("gone.mov"));
+}
+
+TEST_F(Cloud, WithoutACloudDriveEverythingFailsAndNothingIsMade) {
+    files.removeAll(home.path("Library/Mobile Documents"));
+    const std::string film = home.text("film.mov", "film").path();
+    expectFailed(service.moveTo({film}), film);
+    expectFailed(service.moveFrom({inCloud("film.mov")}), inCloud("film.mov"));
+    EXPECT_TRUE(home.exists("film.mov"));
+    EXPECT_FALSE(home.exists("Library/Mobile Documents"));
+
+    layout.cloudDrive.clear();  // a system that has none
+    layout.cloudFolder.clear();
+    expectFailed(service.moveTo({film}), film);
+    expectFailed(service.moveFrom({film}), film);
+    EXPECT_TRUE(home.exists("film.mov"));
+}
+
+TEST_F(Cloud, WhatIsProtectedOutsideOrReachedThroughALinkIsRefused) {
+    home.text("Pictures/Photos Library.photoslibrary/db", "x");
+    home.text("real/file", "x");
+    home.link("link", home.path("real"));
+    const std::vector<std::string> refused{
+        home.path("Pictures/Photos Library.photoslibrary"),
+        home.path("Pictures/Photos Library.photoslibrary/db"),
+        home.path("link"),
+        home.path("link/file"),
+        home.path(),
+        "/etc/hosts",
+        "relative",
+        "",
+        home.path("real/../../other"),
+    };
+    EXPECT_EQ(service.moveTo(refused).failed, refused);
+    EXPECT_TRUE(home.exists("Pictures/Photos Library.photoslibrary/db"));
+    EXPECT_TRUE(home.exists("real/file"));
+}
+
+TEST_F(Cloud, TheProgramsOwnFoldersAndWhatHoldsThemStay) {
+    home.text("Library/Application Support/Velto/history.json", "[]");
+    home.text("Library/Application Support/Velto/Trash/op1/it1-a", "a");
+    home.text(std::string(cloud) + "/there", "there");
+    const std::vector<std::string> refused{
+        home.path("Library"),
+        home.path("Library/Application Support"),
+        layout.dataFolder,
+        layout.dataFolder + "/history.json",
+        layout.trashFolder + "/op1/it1-a",
+        layout.cloudDrive,
+        layout.cloudFolder,
+        inCloud("there"),
+    };
+    EXPECT_EQ(service.moveTo(refused).failed, refused);
+    EXPECT_TRUE(cloudHas("there"));
+}
+
+TEST_F(Cloud, OnlyWhatLiesDirectlyInTheFolderComesOut) {
+    home.text(std::string(cloud) + "/papers/one", "1");
+    home.text(std::string(drive) + "/Other/file", "x");
+    const std::vector<std::string> refused{inCloud("papers/one"), layout.cloudFolder,
+                                           layout.cloudDrive + "/Other/file",
+                                           inCloud("../Other/file"), home.path("Movies")};
+    EXPECT_EQ(service.moveFrom(refused).failed, refused);
+}
+
+TEST_F(Cloud, AnIndexThatSomebodyHasTamperedWithLeadsNowhereElse) {
+    for (const std::string& origin :
+         {std::string("/tmp/out"), home.path("Library/Mail/x"), layout.trashFolder + "/x",
+          home.path("a/../../x"), home.path()}) {
+        home.text(std::string(cloud) + "/x", "x");
+        home.text(indexFile, json({{"origins", {{"x", origin}}}}).dump());
+        EXPECT_THAT(service.moveFrom({inCloud("x")}).arrivedAt,
+                    ElementsAre(home.path("Downloads/x")))
+            << origin;
+        files.removeAll(home.path("Downloads/x"));
+    }
+}
+
+TEST_F(Cloud, ADamagedIndexForgetsPlacesButLosesNothing) {
+    home.text(std::string(cloud) + "/x", "x");
+    home.text(indexFile, "{\"origins\":");
+    EXPECT_THAT(service.moveFrom({inCloud("x")}).arrivedAt, ElementsAre(home.path("Downloads/x")));
+}
+
+TEST_F(Cloud, AFormerPlaceThatIsALinkByNowIsNotFollowed) {
+    const std::string film = home.text("Movies/film.mov", "film").path();
+    service.moveTo({film});
+    files.removeAll(home.path("Movies"));
+    home.folder("elsewhere");
+    home.link("Movies", home.path("elsewhere"));
+    EXPECT_THAT(service.moveFrom({inCloud("film.mov")}).arrivedAt,
+                ElementsAre(home.path("Downloads/film.mov")));
+}
+
+// Cut off, or failing, at every call that changes the disk
+
+using Action = WatchedFileCalls::Action;
+
+/// What is moved, in a home of its own.
+struct Passage {
+    const char* name;
+    bool isOut;                        // out of the cloud folder
+    bool knowsExclusiveRename = true;  // else a file system that can only rename by replacing
+    std::string downloads = "";        // out to this volume, its place being gone
+};
+
+struct Journey {
+    explicit Journey(const Passage& thePassage) : passage(thePassage) {
+        if (!passage.downloads.empty()) {
+            otherVolume.emplace(passage.downloads);
+            layout.downloads = otherVolume->path("Downloads");
+        }
+        home.folder(drive);
+        home.text("Work/papers/one", std::string(9'000, '1'));
+        home.text("Work/papers/deep/two", "2");
+        content = treeText(origin);
+        if (!passage.isOut) return;
+        PosixFileManager files;
+        CloudFolder(files, files, log, layout).moveTo({origin});
+        if (otherVolume) files.removeAll(home.path("Work"));
+    }
+
+    CloudFolder::Result travel(WatchedFileCalls& calls) {
+        calls.knowsExclusiveRename = passage.knowsExclusiveRename;
+        calls.waitsForDisk = false;
+        PosixFileManager files(calls);
+        CloudFolder service(files, files, log, layout);
+        return passage.isOut ? service.moveFrom({there}) : service.moveTo({origin});
+    }
+
+    /// Where the folder stands in full, as the next start leaves it; it still finds its way home.
+    void prove() {
+        PosixFileManager files;
+        CloudFolder service(files, files, log, layout);
+        service.settle();
+        const std::string arrival = otherVolume ? layout.downloads + "/papers" : origin;
+        const bool isThere = files.exists(there);
+        ASSERT_NE(isThere, files.exists(arrival)) << "in one place, and in one alone";
+        ASSERT_EQ(treeText(isThere ? there : arrival), content);
+        ASSERT_THAT(leavesBelow(layout.cloudDrive), testing::SizeIs(isThere ? 2 : 1))
+            << "nothing is left over";
+        if (!isThere) return;
+        ASSERT_THAT(service.moveFrom({there}).arrivedAt, ElementsAre(arrival));
+        ASSERT_EQ(treeText(arrival), content);
+    }
+
+    Passage passage;
+    TempHome home{TrashWorld::fastVolume()};
+    std::optional<TempHome> otherVolume;
+    HomeLayout layout = HomeLayout::macOS(home.path());
+    std::string origin = home.path("Work/papers");
+    std::string there = layout.cloudFolder + "/papers";
+    std::string content;
+    FakeLog log;
+};
+
+class CloudPassage : public testing::TestWithParam<Passage> {
+protected:
+    void SetUp() override {
+        if (GetParam().downloads.empty()) return;
+        struct stat one {};
+        struct stat other {};
+        stat(TrashWorld::fastVolume().c_str(), &one);
+        stat(TrashWorld::buildVolume().c_str(), &other);
+        if (one.st_dev == other.st_dev) GTEST_SKIP() << "memory and build folder are one volume";
+    }
+};
+
+TEST_P(CloudPassage, NothingIsLostWhereverTheProcessDies) {
+    for (const Action action : {Action::dieBefore, Action::dieMidway, Action::dieAfter}) {
+        int at = 0;
+        for (bool isComplete = false; !isComplete; ++at) {
+            SCOPED_TRACE(testing::Message() << "call " << at << ", action " << int(action));
+            Journey journey(GetParam());
+            const pid_t child = fork();
+            if (child == 0) {
+                WatchedFileCalls calls;
+                calls.action = action;
+                calls.at = at;
+                journey.travel(calls);
+                _exit(0);
+            }
+            int status = 0;
+            ASSERT_EQ(waitpid(child, &status, 0), child);
+            ASSERT_TRUE(WIFEXITED(status)) << "ended by a signal, status " << status;
+            isComplete = WEXITSTATUS(status) != WatchedFileCalls::died;
+            journey.prove();
+            if (HasFatalFailure()) return;
+        }
+        EXPECT_GT(at, 5) << "the calls are not counted";
+    }
+}
+
+TEST_P(CloudPassage, NothingIsLostWhateverCallFails) {
+    for (int at = 0;; ++at) {
+        SCOPED_TRACE(testing::Message() << "call " << at);
+        Journey journey(GetParam());
+        WatchedFileCalls calls;
+        calls.action = Action::fail;
+        calls.at = at;
+        calls.error = ENOSPC;
+        const auto result = journey.travel(calls);
+        PosixFileManager files;
+        const std::string start = journey.passage.isOut ? journey.there : journey.origin;
+        ASSERT_EQ(result.failed.empty(), !files.exists(start)) << "the answer is true";
+        journey.prove();
+        if (HasFatalFailure() || calls.count <= at) break;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, CloudPassage,
+                         testing::Values(Passage{.name = "in", .isOut = false},
+                                         Passage{.name = "out", .isOut = true},
+                                         Passage{.name = "in_by_replacing",
+                                                 .isOut = false,
+                                                 .knowsExclusiveRename = false},
+                                         Passage{.name = "out_to_another_volume",
+                                                 .isOut = true,
+                                                 .downloads = TrashWorld::buildVolume()}),
+                         [](const auto& passage) { return passage.param.name; });
+
+}  // namespace
+}  // namespace velto

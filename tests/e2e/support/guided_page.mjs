@@ -1,0 +1,109 @@
+// The real page, and beside it a script that only looks: it tells through the program's log where
+// on the window each control is and which words can be read. Clicks are made with the pointer.
+import { readdirSync, readFileSync } from 'node:fs';
+import { dirname, join } from 'node:path';
+import { bundleName, desktopFor, line, program, programWith, start } from './velto.mjs';
+import { atEnd, temporaryFolder } from './home.mjs';
+
+// Runs in the web view. Reports when two looks in a row see the same, and it is something new.
+const guide = `
+'use strict';
+let seen = '';
+let told = '';
+const clean = (text) => text.replace(/\\s+/g, ' ').trim();
+function look() {
+  const controls = [];
+  for (const element of document.querySelectorAll('button, [role="row"][data-key] > .tick')) {
+    const { left, top, width, height } = element.getBoundingClientRect();
+    const [x, y] = [left + width / 2, top + height / 2];
+    const hit = document.elementFromPoint(x, y);
+    if (!hit || !(element.contains(hit) || hit.contains(element))) continue;
+    const row = element.closest('[role="row"]');
+    const name = element.matches('button')
+      ? clean(element.getAttribute('aria-label') ?? element.textContent)
+      : 'tick ' + row.dataset.key;
+    controls.push({ name, x, y, off: element.ariaDisabled === 'true' || element.disabled === true,
+      on: row?.ariaSelected === 'true' });
+  }
+  const page = JSON.stringify({ controls, text: clean(document.body.innerText) });
+  if (page === seen && page !== told) {
+    told = page;
+    window.webkit.messageHandlers.velto.postMessage({ type: 'guide', payload: page });
+  }
+  seen = page;
+  setTimeout(look, 60);
+}
+setTimeout(look, 60);
+`;
+
+const prefix = 'Velto ▶ intención: guide payload: ';
+
+/** The bundle's own files with the guide among them. */
+function guidedBundle() {
+  const folder = join(dirname(program), bundleName);
+  const files = Object.fromEntries(
+    readdirSync(folder).map((name) => [name, readFileSync(join(folder, name), 'utf8')]),
+  );
+  const script = '<script defer src="guide.js"></script></head>';
+  return { ...files, 'index.html': files['index.html'].replace('</head>', script), 'guide.js': guide };
+}
+
+/** Starts the program in `home` with the page open on a finished analysis. */
+export async function openGuided(t, home, { size = { width: 1180, height: 760 }, desktop, variables } = {}) {
+  desktop ??= await desktopFor(t, size);
+  const velto = start(t, home, desktop, { file: programWith(temporaryFolder(t), guidedBundle()), variables });
+  await velto.waitFor(line.intent('webReady'));
+  if (velto.count(line.noSaved) > 0) await velto.waitFor(line.finished);
+
+  const latest = () => {
+    const told = velto.lines.findLast((one) => one.includes(prefix));
+    return told ? JSON.parse(JSON.parse(told.slice(told.indexOf(prefix) + prefix.length))) : null;
+  };
+
+  /** Waits until what the page shows satisfies `good`; resolves to what `good` answers. */
+  async function shows(what, good, limit = 30_000) {
+    const end = Date.now() + limit;
+    for (;;) {
+      const now = latest();
+      const answer = now && good(now);
+      if (answer) return answer;
+      if (Date.now() > end) {
+        const names = now?.controls.map(({ name, off }) => (off ? `(${name})` : name)).join(' | ');
+        const log = velto.lines.filter((one) => !one.includes(prefix)).slice(-15).join('\n');
+        throw new Error(
+          `the page never came to show ${what}\ncontrols: ${names}\ntext: ${now?.text}\nlog:\n${log}`,
+        );
+      }
+      await velto.waitFor(prefix, { from: velto.lines.length, limit: 500 }).catch(() => {});
+    }
+  }
+
+  const matches = (text, wanted) => (wanted instanceof RegExp ? wanted.test(text) : text === wanted);
+  const reads = (text, wanted) => (wanted instanceof RegExp ? wanted.test(text) : text.includes(wanted));
+
+  const page = {
+    velto,
+    desktop,
+    intents: (name) => velto.count(line.intent(name)),
+    sees: (words) => shows(`"${words}"`, ({ text }) => reads(text, words)),
+    seesNot: (words) => shows(`the end of "${words}"`, ({ text }) => !reads(text, words)),
+    text: () => latest().text,
+    /** Clicks the control of this name once it is there and can be used. */
+    async click(name) {
+      const control = await shows(`the control "${name}"`, ({ controls }) =>
+        controls.find((one) => matches(one.name, name) && !one.off));
+      // The page fills the window, and the window stands in the display's corner.
+      await desktop.click(Math.round(control.x), Math.round(control.y));
+    },
+    /** Selects the row of a path, and waits until it is. */
+    async tick(path) {
+      await page.click(`tick ${path}`);
+      await shows(`${path} selected`, ({ controls }) =>
+        controls.some(({ name, on }) => on && name === `tick ${path}`));
+    },
+    has: (name) => latest().controls.some((one) => matches(one.name, name)),
+    stop: () => velto.stop(),
+  };
+  atEnd(t, () => velto.stop());
+  return page;
+}
