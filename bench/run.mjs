@@ -1,5 +1,5 @@
-// The walk, the discovery of what can be cleaned and the duplicate finder against the bare floor
-// and against other tools. Usage and how to read the result: bench/README.md.
+// The walk, the discovery of what can be cleaned, the duplicate finder and the trash against the
+// bare floor and against other tools. Usage and how to read the result: bench/README.md.
 import {
   existsSync, lstatSync, mkdirSync, readdirSync, rmSync, statfsSync, writeFileSync,
 } from 'node:fs';
@@ -10,7 +10,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'cleanables', 'duplicates'];
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -170,15 +170,30 @@ function duplicates() {
   table(results, 'velto');
 }
 
+function trash() {
+  const lines = output([program('bench_trash'), join(data, 'trash'), String(runs + 1)])
+    .trim().split('\n').slice(1);
+  const [few, many, load, parse] = [0, 1, 2, 3].map((column) =>
+    median(lines.map((line) => Number(line.split(' ')[column]))));
+  const milliseconds = (time) => `${time.toFixed(1)} ms`;
+  console.log('\nThe trash, in one process');
+  console.log(`undoing an operation: ${milliseconds(few)} with 1,000 files, ` +
+    `${milliseconds(many)} with 10,000, ratio ${(many / few).toFixed(1)} (target: at most 12)`);
+  console.log(`loading 100,000 items: ${milliseconds(load)}, parsing them alone ` +
+    `${milliseconds(parse)}, ratio ${(load / parse).toFixed(2)} (target: at most 1 s)`);
+}
+
 if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
-  console.log('The walk is measured on Linux only.');
-  if (only === '' || only === 'duplicates') duplicates();
+  console.log('The walk and the discovery are measured on Linux only.');
+  for (const part of [duplicates, trash]) {
+    if (only === '' || only === part.name) part();
+  }
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates]) {
+  for (const part of [walk, memory, cleanables, duplicates, trash]) {
     if (only === '' || only === part.name) part();
   }
 }
