@@ -133,6 +133,7 @@ int main(int count, char** arguments) try {
         const double load = bench.load(all);
         const double parse = bench.parse();
         fmt::print("{:.2f} {:.2f} {:.2f} {:.2f}\n", undoFew, undoMany, load, parse);
+        std::fflush(stdout);
     }
 } catch (const std::exception& error) {
     fmt::print(stderr, "bench_trash: {}\n", error.what());
