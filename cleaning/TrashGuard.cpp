@@ -47,8 +47,10 @@ TrashGuard::Admitted TrashGuard::admit(const std::string& path,
         throw TrashError(Reason::outsideHome);
     }
     if (isProtectedPath(standardized)) throw TrashError(Reason::protected_);
-    // A name that is not UTF-8 could not be written into the manifest.
-    if (!found || !isValidUtf8(path)) throw TrashError(Reason::notFound);
+    // A name that is not UTF-8 could not be written into the manifest, and no name holds a NUL
+    // byte, even where ".." takes it away again.
+    const bool isName = isValidUtf8(path) && path.find('\0') == std::string::npos;
+    if (!found || !isName) throw TrashError(Reason::notFound);
     refuseTrash(path, standardized, *found);
     return std::move(*found);
 }
