@@ -229,7 +229,7 @@ private:
 };
 
 TEST(TrashModelTest, NothingIsLostOrDoubledByAnySequence) {
-    const unsigned sequences = isExhaustive() ? 3000 : 40;
+    const unsigned sequences = isExhaustive() ? 1000 : 40;
     const unsigned first = firstSeed();
     testing::Test::RecordProperty("seed", static_cast<int>(first));
     for (unsigned seed = first; seed < first + sequences; ++seed) {
