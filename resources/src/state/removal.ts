@@ -39,7 +39,7 @@ export function showAnswer(title: string, detail: string): void {
   }
   const failed = answer.outcome === 'failed';
   if (answer.kind === 'remove' && !failed) {
-    toasts.withdrawUndo();
+    toasts.dismissUndo();
     toasts.show(title, detail, { canUndo: true });
     return;
   }

@@ -38,6 +38,11 @@ class Toasts {
     this.list = this.list.map((toast) => (toast.canUndo ? { ...toast, canUndo: false } : toast));
   }
 
+  /** The message of a newer cleanup takes the place of the one before: two would cover the list. */
+  dismissUndo(): void {
+    for (const { id, canUndo } of this.list) if (canUndo) this.dismiss(id);
+  }
+
   pause(id: number): void {
     clearTimeout(this.timers.get(id));
     this.timers.delete(id);

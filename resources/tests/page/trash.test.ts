@@ -178,6 +178,7 @@ describe('undoing', () => {
         expect(await undo.count()).toBe(1);
       }
       expect(await page.locator('.toast').filter({ has: undo }).textContent()).toContain('34.2');
+      expect(await page.locator('.toast').filter({ hasText: 'Removed' }).count()).toBe(1);
       await tell('onTrashState', someTrash());
       await opened.go('papelera');
       await page.getByRole('button', { name: 'Put back: Boda Clara y Hugo.mp4' }).click();
