@@ -35,6 +35,7 @@ void JSBridge::onSettings(const Payload& payload) {
                     settings_.autoMaintenance() ? "sí" : "no"));
     applyMaintenance();
     refreshSettings();
+    onMaintenanceStatus({});
 }
 
 void JSBridge::applyMaintenance() {

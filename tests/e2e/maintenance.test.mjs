@@ -3,10 +3,13 @@ import assert from 'node:assert/strict';
 import { existsSync, readdirSync, utimesSync } from 'node:fs';
 import { join } from 'node:path';
 import { test } from 'node:test';
-import { startChild } from '../../tools/desktop/children.mjs';
-import { Home, MB } from './support/home.mjs';
+import { run, startChild } from '../../tools/desktop/children.mjs';
+import { openGuided } from './support/guided_page.mjs';
+import { furnishedHome, Home, MB } from './support/home.mjs';
 import { notificationsFor } from './support/notifications.mjs';
 import { program, runHeadless } from './support/velto.mjs';
+
+const withUserManager = new URL('support/with_user_manager.sh', import.meta.url).pathname;
 
 const day = 86400;
 const now = () => Date.now() / 1000;
@@ -194,4 +197,60 @@ test('a pass that is killed at any moment loses nothing, and the next one finish
   assert.equal(items.length, names.length);
   for (const item of items) assert.ok(existsSync(join(item.file, 'blob')));
   assert.equal(existsSync(journal), false, 'nothing is left unsettled');
+});
+
+test('in the window: switching maintenance on installs the timer, switching it off removes it', async (t) => {
+  const home = new Home(t, { layout: 'freedesktop' }).text('Documents/letter.txt', 'Dear reader');
+  const through = [withUserManager, home.runtime];
+  const { status } = await run(through[0], [through[1], 'true'], { env: { ...process.env, HOME: home.path } });
+  if (status === 77) return t.skip('no user manager can be started here');
+  const units = '.config/systemd/user';
+  const all = ['app.velto.maintenance.timer', 'app.velto.maintenance.service',
+    'timers.target.wants/app.velto.maintenance.timer'];
+
+  const page = await openGuided(t, home, { through });
+  await page.click('Settings');
+  await page.sees('Maintenance has not run yet.');
+  await page.click('Run maintenance automatically');
+  await page.sees('The next run is due on');
+  for (const unit of all) assert.ok(home.has(`${units}/${unit}`), unit);
+  assert.match(home.read(`${units}/${all[0]}`), /OnCalendar=daily/);
+  await page.switched('Run maintenance automatically', true);
+
+  await page.click('Run maintenance automatically');
+  await page.seesNot('The next run is due on');
+  for (const unit of all) assert.equal(home.has(`${units}/${unit}`), false, unit);
+});
+
+test('in the window: what cannot be installed is told, and the switch goes back', async (t) => {
+  const home = furnishedHome(t).withAccess();
+  if (existsSync('/bin/launchctl')) return t.skip('this machine has launch agents');
+  const page = await openGuided(t, home);
+  await page.click('Settings');
+  await page.click('Run maintenance automatically');
+  await page.sees("Automatic maintenance couldn't be set up");
+  await page.switched('Run maintenance automatically', false);
+  assert.equal(home.has('Library/LaunchAgents/app.velto.maintenance.plist'), false);
+});
+
+test('a pass beside an open window: the window shows what has gone when it comes to the front', async (t) => {
+  const home = furnishedHome(t).withAccess();
+  const page = await openGuided(t, home);
+  await page.click('Velto Trash');
+  await page.sees('Velto Trash is empty');
+  const { status } = await runHeadless(home, ['--maintenance']);
+  assert.equal(status, 0);
+  assert.equal(listed(home).length, 1);
+  // Without a window manager the focus is moved by hand: away (1 is the X server's name for no
+  // window of its own), and back.
+  const { stdout } = await run('xdotool', ['search', '--onlyvisible', '--name', '^Velto$'], {
+    env: { ...process.env, DISPLAY: page.desktop.display },
+  });
+  const [window] = stdout.trim().split('\n');
+  await page.desktop.input('windowfocus', '1');
+  await page.desktop.input('windowfocus', window);
+  await page.sees('com.example.app');
+  await page.click('Put back: com.example.app');
+  await page.sees('Velto Trash is empty');
+  assert.ok(home.has('Library/Caches/com.example.app/blob'));
 });

@@ -44,6 +44,7 @@ const readers: { [Name in EventName]?: (values: unknown[]) => Events[Name] | nul
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
   onCleanables: ([candidates]) => [guards.cleanables(candidates)],
+  onMaintenance: ([status]) => [guards.maintenanceStatus(status)],
   onTrashState: ([items]) => [guards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
 };

@@ -5,7 +5,8 @@
  */
 import { frequencies, ruleIds } from './records.ts';
 import type {
-  BigFile, Category, Cleanable, DiskState, DuplicateGroup, HistoryEntry, Permissions, RuleId, Settings, TrashItem,
+  BigFile, Category, Cleanable, DiskState, DuplicateGroup, HistoryEntry, MaintenanceRule, MaintenanceStatus, Permissions,
+  RuleId, Settings, TrashItem,
 } from './records.ts';
 
 type Fields = Record<string, unknown>;
@@ -154,4 +155,30 @@ export function cleanables(value: unknown): Cleanable[] {
       : null,
   );
   return distinct(candidates, ({ path }) => path);
+}
+
+function maintenanceRule(fields: Fields): MaintenanceRule {
+  const isMeasured = typeof fields.items === 'number' && typeof fields.gb === 'number';
+  return {
+    places: texts(fields.places),
+    ...(isMeasured && { items: Math.trunc(size(fields.items)), gb: size(fields.gb) }),
+  };
+}
+
+export function maintenanceStatus(value: unknown): MaintenanceStatus {
+  const fields = fieldsOf(value) ?? {};
+  const last = fieldsOf(fields.last);
+  const rules = fieldsOf(fields.rules) ?? {};
+  const known = ruleIds.flatMap((id) => {
+    const rule = fieldsOf(rules[id]);
+    return rule ? [[id, maintenanceRule(rule)] as const] : [];
+  });
+  return {
+    installed: fields.installed === true,
+    last: last && {
+      ts: number(last.ts), freed: size(last.freed), moved: Math.trunc(size(last.moved)), movedGB: size(last.movedGB),
+    },
+    next: typeof fields.next === 'number' && Number.isFinite(fields.next) ? fields.next : null,
+    rules: Object.fromEntries(known),
+  };
 }

@@ -3,7 +3,7 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, Cleanable, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, Permissions,
+  AppAnalysis, Cleanable, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, MaintenanceStatus, Permissions,
   RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
 } from './records.ts';
 
@@ -49,6 +49,8 @@ export interface Intents {
   addExclusion: string;
   exclusions: void;
   removeExclusion: string;
+  maintenanceStatus: void;
+  measureMaintenance: void;
   scanCleanables: void;
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
@@ -69,6 +71,7 @@ export interface Events {
   onPermissions: [permissions: Permissions];
   toast: [title: string, detail: string];
   onExclusions: [paths: string[]];
+  onMaintenance: [status: MaintenanceStatus];
   onCleanables: [candidates: Cleanable[]];
   onTrashState: [items: TrashItem[]];
   onTrashChanged: [gb: number];

@@ -73,6 +73,22 @@ export interface Settings {
   rules?: Partial<Record<RuleId, boolean>>;
 }
 
+/** What one rule looks at and, once it was measured, what it would move now. */
+export interface MaintenanceRule {
+  places: string[];
+  items?: number;
+  gb?: number;
+}
+
+export interface MaintenanceStatus {
+  installed: boolean;
+  /** The last run: when it ended, what it deleted for good, what it moved to Velto Trash. */
+  last: { ts: number; freed: number; moved: number; movedGB: number } | null;
+  /** When the next run starts; null when nothing is scheduled. */
+  next: number | null;
+  rules: Partial<Record<RuleId, MaintenanceRule>>;
+}
+
 export interface DiskState {
   total: number;
   free: number;

@@ -1,5 +1,5 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
-import type { DiskState, SettingsChange, TrashItem } from '../protocol/protocol.ts';
+import type { DiskState, MaintenanceStatus, SettingsChange, TrashItem } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
@@ -18,6 +18,10 @@ class Session {
   scanStartedAt = $state(0);
   /** Null until the program has answered. */
   exclusions = $state.raw<string[] | null>(null);
+  /** Null until the program has answered. */
+  maintenance = $state.raw<MaintenanceStatus | null>(null);
+  /** What the rules of maintenance would move is being measured. */
+  measuring = $state(false);
   trashGb = $state(0);
   /** What lies in Velto Trash, in the order it arrived there; null until the program has said so. */
   trash = $state.raw<TrashItem[] | null>(null);
@@ -28,6 +32,23 @@ class Session {
 
   startScan(): void {
     if (!this.scanning) send('scan');
+  }
+
+  askForMaintenance(): void {
+    send('maintenanceStatus');
+  }
+
+  measureMaintenance(): void {
+    this.measuring = true;
+    send('measureMaintenance');
+  }
+
+  /** A status without measurements leaves the last ones standing: only the schedule has changed. */
+  receiveMaintenance(status: MaintenanceStatus): void {
+    const isMeasured = Object.values(status.rules).some((rule) => rule.items !== undefined);
+    if (isMeasured) this.measuring = false;
+    const rules = isMeasured ? status.rules : (this.maintenance?.rules ?? status.rules);
+    this.maintenance = { ...status, rules };
   }
 
   /** Shows the empty history at once; the program confirms it with its next state. */

@@ -31,6 +31,7 @@ export function start(): void {
     toast: (title, detail) => showAnswer(title, detail),
     onExclusions: (paths) => (session.exclusions = paths),
     onCleanables: (candidates) => cleanables.receive(candidates),
+    onMaintenance: (status) => session.receiveMaintenance(status),
     onTrashState: (items) => showTrash(items),
     onTrashChanged: (gb) => (session.trashGb = gb),
   });

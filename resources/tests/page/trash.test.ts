@@ -44,7 +44,7 @@ describe('Velto Trash', () => {
 
   it('says when things go by themselves, where they do', async () => {
     const saved = fullState();
-    const opened = await open(browser, { saved: { ...saved, settings: { ...saved.settings, autoMaintenance: true } }, ahead: true });
+    const opened = await open(browser, { saved: { ...saved, settings: { ...saved.settings, autoMaintenance: true } } });
     await ready(opened);
     expect(await opened.page.getByText('then automatic maintenance deletes them for good').count()).toBe(1);
     await opened.close();

@@ -19,11 +19,12 @@ function look() {
     const hit = document.elementFromPoint(x, y);
     if (!hit || !(element.contains(hit) || hit.contains(element))) continue;
     const row = element.closest('[role="row"]');
+    const label = document.getElementById(element.getAttribute('aria-labelledby'));
     const name = element.matches('button')
-      ? clean(element.getAttribute('aria-label') ?? element.textContent)
+      ? clean(element.getAttribute('aria-label') ?? (label ?? element).textContent)
       : 'tick ' + row.dataset.key;
     controls.push({ name, x, y, off: element.ariaDisabled === 'true' || element.disabled === true,
-      on: row?.ariaSelected === 'true' });
+      on: row?.ariaSelected === 'true' || element.ariaChecked === 'true' });
   }
   const page = JSON.stringify({ controls, text: clean(document.body.innerText) });
   if (page === seen && page !== told) {
@@ -48,10 +49,17 @@ function guidedBundle() {
   return { ...files, 'index.html': files['index.html'].replace('</head>', script), 'guide.js': guide };
 }
 
-/** Starts the program in `home` with the page open on a finished analysis. */
-export async function openGuided(t, home, { size = { width: 1180, height: 760 }, desktop, variables } = {}) {
+/**
+ * Starts the program in `home` with the page open on a finished analysis. `through` is a command
+ * that runs the program as the rest of its arguments.
+ */
+export async function openGuided(
+  t, home, { size = { width: 1180, height: 760 }, desktop, variables, through = [] } = {},
+) {
   desktop ??= await desktopFor(t, size);
-  const velto = start(t, home, desktop, { file: programWith(temporaryFolder(t), guidedBundle()), variables });
+  const copy = programWith(temporaryFolder(t), guidedBundle());
+  const [file, ...args] = [...through, copy];
+  const velto = start(t, home, desktop, { file, args, variables });
   await velto.waitFor(line.intent('webReady'));
   if (velto.count(line.noSaved) > 0) await velto.waitFor(line.finished);
 
@@ -101,6 +109,10 @@ export async function openGuided(t, home, { size = { width: 1180, height: 760 },
       await shows(`${path} selected`, ({ controls }) =>
         controls.some(({ name, on }) => on && name === `tick ${path}`));
     },
+    /** Waits until the switch of this name stands like that. */
+    switched: (name, on) =>
+      shows(`"${name}" ${on ? 'on' : 'off'}`, ({ controls }) =>
+        controls.some((one) => matches(one.name, name) && one.on === on)),
     has: (name) => latest().controls.some((one) => matches(one.name, name)),
     stop: () => velto.stop(),
   };

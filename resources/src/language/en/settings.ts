@@ -1,6 +1,7 @@
+import type { MaintenanceStatus } from '../../protocol/protocol.ts';
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.en;
+const { date, moment, plural, size } = formats.en;
 
 export const settings = {
   general: 'General',
@@ -12,12 +13,28 @@ export const settings = {
   retentionHelp: 'What you remove can be taken back during this time. After it, automatic maintenance deletes it for good.',
   days: (count: number) => plural(count, { one: '# day', other: '# days' }),
   maintenance: 'Automatic maintenance',
-  maintenanceLater: 'Maintenance itself is not part of this version yet. What you choose here is kept for it.',
   enabled: 'Run maintenance automatically',
   enabledHelp: 'Moves what can go to Velto Trash, and deletes for good what has been there longer than you keep it.',
   frequency: 'How often',
   frequencies: { daily: 'Every day', weekends: 'Every week', monthly: 'Every month' },
+  nextRun: (stamp: number) => `The next run is due on ${date(stamp)}.`,
+  lastRun: 'Last run',
+  neverRun: 'Maintenance has not run yet.',
+  lastOutcome: ({ ts, freed, moved, movedGB }: NonNullable<MaintenanceStatus['last']>) => {
+    const outcome = [
+      moved > 0 ? `moved ${plural(moved, { one: '# item', other: '# items' })} (${size(movedGB)}) to Velto Trash` : '',
+      freed > 0 ? `deleted ${size(freed)} for good` : '',
+    ].filter(Boolean);
+    return `${moment(ts)}: ${outcome.join(', ') || 'there was nothing to do'}.`;
+  },
   rules: 'What maintenance looks at',
+  rulePlaces: 'Where',
+  ruleNow: (count: number, gb: number) =>
+    count > 0 ? `Now: ${plural(count, { one: '# item', other: '# items' })}, ${size(gb)}` : 'Now: nothing',
+  measureLabel: 'How much would go now?',
+  measureHelp: 'Measures every rule, also those that are off. Nothing is moved.',
+  measure: 'Measure',
+  measuring: 'Measuring…',
   ruleNames: {
     systemTrash: 'System trash',
     oldDownloads: 'Old downloads',

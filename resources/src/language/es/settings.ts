@@ -1,7 +1,7 @@
 import type { settings as english } from '../en/settings.ts';
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.es;
+const { date, moment, plural, size } = formats.es;
 
 export const settings: typeof english = {
   general: 'General',
@@ -13,12 +13,32 @@ export const settings: typeof english = {
   retentionHelp: 'En ese tiempo puedes recuperar lo que hayas quitado. Después, el mantenimiento automático lo borra definitivamente.',
   days: (count) => plural(count, { one: '# día', many: '# de días', other: '# días' }),
   maintenance: 'Mantenimiento automático',
-  maintenanceLater: 'El mantenimiento aún no forma parte de esta versión. Lo que elijas aquí se guarda para entonces.',
   enabled: 'Hacer mantenimiento automáticamente',
   enabledHelp: 'Mueve lo prescindible a la Papelera de Velto y borra definitivamente lo que lleva allí más tiempo del que lo conservas.',
   frequency: 'Cada cuánto',
   frequencies: { daily: 'Cada día', weekends: 'Cada semana', monthly: 'Cada mes' },
+  nextRun: (stamp) => `La próxima pasada toca el ${date(stamp)}.`,
+  lastRun: 'Última pasada',
+  neverRun: 'El mantenimiento aún no ha hecho ninguna pasada.',
+  lastOutcome: ({ ts, freed, moved, movedGB }) => {
+    const outcome = [
+      moved > 0
+        ? `${plural(moved, { one: '# elemento', many: '# de elementos', other: '# elementos' })} (${size(movedGB)}) a la Papelera de Velto`
+        : '',
+      freed > 0 ? `${size(freed)} borrados definitivamente` : '',
+    ].filter(Boolean);
+    return `${moment(ts)}: ${outcome.join(', ') || 'no había nada que hacer'}.`;
+  },
   rules: 'Qué revisa el mantenimiento',
+  rulePlaces: 'Dónde',
+  ruleNow: (count, gb) =>
+    count > 0
+      ? `Ahora: ${plural(count, { one: '# elemento', many: '# de elementos', other: '# elementos' })}, ${size(gb)}`
+      : 'Ahora: nada',
+  measureLabel: '¿Cuánto se movería ahora?',
+  measureHelp: 'Mide todas las reglas, también las desactivadas. No se mueve nada.',
+  measure: 'Medir',
+  measuring: 'Midiendo…',
   ruleNames: {
     systemTrash: 'Papelera del sistema',
     oldDownloads: 'Descargas antiguas',
