@@ -3,6 +3,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <string>
@@ -13,6 +15,9 @@
 
 namespace velto {
 namespace {
+
+/// The access list of a file, and the one that a folder gives to what is made in it (acl(5)).
+constexpr std::array accessLists{"system.posix_acl_access", "system.posix_acl_default"};
 
 /// Attributes of the namespaces besides "user." may be the system's to write (security labels) or
 /// unknown to the target's file system; the file is whole without them.
@@ -69,6 +74,7 @@ int FileCalls::copyAttributes(int from, int to) {
     for (std::string_view rest = names; !rest.empty();) {
         const std::string name(rest.substr(0, rest.find('\0')));
         rest.remove_prefix(name.size() + 1);
+        if (std::ranges::find(accessLists, name) != accessLists.end()) continue;
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENODATA || mayBeLeftOut(name)) continue;
             return -1;
@@ -76,6 +82,22 @@ int FileCalls::copyAttributes(int from, int to) {
         if (::fsetxattr(to, name.c_str(), value.data(), value.size(), 0) != 0 &&
             !mayBeLeftOut(name)) {
             return -1;
+        }
+    }
+    return 0;
+}
+
+int FileCalls::copyAccess(int from, int to) {
+    std::string list;
+    for (const char* name : accessLists) {
+        if (readAttribute(from, name, list)) {
+            if (::fsetxattr(to, name, list.data(), list.size(), 0) != 0 && !mayBeLeftOut(name)) {
+                return -1;
+            }
+        } else if (errno != ENODATA && errno != EOPNOTSUPP) {
+            return -1;
+        } else if (::fremovexattr(to, name) != 0 && errno != ENODATA && errno != EOPNOTSUPP) {
+            return -1;  // the folder that the copy was made in has given it a list of its own
         }
     }
     return 0;

@@ -1,9 +1,11 @@
 #include <copyfile.h>
 #include <stdio.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 
 #include "platform/posix/FileCalls.h"
+#include "platform/posix/same_state.h"
 
 namespace velto {
 
@@ -16,8 +18,18 @@ ssize_t FileCalls::copyRange(int, int, off_t, std::size_t) {
     return -1;
 }
 
+// Not COPYFILE_STAT: it would lock the copy of a locked file before the rest of it is done.
 int FileCalls::copyAttributes(int from, int to) {
-    return ::fcopyfile(from, to, nullptr, COPYFILE_XATTR | COPYFILE_ACL | COPYFILE_STAT);
+    return ::fcopyfile(from, to, nullptr, COPYFILE_XATTR);
+}
+
+int FileCalls::copyAccess(int from, int to) {
+    struct stat status;
+    if (::fcopyfile(from, to, nullptr, COPYFILE_ACL) != 0 || ::fstat(from, &status) != 0) return -1;
+    const unsigned flags = flagsOf(status) & keptFlags;
+    // A volume without flags keeps the file whole all the same.
+    if (flags == 0 || ::fchflags(to, flags) == 0 || errno == ENOTSUP) return 0;
+    return -1;
 }
 
 }  // namespace velto

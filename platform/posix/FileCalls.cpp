@@ -51,7 +51,15 @@ int FileCalls::sync(int file) {
     return uninterrupted([&] { return ::fsync(file); });
 }
 
+int FileCalls::flush(int file) {
+    return uninterrupted([&] { return ::fsync(file); });
+}
+
 int FileCalls::changeMode(int file, mode_t mode) { return ::fchmod(file, mode); }
+
+int FileCalls::changeMode(int folder, const char* name, mode_t mode) {
+    return ::fchmodat(folder, name, mode, AT_SYMLINK_NOFOLLOW);
+}
 
 int FileCalls::changeOwner(int file, uid_t user, gid_t group) {
     return ::fchown(file, user, group);

@@ -27,8 +27,10 @@ public:
     /// The next offset with (SEEK_DATA) or without (SEEK_HOLE) content.
     virtual off_t seek(int file, off_t offset, int whence);
     virtual int resize(int file, off_t size);
-    virtual int sync(int file);  // content and attributes reach the disk
+    virtual int sync(int file);   // content and attributes reach the disk
+    virtual int flush(int file);  // they reach the drive, which may still hold them back
     virtual int changeMode(int file, mode_t mode);
+    virtual int changeMode(int folder, const char* name, mode_t mode);  // never follows a link
     virtual int changeOwner(int file, uid_t user, gid_t group);
     /// Access and modification time of an open file.
     virtual int setTimes(int file, const struct timespec (&times)[2]);
@@ -48,9 +50,12 @@ public:
     /// Copies at most `size` bytes at `offset` inside the kernel and returns how many; fails where
     /// that is not possible, and the content goes through this process instead. System.
     virtual ssize_t copyRange(int from, int to, off_t offset, std::size_t size);
-    /// Copies extended attributes and access lists; fails when one of the user's own cannot be
-    /// kept. What only the system may write is left out. System.
+    /// Copies extended attributes; fails when one of the user's own cannot be kept. What only the
+    /// system may write is left out. System.
     virtual int copyAttributes(int from, int to);
+    /// Copies access lists and, where files have some, the user's flags (hidden and the like): what
+    /// may forbid to change the file any further. System.
+    virtual int copyAccess(int from, int to);
     virtual int lock(int file, int operation);  // flock
 };
 

@@ -2,16 +2,17 @@
 
 #include <sys/stat.h>
 
-#include <map>
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "platform/posix/Descent.h"
 #include "platform/posix/PosixFolder.h"
 
 namespace velto {
 
 /// The copy of one file, link or folder onto another volume, and the proof that its source has not
-/// changed since. What it throws is FileError.
+/// changed since. Works in a loop, so that no depth is too much. What it throws is FileError.
 class TreeCopy {
 public:
     explicit TreeCopy(FileCalls& calls);
@@ -29,28 +30,32 @@ public:
     bool areAlike(const Entry& left, const Entry& right);
 
 private:
-    struct Place {
-        int folder;
+    /// What was met on the way through a tree, folder by folder in the order of names; with the
+    /// depths it tells the whole tree. The root has no name, as it may have another one by now.
+    struct Met {
+        std::size_t depth;
         std::string name;
-        std::string path;  // for messages alone
+        struct stat status;
     };
-    /// What was met, by its path below the source.
-    using Seen = std::map<std::string, struct stat>;
+    using Tree = std::vector<Met>;
 
-    void copyEntry(const Place& source, const Place& target, const std::string& below);
-    void copyFile(const Place& source, const Place& target, const struct stat& status);
-    void copyFolder(const Place& source, const Place& target, const struct stat& status,
-                    const std::string& below);
-    void copyLink(const Place& source, const Place& target, const struct stat& status);
-    void copyContent(int from, int to, const Place& source, off_t size);
-    void copyPiece(int from, int to, const Place& source, off_t start, off_t end);
-    void finish(int from, int to, const Place& target, const struct stat& status);
-    void look(const Place& place, const std::string& below, Seen& seen);
-    struct stat examine(const Place& place);
-    void requireRemovable(const Place& place, const struct stat& status) const;
+    void copyEntry(Descent& from, const std::string& name, Descent& to, const std::string& newName);
+    void copyFile(const Descent& from, const std::string& name, const Descent& to,
+                  const std::string& newName, const struct stat& status);
+    void enterFolder(Descent& from, const std::string& name, Descent& to,
+                     const std::string& newName, const struct stat& status);
+    void leaveFolder(Descent& from, Descent& to);
+    void copyLink(const Descent& from, const std::string& name, const Descent& to,
+                  const std::string& newName, const struct stat& status);
+    void copyContent(int from, int to, const std::string& path, off_t size);
+    void copyPiece(int from, int to, const std::string& path, off_t start, off_t end);
+    void finish(int from, int to, const std::string& path, const struct stat& status, bool isLast);
+    Tree look(const Entry& root);
+    void requireRemovable(const Descent& from, const std::string& name,
+                          const struct stat& status) const;
 
     FileCalls& calls_;
-    Seen copied_;
+    Tree copied_;
     std::vector<char> buffer_;
 };
 

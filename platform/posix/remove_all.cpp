@@ -82,6 +82,9 @@ private:
     bool enter(const std::string& name) {
         const Level& parent = levels_.back();
         Descriptor folder(calls_.open(parent.folder.number(), name.c_str(), listFlags, 0));
+        if (!folder.isOpen() && errno == EACCES && makeWritable_) {
+            folder = openUnreadable(parent.folder.number(), name.c_str());
+        }
         if (!folder.isOpen()) {
             // macOS and Linux answer ELOOP or ENOTDIR for a link.
             if (errno == ENOTDIR || errno == ELOOP || errno == ENOENT) return false;
@@ -106,6 +109,15 @@ private:
             levels_[levels_.size() - openLevels].folder = Descriptor();
         }
         return true;
+    }
+
+    /// A folder that its owner may not even read, by its name.
+    Descriptor openUnreadable(int parent, const char* name) {
+        if (calls_.changeMode(parent, name, S_IRWXU) != 0) {
+            errno = EACCES;
+            return Descriptor();
+        }
+        return Descriptor(calls_.open(parent, name, listFlags, 0));
     }
 
     void list() {

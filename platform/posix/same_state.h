@@ -34,6 +34,28 @@ timespec changedTime(const Status& status) {
     }
 }
 
+/// Flags of a file that forbid to change or remove it: immutable or append-only for its owner, or
+/// for everyone, or not to be unlinked (chflags(2) of macOS). Elsewhere a file has no such flags.
+inline constexpr unsigned lockingFlags = 0x2 | 0x4 | 0x20000 | 0x40000 | 0x100000;
+
+/// Flags that a copy keeps: not to be dumped, opaque, hidden (the same page).
+inline constexpr unsigned keptFlags = 0x1 | 0x8 | 0x8000;
+
+template <typename Status>
+unsigned flagsOf(const Status& status) {
+    if constexpr (requires { status.st_flags; }) {
+        return status.st_flags;
+    } else {
+        return 0;
+    }
+}
+
+/// A copy of it could not be followed by its removal.
+template <typename Status>
+bool isLocked(const Status& status) {
+    return (flagsOf(status) & lockingFlags) != 0;
+}
+
 inline bool isSameTime(const timespec& left, const timespec& right) {
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }

@@ -62,8 +62,15 @@ public:
     int sync(int file) override {
         return run(true, "sync", "", [&] { return waitsForDisk ? FileCalls::sync(file) : 0; });
     }
+    int flush(int file) override {
+        return run(true, "flush", "", [&] { return FileCalls::flush(file); });
+    }
     int changeMode(int file, mode_t mode) override {
         return run(true, "changeMode", "", [&] { return FileCalls::changeMode(file, mode); });
+    }
+    int changeMode(int folder, const char* name, mode_t mode) override {
+        return run(true, "changeMode", name,
+                   [&] { return FileCalls::changeMode(folder, name, mode); });
     }
     int changeOwner(int file, uid_t user, gid_t group) override {
         return run(true, "changeOwner", "",
@@ -115,6 +122,9 @@ public:
     }
     int copyAttributes(int from, int to) override {
         return run(true, "copyAttributes", "", [&] { return FileCalls::copyAttributes(from, to); });
+    }
+    int copyAccess(int from, int to) override {
+        return run(true, "copyAccess", "", [&] { return FileCalls::copyAccess(from, to); });
     }
     int lock(int file, int operation) override {
         return run(false, "lock", "", [&] { return FileCalls::lock(file, operation); });

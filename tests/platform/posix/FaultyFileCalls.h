@@ -10,6 +10,7 @@ namespace velto {
 /// before one of them.
 class FaultyFileCalls final : public FileCalls {
 public:
+    using FileCalls::changeMode;
     int failAt = -1;             // index of the call that fails, -1 for none
     int error = EIO;             // what it fails with
     int count = 0;               // calls so far

@@ -214,6 +214,59 @@ TEST_F(MovedTree, AttributesStayWithTheirFilesAndFolders) {
     expectMovesWhole();
 }
 
+TEST_F(MovedTree, AFileGetsNoAccessListFromTheFolderThatItIsMovedTo) {
+    // Version 2; then tag, permissions and id: owner, user 1000, group, mask: all; others none.
+    const auto entry = [](char tag, char rights, const std::string& id) {
+        return std::string{tag, 0, rights, 0} + id;
+    };
+    const std::string noId(4, '\xff');
+    const std::string list = std::string("\x02\0\0\0", 4) + entry(1, 7, noId) +
+                             entry(2, 7, std::string("\xe8\x03\0\0", 4)) + entry(4, 7, noId) +
+                             entry(16, 7, noId) + entry(32, 0, noId);
+    if (!setExtendedAttribute(target.path(), "system.posix_acl_default", list)) {
+        GTEST_SKIP() << "no access lists on this volume";
+    }
+    source.text("item/inner/file", "content");
+    source.text("item/file", "content");
+    setMode(source.path("item/file"), 0640);
+    const std::string text = sourceText();
+    ASSERT_EQ(move(), 0);
+    EXPECT_EQ(targetText(), text);
+}
+
+TEST_F(MovedTree, ATreeOf2000LevelsArrivesWhole) {
+    const auto descend = [](const std::string& home, const char* root, auto at) {
+        Descriptor folder(open(home.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const char* name = root;
+        for (int level = 0; level < 2'000 && folder.isOpen(); ++level) {
+            at(folder.number(), name, level);
+            folder = Descriptor(openat(folder.number(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            name = "deeper";
+        }
+        return folder.isOpen();
+    };
+    ASSERT_TRUE(descend(source.path(), "item", [](int folder, const char* name, int level) {
+        mkdirat(folder, name, 0700);
+        const std::string beside = fmt::format("beside {}", level);
+        if (level > 0) close(openat(folder, beside.c_str(), O_CREAT | O_CLOEXEC | O_WRONLY, 0600));
+    }));
+    rlimit old{};
+    getrlimit(RLIMIT_NOFILE, &old);
+    const rlimit few{.rlim_cur = 128, .rlim_max = old.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    const int reason = move();
+    setrlimit(RLIMIT_NOFILE, &old);
+    EXPECT_EQ(reason, 0);
+    EXPECT_TRUE(isOnlyAtTarget());
+    int found = 0;
+    EXPECT_TRUE(descend(target.path(), "moved", [&](int folder, const char*, int level) {
+        const std::string beside = fmt::format("beside {}", level);
+        if (faccessat(folder, beside.c_str(), F_OK, 0) == 0) ++found;
+    }));
+    EXPECT_EQ(found, 1'999);
+    files.removeAll(*to, "moved");
+}
+
 TEST_F(MovedTree, AnAttributeThatCannotBeKeptKeepsTheFileWhereItIs) {
     class WithoutAttributes final : public FileCalls {
     public:
