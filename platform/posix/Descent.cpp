@@ -7,6 +7,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/posix/names_in_folder.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
@@ -41,7 +42,11 @@ void Descent::enter(const std::string& name, const struct stat& examined) {
 
 void Descent::list() {
     Level& level = levels_.back();
-    level.names = namesIn(calls_, level.folder.number(), path(""), attempt_);
+    Descriptor readable(calls_.open(level.folder.number(), ".", readFlags, 0));
+    if (!readable.isOpen()) fail("", errno);
+    auto names = namesInFolder(std::move(readable));
+    if (!names) fail("", errno);
+    level.names = std::move(*names);
     std::ranges::sort(level.names, std::greater());
 }
 

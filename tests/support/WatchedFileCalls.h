@@ -63,7 +63,7 @@ public:
         return run(true, "sync", "", [&] { return waitsForDisk ? FileCalls::sync(file) : 0; });
     }
     int flush(int file) override {
-        return run(true, "flush", "", [&] { return FileCalls::flush(file); });
+        return run(true, "flush", "", [&] { return waitsForDisk ? FileCalls::flush(file) : 0; });
     }
     int changeMode(int file, mode_t mode) override {
         return run(true, "changeMode", "", [&] { return FileCalls::changeMode(file, mode); });

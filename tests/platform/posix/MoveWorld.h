@@ -40,7 +40,9 @@ int reasonOf(Action action) {
 /// Two homes with an open folder in each, and a mover whose system calls a test can watch.
 struct MoveWorld {
     MoveWorld(const std::string& sourceVolume, const std::string& targetVolume)
-        : source(sourceVolume), target(targetVolume) {}
+        : source(sourceVolume), target(targetVolume) {
+        calls.waitsForDisk = false;
+    }
 
     TempHome source;
     TempHome target;
