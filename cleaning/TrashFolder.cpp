@@ -130,7 +130,11 @@ void TrashFolder::removeEverything() {
         if (name != manifestName) mover_.removeAll(*root, name);
     }
     mover_.removeAll(*root, manifestName);
-    files_.removeAll(path_);
+    try {
+        files_.removeAll(path_);
+    } catch (const FileError&) {
+        // Nothing is left but the folder, which the next save would make again.
+    }
 }
 
 }  // namespace velto

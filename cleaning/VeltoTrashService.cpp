@@ -46,7 +46,7 @@ VeltoTrashService& VeltoTrashService::shared() {
 
 // Deleting for good
 
-void VeltoTrashService::deletePermanently(const std::string& itemID) {
+void VeltoTrashService::deletePermanently(const std::string itemID) {
     const Change change = begin();
     const TrashItem item = itemWith(itemID);
     const auto operation = folder_.openOperation(item.opID);

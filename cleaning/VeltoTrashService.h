@@ -51,15 +51,18 @@ public:
                           const KnownSizes& knownSizes = {},
                           const std::vector<std::string>& extraRoots = {});
 
+    // Ids are taken by value: one that is read off the lists goes on counting when another process
+    // has changed them meanwhile.
+
     /// Moves an item back to where it came from, beside it when that place is taken.
-    void restore(const std::string& itemID);
+    void restore(std::string itemID);
 
     /// Restores the operation's items in order. The first failure ends it and is thrown; what was
     /// restored before stays restored. An id without items does nothing.
-    void undoOperation(const std::string& operationID);
+    void undoOperation(std::string operationID);
 
     /// Deletes an item for good.
-    void deletePermanently(const std::string& itemID);
+    void deletePermanently(std::string itemID);
 
     /// Deletes the whole trash for good.
     void emptyTrash();

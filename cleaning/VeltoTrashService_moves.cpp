@@ -123,14 +123,14 @@ void VeltoTrashService::takeBack(const Operation& operation, const Change& chang
 
 // Moving out
 
-void VeltoTrashService::restore(const std::string& itemID) {
+void VeltoTrashService::restore(const std::string itemID) {
     Change change = beginStrictly();
     const TrashItem item = itemWith(itemID);
     restoreAll({item}, {.kind = Kind::restore, .operation = {}, .itemIDs = {itemID}, .steps = {}},
                change);
 }
 
-void VeltoTrashService::undoOperation(const std::string& operationID) {
+void VeltoTrashService::undoOperation(const std::string operationID) {
     Change change = beginStrictly();
     std::vector<TrashItem> items;
     std::ranges::copy_if(lists_.items, std::back_inserter(items),

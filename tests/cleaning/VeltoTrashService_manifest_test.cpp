@@ -118,6 +118,23 @@ TEST_F(TrashManifestTest, WhatAnotherProcessDoesIsSeenAndNotOverwritten) {
     EXPECT_TRUE(other.service.items().empty());
 }
 
+TEST_F(TrashManifestTest, AnIdReadOffTheListsCountsWhenOthersHaveChangedThemMeanwhile) {
+    service.moveToTrash({file("a")}, "wind");
+    TrashProcess other(layout, clock);
+    const std::string& id = service.operations().front().id;
+    other.service.moveToTrash({file("b")}, "wind");
+    service.undoOperation(id);
+    EXPECT_EQ(home.read("a"), "content");
+    const std::string& itemID = service.items().front().id;
+    other.service.moveToTrash({file("c")}, "wind");
+    service.restore(itemID);
+    EXPECT_EQ(home.read("b"), "content");
+    const std::string& doomed = service.items().front().id;
+    other.service.moveToTrash({file("d")}, "wind");
+    service.deletePermanently(doomed);
+    EXPECT_EQ(service.items().size(), 1u);
+}
+
 TEST_F(TrashManifestTest, ReadingMakesNothing) {
     EXPECT_TRUE(service.items().empty());
     EXPECT_TRUE(service.operations().empty());
