@@ -55,9 +55,10 @@ TEST_F(TrashDeleteTest, WhatResistsStaysListedAndTheErrorIsThrown) {
     const Operation operation = refusing.moveToTrash({file("a"), file("b")}, "wind");
     files.resisting = "-a";
     EXPECT_EQ(failure([&] { refusing.deletePermanently(operation.items[0].id); }), EACCES);
-    EXPECT_EQ(refusing.items(), operation.items);
+    // Others first: what they find must not make them go on with it.
     EXPECT_EQ(readByOthers().items, operation.items);
-    EXPECT_EQ(read(stored(operation.items[0])), "content") << "nobody deletes it later on";
+    EXPECT_EQ(refusing.items(), operation.items);
+    EXPECT_EQ(read(stored(operation.items[0])), "content") << "somebody has deleted it later on";
     refusing.restore(operation.items[0].id);
     EXPECT_EQ(home.read("a"), "content");
 }
