@@ -1,0 +1,156 @@
+#include "monitor/SystemMonitor.h"
+
+#include <utility>
+
+#include "platform/units.h"
+
+namespace velto {
+
+SystemMonitor::SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue)
+    : context_(std::move(context)), queue_(std::move(queue)) {
+    observers.push_back(
+        context_.activity.observe([this](bool active) { setAppActive(active); }));
+}
+
+SystemMonitor::~SystemMonitor() {
+    observers.clear();
+    queue_.reset();  // first, while everything that its work uses is still there
+}
+
+void SystemMonitor::watch(bool on) {
+    queue_->async([this, on] {
+        wantsLive = on;
+        startOrStop();
+    });
+}
+
+void SystemMonitor::setAppActive(bool active) {
+    queue_->async([this, active] {
+        appActive = active;
+        startOrStop();
+    });
+}
+
+void SystemMonitor::startOrStop() {
+    const bool shouldRun = wantsLive && appActive;
+    if (shouldRun == (timer != nullptr)) return;
+    if (!shouldRun) {
+        timer.reset();
+        return;
+    }
+    timer = queue_->repeat(firstDeadline, period, [this] {
+        const sampling::Dictionary taken = sample();
+        if (onSample) onSample(taken);
+    });
+}
+
+sampling::Dictionary SystemMonitor::sample() {
+    const double now = context_.clock.monotonic();
+    const double elapsed = prevStamp ? now - *prevStamp : 0;
+    sampling::Dictionary taken = sampling::Dictionary::object();
+    addProcessor(taken);
+    addMemory(taken);
+    addDisk(taken);
+    taken["thermal"] = sampling::thermalDictionary(context_.counters.thermalState(),
+                                                   context_.counters.isLowPowerModeOn());
+    taken["battery"] = sampling::batteryDictionary(context_.counters.battery());
+    addNetwork(taken, elapsed);
+    refreshProcessMap();
+    taken["procs"] = groups(processMap, prevProcCPU, elapsed);
+    prevStamp = now;
+    return taken;
+}
+
+void SystemMonitor::addProcessor(sampling::Dictionary& sample) {
+    const std::optional<ProcessorTicks> ticks = context_.counters.processorTicks();
+    const auto share =
+        ticks && prevCPUTicks ? sampling::processorShare(*prevCPUTicks, *ticks) : std::nullopt;
+    prevCPUTicks = ticks;
+    if (!share) return;
+    sample["cpu"] = {{"pct", *share},
+                     {"cores", context_.counters.processorCount()},
+                     {"load", context_.counters.loadAverage()}};
+}
+
+void SystemMonitor::addMemory(sampling::Dictionary& sample) {
+    if (const auto memory = context_.counters.memory()) {
+        sample["mem"] = sampling::memoryDictionary(*memory);
+    }
+}
+
+void SystemMonitor::addDisk(sampling::Dictionary& sample) {
+    const auto total = context_.volumes.totalCapacity(context_.startupVolume);
+    const auto available = context_.volumes.availableCapacity(context_.startupVolume);
+    if (!total || !available) return;
+    sample["disk"] = sampling::diskDictionary(gigabytes(*total), gigabytes(*available));
+}
+
+void SystemMonitor::addNetwork(sampling::Dictionary& sample, double elapsed) {
+    const auto interfaces = context_.counters.interfaces();
+    auto sums = interfaces ? std::optional(sampling::sumOf(*interfaces)) : std::nullopt;
+    if (sums && prevNet && elapsed > 0) {
+        sample["net"] = sampling::networkDictionary(*prevNet, *sums, elapsed);
+    }
+    prevNet = std::move(sums);
+}
+
+void SystemMonitor::refreshProcessMap() {
+    const double now = context_.clock.monotonic();
+    if (processMapStamp && now - *processMapStamp < processMapAge) return;
+    processMap = context_.processes.list();
+    processMapStamp = now;
+}
+
+RunningApps SystemMonitor::runningApps() { return context_.processes.runningApps(); }
+
+std::vector<sampling::Dictionary> SystemMonitor::groups(const ProcessMap& processes,
+                                                        const ProcessTimes& previousTimes,
+                                                        double elapsedSeconds) {
+    constexpr double mebibytesPerByte = 9.5367431640625e-7;
+    const RunningApps apps = runningApps();
+    ProcessTimes times;
+    times.reserve(processes.size());
+    Groups gathered;
+    for (const auto& [process, info] : processes) {
+        const std::optional<ProcessUsage> usage = context_.processes.usage(process);
+        if (!usage) continue;
+        times.emplace(process, usage->time);
+        // What the system calls a process that is being taken away.
+        if (info.name.empty() || info.name == "deleted") continue;
+
+        const auto before = previousTimes.find(process);
+        const auto previous =
+            before == previousTimes.end() ? std::nullopt : std::optional(before->second);
+        auto [key, fresh] = groupOf(process, info, ownerOf(process, processes, apps), apps);
+        const auto [found, isNew] = gathered.try_emplace(std::move(key), std::move(fresh));
+        Group& group = found->second;
+        if (!isNew) ++group.procs;
+        group.cpu += processorPercent(usage->time, previous, elapsedSeconds);
+        group.mem += static_cast<double>(usage->footprint) * mebibytesPerByte;
+        if (group.path.empty()) group.path = bundleOf(context_.processes.executablePath(process));
+    }
+    prevProcCPU = std::move(times);
+
+    std::vector<sampling::Dictionary> result;
+    for (const Group* group : heaviest(gathered)) {
+        result.push_back({{"name", group->name},
+                          {"pid", group->pid},
+                          {"kind", group->kind},
+                          {"procs", group->procs},
+                          {"cpu", group->cpu},
+                          {"mem", group->mem},
+                          {"icon", iconFor(group->path)}});
+    }
+    return result;
+}
+
+const std::string& SystemMonitor::iconFor(const std::string& path) {
+    static const std::string none;
+    if (path.empty()) return none;
+    const auto known = iconCache.find(path);
+    if (known != iconCache.end()) return known->second;
+    std::optional<std::string> icon = context_.icon ? context_.icon(path, iconPoints) : std::nullopt;
+    return iconCache.emplace(path, std::move(icon).value_or(std::string())).first->second;
+}
+
+}  // namespace velto

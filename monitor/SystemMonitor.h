@@ -1,0 +1,111 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "monitor/process_groups.h"
+#include "monitor/sampling.h"
+#include "platform/ApplicationActivity.h"
+#include "platform/Clock.h"
+#include "platform/ProcessTable.h"
+#include "platform/SerialQueue.h"
+#include "platform/SystemCounters.h"
+#include "platform/VolumeInfo.h"
+
+namespace velto {
+
+/// A picture of the item at a path as a PNG data URL, at a size in points; nothing when there is
+/// none. Called on the monitor's queue.
+using IconRoutine = std::function<std::optional<std::string>(const std::string& path, int points)>;
+
+/// What a monitor looks at. Everything outlives it.
+struct MonitorContext {
+    SystemCounters& counters;
+    ProcessTable& processes;
+    const VolumeInfo& volumes;
+    const Clock& clock;
+    ApplicationActivity& activity;
+    std::string startupVolume;  // a path on it
+    IconRoutine icon;
+};
+
+/// A live picture of the machine: one sample every two seconds while the page wants it and the
+/// application is active.
+///
+/// Made, watched and destroyed on the main thread. Everything else happens on its own serial queue,
+/// to which all fields from `timer` on belong; they are readable there, and by tests that run the
+/// queue themselves.
+class SystemMonitor {
+public:
+    static constexpr const char* queueLabel = "dev.velto.system-monitor";
+    static constexpr double firstDeadline = 0.35;  // seconds
+    static constexpr double period = 2.0;
+    static constexpr double processMapAge = 10.0;  // after which it is made anew
+    static constexpr int iconPoints = 28;
+
+    /// `queue` is the monitor's own, made under `queueLabel`.
+    SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue);
+
+    /// Waits for a sample that is being taken. The callback may run until then.
+    ~SystemMonitor();
+    SystemMonitor(const SystemMonitor&) = delete;
+    SystemMonitor& operator=(const SystemMonitor&) = delete;
+
+    /// Receives each sample, on the queue. Set once, before the first `watch`.
+    std::function<void(const sampling::Dictionary&)> onSample;
+
+    /// The page wants live samples, or no longer. Safe from every thread.
+    void watch(bool on);
+
+    /// One sample now. On the queue.
+    sampling::Dictionary sample();
+
+    /// The heaviest groups of the processes in the map, and their times for the next call.
+    /// `elapsedSeconds` is 0 when there is nothing to compare with. On the queue.
+    std::vector<sampling::Dictionary> groups(const ProcessMap& processes,
+                                             const ProcessTimes& previousTimes,
+                                             double elapsedSeconds);
+
+    /// Makes `processMap` anew when it is at least ten seconds old. On the queue.
+    void refreshProcessMap();
+
+    /// Read afresh on every call. On the queue.
+    std::map<std::int32_t, RunningApp> runningApps();
+
+    /// The icon of the bundle at a path, empty when there is none or no path. On the queue.
+    const std::string& iconFor(const std::string& path);
+
+private:
+    MonitorContext context_;
+    std::unique_ptr<SerialQueue> queue_;
+
+public:
+    // State, changed by the monitor alone.
+    std::unique_ptr<SerialQueue::Timer> timer;
+    bool wantsLive = false;
+    bool appActive = false;
+    std::vector<ApplicationActivity::Token> observers;  // main thread
+    std::optional<ProcessorTicks> prevCPUTicks;
+    std::optional<sampling::NetworkSums> prevNet;
+    ProcessTimes prevProcCPU;
+    std::optional<double> prevStamp;  // seconds of the monotonic clock
+    ProcessMap processMap;
+    std::optional<double> processMapStamp;
+    std::unordered_map<std::string, std::string> iconCache;  // never emptied: one entry a bundle
+
+private:
+    void setAppActive(bool active);
+    void startOrStop();
+    void addProcessor(sampling::Dictionary& sample);
+    void addMemory(sampling::Dictionary& sample);
+    void addDisk(sampling::Dictionary& sample);
+    void addNetwork(sampling::Dictionary& sample, double elapsed);
+};
+
+}  // namespace velto

@@ -1,0 +1,73 @@
+#include "monitor/process_groups.h"
+
+#include <algorithm>
+
+namespace velto {
+namespace {
+
+constexpr int ancestorsLookedAt = 8;
+constexpr std::size_t groupsPerList = 8;
+constexpr double nanosecondsPerSecond = 1e9;
+
+using Measure = double Group::*;
+
+std::vector<const Group*> largest(std::vector<const Group*> all, Measure measure) {
+    // Stable: what weighs the same stays in the order of the keys, so that rows do not trade places.
+    std::stable_sort(all.begin(), all.end(), [measure](const Group* one, const Group* other) {
+        return one->*measure > other->*measure;
+    });
+    if (all.size() > groupsPerList) all.resize(groupsPerList);
+    return all;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> ownerOf(std::int32_t process, const ProcessMap& processes,
+                                    const RunningApps& apps) {
+    std::int32_t current = process;
+    for (int step = 0; step < ancestorsLookedAt; ++step) {
+        const auto found = processes.find(current);
+        if (found == processes.end() || found->second.ppid < 2) break;
+        current = found->second.ppid;
+        if (apps.contains(current)) return current;
+    }
+    return apps.contains(process) ? std::optional(process) : std::nullopt;
+}
+
+double processorPercent(std::uint64_t time, std::optional<std::uint64_t> previous, double elapsed) {
+    if (!previous || !(elapsed > 0) || time < *previous) return 0;
+    return static_cast<double>(time - *previous) / nanosecondsPerSecond / elapsed * 100;
+}
+
+std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info,
+                                      std::optional<std::int32_t> owner, const RunningApps& apps) {
+    if (!owner) {
+        return {"pid:" + std::to_string(process),
+                {.name = info.name, .procs = 1, .kind = "other", .pid = process}};
+    }
+    const RunningApp& app = apps.at(*owner);
+    std::string key = app.bundle.empty() ? "app:" + std::to_string(*owner)
+                                         : "svc:" + app.bundle + "#" + app.name;
+    return {std::move(key),
+            {.name = app.name, .procs = 1, .kind = "app", .pid = *owner, .path = app.path}};
+}
+
+std::string bundleOf(const std::string& executable) {
+    const std::size_t end = executable.find(".app/");
+    return end == std::string::npos ? std::string() : executable.substr(0, end) + ".app";
+}
+
+std::vector<const Group*> heaviest(const Groups& groups) {
+    std::vector<const Group*> all;
+    all.reserve(groups.size());
+    for (const auto& [key, group] : groups) all.push_back(&group);
+    std::vector<const Group*> chosen = largest(all, &Group::cpu);
+    for (const Group* group : largest(std::move(all), &Group::mem)) {
+        if (std::find(chosen.begin(), chosen.end(), group) == chosen.end()) {
+            chosen.push_back(group);
+        }
+    }
+    return chosen;
+}
+
+}  // namespace velto

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/ProcessTable.h"
+
+namespace velto {
+
+using ProcessMap = std::map<std::int32_t, ProcInfo>;
+using RunningApps = std::map<std::int32_t, RunningApp>;
+
+/// Cumulative processor time in nanoseconds by process.
+using ProcessTimes = std::unordered_map<std::int32_t, std::uint64_t>;
+
+/// Processes that belong together.
+struct Group {
+    std::string name;
+    int procs = 0;
+    double cpu = 0;    // percent of one processor
+    double mem = 0;    // mebibytes
+    std::string kind;  // "app" or "other"
+    std::int32_t pid = 0;
+    std::string path;  // of the bundle whose icon stands for it; may be empty
+};
+using Groups = std::map<std::string, Group>;
+
+/// The process of the application to which a process belongs: the nearest of its eight nearest
+/// ancestors that is an application, else the process itself; nothing when neither is one.
+std::optional<std::int32_t> ownerOf(std::int32_t process, const ProcessMap& processes,
+                                    const RunningApps& apps);
+
+/// The percentage of one processor that a process has used in `elapsed` seconds; 0 when nothing is
+/// known of it from before. Times in nanoseconds.
+double processorPercent(std::uint64_t time, std::optional<std::uint64_t> previous, double elapsed);
+
+/// A group's key and a group with this one process in it, without `cpu` and `mem`.
+std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info,
+                                      std::optional<std::int32_t> owner, const RunningApps& apps);
+
+/// The outermost bundle that holds an executable; empty when none does.
+std::string bundleOf(const std::string& executable);
+
+/// The eight that use most processor time, then those of the eight largest in memory that are not
+/// among them, each by size. Valid as long as `groups` is.
+std::vector<const Group*> heaviest(const Groups& groups);
+
+}  // namespace velto
