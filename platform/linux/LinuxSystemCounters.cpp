@@ -1,0 +1,95 @@
+#include "platform/linux/LinuxSystemCounters.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "platform/linux/kernel_file.h"
+#include "platform/linux/memory_counters.h"
+#include "platform/linux/power_supply.h"
+
+namespace velto {
+namespace {
+
+std::uint32_t wrapped(std::uint64_t ticks) { return static_cast<std::uint32_t>(ticks); }
+
+/// The lines "cpu0", "cpu1" ...: the processors that are switched on.
+int processorsIn(std::string_view stat) {
+    int count = 0;
+    while (!stat.empty()) {
+        const std::string_view line = nextLine(stat);
+        if (line.starts_with("cpu") && !line.starts_with("cpu ")) ++count;
+    }
+    return std::max(count, 1);
+}
+
+/// The memory that compressed swap takes: the third number of each mm_stat
+/// (Documentation/admin-guide/blockdev/zram.rst of the kernel).
+std::int64_t zramIn(const std::string& sys) {
+    std::int64_t bytes = 0;
+    for (const std::string& name : kernelNames(sys + "/block")) {
+        if (!name.starts_with("zram")) continue;
+        const auto text = kernelLine(sys + "/block/" + name + "/mm_stat");
+        if (!text) continue;
+        std::string_view rest = *text;
+        nextWord(rest);
+        nextWord(rest);
+        bytes += static_cast<std::int64_t>(unsignedNumber(nextWord(rest)));
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::optional<ProcessorTicks> LinuxSystemCounters::processorTicks() {
+    const auto text = kernelText(proc_ + "/stat");
+    if (!text) return std::nullopt;
+    std::string_view rest = *text;
+    std::string_view line = nextLine(rest);
+    if (nextWord(line) != "cpu") return std::nullopt;
+    const auto next = [&line] { return unsignedNumber(nextWord(line)); };
+    // proc_stat(5). Guests are part of user and nice already. What the host took away was not
+    // there to be used: it counts as busy.
+    const std::uint64_t user = next(), nice = next(), system = next(), idle = next(),
+                        waiting = next(), interrupts = next(), softInterrupts = next(),
+                        stolen = next();
+    idle_ = std::max(idle_, idle);
+    waiting_ = std::max(waiting_, waiting);
+    processors_ = processorsIn(rest);
+    return ProcessorTicks{.user = wrapped(user),
+                          .system = wrapped(system + interrupts + softInterrupts + stolen),
+                          .idle = wrapped(idle_ + waiting_),
+                          .nice = wrapped(nice)};
+}
+
+int LinuxSystemCounters::processorCount() { return processors_; }
+
+double LinuxSystemCounters::loadAverage() {
+    const auto line = kernelLine(proc_ + "/loadavg");
+    double load = 0;
+    if (line) std::from_chars(line->data(), line->data() + line->size(), load);  // else 0
+    return load;
+}
+
+std::optional<MemoryCounters> LinuxSystemCounters::memory() {
+    const auto text = kernelText(proc_ + "/meminfo");
+    auto memory = text ? memoryFrom(*text, zramIn(sys_)) : std::nullopt;
+    if (!memory) return std::nullopt;
+    if (const auto pressure = kernelText(proc_ + "/pressure/memory")) {
+        memory->pressure = pressureFrom(*pressure);
+    }
+    return memory;
+}
+
+ThermalState LinuxSystemCounters::thermalState() { return thermalStateIn(sys_); }
+
+bool LinuxSystemCounters::isLowPowerModeOn() { return isPowerSaved(sys_); }
+
+std::optional<BatteryCounters> LinuxSystemCounters::battery() { return batteryIn(sys_); }
+
+std::optional<std::vector<InterfaceCounters>> LinuxSystemCounters::interfaces() {
+    const auto text = kernelText(proc_ + "/net/dev");
+    if (!text) return std::nullopt;
+    return choice_.of(interfacesIn(*text));
+}
+
+}  // namespace velto

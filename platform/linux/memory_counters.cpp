@@ -1,0 +1,94 @@
+#include "platform/linux/memory_counters.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_map>
+
+#include "platform/linux/kernel_file.h"
+
+namespace velto {
+namespace {
+
+constexpr std::int64_t bytesPerKilobyte = 1024;  // proc_meminfo(5) says kB and means KiB
+
+// Percent of the last ten seconds. Above the first, some work waited for memory: the machine is
+// slower than it could be. Above the second nothing at all went on meanwhile.
+constexpr double worryingStall = 10;
+constexpr double criticalStall = 10;
+
+class Fields {
+public:
+    explicit Fields(std::string_view meminfo) {
+        while (!meminfo.empty()) {
+            std::string_view line = nextLine(meminfo);
+            std::string_view name = nextWord(line);
+            if (!name.ends_with(':')) continue;
+            name.remove_suffix(1);
+            bytes_[name] = static_cast<std::int64_t>(unsignedNumber(nextWord(line))) *
+                           bytesPerKilobyte;
+        }
+    }
+
+    bool has(std::string_view name) const { return bytes_.contains(name); }
+    std::int64_t operator[](std::string_view name) const {
+        const auto found = bytes_.find(name);
+        return found == bytes_.end() ? 0 : found->second;
+    }
+
+private:
+    std::unordered_map<std::string_view, std::int64_t> bytes_;
+};
+
+/// What can be had without swapping. Kernels before 3.14 do not say; then it is what is free and
+/// what belongs to files.
+std::int64_t availableIn(const Fields& fields) {
+    if (fields.has("MemAvailable")) return fields["MemAvailable"];
+    return fields["MemFree"] + fields["Buffers"] + fields["Cached"] + fields["SReclaimable"] -
+           fields["Shmem"];
+}
+
+/// The ten-second average of the line that begins with `kind`.
+std::optional<double> stall(std::string_view pressure, std::string_view kind) {
+    constexpr std::string_view label = "avg10=";
+    while (!pressure.empty()) {
+        std::string_view line = nextLine(pressure);
+        if (nextWord(line) != kind) continue;
+        std::string_view value = nextWord(line);
+        if (!value.starts_with(label)) return std::nullopt;
+        value.remove_prefix(label.size());
+        double percent = 0;
+        const auto [end, error] =
+            std::from_chars(value.data(), value.data() + value.size(), percent);
+        return error == std::errc() ? std::optional(percent) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<MemoryCounters> memoryFrom(std::string_view meminfo, std::int64_t zram) {
+    const Fields fields(meminfo);
+    const std::int64_t total = fields["MemTotal"];
+    if (total <= 0) return std::nullopt;
+    const std::int64_t free = std::clamp<std::int64_t>(fields["MemFree"], 0, total);
+    const std::int64_t used = total - std::clamp<std::int64_t>(availableIn(fields), 0, total);
+
+    MemoryCounters memory{.physical = total};
+    memory.compressed = std::clamp<std::int64_t>(fields["Zswap"] + zram, 0, used);
+    memory.internal = std::clamp<std::int64_t>(fields["AnonPages"] + fields["Shmem"], 0,
+                                               used - memory.compressed);
+    memory.wired = used - memory.compressed - memory.internal;
+    memory.cached = std::max<std::int64_t>(total - used - free, 0);
+    memory.swapTotal = fields["SwapTotal"];
+    memory.swapUsed = std::max<std::int64_t>(memory.swapTotal - fields["SwapFree"], 0);
+    return memory;
+}
+
+std::optional<MemoryPressure> pressureFrom(std::string_view pressure) {
+    const auto some = stall(pressure, "some");
+    if (!some) return std::nullopt;
+    if (stall(pressure, "full").value_or(0) >= criticalStall) return MemoryPressure::critical;
+    return *some >= worryingStall ? MemoryPressure::warning : MemoryPressure::normal;
+}
+
+}  // namespace velto
