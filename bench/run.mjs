@@ -1,5 +1,6 @@
-// The walk, the discovery of what can be cleaned, the duplicate finder and the trash against the
-// bare floor and against other tools. Usage and how to read the result: bench/README.md.
+// The walk, the discovery of what can be cleaned, the duplicate finder, the trash and the system
+// monitor against the bare floor and against other tools. Usage and how to read the result:
+// bench/README.md.
 import {
   existsSync, lstatSync, mkdirSync, readdirSync, rmSync, statfsSync, writeFileSync,
 } from 'node:fs';
@@ -10,7 +11,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash'];
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'monitor'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -183,6 +184,20 @@ function trash() {
     `${milliseconds(parse)}, ratio ${(load / parse).toFixed(2)} (target: at most 1 s)`);
 }
 
+/** The mean over the samples has the first one in it and each that makes the process map anew. */
+function monitor() {
+  console.log('\nSystem monitor: processor time of a sample beside 2,000 sleeping processes, and of one ps');
+  const [kept, reopened, first, ps] = output([program('bench_monitor'), 'cost', '2000', String(runs)])
+    .trim().split(' ').map(Number);
+  console.log(`a sample ${kept.toFixed(1)} ms (the first ${first.toFixed(1)} ms; with files opened anew ` +
+    `each time ${reopened.toFixed(1)} ms), ps ${ps.toFixed(1)} ms`);
+  console.log(`against ps: ${(kept / ps).toFixed(2)} (target: at most 0.50)`);
+
+  const [early, late] = output([program('bench_monitor'), 'memory', '10000']).trim().split(' ').map(Number);
+  console.log(`heap in use after 1,000 samples ${early} bytes, after 10,000 ${late} bytes: ` +
+    `growth ${late - early} (target: none)`);
+}
+
 if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
@@ -193,7 +208,7 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates, trash]) {
+  for (const part of [walk, memory, cleanables, duplicates, trash, monitor]) {
     if (only === '' || only === part.name) part();
   }
 }

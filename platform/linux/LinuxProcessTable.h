@@ -1,0 +1,74 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "platform/ProcessTable.h"
+#include "platform/linux/ApplicationIndex.h"
+#include "platform/linux/process_files.h"
+#include "platform/posix/Descriptor.h"
+
+namespace velto {
+
+/// Processes from procfs, wherever it is mounted.
+///
+/// The `stat` file of a process is read at every sample and kept open between them, which halves
+/// the cost (see docs/monitor.md), for as many processes as leave the program most of its
+/// descriptors. Memory is read again only when something about it has changed.
+///
+/// A process is an application's when a desktop entry or a bundle (`.app` in its path) says so. The
+/// first process of an application counts as started by nobody, as on a Mac, so that it does not
+/// become part of the file manager or the terminal that started it.
+class LinuxProcessTable final : public ProcessTable {
+public:
+    struct Sources {
+        std::string proc = "/proc";
+        std::int32_t ownProcess = 0;  // left out
+
+        /// The installed applications as they are now; the same object as long as nothing
+        /// changes. May be empty, or give null: then there are only bundles.
+        std::function<std::shared_ptr<const ApplicationIndex>()> applications;
+
+        /// Name and identifier of the bundle at a path, where its file name is not all that is
+        /// known. May be empty.
+        std::function<std::optional<RunningApp>(const std::string& path)> bundle;
+    };
+
+    explicit LinuxProcessTable(Sources sources);
+    ~LinuxProcessTable() override;
+
+    std::map<std::int32_t, ProcInfo> list() override;
+    std::optional<ProcessUsage> usage(std::int32_t process) override;
+    std::string executablePath(std::int32_t process) override;
+    std::map<std::int32_t, RunningApp> runningApps() override;
+
+    /// How many files are kept open; for tests.
+    std::size_t openFiles() const { return openFiles_; }
+
+private:
+    struct Process;
+    using Processes = std::unordered_map<std::int32_t, Process>;
+
+    std::string fileOf(std::int32_t number, const char* name) const;
+    std::optional<ProcessStatus> readStatus(std::int32_t number, Process& process);
+    bool update(std::int32_t number, Process& process);
+    void identify(std::int32_t number, Process& process);
+    const RunningApp* bundleApp(const std::string& executable);
+    void forget(Processes::iterator place);
+    std::int32_t parentOf(const Process& process) const;
+
+    Sources sources_;
+    std::size_t mostOpenFiles_;
+    std::size_t openFiles_ = 0;
+    double nanosecondsPerTick_;
+    std::shared_ptr<const ApplicationIndex> index_;
+    std::unordered_map<std::string, std::unique_ptr<const RunningApp>> bundles_;
+    Processes processes_;
+    std::string buffer_;
+};
+
+}  // namespace velto

@@ -1,0 +1,232 @@
+#include "platform/linux/LinuxProcessTable.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "support/TempHome.h"
+
+namespace velto {
+namespace {
+
+/// A recorded tree of processes, as below /proc.
+struct ProcessTableTest : testing::Test {
+    TempHome proc;
+    std::shared_ptr<const ApplicationIndex> index;
+    std::unique_ptr<LinuxProcessTable> table = std::make_unique<LinuxProcessTable>(
+        LinuxProcessTable::Sources{.proc = proc.path(),
+                                   .ownProcess = 77,
+                                   .applications = [this] { return index; },
+                                   .bundle = {}});
+
+    struct Recorded {
+        int pid;
+        int parent = 1;
+        std::string command = "worker";
+        std::string executable = "/usr/bin/worker";
+        std::uint64_t ticks = 0;
+        std::uint64_t faults = 10;
+        std::uint64_t kilobytes = 4096;  // of its own
+        std::uint64_t start = 1000;
+        char state = 'S';
+        std::string group = "0::/init.scope\n";
+    };
+
+    void record(const Recorded& one) {
+        const std::string folder = std::to_string(one.pid);
+        proc.text(folder + "/stat",
+                  fmt::format("{} ({}) {} {} 1 1 0 -1 4194560 {} 0 2 0 {} 5 0 0 20 0 1 0 {} "
+                              "1000000 {} 18446744073709551615 1 1 0 0 0 0 0\n",
+                              one.pid, one.command, one.state, one.parent, one.faults, one.ticks,
+                              one.start, one.kilobytes / 4 + 100));
+        proc.text(folder + "/status",
+                  fmt::format("Name:\t{}\nVmRSS:\t {} kB\nRssAnon:\t {} kB\nRssFile:\t 400 kB\n"
+                              "VmSwap:\t 1024 kB\n",
+                              one.command, one.kilobytes + 400, one.kilobytes));
+        proc.text(folder + "/cgroup", one.group);
+        if (!one.executable.empty() && !proc.exists(folder + "/exe")) {
+            proc.link(folder + "/exe", one.executable);
+        }
+    }
+    void end(int pid) {
+        proc.text(fmt::format("{}/stat", pid), "");
+        ::unlink(proc.path(fmt::format("{}/stat", pid)).c_str());
+    }
+};
+
+TEST_F(ProcessTableTest, AProcessHasItsParentNameTimeAndMemory) {
+    record({.pid = 100, .parent = 42, .ticks = 250});
+    const auto infos = table->list();
+    ASSERT_EQ(infos.size(), 1u);
+    EXPECT_EQ(infos.at(100).ppid, 42);
+    EXPECT_EQ(infos.at(100).name, "worker");
+    const auto usage = table->usage(100);
+    ASSERT_TRUE(usage);
+    const auto tick = 1e9 / static_cast<double>(sysconf(_SC_CLK_TCK));
+    EXPECT_EQ(usage->time, static_cast<std::uint64_t>(255 * tick));  // user and system
+    EXPECT_EQ(usage->footprint, (4096u + 1024u) * 1024);             // its own and swapped out
+    EXPECT_EQ(table->executablePath(100), "/usr/bin/worker");
+}
+
+TEST_F(ProcessTableTest, AThreadOfTheKernelHasNoMemoryAndNoProgram) {
+    record({.pid = 2, .parent = 0, .command = "kthreadd", .executable = ""});
+    proc.text("2/status", "Name:\tkthreadd\n");
+    EXPECT_EQ(table->list().at(2).ppid, 0);
+    EXPECT_EQ(table->usage(2)->footprint, 0u);
+    EXPECT_EQ(table->executablePath(2), "");
+}
+
+TEST_F(ProcessTableTest, ANameWithParenthesesAndBlanksIsReadWhole) {
+    record({.pid = 100, .parent = 42, .command = "a) S (b 9"});
+    EXPECT_EQ(table->list().at(100).name, "a) S (b 9");
+    EXPECT_EQ(table->list().at(100).ppid, 42);
+}
+
+TEST_F(ProcessTableTest, ANameThatTheKernelCutOffIsCompleted) {
+    record({.pid = 100, .command = "gnome-text-edit", .executable = "/usr/bin/gnome-text-editor"});
+    record({.pid = 101, .command = "Isolated Web Co", .executable = "/usr/lib/firefox/firefox"});
+    EXPECT_EQ(table->list().at(100).name, "gnome-text-editor");
+    EXPECT_EQ(table->list().at(101).name, "Isolated Web Co");
+}
+
+TEST_F(ProcessTableTest, ThisProgramAndWhatIsNoProcessAreLeftOut) {
+    record({.pid = 77});
+    record({.pid = 78});
+    proc.folder("self");
+    proc.folder("12x");
+    proc.folder("99");  // has ended since the folder was listed
+    EXPECT_EQ(table->list().size(), 1u);
+    EXPECT_TRUE(table->list().contains(78));
+}
+
+TEST_F(ProcessTableTest, AProcessThatEndsIsGoneAndItsFileIsClosed) {
+    record({.pid = 100});
+    record({.pid = 101});
+    table->list();
+    EXPECT_EQ(table->openFiles(), 2u);
+    end(100);
+    EXPECT_FALSE(table->usage(100));
+    EXPECT_FALSE(table->usage(100));
+    EXPECT_TRUE(table->usage(101));
+    EXPECT_EQ(table->openFiles(), 1u);
+    end(101);
+    EXPECT_TRUE(table->list().empty());
+    EXPECT_EQ(table->openFiles(), 0u);
+    EXPECT_EQ(table->executablePath(100), "");
+}
+
+TEST_F(ProcessTableTest, WhatHasEndedAndWaitsForItsParentIsLeftOut) {
+    record({.pid = 100, .state = 'Z'});
+    EXPECT_TRUE(table->list().empty());
+    record({.pid = 100});
+    EXPECT_EQ(table->list().size(), 1u);
+    record({.pid = 100, .state = 'Z'});
+    EXPECT_FALSE(table->usage(100));
+}
+
+TEST_F(ProcessTableTest, AnotherProcessUnderTheSameNumberIsNotTakenForTheOldOne) {
+    record({.pid = 100, .ticks = 500});
+    table->list();
+    record({.pid = 100, .command = "other", .ticks = 3, .start = 9999});
+    EXPECT_FALSE(table->usage(100));
+    EXPECT_EQ(table->list().at(100).name, "other");
+    EXPECT_TRUE(table->usage(100));
+}
+
+TEST_F(ProcessTableTest, MemoryFollowsWhenItGrowsShrinksOrIsSwappedOut) {
+    record({.pid = 100});
+    table->list();
+    const auto before = table->usage(100)->footprint;
+    record({.pid = 100, .faults = 5000, .kilobytes = 4096});
+    proc.text("100/status", "RssAnon:\t 9000 kB\nVmSwap:\t 0 kB\n");
+    EXPECT_EQ(table->usage(100)->footprint, 9000u * 1024);
+    record({.pid = 100, .faults = 5000, .kilobytes = 1024});
+    EXPECT_EQ(table->usage(100)->footprint, (1024u + 1024u) * 1024);
+    EXPECT_NE(table->usage(100)->footprint, before);
+}
+
+TEST_F(ProcessTableTest, AnOldKernelGivesTheSumInsteadOfTheParts) {
+    EXPECT_EQ(footprintIn("VmRSS:\t 500 kB\nVmSwap:\t 100 kB\n"), 600u * 1024);
+}
+
+TEST_F(ProcessTableTest, AProcessThatTurnsIntoAnotherProgramIsRecognised) {
+    record({.pid = 100, .command = "bash", .executable = "/usr/bin/bash"});
+    table->list();
+    ::unlink(proc.path("100/exe").c_str());
+    record({.pid = 100, .command = "make", .executable = "/usr/bin/make"});
+    table->usage(100);
+    EXPECT_EQ(table->executablePath(100), "/usr/bin/make");
+}
+
+ListedApplication firefox() {
+    return {"firefox", "Firefox", "/usr/share/applications/firefox.desktop",
+            "/usr/lib/firefox/firefox", false};
+}
+
+TEST_F(ProcessTableTest, ABrowserOfThirtyProcessesIsOneApplicationAndNotItsStartersPart) {
+    index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
+        firefox(), {"files", "Files", "/f", "/usr/bin/files", false}});
+    record({.pid = 50, .command = "files", .executable = "/usr/bin/files"});
+    record({.pid = 100, .parent = 50, .command = "firefox", .executable = "/usr/lib/firefox/firefox"});
+    for (int helper = 101; helper < 130; ++helper) {
+        record({.pid = helper, .parent = 100, .command = "Web Content",
+                .executable = helper % 2 == 0 ? "/usr/lib/firefox/firefox" : ""});
+    }
+    const auto infos = table->list();
+    const auto apps = table->runningApps();
+    EXPECT_EQ(infos.at(100).ppid, 1);
+    EXPECT_EQ(infos.at(102).ppid, 100);
+    EXPECT_EQ(infos.at(101).ppid, 100);  // cannot be looked into, but its parent can
+    EXPECT_FALSE(apps.contains(101));
+    EXPECT_EQ(apps.at(102).name, "Firefox");
+    EXPECT_EQ(apps.at(102).bundle, "firefox");
+    EXPECT_EQ(apps.at(50).name, "Files");
+}
+
+TEST_F(ProcessTableTest, AnApplicationThatIsInstalledLaterIsRecognised) {
+    record({.pid = 100, .command = "firefox", .executable = "/usr/lib/firefox/firefox (deleted)"});
+    table->list();
+    EXPECT_TRUE(table->runningApps().empty());
+    index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{firefox()});
+    table->list();
+    EXPECT_EQ(table->runningApps().at(100).name, "Firefox");
+    index = nullptr;
+    table->list();
+    EXPECT_TRUE(table->runningApps().empty());
+}
+
+TEST_F(ProcessTableTest, InAMacsHomeABundleIsAnApplicationWithAllThatRunsInIt) {
+    record({.pid = 100, .executable = "/Users/me/Applications/Player.app/Contents/MacOS/Player"});
+    record({.pid = 101,
+            .parent = 100,
+            .executable = "/Users/me/Applications/Player.app/Contents/Helper.app/Helper"});
+    const auto infos = table->list();
+    const auto apps = table->runningApps();
+    EXPECT_EQ(apps.at(100).name, "Player");
+    EXPECT_EQ(apps.at(101).path, "/Users/me/Applications/Player.app");
+    EXPECT_EQ(apps.at(101).bundle, apps.at(100).bundle);
+    EXPECT_EQ(infos.at(101).ppid, 100);
+}
+
+TEST_F(ProcessTableTest, ABundlesOwnNameAndIdentifierCount) {
+    table = std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
+        .proc = proc.path(),
+        .bundle = [](const std::string&) {
+            return RunningApp{.name = "Great Player", .bundle = "com.example.player"};
+        }});
+    record({.pid = 100, .executable = "/A/Player.app/Contents/MacOS/Player"});
+    table->list();
+    EXPECT_EQ(table->runningApps().at(100).name, "Great Player");
+    EXPECT_EQ(table->runningApps().at(100).path, "/A/Player.app");
+}
+
+TEST(ProcessStatusIn, DamagedTextIsNothing) {
+    EXPECT_FALSE(processStatusIn(""));
+    EXPECT_FALSE(processStatusIn("100 (x"));
+    EXPECT_FALSE(processStatusIn("100 )x("));
+    EXPECT_FALSE(processStatusIn("100 (x)"));
+    EXPECT_FALSE(processStatusIn("100 (x) S 1 2 3"));
+}
+
+}  // namespace
+}  // namespace velto
