@@ -1,7 +1,5 @@
 #include "NotificationService.h"
 
-#include <atomic>
-
 namespace velto {
 namespace {
 
@@ -31,7 +29,6 @@ NotificationService::NotificationService(const char* busAddress, Handlers handle
       loop_(g_main_loop_new(context_, FALSE)) {
     thread_ = std::thread([this, busAddress] { serve(busAddress); });
     // The loop runs only once the service has its name.
-    std::atomic<bool> isReady = false;
     GSource* const source = g_idle_source_new();
     g_source_set_callback(
         source,
@@ -41,10 +38,10 @@ NotificationService::NotificationService(const char* busAddress, Handlers handle
             ready.notify_one();
             return G_SOURCE_REMOVE;
         },
-        &isReady, nullptr);
+        &isReady_, nullptr);
     g_source_attach(source, context_);
     g_source_unref(source);
-    isReady.wait(false);
+    isReady_.wait(false);
 }
 
 NotificationService::~NotificationService() {

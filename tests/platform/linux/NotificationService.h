@@ -2,6 +2,7 @@
 
 #include <gio/gio.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -35,6 +36,7 @@ private:
     GMainContext* context_;
     GMainLoop* loop_;
     std::uint32_t number_ = 41;
+    std::atomic<bool> isReady_ = false;
     std::thread thread_;
 };
 
