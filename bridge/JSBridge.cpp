@@ -30,6 +30,7 @@ JSBridge::JSBridge(const BridgeContext& context)
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
       cleanups_(context.cleanups) {
+    system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {
         const double age = (platform_.clock->now() - entry->ts) / 60;
@@ -60,6 +61,7 @@ void JSBridge::attach(const std::shared_ptr<WebView>& view) {
             if (const auto bridge = weak.lock()) bridge->receive(name, body);
         });
     refreshTrash();
+    sendSamples();
     if (!bootState) return;
     if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
         view->addUserScript(*script);

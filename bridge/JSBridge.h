@@ -18,6 +18,7 @@
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
 #include "maintenance/MaintenanceScheduler.h"
+#include "monitor/SystemMonitor.h"
 #include "platform/ApplicationShell.h"
 #include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
@@ -91,6 +92,8 @@ public:
     bool needsFirstScan = false;
     bool maintenanceMeasuring = false;           // what the rules would move is being measured
 
+    std::unique_ptr<SystemMonitor> system;       // live sampling
+
 private:
     friend struct IntentTable;
 
@@ -120,6 +123,12 @@ private:
     void onClearHistory(const Payload& payload);
     void onScanCleanables(const Payload& payload);
     void onMoveCloud(const Payload& payload);
+
+    void onSystemWatch(const Payload& payload);
+
+    // The system monitor (system_intents.cpp).
+    std::unique_ptr<SystemMonitor> makeSystemMonitor();
+    void sendSamples();
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script);

@@ -58,6 +58,11 @@ std::string exclusions(const std::vector<std::string>& paths) {
     return call("onExclusions", literal(paths));
 }
 
+std::string system(const nlohmann::ordered_json& sample) {
+    // Names of processes are whatever bytes they are.
+    return call("onSystem", sample.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+}
+
 std::string maintenance(const nlohmann::json& status) {
     return call("onMaintenance", literal(status));
 }

@@ -49,6 +49,9 @@ std::string cleanables(const std::vector<Candidate>& candidates);
 std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,
                       std::string_view direction);
 
+/// One sample of the machine.
+std::string system(const nlohmann::ordered_json& sample);
+
 /// Shows a view of the page. The name goes in as it is.
 std::string goView(std::string_view name);
 

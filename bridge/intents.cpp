@@ -21,7 +21,7 @@ struct IntentTable {
         {"settings", &JSBridge::onSettings},
         {"setTheme", &JSBridge::onSetTheme},
         {"scan", &JSBridge::onScan},
-        {"systemWatch", nullptr},
+        {"systemWatch", &JSBridge::onSystemWatch},
         {"appsList", nullptr},
         {"appAnalysis", nullptr},
         {"uninstall", nullptr},

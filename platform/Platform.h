@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
+#include "platform/ApplicationActivity.h"
 #include "platform/Clock.h"
 #include "platform/DirectoryReader.h"
 #include "platform/Dispatcher.h"
@@ -14,8 +16,11 @@
 #include "platform/Locale.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
+#include "platform/ProcessTable.h"
 #include "platform/RunningApplications.h"
+#include "platform/SerialQueue.h"
 #include "platform/Sleeper.h"
+#include "platform/SystemCounters.h"
 #include "platform/ToolRunner.h"
 #include "platform/UserDefaults.h"
 #include "platform/VolumeInfo.h"
@@ -42,6 +47,10 @@ struct Platform {
     std::unique_ptr<Notifications> notifications;
     std::unique_ptr<Icons> icons;
     std::unique_ptr<RunningApplications> running;
+    std::unique_ptr<SystemCounters> counters;
+    std::unique_ptr<ProcessTable> processes;
+    std::function<std::unique_ptr<SerialQueue>(const std::string& label)> makeQueue = makeSerialQueue;
+    ApplicationActivity activity;  // the window tells it
     std::unique_ptr<Sleeper> sleeper = std::make_unique<SystemSleeper>();  // on every system
 
     HomeLayout layout;

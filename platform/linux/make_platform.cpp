@@ -14,7 +14,9 @@
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxNotifications.h"
+#include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxRunningApplications.h"
+#include "platform/linux/LinuxSystemCounters.h"
 #include "platform/linux/LinuxVolumeInfo.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/posix/PosixFileManager.h"
@@ -110,6 +112,9 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
         *platform->files, *platform->log, platform->layout.dataFolder + "/notification.json");
     platform->icons = std::make_unique<LinuxIcons>(*platform->files);
     platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
+    platform->counters = std::make_unique<LinuxSystemCounters>();
+    platform->processes =
+        std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{.ownProcess = getpid()});
     platform->userIdentifier = getuid();
     platform->executablePath = executablePath(*platform->files, programPath);
     return platform;

@@ -12,7 +12,9 @@
 #include "platform/macos/MacLocale.h"
 #include "platform/macos/MacLog.h"
 #include "platform/macos/MacNotifications.h"
+#include "platform/macos/MacProcessTable.h"
 #include "platform/macos/MacRunningApplications.h"
+#include "platform/macos/MacSystemCounters.h"
 #include "platform/macos/MacUserDefaults.h"
 #include "platform/macos/MacVolumeInfo.h"
 #include "platform/macos/MacWorkspace.h"
@@ -78,6 +80,8 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
         platform->workspace = std::make_unique<MacWorkspace>(*platform->log);
         platform->icons = std::make_unique<MacIcons>();
         platform->running = std::make_unique<MacRunningApplications>();
+        platform->counters = std::make_unique<MacSystemCounters>();
+        platform->processes = std::make_unique<MacProcessTable>();
         platform->userIdentifier = getuid();
         platform->layout = HomeLayout::macOS(resolvedHome(*platform->files));
         platform->executablePath = executablePath(*platform->files, programPath);

@@ -16,11 +16,16 @@ TestPlatform::TestPlatform()
       notifications(install<FakeNotifications>(platform.notifications)),
       icons(install<FakeIcons>(platform.icons)),
       running(install<FakeRunningApplications>(platform.running)),
+      counters(install<FakeSystemCounters>(platform.counters)),
+      processes(install<FakeProcessTable>(platform.processes)),
       sleeper(install<FakeSleeper>(platform.sleeper, clock)) {
     platform.files = systemFileManager();
     platform.mover = systemFileMover();
     platform.directories = systemDirectoryReader();
     platform.layout = HomeLayout::macOS(home.path());
+    platform.makeQueue = [control = queue](const std::string&) {
+        return std::make_unique<FakeSerialQueue>(control);
+    };
     platform.executablePath = "/opt/velto/velto";
 }
 

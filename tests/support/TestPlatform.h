@@ -4,6 +4,8 @@
 
 #include "platform/Platform.h"
 #include "support/FakeDispatcher.h"
+#include "support/FakeSerialQueue.h"
+#include "support/FakeSystemCounters.h"
 #include "support/TempHome.h"
 #include "support/fakes.h"
 
@@ -28,6 +30,10 @@ struct TestPlatform {
     FakeNotifications& notifications;
     FakeIcons& icons;
     FakeRunningApplications& running;
+    FakeSystemCounters& counters;
+    FakeProcessTable& processes;
+    /// The hand on the serial queues, of which a test makes one.
+    std::shared_ptr<FakeSerialQueue::Control> queue = std::make_shared<FakeSerialQueue::Control>();
     FakeSleeper& sleeper;
 
     /// Makes a probe folder readable, which counts as Full Disk Access.

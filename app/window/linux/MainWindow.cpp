@@ -88,8 +88,12 @@ gboolean MainWindow::closeRequested(GtkWindow*, gpointer self) {
 }
 
 void MainWindow::activeChanged(GtkWindow* window, GParamSpec*, gpointer self) {
-    if (gtk_window_is_active(window) == FALSE) return;
-    owner(self).context_.app.delegate().applicationDidBecomeActive();
+    AppDelegate& delegate = owner(self).context_.app.delegate();
+    if (gtk_window_is_active(window) != FALSE) {
+        delegate.applicationDidBecomeActive();
+    } else {
+        delegate.applicationDidResignActive();
+    }
 }
 
 void MainWindow::loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self) {

@@ -69,6 +69,10 @@ NSWindow* makeWindow() {
     _app->delegate().applicationDidBecomeActive();
 }
 
+- (void)applicationDidResignActive:(NSNotification*)notification {
+    _app->delegate().applicationDidResignActive();
+}
+
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)sender {
     return _app->delegate().applicationShouldTerminateAfterLastWindowClosed();
 }
