@@ -16,14 +16,12 @@ bool PermissionService::hasAccess() const {
             return true;
         } catch (const FileError& error) {
             if (error.code() == ENOENT) continue;
-            platform_.log->line(
-                fmt::format("Velto ▶ permiso de disco: denegado al leer {} (código {})", folder,
-                            error.code()));
+            platform_.log->line(fmt::format(
+                "Velto ▶ permiso de disco: denegado al leer {} (código {})", folder, error.code()));
             return false;
         }
     }
-    platform_.log->line(
-        "Velto ▶ permiso de disco: sin rutas de prueba legibles en este Mac");
+    platform_.log->line("Velto ▶ permiso de disco: sin rutas de prueba legibles en este Mac");
     return false;
 }
 

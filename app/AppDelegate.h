@@ -12,8 +12,8 @@ public:
     /// Takes back the notifications that maintenance runs have left.
     void applicationDidFinishLaunching();
 
-    /// Lets live samples begin that the page wants, and the current bridge check Full Disk Access and
-    /// look whether a maintenance run has changed the trash meanwhile.
+    /// Lets live samples begin that the page wants, and the current bridge check Full Disk Access
+    /// and look whether a maintenance run has changed the trash meanwhile.
     void applicationDidBecomeActive();
 
     /// Nobody looks any more: live samples stop.

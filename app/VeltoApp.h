@@ -7,11 +7,11 @@
 
 #include "app/AppDelegate.h"
 #include "bridge/CleanupQueue.h"
-#include "settings/AppLanguage.h"
-#include "settings/VeltoSettings.h"
 #include "platform/ApplicationShell.h"
 #include "platform/Platform.h"
 #include "platform/WebView.h"
+#include "settings/AppLanguage.h"
+#include "settings/VeltoSettings.h"
 
 namespace velto {
 
@@ -21,8 +21,8 @@ class JSBridge;
 struct AppCommand {
     std::string_view titleEs;
     std::string_view titleEn;
-    char key;               // lower-case letter of the shortcut, 0 for none
-    bool shift;             // with Shift, beside Command (macOS) or Control (Linux)
+    char key;    // lower-case letter of the shortcut, 0 for none
+    bool shift;  // with Shift, beside Command (macOS) or Control (Linux)
     std::string_view intent;
     std::string_view argument;  // string payload, empty for none
 };

@@ -49,8 +49,7 @@ int main(int argc, char** argv) {
     const std::filesystem::path file = std::filesystem::absolute(argv[1]) / "empty.html";
     std::ofstream(file) << page;
     gchar* uri = g_filename_to_uri(file.c_str(), nullptr, nullptr);
-    GtkApplication* application =
-        gtk_application_new("app.velto.bench", G_APPLICATION_NON_UNIQUE);
+    GtkApplication* application = gtk_application_new("app.velto.bench", G_APPLICATION_NON_UNIQUE);
     g_signal_connect(application, "activate", G_CALLBACK(onActivate), uri);
     const int status = g_application_run(G_APPLICATION(application), 0, nullptr);
     g_object_unref(application);

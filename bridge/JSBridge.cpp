@@ -56,10 +56,10 @@ std::shared_ptr<JSBridge> JSBridge::current() { return currentBridge().lock(); }
 void JSBridge::attach(const std::shared_ptr<WebView>& view) {
     webView_ = view;
     currentBridge() = weak_from_this();
-    view->setMessageHandler(
-        handlerName, [weak = weak_from_this()](const std::string& name, const nlohmann::json& body) {
-            if (const auto bridge = weak.lock()) bridge->receive(name, body);
-        });
+    view->setMessageHandler(handlerName, [weak = weak_from_this()](const std::string& name,
+                                                                   const nlohmann::json& body) {
+        if (const auto bridge = weak.lock()) bridge->receive(name, body);
+    });
     refreshTrash();
     sendSamples();
     if (!bootState) return;

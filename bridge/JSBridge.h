@@ -43,8 +43,8 @@ struct CleanupOutcome;
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
 /// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
 ///
-/// Everything runs on the main thread. Work elsewhere holds the bridge weakly and comes back through
-/// the dispatcher. Make it with std::make_shared.
+/// Everything runs on the main thread. Work elsewhere holds the bridge weakly and comes back
+/// through the dispatcher. Make it with std::make_shared.
 class JSBridge : public std::enable_shared_from_this<JSBridge> {
 public:
     /// An analysis as the page is given it.
@@ -82,17 +82,17 @@ public:
     void refreshTrash();
 
     // State, readable by all, changed by the bridge alone.
-    std::vector<std::string> pendingIntents;     // every intent received; never trimmed, on purpose
-    std::optional<CancellationFlag> scanTask;    // the running analysis
+    std::vector<std::string> pendingIntents;   // every intent received; never trimmed, on purpose
+    std::optional<CancellationFlag> scanTask;  // the running analysis
     bool scanRunning = false;
-    std::optional<CancellationFlag> accessWatch; // the running watch
-    bool accessGranted = false;                  // last known
-    bool pendingAccessRescan = false;            // analyse again when the running one ends
-    std::optional<BootState> bootState;          // the current analysis; none before the first one
+    std::optional<CancellationFlag> accessWatch;  // the running watch
+    bool accessGranted = false;                   // last known
+    bool pendingAccessRescan = false;             // analyse again when the running one ends
+    std::optional<BootState> bootState;           // the current analysis; none before the first one
     bool needsFirstScan = false;
-    bool maintenanceMeasuring = false;           // what the rules would move is being measured
+    bool maintenanceMeasuring = false;  // what the rules would move is being measured
 
-    std::unique_ptr<SystemMonitor> system;       // live sampling
+    std::unique_ptr<SystemMonitor> system;  // live sampling
 
 private:
     friend struct IntentTable;

@@ -73,18 +73,17 @@ void JSBridge::startAccessWatch() {
 }
 
 void JSBridge::scheduleAccessCheck(const CancellationFlag& watch, int checksLeft) {
-    platform_.dispatcher->mainAfter(
-        watchInterval, [weak = weak_from_this(), watch, checksLeft] {
-            const auto bridge = weak.lock();
-            if (!bridge || watch.isCancelled()) return;
-            bridge->checkFullDiskAccess();
-            if (watch.isCancelled()) return;  // access was granted
-            if (checksLeft > 1) {
-                bridge->scheduleAccessCheck(watch, checksLeft - 1);
-            } else {
-                bridge->accessWatch.reset();
-            }
-        });
+    platform_.dispatcher->mainAfter(watchInterval, [weak = weak_from_this(), watch, checksLeft] {
+        const auto bridge = weak.lock();
+        if (!bridge || watch.isCancelled()) return;
+        bridge->checkFullDiskAccess();
+        if (watch.isCancelled()) return;  // access was granted
+        if (checksLeft > 1) {
+            bridge->scheduleAccessCheck(watch, checksLeft - 1);
+        } else {
+            bridge->accessWatch.reset();
+        }
+    });
 }
 
 void JSBridge::checkFullDiskAccess() {

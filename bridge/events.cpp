@@ -104,8 +104,12 @@ std::optional<std::string> bootstrap(const DiskState& state, double stamp) {
     const auto json = encode(state);
     if (!json) return std::nullopt;
     return "window.velto = window.velto || {};\n"
-           "window.velto._state = " + *json + ";\n"
-           "window.velto._stamp = " + shortest(stamp) + ";\n"
+           "window.velto._state = " +
+           *json +
+           ";\n"
+           "window.velto._stamp = " +
+           shortest(stamp) +
+           ";\n"
            "window.velto.setState = function(s, ts){ window.velto._state = s; "
            "if (ts) window.velto._stamp = ts; };";
 }

@@ -91,9 +91,7 @@ void JSBridge::onRemoveExclusion(const Payload& payload) {
     evaluate(events::exclusions(exclusions_.paths()));
 }
 
-void JSBridge::onExclusions(const Payload&) {
-    evaluate(events::exclusions(exclusions_.paths()));
-}
+void JSBridge::onExclusions(const Payload&) { evaluate(events::exclusions(exclusions_.paths())); }
 
 void JSBridge::onGoView(const Payload& payload) {
     if (const auto name = payload::string(payload)) evaluate(events::goView(*name));

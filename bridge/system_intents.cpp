@@ -6,16 +6,15 @@ namespace velto {
 std::unique_ptr<SystemMonitor> JSBridge::makeSystemMonitor() {
     Platform& platform = platform_;
     return std::make_unique<SystemMonitor>(
-        MonitorContext{.counters = *platform.counters,
-                       .processes = *platform.processes,
-                       .volumes = *platform.volumes,
-                       .clock = *platform.clock,
-                       .activity = platform.activity,
-                       .startupVolume = platform.layout.home,
-                       .icon =
-                           [&platform](const std::string& path, int points) {
-                               return platform.icons->pngDataURL(path, points);
-                           }},
+        MonitorContext{
+            .counters = *platform.counters,
+            .processes = *platform.processes,
+            .volumes = *platform.volumes,
+            .clock = *platform.clock,
+            .activity = platform.activity,
+            .startupVolume = platform.layout.home,
+            .icon = [&platform](const std::string& path,
+                                int points) { return platform.icons->pngDataURL(path, points); }},
         platform.makeQueue(SystemMonitor::queueLabel));
 }
 

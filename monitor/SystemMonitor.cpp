@@ -8,8 +8,7 @@ namespace velto {
 
 SystemMonitor::SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue)
     : context_(std::move(context)), queue_(std::move(queue)) {
-    observers.push_back(
-        context_.activity.observe([this](bool active) { setAppActive(active); }));
+    observers.push_back(context_.activity.observe([this](bool active) { setAppActive(active); }));
 }
 
 SystemMonitor::~SystemMonitor() {
@@ -149,7 +148,8 @@ const std::string& SystemMonitor::iconFor(const std::string& path) {
     if (path.empty()) return none;
     const auto known = iconCache.find(path);
     if (known != iconCache.end()) return known->second;
-    std::optional<std::string> icon = context_.icon ? context_.icon(path, iconPoints) : std::nullopt;
+    std::optional<std::string> icon =
+        context_.icon ? context_.icon(path, iconPoints) : std::nullopt;
     return iconCache.emplace(path, std::move(icon).value_or(std::string())).first->second;
 }
 

@@ -12,7 +12,8 @@ constexpr double nanosecondsPerSecond = 1e9;
 using Measure = double Group::*;
 
 std::vector<const Group*> largest(std::vector<const Group*> all, Measure measure) {
-    // Stable: what weighs the same stays in the order of the keys, so that rows do not trade places.
+    // Stable: what weighs the same stays in the order of the keys, so that rows do not trade
+    // places.
     std::stable_sort(all.begin(), all.end(), [measure](const Group* one, const Group* other) {
         return one->*measure > other->*measure;
     });
@@ -46,8 +47,8 @@ std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info
                 {.name = info.name, .procs = 1, .kind = "other", .pid = process}};
     }
     const RunningApp& app = apps.at(*owner);
-    std::string key = app.bundle.empty() ? "app:" + std::to_string(*owner)
-                                         : "svc:" + app.bundle + "#" + app.name;
+    std::string key =
+        app.bundle.empty() ? "app:" + std::to_string(*owner) : "svc:" + app.bundle + "#" + app.name;
     return {std::move(key),
             {.name = app.name, .procs = 1, .kind = "app", .pid = *owner, .path = app.path}};
 }
@@ -60,7 +61,8 @@ std::string bundleOf(const std::string& executable) {
 std::vector<const Group*> heaviest(const Groups& groups) {
     std::vector<const Group*> all;
     all.reserve(groups.size());
-    for (const auto& [key, group] : groups) all.push_back(&group);
+    for (const auto& [key, group] : groups)
+        all.push_back(&group);
     std::vector<const Group*> chosen = largest(all, &Group::cpu);
     for (const Group* group : largest(std::move(all), &Group::mem)) {
         if (std::find(chosen.begin(), chosen.end(), group) == chosen.end()) {

@@ -7,8 +7,8 @@
 namespace velto {
 
 FileError::FileError(std::string attempt, std::string path, int code)
-    : std::runtime_error(fmt::format("could not {} {}: {}", attempt, path,
-                                     std::generic_category().message(code))),
+    : std::runtime_error(
+          fmt::format("could not {} {}: {}", attempt, path, std::generic_category().message(code))),
       attempt_(std::move(attempt)),
       path_(std::move(path)),
       code_(code) {}

@@ -49,8 +49,9 @@ struct Platform {
     std::unique_ptr<RunningApplications> running;
     std::unique_ptr<SystemCounters> counters;
     std::unique_ptr<ProcessTable> processes;
-    std::function<std::unique_ptr<SerialQueue>(const std::string& label)> makeQueue = makeSerialQueue;
-    ApplicationActivity activity;  // the window tells it
+    std::function<std::unique_ptr<SerialQueue>(const std::string& label)> makeQueue =
+        makeSerialQueue;
+    ApplicationActivity activity;                                          // the window tells it
     std::unique_ptr<Sleeper> sleeper = std::make_unique<SystemSleeper>();  // on every system
 
     HomeLayout layout;

@@ -16,8 +16,8 @@ struct ProcInfo {
 
 /// What a process has used so far.
 struct ProcessUsage {
-    std::uint64_t time = 0;        // of processors, in nanoseconds, user and system together
-    std::uint64_t footprint = 0;   // bytes of memory that would be free without it
+    std::uint64_t time = 0;       // of processors, in nanoseconds, user and system together
+    std::uint64_t footprint = 0;  // bytes of memory that would be free without it
 };
 
 /// A running application as the desktop knows it.

@@ -7,9 +7,9 @@
 namespace velto {
 
 /// Work that runs in the order of the calls, never two pieces at once, away from the main thread.
-/// Destroying a queue drops what has not begun, stops its timers and waits for what runs; its own work
-/// never destroys it.
-/// Functions are safe from every thread. Work that throws is a program fault.
+/// Destroying a queue drops what has not begun, stops its timers and waits for what runs; its own
+/// work never destroys it. Functions are safe from every thread. Work that throws is a program
+/// fault.
 class SerialQueue {
 public:
     using Work = std::function<void()>;

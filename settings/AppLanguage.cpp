@@ -16,7 +16,8 @@ std::string_view AppLanguage::text(std::string_view es, std::string_view en) con
 void AppLanguage::setCode(const std::string& code) {
     settings_.setLanguage(code);
     code_ = settings_.language();
-    for (const auto& observer : observers_) observer();
+    for (const auto& observer : observers_)
+        observer();
 }
 
 void AppLanguage::observe(std::function<void()> observer) {

@@ -43,7 +43,7 @@ public:
     /// Both outlive the settings.
     VeltoSettings(UserDefaults& defaults, const Locale& locale);
 
-    std::int64_t retention() const;    // days; 0 or less reads as 30
+    std::int64_t retention() const;  // days; 0 or less reads as 30
     void setRetention(std::int64_t days);
 
     bool autoMaintenance() const;
@@ -55,7 +55,7 @@ public:
     /// Stores one of the three; any other text is stored as "daily".
     void setFrequency(std::string_view frequency);
 
-    std::string language() const;      // "es" or "en"
+    std::string language() const;  // "es" or "en"
     void setLanguage(std::string_view code);
 
     std::map<std::string, bool> rules() const;
@@ -64,7 +64,7 @@ public:
     bool settingsConfigured() const;
     void markConfigured();
 
-    double duplicatesRound() const;    // seconds since 1970, 0 when never
+    double duplicatesRound() const;  // seconds since 1970, 0 when never
     void setDuplicatesRound(double time);
 
     /// The record that the page receives.

@@ -12,7 +12,7 @@
 /// Every decision about the window that does not need a window: both systems carry these out.
 namespace velto::window {
 
-inline constexpr int initialWidth = 1180;   // points
+inline constexpr int initialWidth = 1180;  // points
 inline constexpr int initialHeight = 760;
 inline constexpr int minimumWidth = 940;
 inline constexpr int minimumHeight = 600;
@@ -26,14 +26,14 @@ Colour backgroundColour(Appearance appearance);
 
 // The drag region: a transparent strip over the top of the page that moves the window.
 inline constexpr std::string_view dragRegionIdentifier = "velto-drag-region";
-inline constexpr double dragRegionHeight = 52;    // points
-inline constexpr double dragRegionLeading = 78;   // clear of the three window buttons
+inline constexpr double dragRegionHeight = 52;   // points
+inline constexpr double dragRegionLeading = 78;  // clear of the three window buttons
 struct WidthRule {
     enum class Relation { equal, atLeast, atMost };
     Relation relation;
     bool relativeToContainer;  // constant is added to the container's width, else absolute
     double constant;
-    float priority;            // 1000 is required
+    float priority;  // 1000 is required
 };
 /// The rules of the region's width, as layout constraints.
 inline constexpr std::array<WidthRule, 3> dragRegionWidthRules{{
@@ -56,8 +56,8 @@ bool isDeveloperMenuItem(std::string_view title);
 inline constexpr std::string_view resourceBundleName = "Velto_velto_app.bundle";
 /// The first existing folder of that name inside the candidates, tried in order; nothing when none
 /// exists. `exists` answers whether a path exists.
-std::optional<std::string> findResourceBundle(const std::vector<std::string>& parents,
-                                              const std::function<bool(const std::string&)>& exists);
+std::optional<std::string> findResourceBundle(
+    const std::vector<std::string>& parents, const std::function<bool(const std::string&)>& exists);
 inline constexpr std::string_view missingBundleMessage =
     "unable to find bundle named Velto_velto_app";
 

@@ -49,10 +49,12 @@ double ownTime() {
 class Sleepers {
 public:
     explicit Sleepers(int count) {
-        for (int i = 0; i < count; ++i) add();
+        for (int i = 0; i < count; ++i)
+            add();
     }
     ~Sleepers() {
-        while (!processes_.empty()) endOldest();
+        while (!processes_.empty())
+            endOldest();
     }
     Sleepers(const Sleepers&) = delete;
     Sleepers& operator=(const Sleepers&) = delete;
@@ -71,7 +73,8 @@ private:
             return;
         }
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-        while (true) pause();
+        while (true)
+            pause();
     }
 
     void endOldest() {
@@ -128,7 +131,8 @@ Cost costOfSamples(int count) {
     const double start = ownTime();
     machine.sample();
     const double first = ownTime();
-    for (int i = 1; i < count; ++i) machine.sample();
+    for (int i = 1; i < count; ++i)
+        machine.sample();
     return {first - start, (ownTime() - start) / count};
 }
 
@@ -173,7 +177,8 @@ void cost(int processes, int samples) {
     const Cost kept = costOfSamples(samples);
     const Cost reopened = costWithReopenedFiles(samples);
     std::vector<double> ps;
-    for (int i = 0; i < samples; ++i) ps.push_back(costOfPs());
+    for (int i = 0; i < samples; ++i)
+        ps.push_back(costOfPs());
     std::nth_element(ps.begin(), ps.begin() + samples / 2, ps.end());
     fmt::print("{:.3f} {:.3f} {:.3f} {:.3f}\n", kept.mean, reopened.mean, kept.first,
                ps[static_cast<std::size_t>(samples / 2)]);

@@ -12,8 +12,8 @@ namespace {
 
 // Where each application has a folder of its own.
 constexpr std::array<std::string_view, 8> homesOfApplications{
-    "/opt/",           "/usr/lib/",       "/usr/lib64/", "/usr/libexec/",   "/usr/share/",
-    "/usr/local/lib/", "/usr/local/share/", "/usr/lib32/"};
+    "/opt/",       "/usr/lib/",       "/usr/lib64/",       "/usr/libexec/",
+    "/usr/share/", "/usr/local/lib/", "/usr/local/share/", "/usr/lib32/"};
 
 std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 

@@ -14,9 +14,9 @@ namespace velto {
 struct ListedApplication {
     std::string identifier;  // of the entry: its file's name without ".desktop"
     std::string name;
-    std::string path;               // of the entry
-    std::string executable;         // absolute, links resolved; empty when it is not known
-    bool startsAnything = false;    // `executable` only runs something else: a shell, a launcher
+    std::string path;             // of the entry
+    std::string executable;       // absolute, links resolved; empty when it is not known
+    bool startsAnything = false;  // `executable` only runs something else: a shell, a launcher
 };
 
 /// Tells to which installed application a process belongs. Immutable.
@@ -40,8 +40,9 @@ private:
 
 /// The identifier of the application in the name of the unit that a desktop started it under (the
 /// systemd project's rules for desktop environments: "app-<launcher>-<identifier>-<number>.scope"
-/// and "app-<launcher>-<identifier>@<number>.service"; Snap's "snap.<name>.<command>-<number>.scope"
-/// gives "<name>_<command>", as its entry is called). Empty when the text holds no such unit.
+/// and "app-<launcher>-<identifier>@<number>.service"; Snap's
+/// "snap.<name>.<command>-<number>.scope" gives "<name>_<command>", as its entry is called). Empty
+/// when the text holds no such unit.
 std::string applicationInControlGroup(std::string_view controlGroup);
 
 }  // namespace velto

@@ -17,7 +17,7 @@
 namespace velto {
 namespace {
 
-constexpr std::size_t longestCommand = 15;  // what the kernel keeps of a name
+constexpr std::size_t longestCommand = 15;   // what the kernel keeps of a name
 constexpr std::size_t longestStatus = 1024;  // of a stat file: a name and fifty numbers
 constexpr std::uint64_t nanosecondsPerSecond = 1'000'000'000;
 
@@ -90,12 +90,12 @@ std::optional<ProcessStatus> LinuxProcessTable::readStatus(std::int32_t number, 
     Descriptor opened;
     if (!process.file.isOpen()) {
         const std::string path = fileOf(number, "stat");
-        opened = Descriptor(
-            uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
+        opened =
+            Descriptor(uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
     }
     const Descriptor& file = process.file.isOpen() ? process.file : opened;
-    const ssize_t length = uninterrupted(
-        [&] { return ::pread(file.number(), buffer_.data(), buffer_.size(), 0); });
+    const ssize_t length =
+        uninterrupted([&] { return ::pread(file.number(), buffer_.data(), buffer_.size(), 0); });
     if (length <= 0) return std::nullopt;
     if (opened.isOpen() && openFiles_ < mostOpenFiles_) {
         process.file = std::move(opened);
@@ -173,7 +173,8 @@ std::int32_t LinuxProcessTable::parentOf(const Process& process) const {
 std::map<std::int32_t, ProcInfo> LinuxProcessTable::list() {
     const auto index = sources_.applications ? sources_.applications() : nullptr;
     const bool isNewIndex = index != index_;
-    for (auto& [number, process] : processes_) process.isListed = false;
+    for (auto& [number, process] : processes_)
+        process.isListed = false;
     const auto before = std::exchange(index_, index);  // until nothing points into it any more
 
     for (const std::string& name : kernelNames(sources_.proc)) {
@@ -208,9 +209,9 @@ std::optional<ProcessUsage> LinuxProcessTable::usage(std::int32_t number) {
         forget(place);
         return std::nullopt;
     }
-    return ProcessUsage{
-        .time = static_cast<std::uint64_t>(static_cast<double>(process.ticks) * nanosecondsPerTick_),
-        .footprint = process.footprint};
+    return ProcessUsage{.time = static_cast<std::uint64_t>(static_cast<double>(process.ticks) *
+                                                           nanosecondsPerTick_),
+                        .footprint = process.footprint};
 }
 
 std::string LinuxProcessTable::executablePath(std::int32_t number) {

@@ -69,16 +69,17 @@ std::unique_ptr<SerialQueue::Timer> ThreadQueue::repeat(double first, double per
     const std::uint64_t identifier = ++state_->lastTimer;
     if (!state_->isClosed) {
         state_->timers.emplace(
-            identifier, Repetition{std::chrono::steady_clock::now() + inSeconds(first),
-                                   inSeconds(period),
-                                   std::make_shared<const Work>(std::move(work))});
+            identifier,
+            Repetition{std::chrono::steady_clock::now() + inSeconds(first), inSeconds(period),
+                       std::make_shared<const Work>(std::move(work))});
         state_->changed.notify_one();
     }
     return std::make_unique<RepeatingTimer>(state_, identifier);
 }
 
 void ThreadQueue::run(State& state) noexcept {
-    while (const auto work = next(state)) (*work)();
+    while (const auto work = next(state))
+        (*work)();
 }
 
 /// Waits for the next piece of work; null when the queue is closed.
@@ -108,7 +109,8 @@ std::shared_ptr<const ThreadQueue::Work> ThreadQueue::next(State& state) {
 std::shared_ptr<const ThreadQueue::Work> ThreadQueue::due(State& state, Time now) {
     for (auto& [identifier, timer] : state.timers) {
         if (timer.due > now) continue;
-        do timer.due += timer.period;
+        do
+            timer.due += timer.period;
         while (timer.period > Duration::zero() && timer.due <= now);
         return timer.work;
     }

@@ -24,8 +24,8 @@ public:
             std::string_view name = nextWord(line);
             if (!name.ends_with(':')) continue;
             name.remove_suffix(1);
-            bytes_[name] = static_cast<std::int64_t>(unsignedNumber(nextWord(line))) *
-                           bytesPerKilobyte;
+            bytes_[name] =
+                static_cast<std::int64_t>(unsignedNumber(nextWord(line))) * bytesPerKilobyte;
         }
     }
 

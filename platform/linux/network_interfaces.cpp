@@ -41,7 +41,8 @@ std::vector<InterfaceCounters> interfacesIn(std::string_view netDev) {
         line.remove_prefix(colon + 1);
         InterfaceCounters one{.name = std::string(nextWord(name))};
         one.received = unsignedNumber(nextWord(line));
-        for (int field = 1; field < fieldsUntilSent; ++field) nextWord(line);
+        for (int field = 1; field < fieldsUntilSent; ++field)
+            nextWord(line);
         one.sent = unsignedNumber(nextWord(line));
         interfaces.push_back(std::move(one));
     }
@@ -71,7 +72,8 @@ InterfaceChoice::Kind InterfaceChoice::kindOf(const std::string& name) const {
 std::vector<InterfaceCounters> InterfaceChoice::of(std::vector<InterfaceCounters> all) {
     std::vector<std::string> names;
     names.reserve(all.size());
-    for (const InterfaceCounters& one : all) names.push_back(one.name);
+    for (const InterfaceCounters& one : all)
+        names.push_back(one.name);
     if (names != known_) {
         std::vector<std::string> hardware, others;
         for (const std::string& name : names) {

@@ -28,7 +28,7 @@ private:
     Kind kindOf(const std::string& name) const;
 
     std::string sys_;
-    std::vector<std::string> known_;    // all names of the last call
+    std::vector<std::string> known_;     // all names of the last call
     std::vector<std::string> counting_;  // of these
 };
 

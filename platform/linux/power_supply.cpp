@@ -36,7 +36,8 @@ struct Charge {
 };
 
 std::optional<Charge> chargeOf(const std::string& folder) {
-    for (const auto& [kind, flow] : {std::pair("/energy", "/power_now"), {"/charge", "/current_now"}}) {
+    for (const auto& [kind, flow] :
+         {std::pair("/energy", "/power_now"), {"/charge", "/current_now"}}) {
         const auto now = kernelNumber(folder + kind + "_now");
         const auto full = kernelNumber(folder + kind + "_full");
         if (!now || !full || *full <= 0) continue;
@@ -67,8 +68,8 @@ void readCharge(const std::string& folder, BatteryCounters& battery) {
         battery.maximum = charge->full;
     }
     const Charge known = charge.value_or(Charge{});
-    battery.minutesToFull = estimate(folder + "/time_to_full_now",
-                                     minutesFor(known.full - known.now, known.flow));
+    battery.minutesToFull =
+        estimate(folder + "/time_to_full_now", minutesFor(known.full - known.now, known.flow));
     battery.minutesToEmpty =
         estimate(folder + "/time_to_empty_now", minutesFor(known.now, known.flow));
 }

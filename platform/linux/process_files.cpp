@@ -8,7 +8,8 @@ namespace {
 constexpr std::uint64_t bytesPerKilobyte = 1024;
 
 void skipWords(std::string_view& text, int count) {
-    for (int word = 0; word < count; ++word) nextWord(text);
+    for (int word = 0; word < count; ++word)
+        nextWord(text);
 }
 
 }  // namespace

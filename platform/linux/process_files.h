@@ -12,9 +12,9 @@ struct ProcessStatus {
     std::string_view command;  // at most 15 bytes; points into the text
     char state = '?';
     std::int32_t parent = 0;
-    std::uint64_t faults = 0;  // pages that came into memory or were made, so far
-    std::uint64_t ticks = 0;   // of processors, user and system, so far
-    std::uint64_t start = 0;   // ticks after the machine's start
+    std::uint64_t faults = 0;    // pages that came into memory or were made, so far
+    std::uint64_t ticks = 0;     // of processors, user and system, so far
+    std::uint64_t start = 0;     // ticks after the machine's start
     std::uint64_t resident = 0;  // pages
 
     bool hasEnded() const { return state == 'Z' || state == 'X'; }

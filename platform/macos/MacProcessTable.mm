@@ -32,7 +32,8 @@ std::vector<pid_t> allProcesses() {
 /// Fixed fields need not end in a zero byte.
 template <std::size_t size>
 std::string textIn(const char (&field)[size]) {
-    return std::string(std::string_view(field, size).substr(0, std::string_view(field, size).find('\0')));
+    return std::string(
+        std::string_view(field, size).substr(0, std::string_view(field, size).find('\0')));
 }
 
 std::string nameOf(NSRunningApplication* application) {

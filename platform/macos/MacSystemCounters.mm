@@ -48,10 +48,14 @@ std::int64_t pageSize() {
 
 std::optional<MemoryPressure> pressure() {
     switch (systemValue<int>("kern.memorystatus_vm_pressure_level").value_or(0)) {
-        case 1: return MemoryPressure::normal;
-        case 2: return MemoryPressure::warning;
-        case 4: return MemoryPressure::critical;
-        default: return std::nullopt;
+        case 1:
+            return MemoryPressure::normal;
+        case 2:
+            return MemoryPressure::warning;
+        case 4:
+            return MemoryPressure::critical;
+        default:
+            return std::nullopt;
     }
 }
 
@@ -69,8 +73,8 @@ std::optional<ProcessorTicks> MacSystemCounters::processorTicks() {
     const Host host;
     host_cpu_load_info_data_t load{};
     mach_msg_type_number_t count = HOST_CPU_LOAD_INFO_COUNT;
-    const kern_return_t result = host_statistics(
-        host.port(), HOST_CPU_LOAD_INFO, reinterpret_cast<host_info_t>(&load), &count);
+    const kern_return_t result = host_statistics(host.port(), HOST_CPU_LOAD_INFO,
+                                                 reinterpret_cast<host_info_t>(&load), &count);
     if (result != KERN_SUCCESS) return std::nullopt;
     return ProcessorTicks{.user = load.cpu_ticks[CPU_STATE_USER],
                           .system = load.cpu_ticks[CPU_STATE_SYSTEM],
@@ -91,8 +95,8 @@ std::optional<MemoryCounters> MacSystemCounters::memory() {
     const Host host;
     vm_statistics64_data_t pages{};
     mach_msg_type_number_t count = HOST_VM_INFO64_COUNT;
-    const kern_return_t result = host_statistics64(
-        host.port(), HOST_VM_INFO64, reinterpret_cast<host_info64_t>(&pages), &count);
+    const kern_return_t result = host_statistics64(host.port(), HOST_VM_INFO64,
+                                                   reinterpret_cast<host_info64_t>(&pages), &count);
     if (result != KERN_SUCCESS) return std::nullopt;
     const std::int64_t page = pageSize();
     MemoryCounters memory{
@@ -112,17 +116,19 @@ std::optional<MemoryCounters> MacSystemCounters::memory() {
 
 ThermalState MacSystemCounters::thermalState() {
     switch (NSProcessInfo.processInfo.thermalState) {
-        case NSProcessInfoThermalStateFair: return ThermalState::fair;
-        case NSProcessInfoThermalStateSerious: return ThermalState::serious;
-        case NSProcessInfoThermalStateCritical: return ThermalState::critical;
-        case NSProcessInfoThermalStateNominal: break;
+        case NSProcessInfoThermalStateFair:
+            return ThermalState::fair;
+        case NSProcessInfoThermalStateSerious:
+            return ThermalState::serious;
+        case NSProcessInfoThermalStateCritical:
+            return ThermalState::critical;
+        case NSProcessInfoThermalStateNominal:
+            break;
     }
     return ThermalState::nominal;
 }
 
-bool MacSystemCounters::isLowPowerModeOn() {
-    return NSProcessInfo.processInfo.lowPowerModeEnabled;
-}
+bool MacSystemCounters::isLowPowerModeOn() { return NSProcessInfo.processInfo.lowPowerModeEnabled; }
 
 std::optional<std::vector<InterfaceCounters>> MacSystemCounters::interfaces() {
     ifaddrs* first = nullptr;

@@ -16,8 +16,8 @@ NSDictionary* presentSource() {
     const auto blob = (__bridge CFTypeRef)information;
     NSArray* sources = CFBridgingRelease(IOPSCopyPowerSourcesList(blob));
     for (id source in sources) {
-        NSDictionary* description = (__bridge NSDictionary*)IOPSGetPowerSourceDescription(
-            blob, (__bridge CFTypeRef)source);
+        NSDictionary* description =
+            (__bridge NSDictionary*)IOPSGetPowerSourceDescription(blob, (__bridge CFTypeRef)source);
         if ([description[@kIOPSIsPresentKey] boolValue]) return description;
     }
     return nil;
@@ -30,8 +30,8 @@ std::optional<std::int64_t> numberIn(NSDictionary* description, NSString* key) {
 }
 
 std::optional<std::int64_t> cycleCount() {
-    const io_service_t battery = IOServiceGetMatchingService(
-        kIOMainPortDefault, IOServiceMatching("AppleSmartBattery"));
+    const io_service_t battery =
+        IOServiceGetMatchingService(kIOMainPortDefault, IOServiceMatching("AppleSmartBattery"));
     if (battery == IO_OBJECT_NULL) return std::nullopt;
     const id count = CFBridgingRelease(
         IORegistryEntryCreateCFProperty(battery, CFSTR("CycleCount"), kCFAllocatorDefault, 0));
@@ -47,7 +47,7 @@ std::optional<BatteryCounters> MacSystemCounters::battery() {
         NSDictionary* source = presentSource();
         if (source == nil) return std::nullopt;
         constexpr std::int64_t unknown = -1;
-        return BatteryCounters{
+        return BatteryCounters {
             .current = numberIn(source, @kIOPSCurrentCapacityKey).value_or(0),
             .maximum = numberIn(source, @kIOPSMaxCapacityKey).value_or(0),
             .isCharged = [source[@kIOPSIsChargedKey] boolValue] ? true : false,
@@ -55,7 +55,8 @@ std::optional<BatteryCounters> MacSystemCounters::battery() {
             .powerSource = utf8(source[@kIOPSPowerSourceStateKey]),
             .minutesToFull = numberIn(source, @kIOPSTimeToFullChargeKey).value_or(unknown),
             .minutesToEmpty = numberIn(source, @kIOPSTimeToEmptyKey).value_or(unknown),
-            .cycles = cycleCount()};
+            .cycles = cycleCount()
+        };
     }
 }
 

@@ -34,9 +34,8 @@ class DispatchQueue final : public SerialQueue {
 public:
     explicit DispatchQueue(const std::string& label)
         : queue_(dispatch_queue_create(
-              label.c_str(),
-              dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL, QOS_CLASS_UTILITY,
-                                                      0))) {}
+              label.c_str(), dispatch_queue_attr_make_with_qos_class(DISPATCH_QUEUE_SERIAL,
+                                                                     QOS_CLASS_UTILITY, 0))) {}
 
     ~DispatchQueue() override {
         const auto gate = gate_;
@@ -50,8 +49,7 @@ public:
     void async(Work work) override { dispatch_async(queue_, guarded(std::move(work))); }
 
     std::unique_ptr<Timer> repeat(double first, double period, Work work) override {
-        dispatch_source_t source =
-            dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, queue_);
+        dispatch_source_t source = dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, queue_);
         dispatch_source_set_timer(
             source, dispatch_time(DISPATCH_TIME_NOW, static_cast<std::int64_t>(nanoseconds(first))),
             nanoseconds(period), noLeeway);

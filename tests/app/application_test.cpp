@@ -66,7 +66,8 @@ TEST_F(ApplicationTest, LaunchingTakesOldNotificationsBack) {
 TEST_F(ApplicationTest, CommandsBeforeTheBridgeExistsDoNothing) {
     VeltoApp app(machine.platform);
     app.setShell(shell);
-    for (const AppCommand& each : VeltoApp::commands()) app.perform(each);
+    for (const AppCommand& each : VeltoApp::commands())
+        app.perform(each);
     AppDelegate(machine.platform).applicationDidBecomeActive();
     app.pageLoaded();
     EXPECT_TRUE(machine.log.lines().empty());
@@ -76,7 +77,8 @@ TEST_F(ApplicationTest, CommandsSendTheirIntents) {
     VeltoApp app(machine.platform);
     app.setShell(shell);
     app.windowOpened(page);
-    for (const AppCommand& each : VeltoApp::commands()) app.perform(each);
+    for (const AppCommand& each : VeltoApp::commands())
+        app.perform(each);
     EXPECT_THAT(JSBridge::current()->pendingIntents,
                 ElementsAre("scan", "undoLast", "goView", "goView"));
     EXPECT_THAT(page->scripts, testing::Contains(testing::HasSubstr("go('apps')")));

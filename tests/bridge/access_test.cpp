@@ -45,9 +45,9 @@ TEST_F(Access, TheSettingsOpenWithoutAQuestionOnRequest) {
 
 TEST_F(Access, ResettingRunsTheToolOpensTheSettingsAndWatches) {
     post("resetAccess");
-    EXPECT_THAT(machine.tools.commands, ElementsAre(ElementsAre("/usr/bin/tccutil", "reset",
-                                                                "SystemPolicyAllFiles",
-                                                                "app.velto")));
+    EXPECT_THAT(
+        machine.tools.commands,
+        ElementsAre(ElementsAre("/usr/bin/tccutil", "reset", "SystemPolicyAllFiles", "app.velto")));
     EXPECT_THAT(machine.workspace.openedURLs, ElementsAre(settingsURL));
     EXPECT_TRUE(bridge->accessWatch);
 }
@@ -78,8 +78,8 @@ TEST_F(Access, GrantingEndsTheWatchAndMeasuresEverything) {
     post("requestAccess");
     machine.grantAccess();
     machine.dispatcher.advance(2);
-    EXPECT_TRUE(machine.log.holds(
-        "Velto ▶ Acceso total al disco concedido: se reanuda midiendo todo"));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ Acceso total al disco concedido: se reanuda midiendo todo"));
     EXPECT_TRUE(bridge->accessGranted);
     EXPECT_TRUE(bridge->scanRunning);
     EXPECT_EQ(machine.dispatcher.waitingTimers(), 0u);

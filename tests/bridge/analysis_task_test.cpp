@@ -19,8 +19,8 @@ TEST_F(AnalysisTask, ASavedAnalysisIsThereBeforeThePagesScriptsAndNoScanStarts) 
     EXPECT_TRUE(machine.log.holds(
         "Velto ▶ arranque: análisis guardado hace 1.5 min · escaneo automático: no"));
     load();
-    EXPECT_TRUE(machine.log.holds(
-        "Velto ▶ estado de arranque aplicado: real · categorías=1 · archivos=0"));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ estado de arranque aplicado: real · categorías=1 · archivos=0"));
     EXPECT_FALSE(bridge->scanRunning);
     EXPECT_EQ(count("onScanStarted"), 0u);
     EXPECT_EQ(count("setState"), 1u);
@@ -68,8 +68,7 @@ TEST_F(AnalysisTask, AFinishedAnalysisIsSavedBeforeThePageHearsOfIt) {
     EXPECT_THAT(*(end - 2), HasSubstr("setState"));
     EXPECT_THAT(*(end - 1), HasSubstr("onScanFinished"));
     EXPECT_TRUE(machine.log.holds("Velto ▶ análisis iniciado"));
-    EXPECT_TRUE(
-        machine.log.holds("Velto ▶ análisis terminado: 0 archivos top, 125.0 GB libres"));
+    EXPECT_TRUE(machine.log.holds("Velto ▶ análisis terminado: 0 archivos top, 125.0 GB libres"));
     EXPECT_FALSE(bridge->scanRunning);
     EXPECT_FALSE(bridge->scanTask);
 }

@@ -14,7 +14,9 @@ TEST(PayloadConversions, OnlyAStringIsAString) {
 }
 
 TEST(PayloadConversions, AListOfPathsHoldsStringsAndAtLeastOne) {
-    const auto paths = [](json list) { return payload::pathsMember(json{{"paths", list}}, "paths"); };
+    const auto paths = [](json list) {
+        return payload::pathsMember(json{{"paths", list}}, "paths");
+    };
     EXPECT_EQ(paths({"a", "b"}), (std::vector<std::string>{"a", "b"}));
     EXPECT_FALSE(paths(json::array()));
     EXPECT_FALSE(paths({"a", 1}));

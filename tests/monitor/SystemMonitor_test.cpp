@@ -8,7 +8,8 @@ using SystemMonitorTest = MonitorFixture;
 
 std::vector<std::string> keysOf(const Dictionary& dictionary) {
     std::vector<std::string> keys;
-    for (const auto& [key, value] : dictionary.items()) keys.push_back(key);
+    for (const auto& [key, value] : dictionary.items())
+        keys.push_back(key);
     return keys;
 }
 
@@ -50,7 +51,8 @@ TEST_F(SystemMonitorTest, TheProcessMapIsReadAnewAfterTenSecondsAndNotBefore) {
     table.add(100, 1, "first");
     monitor->sample();
     table.add(101, 1, "second");
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(nextSample(2)["procs"].size(), 1u);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(nextSample(2)["procs"].size(), 1u);
     EXPECT_EQ(nextSample(1.99)["procs"].size(), 1u);
     EXPECT_EQ(table.lists, 1);
     EXPECT_EQ(nextSample(0.01)["procs"].size(), 2u);

@@ -19,7 +19,8 @@ Dictionary groupNamed(const Dictionary& sample, const std::string& name) {
 
 std::vector<std::string> names(const Dictionary& sample) {
     std::vector<std::string> result;
-    for (const Dictionary& group : sample["procs"]) result.push_back(group["name"]);
+    for (const Dictionary& group : sample["procs"])
+        result.push_back(group["name"]);
     return result;
 }
 
@@ -52,7 +53,8 @@ TEST_F(ProcessGroups, AnApplicationAndItsHelpersAreOneGroup) {
     table.add(501, 500, "helper", 200);
     table.add(502, 501, "helper of the helper", 100);
     monitor->sample();
-    for (auto& [process, entry] : table.processes) entry.usage.time = 200'000'000;
+    for (auto& [process, entry] : table.processes)
+        entry.usage.time = 200'000'000;
     const Dictionary sample = nextSample(2);
     ASSERT_EQ(sample["procs"].size(), 1u);
     const Dictionary group = sample["procs"][0];
@@ -66,7 +68,8 @@ TEST_F(ProcessGroups, AnApplicationAndItsHelpersAreOneGroup) {
 }
 
 TEST_F(ProcessGroups, TwoRunsOfOneApplicationAreOneGroupWhenItHasAnIdentifier) {
-    table.apps[500] = table.apps[600] = {"Editor", "com.example.editor", "/Applications/Editor.app"};
+    table.apps[500] =
+        table.apps[600] = {"Editor", "com.example.editor", "/Applications/Editor.app"};
     table.add(500, 1, "editor");
     table.add(600, 1, "editor");
     EXPECT_EQ(groupNamed(monitor->sample(), "Editor")["procs"], 2);
@@ -95,7 +98,8 @@ TEST_F(ProcessGroups, TheNearestApplicationAboveAProcessOwnsIt) {
 /// The application is the process 10, and 11, 12 ... are each the child of the one before.
 ProcessMap chain(std::int32_t last) {
     ProcessMap map{{10, {1, "app"}}};
-    for (std::int32_t process = 11; process <= last; ++process) map[process] = {process - 1, "step"};
+    for (std::int32_t process = 11; process <= last; ++process)
+        map[process] = {process - 1, "step"};
     return map;
 }
 
@@ -107,7 +111,8 @@ TEST(OwnerOf, EightStepsUpAreLookedAtAndNotNine) {
 
 TEST_F(ProcessGroups, AProcessTooFarFromItsApplicationStandsForItself) {
     table.apps[10] = {"App", "com.example.app", ""};
-    for (const auto& [process, info] : chain(19)) table.add(process, info.ppid, info.name);
+    for (const auto& [process, info] : chain(19))
+        table.add(process, info.ppid, info.name);
     const Dictionary group = groupNamed(monitor->sample(), "step");
     EXPECT_EQ(group["kind"], "other");
     EXPECT_EQ(group["pid"], 19);
@@ -154,14 +159,16 @@ TEST_F(ProcessGroups, AGroupInBothListsComesOnceAtItsPlaceByProcessor) {
     }
     monitor->sample();
     for (std::int32_t place = 0; place < 8; ++place) {
-        table.processes[101 + place].usage.time = static_cast<std::uint64_t>(80 - place) * 1'000'000;
-        table.processes[113 + place].usage.footprint = static_cast<std::uint64_t>(100 - place) << 20;
+        table.processes[101 + place].usage.time =
+            static_cast<std::uint64_t>(80 - place) * 1'000'000;
+        table.processes[113 + place].usage.footprint = static_cast<std::uint64_t>(100 - place)
+                                                       << 20;
     }
     table.processes[103].usage.footprint = std::uint64_t{500} << 20;  // third by processor
-    EXPECT_EQ(names(nextSample()),
-              (std::vector<std::string>{"p101", "p102", "p103", "p104", "p105", "p106", "p107",
-                                        "p108", "p113", "p114", "p115", "p116", "p117", "p118",
-                                        "p119"}));
+    EXPECT_EQ(
+        names(nextSample()),
+        (std::vector<std::string>{"p101", "p102", "p103", "p104", "p105", "p106", "p107", "p108",
+                                  "p113", "p114", "p115", "p116", "p117", "p118", "p119"}));
 }
 
 TEST_F(ProcessGroups, AtMostSixteenAreListed) {
@@ -200,7 +207,8 @@ TEST_F(ProcessGroups, AnIconIsDrawnOnceEvenWhenThereIsNone) {
     table.apps[101] = {"Faceless", "f", "/Applications/faceless.app"};
     table.add(100, 1, "app");
     table.add(101, 1, "faceless");
-    for (int i = 0; i < 5; ++i) nextSample();
+    for (int i = 0; i < 5; ++i)
+        nextSample();
     EXPECT_EQ(drawn.size(), 2u);
     EXPECT_EQ(groupNamed(nextSample(), "Faceless")["icon"], "");
     EXPECT_EQ(monitor->iconFor(""), "");

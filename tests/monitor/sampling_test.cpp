@@ -19,9 +19,7 @@ TEST(ProcessorShare, ACounterThatWrappedAroundShowsNoPeak) {
     EXPECT_NEAR(*processorShare(before, now), 100.0 * 50 / 150, 1e-9);
 }
 
-TEST(ProcessorShare, NoTickNoShare) {
-    EXPECT_FALSE(processorShare({1, 2, 3, 4}, {1, 2, 3, 4}));
-}
+TEST(ProcessorShare, NoTickNoShare) { EXPECT_FALSE(processorShare({1, 2, 3, 4}, {1, 2, 3, 4})); }
 
 MemoryCounters halfUsed() {
     return {.physical = 16'000'000'000,

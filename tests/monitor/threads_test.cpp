@@ -48,7 +48,8 @@ TEST_F(MonitorThreads, SamplesComeFromAnotherThreadAndNoneAfterTheEnd) {
 }
 
 TEST_F(MonitorThreads, TurningToAndFroFromTheMainThreadIsSafeWhileSamplesAreTaken) {
-    for (std::int32_t process = 100; process < 400; ++process) table.add(process, 1, "worker");
+    for (std::int32_t process = 100; process < 400; ++process)
+        table.add(process, 1, "worker");
     std::promise<void> sampled;
     auto monitor = makeMonitor();
     monitor->onSample = [&, first = true](const sampling::Dictionary&) mutable {
@@ -61,7 +62,8 @@ TEST_F(MonitorThreads, TurningToAndFroFromTheMainThreadIsSafeWhileSamplesAreTake
     activity.set(true);
     monitor->watch(true);
     sampled.get_future().wait();
-    for (int i = 0; i < 200; ++i) monitor->watch(i % 2 == 0);
+    for (int i = 0; i < 200; ++i)
+        monitor->watch(i % 2 == 0);
 }
 
 }  // namespace

@@ -10,8 +10,8 @@
 
 namespace velto {
 
-/// A queue that the test runs by hand, on its own thread. The test's hand on it, `Control`, outlives
-/// the queue.
+/// A queue that the test runs by hand, on its own thread. The test's hand on it, `Control`,
+/// outlives the queue.
 class FakeSerialQueue final : public SerialQueue {
 public:
     struct Repetition {
@@ -69,9 +69,9 @@ public:
 
     std::unique_ptr<Timer> repeat(double first, double period, Work work) override {
         const int identifier = ++control_->lastTimer;
-        control_->timers.emplace(
-            identifier, Repetition{control_->time + first, period,
-                                   std::make_shared<const Work>(std::move(work))});
+        control_->timers.emplace(identifier,
+                                 Repetition{control_->time + first, period,
+                                            std::make_shared<const Work>(std::move(work))});
         return std::make_unique<FakeTimer>(control_, identifier);
     }
 

@@ -49,7 +49,8 @@ public:
     std::map<std::int32_t, ProcInfo> list() override {
         ++lists;
         std::map<std::int32_t, ProcInfo> all;
-        for (const auto& [process, entry] : processes) all.emplace(process, entry.info);
+        for (const auto& [process, entry] : processes)
+            all.emplace(process, entry.info);
         return all;
     }
     std::optional<ProcessUsage> usage(std::int32_t process) override {

@@ -42,7 +42,8 @@ public:
     }
 
     void join() {
-        for (std::thread& thread : threads_) thread.join();
+        for (std::thread& thread : threads_)
+            thread.join();
         threads_.clear();
     }
 

@@ -8,7 +8,8 @@ namespace {
 const std::vector<ListedApplication> installed{
     {"org.mozilla.firefox", "Firefox", "/usr/share/applications/org.mozilla.firefox.desktop",
      "/usr/lib/firefox/firefox", false},
-    {"chromium", "Chromium", "/usr/share/applications/chromium.desktop", "/usr/bin/chromium", false},
+    {"chromium", "Chromium", "/usr/share/applications/chromium.desktop", "/usr/bin/chromium",
+     false},
     {"org.gnome.TextEditor", "Text Editor", "/e", "/usr/bin/gnome-text-editor", false},
     {"org.gimp.GIMP", "GIMP", "/g", "/usr/bin/flatpak", true},
     {"snapped_snapped", "Snapped", "/s", "/usr/bin/snap", true},
@@ -57,7 +58,8 @@ TEST_F(ApplicationIndexTest, AnInterpreterIsNoApplicationByItself) {
 
 TEST_F(ApplicationIndexTest, TheDesktopsUnitTellsWhatTheProgramDoesNot) {
     EXPECT_EQ(find("0::/user.slice/user-1000.slice/user@1000.service/app.slice/"
-                   "app-flatpak-org.gimp.GIMP-4711.scope\n", "/app/bin/gimp-2.10"),
+                   "app-flatpak-org.gimp.GIMP-4711.scope\n",
+                   "/app/bin/gimp-2.10"),
               "GIMP");
     EXPECT_EQ(find("0::/user.slice/app.slice/app-gnome-script\\x2dthing-99.scope\n",
                    "/usr/bin/python3.11"),

@@ -167,9 +167,12 @@ TEST_F(ProcessTableTest, ABrowserOfThirtyProcessesIsOneApplicationAndNotItsStart
     index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
         firefox(), {"files", "Files", "/f", "/usr/bin/files", false}});
     record({.pid = 50, .command = "files", .executable = "/usr/bin/files"});
-    record({.pid = 100, .parent = 50, .command = "firefox", .executable = "/usr/lib/firefox/firefox"});
+    record(
+        {.pid = 100, .parent = 50, .command = "firefox", .executable = "/usr/lib/firefox/firefox"});
     for (int helper = 101; helper < 130; ++helper) {
-        record({.pid = helper, .parent = 100, .command = "Web Content",
+        record({.pid = helper,
+                .parent = 100,
+                .command = "Web Content",
                 .executable = helper % 2 == 0 ? "/usr/lib/firefox/firefox" : ""});
     }
     const auto infos = table->list();
@@ -210,8 +213,7 @@ TEST_F(ProcessTableTest, InAMacsHomeABundleIsAnApplicationWithAllThatRunsInIt) {
 
 TEST_F(ProcessTableTest, ABundlesOwnNameAndIdentifierCount) {
     table = std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
-        .proc = proc.path(),
-        .bundle = [](const std::string&) {
+        .proc = proc.path(), .bundle = [](const std::string&) {
             return RunningApp{.name = "Great Player", .bundle = "com.example.player"};
         }});
     record({.pid = 100, .executable = "/A/Player.app/Contents/MacOS/Player"});

@@ -13,15 +13,18 @@ struct LinuxCounters : testing::Test {
     TempHome machine;
     LinuxSystemCounters counters{machine.path("proc"), machine.path("sys")};
 
-    void proc(const std::string& name, std::string_view text) { machine.text("proc/" + name, text); }
+    void proc(const std::string& name, std::string_view text) {
+        machine.text("proc/" + name, text);
+    }
     void sys(const std::string& name, std::string_view text) { machine.text("sys/" + name, text); }
 };
 
 TEST_F(LinuxCounters, TheProcessorsTicksAreThoseOfTheFirstLine) {
-    proc("stat", "cpu  1000 200 300 4000 50 6 7 8 90 10\n"
-                 "cpu0 500 100 150 2000 25 3 3 4 45 5\n"
-                 "cpu1 500 100 150 2000 25 3 4 4 45 5\n"
-                 "intr 1 2 3\nctxt 99\n");
+    proc("stat",
+         "cpu  1000 200 300 4000 50 6 7 8 90 10\n"
+         "cpu0 500 100 150 2000 25 3 3 4 45 5\n"
+         "cpu1 500 100 150 2000 25 3 4 4 45 5\n"
+         "intr 1 2 3\nctxt 99\n");
     const auto ticks = counters.processorTicks();
     ASSERT_TRUE(ticks);
     EXPECT_EQ(ticks->user, 1000u);  // guests are in it
@@ -79,7 +82,8 @@ TEST_F(LinuxCounters, UsedMemoryIsWhatIsNotAvailableAndItsPartsAddUpToIt) {
 TEST(LinuxMemory, FiguresThatContradictEachOtherNeverAddUpToMoreThanThereIs) {
     const auto memory = memoryFrom(
         "MemTotal: 1000 kB\nMemFree: 900 kB\nMemAvailable: 800 kB\nAnonPages: 5000 kB\n"
-        "Zswap: 300 kB\nSwapTotal: 10 kB\nSwapFree: 20 kB\n", 0);
+        "Zswap: 300 kB\nSwapTotal: 10 kB\nSwapFree: 20 kB\n",
+        0);
     ASSERT_TRUE(memory);
     EXPECT_EQ(memory->compressed + memory->internal + memory->wired, kilobytes(200));
     EXPECT_GE(memory->wired, 0);
@@ -90,7 +94,8 @@ TEST(LinuxMemory, FiguresThatContradictEachOtherNeverAddUpToMoreThanThereIs) {
 TEST(LinuxMemory, AnOldKernelThatDoesNotSayWhatIsAvailable) {
     const auto memory = memoryFrom(
         "MemTotal: 1000 kB\nMemFree: 300 kB\nBuffers: 50 kB\nCached: 250 kB\nShmem: 100 kB\n"
-        "SReclaimable: 100 kB\n", 0);
+        "SReclaimable: 100 kB\n",
+        0);
     ASSERT_TRUE(memory);
     EXPECT_EQ(memory->compressed + memory->internal + memory->wired, kilobytes(400));
     EXPECT_EQ(memory->cached, kilobytes(300));
@@ -104,9 +109,9 @@ TEST(LinuxMemory, NoTotalNoMemory) {
 TEST_F(LinuxCounters, StallsAreThePressure) {
     proc("meminfo", meminfo);
     const auto level = [&](const char* some, const char* full) {
-        proc("pressure/memory",
-             "some avg10=" + std::string(some) + " avg60=0.00 avg300=0.00 total=1\n" +
-                 "full avg10=" + full + " avg60=0.00 avg300=0.00 total=1\n");
+        proc("pressure/memory", "some avg10=" + std::string(some) +
+                                    " avg60=0.00 avg300=0.00 total=1\n" + "full avg10=" + full +
+                                    " avg60=0.00 avg300=0.00 total=1\n");
         return counters.memory()->pressure;
     };
     EXPECT_EQ(level("0.00", "0.00"), MemoryPressure::normal);

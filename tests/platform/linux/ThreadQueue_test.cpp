@@ -22,8 +22,10 @@ TEST(ThreadQueue, WorkRunsInOrderOnOneThreadThatIsNotTheCallers) {
     }
     queue.async([&] { done.set_value(); });
     done.get_future().wait();
-    for (int i = 0; i < 100; ++i) EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
-    for (const auto& thread : threads) EXPECT_EQ(thread, threads.front());
+    for (int i = 0; i < 100; ++i)
+        EXPECT_EQ(order[static_cast<std::size_t>(i)], i);
+    for (const auto& thread : threads)
+        EXPECT_EQ(thread, threads.front());
     EXPECT_NE(threads.front(), std::this_thread::get_id());
 }
 
@@ -87,7 +89,8 @@ TEST(ThreadQueue, TheEndWaitsForWhatRunsAndForNothingElse) {
         timer = queue.repeat(3600, 3600, [] {});
         queue.async([&] {
             begun.set_value();
-            for (int i = 0; i < 1000; ++i) std::this_thread::yield();
+            for (int i = 0; i < 1000; ++i)
+                std::this_thread::yield();
             finished = true;
         });
         begun.get_future().wait();

@@ -1,7 +1,7 @@
 #include "platform/linux/installed_applications.h"
 
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "support/TempHome.h"

@@ -95,7 +95,8 @@ TEST(LiveCounters, TheProcessorsTicksAreThoseOfTheSameFile) {
     };
     const Reading before = read();
     Reading after = read();
-    while (after.total < before.total + 50) after = read();  // half a second of one processor
+    while (after.total < before.total + 50)
+        after = read();  // half a second of one processor
     const double theirs = 100 * (1 - (after.idle - before.idle) / (after.total - before.total));
     const double busy = static_cast<double>((after.ticks.user - before.ticks.user) +
                                             (after.ticks.system - before.ticks.system) +
@@ -143,8 +144,10 @@ public:
     explicit Child(bool busy) : process_(::fork()) {
         if (process_ != 0) return;
         volatile unsigned work = 0;
-        while (busy) work = work + 1;
-        while (true) ::pause();
+        while (busy)
+            work = work + 1;
+        while (true)
+            ::pause();
     }
     ~Child() { end(); }
     Child(const Child&) = delete;
@@ -182,7 +185,8 @@ TEST(LiveProcesses, ABusyChildsTimeGrowsAsTheSystemCountsIt) {
     LinuxProcessTable table({});
     table.list();
     std::uint64_t time = 0;
-    while (time < 100'000'000) time = table.usage(process).value().time;  // a tenth of a second
+    while (time < 100'000'000)
+        time = table.usage(process).value().time;  // a tenth of a second
     clockid_t clock = 0;
     timespec spent{};
     ASSERT_EQ(::clock_getcpuclockid(process, &clock), 0);

@@ -14,13 +14,16 @@ struct NetworkInterfaces : testing::Test {
     /// An interface with these entries in its folder.
     void interface(const std::string& name, int type, const std::vector<std::string>& entries) {
         sys.text("class/net/" + name + "/type", std::to_string(type) + "\n");
-        for (const std::string& entry : entries) sys.folder("class/net/" + name + "/" + entry);
+        for (const std::string& entry : entries)
+            sys.folder("class/net/" + name + "/" + entry);
     }
     std::vector<std::string> counted(const std::vector<std::string>& names) {
         std::vector<InterfaceCounters> all;
-        for (const std::string& name : names) all.push_back({name, 1, 1});
+        for (const std::string& name : names)
+            all.push_back({name, 1, 1});
         std::vector<std::string> result;
-        for (const auto& one : choice.of(std::move(all))) result.push_back(one.name);
+        for (const auto& one : choice.of(std::move(all)))
+            result.push_back(one.name);
         return result;
     }
 };

@@ -10,7 +10,8 @@ namespace {
 struct PowerSupply : testing::Test {
     TempHome machine;
 
-    void supply(const std::string& name, const std::vector<std::pair<std::string, std::string>>& all) {
+    void supply(const std::string& name,
+                const std::vector<std::pair<std::string, std::string>>& all) {
         for (const auto& [file, text] : all) {
             machine.text("class/power_supply/" + name + "/" + file, text + "\n");
         }
@@ -20,9 +21,14 @@ struct PowerSupply : testing::Test {
 
 TEST_F(PowerSupply, ABatteryThatRunsEmptyShowsItsChargeAndTime) {
     supply("AC", {{"type", "Mains"}, {"online", "0"}});
-    supply("BAT0", {{"type", "Battery"}, {"present", "1"}, {"status", "Discharging"},
-                    {"capacity", "81"}, {"energy_now", "40500000"}, {"energy_full", "50000000"},
-                    {"power_now", "8100000"}, {"cycle_count", "77"}});
+    supply("BAT0", {{"type", "Battery"},
+                    {"present", "1"},
+                    {"status", "Discharging"},
+                    {"capacity", "81"},
+                    {"energy_now", "40500000"},
+                    {"energy_full", "50000000"},
+                    {"power_now", "8100000"},
+                    {"cycle_count", "77"}});
     const auto found = battery();
     ASSERT_TRUE(found);
     EXPECT_EQ(found->current, 81);
@@ -35,8 +41,12 @@ TEST_F(PowerSupply, ABatteryThatRunsEmptyShowsItsChargeAndTime) {
 }
 
 TEST_F(PowerSupply, ABatteryThatCountsInAmperesAndNegativeCurrent) {
-    supply("BAT1", {{"type", "Battery"}, {"status", "Charging"}, {"charge_now", "3000000"},
-                    {"charge_full", "4000000"}, {"current_now", "-500000"}, {"cycle_count", "0"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"status", "Charging"},
+                    {"charge_now", "3000000"},
+                    {"charge_full", "4000000"},
+                    {"current_now", "-500000"},
+                    {"cycle_count", "0"}});
     supply("ADP1", {{"type", "Mains"}, {"online", "1"}});
     const auto found = battery();
     ASSERT_TRUE(found);
@@ -49,14 +59,19 @@ TEST_F(PowerSupply, ABatteryThatCountsInAmperesAndNegativeCurrent) {
 }
 
 TEST_F(PowerSupply, TheFirmwaresOwnEstimateCounts) {
-    supply("BAT0", {{"type", "Battery"}, {"status", "Discharging"}, {"capacity", "50"},
+    supply("BAT0", {{"type", "Battery"},
+                    {"status", "Discharging"},
+                    {"capacity", "50"},
                     {"time_to_empty_now", "5400"}});
     EXPECT_EQ(battery()->minutesToEmpty, 90);
 }
 
 TEST_F(PowerSupply, WithoutAFlowThereIsNoEstimate) {
-    supply("BAT0", {{"type", "Battery"}, {"status", "Discharging"}, {"energy_now", "1"},
-                    {"energy_full", "2"}, {"power_now", "0"}});
+    supply("BAT0", {{"type", "Battery"},
+                    {"status", "Discharging"},
+                    {"energy_now", "1"},
+                    {"energy_full", "2"},
+                    {"power_now", "0"}});
     EXPECT_EQ(battery()->minutesToEmpty, -1);
 }
 
@@ -64,8 +79,11 @@ TEST_F(PowerSupply, AFullOneAndOneThatOnlyWaitsAreOnTheAdapter) {
     supply("AC", {{"type", "Mains"}, {"online", "1"}});
     supply("BAT0", {{"type", "Battery"}, {"status", "Full"}, {"capacity", "100"}});
     EXPECT_TRUE(battery()->isCharged);
-    supply("BAT0", {{"status", "Not charging"}, {"capacity", "80"}, {"energy_now", "8"},
-                    {"energy_full", "10"}, {"power_now", "1"}});
+    supply("BAT0", {{"status", "Not charging"},
+                    {"capacity", "80"},
+                    {"energy_now", "8"},
+                    {"energy_full", "10"},
+                    {"power_now", "1"}});
     EXPECT_FALSE(battery()->isCharged);
     EXPECT_EQ(battery()->powerSource, "AC Power");
     EXPECT_EQ(battery()->minutesToEmpty, -1);
