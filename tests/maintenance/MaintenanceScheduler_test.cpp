@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/PropertyList.h"
 #include "support/TestPlatform.h"
 
 namespace velto {
@@ -38,6 +39,20 @@ TEST_F(SchedulerTest, TheAgentIsWrittenByteForByte) {
               "    <false/>\n"
               "</dict>\n"
               "</plist>");
+}
+
+TEST_F(SchedulerTest, TheAgentReadsBackAsAPropertyList) {
+    scheduler.install("weekends");
+    const auto list = readPropertyList(machine.home.read(agent));
+    ASSERT_TRUE(list);
+    ASSERT_NE(list->text("Label"), nullptr);
+    EXPECT_EQ(*list->text("Label"), "app.velto.maintenance");
+    const auto& arguments = std::get<PropertyList::List>(list->member("ProgramArguments")->value);
+    ASSERT_THAT(arguments, SizeIs(2));
+    EXPECT_EQ(std::get<std::string>(arguments[0].value), "/opt/velto/velto");
+    EXPECT_EQ(std::get<std::string>(arguments[1].value), "--maintenance");
+    EXPECT_EQ(std::get<std::int64_t>(list->member("StartInterval")->value), 604800);
+    EXPECT_FALSE(std::get<bool>(list->member("RunAtLoad")->value));
 }
 
 TEST_F(SchedulerTest, EachFrequencyHasItsInterval) {
