@@ -11,7 +11,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'monitor'];
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -198,6 +198,20 @@ function monitor() {
     `growth ${late - early} (target: none)`);
 }
 
+function apps() {
+  const home = made('apps-300', 1, (folder) => { output([program('bench_make_apps'), folder]); });
+  if (!home) return;
+  const lines = output([program('bench_list_apps'), home, String(runs + 1)]).trim().split('\n');
+  if (lines[0] !== '300') throw new Error(`${lines[0]} applications are listed, not 300`);
+  const pairs = lines.slice(2).map((line) => line.split(' ').map(Number));
+  const list = median(pairs.map(([first]) => first));
+  const read = median(pairs.map(([, second]) => second));
+  console.log('\nThe list of 300 applications against reading their Info.plist files, warm cache, ' +
+    'in one process');
+  console.log(`list ${list.toFixed(2)} ms, reading ${read.toFixed(2)} ms, ` +
+    `ratio ${(list / read).toFixed(2)} (target: at most 2.00)`);
+}
+
 if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
@@ -208,7 +222,7 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates, trash, monitor]) {
+  for (const part of [walk, memory, cleanables, duplicates, trash, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }

@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/posix/PosixFileManager.h"
+#include "platform/removal_check.h"
 #include "support/TempHome.h"
 
 namespace velto {
@@ -23,6 +24,12 @@ int removeAround(const TempHome& home) {
     }
     PosixFileManager files;
     files.writeAtomically(home.path("tree/disk/photo"), "kept");
+    try {
+        requireRemovable(*files.openFolder(home.path(), FolderPath::withoutLinks), "tree");
+        return notRefused;
+    } catch (const FileError& error) {
+        if (error.code() != EBUSY) return notRefused;
+    }
     int reason = 0;
     try {
         files.removeAll(home.path("tree"));

@@ -1,0 +1,119 @@
+#include "uninstall/AppUsage.h"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "support/TestPlatform.h"
+
+namespace velto {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+class AppUsageTest : public testing::Test {
+protected:
+    std::string file() const { return "Library/Application Support/Velto/app-usage.json"; }
+    RunningApplication running(const std::string& path, const std::string& identifier) {
+        return {.bundleIdentifier = identifier, .bundlePath = path};
+    }
+
+    TestPlatform machine;
+};
+
+TEST_F(AppUsageTest, AUseIsKeptAcrossStarts) {
+    AppUsage(machine.platform).record("com.example.foo", 1000.5);
+    EXPECT_THAT(AppUsage(machine.platform).launches(),
+                ElementsAre(Pair("com.example.foo", 1000.5)));
+    EXPECT_EQ(nlohmann::json::parse(machine.home.read(file())),
+              nlohmann::json({{"com.example.foo", 1000.5}}));
+}
+
+TEST_F(AppUsageTest, AnOlderTimeNeverReplacesANewerOne) {
+    AppUsage usage(machine.platform);
+    usage.record("com.example.foo", 2000);
+    usage.record("com.example.foo", 1000);
+    EXPECT_THAT(usage.launches(), ElementsAre(Pair("com.example.foo", 2000)));
+    usage.record("com.example.foo", 3000);
+    EXPECT_THAT(usage.launches(), ElementsAre(Pair("com.example.foo", 3000)));
+}
+
+TEST_F(AppUsageTest, WhatIsNoUseIsNotRecorded) {
+    AppUsage usage(machine.platform);
+    usage.record("", 1000);
+    usage.record("app.velto", 1000);
+    usage.record("com.example.foo", 0);
+    usage.record("com.example.foo", -1);
+    usage.record("com.example.foo", std::numeric_limits<double>::quiet_NaN());
+    EXPECT_THAT(usage.launches(), IsEmpty());
+    EXPECT_FALSE(machine.home.exists(file()));
+}
+
+TEST_F(AppUsageTest, ADamagedFileCountsAsEmptyAndIsReplaced) {
+    for (const char* content : {"", "{", "[1]", "\xFF\xFF"}) {
+        machine.home.text(file(), content);
+        AppUsage usage(machine.platform);
+        EXPECT_THAT(usage.launches(), IsEmpty());
+        usage.record("com.example.foo", 1000);
+        EXPECT_THAT(AppUsage(machine.platform).launches(), testing::SizeIs(1));
+    }
+    machine.home.text(file(), R"({"a": 5, "b": "text", "c": 7.5})");
+    EXPECT_THAT(AppUsage(machine.platform).launches(), ElementsAre(Pair("a", 5), Pair("c", 7.5)));
+}
+
+TEST_F(AppUsageTest, WhatRunsAtTheStartWasUsedThen) {
+    machine.running.add(running("/Applications/Foo.app", "com.example.foo"));
+    machine.running.add(running("/Applications/Nameless.app", ""));
+    machine.running.add(running("/tmp/Bar.app", "com.example.bar"));
+    machine.running.add(running("/Applications/Velto.app", "app.velto"));
+    AppUsage usage(machine.platform);
+    usage.start();
+    EXPECT_THAT(usage.launches(), ElementsAre(Pair("com.example.foo", machine.clock.time)));
+}
+
+TEST_F(AppUsageTest, ActivatingAnInstalledApplicationUpdatesItsTime) {
+    AppUsage usage(machine.platform);
+    usage.start();
+    const auto use = [&](const std::string& path, const std::string& identifier) {
+        machine.clock.time += 10;
+        machine.running.onUse(running(path, identifier));
+        return machine.clock.time;
+    };
+    use("/Applications/Foo.app", "com.example.foo");
+    const double later = use("/Applications/Foo.app", "com.example.foo");
+    const double user = use(machine.home.path("Applications/Bar.app"), "com.example.bar");
+    use(machine.home.path("Downloads/Elsewhere.app"), "com.example.elsewhere");
+    use("/ApplicationsOther/Baz.app", "com.example.baz");
+    EXPECT_THAT(usage.launches(),
+                ElementsAre(Pair("com.example.bar", user), Pair("com.example.foo", later)));
+}
+
+TEST_F(AppUsageTest, StartingTwiceObservesOnce) {
+    AppUsage usage(machine.platform);
+    EXPECT_FALSE(usage.observing);
+    usage.start();
+    usage.start();
+    EXPECT_TRUE(usage.observing);
+    EXPECT_EQ(machine.running.observers, 1);
+}
+
+TEST_F(AppUsageTest, TheEstimateIsTheLatestChangeOfTheApplicationsOwnFiles) {
+    const AppUsage usage(machine.platform);
+    EXPECT_EQ(usage.estimate("com.example.foo"), std::nullopt);
+    const char* const places[] = {
+        "Library/Preferences/com.example.foo.plist", "Library/Application Support/com.example.foo",
+        "Library/Containers/com.example.foo", "Library/HTTPStorages/com.example.foo",
+        "Library/Saved Application State/com.example.foo.savedState"};
+    std::int64_t time = 1'000'000'000;
+    for (const char* place : places) {
+        machine.home.text(place, "x").dated(1, ++time);
+        EXPECT_EQ(usage.estimate("com.example.foo"), static_cast<double>(time)) << place;
+    }
+    EXPECT_EQ(usage.estimate(""), std::nullopt);
+    EXPECT_EQ(usage.estimate("../Preferences"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace velto

@@ -1,0 +1,301 @@
+#include "uninstall/removal_rules.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <random>
+#include <set>
+
+#include "cleaning/TrashRecords.h"
+#include "platform/FileManager.h"
+
+namespace velto {
+namespace {
+
+const HomeLayout mac = HomeLayout::macOS("/Users/ana");
+const HomeLayout linuxHome = HomeLayout::freedesktop(
+    "/home/ana", [](const std::string&) { return std::nullopt; }, "");
+const std::string bundle = "/Applications/Foo.app";
+
+bool isSafe(const std::string& path) { return isSafeToRemove(path, bundle, mac); }
+
+TEST(RemovalRules, WhatAnApplicationLeavesMayBeRemoved) {
+    for (const char* path :
+         {"/Users/ana/Library/Caches/com.example.foo", "/Users/ana/Library/Preferences/a.plist",
+          "/Users/ana/x", "/Applications/Other.app", "/Library/LaunchDaemons/com.example.foo.plist",
+          "/Applications/Foo.app", "/Applications//Foo.app/", "/Applications/x/../Foo.app"}) {
+        EXPECT_TRUE(isSafe(path)) << path;
+    }
+}
+
+TEST(RemovalRules, EverySharedFolderStays) {
+    const char* const ofHome[] = {"Library",
+                                  "Library/Application Support",
+                                  "Library/Application Scripts",
+                                  "Library/Caches",
+                                  "Library/Containers",
+                                  "Library/Cookies",
+                                  "Library/Group Containers",
+                                  "Library/HTTPStorages",
+                                  "Library/LaunchAgents",
+                                  "Library/Logs",
+                                  "Library/Preferences",
+                                  "Library/Logs/DiagnosticReports",
+                                  "Library/Application Support/CrashReporter",
+                                  "Library/Saved Application State",
+                                  "Library/WebKit",
+                                  "Applications"};
+    for (const char* folder : ofHome) {
+        const std::string path = std::string("/Users/ana/") + folder;
+        EXPECT_FALSE(isSafe(path)) << path;
+        EXPECT_FALSE(isSafe(path + "/")) << path;
+        EXPECT_FALSE(isSafe(path + "/x/..")) << path;
+        EXPECT_TRUE(isSafe(path + "/x")) << path;
+        EXPECT_TRUE(isProtectedPlace(path, mac)) << path;
+    }
+    for (const char* path :
+         {"/Applications", "/Applications/Utilities", "/Library", "/Library/Application Support",
+          "/Library/Caches", "/Library/LaunchAgents", "/Library/LaunchDaemons", "/Library/Logs",
+          "/Library/Preferences"}) {
+        EXPECT_FALSE(isSafe(path)) << path;
+        EXPECT_TRUE(isSafe(std::string(path) + "/x")) << path;
+    }
+}
+
+TEST(RemovalRules, TheSystemAndOtherPeoplesFilesStay) {
+    for (const char* folder :
+         {"/System", "/usr", "/bin", "/sbin", "/etc", "/var", "/private", "/opt"}) {
+        EXPECT_FALSE(isSafe(folder)) << folder;
+        EXPECT_FALSE(isSafe(std::string(folder) + "/x")) << folder;
+    }
+    for (const char* path : {"", "/", "relative", "/Users/ana", "/Users/ana/", "/Users/anais/x",
+                             "/Users/ana/../berta/x", "/Users/ana/..", "/tmp/x", "/ApplicationsX/a",
+                             "/LibraryX/a", "/Users"}) {
+        EXPECT_FALSE(isSafe(path)) << path;
+    }
+}
+
+TEST(RemovalRules, AHomeInsideAFolderOfTheSystemIsOutOfReach) {
+    const HomeLayout layout = HomeLayout::macOS("/private/var/ana");
+    EXPECT_FALSE(isSafeToRemove("/private/var/ana/Library/Caches/x", bundle, layout));
+}
+
+TEST(RemovalRules, NothingIsTheBundleWithoutABundle) {
+    EXPECT_FALSE(isSafeToRemove("", "", mac));
+    EXPECT_FALSE(isSafeToRemove("relative", "other", mac));
+}
+
+TEST(RemovalRules, OnALinuxHomeTheFoldersOfAllApplicationsStay) {
+    const auto isSafeThere = [](const std::string& path) {
+        return isSafeToRemove("/home/ana/" + path, "/home/ana/Applications/Foo.AppImage",
+                              linuxHome);
+    };
+    for (const char* path : {".config",
+                             ".local",
+                             ".local/share",
+                             ".local/state",
+                             ".local/bin",
+                             ".cache",
+                             ".var",
+                             ".var/app",
+                             ".config/autostart",
+                             ".config/systemd",
+                             ".config/systemd/user",
+                             ".local/share/applications",
+                             ".local/share/Trash",
+                             ".local/share/Trash/files/x",
+                             ".ssh",
+                             ".ssh/id_ed25519",
+                             ".gnupg",
+                             ".gnupg/private-keys-v1.d/x",
+                             ".bashrc",
+                             ".mozilla",
+                             ".profile",
+                             "Documents",
+                             "Downloads",
+                             "Pictures",
+                             "Music",
+                             "Videos",
+                             "Desktop",
+                             "Applications",
+                             "",
+                             "../berta/x",
+                             "../../usr/bin/env",
+                             ".local/share/flatpak"}) {
+        EXPECT_FALSE(isSafeThere(path)) << path;
+    }
+    for (const char* path :
+         {".config/foo", ".cache/foo", ".local/share/foo", ".local/state/foo", ".var/app/org.foo",
+          ".config/autostart/foo.desktop", ".config/systemd/user/foo.service", ".local/bin/foo",
+          "Applications/Foo.AppImage", "Applications/Other.AppImage", "apps/foo"}) {
+        EXPECT_TRUE(isSafeThere(path)) << path;
+    }
+    EXPECT_TRUE(isProtectedPlace("/home/ana/.ssh/id", linuxHome));
+    EXPECT_TRUE(isProtectedPlace("/home/ana/.bashrc", linuxHome));
+    EXPECT_FALSE(isProtectedPlace("/usr/bin/env", linuxHome));
+}
+
+// Classification
+
+TEST(RemovalRules, EveryErrorHasItsReason) {
+    using Domain = RemovalError::Domain;
+    using Reason = RemovalReason;
+    const std::string inside = "/Users/ana/Library/x";
+    const std::string outside = "/Library/x";
+    struct Row {
+        RemovalError error;
+        Reason inHome;
+        Reason elsewhere;
+    };
+    const auto trash = [](TrashError::Reason reason) {
+        return RemovalError{Domain::trash, static_cast<int>(reason)};
+    };
+    const Row rows[] = {
+        {trash(TrashError::Reason::outsideHome), Reason::admin, Reason::admin},
+        {trash(TrashError::Reason::protected_), Reason::protected_, Reason::protected_},
+        {trash(TrashError::Reason::notFound), Reason::gone, Reason::gone},
+        {trash(TrashError::Reason::alreadyInTrash), Reason::other, Reason::other},
+        {{Domain::posix, 1}, Reason::perm, Reason::admin},
+        {{Domain::posix, 13}, Reason::perm, Reason::admin},
+        {{Domain::posix, 2}, Reason::gone, Reason::gone},
+        {{Domain::posix, 16}, Reason::busy, Reason::busy},
+        {{Domain::posix, 26}, Reason::busy, Reason::busy},
+        {{Domain::posix, 5}, Reason::other, Reason::other},
+        {{Domain::posix, 513}, Reason::other, Reason::other},
+        {{Domain::cocoa, 513}, Reason::perm, Reason::admin},
+        {{Domain::cocoa, 257}, Reason::perm, Reason::admin},
+        {{Domain::cocoa, 4}, Reason::gone, Reason::gone},
+        {{Domain::cocoa, 260}, Reason::gone, Reason::gone},
+        {{Domain::cocoa, 512}, Reason::other, Reason::other},
+        {{Domain::cocoa, 2}, Reason::other, Reason::other},
+        {{Domain::other, 1}, Reason::other, Reason::other},
+        {{Domain::other, 513}, Reason::other, Reason::other},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(classify(row.error, inside, mac), row.inHome)
+            << static_cast<int>(row.error.domain) << " " << row.error.code;
+        EXPECT_EQ(classify(row.error, outside, mac), row.elsewhere)
+            << static_cast<int>(row.error.domain) << " " << row.error.code;
+    }
+}
+
+TEST(RemovalRules, TheCodesHaveTheirNumbers) {
+    const char* const codes[] = {"admin", "perm", "busy", "gone", "protected", "other"};
+    for (int number = 0; number < 6; ++number)
+        EXPECT_EQ(code(static_cast<RemovalReason>(number)), codes[number]);
+}
+
+TEST(RemovalRules, AnExceptionStatesItsError) {
+    EXPECT_EQ(removalError(FileError("remove", "/x", EBUSY)),
+              (RemovalError{RemovalError::Domain::posix, EBUSY}));
+    EXPECT_EQ(removalError(TrashError(TrashError::Reason::notFound)),
+              (RemovalError{RemovalError::Domain::trash,
+                            static_cast<int>(TrashError::Reason::notFound)}));
+    EXPECT_EQ(removalError(std::runtime_error("x")), RemovalError{});
+}
+
+// The safety rule over random paths, against a second statement of it that shares nothing with the
+// first: it works on lists of components and never on the text of a path.
+
+using Components = std::vector<std::string>;
+
+std::optional<Components> componentsOf(const std::string& path) {
+    if (path.empty() || path[0] != '/') return std::nullopt;
+    Components components;
+    std::string current;
+    for (char character : path + "/") {
+        if (character != '/') {
+            current += character;
+            continue;
+        }
+        if (current == "..") {
+            if (!components.empty()) components.pop_back();
+        } else if (!current.empty() && current != ".") {
+            components.push_back(current);
+        }
+        current.clear();
+    }
+    return components;
+}
+
+bool isWithin(const Components& path, const Components& folder) {
+    return path.size() >= folder.size() && std::equal(folder.begin(), folder.end(), path.begin());
+}
+
+bool ruleAllows(const std::string& path, const std::string& bundlePath) {
+    const auto wanted = componentsOf(path);
+    if (!wanted) return false;
+    const auto own = componentsOf(bundlePath);
+    if (own && *wanted == *own) return true;
+    static const std::set<Components> shared = [] {
+        std::set<Components> all;
+        const std::string home = "/Users/ana/";
+        for (const char* name :
+             {"Library", "Library/Application Support", "Library/Application Scripts",
+              "Library/Caches", "Library/Containers", "Library/Cookies", "Library/Group Containers",
+              "Library/HTTPStorages", "Library/LaunchAgents", "Library/Logs", "Library/Preferences",
+              "Library/Logs/DiagnosticReports", "Library/Application Support/CrashReporter",
+              "Library/Saved Application State", "Library/WebKit", "Applications"})
+            all.insert(*componentsOf(home + name));
+        for (const char* name :
+             {"/Applications", "/Applications/Utilities", "/Library",
+              "/Library/Application Support", "/Library/Caches", "/Library/LaunchAgents",
+              "/Library/LaunchDaemons", "/Library/Logs", "/Library/Preferences"})
+            all.insert(*componentsOf(name));
+        return all;
+    }();
+    if (shared.contains(*wanted)) return false;
+    for (const Components& root :
+         {Components{"Users", "ana"}, Components{"Applications"}, Components{"Library"}}) {
+        if (isWithin(*wanted, root) && *wanted != root) return true;
+    }
+    return false;
+}
+
+TEST(RemovalRules, NoPathWhateverItsTextPassesAgainstTheRule) {
+    const char* const pieces[] = {"Users",
+                                  "ana",
+                                  "Library",
+                                  "Caches",
+                                  "Preferences",
+                                  "..",
+                                  ".",
+                                  "",
+                                  "Applications",
+                                  "Utilities",
+                                  "Foo.app",
+                                  "System",
+                                  "usr",
+                                  "private",
+                                  "var",
+                                  "Application Support",
+                                  "CrashReporter",
+                                  "Logs",
+                                  "WebKit",
+                                  "LaunchDaemons",
+                                  "x",
+                                  "library",
+                                  "\xFF",
+                                  " "};
+    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 20'000 : 2'000'000;
+    std::mt19937 random(20240311);
+    int allowed = 0;
+    for (int round = 0; round < rounds; ++round) {
+        std::string path = random() % 50 == 0 ? "" : "/";
+        if (random() % 2 == 0) path += "Users/ana/";
+        const auto count = random() % 6;
+        for (unsigned index = 0; index < count; ++index) {
+            path += pieces[random() % std::size(pieces)];
+            if (random() % 8 != 0) path += '/';
+        }
+        const bool expected = ruleAllows(path, bundle);
+        ASSERT_EQ(isSafeToRemove(path, bundle, mac), expected) << path;
+        allowed += expected ? 1 : 0;
+    }
+    EXPECT_GT(allowed, rounds / 20) << "hardly any path was allowed: the property says little";
+    EXPECT_LT(allowed, rounds - rounds / 20);
+}
+
+}  // namespace
+}  // namespace velto

@@ -1,0 +1,14 @@
+#include "uninstall/AppEntry.h"
+
+#include <nlohmann/json.hpp>
+
+namespace velto {
+
+nlohmann::json toJson(const AppEntry& entry) {
+    return {{"bid", entry.bid},     {"name", entry.name},       {"version", entry.version},
+            {"exec", entry.exec},   {"path", entry.path},       {"gb", entry.gb},
+            {"last", entry.last},   {"running", entry.running}, {"apple", entry.apple},
+            {"store", entry.store}, {"team", entry.team}};
+}
+
+}  // namespace velto

@@ -1,0 +1,219 @@
+#include "uninstall/AppRemover.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <unordered_set>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "cleaning/TrashRecords.h"
+#include "platform/PropertyList.h"
+#include "platform/text.h"
+#include "platform/units.h"
+#include "uninstall/figures.h"
+
+namespace velto {
+namespace {
+
+constexpr double secondsToQuit = 2.0;
+constexpr std::int64_t microsecondsBetweenLooks = 150'000;
+
+constexpr const char* launchctl = "/bin/launchctl";
+constexpr const char* systemctl = "/usr/bin/systemctl";
+constexpr const char* flatpak = "/usr/bin/flatpak";
+
+/// Each path once, the application itself first: what fails later has then lost its use already.
+std::vector<std::string> inOrderOfRemoval(const std::vector<std::string>& paths,
+                                          const std::string& bundlePath) {
+    std::vector<std::string> ordered;
+    std::unordered_set<std::string> seen;
+    for (const std::string& path : paths) {
+        const std::string standard = standardizedPath(path);
+        if (seen.insert(standard.empty() ? path : standard).second) ordered.push_back(path);
+    }
+    std::ranges::stable_partition(ordered, [&](const std::string& path) {
+        return standardizedPath(path) == standardizedPath(bundlePath);
+    });
+    return ordered;
+}
+
+}  // namespace
+
+AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
+                                         const std::vector<std::string>& paths,
+                                         const Progress& progress) {
+    const auto report = [&](std::string_view stage, double percent,
+                            const std::optional<Item>& item = std::nullopt) {
+        if (progress) progress(stage, item, percent);
+    };
+    Result result{.name = entry.name};
+    std::vector<std::string> chosen;
+    for (const std::string& path : inOrderOfRemoval(paths, entry.path)) {
+        if (isSafeToRemove(path, entry.path, platform_.layout)) {
+            chosen.push_back(path);
+        } else {
+            fail(path,
+                 isProtectedPlace(path, platform_.layout) ? RemovalReason::protected_
+                                                          : RemovalReason::admin,
+                 result);
+        }
+    }
+
+    report("stop", 3);
+    result.closed = quitApp(entry);
+    report("stop", 16);
+    unloadAgents(chosen);
+    report("stop", 20);
+
+    removal_.sweep();
+    report("files", 40);
+    std::int64_t bytes = 0;
+    const double count = static_cast<double>(chosen.size());
+    for (std::size_t index = 0; index < chosen.size(); ++index) {
+        const Item item{std::string(lastPathComponent(chosen[index])), chosen[index]};
+        report("files", 40 + 48 * (static_cast<double>(index) / count), item);
+        removeOne(chosen[index], entry, result, bytes);
+    }
+    report("clean", 92);
+    result.freed = roundedToThousandth(gigabytes(bytes));
+    report("done", 100);
+    return result;
+}
+
+// Quitting
+
+bool AppRemover::belongsTo(const RunningApplication& application, const AppEntry& entry) const {
+    if (application.executable == platform_.executablePath) return false;  // this program
+    if (!entry.bid.empty() && application.bundleIdentifier == entry.bid) return true;
+    if (entry.path.empty()) return false;
+    if (isAtOrBelow(application.bundlePath, entry.path)) return true;
+    return platform_.layout.kind == HomeLayout::Kind::freedesktop &&
+           isAtOrBelow(application.executable, entry.path);
+}
+
+int AppRemover::quitApp(const AppEntry& entry) {
+    std::vector<std::unique_ptr<ProcessControl>> processes;
+    for (const RunningApplication& application : platform_.running->list()) {
+        if (!belongsTo(application, entry)) continue;
+        if (auto process = platform_.running->control(application)) {
+            processes.push_back(std::move(process));
+        }
+    }
+    if (processes.empty()) return 0;
+    for (const auto& process : processes)
+        process->terminate();
+    const auto haveEnded = [&] {
+        return std::ranges::all_of(processes, [](const auto& one) { return one->isTerminated(); });
+    };
+    const double deadline = platform_.clock->monotonic() + secondsToQuit;
+    while (!haveEnded() && platform_.clock->monotonic() < deadline) {
+        platform_.sleeper->sleep(microsecondsBetweenLooks);
+    }
+    for (const auto& process : processes) {
+        if (!process->isTerminated()) process->forceTerminate();
+    }
+    platform_.log->line(fmt::format("Velto ▶ desinstalador: {} procesos de {} cerrados",
+                                    processes.size(), singleLine(entry.name)));
+    return static_cast<int>(processes.size());
+}
+
+// Agents
+
+void AppRemover::unloadAgents(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
+            unloadUserUnit(path);
+        } else if (path.find("/LaunchAgents/") != std::string::npos ||
+                   path.find("/LaunchDaemons/") != std::string::npos) {
+            unloadLaunchdAgent(path);
+        }
+    }
+}
+
+void AppRemover::unloadLaunchdAgent(const std::string& path) {
+    constexpr std::int64_t mostBytes = 1024 * 1024;
+    std::optional<PropertyList> list;
+    try {
+        const auto attributes = platform_.files->attributes(platform_.files->resolved(path));
+        if (!attributes || attributes->logicalSize > mostBytes) return;
+        list = readPropertyList(platform_.files->read(path));
+    } catch (const FileError&) {
+        return;  // gone, or not ours to read: then it cannot be named to the system either
+    }
+    const std::string* const label = list ? list->text("Label") : nullptr;
+    if (label == nullptr || label->empty()) return;
+    const bool isDaemon = path.find("/LaunchDaemons/") != std::string::npos;
+    const std::string domain =
+        isDaemon ? "system/" : fmt::format("gui/{}/", platform_.userIdentifier);
+    platform_.tools->run(launchctl, {"bootout", domain + *label});
+}
+
+void AppRemover::unloadUserUnit(const std::string& path) {
+    const std::string standard = standardizedPath(path);
+    const std::string name(lastPathComponent(standard));
+    if (standard != platform_.layout.agentsFolder + "/" + name) return;
+    if (!name.ends_with(".service") && !name.ends_with(".timer")) return;
+    platform_.tools->run(systemctl, {"--user", "disable", "--now", "--", name});
+}
+
+// Deleting
+
+void AppRemover::removeOne(const std::string& path, const AppEntry& entry, Result& result,
+                           std::int64_t& bytes) {
+    const bool isFlatpak = platform_.layout.kind == HomeLayout::Kind::freedesktop &&
+                           path == entry.path &&
+                           path == platform_.layout.userFlatpaks + "/" + entry.bid;
+    std::string place = path;
+    RemovalReason reason = RemovalReason::other;
+    std::string why;
+    try {
+        bytes += isFlatpak ? removeFlatpak(entry) : removal_.remove(path);
+        ++result.removed;
+        return;
+    } catch (const UnfinishedRemoval& error) {
+        place = error.rest();
+        reason = classify(removalError(error), path, platform_.layout);
+        why = error.what();
+    } catch (const std::exception& error) {
+        reason = classify(removalError(error), path, platform_.layout);
+        why = error.what();
+    }
+    result.failures.push_back(
+        {std::string(lastPathComponent(path)), place, std::string(code(reason))});
+    platform_.log->line("Velto ▶ desinstalador: no se pudo quitar " + singleLine(path) + ": " +
+                        singleLine(why));
+}
+
+/// Flatpak keeps records of its own of what is installed, so it does the removing.
+std::int64_t AppRemover::removeFlatpak(const AppEntry& entry) {
+    if (!platform_.files->exists(entry.path)) throw TrashError(TrashError::Reason::notFound);
+    const std::int64_t bytes = apps_.sizeOf(entry.path);
+    platform_.tools->run(flatpak, {"kill", entry.bid});  // fails when it does not run
+    const ToolResult ended = platform_.tools->run(
+        flatpak, {"uninstall", "--user", "--noninteractive", "--assumeyes", entry.bid});
+    if (!ended.started || ended.exitStatus != 0) throw FileError("uninstall", entry.path, EIO);
+    return bytes;
+}
+
+void AppRemover::fail(const std::string& path, RemovalReason reason, Result& result) const {
+    result.failures.push_back(
+        {std::string(lastPathComponent(path)), path, std::string(code(reason))});
+    platform_.log->line("Velto ▶ desinstalador: no se pudo quitar " + singleLine(path) +
+                        ": fuera de lo permitido");
+}
+
+nlohmann::json toJson(const AppRemover::Result& result) {
+    nlohmann::json failures = nlohmann::json::array();
+    for (const AppRemover::Failure& failure : result.failures) {
+        failures.push_back(
+            {{"name", failure.name}, {"path", failure.path}, {"reason", failure.reason}});
+    }
+    return {{"name", result.name},
+            {"removed", result.removed},
+            {"freed", result.freed},
+            {"closed", result.closed},
+            {"failures", std::move(failures)}};
+}
+
+}  // namespace velto

@@ -1,0 +1,156 @@
+#include "uninstall/AppUsage.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/text.h"
+#include "uninstall/desktop_applications.h"
+
+namespace velto {
+namespace {
+
+constexpr const char* fileName = "/app-usage.json";
+
+// What an application touches when it is used: folder of the library, and what follows its
+// identifier there.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> ownFiles{{
+    {"/Preferences/", ".plist"},
+    {"/Application Support/", ""},
+    {"/Containers/", ""},
+    {"/HTTPStorages/", ""},
+    {"/Saved Application State/", ".savedState"},
+}};
+
+}  // namespace
+
+AppUsage::AppUsage(Platform& platform) : platform_(platform) { load(); }
+
+AppUsage& AppUsage::shared() {
+    static AppUsage instance(processPlatform());
+    return instance;
+}
+
+void AppUsage::start() {
+    if (observing) return;
+    observing = true;
+    platform_.running->observe(
+        [this](const RunningApplication& application) { recordIfInstalled(application); });
+    if (platform_.layout.kind == HomeLayout::Kind::macOS) {
+        recordRunning();
+        return;
+    }
+    // Which program is which application stands in many small files: not on the main thread.
+    platform_.dispatcher->global(QualityOfService::utility, [this] {
+        learnExecutables();
+        platform_.dispatcher->main([this] { recordRunning(); });
+    });
+}
+
+void AppUsage::recordRunning() {
+    for (const RunningApplication& application : platform_.running->list())
+        recordIfInstalled(application);
+}
+
+void AppUsage::learnExecutables() {
+    std::map<std::string, std::string> identifiers;
+    for (const DesktopApplication& application : desktopApplications(platform_)) {
+        if (application.isIdentified) identifiers[application.executable] = application.entry.bid;
+    }
+    knowExecutables(std::move(identifiers));
+}
+
+void AppUsage::record(const std::string& bundleID, double time) {
+    if (bundleID.empty() || bundleID == platform_.bundleIdentifier || !(time > 0)) return;
+    if (!isValidUtf8(bundleID)) return;  // could not be written as JSON
+    const std::lock_guard guard(lock_);
+    double& known = launches_[bundleID];
+    if (known >= time) return;
+    known = time;
+    save();
+}
+
+std::map<std::string, double> AppUsage::launches() const {
+    const std::lock_guard guard(lock_);
+    return launches_;
+}
+
+std::optional<double> AppUsage::estimate(const std::string& bundleID) const {
+    const bool isName = !bundleID.empty() && bundleID.find('/') == std::string::npos;
+    const HomeLayout& layout = platform_.layout;
+    std::vector<std::string> paths;
+    if (isName && layout.kind == HomeLayout::Kind::macOS) {
+        for (const auto& [folder, suffix] : ownFiles) {
+            paths.push_back(layout.userLibrary + std::string(folder) + bundleID +
+                            std::string(suffix));
+        }
+    } else if (isName) {
+        for (const std::string* folder :
+             {&layout.configuration, &layout.caches, &layout.applicationSupport,
+              &layout.applicationState, &layout.sandboxes}) {
+            paths.push_back(*folder + "/" + bundleID);
+        }
+    }
+    std::optional<double> latest;
+    for (const std::string& path : paths) {
+        const auto attributes = platform_.files->attributes(path);
+        if (attributes) latest = std::max(latest.value_or(0), attributes->modified);
+    }
+    return latest;
+}
+
+void AppUsage::knowExecutables(std::map<std::string, std::string> identifiers) {
+    const std::lock_guard guard(lock_);
+    executables_ = std::move(identifiers);
+}
+
+std::optional<std::string> AppUsage::installedIdentifier(
+    const RunningApplication& application) const {
+    const HomeLayout& layout = platform_.layout;
+    if (layout.kind == HomeLayout::Kind::freedesktop) {
+        const std::lock_guard guard(lock_);
+        const auto found = executables_.find(application.executable);
+        return found == executables_.end() ? std::nullopt : std::optional(found->second);
+    }
+    const std::string& path = application.bundlePath;
+    const bool isInstalled = path.starts_with(layout.systemApplications + "/") ||
+                             path.starts_with(layout.userApplications + "/");
+    if (!isInstalled || application.bundleIdentifier.empty()) return std::nullopt;
+    return application.bundleIdentifier;
+}
+
+void AppUsage::recordIfInstalled(const RunningApplication& application) {
+    if (const auto identifier = installedIdentifier(application)) {
+        record(*identifier, platform_.clock->now());
+    }
+}
+
+void AppUsage::load() {
+    try {
+        const auto json =
+            nlohmann::json::parse(platform_.files->read(platform_.layout.dataFolder + fileName));
+        if (!json.is_object()) return;
+        for (const auto& [bundleID, time] : json.items()) {
+            if (time.is_number()) launches_[bundleID] = time.get<double>();
+        }
+    } catch (const FileError&) {
+        // Nothing was seen yet.
+    } catch (const nlohmann::json::exception&) {
+        // Damaged: counts as empty, and the next save replaces it.
+    }
+}
+
+void AppUsage::save() const {
+    try {
+        const std::string& folder = platform_.layout.dataFolder;
+        platform_.files->createFolders(folder);
+        platform_.files->writeAtomically(folder + fileName, nlohmann::json(launches_).dump());
+    } catch (const FileError&) {
+        // What was seen stays in force for the life of the process.
+    }
+}
+
+}  // namespace velto

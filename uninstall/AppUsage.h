@@ -1,0 +1,60 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/Platform.h"
+
+namespace velto {
+
+/// When applications were last used: what was seen while the program ran, kept in "app-usage.json"
+/// in the data folder, and an estimate for applications never seen. Safe from every thread, but for
+/// `start`.
+class AppUsage {
+public:
+    /// Reads the file; a missing or unreadable one counts as empty. The platform outlives the
+    /// object.
+    explicit AppUsage(Platform& platform);
+
+    /// The process's instance, made at first use from the process's platform.
+    static AppUsage& shared();
+
+    /// Records what runs now and, from now on, every application that is started or activated, when
+    /// it is an installed one. Main thread; a second call does nothing. The object then lives as
+    /// long as the platform's dispatcher runs its work.
+    void start();
+
+    /// Notes one use. Ignored: an empty identifier, this program itself, a time that is not
+    /// positive and one that is not later than what is known. Saving fails silently; the record
+    /// goes on in memory.
+    void record(const std::string& bundleID, double time);
+
+    /// The latest use seen, seconds since 1970, by bundle identifier.
+    std::map<std::string, double> launches() const;
+
+    /// The latest change of the application's own files in the user's library; nothing when it has
+    /// none there.
+    std::optional<double> estimate(const std::string& bundleID) const;
+
+    /// On a home without bundles: which programs are which applications, by the executable's path.
+    void knowExecutables(std::map<std::string, std::string> identifiers);
+
+    bool observing = false;  // `start` was called
+
+private:
+    std::optional<std::string> installedIdentifier(const RunningApplication& application) const;
+    void recordRunning();
+    void learnExecutables();
+    void recordIfInstalled(const RunningApplication& application);
+    void load();
+    void save() const;
+
+    Platform& platform_;
+    mutable std::mutex lock_;
+    std::map<std::string, double> launches_;
+    std::map<std::string, std::string> executables_;
+};
+
+}  // namespace velto

@@ -1,0 +1,184 @@
+#include "uninstall/InstalledApps.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "platform/parallel.h"
+#include "platform/text.h"
+#include "uninstall/bundle_information.h"
+#include "uninstall/desktop_applications.h"
+#include "uninstall/disk_usage.h"
+#include "uninstall/words.h"
+
+namespace velto {
+namespace {
+
+constexpr std::string_view bundleExtension = ".app";
+
+bool isBundleName(std::string_view name) {
+    return name.size() > bundleExtension.size() && name.ends_with(bundleExtension);
+}
+
+std::unordered_set<std::string> runningIdentifiers(RunningApplications& running) {
+    std::unordered_set<std::string> identifiers;
+    for (RunningApplication& application : running.list()) {
+        if (!application.bundleIdentifier.empty()) {
+            identifiers.insert(std::move(application.bundleIdentifier));
+        }
+    }
+    return identifiers;
+}
+
+}  // namespace
+
+std::vector<AppEntry> InstalledApps::listApps() {
+    std::vector<AppEntry> found = platform_.layout.kind == HomeLayout::Kind::freedesktop
+                                      ? listDesktopApplications()
+                                      : listBundles();
+    std::erase_if(found,
+                  [&](const AppEntry& entry) { return entry.bid == platform_.bundleIdentifier; });
+    const auto launches = usage_.launches();
+    for (AppEntry& entry : found)
+        entry.last = lastUse(entry, launches);
+    std::ranges::stable_sort(found, [&](const AppEntry& left, const AppEntry& right) {
+        return platform_.locale->compare(left.name, right.name) < 0;
+    });
+    return found;
+}
+
+std::vector<AppEntry> InstalledApps::listBundles() const {
+    const std::vector<std::string> paths = bundlePaths();
+    std::vector<std::optional<AppEntry>> read(paths.size());
+    forEachInParallel(paths.size(), 0,
+                      [&](std::size_t index, std::size_t) { read[index] = readApp(paths[index]); });
+    const auto running = runningIdentifiers(*platform_.running);
+    std::vector<AppEntry> found;
+    for (std::optional<AppEntry>& entry : read) {
+        if (!entry) continue;
+        entry->running = running.contains(entry->bid);
+        found.push_back(std::move(*entry));
+    }
+    return found;
+}
+
+std::vector<AppEntry> InstalledApps::listDesktopApplications() {
+    std::vector<AppEntry> found;
+    std::map<std::string, std::string> identifiers, icons;
+    for (DesktopApplication& application : desktopApplications(platform_)) {
+        if (application.isIdentified) identifiers[application.executable] = application.entry.bid;
+        icons[application.entry.path] = std::move(application.icon);
+        found.push_back(std::move(application.entry));
+    }
+    usage_.knowExecutables(std::move(identifiers));
+    const std::lock_guard guard(lock_);
+    iconNames_ = std::move(icons);
+    return found;
+}
+
+std::vector<std::string> InstalledApps::bundlePaths() const {
+    const HomeLayout& layout = platform_.layout;
+    std::vector<std::string> paths;
+    std::unordered_set<std::string> seen;
+    for (const std::string& folder :
+         {layout.systemApplications, layout.systemApplications + "/Utilities",
+          layout.userApplications}) {
+        try {
+            for (const std::string& name : platform_.files->list(folder)) {
+                std::string path = folder + "/" + name;
+                if (isBundleName(name) && seen.insert(path).second)
+                    paths.push_back(std::move(path));
+            }
+        } catch (const FileError&) {
+            // A folder that is not there, or that cannot be listed, has no applications to offer.
+        }
+    }
+    return paths;
+}
+
+double InstalledApps::lastUse(AppEntry& entry, const std::map<std::string, double>& launches) {
+    if (const auto seen = launches.find(entry.bid); seen != launches.end()) return seen->second;
+    if (entry.running) {
+        const double now = platform_.clock->now();
+        usage_.record(entry.bid, now);
+        return now;
+    }
+    return usage_.estimate(entry.bid).value_or(0);
+}
+
+std::optional<AppEntry> InstalledApps::readApp(const std::string& path) const {
+    if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
+        for (DesktopApplication& application : desktopApplications(platform_)) {
+            if (application.entry.path != path) continue;
+            const std::lock_guard guard(lock_);
+            iconNames_[path] = application.icon;
+            return std::move(application.entry);
+        }
+        return std::nullopt;
+    }
+    const auto information = readBundleInformation(*platform_.files, *platform_.contents, path);
+    if (!information || information->identifier.value_or("").empty()) return std::nullopt;
+    std::string fileName(lastPathComponent(path));
+    if (isBundleName(fileName)) fileName.resize(fileName.size() - bundleExtension.size());
+    const BundleInformation& texts = *information;
+    const auto first = [](const std::optional<std::string>& one,
+                          const std::optional<std::string>& other,
+                          const std::string& last) { return one ? *one : other.value_or(last); };
+    AppEntry entry;
+    entry.bid = *texts.identifier;
+    entry.name = first(texts.displayName, texts.name, fileName);
+    entry.version = first(texts.shortVersion, texts.version, "");
+    entry.exec = texts.executable.value_or(fileName);
+    entry.path = path;
+    entry.apple = entry.bid.starts_with("com.apple.") || path.starts_with("/System/");
+    entry.store = platform_.files->exists(path + "/Contents/_MASReceipt/receipt");
+    return entry;
+}
+
+bool InstalledApps::isRunning(const AppEntry& entry) const {
+    if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
+        const auto read = readApp(entry.path);
+        return read && read->running;
+    }
+    return runningIdentifiers(*platform_.running).contains(entry.bid);
+}
+
+std::int64_t InstalledApps::sizeOf(const std::string& path) const {
+    return sizesOf({path}).front();
+}
+
+std::vector<std::int64_t> InstalledApps::sizesOf(const std::vector<std::string>& paths) const {
+    return allocatedSizes(*platform_.files, *platform_.directories, paths);
+}
+
+std::optional<std::string> InstalledApps::iconDataURL(const std::string& path, int size) const {
+    if (platform_.layout.kind == HomeLayout::Kind::macOS) {
+        return platform_.icons->pngDataURL(path, size);
+    }
+    std::string name;
+    {
+        const std::lock_guard guard(lock_);
+        const auto found = iconNames_.find(path);
+        if (found == iconNames_.end()) return std::nullopt;
+        name = found->second;
+    }
+    const std::string file = desktopIconFile(platform_, name);
+    return file.empty() ? std::nullopt : platform_.icons->pngDataURL(file, size);
+}
+
+std::optional<std::string> InstalledApps::teamID(const std::string& path) const {
+    const ToolResult result =
+        platform_.tools->run("/usr/bin/codesign", {"-dv", "--verbose=4", path});
+    if (!result.started || !isValidUtf8(result.standardError)) return std::nullopt;
+    constexpr std::string_view mark = "TeamIdentifier=";
+    for (std::string_view rest = result.standardError; !rest.empty();) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+        if (!line.starts_with(mark)) continue;
+        const std::string_view team = trimmed(line.substr(mark.size()));
+        if (team.empty() || team == "not set") return std::nullopt;
+        return std::string(team);
+    }
+    return std::nullopt;
+}
+
+}  // namespace velto

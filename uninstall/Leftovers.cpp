@@ -1,0 +1,158 @@
+#include "uninstall/Leftovers.h"
+
+#include <unordered_set>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/text.h"
+#include "platform/units.h"
+#include "uninstall/figures.h"
+
+namespace velto::Leftovers {
+namespace {
+
+constexpr int iconSize = 32;  // pixels
+
+/// A verified leftover, or the application itself.
+struct Item {
+    std::string id;
+    std::string name;
+    Candidate what;
+    double gb = 0;
+};
+
+nlohmann::json toJson(const Item& item) {
+    return {{"id", item.id},
+            {"name", item.name},
+            {"path", item.what.path},
+            {"gb", item.gb},
+            {"conf", rawValue(item.what.conf)},
+            {"admin", item.what.admin},
+            {"nested", item.what.nested},
+            {"cat", item.what.cat}};
+}
+
+/// A link that leads nowhere does not count: removing goes by what a path leads to.
+bool exists(const FileManager& files, const std::string& path) {
+    const auto attributes = files.attributes(path);
+    if (!attributes) return false;
+    if (attributes->kind != FileKind::symbolicLink) return true;
+    try {
+        files.resolved(path);
+        return true;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+/// The roots of the search by name with their categories.
+std::vector<std::pair<std::string, std::string>> searchRoots(const HomeLayout& home) {
+    if (home.kind == HomeLayout::Kind::freedesktop) {
+        return {{home.applicationSupport, "support"},
+                {home.caches, "caches"},
+                {home.configuration, "prefs"}};
+    }
+    return {{home.userLibrary + "/Application Support", "support"},
+            {home.userLibrary + "/Caches", "caches"},
+            {home.userLibrary + "/Logs", "logs"}};
+}
+
+std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& entry) {
+    auto candidates =
+        buildCandidates(entry.bid, entry.name, entry.exec, entry.path, entry.team, platform.layout);
+    for (const auto& [root, cat] : searchRoots(platform.layout)) {
+        const auto found = searchByName(*platform.files, *platform.locale, entry.name, {root}, cat);
+        candidates.insert(candidates.end(), found.begin(), found.end());
+    }
+    return candidates;
+}
+
+/// Everything that exists, each path once, in the order of the candidates.
+std::vector<Item> verifiedItems(const Platform& platform, const InstalledApps& apps,
+                                const AppEntry& entry, const Progress& progress) {
+    std::unordered_set<std::string> accepted{entry.path};
+    std::vector<Item> items;
+    std::vector<std::string> paths;
+    for (const Candidate& candidate : allCandidates(platform, entry)) {
+        for (Candidate& found : expand(*platform.files, candidate)) {
+            if (accepted.contains(found.path) || !exists(*platform.files, found.path)) continue;
+            accepted.insert(found.path);
+            paths.push_back(found.path);
+            const std::string name(lastPathComponent(found.path));
+            items.push_back({.id = "un-" + std::to_string(items.size() + 1),
+                             .name = name,
+                             .what = std::move(found)});
+            if (progress) progress(name);
+        }
+    }
+    const auto sizes = apps.sizesOf(paths);
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        items[index].gb = roundedToThousandth(gigabytes(sizes[index]));
+    }
+    return items;
+}
+
+nlohmann::json groupsOf(const std::vector<Item>& items) {
+    nlohmann::json groups = nlohmann::json::array();
+    for (std::string_view category : categories) {
+        nlohmann::json inGroup = nlohmann::json::array();
+        for (const Item& item : items) {
+            if (item.what.cat == category) inGroup.push_back(toJson(item));
+        }
+        if (!inGroup.empty()) groups.push_back({{"key", category}, {"items", std::move(inGroup)}});
+    }
+    return groups;
+}
+
+struct Totals {
+    double total = 0, certain = 0, possible = 0;
+    int adminCount = 0, possibleCount = 0;
+};
+
+Totals totalsOf(const std::vector<Item>& items) {
+    Totals totals;
+    for (const Item& item : items) {
+        totals.total += item.gb;
+        if (item.what.admin) {
+            ++totals.adminCount;
+        } else if (item.what.conf == Conf::certain) {
+            totals.certain += item.gb;
+        } else {
+            totals.possible += item.gb;
+            ++totals.possibleCount;
+        }
+    }
+    return totals;
+}
+
+}  // namespace
+
+std::string_view rawValue(Conf conf) { return conf == Conf::certain ? "certain" : "possible"; }
+
+nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, const AppEntry& entry,
+                       const Progress& progress) {
+    const double gb =
+        roundedToThousandth(entry.gb > 0 ? entry.gb : gigabytes(apps.sizeOf(entry.path)));
+    std::vector<Item> items{
+        {.id = "un-app", .name = entry.name, .what = {.path = entry.path, .cat = "app"}, .gb = gb}};
+    for (Item& item : verifiedItems(platform, apps, entry, progress))
+        items.push_back(std::move(item));
+    const Totals totals = totalsOf(items);
+    return {{"bid", entry.bid},
+            {"name", entry.name},
+            {"path", entry.path},
+            {"version", entry.version},
+            {"icon", apps.iconDataURL(entry.path, iconSize).value_or("")},
+            {"gb", gb},
+            {"running", entry.running},
+            {"team", entry.team},
+            {"groups", groupsOf(items)},
+            {"total", roundedToThousandth(totals.total)},
+            {"certain", roundedToThousandth(totals.certain)},
+            {"possible", roundedToThousandth(totals.possible)},
+            {"adminCount", totals.adminCount},
+            {"possibleCount", totals.possibleCount},
+            {"count", items.size()}};
+}
+
+}  // namespace velto::Leftovers
