@@ -4,7 +4,10 @@
 
 namespace velto {
 
-void AppDelegate::applicationDidFinishLaunching() { platform_.notifications->removeAllDelivered(); }
+void AppDelegate::applicationDidFinishLaunching() {
+    platform_.notifications->removeAllDelivered();
+    usage_.start();
+}
 
 void AppDelegate::applicationDidBecomeActive() {
     platform_.activity.set(true);

@@ -1,15 +1,17 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "uninstall/AppUsage.h"
 
 namespace velto {
 
 /// What the application does at the events of its life. Main thread.
 class AppDelegate {
 public:
-    explicit AppDelegate(Platform& platform) : platform_(platform) {}
+    AppDelegate(Platform& platform, AppUsage& usage) : platform_(platform), usage_(usage) {}
 
-    /// Takes back the notifications that maintenance runs have left.
+    /// Takes back the notifications that maintenance runs have left, and begins to note when
+    /// applications are used.
     void applicationDidFinishLaunching();
 
     /// Lets live samples begin that the page wants, and the current bridge check Full Disk Access
@@ -25,6 +27,7 @@ public:
 
 private:
     Platform& platform_;
+    AppUsage& usage_;
 };
 
 }  // namespace velto

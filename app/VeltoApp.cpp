@@ -21,7 +21,7 @@ VeltoApp::VeltoApp(Platform& platform)
     : platform_(platform),
       settings_(*platform.defaults, *platform.locale),
       language_(settings_),
-      delegate_(platform),
+      delegate_(platform, AppUsage::shared()),
       cleanups_(*platform.dispatcher, {.trash = VeltoTrashService::shared(),
                                        .history = HistoryService::shared(),
                                        .cloud = CloudFolder::shared()}) {}
@@ -36,6 +36,7 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                                                        .language = language_,
                                                        .exclusions = ExclusionService::shared(),
                                                        .shell = *shell_,
+                                                       .usage = AppUsage::shared(),
                                                        .cleanups = cleanups_});
     bridge_->attach(webView);
 }

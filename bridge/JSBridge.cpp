@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "bridge/AppsWork.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
 #include "platform/text.h"
@@ -29,6 +30,7 @@ JSBridge::JSBridge(const BridgeContext& context)
       scheduler_(context.platform),
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
+      apps_(std::make_shared<AppsWork>(context.platform, context.usage)),
       cleanups_(context.cleanups) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();

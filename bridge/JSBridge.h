@@ -25,6 +25,7 @@
 #include "platform/WebView.h"
 #include "settings/AppLanguage.h"
 #include "settings/VeltoSettings.h"
+#include "uninstall/AppUsage.h"
 
 namespace velto {
 
@@ -35,10 +36,13 @@ struct BridgeContext {
     AppLanguage& language;
     ExclusionService& exclusions;
     ApplicationShell& shell;
+    AppUsage& usage;
     CleanupQueue& cleanups;
 };
 
 struct CleanupOutcome;
+struct AppsWork;
+struct UninstallRecord;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
 /// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
@@ -90,6 +94,8 @@ public:
     bool pendingAccessRescan = false;             // analyse again when the running one ends
     std::optional<BootState> bootState;           // the current analysis; none before the first one
     bool needsFirstScan = false;
+    bool uninstallRunning = false;      // one at a time
+    bool appsMeasuring = false;         // the sizes that follow the list
     bool maintenanceMeasuring = false;  // what the rules would move is being measured
 
     std::unique_ptr<SystemMonitor> system;  // live sampling
@@ -112,6 +118,9 @@ private:
     void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
+    void onAppsList(const Payload& payload);      // these three: apps_intents.cpp
+    void onAppAnalysis(const Payload& payload);
+    void onUninstall(const Payload& payload);
     void onMaintenanceStatus(const Payload& payload);
     void onMeasureMaintenance(const Payload& payload);
     void onDeleteFiles(const Payload& payload);
@@ -160,6 +169,10 @@ private:
     VeltoTrashService::KnownSizes knownSizes(const std::vector<std::string>& paths) const;
     void showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
+    // Applications (apps_intents.cpp).
+    void measureApps(const std::vector<std::string>& paths);
+    void recordUninstall(const UninstallRecord& record);
+
     // Reset (reset.cpp).
     void forgetLocalData();
 
@@ -181,6 +194,7 @@ private:
     // Shared with the walk, which may outlive the bridge.
     struct ScannerWithAccess;
     std::shared_ptr<ScannerWithAccess> scanner_;
+    std::shared_ptr<AppsWork> apps_;
     std::weak_ptr<WebView> webView_;
 
     CleanupQueue& cleanups_;

@@ -41,6 +41,7 @@ TEST(RunModes, ResetTakesAgentAndDataAwayAndKeepsSettings) {
 
 struct ApplicationTest : testing::Test {
     TestPlatform machine;
+    AppUsage usage{machine.platform};
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
 
@@ -50,7 +51,7 @@ struct ApplicationTest : testing::Test {
 };
 
 TEST_F(ApplicationTest, ClosingTheWindowKeepsRunningWhileMaintenanceIsInstalled) {
-    AppDelegate delegate(machine.platform);
+    AppDelegate delegate(machine.platform, usage);
     EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
     machine.home.text(agent, "x");
     EXPECT_FALSE(delegate.applicationShouldTerminateAfterLastWindowClosed());
@@ -59,8 +60,9 @@ TEST_F(ApplicationTest, ClosingTheWindowKeepsRunningWhileMaintenanceIsInstalled)
 }
 
 TEST_F(ApplicationTest, LaunchingTakesOldNotificationsBack) {
-    AppDelegate(machine.platform).applicationDidFinishLaunching();
+    AppDelegate(machine.platform, usage).applicationDidFinishLaunching();
     EXPECT_EQ(machine.notifications.removals, 1);
+    EXPECT_TRUE(usage.observing);
 }
 
 TEST_F(ApplicationTest, CommandsBeforeTheBridgeExistsDoNothing) {
@@ -68,7 +70,7 @@ TEST_F(ApplicationTest, CommandsBeforeTheBridgeExistsDoNothing) {
     app.setShell(shell);
     for (const AppCommand& each : VeltoApp::commands())
         app.perform(each);
-    AppDelegate(machine.platform).applicationDidBecomeActive();
+    AppDelegate(machine.platform, usage).applicationDidBecomeActive();
     app.pageLoaded();
     EXPECT_TRUE(machine.log.lines().empty());
 }

@@ -21,6 +21,7 @@ struct BridgeFixture : testing::Test {
     CloudFolder cloud{*machine.platform.files, *machine.platform.mover, machine.log,
                       machine.platform.layout};
     std::unique_ptr<CleanupQueue> cleanups;
+    AppUsage usage{machine.platform};
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
     std::shared_ptr<JSBridge> bridge;
@@ -43,6 +44,7 @@ struct BridgeFixture : testing::Test {
                                                           .language = language,
                                                           .exclusions = exclusions,
                                                           .shell = shell,
+                                                          .usage = usage,
                                                           .cleanups = *cleanups});
         bridge->attach(page);
     }

@@ -1,0 +1,43 @@
+#include "bridge/app_events.h"
+
+#include <nlohmann/json.hpp>
+
+#include "bridge/events.h"
+#include "platform/text.h"
+#include "platform/units.h"
+
+namespace velto::events {
+namespace {
+
+std::string inQuotes(std::string_view text) {
+    std::string result = "\"";
+    for (char character : validUtf8(text)) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\\' || character == '"') result += '\\';
+        result += byte < 0x20 || byte == 0x7F ? ' ' : character;
+    }
+    return result + '"';
+}
+
+}  // namespace
+
+std::string apps(const nlohmann::json& list) { return call("onApps", literal(list)); }
+
+std::string appSizes(const nlohmann::json& sizes) { return call("onAppSizes", literal(sizes)); }
+
+std::string appAnalysis(const nlohmann::json& analysis) {
+    return call("onAppAnalysis", literal(analysis));
+}
+
+std::string uninstallProgress(std::string_view stage, double percent,
+                              const std::optional<std::string>& detail) {
+    std::string arguments = inQuotes(stage) + ", " + tenths(percent);
+    if (detail) arguments += ", " + inQuotes(*detail);
+    return call("onUninstallProgress", arguments);
+}
+
+std::string uninstallResult(const nlohmann::json& result) {
+    return call("onUninstallResult", literal(result));
+}
+
+}  // namespace velto::events

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json_fwd.hpp>
+
+/// The scripts of the uninstaller's events. Pure, like those of events.h.
+namespace velto::events {
+
+/// The applications' records, each with `icon` when one could be made.
+std::string apps(const nlohmann::json& list);
+
+/// GB with three decimals, by the application's path.
+std::string appSizes(const nlohmann::json& sizes);
+
+std::string appAnalysis(const nlohmann::json& analysis);
+
+/// `percent` is written with one decimal. In the detail, which may be any file's name, backslashes
+/// and quotes are escaped, and what would break the line becomes a space.
+std::string uninstallProgress(std::string_view stage, double percent,
+                              const std::optional<std::string>& detail);
+
+std::string uninstallResult(const nlohmann::json& result);
+
+}  // namespace velto::events
