@@ -3,14 +3,11 @@ import { defineConfig } from 'vitest/config';
 import { classicPage } from './build/classicPage.ts';
 import { staticIcons } from './build/staticIcons.ts';
 
-export default defineConfig(({ mode }) => ({
+export default defineConfig({
   base: './',
   plugins: [staticIcons(), svelte(), classicPage()],
-  // The mode "ahead" switches on every feature the page is prepared for; tests build it too.
-  define: { __AHEAD__: JSON.stringify(mode === 'ahead') },
   build: {
     target: 'safari16.4',
-    outDir: mode === 'ahead' ? 'dist-ahead' : 'dist',
     modulePreload: false,
     assetsInlineLimit: 0,
     rolldownOptions: {
@@ -43,4 +40,4 @@ export default defineConfig(({ mode }) => ({
       },
     ],
   },
-}));
+});

@@ -1,6 +1,8 @@
 /** The only place that touches `window.velto` and the script message handler. */
+import * as appGuards from './appGuards.ts';
 import * as guards from './guards.ts';
 import type { DiskState, EventName, Events, IntentName, Intents, Listeners } from './protocol.ts';
+import { systemSample } from './systemGuards.ts';
 
 interface Channel {
   postMessage(message: { type: string; payload?: unknown }): void;
@@ -47,6 +49,24 @@ const readers: { [Name in EventName]?: (values: unknown[]) => Events[Name] | nul
   onMaintenance: ([status]) => [guards.maintenanceStatus(status)],
   onTrashState: ([items]) => [guards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
+  onApps: ([apps]) => [appGuards.installedApps(apps)],
+  onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
+  onAppAnalysis: ([value]) => {
+    const analysis = appGuards.appAnalysis(value);
+    return analysis && [analysis];
+  },
+  onUninstallProgress: ([word, percent, detail]) => {
+    const stage = appGuards.uninstallStage(word);
+    return stage && [stage, appGuards.percent(percent), guards.text(detail)];
+  },
+  onUninstallResult: ([value]) => {
+    const result = appGuards.uninstallResult(value);
+    return result && [result];
+  },
+  onSystem: ([value]) => {
+    const sample = systemSample(value);
+    return sample && [sample];
+  },
 };
 
 /** A stamp of 0 is no stamp: the program has none to give when nothing was analysed yet. */

@@ -11,7 +11,7 @@ import type {
 
 type Fields = Record<string, unknown>;
 
-function fieldsOf(value: unknown): Fields | null {
+export function fieldsOf(value: unknown): Fields | null {
   return typeof value === 'object' && value !== null && !Array.isArray(value) ? (value as Fields) : null;
 }
 
@@ -23,7 +23,7 @@ export function number(value: unknown): number {
   return typeof value === 'number' && Number.isFinite(value) ? value : 0;
 }
 
-function size(value: unknown): number {
+export function size(value: unknown): number {
   return Math.max(0, number(value));
 }
 
@@ -36,7 +36,7 @@ export function texts(value: unknown): string[] {
   return Array.isArray(value) ? value.filter((entry): entry is string => typeof entry === 'string') : [];
 }
 
-function list<Entry>(value: unknown, read: (fields: Fields) => Entry | null): Entry[] {
+export function list<Entry>(value: unknown, read: (fields: Fields) => Entry | null): Entry[] {
   if (!Array.isArray(value)) return [];
   const entries: Entry[] = [];
   // A plain loop: this reads hundreds of entries before the first frame.
@@ -52,7 +52,7 @@ function list<Entry>(value: unknown, read: (fields: Fields) => Entry | null): En
  * Lists are shown and selected by path or id, so each may appear once. Two files can only share a
  * path here when bytes that are no text were replaced in it; neither could be acted on then.
  */
-function distinct<Entry>(entries: Entry[], key: (entry: Entry) => string): Entry[] {
+export function distinct<Entry>(entries: Entry[], key: (entry: Entry) => string): Entry[] {
   const seen = new Set<string>();
   return entries.filter((entry) => !seen.has(key(entry)) && seen.add(key(entry)));
 }

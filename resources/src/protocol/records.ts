@@ -150,9 +150,11 @@ export interface InstalledApp {
   icon?: string;
 }
 
-export type LeftoverGroupKey =
-  | 'app' | 'support' | 'caches' | 'prefs' | 'state'
-  | 'containers' | 'group' | 'web' | 'logs' | 'agents';
+/** In the order in which they are shown. */
+export const leftoverKeys = [
+  'app', 'support', 'caches', 'prefs', 'state', 'containers', 'group', 'web', 'logs', 'agents',
+] as const;
+export type LeftoverGroupKey = (typeof leftoverKeys)[number];
 
 export interface LeftoverItem {
   id: string;
@@ -183,8 +185,10 @@ export interface AppAnalysis {
   count: number;
 }
 
-export type UninstallStage = 'stop' | 'files' | 'clean' | 'done';
-export type FailureReason = 'admin' | 'perm' | 'busy' | 'gone' | 'protected' | 'other';
+export const uninstallStages = ['stop', 'files', 'clean', 'done'] as const;
+export type UninstallStage = (typeof uninstallStages)[number];
+export const failureReasons = ['admin', 'perm', 'busy', 'gone', 'protected', 'other'] as const;
+export type FailureReason = (typeof failureReasons)[number];
 
 export interface UninstallResult {
   name: string;
@@ -206,20 +210,27 @@ export interface ProcessGroup {
   icon: string;
 }
 
+export const pressures = ['normal', 'warning', 'critical'] as const;
+export const thermalStates = ['nominal', 'fair', 'serious', 'critical'] as const;
+export const batteryStates = ['charged', 'charging', 'ac', 'discharging'] as const;
+
 /** One sample of the machine; the first one after a start has no `cpu` and no `net`. */
 export interface SystemSample {
   cpu?: { pct: number; cores: number; load: number };
   mem?: {
     total: number; used: number; pct: number;
     app: number; wired: number; compressed: number; cached: number;
-    pressure: 'normal' | 'warning' | 'critical';
+    pressure: (typeof pressures)[number];
     swapUsed: number; swapTotal: number;
   };
   disk?: { total: number; free: number; pct: number };
-  thermal?: { state: 'nominal' | 'fair' | 'serious' | 'critical'; lowPower: boolean };
+  thermal?: { state: (typeof thermalStates)[number] | 'unknown'; lowPower: boolean };
   battery?: {
-    avail: boolean; pct?: number; minutes?: number; cycles?: number;
-    state?: 'charged' | 'charging' | 'ac' | 'discharging';
+    avail: boolean; pct?: number;
+    /** Until it is full or empty; left out when nobody knows. */
+    minutes?: number;
+    cycles?: number;
+    state?: (typeof batteryStates)[number];
   };
   /** Bytes a second. */
   net?: { avail: boolean; iface: string; down: number; up: number };

@@ -5,22 +5,26 @@
 import type { Component } from 'svelte';
 import type { ViewName } from '../protocol/protocol.ts';
 import Ajustes from './ajustes/Ajustes.svelte';
+import Apps from './apps/Apps.svelte';
 import Archivos from './archivos/Archivos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
 import Historial from './historial/Historial.svelte';
 import Limpieza from './limpieza/Limpieza.svelte';
-import NotYet from './NotYet.svelte';
 import Papelera from './papelera/Papelera.svelte';
+import Sistema from './sistema/Sistema.svelte';
 
-const contents: Partial<Record<ViewName, Component>> = {
+const contents: Record<Exclude<ViewName, 'inicio'>, Component> = {
   archivos: Archivos,
   duplicados: Duplicados,
   limpieza: Limpieza,
   papelera: Papelera,
   historial: Historial,
+  apps: Apps,
+  sistema: Sistema,
   ajustes: Ajustes,
 };
 
-export function contentOf(name: ViewName): Component {
-  return contents[name] ?? NotYet;
+/** Null for the view at the start. */
+export function contentOf(name: ViewName): Component | null {
+  return name === 'inicio' ? null : contents[name];
 }

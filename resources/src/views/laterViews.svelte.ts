@@ -27,7 +27,7 @@ function addStyles(file: string): Promise<void> {
 
 class LaterViews {
   failed = $state(false);
-  private find = $state.raw<((name: ViewName) => Component) | null>(null);
+  private find = $state.raw<((name: ViewName) => Component | null) | null>(null);
   private asked = false;
 
   /** Null until the script is there. */

@@ -2,6 +2,8 @@
  * The views of the rail. Adding one is a folder beside this file, a row here and one in `later.ts`:
  * only what is on screen at the start is part of the first script.
  */
+import Activity from '@lucide/svelte/icons/activity';
+import AppWindow from '@lucide/svelte/icons/app-window';
 import BrushCleaning from '@lucide/svelte/icons/brush-cleaning';
 import Copy from '@lucide/svelte/icons/copy';
 import FileStack from '@lucide/svelte/icons/file-stack';
@@ -27,5 +29,7 @@ export const views: readonly View[] = [
   { name: 'limpieza', icon: BrushCleaning },
   { name: 'papelera', icon: Trash2 },
   { name: 'historial', icon: History },
+  { name: 'apps', icon: AppWindow },
+  { name: 'sistema', icon: Activity },
   { name: 'ajustes', icon: Settings },
 ];

@@ -2,8 +2,10 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
+import { bareSample, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -55,6 +57,47 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
       await opened.page.getByRole('row').nth(1).focus();
       await opened.page.keyboard.press('Delete');
     });
+  });
+
+  it('the applications, one of them and its removal have none', async () => {
+    const apps = someApps();
+    const list = async ({ tell }: OpenPage) => {
+      await tell('onApps', apps);
+      await tell('onAppSizes', sizesOf(apps));
+    };
+    const look = async (opened: OpenPage) => {
+      await list(opened);
+      await opened.page.locator('[data-key]').nth(1).click();
+      await opened.tell('onAppAnalysis', analysisOf(apps[1]!, someLeftovers()));
+    };
+    const begin = async (opened: OpenPage) => {
+      await look(opened);
+      await opened.page.locator('[data-region="actions"] button').last().click();
+      await opened.page.getByRole('dialog').getByRole('button').last().click();
+      await opened.tell('onUninstallProgress', 'files', 64, 'a.plist');
+    };
+    const saved = translate(fullState());
+    await check({ saved }, ['apps'], async (opened) => {
+      await list(opened);
+      await opened.page.locator('[data-key="system"] button').click();
+    });
+    await check({ saved }, ['apps'], look);
+    await check({ saved }, ['apps'], begin);
+    await check({ saved }, ['apps'], async (opened) => {
+      await begin(opened);
+      await opened.tell('onUninstallResult', someResult({ failures: someFailures }));
+    });
+    await check({ saved }, ['apps']);
+  });
+
+  it('the live view of the machine has none', async () => {
+    const saved = translate(fullState());
+    await check({ saved }, ['sistema'], async ({ tell }) => {
+      await tell('onSystem', someSample());
+      await tell('onSystem', someSample());
+    });
+    await check({ saved }, ['sistema'], ({ tell }) => tell('onSystem', bareSample()));
+    await check({ saved }, ['sistema']);
   });
 
   it('the views of a narrow window, without access, have none', async () => {

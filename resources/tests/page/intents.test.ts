@@ -246,15 +246,15 @@ describe('settings', () => {
   });
 });
 
-describe('views that come later', () => {
-  it.each(['apps', 'sistema'])('%s is shown as missing, with a way back', async (view) => {
+describe('the menu of the program', () => {
+  it('shows every view by its name, and passes over an unknown one', async () => {
     const opened = await open(browser, { saved: fullState() });
-    await opened.go(view);
-    expect(await opened.page.getByText('is not part of this version yet').isVisible()).toBe(true);
-    await opened.page.getByRole('button', { name: 'Back to Overview' }).click();
-    expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe('Overview');
-    await opened.go('no such view');
-    expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe('Overview');
+    for (const [view, title] of [['apps', 'Applications'], ['sistema', 'System'], ['ajustes', 'Settings'], ['inicio', 'Overview']] as const) {
+      await opened.go(view);
+      expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe(title);
+      await opened.go('no such view');
+      expect(await opened.page.getByRole('heading', { level: 1 }).textContent()).toBe(title);
+    }
     await opened.close();
   });
 });

@@ -1,8 +1,10 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open } from '../support/page.ts';
+import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
+import { hostileSample, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -56,6 +58,35 @@ describe.each(sizes)('$name', ({ width, height, zoom }) => {
     await opened.close();
     expect(opened.complaints).toEqual([]);
   });
+});
+
+describe.each(sizes)('$name, applications and system', ({ width, height, zoom }) => {
+  it.each([{ kind: 'in Spanish', hostile: false }, { kind: 'with hostile names', hostile: true }])(
+    'nothing sticks out $kind',
+    async ({ hostile }) => {
+      const saved = inSpanish(withoutAccess());
+      const opened = await open(browser, { saved, context: { viewport: { width, height } } });
+      const { page } = opened;
+      await page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
+      await opened.go('sistema');
+      for (let sample = 0; sample < 2; sample += 1) await opened.tell('onSystem', hostile ? hostileSample() : someSample());
+      await page.waitForTimeout(80);
+      expect(await sticksOut(page), 'sistema').toEqual([]);
+      await opened.go('apps');
+      const apps = hostile ? hostileApps() : someApps();
+      await opened.tell('onApps', apps);
+      await page.waitForTimeout(80);
+      expect(await sticksOut(page), 'apps').toEqual([]);
+      const first = (await page.locator('[data-key^="/"]').first().getAttribute('data-key'))!;
+      await page.locator('[data-key^="/"]').first().click({ position: { x: 60, y: 10 } });
+      const opening = apps.find(({ path }) => path === first)!;
+      await opened.tell('onAppAnalysis', analysisOf(opening, hostile ? hostileLeftovers() : someLeftovers()));
+      await page.waitForTimeout(80);
+      expect(await sticksOut(page), 'one application').toEqual([]);
+      await opened.close();
+      expect(opened.complaints).toEqual([]);
+    },
+  );
 });
 
 describe('room for the list', () => {

@@ -14,8 +14,6 @@ export interface Setting {
   saved?: DiskState;
   stamp?: number;
   platform?: 'macos' | 'linux';
-  /** The build with every prepared feature switched on. */
-  ahead?: boolean;
   /** Another folder with a built page. */
   folder?: string;
   /** Runs in the page before its own scripts. */
@@ -41,8 +39,8 @@ export interface OpenPage {
   close(): Promise<void>;
 }
 
-export function builtPage(ahead = false): string {
-  return fileURLToPath(new URL(ahead ? '../../dist-ahead' : '../../dist', import.meta.url));
+export function builtPage(): string {
+  return fileURLToPath(new URL('../../dist', import.meta.url));
 }
 
 export async function launch(): Promise<Browser> {
@@ -129,7 +127,7 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
     storage: setting.storage ?? {},
   });
   if (setting.before) await page.addInitScript(setting.before);
-  await page.goto(pathToFileURL(join(setting.folder ?? builtPage(setting.ahead), 'index.html')).href);
+  await page.goto(pathToFileURL(join(setting.folder ?? builtPage(), 'index.html')).href);
 
   const intents = async (): Promise<Intent[]> => {
     const sent = await page.evaluate(() => (window as unknown as { __intents: (Intent & { framesShown: number })[] }).__intents);

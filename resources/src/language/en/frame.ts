@@ -29,8 +29,6 @@ export const frame = {
   tryAgain: 'Try again',
   analyse: 'Analyze disk',
   analysing: 'Analyzing…',
-  notYetTitle: (view: string) => `${view} is not part of this version yet`,
-  notYetText: 'This section is being built. Nothing of yours is touched here in the meantime.',
   backToOverview: 'Back to Overview',
   waiting: 'Getting the last analysis…',
   opening: 'Opening…',

@@ -30,8 +30,6 @@ export const frame: typeof english = {
   tryAgain: 'Intentar de nuevo',
   analyse: 'Analizar disco',
   analysing: 'Analizando…',
-  notYetTitle: (view) => `${view}: aún no forma parte de esta versión`,
-  notYetText: 'Esta sección está en construcción. Mientras tanto, aquí no se toca nada tuyo.',
   backToOverview: 'Volver al resumen',
   waiting: 'Cargando el último análisis…',
   opening: 'Abriendo…',

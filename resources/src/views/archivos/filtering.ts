@@ -1,5 +1,6 @@
 /** Which large files are shown, and in which order. */
 import { oldestKnownUse } from '../../language/formats.ts';
+import { createSearch } from '../../names/folded.ts';
 import type { BigFile } from '../../protocol/protocol.ts';
 
 export type SortColumn = 'name' | 'path' | 'size' | 'kind' | 'lastUse';
@@ -22,21 +23,14 @@ export const largestFirst: Order = { column: 'size', direction: 'descending' };
 
 const leastDays: Record<AgeFilter, number> = { any: 0, days30: 30, days180: 180, days365: 365 };
 
-/** Letters count alike with and without marks and capitals: "informacion" finds "Información". */
-function folded(text: string): string {
-  return text.normalize('NFD').replace(/\p{Mn}/gu, '').toLowerCase();
-}
-
 /** An age filter shows known ages only: a missing date is no proof of a long time. */
 export function filterFiles(files: readonly BigFile[], filter: Filter): BigFile[] {
-  const words = folded(filter.search).split(/\s+/).filter(Boolean);
+  const found = createSearch(filter.search);
   const days = leastDays[filter.age];
   return files.filter((file) => {
     if (filter.kind !== 'any' && file.kind !== filter.kind) return false;
     if (days > 0 && (file.lastN < days || file.lastN > oldestKnownUse)) return false;
-    if (!words.length) return true;
-    const path = folded(file.path);
-    return words.every((word) => path.includes(word));
+    return found(file.path);
   });
 }
 

@@ -1,0 +1,78 @@
+/** The live samples of the machine: asked for while somebody looks at them, and not otherwise. */
+import { send } from '../protocol/connection.ts';
+import type { SystemSample } from '../protocol/protocol.ts';
+import { Timeline } from './timeline.ts';
+
+/** Seconds without a sample after which what is shown is no longer now. */
+const late = 7;
+
+class Machine {
+  /** The latest one; null until one has come. */
+  sample = $state.raw<SystemSample | null>(null);
+  /** Grows with every sample; the timeline itself is not watched. */
+  count = $state(0);
+  paused = $state(false);
+  /** Samples have been asked for and do not come. */
+  late = $state(false);
+  readonly timeline = new Timeline(['cpu', 'mem', 'down', 'up']);
+  private shown = false;
+  private watching = false;
+  private heardAt = -Infinity;
+  private timer: ReturnType<typeof setTimeout> | undefined;
+
+  /** For as long as a view shows the machine; answers how to end it. */
+  show(): () => void {
+    this.shown = true;
+    if (this.age() > late) this.sample = null;
+    const update = () => this.update();
+    document.addEventListener('visibilitychange', update);
+    window.addEventListener('pagehide', update);
+    update();
+    return () => {
+      document.removeEventListener('visibilitychange', update);
+      window.removeEventListener('pagehide', update);
+      this.shown = false;
+      update();
+    };
+  }
+
+  togglePause(): void {
+    this.paused = !this.paused;
+    this.update();
+  }
+
+  receive(sample: SystemSample): void {
+    if (!this.watching) return; // one that was on its way
+    this.heardAt = performance.now();
+    this.timeline.add(this.heardAt / 1000, {
+      cpu: sample.cpu?.pct ?? null,
+      mem: sample.mem?.pct ?? null,
+      down: sample.net?.down ?? null,
+      up: sample.net?.up ?? null,
+    });
+    this.sample = sample;
+    this.count += 1;
+    this.expectNext();
+  }
+
+  private update(): void {
+    const wanted = this.shown && !this.paused && document.visibilityState !== 'hidden';
+    if (wanted === this.watching) return;
+    this.watching = wanted;
+    send('systemWatch', { on: wanted });
+    if (wanted) this.expectNext();
+    else clearTimeout(this.timer);
+  }
+
+  private expectNext(): void {
+    clearTimeout(this.timer);
+    this.late = false;
+    this.timer = setTimeout(() => (this.late = true), late * 1000);
+  }
+
+  private age(): number {
+    return (performance.now() - this.heardAt) / 1000;
+  }
+}
+
+export const machine = new Machine();

@@ -1,0 +1,57 @@
+/** What an application left behind, by how certain it is that it belongs to it, then by kind. */
+import { isProtectedPath } from '../../names/protectedPaths.ts';
+import type { AppAnalysis, LeftoverGroupKey, LeftoverItem } from '../../protocol/protocol.ts';
+import { totalGb } from '../../state/operations.ts';
+
+export type SectionName = 'certain' | 'possible' | 'stays';
+export type StaysBecause = 'admin' | 'nested' | 'protected';
+
+export interface SectionItem extends LeftoverItem {
+  /** The first of its kind within the section. */
+  leads: boolean;
+  stays: StaysBecause | null;
+}
+
+export interface Section {
+  name: SectionName;
+  gb: number;
+  items: SectionItem[];
+}
+
+const names: readonly SectionName[] = ['certain', 'possible', 'stays'];
+
+/** Why the program would not remove it; null when it would. */
+export function staysBecause({ admin, nested, path }: LeftoverItem): StaysBecause | null {
+  if (admin) return 'admin';
+  if (nested) return 'nested';
+  return isProtectedPath(path) ? 'protected' : null;
+}
+
+export function sectionsOf({ groups }: AppAnalysis): Section[] {
+  const items = groups.flatMap((group) => group.items);
+  return names.flatMap((name) => {
+    const own = items
+      .map((item) => ({ ...item, stays: staysBecause(item) }))
+      .filter((item) => (item.stays ? 'stays' : item.conf) === name);
+    const leading = new Set<LeftoverGroupKey>();
+    const marked = own.map((item) => {
+      const leads = !leading.has(item.cat);
+      leading.add(item.cat);
+      return { ...item, leads };
+    });
+    return marked.length ? [{ name, gb: totalGb(marked), items: marked }] : [];
+  });
+}
+
+/** What belongs to the application for certain, the application itself included. */
+export function preselectedOf(sections: readonly Section[]): Set<string> {
+  const certain = sections.find(({ name }) => name === 'certain');
+  return new Set(certain?.items.map(({ path }) => path));
+}
+
+const sharedPlaces = ['/Applications/', '/Library/', '/System/', '/usr/', '/opt/'];
+
+/** The program deletes in the home folder only: an application for all users stays for the user to remove. */
+export function isForAllUsers(path: string): boolean {
+  return sharedPlaces.some((place) => path.startsWith(place));
+}

@@ -1,0 +1,31 @@
+/** Asks before an application and what was chosen of its leftovers are deleted for good. */
+import { language } from '../../language/language.svelte.ts';
+import { plainName } from '../../names/marks.ts';
+import { shortInMiddle } from '../../names/middle.ts';
+import { leftovers } from '../../state/leftovers.svelte.ts';
+import { navigation } from '../../state/navigation.svelte.ts';
+import { questions } from '../../state/questions.svelte.ts';
+import { uninstalling } from '../../state/uninstalling.svelte.ts';
+import { choice } from './state.svelte.ts';
+
+export async function askAndUninstall(): Promise<void> {
+  const { analysis } = leftovers;
+  const { plan, selected } = choice;
+  if (!analysis || !plan || !selected.length || uninstalling.run) return;
+  const words = language.words.apps;
+  const name = shortInMiddle(plainName(analysis.name), 48);
+  const confirmed = await questions.ask({
+    title: plan.app === 'kept' ? words.questionTitleKept(name) : words.questionTitle(name),
+    paragraphs: [
+      ...(plan.closes ? [words.planCloses(name)] : []),
+      ...(plan.count ? [words.questionText(plan.count, plan.gb)] : []),
+      ...(plan.app === 'out of reach' ? [words.planOutOfReach] : []),
+      words.questionNothingElse,
+    ],
+    confirm: plan.app === 'kept' ? words.questionConfirmKept : words.questionConfirm,
+  });
+  // Another removal, or another application, may have come while the question stood.
+  if (!confirmed || uninstalling.run || leftovers.analysis !== analysis) return;
+  uninstalling.begin(analysis.path, analysis.name, selected);
+  navigation.arrive('apps');
+}

@@ -1,0 +1,203 @@
+import type { Browser } from 'playwright-core';
+import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { launch, open, type OpenPage } from '../support/page.ts';
+import { fullState } from '../support/states.ts';
+import { bareSample, firstSample, group, hostileSample, someGroups, someSample } from '../support/system.ts';
+
+let browser: Browser;
+
+beforeAll(async () => {
+  browser = await launch();
+});
+afterAll(() => browser.close());
+
+const on = { type: 'systemWatch', payload: { on: true } };
+const off = { type: 'systemWatch', payload: { on: false } };
+const plain = (text: string | null) => (text ?? '').replaceAll('\u00a0', ' ').replace(/\s+/g, ' ').trim();
+
+async function withPage(test: (opened: OpenPage) => Promise<void>): Promise<void> {
+  const opened = await open(browser, { saved: fullState() });
+  await test(opened);
+  await opened.close();
+  expect(opened.complaints).toEqual([]);
+}
+
+const card = ({ page }: OpenPage, name: string) => page.getByRole('region', { name, exact: true });
+const textOf = async (opened: OpenPage, name: string) => plain(await card(opened, name).textContent());
+const rowNames = ({ page }: OpenPage) => page.locator('[data-key] .name .name').allTextContents();
+
+describe('live samples', () => {
+  it('are asked for when the view is shown, and stopped when it is left or paused', async () => {
+    await withPage(async (opened) => {
+      expect(await opened.during(() => opened.go('sistema'))).toEqual([on]);
+      await opened.tell('onSystem', someSample());
+      const pause = () => opened.page.getByRole('button', { name: /Pause|Continue/ }).click();
+      expect(await opened.during(pause)).toEqual([off]);
+      await opened.tell('onSystem', someSample({ cpu: { pct: 99, cores: 8, load: 9 } }));
+      expect(await textOf(opened, 'Processor')).toContain('23%');
+      expect(await opened.during(() => opened.go('inicio'))).toEqual([]);
+      expect(await opened.during(() => opened.go('sistema'))).toEqual([]);
+      expect(await opened.during(pause)).toEqual([on]);
+      expect(await opened.during(() => opened.go('inicio'))).toEqual([off]);
+    });
+  });
+
+  it('that nobody asked for change nothing', async () => {
+    await withPage(async (opened) => {
+      await opened.tell('onSystem', someSample());
+      await opened.go('sistema');
+      expect(await opened.page.getByRole('heading', { name: 'Asking the system' }).isVisible()).toBe(true);
+    });
+  });
+
+  it('stop while the page cannot be seen', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      const see = (state: string) =>
+        opened.page.evaluate((value) => {
+          Object.defineProperty(document, 'visibilityState', { value, configurable: true });
+          document.dispatchEvent(new Event('visibilitychange'));
+        }, state);
+      expect(await opened.during(() => see('hidden'))).toEqual([off]);
+      expect(await opened.during(() => see('visible'))).toEqual([on]);
+    });
+  });
+
+  it('that stop coming are said to, calmly', async () => {
+    await withPage(async (opened) => {
+      await opened.page.clock.install();
+      await opened.go('sistema');
+      await opened.page.clock.runFor(8000);
+      expect(await opened.page.getByRole('heading', { name: 'No figures have come' }).isVisible()).toBe(true);
+      await opened.tell('onSystem', someSample());
+      expect(await opened.page.getByText('Live, every two seconds').isVisible()).toBe(true);
+      await opened.page.clock.runFor(8000);
+      expect(await opened.page.getByText('No new figures').isVisible()).toBe(true);
+    });
+  });
+});
+
+describe('the figures', () => {
+  it('are all there, each with its words', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      expect(await textOf(opened, 'Processor')).toContain('23% 8 cores · load 2.3');
+      expect(await textOf(opened, 'Memory')).toContain('63% Pressure normal 10.9 GB of 17.2 GB in use');
+      expect(await textOf(opened, 'Network')).toContain('Receiving 1.2 MB/s Sending 84 KB/s');
+      expect(await textOf(opened, 'Disk')).toContain('69% 312.4 GB free of 994.7 GB');
+      expect(await textOf(opened, 'Battery')).toContain('81% On battery · 5 hr 12 min left 77 charge cycles');
+      expect(await textOf(opened, 'Temperature')).toContain('Normal');
+      expect(plain(await card(opened, 'What the memory holds').getByRole('img').getAttribute('aria-label'))).toBe(
+        'What the memory holds: Applications 5.9 GB, System 2.4 GB, Compressed 2.6 GB, Cached files 4.1 GB, and Free 2.2 GB.',
+      );
+    });
+  });
+
+  it('of the first sample wait for the second', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystem', firstSample());
+      expect(await textOf(opened, 'Processor')).toContain('Measuring…');
+      expect(await textOf(opened, 'Memory')).toContain('63%');
+    });
+  });
+
+  it('of a machine without battery, with a temperature that nobody knows, are no alarm', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystem', bareSample());
+      expect(await textOf(opened, 'Battery')).toContain('None This computer runs without one.');
+      expect(await textOf(opened, 'Temperature')).toContain('Unknown This computer does not report it.');
+      expect(await textOf(opened, 'Disk')).toContain('Not reported by this computer.');
+      expect(await textOf(opened, 'Memory')).toContain('Pressure high');
+      await opened.tell('onSystem', hostileSample());
+      expect(await opened.page.title()).toBe('Velto');
+    });
+  });
+
+  it('the curves are told in words, and drawn', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.page.clock.install();
+      for (const pct of [10, 50, 30]) {
+        await opened.tell('onSystem', someSample({ cpu: { pct, cores: 8, load: 1 } }));
+        await opened.page.clock.runFor(2000);
+      }
+      const curve = card(opened, 'Processor').getByRole('img');
+      expect(await curve.getAttribute('aria-label')).toBe('Processor over the last two minutes: 30% now, between 10% and 50%.');
+      const drawn = await curve.locator('canvas').evaluate((canvas: HTMLCanvasElement) => {
+        const { data } = canvas.getContext('2d')!.getImageData(0, 0, canvas.width, canvas.height);
+        return data.filter((value, index) => index % 4 === 3 && value > 200).length;
+      });
+      expect(drawn).toBeGreaterThan(20);
+    });
+  });
+
+  it('the curve stays in its place when the scale changes', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      const box = () => card(opened, 'Network').locator('canvas').boundingBox();
+      await opened.tell('onSystem', someSample());
+      const before = await box();
+      await opened.tell('onSystem', someSample({ net: { avail: true, iface: 'en0', down: 880_000_000, up: 0 } }));
+      expect(plain(await card(opened, 'Network').locator('.scale').textContent())).toContain('1 GB/s');
+      expect(await box()).toEqual(before);
+    });
+  });
+});
+
+describe('the heaviest applications', () => {
+  const groups = (first: number, second: number) => [group('Alfa', first, 300), group('Beta', second, 200)];
+  const tell = (opened: OpenPage, first: number, second: number) =>
+    opened.tell('onSystem', someSample({ procs: groups(first, second) }));
+
+  it('keep their places for a sample, change them with the next, and not while the pointer is there', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await tell(opened, 90, 10);
+      await tell(opened, 10, 90);
+      expect(await rowNames(opened)).toEqual(['Alfa', 'Beta']);
+      await tell(opened, 10, 90);
+      expect(await rowNames(opened)).toEqual(['Beta', 'Alfa']);
+      await opened.page.locator('[data-key]').first().hover();
+      for (let sample = 0; sample < 4; sample += 1) await tell(opened, 95, 5);
+      expect(await rowNames(opened)).toEqual(['Beta', 'Alfa']);
+      expect(await opened.page.getByText('The order stands still').first().isVisible()).toBe(true);
+      await opened.page.mouse.move(2, 2);
+      for (let sample = 0; sample < 2; sample += 1) await tell(opened, 95, 5);
+      expect(await rowNames(opened)).toEqual(['Alfa', 'Beta']);
+    });
+  });
+
+  it('are sorted from the headers and moved through by keyboard', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      await page.locator('[data-key]').first().focus();
+      await page.keyboard.press('ArrowDown');
+      expect(await page.evaluate(() => document.activeElement?.getAttribute('data-key'))).toBe('app:Acme Studio');
+      await page.getByRole('columnheader', { name: 'Memory' }).getByRole('button').click();
+      const byMemory = someGroups().sort((left, right) => right.mem - left.mem).map(({ name }) => name);
+      expect(await rowNames(opened)).toEqual(byMemory);
+      expect(await page.getByRole('grid').getByRole('row').count()).toBe(byMemory.length + 1);
+    });
+  });
+
+  it('a sample that changes nothing renders nothing', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      for (let sample = 0; sample < 3; sample += 1) await opened.tell('onSystem', someSample());
+      const changes = await opened.page.evaluate(async (sample) => {
+        let count = 0;
+        const observer = new MutationObserver((records) => (count += records.length));
+        observer.observe(document.querySelector('[role="grid"]')!, { subtree: true, childList: true, attributes: true, characterData: true });
+        (window as unknown as { velto: { onSystem(value: unknown): void } }).velto.onSystem(sample);
+        await new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+        return count;
+      }, someSample() as never);
+      expect(changes).toBe(0);
+    });
+  });
+});
