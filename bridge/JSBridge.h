@@ -118,7 +118,7 @@ private:
     void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
-    void onAppsList(const Payload& payload);      // these three: apps_intents.cpp
+    void onAppsList(const Payload& payload);  // these three: apps_intents.cpp
     void onAppAnalysis(const Payload& payload);
     void onUninstall(const Payload& payload);
     void onMaintenanceStatus(const Payload& payload);

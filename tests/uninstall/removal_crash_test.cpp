@@ -72,7 +72,8 @@ public:
 std::string otherVolume() {
     struct stat homes {};
     struct stat other {};
-    if (stat(UninstallWorld::fastVolume().c_str(), &homes) != 0 || stat(".", &other) != 0) return {};
+    if (stat(UninstallWorld::fastVolume().c_str(), &homes) != 0 || stat(".", &other) != 0)
+        return {};
     return homes.st_dev == other.st_dev ? "" : UninstallWorld::buildVolume();
 }
 

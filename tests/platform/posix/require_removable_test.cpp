@@ -21,8 +21,7 @@ int reasonAs(uid_t user, const TempHome& home) {
         if (user != geteuid() && (setgid(user) != 0 || setuid(user) != 0)) _exit(255);
         PosixFileManager files;
         try {
-            requireRemovable(*files.openFolder(home.path(), FolderPath::withoutLinks),
-                                   "tree");
+            requireRemovable(*files.openFolder(home.path(), FolderPath::withoutLinks), "tree");
         } catch (const FileError& error) {
             _exit(error.code());
         }
