@@ -2,6 +2,11 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/FileManager.h"
+#include "platform/HomeLayout.h"
 
 namespace velto {
 
@@ -20,5 +25,25 @@ struct DesktopEntry {
 /// Reads the entry at a path. Nothing when there is none, when it is marked as deleted, or when the
 /// program that it starts is not installed. Safe from every thread; never throws. A Mac has none.
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path);
+
+inline constexpr std::string_view desktopEntryExtension = ".desktop";
+
+/// One file of desktop entries.
+struct DesktopEntryFile {
+    std::string id;      // what the standard calls it by: the file's name without its extension
+    std::string origin;  // identifier of the folder
+    std::string path;
+};
+
+/// The entries in `folders`, the shortest id first: of several of one application that is the least
+/// special. An id that an earlier folder has is hidden by it. A file in a subfolder has the
+/// subfolder's name and a hyphen before its own. Never throws.
+std::vector<DesktopEntryFile> desktopEntryFiles(const FileManager& files,
+                                                const std::vector<NamedLocation>& folders);
+
+/// The picture file of an entry's `icon`, looked for among the icons beside each of the folders of
+/// entries; empty when there is none. Never throws.
+std::string desktopIconFile(const FileManager& files, const std::vector<NamedLocation>& folders,
+                            const std::string& icon);
 
 }  // namespace velto

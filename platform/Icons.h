@@ -12,7 +12,7 @@ public:
 
     /// The icon of the item at an absolute path as a PNG of `pixels` by `pixels`, in the form
     /// "data:image/png;base64,..."; nothing when none can be made. Linux knows application bundles
-    /// (their own icon file) and picture files.
+    /// (their own icon file), desktop entries and picture files.
     virtual std::optional<std::string> pngDataURL(const std::string& path, int pixels) = 0;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "platform/DesktopEntry.h"
 #include "platform/parallel.h"
 #include "platform/text.h"
 #include "uninstall/bundle_information.h"
@@ -161,7 +162,8 @@ std::optional<std::string> InstalledApps::iconDataURL(const std::string& path, i
         if (found == iconNames_.end()) return std::nullopt;
         name = found->second;
     }
-    const std::string file = desktopIconFile(platform_, name);
+    const std::string file =
+        desktopIconFile(*platform_.files, platform_.layout.desktopEntries, name);
     return file.empty() ? std::nullopt : platform_.icons->pngDataURL(file, size);
 }
 

@@ -25,7 +25,4 @@ struct DesktopApplication {
 /// a Flatpak or Snap. Never throws.
 std::vector<DesktopApplication> desktopApplications(const Platform& platform);
 
-/// The picture file of an icon name; empty when there is none.
-std::string desktopIconFile(const Platform& platform, const std::string& icon);
-
 }  // namespace velto

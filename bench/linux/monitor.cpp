@@ -27,6 +27,8 @@
 #include "platform/linux/LinuxProcessTable.h"
 #include "platform/linux/LinuxSystemCounters.h"
 #include "platform/linux/LinuxVolumeInfo.h"
+#include "platform/linux/installed_applications.h"
+#include "platform/posix/PosixFileManager.h"
 
 namespace {
 
@@ -103,7 +105,10 @@ public:
 struct Machine {
     SteppingClock clock;
     LinuxSystemCounters counters;
-    LinuxProcessTable table{{.ownProcess = getpid()}};
+    PosixFileManager files;
+    InstalledApplications installed{files, {{entryOrigin::system, "/usr/share/applications"}}};
+    LinuxProcessTable table{
+        {.ownProcess = getpid(), .applications = [this] { return installed.index(); }}};
     LinuxVolumeInfo volumes;
     ApplicationActivity activity;
     SystemMonitor monitor{MonitorContext{.counters = counters,

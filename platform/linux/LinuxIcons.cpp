@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "platform/DesktopEntry.h"
 #include "platform/PropertyList.h"
 #include "platform/linux/glib_pointers.h"
 #include "platform/text.h"
@@ -61,6 +62,10 @@ std::optional<std::string> LinuxIcons::pngDataURL(const std::string& path, int p
 
 /// Where the picture for `path` is; empty when it has none.
 std::string LinuxIcons::iconFile(const std::string& path) const {
+    if (path.ends_with(desktopEntryExtension)) {
+        const auto entry = readDesktopEntry(path);
+        return entry ? desktopIconFile(files_, entries_, entry->icon) : std::string();
+    }
     const auto attributes = files_.attributes(path);
     if (!attributes) return {};
     if (attributes->kind != FileKind::folder) return path;

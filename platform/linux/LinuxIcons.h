@@ -1,16 +1,22 @@
 #pragma once
 
+#include <utility>
+#include <vector>
+
 #include "platform/FileManager.h"
+#include "platform/HomeLayout.h"
 #include "platform/Icons.h"
 
 namespace velto {
 
-/// Icons through gdk-pixbuf: the `.icns` of an application bundle, as its Info.plist names it, or a
-/// picture file itself.
+/// Icons through gdk-pixbuf: the `.icns` of an application bundle, as its Info.plist names it, the
+/// picture that a desktop entry names, or a picture file itself.
 class LinuxIcons final : public Icons {
 public:
-    /// The file manager outlives the object.
-    explicit LinuxIcons(const FileManager& files) : files_(files) {}
+    /// `entries` are the folders of desktop entries, beside which their icons lie. The file manager
+    /// outlives the object.
+    explicit LinuxIcons(const FileManager& files, std::vector<NamedLocation> entries = {})
+        : files_(files), entries_(std::move(entries)) {}
 
     std::optional<std::string> pngDataURL(const std::string& path, int pixels) override;
 
@@ -19,6 +25,7 @@ private:
     std::optional<std::string> content(const std::string& path) const;
 
     const FileManager& files_;
+    std::vector<NamedLocation> entries_;
 };
 
 /// Of the pictures in an Apple icon file that are whole PNG files, the one that is best drawn in

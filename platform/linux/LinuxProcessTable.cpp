@@ -5,12 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <climits>
+#include <unordered_set>
 #include <utility>
 
 #include "platform/linux/kernel_file.h"
+#include "platform/linux/process_program.h"
 #include "platform/posix/uninterrupted.h"
 #include "platform/text.h"
 
@@ -33,17 +34,6 @@ std::optional<std::int32_t> processNumber(const std::string& name) {
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
     if (error != std::errc() || end != name.data() + name.size() || number < 1) return std::nullopt;
     return number;
-}
-
-/// Empty for a thread of the kernel and for what is none of ours to look at.
-std::string executableOf(const std::string& link) {
-    constexpr std::string_view goneMark = " (deleted)";  // an update has replaced the file
-    std::array<char, PATH_MAX> target;
-    const ssize_t length = ::readlink(link.c_str(), target.data(), target.size());
-    if (length <= 0) return {};
-    std::string path(target.data(), static_cast<std::size_t>(length));
-    if (path.ends_with(goneMark)) path.resize(path.size() - goneMark.size());
-    return path.starts_with('/') ? path : std::string();
 }
 
 /// The kernel cuts names off; what the program's file is called completes it.
@@ -81,15 +71,15 @@ LinuxProcessTable::LinuxProcessTable(Sources sources)
 
 LinuxProcessTable::~LinuxProcessTable() = default;
 
-std::string LinuxProcessTable::fileOf(std::int32_t number, const char* name) const {
-    return sources_.proc + "/" + std::to_string(number) + "/" + name;
+std::string LinuxProcessTable::folderOf(std::int32_t number) const {
+    return sources_.proc + "/" + std::to_string(number);
 }
 
 /// Points into `buffer_`.
 std::optional<ProcessStatus> LinuxProcessTable::readStatus(std::int32_t number, Process& process) {
     Descriptor opened;
     if (!process.file.isOpen()) {
-        const std::string path = fileOf(number, "stat");
+        const std::string path = folderOf(number) + "/stat";
         opened =
             Descriptor(uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
     }
@@ -122,18 +112,22 @@ bool LinuxProcessTable::update(std::int32_t number, Process& process) {
         status->resident != process.resident) {
         process.faults = status->faults;
         process.resident = status->resident;
-        process.footprint = footprintIn(kernelText(fileOf(number, "status")).value_or(""));
+        process.footprint = footprintIn(kernelText(folderOf(number) + "/status").value_or(""));
     }
     process.isKnown = true;
     return true;
 }
 
 void LinuxProcessTable::identify(std::int32_t number, Process& process) {
-    process.executable = executableOf(fileOf(number, "exe"));
+    const std::string folder = folderOf(number);
+    process.executable = executableOfProcess(folder);
     process.name = fullName(process.command, process.executable);
+    if (std::string image = appImageOfProcess(folder, process.executable); !image.empty()) {
+        process.executable = std::move(image);
+    }
     process.application = nullptr;
     if (index_) {
-        const auto group = kernelText(fileOf(number, "cgroup"));
+        const auto group = kernelText(folder + "/cgroup");
         process.application = index_->find(group.value_or(""), process.executable);
     }
     if (process.application == nullptr) process.application = bundleApp(process.executable);
@@ -147,13 +141,22 @@ const RunningApp* LinuxProcessTable::bundleApp(const std::string& executable) {
     const std::string path = executable.substr(0, end + inside.size() - 1);
     auto& known = bundles_[path];
     if (known) return known.get();
-    std::optional<RunningApp> described = sources_.bundle ? sources_.bundle(path) : std::nullopt;
-    const std::string_view fileName = lastPathComponent(path);
-    RunningApp app = std::move(described).value_or(
-        RunningApp{.name = std::string(fileName.substr(0, fileName.size() - 4)), .bundle = path});
+    RunningApp app = sources_.bundle(path);
     app.path = path;
+    // Every process of a bundle is known to be its, so that without an identifier its processes
+    // would be as many applications.
+    if (app.bundle.empty()) app.bundle = path;
     known = std::make_unique<const RunningApp>(std::move(app));
     return known.get();
+}
+
+void LinuxProcessTable::forgetUnusedBundles() {
+    if (bundles_.empty()) return;
+    std::unordered_set<const RunningApp*> used;
+    for (const auto& [number, process] : processes_)
+        used.insert(process.application);
+    std::erase_if(bundles_,
+                  [&](const auto& bundle) { return !used.contains(bundle.second.get()); });
 }
 
 void LinuxProcessTable::forget(Processes::iterator place) {
@@ -193,6 +196,8 @@ std::map<std::int32_t, ProcInfo> LinuxProcessTable::list() {
         const auto current = place++;
         if (!current->second.isListed) forget(current);
     }
+
+    forgetUnusedBundles();
 
     std::map<std::int32_t, ProcInfo> infos;
     for (const auto& [number, process] : processes_) {

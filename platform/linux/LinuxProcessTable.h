@@ -9,8 +9,10 @@
 
 #include "platform/ProcessTable.h"
 #include "platform/linux/ApplicationIndex.h"
+#include "platform/linux/bundle_application.h"
 #include "platform/linux/process_files.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PosixFileManager.h"
 
 namespace velto {
 
@@ -33,9 +35,10 @@ public:
         /// changes. May be empty, or give null: then there are only bundles.
         std::function<std::shared_ptr<const ApplicationIndex>()> applications;
 
-        /// Name and identifier of the bundle at a path, where its file name is not all that is
-        /// known. May be empty.
-        std::function<std::optional<RunningApp>(const std::string& path)> bundle;
+        /// What the bundle at a path calls itself.
+        std::function<RunningApp(const std::string& path)> bundle = [](const std::string& path) {
+            return bundleApplication(PosixFileManager(), path);
+        };
     };
 
     explicit LinuxProcessTable(Sources sources);
@@ -53,11 +56,12 @@ private:
     struct Process;
     using Processes = std::unordered_map<std::int32_t, Process>;
 
-    std::string fileOf(std::int32_t number, const char* name) const;
+    std::string folderOf(std::int32_t number) const;
     std::optional<ProcessStatus> readStatus(std::int32_t number, Process& process);
     bool update(std::int32_t number, Process& process);
     void identify(std::int32_t number, Process& process);
     const RunningApp* bundleApp(const std::string& executable);
+    void forgetUnusedBundles();
     void forget(Processes::iterator place);
     std::int32_t parentOf(const Process& process) const;
 

@@ -7,21 +7,18 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <charconv>
-#include <climits>
 #include <set>
 
-#include "platform/PropertyList.h"
+#include "platform/linux/bundle_application.h"
+#include "platform/linux/process_program.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/names_in_folder.h"
 
 namespace velto {
 namespace {
-
-constexpr std::int64_t mostBytes = 1024 * 1024;  // of a property list that is worth reading
 
 std::vector<std::int64_t> processes() {
     std::vector<std::int64_t> numbers;
@@ -35,63 +32,20 @@ std::vector<std::int64_t> processes() {
     return numbers;
 }
 
-std::string placeOf(std::int64_t process, const char* what) {
-    return "/proc/" + std::to_string(process) + "/" + what;
-}
+std::string folderOf(std::int64_t process) { return "/proc/" + std::to_string(process); }
 
-/// Empty for a process that has ended, that is the kernel's, or that is none of ours to look at.
-std::string executableOf(std::int64_t process) {
-    std::array<char, PATH_MAX> buffer;
-    const ssize_t length =
-        ::readlink(placeOf(process, "exe").c_str(), buffer.data(), buffer.size());
-    if (length <= 0) return {};
-    std::string path(buffer.data(), static_cast<std::size_t>(length));
-    // How the kernel marks a program whose file is gone.
-    constexpr std::string_view mark = " (deleted)";
-    if (path.ends_with(mark)) path.resize(path.size() - mark.size());
-    return path.starts_with('/') ? path : std::string();
-}
-
-/// An AppImage mounts itself to run and leaves its own path in the environment.
-std::string appImageOf(std::int64_t process) {
-    try {
-        const std::string all = PosixFileManager().read(placeOf(process, "environ"));
-        constexpr std::string_view name = "APPIMAGE=";
-        for (std::string_view rest = all; !rest.empty();) {
-            const std::string_view variable = rest.substr(0, rest.find('\0'));
-            rest.remove_prefix(std::min(rest.size(), variable.size() + 1));
-            if (variable.starts_with(name)) return std::string(variable.substr(name.size()));
-        }
-    } catch (const FileError&) {
-        // Another user's, or gone.
-    }
-    return {};
-}
-
-std::string identifierOf(const std::string& bundle) {
-    try {
-        const PosixFileManager files;
-        const std::string path = bundle + "/Contents/Info.plist";
-        const auto attributes = files.attributes(path);
-        if (!attributes || attributes->logicalSize > mostBytes) return {};
-        const auto list = readPropertyList(files.read(path));
-        const std::string* const identifier = list ? list->text("CFBundleIdentifier") : nullptr;
-        return identifier == nullptr ? std::string() : *identifier;
-    } catch (const FileError&) {
-        return {};  // a folder with the name of a bundle, or a bundle taken away while it runs
-    }
-}
+std::string executableOf(std::int64_t process) { return executableOfProcess(folderOf(process)); }
 
 RunningApplication describe(std::int64_t process, std::string executable) {
     RunningApplication application{.process = process, .executable = std::move(executable)};
     const std::size_t end = application.executable.rfind(".app/");
     if (end != std::string::npos) {
         application.bundlePath = application.executable.substr(0, end + 4);
-        application.bundleIdentifier = identifierOf(application.bundlePath);
-    } else if (application.executable.find("/.mount_") != std::string::npos) {
-        if (std::string image = appImageOf(process); !image.empty()) {
-            application.executable = std::move(image);
-        }
+        application.bundleIdentifier =
+            bundleApplication(PosixFileManager(), application.bundlePath).bundle;
+    } else if (std::string image = appImageOfProcess(folderOf(process), application.executable);
+               !image.empty()) {
+        application.executable = std::move(image);
     }
     return application;
 }

@@ -2,7 +2,6 @@
 
 #include <sys/stat.h>
 
-#include <unordered_set>
 #include <utility>
 
 #include "platform/linux/kernel_file.h"
@@ -10,44 +9,64 @@
 namespace velto {
 namespace {
 
-constexpr std::string_view extension = ".desktop";
 constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
 
-}  // namespace
+std::int64_t changeOf(const std::string& folder) {
+    struct stat attributes {};
+    if (::stat(folder.c_str(), &attributes) != 0) return 0;
+    return attributes.st_mtim.tv_sec * nanosecondsPerSecond + attributes.st_mtim.tv_nsec;
+}
 
-std::vector<std::int64_t> InstalledApplications::changes() const {
+std::vector<std::int64_t> changesOf(const std::vector<std::string>& folders) {
     std::vector<std::int64_t> times;
-    times.reserve(folders_.size());
-    for (const std::string& folder : folders_) {
-        struct stat attributes {};
-        const bool isThere = ::stat(folder.c_str(), &attributes) == 0;
-        times.push_back(isThere ? attributes.st_mtim.tv_sec * nanosecondsPerSecond +
-                                      attributes.st_mtim.tv_nsec
-                                : 0);
-    }
+    times.reserve(folders.size());
+    for (const std::string& folder : folders)
+        times.push_back(changeOf(folder));
     return times;
 }
 
-std::shared_ptr<const ApplicationIndex> InstalledApplications::index() {
-    std::vector<std::int64_t> now = changes();
-    if (index_ && now == changesRead_) return index_;
-    std::vector<ListedApplication> found;
-    std::unordered_set<std::string> seen;
-    for (const std::string& folder : folders_) {
-        for (const std::string& name : kernelNames(folder)) {
-            if (!name.ends_with(extension)) continue;
-            std::string identifier = name.substr(0, name.size() - extension.size());
-            if (!seen.insert(identifier).second) continue;
-            const std::string path = folder + "/" + name;
-            std::optional<ListedApplication> read = read_(path);
-            if (!read) continue;
-            read->identifier = std::move(identifier);
-            read->path = path;
-            found.push_back(std::move(*read));
+bool isFolder(const std::string& path) {
+    struct stat attributes {};
+    return ::stat(path.c_str(), &attributes) == 0 && S_ISDIR(attributes.st_mode);
+}
+
+}  // namespace
+
+/// With their subfolders, also the empty ones: an entry may come.
+std::vector<std::string> InstalledApplications::foldersWithEntries() const {
+    std::vector<std::string> found;
+    for (const NamedLocation& folder : folders_) {
+        found.push_back(folder.path);
+        for (const std::string& name : kernelNames(folder.path)) {
+            if (name.ends_with(desktopEntryExtension)) continue;
+            if (std::string path = folder.path + "/" + name; isFolder(path)) {
+                found.push_back(std::move(path));
+            }
         }
     }
-    index_ = std::make_shared<const ApplicationIndex>(found);
-    changesRead_ = std::move(now);
+    return found;
+}
+
+std::vector<ListedApplication> InstalledApplications::readAll() const {
+    std::vector<ListedApplication> found;
+    for (DesktopEntryFile& file : desktopEntryFiles(files_, folders_)) {
+        std::optional<DesktopEntry> entry = read_(file.path);
+        if (!entry || !entry->isShown) continue;
+        found.push_back({.identifier = std::move(file.id),
+                         .name = std::move(entry->name),
+                         .path = std::move(file.path),
+                         .executable = std::move(entry->executable),
+                         .startsAnything = entry->startsScript});
+        if (found.back().name.empty()) found.back().name = found.back().identifier;
+    }
+    return found;
+}
+
+std::shared_ptr<const ApplicationIndex> InstalledApplications::index() {
+    if (index_ && changesOf(watched_) == changesRead_) return index_;
+    watched_ = foldersWithEntries();
+    changesRead_ = changesOf(watched_);  // before reading: a change meanwhile is read the next time
+    index_ = std::make_shared<const ApplicationIndex>(readAll());
     return index_;
 }
 

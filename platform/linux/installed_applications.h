@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/DesktopEntry.h"
 #include "platform/linux/ApplicationIndex.h"
 
 namespace velto {
@@ -15,23 +16,26 @@ namespace velto {
 /// something in a folder has been added, replaced or taken away. One thread at a time.
 class InstalledApplications {
 public:
-    /// Fills in what the entry at a path says, but for `identifier` and `path`; nothing for an
-    /// entry that starts no application, or none that is shown.
-    using ReadEntry = std::function<std::optional<ListedApplication>(const std::string& path)>;
+    using ReadEntry = std::function<std::optional<DesktopEntry>(const std::string& path)>;
 
-    /// An entry in an earlier folder hides one of the same name in a later one.
-    InstalledApplications(std::vector<std::string> folders, ReadEntry read)
-        : folders_(std::move(folders)), read_(std::move(read)) {}
+    /// The file manager outlives the object. Which entries count, and which hide which, is what
+    /// `desktopEntryFiles` says; those that are not shown to the user do not.
+    InstalledApplications(const FileManager& files, std::vector<NamedLocation> folders,
+                          ReadEntry read = readDesktopEntry)
+        : files_(files), folders_(std::move(folders)), read_(std::move(read)) {}
 
     /// The same object until something has changed.
     std::shared_ptr<const ApplicationIndex> index();
 
 private:
-    std::vector<std::int64_t> changes() const;
+    std::vector<std::string> foldersWithEntries() const;
+    std::vector<ListedApplication> readAll() const;
 
-    std::vector<std::string> folders_;
+    const FileManager& files_;
+    std::vector<NamedLocation> folders_;
     ReadEntry read_;
-    std::vector<std::int64_t> changesRead_;  // of each folder, in nanoseconds; 0 without one
+    std::vector<std::string> watched_;
+    std::vector<std::int64_t> changesRead_;  // of each, in nanoseconds; 0 without one
     std::shared_ptr<const ApplicationIndex> index_;
 };
 

@@ -19,6 +19,7 @@
 #include "platform/linux/LinuxSystemCounters.h"
 #include "platform/linux/LinuxVolumeInfo.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/installed_applications.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
 
@@ -72,6 +73,13 @@ HomeLayout layoutOf(const std::string& home, const FileManager& files) {
     return HomeLayout::freedesktop(home, environment, userDirs);
 }
 
+/// With the applications that desktop entries start, where the home has such, and all bundles.
+std::unique_ptr<ProcessTable> makeProcessTable(const FileManager& files, const HomeLayout& layout) {
+    const auto installed = std::make_shared<InstalledApplications>(files, layout.desktopEntries);
+    return std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
+        .ownProcess = getpid(), .applications = [installed] { return installed->index(); }});
+}
+
 std::string executablePath(const FileManager& files, const std::string& programPath) {
     try {
         return files.resolved("/proc/self/exe");
@@ -110,11 +118,11 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
     platform->notifications = std::make_unique<LinuxNotifications>(
         *platform->files, *platform->log, platform->layout.dataFolder + "/notification.json");
-    platform->icons = std::make_unique<LinuxIcons>(*platform->files);
+    platform->icons =
+        std::make_unique<LinuxIcons>(*platform->files, platform->layout.desktopEntries);
     platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
     platform->counters = std::make_unique<LinuxSystemCounters>();
-    platform->processes =
-        std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{.ownProcess = getpid()});
+    platform->processes = makeProcessTable(*platform->files, platform->layout);
     platform->userIdentifier = getuid();
     platform->executablePath = executablePath(*platform->files, programPath);
     return platform;

@@ -29,7 +29,7 @@ protected:
 
     TempHome home;
     PosixFileManager files;
-    LinuxIcons icons{files};
+    LinuxIcons icons{files, {{"user", home.path("share/applications")}}};
 };
 
 TEST_F(LinuxIconsTest, TheIconOfABundleIsShown) {
@@ -73,6 +73,23 @@ TEST_F(LinuxIconsTest, APictureThatClaimsToBeHugeIsNotDecoded) {
     png.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8));  // 60,000 by 60,000
     EXPECT_FALSE(hasIcon(home.text("huge.png", png).path()));
     EXPECT_FALSE(hasIcon(home.text("wide.png", pngPicture(5000, 1, red)).path()));
+}
+
+TEST_F(LinuxIconsTest, ADesktopEntryHasThePictureThatItNames) {
+    const auto entryWith = [&](const std::string& icon) {
+        return home
+            .text("share/applications/sleeper.desktop",
+                  "[Desktop Entry]\nType=Application\nName=Sleeper\nExec=sleep 1\n" + icon)
+            .path();
+    };
+    home.text("share/icons/hicolor/48x48/apps/sleeper.png", pngPicture(48, 48, red));
+    const std::string beside = home.text("beside.png", pngPicture(48, 48, red)).path();
+    EXPECT_TRUE(hasIcon(entryWith("Icon=sleeper\n"), 28));
+    EXPECT_TRUE(hasIcon(entryWith("Icon=" + beside + "\n"), 28));
+    EXPECT_FALSE(hasIcon(entryWith("Icon=another\n"), 28));
+    EXPECT_FALSE(hasIcon(entryWith("Icon=../../beside\n"), 28));
+    EXPECT_FALSE(hasIcon(entryWith(""), 28));
+    EXPECT_FALSE(hasIcon(home.path("share/applications/missing.desktop"), 28));
 }
 
 TEST_F(LinuxIconsTest, TheNameOfAnIconLeadsNowhereElse) {

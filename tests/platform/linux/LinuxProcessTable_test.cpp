@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "support/TempHome.h"
+#include "support/made_property_list.h"
 
 namespace velto {
 namespace {
@@ -13,11 +14,9 @@ namespace {
 struct ProcessTableTest : testing::Test {
     TempHome proc;
     std::shared_ptr<const ApplicationIndex> index;
-    std::unique_ptr<LinuxProcessTable> table = std::make_unique<LinuxProcessTable>(
-        LinuxProcessTable::Sources{.proc = proc.path(),
-                                   .ownProcess = 77,
-                                   .applications = [this] { return index; },
-                                   .bundle = {}});
+    std::unique_ptr<LinuxProcessTable> table =
+        std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
+            .proc = proc.path(), .ownProcess = 77, .applications = [this] { return index; }});
 
     struct Recorded {
         int pid;
@@ -212,14 +211,50 @@ TEST_F(ProcessTableTest, InAMacsHomeABundleIsAnApplicationWithAllThatRunsInIt) {
 }
 
 TEST_F(ProcessTableTest, ABundlesOwnNameAndIdentifierCount) {
-    table = std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
-        .proc = proc.path(), .bundle = [](const std::string&) {
-            return RunningApp{.name = "Great Player", .bundle = "com.example.player"};
-        }});
-    record({.pid = 100, .executable = "/A/Player.app/Contents/MacOS/Player"});
+    TempHome home;
+    home.text("Player.app/Contents/Info.plist",
+              xmlPropertyList(textDictionary({{"CFBundleName", "Great Player"},
+                                              {"CFBundleIdentifier", "com.example.player"}})));
+    record({.pid = 100, .executable = home.path("Player.app/Contents/MacOS/Player")});
     table->list();
-    EXPECT_EQ(table->runningApps().at(100).name, "Great Player");
-    EXPECT_EQ(table->runningApps().at(100).path, "/A/Player.app");
+    const RunningApp app = table->runningApps().at(100);
+    EXPECT_EQ(app.name, "Great Player");
+    EXPECT_EQ(app.bundle, "com.example.player");
+    EXPECT_EQ(app.path, home.path("Player.app"));
+}
+
+TEST_F(ProcessTableTest, NothingIsKeptOfABundleThatNothingRunsFromAnyMore) {
+    int asked = 0;
+    table = std::make_unique<LinuxProcessTable>(
+        LinuxProcessTable::Sources{.proc = proc.path(), .bundle = [&](const std::string& path) {
+                                       ++asked;
+                                       return RunningApp{.name = path};
+                                   }});
+    record({.pid = 100, .executable = "/A/Player.app/Contents/MacOS/Player"});
+    record({.pid = 101, .executable = "/A/Player.app/Contents/MacOS/Player"});
+    table->list();
+    end(101);
+    table->list();
+    EXPECT_EQ(asked, 1);
+    end(100);
+    table->list();
+    record({.pid = 102, .executable = "/A/Player.app/Contents/MacOS/Player"});
+    table->list();
+    EXPECT_EQ(table->runningApps().at(102).name, "/A/Player.app");
+    EXPECT_EQ(asked, 2);
+}
+
+TEST_F(ProcessTableTest, AnAppImageIsOneApplicationWhereverItIsMounted) {
+    index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
+        {"painter", "Painter", "/p", "/home/me/Painter-1.2.AppImage", false}});
+    record({.pid = 100, .executable = "/tmp/.mount_PainteXy/usr/bin/painter"});
+    proc.text("100/environ", std::string("HOME=/home/me\0APPIMAGE=/home/me/Painter-1.2.AppImage\0"
+                                         "ARGV0=painter\0",
+                                         72));
+    record({.pid = 101, .executable = "/tmp/.mount_Other/usr/bin/other"});
+    table->list();
+    EXPECT_EQ(table->runningApps().at(100).name, "Painter");
+    EXPECT_FALSE(table->runningApps().contains(101));
 }
 
 TEST(ProcessStatusIn, DamagedTextIsNothing) {

@@ -42,14 +42,18 @@ const TempHome& desktop() {
                       " %u\nMimeType=x-scheme-handler/velto-test;\n");
         made.text("data/applications/mimeapps.list",
                   "[Default Applications]\nx-scheme-handler/velto-test=browser.desktop\n");
+        made.link("system/mime", "/usr/share/mime");  // by which pictures are recognised
         setenv("XDG_DATA_HOME", made.path("data").c_str(), 1);
-        setenv("XDG_DATA_DIRS", made.path("none").c_str(), 1);
+        setenv("XDG_DATA_DIRS", made.path("system").c_str(), 1);
         setenv("XDG_CONFIG_HOME", made.path("none").c_str(), 1);
         setenv("XDG_CONFIG_DIRS", made.path("none").c_str(), 1);
         return owned;
     }();
     return *home;
 }
+
+// Before the first test: others read desktop entries too, and GLib would look elsewhere for good.
+[[maybe_unused]] const TempHome& preparedDesktop = desktop();
 
 /// A session bus of the test's own, with a file manager on it when the test wants one.
 class LinuxWorkspaceTest : public testing::Test {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
 
 namespace velto {
@@ -11,14 +12,22 @@ namespace {
 
 struct InstalledApplicationsTest : testing::Test {
     TempHome home;
+    PosixFileManager files;
     int reads = 0;
     InstalledApplications installed{
-        {home.path("user"), home.path("system"), home.path("missing")},
-        [this](const std::string& path) -> std::optional<ListedApplication> {
+        files,
+        {{"user", home.path("user")}, {"system", home.path("system")}, {"x", home.path("missing")}},
+        [this](const std::string& path) -> std::optional<DesktopEntry> {
             ++reads;
-            if (path.find("hidden") != std::string::npos) return std::nullopt;
-            return ListedApplication{.name = path, .executable = "/opt/" + std::to_string(reads)};
+            if (path.find("deleted") != std::string::npos) return std::nullopt;
+            return DesktopEntry{.name = path.find("nameless") == std::string::npos ? path : "",
+                                .executable = "/opt/" + std::to_string(reads) + "/program",
+                                .isShown = path.find("internal") == std::string::npos};
         }};
+
+    const RunningApp* find(const std::string& identifier) {
+        return installed.index()->find("0::/app-" + identifier + "-1.scope\n", "");
+    }
 
     /// Folders change within one tick of the clock here, so their times are set.
     void changed(const std::string& folder, std::time_t seconds) {
@@ -31,16 +40,28 @@ TEST_F(InstalledApplicationsTest, EntriesOfTheUserHideThoseOfTheSystem) {
     home.text("user/editor.desktop", "");
     home.text("system/editor.desktop", "");
     home.text("system/player.desktop", "");
-    home.text("system/hidden.desktop", "");
     home.text("system/mimeinfo.cache", "");
-    const auto index = installed.index();
-    const RunningApp* editor = index->find("0::/app-editor-1.scope\n", "");
+    const RunningApp* const editor = find("editor");
     ASSERT_NE(editor, nullptr);
     EXPECT_EQ(editor->path, home.path("user/editor.desktop"));
+    EXPECT_EQ(editor->name, editor->path);
     EXPECT_EQ(editor->bundle, "editor");
-    EXPECT_NE(index->find("0::/app-player-1.scope\n", ""), nullptr);
-    EXPECT_EQ(index->find("0::/app-hidden-1.scope\n", ""), nullptr);
-    EXPECT_EQ(reads, 3);
+    EXPECT_NE(find("player"), nullptr);
+    EXPECT_EQ(reads, 2);
+}
+
+TEST_F(InstalledApplicationsTest, WhatIsDeletedOrNotShownToTheUserIsNoApplication) {
+    for (const char* name : {"deleted", "internal"}) {
+        home.text("user/" + std::string(name) + ".desktop", "");
+        home.text("system/" + std::string(name) + ".desktop", "");
+        EXPECT_EQ(find(name), nullptr) << name;
+    }
+}
+
+TEST_F(InstalledApplicationsTest, AnEntryWithoutANameIsCalledByItsFile) {
+    home.text("user/nameless.desktop", "");
+    ASSERT_NE(find("nameless"), nullptr);
+    EXPECT_EQ(find("nameless")->name, "nameless");
 }
 
 TEST_F(InstalledApplicationsTest, NothingIsReadAgainUntilAnEntryComesOrGoes) {
@@ -53,9 +74,20 @@ TEST_F(InstalledApplicationsTest, NothingIsReadAgainUntilAnEntryComesOrGoes) {
     changed("user", 2000);
     const auto second = installed.index();
     EXPECT_NE(second, first);
-    EXPECT_NE(second->find("0::/app-player-1.scope\n", ""), nullptr);
+    EXPECT_NE(find("player"), nullptr);
+    EXPECT_EQ(reads, 3);
     home.text("missing/late.desktop", "");
     EXPECT_NE(installed.index(), second);
+}
+
+TEST_F(InstalledApplicationsTest, AnEntryInASubfolderCountsAlsoWhenItComesLater) {
+    home.folder("user/office");
+    changed("user/office", 1000);
+    EXPECT_EQ(find("office_writer"), nullptr);
+    home.text("user/office/writer.desktop", "");
+    changed("user/office", 2000);
+    // The hyphen of the identifier is escaped in the name of the unit.
+    EXPECT_NE(find("office\\x2dwriter"), nullptr);
 }
 
 }  // namespace

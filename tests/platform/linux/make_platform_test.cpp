@@ -11,6 +11,8 @@
 
 #include "platform/Platform.h"
 #include "support/TempHome.h"
+#include "support/linux/Child.h"
+#include "support/made_picture.h"
 
 namespace velto {
 namespace {
@@ -133,6 +135,27 @@ TEST(MakePlatform, EverythingThatAMachineIsAskedForIsThere) {
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     EXPECT_EQ(limit.rlim_cur, limit.rlim_max);
+}
+
+TEST(MakePlatform, AnApplicationOfALinuxHomeIsSeenRunningUnderItsNameAndWithItsIcon) {
+    TempHome home;
+    const std::string program = home.path("Applications/painter/painter");
+    const Child child(home, program);
+    home.text(".local/share/applications/painter.desktop",
+              "[Desktop Entry]\nType=Application\nName=The Painter\nIcon=painter\nExec=" + program +
+                  " %F\n");
+    home.text(".local/share/icons/hicolor/32x32/apps/painter.png",
+              pngPicture(32, 32, {200, 10, 10, 255}));
+    const Variables variables(environmentOf(home.path()));
+    const auto platform = makePlatform("velto");
+    platform->processes->list();
+    const auto apps = platform->processes->runningApps();
+    const auto found = apps.find(static_cast<std::int32_t>(child.process()));
+    ASSERT_NE(found, apps.end());
+    EXPECT_EQ(found->second.name, "The Painter");
+    EXPECT_EQ(found->second.bundle, "painter");
+    EXPECT_THAT(platform->icons->pngDataURL(found->second.path, 28).value_or(""),
+                testing::StartsWith("data:image/png;base64,"));
 }
 
 TEST(MakePlatform, WorkThatRunsAtTheEndMayStillUseTheRest) {
