@@ -105,8 +105,17 @@ bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operat
 }
 
 void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
-    if (!holdsScratch(item, operation) || attributes(&operation, item)) return;
-    mover_.moveAtOnce(operation, scratchName(item), operation, storedName(item));
+    const std::string name = storedName(item);
+    const std::string scratch = scratchName(item);
+    const auto adopted = mover_.attributes(operation, scratch);
+    if (!adopted) return;
+    if (const auto stored = mover_.attributes(operation, name)) {
+        // A folder that holds the name for it, or a second name of it. All else stays.
+        if (stored->identity == adopted->identity) return mover_.removeAll(operation, scratch);
+        if (stored->kind != FileKind::folder || !mover_.removeEmptyFolder(operation, name)) return;
+    }
+    if (mover_.moveAtOnce(operation, scratch, operation, name)) return;
+    mover_.moveInSteps(operation, scratch, operation, name, scratch + "-adopted");
 }
 
 void TrashFolder::remove(const TrashItem& item) {

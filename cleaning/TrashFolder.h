@@ -51,7 +51,8 @@ public:
     /// True when a move in several steps has left something under its scratch name.
     bool holdsScratch(const TrashItem& item, const FolderHandle& operation) const;
 
-    /// Gives that the item's own name when that is free; for a move whose other side is gone.
+    /// Gives that the item's own name unless another thing bears it; for a move whose other side is
+    /// gone.
     void adoptScratch(const TrashItem& item, const FolderHandle& operation);
 
     /// Removes an item's file for good; one that is not there is fine.

@@ -1,6 +1,7 @@
 #include "cleaning/TrashManifest.h"
 
 #include <cerrno>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,13 @@ bool TrashManifest::refresh(Manifest& lists) {
     loaded_ = true;
     // A second attempt: a passing fault of the disk must not make the trash look empty.
     return tryToRead(lists) || tryToRead(lists) || isFirst;
+}
+
+bool TrashManifest::reload(Manifest& lists) {
+    Manifest unsaved = std::exchange(lists, {});
+    if (tryToRead(lists) || tryToRead(lists)) return true;
+    lists = std::move(unsaved);
+    return false;
 }
 
 bool TrashManifest::tryToRead(Manifest& lists) {

@@ -26,6 +26,10 @@ public:
     /// the file and it cannot be read: then nothing may be saved over it.
     bool refresh(Manifest& lists);
 
+    /// Gives up what was never saved and takes the file's word instead. False, the lists as they
+    /// were, when it cannot be read.
+    bool reload(Manifest& lists);
+
     /// Writes the lists, making the trash folder when it is missing. Returns why it failed.
     std::optional<FileError> save(const Manifest& lists);
 

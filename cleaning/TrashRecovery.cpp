@@ -81,9 +81,11 @@ bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operati
         return folder_.attributes(&operation, item).has_value();
     } catch (const FileError& error) {
         // EEXIST: both places are taken and nothing may be replaced; all pieces stay. In all other
-        // cases the place that it came from is out of reach.
-        if (folder_.attributes(&operation, item)) return true;
-        if (error.code() == EEXIST || !folder_.holdsScratch(item, operation)) return false;
+        // cases the place that it came from is out of reach. Without a scratch name nothing is
+        // under way: the item is in the trash, or it never came.
+        if (error.code() == EEXIST || !folder_.holdsScratch(item, operation)) {
+            return folder_.attributes(&operation, item).has_value();
+        }
         const bool isGone = error.code() == ENOENT || error.code() == ENOTDIR;
         if (!isGone) throw;  // the original may be there, put aside
         folder_.adoptScratch(item, operation);
@@ -126,13 +128,15 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
 
 void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
                                 const std::string& target) {
+    std::optional<HeldPlace> place;
     try {
-        const HeldPlace place = openPlace(mover_, target, FolderPath::throughLinks);
-        folder_.settleOut(item, operation, place);
+        place = openPlace(mover_, target, FolderPath::throughLinks);
     } catch (const FileError&) {
         // The place that it went to is out of reach: what was put aside is the item again.
         folder_.adoptScratch(item, operation);
+        return;
     }
+    folder_.settleOut(item, operation, *place);
 }
 
 bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {

@@ -150,7 +150,7 @@ VeltoTrashService::Change VeltoTrashService::begin() {
     files_.createFolders(layout_.dataFolder);
     Change change;
     change.lock = mover_.lock(lockPath(), true);
-    if (!manifest_.refresh(lists_)) throw FileError("read", folder_.manifestPath(), EIO);
+    if (!refresh()) throw FileError("read", folder_.manifestPath(), EIO);
     settleEarlierChange(change);
     return change;
 }
@@ -161,6 +161,16 @@ VeltoTrashService::Change VeltoTrashService::beginStrictly() {
     return change;
 }
 
+/// False when another process has changed the lists and they cannot be read.
+bool VeltoTrashService::refresh() {
+    // Another process has settled what this one could not save: what is in memory never came true.
+    if (leftJournal_ && !journal_.exists()) {
+        if (!manifest_.reload(lists_)) return false;
+        leftJournal_ = false;
+    }
+    return manifest_.refresh(lists_);
+}
+
 void VeltoTrashService::settleEarlierChange(Change& change) {
     try {
         const auto entry = journal_.read();
@@ -168,6 +178,7 @@ void VeltoTrashService::settleEarlierChange(Change& change) {
         const bool hasChanged = recovery_.recover(*entry);
         if (hasChanged || !manifest_.isSaved()) change.unsettled = manifest_.save(lists_);
         change.isOnlyUnsaved = change.unsettled.has_value();
+        leftJournal_ = change.isOnlyUnsaved;
         if (!change.unsettled) journal_.clear();
     } catch (const FileError& error) {
         change.unsettled = error;
@@ -177,14 +188,14 @@ void VeltoTrashService::settleEarlierChange(Change& change) {
 /// For reading alone: never waits for another process, and settles what it has left only when it is
 /// not at work.
 void VeltoTrashService::ensureLoaded() {
-    if (manifest_.isCurrent() && !journal_.exists()) return;
+    if (manifest_.isCurrent() && !journal_.exists() && !leftJournal_) return;
     Change change;
     try {
         if (files_.exists(layout_.dataFolder)) change.lock = mover_.lock(lockPath(), false);
     } catch (const FileError&) {
         // Without the lock the lists are still whole: the manifest is replaced in one step.
     }
-    manifest_.refresh(lists_);
+    refresh();
     if (change.lock) settleEarlierChange(change);
 }
 
@@ -201,6 +212,7 @@ void VeltoTrashService::announce(const JournalEntry& entry, const Change& change
 /// Saves the lists, silently when that fails: they stay in force, and so does the journal.
 void VeltoTrashService::saveAndSettle(const Change& change) {
     const bool isSaved = !manifest_.save(lists_).has_value();
+    leftJournal_ = !isSaved && journal_.exists();
     if (isSaved && (!change.unsettled || change.isOnlyUnsaved)) journal_.clear();
 }
 

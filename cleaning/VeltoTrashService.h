@@ -95,6 +95,7 @@ private:
     Change beginStrictly();  // throws when an earlier change is not settled
     void settleEarlierChange(Change& change);
     void ensureLoaded();
+    bool refresh();
     void announce(const JournalEntry& entry, const Change& change);
     void saveAndSettle(const Change& change);
 
@@ -126,6 +127,7 @@ private:
     TrashManifest manifest_;
     Manifest lists_;
     TrashRecovery recovery_;
+    bool leftJournal_ = false;  // the lists could not be saved; the journal tells of the change
 };
 
 }  // namespace velto

@@ -186,9 +186,9 @@ void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* op
             moveOut(item, *operation, place, path, entry, change);
             return;
         } catch (const FileError& error) {
-            // Somebody was faster: the next name, then.
-            const bool isTaken =
-                error.code() == EEXIST && mover_.attributes(*place.folder, place.name);
+            // Somebody was faster: the next name, then. But the journal tells of one place only.
+            const bool isTaken = error.code() == EEXIST && !change.unsettled &&
+                                 mover_.attributes(*place.folder, place.name);
             if (!isTaken) throw;
         }
     }

@@ -50,8 +50,11 @@ struct Entry {
     const std::string& name;
 };
 
-/// Reads the attributes of an entry; false when nothing stands there. Throws when it cannot be
-/// told.
+/// Reads the attributes of a name. False with `errno` set when it cannot; that is ENOENT when
+/// nothing stands there.
+bool isThere(FileCalls& calls, int folder, const char* name, struct stat& status);
+
+/// The same of an entry; false when nothing stands there. Throws when it cannot be told.
 bool isThere(FileCalls& calls, const Entry& entry, struct stat& status, const char* attempt);
 
 /// Opens a folder's names for reading and lists them. Throws.

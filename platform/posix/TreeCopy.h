@@ -26,7 +26,7 @@ public:
     void requireUnchanged(const Entry& source, bool renamed);
 
     /// True when two trees hold the same names with the same kinds, sizes and modification times
-    /// (to the second, which every volume keeps).
+    /// (those of FAT volumes are even seconds).
     bool areAlike(const Entry& left, const Entry& right);
 
 private:

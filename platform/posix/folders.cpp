@@ -103,10 +103,15 @@ void PosixFileManager::makeFolder(const FolderHandle& parent, const std::string&
 
 bool PosixFileManager::removeEmptyFolder(const FolderHandle& parent, const std::string& name) {
     const Entry entry(parent, name);
-    if (calls_.remove(entry.folder(), entry.c_str(), AT_REMOVEDIR) == 0) return true;
-    // EEXIST is another name of ENOTEMPTY (unlink(2) in POSIX).
-    if (errno == ENOENT || errno == ENOTEMPTY || errno == EEXIST) return false;
-    throw FileError("remove", entry.path(), errno);
+    struct stat status;
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        if (calls_.remove(entry.folder(), entry.c_str(), AT_REMOVEDIR) == 0) return true;
+        // EEXIST is another name of ENOTEMPTY (unlink(2) in POSIX).
+        if (errno == ENOTEMPTY || errno == EEXIST) return false;
+        if (errno != ENOENT) throw FileError("remove", entry.path(), errno);
+        if (!isThere(calls_, entry, status, "remove")) return false;
+    }
+    throw FileError("remove", entry.path(), ENOENT);
 }
 
 void PosixFileManager::sync(const FolderHandle& folder) {
@@ -126,15 +131,21 @@ Entry::Entry(const FolderHandle& folder, const std::string& entryName)
     }
 }
 
-bool isThere(FileCalls& calls, const Entry& entry, struct stat& status, const char* attempt) {
+bool isThere(FileCalls& calls, int folder, const char* name, struct stat& status) {
     // Asked twice before it counts as gone: much is decided by that, and on a network volume a name
     // can be missing for a moment.
     for (int look = 0; look < 2; ++look) {
-        if (calls.stat(entry.folder(), entry.c_str(), status) == 0) return true;
-        if (errno != ENOENT) break;
+        if (calls.stat(folder, name, status) == 0) return true;
+        // A name that is too long for the volume names nothing on it.
+        if (errno != ENOENT && errno != ENAMETOOLONG) return false;
     }
-    // A name that is too long for the volume names nothing on it.
-    if (errno == ENOENT || errno == ENAMETOOLONG) return false;
+    errno = ENOENT;
+    return false;
+}
+
+bool isThere(FileCalls& calls, const Entry& entry, struct stat& status, const char* attempt) {
+    if (isThere(calls, entry.folder(), entry.c_str(), status)) return true;
+    if (errno == ENOENT) return false;
     throw FileError(attempt, entry.path(), errno);
 }
 

@@ -5,6 +5,7 @@
 
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/TreeCopy.h"
+#include "platform/posix/clear_away.h"
 #include "platform/posix/volume_move.h"
 
 namespace velto {
@@ -35,13 +36,16 @@ public:
             bringBack();
             throw;
         }
-        removeAside();
+        clearAway(files_, calls_, aside_);  // the item is moved whatever becomes of it
     }
 
 private:
     enum class Progress { copying, aside, inPlace };
 
     void bringToTarget() {
+        // The scratch name stands for nothing but what an earlier move of this item has left.
+        struct stat status;
+        if (isThere(calls_, copy_, status, "move")) clearAway(files_, calls_, copy_);
         TreeCopy tree(calls_);
         tree.copy(source_, copy_);
         tree.requireUnchanged(source_, false);
@@ -61,18 +65,6 @@ private:
             files_.removeAll(copy_.parent, copy_.name);
         } catch (const FileError&) {
             // `settleMove` does the rest; the first error tells what is wrong.
-        }
-    }
-
-    void removeAside() {
-        for (int attempt = 0; attempt < 2; ++attempt) {
-            try {
-                files_.removeAll(aside_.parent, aside_.name);
-                files_.sync(aside_.parent);
-                return;
-            } catch (const FileError&) {
-                // The item is moved; what resists a second attempt stays under the scratch name.
-            }
         }
     }
 

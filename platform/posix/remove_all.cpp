@@ -62,17 +62,17 @@ private:
         const int folder = levels_.back().folder.number();
         for (int attempt = 0; attempt < attempts; ++attempt) {
             struct stat status;
-            if (calls_.stat(folder, name.c_str(), status) != 0) {
+            if (!isThere(calls_, folder, name.c_str(), status)) {
                 if (errno == ENOENT) return;  // somebody else was faster
                 fail(name);
             }
             if (S_ISDIR(status.st_mode)) {
                 if (enter(name)) return;
             } else {
-                if (calls_.remove(folder, name.c_str(), 0) == 0 || errno == ENOENT) return;
+                if (calls_.remove(folder, name.c_str(), 0) == 0) return;
                 // What POSIX and Linux say of a file that has become a folder; the first also of
-                // one that may not be removed.
-                if (errno != EPERM && errno != EISDIR) break;
+                // one that may not be removed. ENOENT counts once another look has confirmed it.
+                if (errno != EPERM && errno != EISDIR && errno != ENOENT) break;
             }
         }
         fail(name);
@@ -133,14 +133,24 @@ private:
     void leave() {
         Level& level = levels_.back();
         const int parent = parentOfLast();
-        if (calls_.remove(parent, level.name.c_str(), AT_REMOVEDIR) == 0 || errno == ENOENT) {
+        const bool isGone = calls_.remove(parent, level.name.c_str(), AT_REMOVEDIR) == 0 ||
+                            (errno == ENOENT && !isStillThere(parent, level.name));
+        if (isGone) {
             levels_.pop_back();
             return;
         }
         // A program that still runs may have put something into its folder.
-        const bool filledAgain = errno == ENOTEMPTY || errno == EEXIST;
-        if (!filledAgain || ++level.refills == attempts) fail("");
+        const bool isWorthATry = errno == ENOTEMPTY || errno == EEXIST || errno == ENOENT;
+        if (!isWorthATry || ++level.refills == attempts) fail("");
         list();
+    }
+
+    /// Of a name that is said to be gone. Keeps `errno` for when it is not.
+    bool isStillThere(int parent, const std::string& name) {
+        struct stat status;
+        const bool isStillThere = isThere(calls_, parent, name.c_str(), status);
+        errno = ENOENT;
+        return isStillThere;
     }
 
     int parentOfLast() {

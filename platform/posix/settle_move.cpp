@@ -4,6 +4,7 @@
 
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/TreeCopy.h"
+#include "platform/posix/clear_away.h"
 #include "platform/posix/same_state.h"
 #include "platform/posix/volume_move.h"
 
@@ -24,7 +25,8 @@ struct Found {
         return isSameAs(other) && !S_ISDIR(status.st_mode) && status.st_nlink > 1;
     }
     bool isPlaceholder() const {
-        return isThere && S_ISDIR(status.st_mode) && (status.st_mode & 07777) == placeholder;
+        // Without the bits that a new folder takes over from the one that it is made in.
+        return isThere && S_ISDIR(status.st_mode) && (status.st_mode & 0777) == placeholder;
     }
 
     const Entry entry;
@@ -48,7 +50,7 @@ public:
         removePlaceholders();
         removeSecondNames();
         if (aside_.isThere) return copy_.isThere ? decide() : endRemoval();
-        if (copy_.isThere && source_.isThere) remove(copy_);  // cut off while copying
+        if (copy_.isThere && source_.isThere) clearAway(files_, calls_, copy_.entry);
         if (source_.isSecondNameOf(target_)) {
             remove(source_);
             return MoveState::atTarget;
@@ -82,7 +84,7 @@ private:
     MoveState decide() {
         if (!source_.isThere) {
             moveWithinVolume(calls_, aside_.entry, source_.entry);
-            remove(copy_);
+            clearAway(files_, calls_, copy_.entry);
             return MoveState::atSource;
         }
         if (target_.isThere || !TreeCopy(calls_).areAlike(aside_.entry, copy_.entry)) {
@@ -90,7 +92,7 @@ private:
         }
         moveWithinVolume(calls_, copy_.entry, target_.entry);
         files_.sync(target_.entry.parent);
-        remove(aside_);
+        clearAway(files_, calls_, aside_.entry);
         return MoveState::atTarget;
     }
 
@@ -101,10 +103,11 @@ private:
             moveWithinVolume(calls_, aside_.entry, source_.entry);
             return MoveState::atSource;
         }
-        remove(aside_);
+        clearAway(files_, calls_, aside_.entry);
         return MoveState::atTarget;
     }
 
+    /// A second name must go before anything else is decided.
     void remove(Found& found) {
         files_.removeAll(found.entry.parent, found.entry.name);
         found.isThere = false;

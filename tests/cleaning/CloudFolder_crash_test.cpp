@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <ostream>
+
 #include "TrashWorld.h"
 #include "cleaning/CloudFolder.h"
 #include "support/tree_text.h"
@@ -25,6 +27,8 @@ struct Passage {
     bool knowsExclusiveRename = true;  // else a file system that can only rename by replacing
     std::string downloads = "";        // out to this volume, its place being gone
 };
+
+void PrintTo(const Passage& passage, std::ostream* stream) { *stream << passage.name; }
 
 struct Journey {
     explicit Journey(const Passage& thePassage) : passage(thePassage) {

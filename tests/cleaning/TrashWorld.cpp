@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 
 #include "support/tree_text.h"
 
@@ -25,6 +26,14 @@ std::string storedPath(const std::string& trash, const TrashItem& item) {
 }
 
 }  // namespace
+
+void PrintTo(const TrashItem& item, std::ostream* stream) {
+    *stream << item.id << " of " << item.opID << ": " << testing::PrintToString(item.originalPath);
+}
+
+void PrintTo(const Operation& operation, std::ostream* stream) {
+    *stream << operation.id << ": " << testing::PrintToString(operation.items);
+}
 
 bool isExhaustive() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 

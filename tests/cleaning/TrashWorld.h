@@ -1,5 +1,6 @@
 #pragma once
 
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <optional>
@@ -14,6 +15,10 @@
 #include "support/fakes.h"
 
 namespace velto {
+
+/// For the test's report.
+void PrintTo(const TrashItem& item, std::ostream* stream);
+void PrintTo(const Operation& operation, std::ostream* stream);
 
 /// A trash as one process sees it.
 struct TrashProcess {

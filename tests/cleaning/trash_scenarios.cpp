@@ -1,5 +1,7 @@
 #include "trash_scenarios.h"
 
+#include <ostream>
+
 #include "support/TempHome.h"
 
 namespace velto {
@@ -40,6 +42,8 @@ std::set<std::string> everythingBut(const std::set<std::string>& some) {
 }
 
 }  // namespace
+
+void PrintTo(const TrashScenario& scenario, std::ostream* stream) { *stream << scenario.name; }
 
 const std::vector<TrashScenario>& trashScenarios() {
     static const std::vector<TrashScenario> scenarios{

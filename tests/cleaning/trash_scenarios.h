@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <iosfwd>
 #include <set>
 #include <string>
 #include <vector>
@@ -21,6 +22,9 @@ struct TrashScenario {
     /// What is in the home when it has come to its end; everything else is in the trash.
     std::set<std::string> home;
 };
+
+/// For the test's report.
+void PrintTo(const TrashScenario& scenario, std::ostream* stream);
 
 /// Each way to change a trash, in a world with `keepMany`.
 const std::vector<TrashScenario>& trashScenarios();

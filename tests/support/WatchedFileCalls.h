@@ -15,7 +15,14 @@ namespace velto {
 /// the disk: dying before or after a call that only looks is dying after the change before it.
 class WatchedFileCalls final : public FileCalls {
 public:
-    enum class Action { none, fail, dieBefore, dieMidway, dieAfter };
+    enum class Action {
+        none,
+        fail,         // that call
+        failOnwards,  // that one and every later one that changes something
+        dieBefore,
+        dieMidway,
+        dieAfter,
+    };
     static constexpr int died = 99;  // exit status
 
     Action action = Action::none;
@@ -25,6 +32,9 @@ public:
     int count = 0;  // calls so far
     /// Called before every call that changes something, with the name that it is about.
     std::function<void(const char* call, const char* name)> before;
+    /// Called before every call there is, with the name that it is about ("" for an open file); the
+    /// call fails with what it returns unless that is 0.
+    std::function<int(const char* call, const char* name)> refuses;
 
     int open(int folder, const char* name, int flags, mode_t mode) override {
         return run((flags & O_CREAT) != 0, "open", name,
@@ -145,8 +155,16 @@ private:
     auto run(bool changes, const char* what, const char* name, Call call, Part part)
         -> decltype(call()) {
         if (changes && before) before(what, name);
+        if (const int reason = refuses ? refuses(what, name) : 0) {
+            errno = reason;
+            return -1;
+        }
         if (!changes && !countsAll) return call();
         const bool isIt = count++ == at;
+        if (action == Action::failOnwards && changes && count > at) {
+            errno = error;
+            return -1;
+        }
         if (!isIt) return call();
         if (action == Action::fail) {
             errno = error;

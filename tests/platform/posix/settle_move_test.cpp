@@ -155,6 +155,32 @@ TEST_F(SettledNothing, AFolderThatItsOwnerHasClosedIsNotTakenForAPlaceholder) {
     EXPECT_TRUE(source.exists("item"));
 }
 
+TEST_F(SettledNothing, AHeldNameIsKnownInAFolderThatHandsItsGroupDown) {
+    // The state "folder: target held" of the table, where new folders take over a bit of their
+    // parent's permissions.
+    setMode(target.path(), 02700);
+    source.text(std::string(scratch) + "/file", "content");
+    target.text(std::string(scratch) + "/file", "content");
+    setTimes(source.path(scratch) + "/file", itemTime, itemTime);
+    setTimes(target.path(scratch) + "/file", itemTime, itemTime);
+    calls.makeFolder(AT_FDCWD, target.path("moved").c_str(), 0);
+    EXPECT_EQ(settle(), MoveState::atSource);
+    EXPECT_TRUE(isOnlyAtSource());
+    EXPECT_EQ(source.read("item/file"), "content");
+}
+
+TEST_F(SettledNothing, ACopyOnAVolumeThatKnowsEvenSecondsAloneIsKnownAsOne) {
+    // Put aside, a new file in its place, and a copy on a FAT volume.
+    source.text("item", "new");
+    source.text(scratch, "content");
+    target.text(scratch, "content");
+    setTimes(source.path(scratch), itemTime, {itemTime.tv_sec + 1, 500});
+    setTimes(target.path(scratch), itemTime, itemTime);
+    EXPECT_EQ(settle(), MoveState::atTarget);
+    EXPECT_EQ(target.read("moved"), "content");
+    EXPECT_EQ(source.read("item"), "new");
+}
+
 TEST_F(SettledNothing, WhatIsUnlikeTheCopyIsNeverRemovedForIt) {
     // Aside, copy and something new at the source: but the copy is not what was put aside.
     source.text("item", "new");
