@@ -133,6 +133,7 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
         std::fputs("velto: no display: neither a Wayland nor an X11 display answers\n", stderr);
         return EXIT_FAILURE;
     }
+    window::nameLanguage(platform);
     return window::WindowedApplication(app, platform, *page).run();
 }
 

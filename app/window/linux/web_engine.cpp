@@ -1,5 +1,6 @@
 #include "app/window/linux/web_engine.h"
 
+#include <array>
 #include <vector>
 
 #include "app/window/window_rules.h"
@@ -40,6 +41,14 @@ GlibReference<WebKitNetworkSession> makeSession(const Platform& platform) {
     const std::string folder = webDataFolder(platform);
     return GlibReference<WebKitNetworkSession>(
         webkit_network_session_new(folder.c_str(), (folder + "/cache").c_str()));
+}
+
+void nameLanguage(const Platform& platform) {
+    if (!platform.locale->preferredLanguages().empty()) return;
+    // In the locale "C" the engine would give that as the page's language, and everything of the
+    // page that formats numbers or dates would end with "invalid language tag".
+    constexpr std::array<const char*, 2> languages{"en", nullptr};
+    webkit_web_context_set_preferred_languages(webkit_web_context_get_default(), languages.data());
 }
 
 std::optional<std::string> pageUri(const Platform& platform) {

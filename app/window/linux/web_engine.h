@@ -19,6 +19,9 @@ std::string webDataFolder(const Platform& platform);
 /// Where the engine keeps its data. One per process.
 GlibReference<WebKitNetworkSession> makeSession(const Platform& platform);
 
+/// Names a language to the page where the machine names none. Before there is a web view.
+void nameLanguage(const Platform& platform);
+
 /// The page as a URI: from the resource bundle beside the program, or where an installation puts
 /// it; nothing when there is none.
 std::optional<std::string> pageUri(const Platform& platform);

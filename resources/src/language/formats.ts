@@ -48,6 +48,14 @@ export function createFormats(code: LanguageCode) {
     return value + nonBreakingSpace + name;
   }
 
+  /** A size given in decimal gigabytes, with at most one fraction digit. */
+  function size(gb: number): string {
+    if (gb <= 0) return withUnit('0', 'GB');
+    if (gb < 0.05) return withUnit('<' + nonBreakingSpace + oneDecimal().format(0.1), 'GB');
+    if (gb >= 999.95) return withUnit(oneDecimal().format(gb / 1000), 'TB');
+    return withUnit(oneDecimal().format(gb), 'GB');
+  }
+
   return {
     number: (value: number) => whole().format(value),
     /** With at most one fraction digit, where the unit stands elsewhere. */
@@ -61,12 +69,13 @@ export function createFormats(code: LanguageCode) {
     date: (stamp: number) => date().format(stamp * 1000),
     compare: (left: string, right: string) => collator().compare(left, right),
 
-    /** A size given in decimal gigabytes, with at most one fraction digit. */
-    size(gb: number): string {
-      if (gb <= 0) return withUnit('0', 'GB');
-      if (gb < 0.05) return withUnit('<' + nonBreakingSpace + oneDecimal().format(0.1), 'GB');
-      if (gb >= 999.95) return withUnit(oneDecimal().format(gb / 1000), 'TB');
-      return withUnit(oneDecimal().format(gb), 'GB');
+    size,
+
+    /** The same where thousandths are known, as they are of applications: what is small in megabytes. */
+    fineSize(gb: number): string {
+      if (gb >= 0.9995) return size(gb);
+      if (gb < 0.0005) return withUnit('<' + nonBreakingSpace + whole().format(1), 'MB');
+      return withUnit(whole().format(gb * 1000), 'MB');
     },
 
     /** "#" in the chosen form stands for the count. */

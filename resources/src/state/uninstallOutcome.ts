@@ -25,6 +25,6 @@ export function tellOutcome(outcome: Outcome): void {
   const failed = left ? words.failuresTitle(left) : '';
   announcer.say([title, failed].filter(Boolean).join('. '));
   if (navigation.view === 'apps' && leftovers.app?.path === outcome.path) return;
-  const done = `${words.removedItems(outcome.removed)} · ${language.formats.size(outcome.freed)}`;
+  const done = `${words.removedItems(outcome.removed)} · ${language.formats.fineSize(outcome.freed)}`;
   toasts.show(title, outcome.removed ? done : words.noneText, { note: failed });
 }

@@ -23,6 +23,16 @@ describe('sizes', () => {
     expect(plain(es.size(1234))).toBe('1,2 TB');
   });
 
+  it('tell small things apart where thousandths are known', () => {
+    expect(plain(en.fineSize(0))).toBe('< 1 MB');
+    expect(plain(en.fineSize(0.0004))).toBe('< 1 MB');
+    expect(plain(en.fineSize(0.001))).toBe('1 MB');
+    expect(plain(es.fineSize(0.84))).toBe('840 MB');
+    expect(plain(en.fineSize(0.9994))).toBe('999 MB');
+    expect(plain(en.fineSize(0.9996))).toBe('1 GB');
+    expect(plain(es.fineSize(12.34))).toBe('12,3 GB');
+  });
+
   it('keep number and unit on one line', () => {
     expect(en.size(5)).not.toContain(' ');
   });

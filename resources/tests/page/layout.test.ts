@@ -89,6 +89,40 @@ describe.each(sizes)('$name, applications and system', ({ width, height, zoom })
   );
 });
 
+/** Controls under the window's drag strip: a click on one would move the window and do nothing else. */
+function underTheStrip(page: Page): Promise<string[]> {
+  return page.evaluate(() => {
+    const wide = Math.min(Math.max(innerWidth - 598, 140), innerWidth - 200);
+    return [...document.querySelectorAll('button, a, input, select, summary, [role="switch"]')]
+      .filter((element) => {
+        const { left, right, top, bottom } = element.getBoundingClientRect();
+        return right > 78 && left < 78 + wide && top < 52 && bottom > 0 && right > left && bottom > top;
+      })
+      .map((element) => element.outerHTML.slice(0, 160));
+  });
+}
+
+describe.each(sizes.filter(({ zoom }) => zoom === '100%'))('$name, the strip that drags the window', ({ width, height }) => {
+  it('lies over no control', async () => {
+    const opened = await open(browser, { saved: inSpanish(withHistory(withoutAccess())), context: { viewport: { width, height } } });
+    const { page } = opened;
+    await tellCleaning(opened);
+    for (const view of [...views, 'sistema']) {
+      await opened.go(view);
+      if (view === 'apps') await opened.tell('onApps', someApps());
+      await page.waitForTimeout(80);
+      expect(await underTheStrip(page), view).toEqual([]);
+    }
+    await opened.go('apps');
+    await page.locator('[data-key^="/"]').first().click({ position: { x: 60, y: 10 } });
+    expect(await underTheStrip(page), 'one application').toEqual([]);
+    await page.getByRole('button', { name: 'Volver a todas las aplicaciones' }).click();
+    expect(await page.locator('[data-key^="/"]').count()).toBeGreaterThan(1);
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+});
+
 describe('room for the list', () => {
   it('with large text the list keeps room and the page scrolls', async () => {
     const opened = await open(browser, { saved: inSpanish(withoutAccess()), context: { viewport: { width: 720, height: 600 } } });

@@ -1,6 +1,6 @@
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.en;
+const { plural, fineSize: size } = formats.en;
 
 const apps = { one: '# application', other: '# applications' };
 const items = { one: '# item', other: '# items' };

@@ -1,7 +1,7 @@
 import type { appWords as english } from '../en/apps.ts';
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.es;
+const { plural, fineSize: size } = formats.es;
 
 const apps = { one: '# aplicación', many: '# de aplicaciones', other: '# aplicaciones' };
 const items = { one: '# elemento', many: '# de elementos', other: '# elementos' };

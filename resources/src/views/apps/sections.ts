@@ -1,6 +1,6 @@
 /** What an application left behind, by how certain it is that it belongs to it, then by kind. */
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { AppAnalysis, LeftoverGroupKey, LeftoverItem } from '../../protocol/protocol.ts';
+import type { AppAnalysis, InstalledApp, LeftoverGroupKey, LeftoverItem } from '../../protocol/protocol.ts';
 import { totalGb } from '../../state/operations.ts';
 
 export type SectionName = 'certain' | 'possible' | 'stays';
@@ -49,9 +49,19 @@ export function preselectedOf(sections: readonly Section[]): Set<string> {
   return new Set(certain?.items.map(({ path }) => path));
 }
 
-const sharedPlaces = ['/Applications/', '/Library/', '/System/', '/usr/', '/opt/'];
+const sharedPlaces = ['/Applications/', '/Library/', '/System/', '/usr/', '/opt/', '/var/', '/snap/'];
 
 /** The program deletes in the home folder only: an application for all users stays for the user to remove. */
 export function isForAllUsers(path: string): boolean {
   return sharedPlaces.some((place) => path.startsWith(place));
+}
+
+/** A Mac's application, on whatever system its home is looked at: its store is the App Store. */
+export function isBundle({ path }: InstalledApp): boolean {
+  return path.endsWith('.app');
+}
+
+/** Only the desktop entry is known: its size is not that of the application. */
+export function isEntryAlone({ path }: InstalledApp): boolean {
+  return path.endsWith('.desktop');
 }
