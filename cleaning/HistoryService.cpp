@@ -1,32 +1,29 @@
 #include "cleaning/HistoryService.h"
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
 #include "platform/json_fields.h"
 
 namespace velto {
-namespace {
-
-constexpr const char* fileName = "/history.json";
-
-}  // namespace
-
-HistoryService::HistoryService(FileManager& files, Log& log, const HomeLayout& layout)
-    : files_(files), log_(log), folder_(layout.dataFolder) {
-    try {
-        const auto json = nlohmann::json::parse(files_.read(folder_ + fileName));
-        entries_ = listFrom(json, historyEntryFromJson);
-    } catch (const FileError&) {
-        // Nothing was cleaned yet, or the file cannot be read.
-    } catch (const nlohmann::json::exception&) {
-        // Damaged: the next save replaces it.
-    }
+HistoryService::HistoryService(FileManager& files, FileMover& mover, Log& log,
+                               const HomeLayout& layout)
+    : files_(files),
+      mover_(mover),
+      log_(log),
+      folder_(layout.dataFolder),
+      path_(layout.dataFolder + "/history.json") {
+    mergeWithFile();
 }
 
 HistoryService& HistoryService::shared() {
     Platform& platform = processPlatform();
-    static HistoryService instance(*platform.files, *platform.log, platform.layout);
+    static HistoryService instance(*platform.files, *platform.mover, *platform.log,
+                                   platform.layout);
     return instance;
 }
 
@@ -39,30 +36,91 @@ void HistoryService::record(const Operation& operation) {
     for (const TrashItem& item : operation.items) {
         entry.items.push_back({.name = item.name, .gb = item.gb});
     }
+    const auto held = lock();
+    mergeWithFile();
     entries_.insert(entries_.begin(), std::move(entry));
     save();
 }
 
 void HistoryService::remove(const std::string& operationID) {
+    const auto held = lock();
+    mergeWithFile();
     std::erase_if(entries_, [&](const HistoryEntry& entry) { return entry.id == operationID; });
     save();
 }
 
 void HistoryService::clear() {
+    if (entries_.empty() && !files_.exists(path_)) return;
+    const auto held = lock();
+    mergeWithFile();
     if (entries_.empty()) return;
     entries_.clear();
     save();
     log_.line("Velto ▶ historial vaciado");
 }
 
-void HistoryService::save() const {
+/// Null when the folder does not allow it; then the last writer wins.
+std::unique_ptr<FileLock> HistoryService::lock() {
+    try {
+        files_.createFolders(folder_);
+        return mover_.lock(path_ + ".lock", true);
+    } catch (const FileError&) {
+        return nullptr;
+    }
+}
+
+/// Nothing when there is no file, or none that can be read or understood.
+std::optional<std::vector<HistoryEntry>> HistoryService::read() {
+    try {
+        version_ = mover_.openVersion(path_);
+        if (!version_) return std::nullopt;
+        return listFrom(nlohmann::json::parse(version_->read()), historyEntryFromJson);
+    } catch (const FileError&) {
+        version_.reset();  // the next change tries again
+        return std::nullopt;
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
+    }
+}
+
+/// Brings together what the file says and what this process has not been able to write into it.
+/// Without a sound file the list in memory is all there is.
+void HistoryService::mergeWithFile() {
+    if (version_ && version_->isCurrent()) return;
+    const auto written = read();
+    if (!written) return;
+    const auto idsOf = [](const std::vector<HistoryEntry>& entries) {
+        std::unordered_set<std::string> ids;
+        for (const HistoryEntry& entry : entries)
+            ids.insert(entry.id);
+        return ids;
+    };
+    const auto here = idsOf(entries_);
+    const auto there = idsOf(*written);
+    std::vector<HistoryEntry> merged;
+    std::ranges::copy_if(entries_, std::back_inserter(merged), [&](const HistoryEntry& entry) {
+        return !there.contains(entry.id) && !saved_.contains(entry.id);  // ours alone
+    });
+    std::ranges::copy_if(*written, std::back_inserter(merged), [&](const HistoryEntry& entry) {
+        return here.contains(entry.id) || !saved_.contains(entry.id);  // not removed here
+    });
+    entries_ = std::move(merged);
+    saved_ = there;
+}
+
+void HistoryService::save() {
     auto list = nlohmann::json::array();
-    for (const HistoryEntry& entry : entries_)
+    std::unordered_set<std::string> ids;
+    for (const HistoryEntry& entry : entries_) {
         list.push_back(toJson(entry));
+        ids.insert(entry.id);
+    }
     if (!isFinite(list)) return;  // the file would read as damaged
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(folder_ + fileName, list.dump());
+        files_.writeAtomically(path_, list.dump());
+        saved_ = std::move(ids);
+        version_ = mover_.openVersion(path_);
     } catch (const FileError&) {
         // The list in memory stays in force.
     } catch (const nlohmann::json::type_error&) {

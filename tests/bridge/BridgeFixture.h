@@ -17,7 +17,8 @@ struct BridgeFixture : testing::Test {
     ExclusionService exclusions{*machine.platform.files, machine.platform.layout};
     VeltoTrashService trash{*machine.platform.files, *machine.platform.mover, machine.clock,
                             machine.log, machine.platform.layout};
-    HistoryService history{*machine.platform.files, machine.log, machine.platform.layout};
+    HistoryService history{*machine.platform.files, *machine.platform.mover, machine.log,
+                           machine.platform.layout};
     CloudFolder cloud{*machine.platform.files, *machine.platform.mover, machine.log,
                       machine.platform.layout};
     std::unique_ptr<CleanupQueue> cleanups;

@@ -1,6 +1,8 @@
 #include "cleaning/HistoryService.h"
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <nlohmann/json.hpp>
 
 #include "TrashWorld.h"
@@ -10,6 +12,7 @@ namespace velto {
 namespace {
 
 using testing::ElementsAre;
+using testing::UnorderedElementsAre;
 
 struct HistoryTest : testing::Test {
     TempHome home{TrashWorld::fastVolume()};
@@ -18,7 +21,7 @@ struct HistoryTest : testing::Test {
     FakeLog log;
     const std::string path = home.path("Library/Application Support/Velto/history.json");
 
-    HistoryService history() { return {files, log, layout}; }
+    HistoryService history() { return {files, files, log, layout}; }
     std::string written() const { return files.read(path); }
 
     void write(const std::string& text) {
@@ -144,7 +147,79 @@ TEST_F(HistoryTest, TheFileIsReplacedInOneStep) {
     past.record(operation("op2"));
     EXPECT_FALSE(before->isCurrent());
     EXPECT_EQ(before->read(), old) << "the old file was written over";
-    EXPECT_THAT(files.list(layout.dataFolder), ElementsAre("history.json"));
+    EXPECT_THAT(files.list(layout.dataFolder),
+                UnorderedElementsAre("history.json", "history.json.lock"));
+}
+
+TEST_F(HistoryTest, WhatTwoProcessesRecordIsKeptFromBoth) {
+    HistoryService window = history();
+    HistoryService maintenance = history();
+    window.record(operation("op1"));
+    maintenance.record(operation("op2"));
+    window.record(operation("op3"));
+    EXPECT_THAT(ids(window), ElementsAre("op3", "op2", "op1"));
+    EXPECT_THAT(ids(history()), ElementsAre("op3", "op2", "op1"));
+}
+
+TEST_F(HistoryTest, WhatOneProcessRemovesTheOtherDoesNotBringBack) {
+    HistoryService window = history();
+    for (const char* id : {"op1", "op2", "op3"})
+        window.record(operation(id));
+    HistoryService maintenance = history();
+    window.remove("op2");
+    maintenance.record(operation("op4"));
+    EXPECT_THAT(ids(history()), ElementsAre("op4", "op3", "op1"));
+    maintenance.clear();
+    window.record(operation("op5"));
+    EXPECT_THAT(ids(history()), ElementsAre("op5"));
+}
+
+TEST_F(HistoryTest, ClearingTakesWhatAnotherProcessHasRecordedToo) {
+    HistoryService window = history();
+    history().record(operation("op1"));
+    window.clear();
+    EXPECT_EQ(written(), "[]");
+    EXPECT_THAT(log.lines(), ElementsAre("Velto ▶ historial vaciado"));
+}
+
+TEST_F(HistoryTest, WhatCouldNotBeSavedOrRemovedIsMadeUpForBesideTheOthersChanges) {
+    struct FullDisk final : PosixFileManager {
+        void writeAtomically(const std::string& file, std::string_view content) override {
+            if (isFull) throw FileError("write", file, ENOSPC);
+            PosixFileManager::writeAtomically(file, content);
+        }
+        bool isFull = false;
+    } disk;
+    HistoryService past(disk, disk, log, layout);
+    past.record(operation("op1"));
+    past.record(operation("op2"));
+    disk.isFull = true;
+    past.record(operation("op3"));
+    past.remove("op1");
+    history().record(operation("op4"));
+    disk.isFull = false;
+    past.record(operation("op5"));
+    EXPECT_THAT(ids(history()), UnorderedElementsAre("op5", "op4", "op3", "op2"));
+    EXPECT_EQ(ids(history()), ids(past));
+}
+
+TEST_F(HistoryTest, NothingGetsLostWhenTwoProcessesWriteAtOnce) {
+    constexpr int each = 40;
+    std::vector<pid_t> children;
+    for (const char* worker : {"a", "b"}) {
+        children.push_back(fork());
+        if (children.back() != 0) continue;
+        HistoryService past = history();
+        for (int number = 0; number < each; ++number)
+            past.record(operation(worker + std::to_string(number)));
+        _exit(0);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_EQ(status, 0);
+    }
+    EXPECT_EQ(history().entries().size(), 2u * each);
 }
 
 TEST_F(HistoryTest, NoNumberOfEntriesIsTooMany) {
