@@ -35,6 +35,9 @@ add_executable(notification_service
     e2e/support/notification_service.cpp platform/linux/NotificationService.cpp)
 target_link_libraries(notification_service
     PRIVATE PkgConfig::GIO nlohmann_json::nlohmann_json velto_options)
+# Processes that the live view has to show.
+add_executable(load e2e/support/load.cpp)
+target_link_libraries(load PRIVATE Threads::Threads velto_options)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
@@ -43,7 +46,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
-        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>")
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>")
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)

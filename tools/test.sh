@@ -7,7 +7,7 @@ run_tests() {
     build_page
     compile asan unit_tests
     compile tsan unit_tests
-    compile release velto notification_service
+    compile release velto notification_service load
     combine_tests asan tsan release
     say "Testing"
     # ctest's closing lines come last; what passes is only counted, unless it is one of the long

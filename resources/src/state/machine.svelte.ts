@@ -25,14 +25,18 @@ class Machine {
     this.shown = true;
     if (this.age() > late) this.sample = null;
     const update = () => this.update();
+    // The program goes on with samples across a reload, for whoever comes; this page is leaving.
+    const leave = () => {
+      this.shown = false;
+      this.update();
+    };
     document.addEventListener('visibilitychange', update);
-    window.addEventListener('pagehide', update);
+    window.addEventListener('pagehide', leave);
     update();
     return () => {
       document.removeEventListener('visibilitychange', update);
-      window.removeEventListener('pagehide', update);
-      this.shown = false;
-      update();
+      window.removeEventListener('pagehide', leave);
+      leave();
     };
   }
 

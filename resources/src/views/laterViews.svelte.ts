@@ -41,7 +41,10 @@ class LaterViews {
     this.failed = false;
     try {
       await Promise.all([addScript('./later.js'), addStyles('./later.css')]);
-      this.find = (await import('./later.ts')).contentOf;
+      const { contentOf } = await import('./later.ts');
+      // A script that ends early is loaded all the same, and has nothing to give.
+      if (typeof contentOf !== 'function') throw new Error('the second script ended early');
+      this.find = contentOf;
     } catch (error) {
       console.error('[velto] later.js', error);
       this.asked = false;

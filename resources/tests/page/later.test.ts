@@ -1,4 +1,4 @@
-import { copyFile, cp, mkdtemp, rm } from 'node:fs/promises';
+import { copyFile, cp, mkdtemp, readFile, rm, writeFile } from 'node:fs/promises';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import type { Browser } from 'playwright-core';
@@ -70,5 +70,18 @@ describe('the views of the second script', () => {
     await heading(opened, 'Duplicates').and(opened.page.locator(':focus')).waitFor();
     await opened.close();
     for (const complaint of opened.complaints) expect(complaint).toMatch(/later|ERR_FILE_NOT_FOUND/);
+  });
+
+  it('a later.js that ends early is said, and does not open for ever', async () => {
+    await cp(builtPage(), folder, { recursive: true });
+    const script = join(folder, 'later.js');
+    const ends = 'throw new RangeError("later.js ends here");const ';
+    const whole = await readFile(script, 'utf8');
+    await writeFile(script, whole.replace(/const (?=\w+=require\()/, ends));
+    const opened = await open(browser, { saved: fullState(), folder });
+    await opened.go('duplicados');
+    await opened.page.getByText('This section could not be opened').waitFor();
+    await opened.close();
+    for (const complaint of opened.complaints) expect(complaint).toMatch(/later|second script/);
   });
 });

@@ -63,6 +63,14 @@ describe('live samples', () => {
     });
   });
 
+  it('are not left running for a page that goes', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      const go = () => opened.page.evaluate(() => window.dispatchEvent(new PageTransitionEvent('pagehide')));
+      expect(await opened.during(go)).toEqual([off]);
+    });
+  });
+
   it('that stop coming are said to, calmly', async () => {
     await withPage(async (opened) => {
       await opened.page.clock.install();

@@ -26,7 +26,11 @@ function look() {
     controls.push({ name, x, y, off: element.ariaDisabled === 'true' || element.disabled === true,
       on: row?.ariaSelected === 'true' || element.ariaChecked === 'true' });
   }
-  const page = JSON.stringify({ controls, text: clean(document.body.innerText) });
+  const rows = [...document.querySelectorAll('[role="row"][data-key]')].map((row) => ({
+    cells: [...row.querySelectorAll('[role="gridcell"]')].map((cell) => clean(cell.innerText)),
+    hasPicture: row.querySelector('img')?.naturalWidth > 0,
+  }));
+  const page = JSON.stringify({ controls, rows, text: clean(document.body.innerText) });
   if (page === seen && page !== told) {
     told = page;
     window.webkit.messageHandlers.velto.postMessage({ type: 'guide', payload: page });
@@ -95,6 +99,8 @@ export async function openGuided(
     intents: (name) => velto.count(line.intent(name)),
     sees: (words) => shows(`"${words}"`, ({ text }) => reads(text, words)),
     seesNot: (words) => shows(`the end of "${words}"`, ({ text }) => !reads(text, words)),
+    /** Waits until the rows of the lists that are shown satisfy `good`: {cells, hasPicture} each. */
+    lists: (what, good) => shows(what, ({ rows }) => good(rows)),
     text: () => latest().text,
     /** Clicks the control of this name once it is there and can be used. */
     async click(name) {

@@ -8,7 +8,8 @@ const html = `<!doctype html>
 `;
 
 // Runs in the web view. Each step is {send} (a message as it is), then, if given, {until}: the
-// name of what must be seen before the next step.
+// name of what must be seen before the next step. {quiet} lets that many milliseconds pass, for what
+// must not be seen in them. {reload} loads the page anew, which goes on with the next step.
 const script = `
 'use strict';
 const handler = window.webkit.messageHandlers.velto;
@@ -17,7 +18,7 @@ const tell = (what, args) => {
   seen(what);
 };
 
-let next = 0;
+let next = Number(sessionStorage.getItem('next') ?? 0);
 let awaited = null;
 function seen(what) {
   if (awaited === what) {
@@ -30,6 +31,15 @@ function play() {
     const step = steps[next++];
     awaited = step.until ?? null;
     if ('send' in step) handler.postMessage(step.send);
+    if ('quiet' in step) {
+      awaited = 'quiet is over';
+      setTimeout(() => tell('quiet is over', []), step.quiet);
+    }
+    if (step.reload) {
+      awaited = 'nothing more on this page';
+      sessionStorage.setItem('next', next);
+      location.reload();
+    }
   }
   if (awaited === null && next === steps.length) {
     next++;
