@@ -81,14 +81,11 @@ UninstallRecord recordOf(const Platform& platform, const AppRemover::Result& res
                                          .items = {},
                                          .kind = "uninstall"}};
     for (const std::string& path : paths) {
-        if (platform.files->exists(path)) continue;
-        record.gone.push_back(path);
-        const std::string name(lastPathComponent(path));
-        const bool hasFailed = std::ranges::any_of(
-            result.failures, [&](const auto& failure) { return failure.name == name; });
-        if (hasFailed) continue;  // gone before, or not to the end
+        if (!platform.files->exists(path)) record.gone.push_back(path);
+    }
+    for (const std::string& path : result.gone) {
         TrashItem item;
-        item.name = validUtf8(name);
+        item.name = validUtf8(lastPathComponent(path));
         item.gb = knownSize(sizes, path);
         record.operation.items.push_back(std::move(item));
     }

@@ -43,10 +43,12 @@ run_checks() {
         tests/macos_typecheck.sh || failed+=(macos-typecheck)
     fi
 
-    # ./dev test goes through a share of the places at which a change of the trash can fail or die.
-    say "Every place at which a change of the trash can fail or die"
-    compile debug test_cleaning
-    VELTO_EXHAUSTIVE=1 ctest --test-dir build/debug -L cleaning -R Trash --output-on-failure \
+    # ./dev test goes through a share of the places at which a change of the trash can fail or die,
+    # and tries a share of the random inputs.
+    say "Every place at which a change can fail or die, and many more random inputs"
+    compile debug test_cleaning test_platform test_uninstall
+    VELTO_EXHAUSTIVE=1 ctest --test-dir build/debug \
+        -R '^(cleaning\..*Trash|platform\..*(Move|Icons|PropertyList)|uninstall\.)' --output-on-failure \
         --parallel "$(cores)" --no-tests=error >"$logs/exhaustive.log" 2>&1 || {
         tail -n 40 "$logs/exhaustive.log"
         failed+=(exhaustive-tests)

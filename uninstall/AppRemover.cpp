@@ -170,6 +170,7 @@ void AppRemover::removeOne(const std::string& path, const AppEntry& entry, Resul
     try {
         bytes += isFlatpak ? removeFlatpak(entry) : removal_.remove(path);
         ++result.removed;
+        result.gone.push_back(path);
         return;
     } catch (const UnfinishedRemoval& error) {
         place = error.rest();

@@ -37,6 +37,7 @@ public:
         double freed = 0;               // decimal GB, three decimals
         int closed = 0;                 // processes quit
         std::vector<Failure> failures;  // in the order in which they happened
+        std::vector<std::string> gone;  // the chosen paths that were deleted to the end
     };
 
     struct Item {

@@ -60,9 +60,22 @@ std::string configurationFolder(const std::string& home) {
     return folder.starts_with('/') ? folder : home + "/.config";
 }
 
+/// Where a Mac's disk is mounted, when the home lies on it as it does on a Mac ("/media/mac" for
+/// "/media/mac/Users/ana"); else nothing.
+std::string macDiskOf(const std::string& home) {
+    constexpr std::string_view users = "/Users";
+    const std::string folder = home.substr(0, home.rfind('/'));
+    if (!folder.ends_with(users)) return {};
+    return folder.substr(0, folder.size() - users.size());
+}
+
 HomeLayout layoutOf(const std::string& home, const FileManager& files) {
     for (const char* mark : {"/Library/Application Support", "/Library/Caches"}) {
-        if (files.exists(home + mark)) return HomeLayout::macOS(home);
+        if (!files.exists(home + mark)) continue;
+        HomeLayout layout = HomeLayout::macOS(home);
+        // What is installed for all users is on that disk too, and not on this machine.
+        layout.setSystemRoot(macDiskOf(home));
+        return layout;
     }
     std::string userDirs;
     try {

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "BridgeFixture.h"
 #include "bridge/app_events.h"
 #include "support/made_property_list.h"
@@ -142,6 +144,21 @@ TEST_F(AppsIntentsTest, AnUninstallThatRemovedNothingIsNoHistory) {
     machine.dispatcher.runAll();
     EXPECT_EQ(count("onUninstallResult"), 1u);
     EXPECT_THAT(history.entries(), IsEmpty());
+}
+
+TEST_F(AppsIntentsTest, TheHistoryHoldsWhatWasDeletedAndNotItsNamesakeThatStayed) {
+    const std::string foo = application("Foo", "com.example.foo");
+    const std::string cache = machine.home.folder("Library/Caches/com.example.foo");
+    const std::string agent = machine.home.path("Library/LaunchAgents/com.example.foo");
+    machine.home.link("Library/LaunchAgents/com.example.foo", "/usr");
+    const std::string before = machine.home.path("Library/Logs/com.example.foo");
+    post("uninstall",
+         {{"path", foo}, {"paths", {agent, before, cache}}, {"sizes", {{cache, 0.5}}}});
+    machine.dispatcher.runAll();
+    ASSERT_EQ(history.entries().size(), 1u);
+    EXPECT_EQ(history.entries().front().items,
+              (std::vector<HistoryItem>{{.name = "com.example.foo", .gb = 0.5}}));
+    EXPECT_TRUE(std::filesystem::is_symlink(agent));
 }
 
 TEST_F(AppsIntentsTest, ASecondUninstallOnlyShowsThatOneIsRunning) {

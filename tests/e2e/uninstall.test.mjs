@@ -148,6 +148,30 @@ test('one that does not quit is forced, and meanwhile no second removal begins',
   assert.equal(page.intents('uninstall'), 1);
 });
 
+test('what is installed for all users is found, left alone and named', async (t) => {
+  const home = new Home(t, { onDisk: true }).withAccess();
+  const app = '../../Applications/Beacon.app';
+  const daemon = '../../Library/LaunchDaemons/com.example.beacon.plist';
+  bundle(home, app, { id: 'com.example.beacon', version: '7', icon: green, bytes: 5 * MB });
+  home
+    .text(daemon, xmlPropertyList({ Label: 'com.example.beacon' }))
+    .allocated('Library/Caches/com.example.beacon/blob', 20 * MB);
+  const page = await openGuided(t, home);
+  await page.click('Applications');
+  await page.click('Look at what Beacon left behind');
+  await page.sees('Stays: not removable here');
+  await page.sees('Needs an administrator');
+  await page.sees('2 of 3 items selected');
+  await page.click('Uninstall…');
+  await page.click('Uninstall');
+  await page.sees('Beacon: some of it is still there');
+  await page.sees('Outside your home folder Only an administrator can remove it.');
+  await page.sees(/20.MB became free 1 item deleted/);
+  assert.ok(home.has(`${app}/Contents/Info.plist`) && home.has(daemon));
+  assert.ok(!home.has('Library/Caches/com.example.beacon'));
+  await page.velto.waitFor(`Velto ▶ desinstalador: no se pudo quitar ${home.at(app)}`);
+});
+
 /** A Linux home with an AppImage, and what it and a neighbour left behind. */
 function linuxHome(t) {
   const home = new Home(t, { layout: 'freedesktop' });

@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <random>
-#include <set>
 
 #include "cleaning/TrashRecords.h"
 #include "platform/FileManager.h"
@@ -193,108 +190,6 @@ TEST(RemovalRules, AnExceptionStatesItsError) {
               (RemovalError{RemovalError::Domain::trash,
                             static_cast<int>(TrashError::Reason::notFound)}));
     EXPECT_EQ(removalError(std::runtime_error("x")), RemovalError{});
-}
-
-// The safety rule over random paths, against a second statement of it that shares nothing with the
-// first: it works on lists of components and never on the text of a path.
-
-using Components = std::vector<std::string>;
-
-std::optional<Components> componentsOf(const std::string& path) {
-    if (path.empty() || path[0] != '/') return std::nullopt;
-    Components components;
-    std::string current;
-    for (char character : path + "/") {
-        if (character != '/') {
-            current += character;
-            continue;
-        }
-        if (current == "..") {
-            if (!components.empty()) components.pop_back();
-        } else if (!current.empty() && current != ".") {
-            components.push_back(current);
-        }
-        current.clear();
-    }
-    return components;
-}
-
-bool isWithin(const Components& path, const Components& folder) {
-    return path.size() >= folder.size() && std::equal(folder.begin(), folder.end(), path.begin());
-}
-
-bool ruleAllows(const std::string& path, const std::string& bundlePath) {
-    const auto wanted = componentsOf(path);
-    if (!wanted) return false;
-    const auto own = componentsOf(bundlePath);
-    if (own && *wanted == *own) return true;
-    static const std::set<Components> shared = [] {
-        std::set<Components> all;
-        const std::string home = "/Users/ana/";
-        for (const char* name :
-             {"Library", "Library/Application Support", "Library/Application Scripts",
-              "Library/Caches", "Library/Containers", "Library/Cookies", "Library/Group Containers",
-              "Library/HTTPStorages", "Library/LaunchAgents", "Library/Logs", "Library/Preferences",
-              "Library/Logs/DiagnosticReports", "Library/Application Support/CrashReporter",
-              "Library/Saved Application State", "Library/WebKit", "Applications"})
-            all.insert(*componentsOf(home + name));
-        for (const char* name :
-             {"/Applications", "/Applications/Utilities", "/Library",
-              "/Library/Application Support", "/Library/Caches", "/Library/LaunchAgents",
-              "/Library/LaunchDaemons", "/Library/Logs", "/Library/Preferences"})
-            all.insert(*componentsOf(name));
-        return all;
-    }();
-    if (shared.contains(*wanted)) return false;
-    for (const Components& root :
-         {Components{"Users", "ana"}, Components{"Applications"}, Components{"Library"}}) {
-        if (isWithin(*wanted, root) && *wanted != root) return true;
-    }
-    return false;
-}
-
-TEST(RemovalRules, NoPathWhateverItsTextPassesAgainstTheRule) {
-    const char* const pieces[] = {"Users",
-                                  "ana",
-                                  "Library",
-                                  "Caches",
-                                  "Preferences",
-                                  "..",
-                                  ".",
-                                  "",
-                                  "Applications",
-                                  "Utilities",
-                                  "Foo.app",
-                                  "System",
-                                  "usr",
-                                  "private",
-                                  "var",
-                                  "Application Support",
-                                  "CrashReporter",
-                                  "Logs",
-                                  "WebKit",
-                                  "LaunchDaemons",
-                                  "x",
-                                  "library",
-                                  "\xFF",
-                                  " "};
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 20'000 : 2'000'000;
-    std::mt19937 random(20240311);
-    int allowed = 0;
-    for (int round = 0; round < rounds; ++round) {
-        std::string path = random() % 50 == 0 ? "" : "/";
-        if (random() % 2 == 0) path += "Users/ana/";
-        const auto count = random() % 6;
-        for (unsigned index = 0; index < count; ++index) {
-            path += pieces[random() % std::size(pieces)];
-            if (random() % 8 != 0) path += '/';
-        }
-        const bool expected = ruleAllows(path, bundle);
-        ASSERT_EQ(isSafeToRemove(path, bundle, mac), expected) << path;
-        allowed += expected ? 1 : 0;
-    }
-    EXPECT_GT(allowed, rounds / 20) << "hardly any path was allowed: the property says little";
-    EXPECT_LT(allowed, rounds - rounds / 20);
 }
 
 }  // namespace

@@ -49,9 +49,9 @@ function noise(seed, size) {
 }
 
 export class Home {
-  /** `layout`: "mac" (has a Library) or "freedesktop". */
-  constructor(test, { layout = 'mac' } = {}) {
-    this.path = temporaryFolder(test, 'velto-home-');
+  /** `layout`: "mac" (has a Library) or "freedesktop". `onDisk`: below the Users of a Mac's disk. */
+  constructor(test, { layout = 'mac', onDisk = false } = {}) {
+    this.path = join(temporaryFolder(test, 'velto-home-'), onDisk ? 'Users/ana' : '');
     this.layout = layout;
     // Outside the home: the folder that a login session would have.
     this.runtime = temporaryFolder(test, 'velto-run-');

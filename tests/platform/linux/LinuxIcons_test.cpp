@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <random>
+
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
 #include "support/made_picture.h"
@@ -66,6 +69,27 @@ TEST_F(LinuxIconsTest, WhatIsNoIconIsNone) {
     EXPECT_FALSE(hasIcon(home.path("nothing")));
     EXPECT_FALSE(hasIcon(home.folder("plain folder")));
     EXPECT_FALSE(hasIcon(bundle(whole), 0));
+}
+
+TEST_F(LinuxIconsTest, ADamagedIconIsNeverTheProgramsEnd) {
+    auto entries = oldIconEntries(red);
+    entries.emplace_back("ic07", pngPicture(128, 128, red));
+    const std::string original = iconFile(entries);
+    const std::string png = pngPicture(64, 64, red);
+    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 300 : 20'000;
+    std::mt19937 random(20240718);
+    int shown = 0;
+    for (int round = 0; round < rounds; ++round) {
+        std::string bytes = round % 2 == 0 ? original : png;
+        // Most often where lengths and kinds stand.
+        const std::size_t range = random() % 3 == 0 ? bytes.size() : 64;
+        for (auto change = 1 + random() % 4; change > 0; --change)
+            bytes[random() % range] = static_cast<char>(random());
+        if (random() % 5 == 0) bytes.resize(random() % bytes.size());
+        shown += hasIcon(bundle(bytes)) ? 1 : 0;
+    }
+    EXPECT_GT(shown, 0) << "nothing was ever decoded";
+    EXPECT_LT(shown, rounds);
 }
 
 TEST_F(LinuxIconsTest, APictureThatClaimsToBeHugeIsNotDecoded) {

@@ -112,5 +112,25 @@ TEST_F(RunningTest, AStartAndAnEndAreNoticed) {
     EXPECT_EQ(used, (std::vector<std::string>{"com.example.foo", "com.example.foo"}));
 }
 
+TEST_F(RunningTest, TheMachineIsLookedThroughEveryFiveSecondsAndNoMoreOften) {
+    int used = 0;
+    const std::string program = bundle() + "/Contents/MacOS/foo";
+    running.observe([&](const RunningApplication& application) {
+        used += application.executable == program ? 1 : 0;
+    });
+    Child child(home, program);
+    dispatcher.advance(4.9);
+    EXPECT_EQ(used, 0);
+    EXPECT_EQ(dispatcher.waitingTimers(), 1u);
+    dispatcher.advance(0.1);
+    EXPECT_EQ(used, 1);
+    EXPECT_EQ(dispatcher.waitingTimers(), 1u) << "looks add up";
+    child.end();
+    dispatcher.advance(4.9);
+    EXPECT_EQ(used, 1);
+    dispatcher.advance(0.2);
+    EXPECT_EQ(used, 2);
+}
+
 }  // namespace
 }  // namespace velto

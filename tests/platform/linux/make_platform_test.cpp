@@ -77,6 +77,21 @@ TEST(MakePlatform, AMacsHomeIsRecognisedAndItsSettingsLieWhereLinuxKeepsThem) {
     }
 }
 
+TEST(MakePlatform, ApplicationsForAllUsersOfAMacsDiskAreLookedForOnThatDisk) {
+    TempHome disk;
+    disk.folder("Users/ana/Library/Caches");
+    {
+        const Variables variables(environmentOf(disk.path("Users/ana")));
+        const auto layout = makePlatform("velto")->layout;
+        EXPECT_EQ(layout.systemApplications, disk.path("Applications"));
+        EXPECT_EQ(layout.systemLibrary, disk.path("Library"));
+        EXPECT_EQ(layout.userApplications, disk.path("Users/ana/Applications"));
+    }
+    disk.folder("Library/Caches");
+    const Variables variables(environmentOf(disk.path()));
+    EXPECT_EQ(makePlatform("velto")->layout.systemApplications, "/Applications");
+}
+
 TEST(MakePlatform, TheConfigurationFolderMayLieElsewhereButNotAtARelativePath) {
     TempHome home;
     auto environment = environmentOf(home.path());
