@@ -39,6 +39,11 @@ if(VELTO_SANITIZE)
         -fsanitize=${VELTO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
     target_link_options(velto_options INTERFACE -fsanitize=${VELTO_SANITIZE})
 endif()
+if(VELTO_SANITIZE MATCHES "address")
+    # A null pointer that is followed, or an access outside an object, is the address sanitizer's to
+    # report. Checked at every use, they are what such a build spends most of its time on.
+    target_compile_options(velto_options INTERFACE -fno-sanitize=null,object-size)
+endif()
 
 # The sanitized builds share precompiled headers: they compile everything anew where nothing is
 # cached. The plain builds go without, so that no source gets away with a missing include.
