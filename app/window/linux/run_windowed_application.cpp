@@ -23,9 +23,11 @@ namespace {
 /// The application on GTK: one instance per session bus, and a window while the user wants one.
 class WindowedApplication {
 public:
-    WindowedApplication(VeltoApp& app, Platform& platform, std::string pageUri)
+    WindowedApplication(VeltoApp& app, Platform& platform,
+                        GlibReference<WebKitNetworkSession> session, std::string pageUri)
         : app_(app),
           platform_(platform),
+          session_(std::move(session)),
           pageUri_(std::move(pageUri)),
           application_(gtk_application_new(programIdentifier, G_APPLICATION_DEFAULT_FLAGS)) {
         connect("startup", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).startUp(); }));
@@ -41,14 +43,12 @@ private:
         Running(VeltoApp& app, Platform& platform, GtkApplication* application)
             : appearance(platform, webDataFolder(platform) + "/appearance"),
               shell(application, appearance),
-              menu(app, application),
-              session(makeSession(platform)) {}
+              menu(app, application) {}
 
         Style style;
         DesktopAppearance appearance;
         GtkApplicationShell shell;
         CommandMenu menu;
-        GlibReference<WebKitNetworkSession> session;
         std::unique_ptr<MainWindow> window;
         std::unique_ptr<MainWindow> closing;
     };
@@ -88,7 +88,7 @@ private:
                 WindowContext{.app = app_,
                               .platform = platform_,
                               .application = application_.get(),
-                              .session = running_->session.get(),
+                              .session = session_.get(),
                               .menu = running_->menu,
                               .pageUri = pageUri_},
                 running_->appearance.current(), [this] { windowClosed(); });
@@ -117,6 +117,7 @@ private:
 
     VeltoApp& app_;
     Platform& platform_;
+    GlibReference<WebKitNetworkSession> session_;
     std::string pageUri_;
     GlibReference<GtkApplication> application_;
     std::unique_ptr<Running> running_;
@@ -129,12 +130,13 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
     const auto page = window::pageUri(platform);
     if (!page) fatal(window::missingBundleMessage);
     window::prepareEnvironment(platform);
+    auto session = window::makeSession(platform);
     if (gtk_init_check() == FALSE) {
         std::fputs("velto: no display: neither a Wayland nor an X11 display answers\n", stderr);
         return EXIT_FAILURE;
     }
     window::nameLanguage(platform);
-    return window::WindowedApplication(app, platform, *page).run();
+    return window::WindowedApplication(app, platform, std::move(session), *page).run();
 }
 
 }  // namespace velto

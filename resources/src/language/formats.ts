@@ -1,5 +1,9 @@
-/** Numbers, sizes, dates and plural forms in one language, all through `Intl`. */
+/**
+ * Numbers, sizes, dates and plural forms in one language, through `Intl` but for what the first frame
+ * says: see `plain.ts`.
+ */
 import type { LanguageCode } from '../protocol/protocol.ts';
+import { plainAgo, plainAmount, plainWhole } from './plain.ts';
 
 const locales: Record<LanguageCode, string> = { es: 'es-ES', en: 'en-US' };
 
@@ -23,8 +27,8 @@ function once<Made>(make: () => Made): () => Made {
 
 export function createFormats(code: LanguageCode) {
   const locale = locales[code];
-  const whole = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 0 }));
-  const oneDecimal = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 1 }));
+  const wholeFormat = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 0 }));
+  const amountFormat = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 1 }));
   const share = once(() => new Intl.NumberFormat(locale, { style: 'percent', maximumFractionDigits: 0 }));
   const rules = once(() => new Intl.PluralRules(locale));
   const relative = once(() => new Intl.RelativeTimeFormat(locale, { numeric: 'always' }));
@@ -44,6 +48,9 @@ export function createFormats(code: LanguageCode) {
   const minutes = unit('minute');
   const hours = unit('hour');
 
+  const number = (value: number) => plainWhole(value, code) ?? wholeFormat().format(value);
+  const amount = (value: number) => plainAmount(value, code) ?? amountFormat().format(value);
+
   function withUnit(value: string, name: string): string {
     return value + nonBreakingSpace + name;
   }
@@ -51,15 +58,15 @@ export function createFormats(code: LanguageCode) {
   /** A size given in decimal gigabytes, with at most one fraction digit. */
   function size(gb: number): string {
     if (gb <= 0) return withUnit('0', 'GB');
-    if (gb < 0.05) return withUnit('<' + nonBreakingSpace + oneDecimal().format(0.1), 'GB');
-    if (gb >= 999.95) return withUnit(oneDecimal().format(gb / 1000), 'TB');
-    return withUnit(oneDecimal().format(gb), 'GB');
+    if (gb < 0.05) return withUnit('<' + nonBreakingSpace + amount(0.1), 'GB');
+    if (gb >= 999.95) return withUnit(amount(gb / 1000), 'TB');
+    return withUnit(amount(gb), 'GB');
   }
 
   return {
-    number: (value: number) => whole().format(value),
+    number,
     /** With at most one fraction digit, where the unit stands elsewhere. */
-    amount: (value: number) => oneDecimal().format(value),
+    amount,
     share: (value: number) => share().format(value),
     list: (entries: string[]) => enumeration().format(entries),
     moment: (stamp: number) => moment().format(stamp * 1000),
@@ -74,14 +81,16 @@ export function createFormats(code: LanguageCode) {
     /** The same where thousandths are known, as they are of applications: what is small in megabytes. */
     fineSize(gb: number): string {
       if (gb >= 0.9995) return size(gb);
-      if (gb < 0.0005) return withUnit('<' + nonBreakingSpace + whole().format(1), 'MB');
-      return withUnit(whole().format(gb * 1000), 'MB');
+      if (gb < 0.0005) return withUnit('<' + nonBreakingSpace + number(1), 'MB');
+      return withUnit(number(gb * 1000), 'MB');
     },
 
     /** "#" in the chosen form stands for the count. */
     plural(count: number, forms: PluralForms): string {
-      const form = rules().select(count) as keyof PluralForms;
-      return (forms[form] ?? forms.other).replace('#', whole().format(count));
+      const form = Number.isInteger(count) && count < 1e6 && count >= 0
+        ? (count === 1 ? 'one' : 'other') // so it is in both languages
+        : (rules().select(count) as keyof PluralForms);
+      return (forms[form] ?? forms.other).replace('#', number(count));
     },
 
     /** How long ago, for whole days since the last use; null when no date is known. */
@@ -97,9 +106,9 @@ export function createFormats(code: LanguageCode) {
     since(stamp: number, now: number): string | null {
       const passed = Math.max(0, now - stamp);
       if (passed < 60) return null;
-      if (passed < 3600) return relative().format(-Math.trunc(passed / 60), 'minute');
-      if (passed < 86400) return relative().format(-Math.trunc(passed / 3600), 'hour');
-      return relative().format(-Math.trunc(passed / 86400), 'day');
+      if (passed < 3600) return plainAgo(Math.trunc(passed / 60), 'minute', code);
+      if (passed < 86400) return plainAgo(Math.trunc(passed / 3600), 'hour', code);
+      return plainAgo(Math.trunc(passed / 86400), 'day', code);
     },
 
     duration(totalSeconds: number): string {

@@ -1,8 +1,6 @@
 /** The only place that touches `window.velto` and the script message handler. */
-import * as appGuards from './appGuards.ts';
 import * as guards from './guards.ts';
 import type { DiskState, EventName, Events, IntentName, Intents, Listeners } from './protocol.ts';
-import { systemSample } from './systemGuards.ts';
 
 interface Channel {
   postMessage(message: { type: string; payload?: unknown }): void;
@@ -36,38 +34,27 @@ export function send<Name extends IntentName>(
 }
 
 /** Turns the raw arguments of an event into its typed ones; null drops the event. */
-const readers: { [Name in EventName]?: (values: unknown[]) => Events[Name] | null } = {
+export type Readers = { [Name in EventName]?: (values: unknown[]) => Events[Name] | null };
+
+const readers: Readers = {
   setState: ([state, stamp]) => {
     const read = guards.diskState(state);
     return read && [read, readStamp(stamp)];
   },
   onScanProgress: ([files, gb]) => [guards.number(files), guards.number(gb)],
   onPermissions: ([value]) => [guards.permissions(value)],
-  toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
-  onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
-  onCleanables: ([candidates]) => [guards.cleanables(candidates)],
-  onMaintenance: ([status]) => [guards.maintenanceStatus(status)],
-  onTrashState: ([items]) => [guards.trashItems(items)],
-  onTrashChanged: ([gb]) => [guards.number(gb)],
-  onApps: ([apps]) => [appGuards.installedApps(apps)],
-  onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
-  onAppAnalysis: ([value]) => {
-    const analysis = appGuards.appAnalysis(value);
-    return analysis && [analysis];
-  },
-  onUninstallProgress: ([word, percent, detail]) => {
-    const stage = appGuards.uninstallStage(word);
-    return stage && [stage, appGuards.percent(percent), guards.text(detail)];
-  },
-  onUninstallResult: ([value]) => {
-    const result = appGuards.uninstallResult(value);
-    return result && [result];
-  },
-  onSystem: ([value]) => {
-    const sample = systemSample(value);
-    return sample && [sample];
-  },
 };
+
+/** Events that only the second script listens for; they wait for it. */
+const laterEvents = [
+  'toast', 'onExclusions', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged', 'onApps', 'onAppSizes',
+  'onAppAnalysis', 'onUninstallProgress', 'onUninstallResult', 'onSystem',
+] as const satisfies readonly EventName[];
+
+type LaterEvent = (typeof laterEvents)[number];
+/** What the second script has to bring. */
+export type LaterListeners = Required<Pick<Listeners, LaterEvent>>;
+export type LaterReaders = Required<Pick<Readers, LaterEvent>>;
 
 /** A stamp of 0 is no stamp: the program has none to give when nothing was analysed yet. */
 function readStamp(value: unknown): number | undefined {
@@ -80,34 +67,51 @@ export interface SavedAnalysis {
   stamp: number | undefined;
 }
 
-/** What the program told while the saved analysis was being painted; null once that is done. */
-let held: (() => void)[] | null = null;
+let listeners: Listeners = {};
+
+/** What the program has told and nobody could hear yet, in its order. */
+let held: { name: EventName; values: unknown[] }[] = [];
+/** The saved analysis is being painted, and comes first. */
+let isPainting = false;
 
 /**
  * Installs the page's callbacks and answers what the program put in the page before it started. If
  * that is a state, events wait until `release`: painting it comes first.
- * A listener that throws is reported to the console and never reaches the program's script.
  */
-export function connect(listeners: Listeners): SavedAnalysis | null {
+export function connect(firstListeners: Omit<Listeners, LaterEvent>): SavedAnalysis | null {
   const velto: Bootstrap = (host.velto ??= {});
-  for (const name of Object.keys(listeners) as EventName[]) {
+  listeners = { ...firstListeners };
+  held = [];
+  for (const name of [...(Object.keys(firstListeners) as EventName[]), ...laterEvents]) {
     velto[name] = (...values: unknown[]) => {
       if (name === 'setState') keepLatest(velto, values);
-      const deliver = () => receive(name, values, listeners);
-      if (held) held.push(deliver);
-      else deliver();
+      if (isPainting || !listeners[name]) held.push({ name, values });
+      else receive(name, values);
     };
   }
   const state = guards.diskState(velto._state);
-  held = state ? [] : null;
+  isPainting = state !== null;
   return state && { state, stamp: readStamp(velto._stamp) };
 }
 
-/** Hands over what was held back, in its order. */
+/** Hears the events of the second script too, those included that came before it. */
+export function listenLater(laterListeners: Listeners, laterReaders: Readers): void {
+  Object.assign(listeners, laterListeners);
+  Object.assign(readers, laterReaders);
+  deliverHeld();
+}
+
+/** The saved analysis is painted: hands over what was held back. */
 export function release(): void {
-  const events = held ?? [];
-  held = null;
-  for (const deliver of events) deliver();
+  isPainting = false;
+  deliverHeld();
+}
+
+function deliverHeld(): void {
+  if (isPainting) return;
+  const events = held;
+  held = events.filter(({ name }) => !listeners[name]);
+  for (const { name, values } of events) if (listeners[name]) receive(name, values);
 }
 
 function keepLatest(velto: Bootstrap, [state, stamp]: unknown[]): void {
@@ -115,7 +119,8 @@ function keepLatest(velto: Bootstrap, [state, stamp]: unknown[]): void {
   if (stamp) velto._stamp = stamp;
 }
 
-function receive(name: EventName, values: unknown[], listeners: Listeners): void {
+/** A listener that throws is reported to the console and never reaches the program's script. */
+function receive(name: EventName, values: unknown[]): void {
   try {
     const read = readers[name];
     const typed = read ? read(values) : values;

@@ -5,11 +5,10 @@
  */
 import { frequencies, ruleIds } from './records.ts';
 import type {
-  BigFile, Category, Cleanable, DiskState, DuplicateGroup, HistoryEntry, MaintenanceRule, MaintenanceStatus, Permissions,
-  RuleId, Settings, TrashItem,
+  BigFile, Category, DiskState, DuplicateGroup, HistoryEntry, Permissions, RuleId, Settings,
 } from './records.ts';
 
-type Fields = Record<string, unknown>;
+export type Fields = Record<string, unknown>;
 
 export function fieldsOf(value: unknown): Fields | null {
   return typeof value === 'object' && value !== null && !Array.isArray(value) ? (value as Fields) : null;
@@ -130,55 +129,4 @@ export function diskState(value: unknown): DiskState | null {
 
 export function permissions(value: unknown): Permissions {
   return { fda: fieldsOf(value)?.fda === true };
-}
-
-export function trashItems(value: unknown): TrashItem[] {
-  const items = list(value, (fields) =>
-    text(fields.id)
-      ? {
-          id: text(fields.id), name: text(fields.name), gb: size(fields.gb), taken: number(fields.taken),
-          path: text(fields.path), opID: text(fields.opID),
-        }
-      : null,
-  );
-  return distinct(items, ({ id }) => id);
-}
-
-/** An age that is missing counts as none at all here: only what is known to be old is preselected. */
-export function cleanables(value: unknown): Cleanable[] {
-  const candidates = list(value, (fields) =>
-    text(fields.path)
-      ? {
-          ruleID: text(fields.ruleID), path: text(fields.path), gb: size(fields.gb),
-          daysOld: size(fields.daysOld), label: text(fields.label),
-        }
-      : null,
-  );
-  return distinct(candidates, ({ path }) => path);
-}
-
-function maintenanceRule(fields: Fields): MaintenanceRule {
-  const isMeasured = typeof fields.items === 'number' && typeof fields.gb === 'number';
-  return {
-    places: texts(fields.places),
-    ...(isMeasured && { items: Math.trunc(size(fields.items)), gb: size(fields.gb) }),
-  };
-}
-
-export function maintenanceStatus(value: unknown): MaintenanceStatus {
-  const fields = fieldsOf(value) ?? {};
-  const last = fieldsOf(fields.last);
-  const rules = fieldsOf(fields.rules) ?? {};
-  const known = ruleIds.flatMap((id) => {
-    const rule = fieldsOf(rules[id]);
-    return rule ? [[id, maintenanceRule(rule)] as const] : [];
-  });
-  return {
-    installed: fields.installed === true,
-    last: last && {
-      ts: number(last.ts), freed: size(last.freed), moved: Math.trunc(size(last.moved)), movedGB: size(last.movedGB),
-    },
-    next: typeof fields.next === 'number' && Number.isFinite(fields.next) ? fields.next : null,
-    rules: Object.fromEntries(known),
-  };
 }

@@ -10,6 +10,8 @@ class Session {
   disk = $state.raw<DiskState | null>(null);
   /** When the shown analysis was made, seconds since 1970. */
   stamp = $state<number | undefined>();
+  /** The first state is on screen; what the first frame can do without may follow. */
+  painted = $state(false);
   access = $state<Access>('unknown');
   scanPhase = $state<ScanPhase>('idle');
   scanFiles = $state(0);

@@ -1,6 +1,6 @@
 /**
- * The second script: every view that is not on screen at the start. Whatever the first script
- * imports as well stands there once and is shared.
+ * The second script: whatever is not on screen at the start. What the first script imports as well
+ * stands there once and is shared.
  */
 import type { Component } from 'svelte';
 import type { ViewName } from '../protocol/protocol.ts';
@@ -23,6 +23,9 @@ const contents: Record<Exclude<ViewName, 'inicio'>, Component> = {
   sistema: Sistema,
   ajustes: Ajustes,
 };
+
+export { default as Overlays } from '../frame/Overlays.svelte';
+export { startLater } from '../state/startLater.ts';
 
 /** Null for the view at the start. */
 export function contentOf(name: ViewName): Component | null {

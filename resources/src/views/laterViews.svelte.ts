@@ -27,6 +27,8 @@ function addStyles(file: string): Promise<void> {
 
 class LaterViews {
   failed = $state(false);
+  /** What lies over every view; null until the script is there. */
+  Overlays = $state.raw<Component | null>(null);
   private find = $state.raw<((name: ViewName) => Component | null) | null>(null);
   private asked = false;
 
@@ -41,10 +43,12 @@ class LaterViews {
     this.failed = false;
     try {
       await Promise.all([addScript('./later.js'), addStyles('./later.css')]);
-      const { contentOf } = await import('./later.ts');
+      const later = await import('./later.ts');
       // A script that ends early is loaded all the same, and has nothing to give.
-      if (typeof contentOf !== 'function') throw new Error('the second script ended early');
-      this.find = contentOf;
+      if (typeof later.contentOf !== 'function') throw new Error('the second script ended early');
+      later.startLater();
+      this.find = later.contentOf;
+      this.Overlays = later.Overlays;
     } catch (error) {
       console.error('[velto] later.js', error);
       this.asked = false;

@@ -1,8 +1,8 @@
 import { describe, expect, it } from 'vitest';
-import { en } from '../../src/language/en/index.ts';
-import { es } from '../../src/language/es/index.ts';
+import { laterEn as en } from '../../src/language/en/later.ts';
+import { laterEs as es } from '../../src/language/es/later.ts';
 import { shortInMiddle } from '../../src/names/middle.ts';
-import { cleanables, trashItems } from '../../src/protocol/guards.ts';
+import { cleanables, trashItems } from '../../src/protocol/cleaningGuards.ts';
 import { daysLeft, operationsOf } from '../../src/state/operations.ts';
 import { groupLosingAll } from '../../src/state/removal.ts';
 import { chartOf, monthsOf } from '../../src/views/historial/months.ts';

@@ -1,6 +1,11 @@
 import { describe, expect, it } from 'vitest';
-import { en } from '../../src/language/en/index.ts';
-import { es } from '../../src/language/es/index.ts';
+import { en as firstEn } from '../../src/language/en/index.ts';
+import { laterEn } from '../../src/language/en/later.ts';
+import { es as firstEs } from '../../src/language/es/index.ts';
+import { laterEs } from '../../src/language/es/later.ts';
+
+const en = { ...firstEn, ...laterEn };
+const es = { ...firstEs, ...laterEs };
 
 function entries(value: unknown, path: string[] = []): [path: string, value: unknown][] {
   if (typeof value !== 'object' || value === null) return [[path.join('.'), value]];

@@ -1,6 +1,7 @@
 import { beforeEach, describe, expect, it, vi } from 'vitest';
 import { appAnalysis, appSizes, installedApps, uninstallResult } from '../../src/protocol/appGuards.ts';
-import { connect } from '../../src/protocol/connection.ts';
+import { connect, listenLater } from '../../src/protocol/connection.ts';
+import { laterReaders } from '../../src/protocol/laterReaders.ts';
 import { systemSample } from '../../src/protocol/systemGuards.ts';
 import { analysisOf, app, someApps, someLeftovers, someResult } from '../support/apps.ts';
 import { bareSample, firstSample, hostileSample, someSample } from '../support/system.ts';
@@ -60,7 +61,8 @@ describe('reading applications', () => {
 
   it('progress of an unknown stage is dropped, and a percentage stays one', () => {
     const onUninstallProgress = vi.fn();
-    connect({ onUninstallProgress });
+    connect({});
+    listenLater({ onUninstallProgress }, laterReaders);
     page.velto!.onUninstallProgress!('stop', 3);
     page.velto!.onUninstallProgress!('files', 400, 'a "quoted" name');
     page.velto!.onUninstallProgress!('explode', 5);

@@ -1,7 +1,9 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
-import { connect, isHosted, publish, release, send } from '../../src/protocol/connection.ts';
-import { diskState, permissions, texts, trashItems } from '../../src/protocol/guards.ts';
+import { connect, isHosted, listenLater, publish, release, send } from '../../src/protocol/connection.ts';
+import { trashItems } from '../../src/protocol/cleaningGuards.ts';
+import { diskState, permissions, texts } from '../../src/protocol/guards.ts';
+import { laterReaders } from '../../src/protocol/laterReaders.ts';
 import { fullState } from '../support/states.ts';
 
 const page = globalThis as unknown as {
@@ -61,7 +63,8 @@ describe('connecting', () => {
   it('holds events back while a saved state is painted, and loses none of them', () => {
     page.velto = { _state: fullState() };
     const told: string[] = [];
-    connect({ onScanStarted: () => told.push('started'), toast: (title) => told.push(title) });
+    connect({ onScanStarted: () => told.push('started') });
+    listenLater({ toast: (title) => told.push(title) }, laterReaders);
     call('onScanStarted');
     call('toast', 'first');
     expect(told).toEqual([]);
@@ -70,6 +73,28 @@ describe('connecting', () => {
     call('toast', 'second');
     release();
     expect(told).toEqual(['started', 'first', 'second']);
+  });
+
+  it('what comes before its listener does waits for it, in its order', () => {
+    const told: string[] = [];
+    connect({ onScanStarted: () => told.push('started') });
+    call('toast', 'first');
+    call('onScanStarted');
+    call('toast', 'second');
+    expect(told).toEqual(['started']);
+    listenLater({ toast: (title) => told.push(title) }, laterReaders);
+    expect(told).toEqual(['started', 'first', 'second']);
+  });
+
+  it('a listener that comes while the saved state is painted hears nothing until it is', () => {
+    page.velto = { _state: fullState() };
+    const told: string[] = [];
+    connect({});
+    call('toast', 'first');
+    listenLater({ toast: (title) => told.push(title) }, laterReaders);
+    expect(told).toEqual([]);
+    release();
+    expect(told).toEqual(['first']);
   });
 
   it('keeps the latest state and stamp where the program looks for them', () => {
@@ -88,7 +113,7 @@ describe('connecting', () => {
 
   it('does not install callbacks that nobody listens to', () => {
     connect({ onScanStarted: () => {} });
-    expect(page.velto!.onSystem).toBeUndefined();
+    expect(page.velto!.onCloudMove).toBeUndefined();
   });
 
   it('a listener that throws never reaches the program', () => {
@@ -107,7 +132,8 @@ describe('connecting', () => {
     const onScanProgress = vi.fn();
     const setState = vi.fn();
     const onPermissions = vi.fn();
-    connect({ toast, onScanProgress, setState, onPermissions });
+    connect({ onScanProgress, setState, onPermissions });
+    listenLater({ toast }, laterReaders);
     call('toast', 7);
     call('onScanProgress', 'many', Number.NaN);
     call('setState', 'no state');

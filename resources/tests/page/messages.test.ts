@@ -1,6 +1,6 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { isWhole, launch, open, type OpenPage, type Setting } from '../support/page.ts';
 import { emptyState, fullState } from '../support/states.ts';
 
 let browser: Browser;
@@ -20,6 +20,7 @@ async function withClock(setting: Setting, test: (opened: OpenPage) => Promise<v
   await opened.page.reload();
   // From here on time passes only when the test says so.
   await opened.page.clock.pauseAt(new Date(start.getTime() + 30_000));
+  await isWhole(opened.page);
   await test(opened);
   await opened.close();
 }

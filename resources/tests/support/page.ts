@@ -108,6 +108,11 @@ function prepare({ saved, stamp, platform, hosted, storage }: {
   }
 }
 
+/** Messages, questions and keys come with the second script. */
+export async function isWhole(page: Page): Promise<void> {
+  await page.locator('p[role="status"]').waitFor({ state: 'attached' });
+}
+
 export async function open(browser: Browser, setting: Setting = {}): Promise<OpenPage> {
   const context = await browser.newContext({ viewport: { width: 1180, height: 760 }, locale: 'en-US', ...setting.context });
   const page = await context.newPage();
@@ -140,6 +145,8 @@ export async function open(browser: Browser, setting: Setting = {}): Promise<Ope
       (window as unknown as { __intents: Intent[] }).__intents.some(({ type }) => type === 'webReady'),
     );
   }
+
+  if (!setting.folder) await isWhole(page);
 
   return {
     page,

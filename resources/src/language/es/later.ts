@@ -1,0 +1,10 @@
+import { appWords } from './apps.ts';
+import { cleanup } from './cleanup.ts';
+import { history } from './history.ts';
+import { lists } from './lists.ts';
+import { settings } from './settings.ts';
+import { systemWords } from './system.ts';
+import { trash } from './trash.ts';
+
+/** The words that come with the second script. */
+export const laterEs = { lists, settings, cleanup, trash, history, apps: appWords, system: systemWords };

@@ -1,0 +1,33 @@
+/** Reads the arguments of the events that the second script listens for; see `Readers`. */
+import * as appGuards from './appGuards.ts';
+import * as cleaningGuards from './cleaningGuards.ts';
+import type { LaterReaders } from './connection.ts';
+import * as guards from './guards.ts';
+import { systemSample } from './systemGuards.ts';
+
+export const laterReaders: LaterReaders = {
+  toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
+  onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
+  onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
+  onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
+  onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
+  onTrashChanged: ([gb]) => [guards.number(gb)],
+  onApps: ([apps]) => [appGuards.installedApps(apps)],
+  onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
+  onAppAnalysis: ([value]) => {
+    const analysis = appGuards.appAnalysis(value);
+    return analysis && [analysis];
+  },
+  onUninstallProgress: ([word, percent, detail]) => {
+    const stage = appGuards.uninstallStage(word);
+    return stage && [stage, appGuards.percent(percent), guards.text(detail)];
+  },
+  onUninstallResult: ([value]) => {
+    const result = appGuards.uninstallResult(value);
+    return result && [result];
+  },
+  onSystem: ([value]) => {
+    const sample = systemSample(value);
+    return sample && [sample];
+  },
+};

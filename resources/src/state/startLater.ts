@@ -1,0 +1,46 @@
+/** Connects what the second script brings. */
+import { laterEn } from '../language/en/later.ts';
+import { laterEs } from '../language/es/later.ts';
+import { language } from '../language/language.svelte.ts';
+import { listenLater, type LaterListeners } from '../protocol/connection.ts';
+import { laterReaders } from '../protocol/laterReaders.ts';
+import type { TrashItem } from '../protocol/protocol.ts';
+import { cleanables } from './cleanables.svelte.ts';
+import { installedApps } from './installedApps.svelte.ts';
+import { leftovers } from './leftovers.svelte.ts';
+import { machine } from './machine.svelte.ts';
+import { showAnswer } from './removal.ts';
+import { requests } from './requests.svelte.ts';
+import { session } from './session.svelte.ts';
+import { tellOutcome } from './uninstallOutcome.ts';
+import { uninstalling } from './uninstalling.svelte.ts';
+
+export function startLater(): void {
+  language.complete({ en: laterEn, es: laterEs });
+  listenLater(
+    {
+      toast: (title, detail) => {
+        uninstalling.takeRefusal(title);
+        if (!leftovers.takeFailure(title, detail)) showAnswer(title, detail);
+      },
+      onExclusions: (paths) => (session.exclusions = paths),
+      onCleanables: (candidates) => cleanables.receive(candidates),
+      onMaintenance: (status) => session.receiveMaintenance(status),
+      onTrashState: (items) => showTrash(items),
+      onTrashChanged: (gb) => (session.trashGb = gb),
+      onApps: (apps) => installedApps.receive(apps),
+      onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
+      onAppAnalysis: (analysis) => leftovers.receive(analysis),
+      onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
+      onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),
+      onSystem: (sample) => machine.receive(sample),
+    } satisfies LaterListeners,
+    laterReaders,
+  );
+}
+
+function showTrash(items: TrashItem[]): void {
+  session.trash = items;
+  session.trashGb = items.reduce((sum, item) => sum + item.gb, 0);
+  requests.trashHolds(items);
+}
