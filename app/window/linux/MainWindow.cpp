@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "app/window/linux/style.h"
-#include "app/window/linux/web_policies.h"
 #include "app/window/linux/window_frame.h"
 #include "platform/text.h"
 
@@ -16,11 +15,11 @@ MainWindow& owner(gpointer self) { return *static_cast<MainWindow*>(self); }
 
 }  // namespace
 
-MainWindow::MainWindow(const WindowContext& context, Appearance appearance,
-                       std::function<void()> closed)
+MainWindow::MainWindow(const WindowContext& context, std::shared_ptr<GtkWebView> webView,
+                       Appearance appearance, std::function<void()> closed)
     : context_(context),
       closed_(std::move(closed)),
-      webView_(std::make_shared<GtkWebView>(context.session)),
+      webView_(std::move(webView)),
       window_(GTK_WINDOW(gtk_application_window_new(context.application))) {
     gtk_window_set_title(window_, "Velto");
     gtk_widget_add_css_class(GTK_WIDGET(window_), "velto");
@@ -32,10 +31,8 @@ MainWindow::MainWindow(const WindowContext& context, Appearance appearance,
     gtk_widget_grab_focus(webView_->widget());
 
     showAppearance(appearance);
-    applyWebPolicies(webView_->view(), context_.platform);
     connectSignals();
     context_.app.windowOpened(webView_);
-    load();
 }
 
 MainWindow::~MainWindow() {
@@ -77,7 +74,7 @@ void MainWindow::connectSignals() {
                      this);
 }
 
-void MainWindow::load() {
+void MainWindow::loadAgain() {
     loadFailed_ = false;
     webkit_web_view_load_uri(webView_->view(), context_.pageUri.c_str());
 }
@@ -135,7 +132,7 @@ void MainWindow::pageProcessEnded(WebKitWebView*, WebKitWebProcessTerminationRea
     platform.dispatcher->mainAfter(delay,
                                    [&window, view = std::weak_ptr<GtkWebView>(window.webView_)] {
                                        if (!view.expired())
-                                           window.load();  // the view goes with its window
+                                           window.loadAgain();  // the view goes with its window
                                    });
 }
 

@@ -18,7 +18,6 @@ struct WindowContext {
     VeltoApp& app;
     Platform& platform;
     GtkApplication* application;
-    WebKitNetworkSession* session;
     CommandMenu& menu;
     std::string pageUri;
 };
@@ -26,9 +25,11 @@ struct WindowContext {
 /// The program's one window with the page in it. Main thread.
 class MainWindow {
 public:
-    /// Makes the window, hands its web view to the application and begins to load the page.
-    /// `closed` is called when the user closes it; the window then stands until it is destroyed.
-    MainWindow(const WindowContext& context, Appearance appearance, std::function<void()> closed);
+    /// Makes the window around a view that has just begun to load the page, and hands the view to
+    /// the application. `closed` is called when the user closes it; the window then stands until it
+    /// is destroyed.
+    MainWindow(const WindowContext& context, std::shared_ptr<GtkWebView> webView,
+               Appearance appearance, std::function<void()> closed);
 
     /// Remembers the size, takes the web view from the application, and removes the window.
     ~MainWindow();
@@ -51,7 +52,7 @@ private:
                                  gpointer self);
 
     void connectSignals();
-    void load();
+    void loadAgain();
     std::string roomScript() const;
     void tellRoom();
 

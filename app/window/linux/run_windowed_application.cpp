@@ -14,6 +14,7 @@
 #include "app/window/linux/gtk.h"
 #include "app/window/linux/style.h"
 #include "app/window/linux/web_engine.h"
+#include "app/window/linux/web_policies.h"
 #include "app/window/window_rules.h"
 
 namespace velto {
@@ -40,11 +41,14 @@ public:
 private:
     /// What stands while the application runs, in the order in which it is made.
     struct Running {
-        Running(VeltoApp& app, Platform& platform, GtkApplication* application)
-            : appearance(platform, webDataFolder(platform) + "/appearance"),
+        Running(VeltoApp& app, Platform& platform, GtkApplication* application,
+                std::shared_ptr<GtkWebView> page)
+            : firstPage(std::move(page)),
+              appearance(platform, webDataFolder(platform) + "/appearance"),
               shell(application, appearance),
               menu(app, application) {}
 
+        std::shared_ptr<GtkWebView> firstPage;  // until the window takes it
         Style style;
         DesktopAppearance appearance;
         GtkApplicationShell shell;
@@ -74,7 +78,7 @@ private:
                 },
                 application);
         }
-        running_ = std::make_unique<Running>(app_, platform_, application_.get());
+        running_ = std::make_unique<Running>(app_, platform_, application_.get(), newPage());
         running_->appearance.onChange([this] { showAppearance(); });
         running_->appearance.start(g_application_get_dbus_connection(application));
         showAppearance();
@@ -82,16 +86,21 @@ private:
         app_.delegate().applicationDidFinishLaunching();
     }
 
+    std::shared_ptr<GtkWebView> newPage() const {
+        return openPage(session_.get(), platform_, pageUri_);
+    }
+
     void activate() {
         if (!running_->window) {
+            auto page = std::exchange(running_->firstPage, nullptr);
+            if (!page) page = newPage();
             running_->window = std::make_unique<MainWindow>(
                 WindowContext{.app = app_,
                               .platform = platform_,
                               .application = application_.get(),
-                              .session = session_.get(),
                               .menu = running_->menu,
                               .pageUri = pageUri_},
-                running_->appearance.current(), [this] { windowClosed(); });
+                std::move(page), running_->appearance.current(), [this] { windowClosed(); });
         }
         running_->window->present();
     }

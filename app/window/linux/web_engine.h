@@ -16,8 +16,9 @@ void prepareEnvironment(Platform& platform);
 /// walk goes there, and a reset takes it along.
 std::string webDataFolder(const Platform& platform);
 
-/// Where the engine keeps its data; one per process. It also sets the engine's process for files and
-/// network going, which then comes up beside GTK: every page load waits for it. Does not need GTK.
+/// Where the engine keeps its data; one per process. It also sets the engine's process for files
+/// and network going, which then comes up beside GTK: every page load waits for it. Does not need
+/// GTK.
 GlibReference<WebKitNetworkSession> makeSession(const Platform& platform);
 
 /// Names a language to the page where the machine names none. Before there is a web view.

@@ -84,4 +84,12 @@ void applyWebPolicies(WebKitWebView* view, Platform& platform) {
     g_signal_connect(view, "context-menu", G_CALLBACK(contextMenu), nullptr);
 }
 
+std::shared_ptr<GtkWebView> openPage(WebKitNetworkSession* session, Platform& platform,
+                                     const std::string& pageUri) {
+    auto view = std::make_shared<GtkWebView>(session);
+    applyWebPolicies(view->view(), platform);
+    webkit_web_view_load_uri(view->view(), pageUri.c_str());
+    return view;
+}
+
 }  // namespace velto::window
