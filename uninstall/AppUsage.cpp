@@ -1,7 +1,6 @@
 #include "uninstall/AppUsage.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 #include <vector>
 
@@ -14,16 +13,6 @@ namespace velto {
 namespace {
 
 constexpr const char* fileName = "/app-usage.json";
-
-// What an application touches when it is used: folder of the library, and what follows its
-// identifier there.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 5> ownFiles{{
-    {"/Preferences/", ".plist"},
-    {"/Application Support/", ""},
-    {"/Containers/", ""},
-    {"/HTTPStorages/", ""},
-    {"/Saved Application State/", ".savedState"},
-}};
 
 }  // namespace
 
@@ -76,30 +65,6 @@ void AppUsage::record(const std::string& bundleID, double time) {
 std::map<std::string, double> AppUsage::launches() const {
     const std::lock_guard guard(lock_);
     return launches_;
-}
-
-std::optional<double> AppUsage::estimate(const std::string& bundleID) const {
-    const bool isName = !bundleID.empty() && bundleID.find('/') == std::string::npos;
-    const HomeLayout& layout = platform_.layout;
-    std::vector<std::string> paths;
-    if (isName && layout.kind == HomeLayout::Kind::macOS) {
-        for (const auto& [folder, suffix] : ownFiles) {
-            paths.push_back(layout.userLibrary + std::string(folder) + bundleID +
-                            std::string(suffix));
-        }
-    } else if (isName) {
-        for (const std::string* folder :
-             {&layout.configuration, &layout.caches, &layout.applicationSupport,
-              &layout.applicationState, &layout.sandboxes}) {
-            paths.push_back(*folder + "/" + bundleID);
-        }
-    }
-    std::optional<double> latest;
-    for (const std::string& path : paths) {
-        const auto attributes = platform_.files->attributes(path);
-        if (attributes) latest = std::max(latest.value_or(0), attributes->modified);
-    }
-    return latest;
 }
 
 void AppUsage::knowExecutables(std::map<std::string, std::string> identifiers) {

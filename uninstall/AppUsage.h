@@ -10,8 +10,7 @@
 namespace velto {
 
 /// When applications were last used: what was seen while the program ran, kept in "app-usage.json"
-/// in the data folder, and an estimate for applications never seen. Safe from every thread, but for
-/// `start`.
+/// in the data folder. Safe from every thread, but for `start`.
 class AppUsage {
 public:
     /// Reads the file; a missing or unreadable one counts as empty. The platform outlives the
@@ -33,10 +32,6 @@ public:
 
     /// The latest use seen, seconds since 1970, by bundle identifier.
     std::map<std::string, double> launches() const;
-
-    /// The latest change of the application's own files in the user's library; nothing when it has
-    /// none there.
-    std::optional<double> estimate(const std::string& bundleID) const;
 
     /// On a home without bundles: which programs are which applications, by the executable's path.
     void knowExecutables(std::map<std::string, std::string> identifiers);

@@ -33,26 +33,34 @@ std::unordered_set<std::string> runningIdentifiers(RunningApplications& running)
 }  // namespace
 
 std::vector<AppEntry> InstalledApps::listApps() {
+    LastUseEstimate estimate(platform_);
     std::vector<AppEntry> found = platform_.layout.kind == HomeLayout::Kind::freedesktop
                                       ? listDesktopApplications()
-                                      : listBundles();
+                                      : listBundles(estimate);
     std::erase_if(found,
                   [&](const AppEntry& entry) { return entry.bid == platform_.bundleIdentifier; });
-    const auto launches = usage_.launches();
-    for (AppEntry& entry : found)
-        entry.last = lastUse(entry, launches);
+    findLastUses(found, estimate);
     std::ranges::stable_sort(found, [&](const AppEntry& left, const AppEntry& right) {
         return platform_.locale->compare(left.name, right.name) < 0;
     });
     return found;
 }
 
-std::vector<AppEntry> InstalledApps::listBundles() const {
+std::vector<AppEntry> InstalledApps::listBundles(LastUseEstimate& estimate) const {
     const std::vector<std::string> paths = bundlePaths();
     std::vector<std::optional<AppEntry>> read(paths.size());
-    forEachInParallel(paths.size(), 0,
-                      [&](std::size_t index, std::size_t) { read[index] = readApp(paths[index]); });
-    const auto running = runningIdentifiers(*platform_.running);
+    std::unordered_set<std::string> running;
+    // What runs, and what the library holds, is looked up beside the reading of the bundles.
+    constexpr std::size_t others = 2;
+    forEachInParallel(others + paths.size(), 0, [&](std::size_t index, std::size_t) {
+        if (index == 0) {
+            running = runningIdentifiers(*platform_.running);
+        } else if (index == 1) {
+            estimate.listFolders();
+        } else {
+            read[index - others] = readApp(paths[index - others]);
+        }
+    });
     std::vector<AppEntry> found;
     for (std::optional<AppEntry>& entry : read) {
         if (!entry) continue;
@@ -96,14 +104,22 @@ std::vector<std::string> InstalledApps::bundlePaths() const {
     return paths;
 }
 
-double InstalledApps::lastUse(AppEntry& entry, const std::map<std::string, double>& launches) {
-    if (const auto seen = launches.find(entry.bid); seen != launches.end()) return seen->second;
-    if (entry.running) {
-        const double now = platform_.clock->now();
-        usage_.record(entry.bid, now);
-        return now;
+void InstalledApps::findLastUses(std::vector<AppEntry>& entries, const LastUseEstimate& estimate) {
+    const auto launches = usage_.launches();
+    std::vector<AppEntry*> neverSeen;
+    for (AppEntry& entry : entries) {
+        if (const auto seen = launches.find(entry.bid); seen != launches.end()) {
+            entry.last = seen->second;
+        } else if (entry.running) {
+            entry.last = platform_.clock->now();
+            usage_.record(entry.bid, entry.last);
+        } else {
+            neverSeen.push_back(&entry);
+        }
     }
-    return usage_.estimate(entry.bid).value_or(0);
+    forEachInParallel(neverSeen.size(), 0, [&](std::size_t index, std::size_t) {
+        neverSeen[index]->last = estimate.of(neverSeen[index]->bid).value_or(0);
+    });
 }
 
 std::optional<AppEntry> InstalledApps::readApp(const std::string& path) const {

@@ -10,6 +10,7 @@
 #include "platform/Platform.h"
 #include "uninstall/AppEntry.h"
 #include "uninstall/AppUsage.h"
+#include "uninstall/LastUseEstimate.h"
 
 namespace velto {
 
@@ -43,10 +44,10 @@ public:
     std::optional<std::string> teamID(const std::string& path) const;
 
 private:
-    std::vector<AppEntry> listBundles() const;
+    std::vector<AppEntry> listBundles(LastUseEstimate& estimate) const;
     std::vector<AppEntry> listDesktopApplications();
     std::vector<std::string> bundlePaths() const;
-    double lastUse(AppEntry& entry, const std::map<std::string, double>& launches);
+    void findLastUses(std::vector<AppEntry>& entries, const LastUseEstimate& estimate);
 
     const Platform& platform_;
     AppUsage& usage_;

@@ -99,21 +99,5 @@ TEST_F(AppUsageTest, StartingTwiceObservesOnce) {
     EXPECT_EQ(machine.running.observers, 1);
 }
 
-TEST_F(AppUsageTest, TheEstimateIsTheLatestChangeOfTheApplicationsOwnFiles) {
-    const AppUsage usage(machine.platform);
-    EXPECT_EQ(usage.estimate("com.example.foo"), std::nullopt);
-    const char* const places[] = {
-        "Library/Preferences/com.example.foo.plist", "Library/Application Support/com.example.foo",
-        "Library/Containers/com.example.foo", "Library/HTTPStorages/com.example.foo",
-        "Library/Saved Application State/com.example.foo.savedState"};
-    std::int64_t time = 1'000'000'000;
-    for (const char* place : places) {
-        machine.home.text(place, "x").dated(1, ++time);
-        EXPECT_EQ(usage.estimate("com.example.foo"), static_cast<double>(time)) << place;
-    }
-    EXPECT_EQ(usage.estimate(""), std::nullopt);
-    EXPECT_EQ(usage.estimate("../Preferences"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace velto

@@ -1,0 +1,79 @@
+#include "uninstall/LastUseEstimate.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
+
+namespace velto {
+namespace {
+
+// What an application touches when it is used: folder of the library, and what follows its
+// identifier there.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 5> ownFiles{{
+    {"/Preferences/", ".plist"},
+    {"/Application Support/", ""},
+    {"/Containers/", ""},
+    {"/HTTPStorages/", ""},
+    {"/Saved Application State/", ".savedState"},
+}};
+
+bool isAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](char character) { return (character & 0x80) == 0; });
+}
+
+/// In small letters: on a Mac's disk a name is found whatever its case.
+std::string folded(std::string text) {
+    for (char& letter : text) {
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return text;
+}
+
+std::optional<std::unordered_set<std::string>> namesIn(const FileManager& files,
+                                                       const std::string& folder) {
+    std::unordered_set<std::string> names;
+    try {
+        for (std::string& name : files.list(folder))
+            names.insert(folded(std::move(name)));
+    } catch (const FileError& error) {
+        // One that must not be listed may still tell of a name that is known.
+        if (error.code() != ENOENT) return std::nullopt;
+    }
+    return names;
+}
+
+}  // namespace
+
+LastUseEstimate::LastUseEstimate(const Platform& platform) : files_(*platform.files) {
+    const HomeLayout& layout = platform.layout;
+    if (layout.kind == HomeLayout::Kind::macOS) {
+        for (const auto& [folder, suffix] : ownFiles)
+            places_.push_back({layout.userLibrary + std::string(folder), suffix, std::nullopt});
+        return;
+    }
+    for (const std::string* folder :
+         {&layout.configuration, &layout.caches, &layout.applicationSupport,
+          &layout.applicationState, &layout.sandboxes})
+        places_.push_back({*folder + "/", "", std::nullopt});
+}
+
+void LastUseEstimate::listFolders() {
+    for (Place& place : places_)
+        place.names = namesIn(files_, place.folder);
+}
+
+std::optional<double> LastUseEstimate::of(const std::string& bundleID) const {
+    if (bundleID.empty() || bundleID.find('/') != std::string::npos) return std::nullopt;
+    std::optional<double> latest;
+    for (const auto& [folder, suffix, names] : places_) {
+        const std::string name = bundleID + std::string(suffix);
+        // Other letters than these may be spelled in more than one way.
+        if (names && isAscii(name) && !names->contains(folded(name))) continue;
+        const auto attributes = files_.attributes(folder + name);
+        if (attributes) latest = std::max(latest.value_or(0), attributes->modified);
+    }
+    return latest;
+}
+
+}  // namespace velto
