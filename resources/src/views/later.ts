@@ -3,6 +3,7 @@
  * stands there once and is shared.
  */
 import type { Component } from 'svelte';
+import '../style/grids.css';
 import type { ViewName } from '../protocol/protocol.ts';
 import Ajustes from './ajustes/Ajustes.svelte';
 import Apps from './apps/Apps.svelte';
