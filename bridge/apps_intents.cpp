@@ -101,6 +101,7 @@ void JSBridge::onAppsList(const Payload&) {
             if (weak.expired()) return;
             const auto entries = work->apps.listApps();
             std::vector<std::string> paths;
+            paths.reserve(entries.size());
             for (const AppEntry& entry : entries)
                 paths.push_back(entry.path);
             const std::string script = events::apps(recordsOf(work->apps, entries));

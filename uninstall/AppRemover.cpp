@@ -32,7 +32,7 @@ std::vector<std::string> inOrderOfRemoval(const std::vector<std::string>& paths,
         const std::string standard = standardizedPath(path);
         if (seen.insert(standard.empty() ? path : standard).second) ordered.push_back(path);
     }
-    std::ranges::stable_partition(ordered, [&](const std::string& path) {
+    std::stable_partition(ordered.begin(), ordered.end(), [&](const std::string& path) {
         return standardizedPath(path) == standardizedPath(bundlePath);
     });
     return ordered;

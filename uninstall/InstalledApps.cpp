@@ -93,9 +93,10 @@ std::vector<std::string> InstalledApps::bundlePaths() const {
           layout.userApplications}) {
         try {
             for (const std::string& name : platform_.files->list(folder)) {
-                std::string path = folder + "/" + name;
-                if (isBundleName(name) && seen.insert(path).second)
-                    paths.push_back(std::move(path));
+                if (!isBundleName(name)) continue;
+                std::string path = folder;
+                path.append("/").append(name);
+                if (seen.insert(path).second) paths.push_back(std::move(path));
             }
         } catch (const FileError&) {
             // A folder that is not there, or that cannot be listed, has no applications to offer.

@@ -46,7 +46,7 @@ std::int64_t ItemRemoval::remove(const std::string& path) const {
 /// What the path leads to. Where nothing is, its folder is resolved as far as there is one, so that
 /// what is outside the home is known as such.
 std::string ItemRemoval::resolved(const std::string& path) const {
-    const std::string standard = standardizedPath(path);
+    std::string standard = standardizedPath(path);
     try {
         return platform_.files->resolved(standard);
     } catch (const FileError& error) {

@@ -7,6 +7,10 @@
 namespace velto::Leftovers {
 namespace {
 
+std::string pathIn(const std::string& folder, const std::string& name) {
+    return folder + "/" + name;
+}
+
 using Tokens = std::unordered_set<std::string>;
 
 std::vector<std::string> namesIn(const FileManager& files, const std::string& folder) {
@@ -45,7 +49,7 @@ public:
         int opened = 0;
         for (const std::string& name : namesIn(files_, root)) {
             if (name.starts_with('.')) return;
-            const std::string path = root + "/" + name;
+            const std::string path = pathIn(root, name);
             if (!isFolder(files_, path)) continue;
             const std::string lower = locale_.lowerCased(name);
             if (tokens_.contains(lower) && lower != second_) {
@@ -56,7 +60,7 @@ public:
             ++opened;
             for (const std::string& child : namesIn(files_, path)) {
                 if (tokens_.contains(locale_.lowerCased(child))) {
-                    found.push_back(match(path + "/" + child));
+                    found.push_back(match(pathIn(path, child)));
                 }
             }
             if (opened == limit) return;
@@ -106,7 +110,7 @@ std::vector<Candidate> expand(const FileManager& files, const Candidate& candida
     std::vector<Candidate> expanded;
     for (const std::string& name : names) {
         Candidate one = candidate;
-        one.path = folder + "/" + name;
+        one.path = pathIn(folder, name);
         one.prefix = false;
         expanded.push_back(std::move(one));
     }
