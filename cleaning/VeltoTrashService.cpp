@@ -17,6 +17,7 @@ using Reason = TrashError::Reason;
 
 std::vector<std::string> idsOf(const std::vector<TrashItem>& items) {
     std::vector<std::string> ids;
+    ids.reserve(items.size());
     for (const TrashItem& item : items)
         ids.push_back(item.id);
     return ids;
