@@ -94,11 +94,11 @@ int FileCalls::copyAccess(int from, int to) {
             if (::fsetxattr(to, name, list.data(), list.size(), 0) != 0 && !mayBeLeftOut(name)) {
                 return -1;
             }
-        } else if (errno != ENODATA && errno != EOPNOTSUPP) {
-            return -1;
-        } else if (::fremovexattr(to, name) != 0 && errno != ENODATA && errno != EOPNOTSUPP) {
-            return -1;  // the folder that the copy was made in has given it a list of its own
+            continue;
         }
+        if (errno != ENODATA && errno != EOPNOTSUPP) return -1;
+        // The folder that the copy was made in may have given it a list of its own.
+        if (::fremovexattr(to, name) != 0 && errno != ENODATA && errno != EOPNOTSUPP) return -1;
     }
     return 0;
 }

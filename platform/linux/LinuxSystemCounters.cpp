@@ -26,9 +26,10 @@ int processorsIn(std::string_view stat) {
 /// (Documentation/admin-guide/blockdev/zram.rst of the kernel).
 std::int64_t zramIn(const std::string& sys) {
     std::int64_t bytes = 0;
-    for (const std::string& name : kernelNames(sys + "/block")) {
+    const std::string devices = sys + "/block/";
+    for (const std::string& name : kernelNames(devices)) {
         if (!name.starts_with("zram")) continue;
-        const auto text = kernelLine(sys + "/block/" + name + "/mm_stat");
+        const auto text = kernelLine(std::string(devices).append(name).append("/mm_stat"));
         if (!text) continue;
         std::string_view rest = *text;
         nextWord(rest);

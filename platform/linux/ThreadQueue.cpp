@@ -68,10 +68,10 @@ std::unique_ptr<SerialQueue::Timer> ThreadQueue::repeat(double first, double per
     const std::lock_guard guard(state_->lock);
     const std::uint64_t identifier = ++state_->lastTimer;
     if (!state_->isClosed) {
-        state_->timers.emplace(
-            identifier,
-            Repetition{std::chrono::steady_clock::now() + inSeconds(first), inSeconds(period),
-                       std::make_shared<const Work>(std::move(work))});
+        auto shared = std::make_shared<const Work>(std::move(work));
+        state_->timers.emplace(identifier,
+                               Repetition{std::chrono::steady_clock::now() + inSeconds(first),
+                                          inSeconds(period), std::move(shared)});
         state_->changed.notify_one();
     }
     return std::make_unique<RepeatingTimer>(state_, identifier);

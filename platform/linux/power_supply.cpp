@@ -19,7 +19,7 @@ bool isMachinesBattery(const std::string& folder) {
 
 bool hasAdapter(const std::string& supplies) {
     for (const std::string& name : kernelNames(supplies)) {
-        const std::string folder = supplies + "/" + name;
+        const std::string folder = supplies + name;
         const auto type = kernelLine(folder + "/type");
         if ((type == "Mains" || type == "USB") && kernelNumber(folder + "/online") == 1) {
             return true;
@@ -77,9 +77,9 @@ void readCharge(const std::string& folder, BatteryCounters& battery) {
 }  // namespace
 
 std::optional<BatteryCounters> batteryIn(const std::string& sys) {
-    const std::string supplies = sys + "/class/power_supply";
+    const std::string supplies = sys + "/class/power_supply/";
     for (const std::string& name : kernelNames(supplies)) {
-        const std::string folder = supplies + "/" + name;
+        const std::string folder = supplies + name;
         if (!isMachinesBattery(folder)) continue;
         const std::string status = kernelLine(folder + "/status").value_or("");
         BatteryCounters battery{.isCharged = status == "Full", .isCharging = status == "Charging"};

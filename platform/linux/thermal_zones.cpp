@@ -53,11 +53,11 @@ ThermalState stateOf(const std::string& zone) {
 }  // namespace
 
 ThermalState thermalStateIn(const std::string& sys) {
-    const std::string zones = sys + "/class/thermal";
+    const std::string zones = sys + "/class/thermal/";
     ThermalState worst = ThermalState::nominal;
     for (const std::string& name : kernelNames(zones)) {
         if (!name.starts_with("thermal_zone")) continue;
-        worst = std::max(worst, stateOf(zones + "/" + name));
+        worst = std::max(worst, stateOf(zones + name));
     }
     return worst;
 }
