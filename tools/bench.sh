@@ -7,10 +7,15 @@ run_benchmarks() {
     compile release
     say "Measuring the walk and the duplicates"
     bench/run "$@"
+    case " $* " in
+        *" --only "* | *" --clean "* | *" --help "*) return ;;
+    esac
     if on_mac; then
-        say "Skipped on a Mac: the start of the program (it needs a virtual X display)"
+        say "Skipped on a Mac: the start of the program and the live view (they need a virtual X display)"
         return
     fi
     say "Measuring the start of the program"
     node bench/start.mjs build/release
+    say "Measuring the live system view"
+    node bench/live.mjs build/release
 }
