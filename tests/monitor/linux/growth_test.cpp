@@ -92,7 +92,7 @@ TEST_F(ChangingMachine, OnlyTheIconsOfApplicationsAreKeptOnceEach) {
     EXPECT_EQ(monitor.iconCache.size(), others + 1u);
     const std::size_t after = heapInUse();
     EXPECT_GT(after, before + others * 4'096);
-    EXPECT_LT(after, before + others * 5'000);
+    EXPECT_LT(after, before + others * 6'000);  // some allocators round up by a quarter
 }
 
 }  // namespace

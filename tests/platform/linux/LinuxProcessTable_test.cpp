@@ -248,9 +248,8 @@ TEST_F(ProcessTableTest, AnAppImageIsOneApplicationWhereverItIsMounted) {
     index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
         {"painter", "Painter", "/p", "/home/me/Painter-1.2.AppImage", false}});
     record({.pid = 100, .executable = "/tmp/.mount_PainteXy/usr/bin/painter"});
-    proc.text("100/environ", std::string("HOME=/home/me\0APPIMAGE=/home/me/Painter-1.2.AppImage\0"
-                                         "ARGV0=painter\0",
-                                         72));
+    using namespace std::string_literals;
+    proc.text("100/environ", "HOME=/home/me\0APPIMAGE=/home/me/Painter-1.2.AppImage\0ARGV0=x\0"s);
     record({.pid = 101, .executable = "/tmp/.mount_Other/usr/bin/other"});
     table->list();
     EXPECT_EQ(table->runningApps().at(100).name, "Painter");
