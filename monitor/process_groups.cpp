@@ -47,10 +47,9 @@ std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info
                 {.name = info.name, .procs = 1, .kind = "other", .pid = process}};
     }
     const RunningApp& app = apps.at(*owner);
-    std::string key =
+    const std::string key =
         app.bundle.empty() ? "app:" + std::to_string(*owner) : "svc:" + app.bundle + "#" + app.name;
-    return {std::move(key),
-            {.name = app.name, .procs = 1, .kind = "app", .pid = *owner, .path = app.path}};
+    return {key, {.name = app.name, .procs = 1, .kind = "app", .pid = *owner, .path = app.path}};
 }
 
 std::string bundleOf(const std::string& executable) {

@@ -4,6 +4,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "platform/DesktopEntry.h"
 
 namespace velto {
@@ -46,14 +48,15 @@ std::vector<DesktopEntryFile> desktopEntryFiles(const FileManager& files,
     };
     for (const auto& [origin, folder] : folders) {
         for (const std::string& name : namesIn(files, folder)) {
-            const std::string path = folder + "/" + name;
+            const std::string path = fmt::format("{}/{}", folder, name);
             if (name.ends_with(desktopEntryExtension)) {
                 add(withoutExtension(name), origin, path);
                 continue;
             }
             for (const std::string& inner : namesIn(files, path)) {
                 if (!inner.ends_with(desktopEntryExtension)) continue;
-                add(name + "-" + withoutExtension(inner), origin, path + "/" + inner);
+                add(fmt::format("{}-{}", name, withoutExtension(inner)), origin,
+                    fmt::format("{}/{}", path, inner));
             }
         }
     }
@@ -70,7 +73,7 @@ std::string desktopIconFile(const FileManager& files, const std::vector<NamedLoc
         const std::string data = folderOf(location.path);
         for (std::string_view folder : iconFolders) {
             for (std::string_view picture : pictureExtensions) {
-                std::string path = data + std::string(folder) + icon + std::string(picture);
+                std::string path = fmt::format("{}{}{}{}", data, folder, icon, picture);
                 if (files.exists(path)) return path;
             }
         }

@@ -182,6 +182,7 @@ void cost(int processes, int samples) {
     const Cost kept = costOfSamples(samples);
     const Cost reopened = costWithReopenedFiles(samples);
     std::vector<double> ps;
+    ps.reserve(static_cast<std::size_t>(samples));
     for (int i = 0; i < samples; ++i)
         ps.push_back(costOfPs());
     std::nth_element(ps.begin(), ps.begin() + samples / 2, ps.end());

@@ -43,6 +43,7 @@ struct RealApplications : testing::Test {
     /// Starts the program so many times.
     std::vector<std::unique_ptr<Child>> run(const std::string& program, int count) {
         std::vector<std::unique_ptr<Child>> children;
+        children.reserve(static_cast<std::size_t>(count));
         for (int i = 0; i < count; ++i)
             children.push_back(std::make_unique<Child>(home, program));
         return children;
