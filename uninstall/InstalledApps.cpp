@@ -30,38 +30,55 @@ std::unordered_set<std::string> runningIdentifiers(RunningApplications& running)
     return identifiers;
 }
 
+/// In the user's own order. What is compared over and over is moved only once.
+std::vector<AppEntry> byName(std::vector<AppEntry> entries, const Locale& locale) {
+    std::vector<AppEntry*> order;
+    order.reserve(entries.size());
+    for (AppEntry& entry : entries)
+        order.push_back(&entry);
+    std::ranges::stable_sort(order, [&](const AppEntry* left, const AppEntry* right) {
+        return locale.compare(left->name, right->name) < 0;
+    });
+    std::vector<AppEntry> sorted;
+    sorted.reserve(entries.size());
+    for (AppEntry* entry : order)
+        sorted.push_back(std::move(*entry));
+    return sorted;
+}
+
 }  // namespace
 
 std::vector<AppEntry> InstalledApps::listApps() {
-    LastUseEstimate estimate(platform_);
     std::vector<AppEntry> found = platform_.layout.kind == HomeLayout::Kind::freedesktop
                                       ? listDesktopApplications()
-                                      : listBundles(estimate);
+                                      : listBundles();
     std::erase_if(found,
                   [&](const AppEntry& entry) { return entry.bid == platform_.bundleIdentifier; });
-    findLastUses(found, estimate);
-    std::ranges::stable_sort(found, [&](const AppEntry& left, const AppEntry& right) {
-        return platform_.locale->compare(left.name, right.name) < 0;
-    });
-    return found;
+    recordRunning(found);
+    return byName(std::move(found), *platform_.locale);
 }
 
-std::vector<AppEntry> InstalledApps::listBundles(LastUseEstimate& estimate) const {
+std::vector<AppEntry> InstalledApps::listBundles() const {
     const std::vector<std::string> paths = bundlePaths();
     std::vector<std::optional<AppEntry>> read(paths.size());
     std::unordered_set<std::string> running;
+    LastUseEstimate estimate(platform_);
+    std::once_flag isListed;
+    const auto launches = usage_.launches();
     // What runs, and what the library holds, is looked up beside the reading of the bundles.
-    constexpr std::size_t others = 2;
-    forEachInParallel(others + paths.size(), 0, [&](std::size_t index, std::size_t) {
+    forEachInParallel(1 + paths.size(), 0, [&](std::size_t index, std::size_t) {
         if (index == 0) {
             running = runningIdentifiers(*platform_.running);
-        } else if (index == 1) {
-            estimate.listFolders();
-        } else {
-            read[index - others] = readApp(paths[index - others]);
+            return;
         }
+        std::optional<AppEntry>& entry = read[index - 1];
+        entry = readApp(paths[index - 1]);
+        if (!entry) return;
+        std::call_once(isListed, [&] { estimate.listFolders(); });
+        entry->last = lastUse(entry->bid, launches, estimate);
     });
     std::vector<AppEntry> found;
+    found.reserve(read.size());
     for (std::optional<AppEntry>& entry : read) {
         if (!entry) continue;
         entry->running = running.contains(entry->bid);
@@ -79,6 +96,10 @@ std::vector<AppEntry> InstalledApps::listDesktopApplications() {
         found.push_back(std::move(application.entry));
     }
     usage_.knowExecutables(std::move(identifiers));
+    const auto launches = usage_.launches();
+    const LastUseEstimate estimate(platform_);
+    for (AppEntry& entry : found)
+        entry.last = lastUse(entry.bid, launches, estimate);
     const std::lock_guard guard(lock_);
     iconNames_ = std::move(icons);
     return found;
@@ -87,16 +108,18 @@ std::vector<AppEntry> InstalledApps::listDesktopApplications() {
 std::vector<std::string> InstalledApps::bundlePaths() const {
     const HomeLayout& layout = platform_.layout;
     std::vector<std::string> paths;
-    std::unordered_set<std::string> seen;
-    for (const std::string& folder :
-         {layout.systemApplications, layout.systemApplications + "/Utilities",
-          layout.userApplications}) {
+    std::vector<std::string> folders{layout.systemApplications,
+                                     layout.systemApplications + "/Utilities"};
+    if (std::ranges::find(folders, layout.userApplications) == folders.end()) {
+        folders.push_back(layout.userApplications);
+    }
+    for (const std::string& folder : folders) {
         try {
             for (const std::string& name : platform_.files->list(folder)) {
                 if (!isBundleName(name)) continue;
                 std::string path = folder;
                 path.append("/").append(name);
-                if (seen.insert(path).second) paths.push_back(std::move(path));
+                paths.push_back(std::move(path));
             }
         } catch (const FileError&) {
             // A folder that is not there, or that cannot be listed, has no applications to offer.
@@ -105,22 +128,21 @@ std::vector<std::string> InstalledApps::bundlePaths() const {
     return paths;
 }
 
-void InstalledApps::findLastUses(std::vector<AppEntry>& entries, const LastUseEstimate& estimate) {
+/// One that was never seen is taken to be used when its files last changed.
+double InstalledApps::lastUse(const std::string& bundleID,
+                              const std::map<std::string, double>& launches,
+                              const LastUseEstimate& estimate) {
+    const auto seen = launches.find(bundleID);
+    return seen != launches.end() ? seen->second : estimate.of(bundleID).value_or(0);
+}
+
+void InstalledApps::recordRunning(std::vector<AppEntry>& entries) {
     const auto launches = usage_.launches();
-    std::vector<AppEntry*> neverSeen;
     for (AppEntry& entry : entries) {
-        if (const auto seen = launches.find(entry.bid); seen != launches.end()) {
-            entry.last = seen->second;
-        } else if (entry.running) {
-            entry.last = platform_.clock->now();
-            usage_.record(entry.bid, entry.last);
-        } else {
-            neverSeen.push_back(&entry);
-        }
+        if (!entry.running || launches.contains(entry.bid)) continue;
+        entry.last = platform_.clock->now();
+        usage_.record(entry.bid, entry.last);
     }
-    forEachInParallel(neverSeen.size(), 0, [&](std::size_t index, std::size_t) {
-        neverSeen[index]->last = estimate.of(neverSeen[index]->bid).value_or(0);
-    });
 }
 
 std::optional<AppEntry> InstalledApps::readApp(const std::string& path) const {

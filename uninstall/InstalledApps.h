@@ -44,10 +44,13 @@ public:
     std::optional<std::string> teamID(const std::string& path) const;
 
 private:
-    std::vector<AppEntry> listBundles(LastUseEstimate& estimate) const;
+    std::vector<AppEntry> listBundles() const;
     std::vector<AppEntry> listDesktopApplications();
     std::vector<std::string> bundlePaths() const;
-    void findLastUses(std::vector<AppEntry>& entries, const LastUseEstimate& estimate);
+    static double lastUse(const std::string& bundleID,
+                          const std::map<std::string, double>& launches,
+                          const LastUseEstimate& estimate);
+    void recordRunning(std::vector<AppEntry>& entries);
 
     const Platform& platform_;
     AppUsage& usage_;

@@ -1,5 +1,6 @@
 #include "uninstall/bundle_information.h"
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <memory>
@@ -25,21 +26,18 @@ std::unique_ptr<FileContent> open(const FileManager& files, FileContentReader& c
     }
 }
 
-std::optional<std::string> bytesOf(FileContent& content) {
-    const std::int64_t size = content.size();
-    if (size < 0 || size > mostBytes) return std::nullopt;
-    std::string bytes(static_cast<std::size_t>(size), '\0');
+/// How much of the buffer could be filled from the start of the file on; nothing on failure.
+std::optional<std::size_t> fill(FileContent& content, std::span<char> buffer) {
     std::size_t filled = 0;
-    while (filled < bytes.size()) {
-        const auto rest = std::as_writable_bytes(std::span(bytes)).subspan(filled);
+    while (filled < buffer.size()) {
+        const auto rest = std::as_writable_bytes(buffer).subspan(filled);
         const std::ptrdiff_t count = content.read(static_cast<std::int64_t>(filled), rest);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return std::nullopt;
-        if (count == 0) break;  // it has become shorter
+        if (count == 0) break;
         filled += static_cast<std::size_t>(count);
     }
-    bytes.resize(filled);
-    return bytes;
+    return filled;
 }
 
 }  // namespace
@@ -49,8 +47,18 @@ std::optional<BundleInformation> readBundleInformation(const FileManager& files,
                                                        const std::string& path) {
     const auto content = open(files, contents, path + "/Contents/Info.plist");
     if (!content) return std::nullopt;
-    const auto bytes = bytesOf(*content);
-    return bytes ? bundleInformationFrom(*bytes) : std::nullopt;
+    // Nearly all fit, and can be read at once: that such a text is whole shows in its end.
+    std::array<char, 32 * 1024> usual;
+    const std::ptrdiff_t first = content->read(0, std::as_writable_bytes(std::span(usual)));
+    if (first > 0) {
+        const std::string_view bytes(usual.data(), static_cast<std::size_t>(first));
+        if (auto quick = quickBundleInformation(bytes)) return quick;
+    }
+    const std::int64_t size = content->size();
+    if (size < 0 || size > mostBytes) return std::nullopt;
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    const auto whole = fill(*content, bytes);
+    return whole ? bundleInformationFrom(std::string_view(bytes).substr(0, *whole)) : std::nullopt;
 }
 
 std::optional<BundleInformation> bundleInformationFrom(std::string_view bytes) {
