@@ -69,6 +69,7 @@ private:
 class FakeIcons final : public Icons {
 public:
     std::optional<std::string> pngDataURL(const std::string& path, int pixels) override {
+        const std::lock_guard lock(mutex_);
         asked.emplace_back(path, pixels);
         const auto found = icons.find(path);
         return found == icons.end() ? std::nullopt : std::optional(found->second);
@@ -76,6 +77,9 @@ public:
 
     std::map<std::string, std::string> icons;
     std::vector<std::pair<std::string, int>> asked;
+
+private:
+    std::mutex mutex_;
 };
 
 /// Running applications in the test's hands.

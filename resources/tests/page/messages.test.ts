@@ -18,9 +18,10 @@ async function withClock(setting: Setting, test: (opened: OpenPage) => Promise<v
   const start = new Date('2026-03-01T10:00:00Z');
   await opened.page.clock.install({ time: start });
   await opened.page.reload();
+  // A page still opening waits for frames, which a clock that stands no longer gives.
+  await isWhole(opened.page);
   // From here on time passes only when the test says so.
   await opened.page.clock.pauseAt(new Date(start.getTime() + 30_000));
-  await isWhole(opened.page);
   await test(opened);
   await opened.close();
 }

@@ -1,8 +1,10 @@
 // The uninstaller over real processes, real property lists and real icons, as on a Linux machine
 // with a Mac's home.
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include "../UninstallWorld.h"
 #include "platform/linux/LinuxIcons.h"
@@ -25,11 +27,19 @@ protected:
         platform.clock = std::make_unique<SystemClock>();
         platform.sleeper = std::make_unique<SystemSleeper>();
     }
+    /// Running applications are found by their identifiers on the whole machine, where the same
+    /// test may be running twice.
+    std::string foobar() {
+        return bundle(userApplications(), "Foobar.app",
+                      {{"CFBundleIdentifier", identifier}, {"CFBundleExecutable", "Foobar"}});
+    }
+
+    const std::string identifier = fmt::format("com.example.foobar.process{}", ::getpid());
 };
 
 TEST_F(RealUninstallTest, AnApplicationWithARunningHelperIsQuitAndDeleted) {
-    const std::string path = application("Foobar");
-    const std::string cache = library("Caches/com.example.foobar/data");
+    const std::string path = foobar();
+    const std::string cache = library("Caches/" + identifier + "/data");
     Child child(home, path + "/Contents/MacOS/Foobar");
     Child helper(home, path + "/Contents/Library/LoginItems/Helper.app/Contents/MacOS/Helper");
     Child other(home, home.path("Applications/Other.app/Contents/MacOS/Other"));
@@ -38,7 +48,7 @@ TEST_F(RealUninstallTest, AnApplicationWithARunningHelperIsQuitAndDeleted) {
     EXPECT_TRUE(listed.front().running);
 
     const auto result =
-        remover.uninstall(listed.front(), {path, home.path("Library/Caches/com.example.foobar")});
+        remover.uninstall(listed.front(), {path, home.path("Library/Caches/" + identifier)});
     EXPECT_EQ(result.closed, 2);
     EXPECT_EQ(result.removed, 2);
     EXPECT_THAT(result.failures, testing::IsEmpty());
@@ -49,7 +59,7 @@ TEST_F(RealUninstallTest, AnApplicationWithARunningHelperIsQuitAndDeleted) {
 }
 
 TEST_F(RealUninstallTest, OneThatIgnoresTheRequestIsForcedAfterTwoSecondsAndNotSooner) {
-    const std::string path = application("Foobar");
+    const std::string path = foobar();
     Child child(home, path + "/Contents/MacOS/Foobar", Child::Manner::ignoresTerm);
     const double start = machine.platform.clock->monotonic();
     EXPECT_EQ(remover.quitApp(*apps.readApp(path)), 1);
@@ -58,9 +68,9 @@ TEST_F(RealUninstallTest, OneThatIgnoresTheRequestIsForcedAfterTwoSecondsAndNotS
 }
 
 TEST_F(RealUninstallTest, ToolsThatThisMachineLacksChangeNothing) {
-    const std::string path = application("Foobar");
+    const std::string path = foobar();
     EXPECT_EQ(apps.teamID(path), std::nullopt);
-    const std::string agent = library("LaunchAgents/com.example.foobar.plist",
+    const std::string agent = library("LaunchAgents/" + identifier + ".plist",
                                       xmlPropertyList(textDictionary({{"Label", "com.example"}})));
     EXPECT_EQ(remover.uninstall(*apps.readApp(path), {agent}).removed, 1);
 }
