@@ -33,7 +33,8 @@ export default defineConfig({
           name: 'page',
           include: ['tests/page/**/*.test.ts'],
           environment: 'node',
-          fileParallelism: false,
+          // Half of their time the pages wait; more at once would get in each other's way.
+          maxWorkers: 2,
           testTimeout: 60_000,
           hookTimeout: 60_000,
         },

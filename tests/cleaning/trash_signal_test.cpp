@@ -13,19 +13,6 @@
 namespace velto {
 namespace {
 
-// GCC and Clang say it in ways of their own.
-#if defined(__SANITIZE_THREAD__)
-constexpr bool runsUnderThreadSanitizer = true;
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-constexpr bool runsUnderThreadSanitizer = true;
-#else
-constexpr bool runsUnderThreadSanitizer = false;
-#endif
-#else
-constexpr bool runsUnderThreadSanitizer = false;
-#endif
-
 std::atomic<int> handled = 0;
 
 /// While it lives, SIGUSR1 interrupts system calls and does nothing else.
@@ -63,12 +50,6 @@ public:
 };
 
 struct TrashSignalTest : testing::Test {
-    void SetUp() override {
-        if (runsUnderThreadSanitizer) {
-            GTEST_SKIP() << "the thread sanitizer puts signals off until the call has ended";
-        }
-    }
-
     TempHome home{TrashWorld::fastVolume()};
     HomeLayout layout = HomeLayout::macOS(home.path());
     FakeClock clock;

@@ -78,9 +78,6 @@ std::string otherVolume() {
 }
 
 void dieEverywhere(const std::string& elsewhere) {
-#ifdef __SANITIZE_THREAD__
-    GTEST_SKIP() << "the thread sanitizer ends a copy of the process that starts threads";
-#endif
     int points = 0;
     for (const Action action : {Action::dieBefore, Action::dieAfter}) {
         bool isComplete = false;
