@@ -7,24 +7,24 @@
 namespace velto {
 
 SystemMonitor::SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue)
-    : context_(std::move(context)), queue_(std::move(queue)) {
+    : context_(std::move(context)), ownedQueue_(std::move(queue)), queue_(*ownedQueue_) {
     observers.push_back(context_.activity.observe([this](bool active) { setAppActive(active); }));
 }
 
 SystemMonitor::~SystemMonitor() {
     observers.clear();
-    queue_.reset();  // first, while everything that its work uses is still there
+    ownedQueue_.reset();  // first, while everything that its work uses is still there
 }
 
 void SystemMonitor::watch(bool on) {
-    queue_->async([this, on] {
+    queue_.async([this, on] {
         wantsLive = on;
         startOrStop();
     });
 }
 
 void SystemMonitor::setAppActive(bool active) {
-    queue_->async([this, active] {
+    queue_.async([this, active] {
         appActive = active;
         startOrStop();
     });
@@ -37,7 +37,7 @@ void SystemMonitor::startOrStop() {
         timer.reset();
         return;
     }
-    timer = queue_->repeat(firstDeadline, period, [this] {
+    timer = queue_.repeat(firstDeadline, period, [this] {
         const sampling::Dictionary taken = sample();
         if (onSample) onSample(taken);
     });

@@ -83,7 +83,8 @@ public:
 
 private:
     MonitorContext context_;
-    std::unique_ptr<SerialQueue> queue_;
+    std::unique_ptr<SerialQueue> ownedQueue_;
+    SerialQueue& queue_;  // work that runs while the owner lets go still finds it
 
 public:
     // State, changed by the monitor alone.

@@ -39,6 +39,13 @@ std::int64_t zramIn(const std::string& sys) {
     return bytes;
 }
 
+/// A counter that the kernel may correct downwards by some ticks (of a hundredth of a second)
+/// stands still until it is caught up with. One that is far behind has begun anew.
+std::uint64_t steady(std::uint64_t before, std::uint64_t now) {
+    constexpr std::uint64_t largestCorrection = 1'000;
+    return now < before && before - now <= largestCorrection ? before : now;
+}
+
 }  // namespace
 
 std::optional<ProcessorTicks> LinuxSystemCounters::processorTicks() {
@@ -53,8 +60,8 @@ std::optional<ProcessorTicks> LinuxSystemCounters::processorTicks() {
     const std::uint64_t user = next(), nice = next(), system = next(), idle = next(),
                         waiting = next(), interrupts = next(), softInterrupts = next(),
                         stolen = next();
-    idle_ = std::max(idle_, idle);
-    waiting_ = std::max(waiting_, waiting);
+    idle_ = steady(idle_, idle);
+    waiting_ = steady(waiting_, waiting);
     processors_ = processorsIn(rest);
     return ProcessorTicks{.user = wrapped(user),
                           .system = wrapped(system + interrupts + softInterrupts + stolen),

@@ -11,16 +11,20 @@ namespace {
 
 /// The description of the power source that is there; nil without one.
 NSDictionary* presentSource() {
-    const id information = CFBridgingRelease(IOPSCopyPowerSourcesInfo());
-    if (information == nil) return nil;
-    const auto blob = (__bridge CFTypeRef)information;
-    NSArray* sources = CFBridgingRelease(IOPSCopyPowerSourcesList(blob));
+    const CFTypeRef information = IOPSCopyPowerSourcesInfo();
+    if (information == nullptr) return nil;
+    NSDictionary* present = nil;
+    NSArray* sources = CFBridgingRelease(IOPSCopyPowerSourcesList(information));
     for (id source in sources) {
-        NSDictionary* description =
-            (__bridge NSDictionary*)IOPSGetPowerSourceDescription(blob, (__bridge CFTypeRef)source);
-        if ([description[@kIOPSIsPresentKey] boolValue]) return description;
+        // Belongs to what `information` holds.
+        NSDictionary* description = (__bridge NSDictionary*)IOPSGetPowerSourceDescription(
+            information, (__bridge CFTypeRef)source);
+        if (![description[@kIOPSIsPresentKey] boolValue]) continue;
+        present = description;
+        break;
     }
-    return nil;
+    CFRelease(information);
+    return present;
 }
 
 std::optional<std::int64_t> numberIn(NSDictionary* description, NSString* key) {

@@ -1,5 +1,6 @@
 #import <Foundation/Foundation.h>
 
+#include <atomic>
 #include <cstdint>
 #include <utility>
 
@@ -27,7 +28,7 @@ private:
 
 /// Blocks hold this, so that the queue's end reaches those that have not begun.
 struct Gate {
-    bool isOpen = true;  // touched on the queue only
+    std::atomic<bool> isOpen = true;
 };
 
 class DispatchQueue final : public SerialQueue {
@@ -38,10 +39,10 @@ public:
                                                                      QOS_CLASS_UTILITY, 0))) {}
 
     ~DispatchQueue() override {
-        const auto gate = gate_;
-        dispatch_sync(queue_, ^{
-          gate->isOpen = false;
-        });
+        gate_->isOpen = false;
+        const dispatch_block_t nothing = ^{
+        };
+        dispatch_sync(queue_, nothing);  // waits for what runs
     }
     DispatchQueue(const DispatchQueue&) = delete;
     DispatchQueue& operator=(const DispatchQueue&) = delete;

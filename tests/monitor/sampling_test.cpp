@@ -165,7 +165,7 @@ TEST(Network, AnInterfaceThatIsUnpluggedShowsNoPeak) {
     EXPECT_EQ(net["iface"], "en1");
 }
 
-TEST(Network, WideCountersThatStartAnewShowNoPeak) {
+TEST(Network, AWideCounterThatLosesMoreThanAWrapShowsNoPeak) {
     EXPECT_EQ(bytesBetween(std::uint64_t{1} << 40, 5), 0u);
 }
 

@@ -16,7 +16,8 @@ struct MonitorThreads : testing::Test {
     SystemClock clock;
     ApplicationActivity activity;
 
-    std::unique_ptr<SystemMonitor> makeMonitor() {
+    std::unique_ptr<SystemMonitor> makeMonitor(
+        std::unique_ptr<SerialQueue> queue = makeSerialQueue(SystemMonitor::queueLabel)) {
         return std::make_unique<SystemMonitor>(MonitorContext{.counters = counters,
                                                               .processes = table,
                                                               .volumes = volumes,
@@ -24,7 +25,7 @@ struct MonitorThreads : testing::Test {
                                                               .activity = activity,
                                                               .startupVolume = "/",
                                                               .icon = {}},
-                                               makeSerialQueue(SystemMonitor::queueLabel));
+                                               std::move(queue));
     }
 };
 
@@ -64,6 +65,34 @@ TEST_F(MonitorThreads, TurningToAndFroFromTheMainThreadIsSafeWhileSamplesAreTake
     sampled.get_future().wait();
     for (int i = 0; i < 200; ++i)
         monitor->watch(i % 2 == 0);
+}
+
+/// Does at its end what a real queue may be doing at that moment.
+class QueueAtWork final : public SerialQueue {
+public:
+    explicit QueueAtWork(int& repeats) : repeats_(repeats) {}
+    ~QueueAtWork() override {
+        for (const Work& begun : work_)
+            begun();
+    }
+    void async(Work work) override { work_.push_back(std::move(work)); }
+    std::unique_ptr<Timer> repeat(double, double, Work) override {
+        ++repeats_;
+        return std::make_unique<Timer>();
+    }
+
+private:
+    int& repeats_;
+    std::vector<Work> work_;
+};
+
+TEST_F(MonitorThreads, WorkThatRunsAtTheEndStillFindsItsQueue) {
+    int repeats = 0;
+    auto monitor = makeMonitor(std::make_unique<QueueAtWork>(repeats));
+    activity.set(true);
+    monitor->watch(true);
+    monitor.reset();
+    EXPECT_EQ(repeats, 1);
 }
 
 }  // namespace

@@ -40,6 +40,7 @@ MainWindow::~MainWindow() {
     rememberFrame(window_, *context_.platform.defaults);
     g_signal_handlers_disconnect_by_data(webView_->view(), this);
     g_signal_handlers_disconnect_by_data(window_, this);
+    context_.app.delegate().applicationDidResignActive();  // nobody would tell later
     context_.app.windowClosed();
     webView_.reset();
     top_.reset();

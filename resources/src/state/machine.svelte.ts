@@ -23,7 +23,8 @@ class Machine {
   /** For as long as a view shows the machine; answers how to end it. */
   show(): () => void {
     this.shown = true;
-    if (this.age() > late) this.sample = null;
+    // What was paused is still what it was when it is looked at again.
+    if (!this.paused && this.age() > late) this.sample = null;
     const update = () => this.update();
     // The program goes on with samples across a reload, for whoever comes; this page is leaving.
     const leave = () => {

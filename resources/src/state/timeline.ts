@@ -2,7 +2,7 @@
 export const span = 120;
 
 /** Samples come every two seconds; after this many without one the line is broken. */
-const longestWait = 5;
+const longestWait = 3.75;
 
 export type Figures<Name extends string> = Record<Name, number | null>;
 

@@ -28,6 +28,12 @@ describe('the last two minutes', () => {
     expect(line.times).toEqual([10, 12, 15.5, 16.5, 40]);
   });
 
+  it('leaves a gap where one sample is missing', () => {
+    const line = timeline();
+    for (const time of [10, 12, 16]) line.add(time, { cpu: 7 });
+    expect(line.values.cpu).toEqual([7, 7, null, 7]);
+  });
+
   it('a figure that a sample lacks is a gap and no zero', () => {
     const line = timeline();
     line.add(1, { cpu: null });
@@ -93,6 +99,14 @@ describe('the heaviest applications', () => {
     expect(names(steady.take([group('b', 50, 1), group('c', 90, 1)], busiestFirst, compare, false)).slice(0, 1)).not.toEqual([]);
     const freed = steady.take([group('b', 50, 1), group('c', 90, 1)], busiestFirst, compare, false);
     expect(names(freed)).toEqual(['c', 'b']);
+  });
+
+  it('begin anew when they were not looked at for a while', () => {
+    const steady = new SteadyRows();
+    steady.take(two(9, 1), busiestFirst, compare, false);
+    steady.restart();
+    const rows = steady.take([group('c', 5, 1), group('d', 7, 1)], busiestFirst, compare, false);
+    expect(rows.map(({ name, gone }) => [name, gone])).toEqual([['d', false], ['c', false]]);
   });
 
   it('do not pile up while they are held', () => {

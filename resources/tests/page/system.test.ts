@@ -42,6 +42,20 @@ describe('live samples', () => {
     });
   });
 
+  it('that were paused can be continued, however long ago the view was left', async () => {
+    await withPage(async (opened) => {
+      await opened.page.clock.install();
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      await opened.page.getByRole('button', { name: 'Pause' }).click();
+      await opened.go('inicio');
+      await opened.page.clock.runFor(60_000);
+      await opened.go('sistema');
+      expect(await textOf(opened, 'Processor')).toContain('23%');
+      expect(await opened.during(() => opened.page.getByRole('button', { name: 'Continue' }).click())).toEqual([on]);
+    });
+  });
+
   it('that nobody asked for change nothing', async () => {
     await withPage(async (opened) => {
       await opened.tell('onSystem', someSample());
@@ -156,6 +170,21 @@ describe('the figures', () => {
 });
 
 describe('the heaviest applications', () => {
+  it('no longer stand still once the view was left with the pointer on them', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      await opened.page.locator('[data-key]').nth(1).hover();
+      const stillness = opened.page.getByText('The order stands still while you are in the list.');
+      expect(await stillness.isVisible()).toBe(true);
+      await opened.go('inicio');
+      await opened.page.mouse.move(0, 0);
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      expect(await stillness.count()).toBe(0);
+    });
+  });
+
   const groups = (first: number, second: number) => [group('Alfa', first, 300), group('Beta', second, 200)];
   const tell = (opened: OpenPage, first: number, second: number) =>
     opened.tell('onSystem', someSample({ procs: groups(first, second) }));

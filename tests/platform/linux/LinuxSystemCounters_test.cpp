@@ -49,6 +49,15 @@ TEST_F(LinuxCounters, IdleTimeThatTheKernelTakesBackIsNoWrapAround) {
     EXPECT_EQ(counters.processorTicks()->idle, 1065u);
 }
 
+TEST_F(LinuxCounters, IdleTimeThatBeginsAnewIsTakenAsItIs) {
+    proc("stat", "cpu  100 0 0 900000 50 0 0 0 0 0\n");
+    counters.processorTicks();
+    proc("stat", "cpu  110 0 0 5000 3 0 0 0 0 0\n");
+    EXPECT_EQ(counters.processorTicks()->idle, 5'050u);
+    proc("stat", "cpu  110 0 0 5100 4 0 0 0 0 0\n");
+    EXPECT_EQ(counters.processorTicks()->idle, 5'150u);
+}
+
 TEST_F(LinuxCounters, TheLoadIsThatOfOneMinute) {
     proc("loadavg", "1.25 0.80 0.44 2/345 6789\n");
     EXPECT_DOUBLE_EQ(counters.loadAverage(), 1.25);

@@ -21,6 +21,13 @@ class Processes {
     });
   }
 
+  /** The list goes from the screen, and with it whoever was in it. */
+  leave(): void {
+    this.pointed = false;
+    this.hasFocus = false;
+    this.steady.restart();
+  }
+
   sortBy(column: ProcessColumn): void {
     this.order = nextProcessOrder(this.order, column);
     this.rows = this.steady.sort(this.order, language.formats.compare);

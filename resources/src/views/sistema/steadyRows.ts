@@ -63,6 +63,12 @@ export class SteadyRows {
     return this.rows;
   }
 
+  /** Nobody was looking for a while: the next sample is the first one again. */
+  restart(): void {
+    this.rows = [];
+    this.samples = 0;
+  }
+
   /** The user chose another order: that counts at once. */
   sort(order: ProcessOrder, compare: Compare): ProcessRow[] {
     this.rows = sortRows(this.rows.filter(({ gone }) => !gone), order, compare);
