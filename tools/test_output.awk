@@ -21,7 +21,9 @@ END {
         if (line ~ /: Skipped$/) { getline reason < LOG }
         if (line ~ /^\[  SKIPPED \] .* \([0-9]+ ms\)$/) {
             split(line, words, " ")
-            print "  skipped: " suite ", " words[4] ": " reason
+            test = words[4]
+            sub(/^[^.]*/, "", test)
+            print "  skipped: " suite test ": " reason
         }
     }
     printf "%s", closing
