@@ -1,7 +1,6 @@
 // The trash: `bench_trash FOLDER ROUNDS`. Prints one line a round, in milliseconds: undoing an
 // operation of 1,000 files, undoing one of 10,000, loading a trash of 100,000 items, and parsing
 // that trash's manifest into a JSON value and no further. The folder is emptied before and after.
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -15,6 +14,7 @@
 #include "cleaning/VeltoTrashService.h"
 #include "platform/Clock.h"
 #include "platform/posix/PosixFileManager.h"
+#include "stopwatch.h"
 
 namespace {
 
@@ -24,14 +24,6 @@ class SilentLog final : public velto::Log {
 public:
     void line(std::string_view) override {}
 };
-
-template <typename Action>
-double milliseconds(Action action) {
-    const auto start = std::chrono::steady_clock::now();
-    action();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
-        .count();
-}
 
 class Bench {
 public:
@@ -50,7 +42,7 @@ public:
         }
         Trash trash(layout_);
         const velto::Operation operation = trash.service.moveToTrash(paths, "wind");
-        const double time = milliseconds([&] { trash.service.undoOperation(operation.id); });
+        const double time = velto::milliseconds([&] { trash.service.undoOperation(operation.id); });
         for (const std::string& path : paths) {
             if (!fs::remove(path)) throw std::runtime_error("not undone: " + path);
         }
@@ -86,7 +78,7 @@ public:
     double load(std::size_t expected) {
         Trash trash(layout_);
         std::size_t count = 0;
-        const double time = milliseconds([&] { count = trash.service.items().size(); });
+        const double time = velto::milliseconds([&] { count = trash.service.items().size(); });
         if (count != expected) throw std::runtime_error(fmt::format("loaded {} items", count));
         return time;
     }
@@ -94,7 +86,7 @@ public:
     double parse() {
         const std::string text = files_.read(manifestPath());
         nlohmann::json value;
-        return milliseconds([&] { value = nlohmann::json::parse(text); });
+        return velto::milliseconds([&] { value = nlohmann::json::parse(text); });
     }
 
 private:

@@ -1,6 +1,5 @@
 // The scanner and the bare floor in turn inside one process, so that nothing but the walks is
 // timed: `bench_in_process HOME RUNS`. Prints one line of milliseconds per run: scanner, floor.
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -12,19 +11,7 @@
 #include "linux/BenchPlatform.h"
 #include "linux/FloorWalk.h"
 #include "platform/parallel.h"
-
-namespace {
-
-template <typename Work>
-double milliseconds(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double, std::milli> taken =
-        std::chrono::steady_clock::now() - start;
-    return taken.count();
-}
-
-}  // namespace
+#include "stopwatch.h"
 
 int main(int count, char** arguments) try {
     if (count != 3) {
@@ -36,8 +23,9 @@ int main(int count, char** arguments) try {
     for (int run = std::atoi(arguments[2]); run > 0; --run) {
         velto::ScannerService scanner(*platform, permissions);
         velto::FloorWalk floor;
-        const double scan = milliseconds([&] { scanner.scan({}, velto::CancellationFlag(), {}); });
-        const double bare = milliseconds(
+        const double scan =
+            velto::milliseconds([&] { scanner.scan({}, velto::CancellationFlag(), {}); });
+        const double bare = velto::milliseconds(
             [&] { floor = velto::FloorWalk::run(platform->layout.home, velto::processorCount()); });
         if (floor.files != scanner.filesScanned || floor.bytes != scanner.bytesScanned) {
             fmt::print(stderr, "bench_in_process: the walks disagree\n");

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -18,18 +17,10 @@
 #include "platform/linux/GlibDispatcher.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxRunningApplications.h"
+#include "stopwatch.h"
 #include "uninstall/InstalledApps.h"
 
 namespace {
-
-template <typename Work>
-double milliseconds(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    const std::chrono::duration<double, std::milli> taken =
-        std::chrono::steady_clock::now() - start;
-    return taken.count();
-}
 
 /// Bytes read: open, read to the end, close, one file after another.
 std::size_t readAll(const std::vector<std::string>& paths) {
@@ -68,8 +59,8 @@ int main(int count, char** arguments) try {
     fmt::print("{}\n", paths.size());
     for (int run = std::atoi(arguments[2]); run > 0; --run) {
         std::size_t listed = 0, bytes = 0;
-        const double list = milliseconds([&] { listed = apps.listApps().size(); });
-        const double read = milliseconds([&] { bytes = readAll(paths); });
+        const double list = velto::milliseconds([&] { listed = apps.listApps().size(); });
+        const double read = velto::milliseconds([&] { bytes = readAll(paths); });
         if (listed != paths.size() || bytes == 0) {
             fmt::print(stderr, "bench_list_apps: {} applications, {} bytes\n", listed, bytes);
             return 1;
