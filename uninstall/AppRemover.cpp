@@ -62,8 +62,8 @@ AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
 
     report("stop", 3);
     result.closed = quitApp(entry);
-    report("stop", 16);
     unloadAgents(chosen);
+    report("stop", 16);
     report("stop", 20);
 
     removal_.sweep();
@@ -122,6 +122,7 @@ int AppRemover::quitApp(const AppEntry& entry) {
 
 void AppRemover::unloadAgents(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
+        if (removal_.isOwn(path)) continue;  // it stays, so it stays loaded
         if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
             unloadUserUnit(path);
         } else if (path.find("/LaunchAgents/") != std::string::npos ||

@@ -61,7 +61,7 @@ public:
     int quitApp(const AppEntry& entry);
 
     /// Unloads each launch agent and daemon among the paths that names itself. What cannot be read
-    /// or unloaded is skipped.
+    /// or unloaded is skipped, and so is this program's own.
     void unloadAgents(const std::vector<std::string>& paths);
 
 private:

@@ -2,17 +2,21 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
 #include "platform/HomeLayout.h"
 #include "platform/Platform.h"
 #include "uninstall/InstalledApps.h"
+#include "uninstall/removal_folder.h"
 
 namespace velto {
 
-/// An item that left its place but could not be deleted to the end.
+/// An item that left its place but could not be deleted to the end, or something else that left it
+/// and could not be put back.
 class UnfinishedRemoval : public FileError {
 public:
     UnfinishedRemoval(const FileError& reason, std::string rest)
@@ -27,7 +31,8 @@ private:
 /// Deletes items for good, each as a whole: it leaves its place in one step, and only then is what
 /// it holds deleted. Whatever happens in between, nobody finds half of it where it was; what a
 /// process that died has left is deleted by `sweep`. Nothing outside the home is deleted, nothing
-/// in a protected place, and nothing behind a link below the chosen path. Blocking; one thread at a
+/// in a protected place, nothing behind a link below the chosen path, and nothing that took an
+/// item's place meanwhile: that goes back, or is kept for good. Blocking; one thread at a
 /// time.
 class ItemRemoval {
 public:
@@ -40,6 +45,13 @@ public:
     /// for what the system refuses, UnfinishedRemoval when something is left of it.
     std::int64_t remove(const std::string& path) const;
 
+    /// What `remove` would delete; nothing when the rules refuse it or nothing is there.
+    std::optional<std::string> placeOf(const std::string& path) const;
+
+    /// True for what belongs to this program (its data, its maintenance agent or timer) or holds
+    /// some of it, by whatever path.
+    bool isOwn(const std::string& path) const;
+
     /// Finishes deletions that were cut off. What resists stays for the next time.
     void sweep() const;
 
@@ -50,14 +62,29 @@ private:
         FileAttributes attributes;
     };
 
+    /// An item that has left its place and waits to be deleted.
+    struct Aside {
+        const FolderHandle& folder;
+        std::string folderPath;
+        std::string name;
+        std::string identifier;
+        std::string record;  // the file that tells of it; empty when it needs none
+
+        std::string path() const { return folderPath + "/" + name; }
+    };
+
+    std::pair<std::string, Target> judged(const std::string& path) const;
     std::string resolved(const std::string& path) const;
     Target admit(const std::string& path) const;
+    bool isSame(const std::string& place, const FileAttributes& attributes) const;
+    bool isOwn(const std::string& path, const FileAttributes& attributes) const;
     bool isProtected(const std::string& path, const FileAttributes& attributes) const;
     void removeWhole(const Target& target, const std::string& path) const;
-    void removeAside(const FolderHandle& folder, const std::string& name, const Target& target,
-                     const std::string& rest) const;
+    bool isJudged(const Aside& aside, const Target& target) const;
+    void removeAside(const Aside& aside, const Target& target) const;
+    [[noreturn]] void giveBack(const Aside& aside, const Target& target) const;
     void forget(const std::string& record) const;
-    void sweepRecord(const std::string& name) const;
+    void sweepRecord(const RemovalFolder& staging, const std::string& name) const;
 
     const Platform& platform_;
     const InstalledApps& apps_;

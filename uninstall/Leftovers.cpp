@@ -6,6 +6,7 @@
 
 #include "platform/text.h"
 #include "platform/units.h"
+#include "uninstall/ItemRemoval.h"
 #include "uninstall/figures.h"
 
 namespace velto::Leftovers {
@@ -67,17 +68,27 @@ std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& e
     return candidates;
 }
 
+/// Where the size of an item lies. Removing a link deletes what it leads to, unless the rules keep
+/// that; then nothing but the link is meant, which takes up nothing.
+std::string measuredPath(const Platform& platform, const ItemRemoval& removal,
+                         const std::string& path) {
+    const auto attributes = platform.files->attributes(path);
+    if (!attributes || attributes->kind != FileKind::symbolicLink) return path;
+    return removal.placeOf(path).value_or(path);
+}
+
 /// Everything that exists, each path once, in the order of the candidates.
 std::vector<Item> verifiedItems(const Platform& platform, const InstalledApps& apps,
                                 const AppEntry& entry, const Progress& progress) {
     std::unordered_set<std::string> accepted{entry.path};
     std::vector<Item> items;
     std::vector<std::string> paths;
+    const ItemRemoval removal(platform, apps);
     for (const Candidate& candidate : allCandidates(platform, entry)) {
         for (Candidate& found : expand(*platform.files, candidate)) {
             if (accepted.contains(found.path) || !exists(*platform.files, found.path)) continue;
             accepted.insert(found.path);
-            paths.push_back(found.path);
+            paths.push_back(measuredPath(platform, removal, found.path));
             const std::string name(lastPathComponent(found.path));
             items.push_back({.id = "un-" + std::to_string(items.size() + 1),
                              .name = name,

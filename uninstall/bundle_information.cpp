@@ -12,6 +12,10 @@
 namespace velto {
 namespace {
 
+// A Mac's own bundles; those made for a telephone, inside the bundle that wraps them; shallow ones.
+constexpr std::array<std::string_view, 3> places{"/Contents/Info.plist",
+                                                 "/WrappedBundle/Info.plist", "/Info.plist"};
+
 constexpr std::int64_t mostBytes = 4 * 1024 * 1024;
 
 /// A file that may be a link, as some bundles have it.
@@ -45,7 +49,11 @@ std::optional<std::size_t> fill(FileContent& content, std::span<char> buffer) {
 std::optional<BundleInformation> readBundleInformation(const FileManager& files,
                                                        FileContentReader& contents,
                                                        const std::string& path) {
-    const auto content = open(files, contents, path + "/Contents/Info.plist");
+    std::unique_ptr<FileContent> content;
+    for (std::string_view place : places) {
+        content = open(files, contents, path + std::string(place));
+        if (content) break;
+    }
     if (!content) return std::nullopt;
     // Nearly all fit, and can be read at once: that such a text is whole shows in its end.
     std::array<char, 32 * 1024> usual;

@@ -36,9 +36,10 @@ inline constexpr std::array<
         {"CFBundleExecutable", &BundleInformation::executable},
     }};
 
-/// Reads "Contents/Info.plist" of the bundle at `path`; nothing when it is missing, damaged, or
-/// larger than any application's. Texts that are not UTF-8 lose their bad bytes. Safe from every
-/// thread; never throws.
+/// Reads "Contents/Info.plist" of the bundle at `path`, or where there is none
+/// "WrappedBundle/Info.plist" or "Info.plist"; nothing when all are missing, or when the first of
+/// them is damaged or larger than any application's. Texts that are not UTF-8 lose their bad bytes.
+/// Safe from every thread; never throws.
 std::optional<BundleInformation> readBundleInformation(const FileManager& files,
                                                        FileContentReader& contents,
                                                        const std::string& path);

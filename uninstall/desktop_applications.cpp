@@ -6,6 +6,7 @@
 #include "platform/DesktopEntry.h"
 #include "platform/text.h"
 #include "uninstall/removal_rules.h"
+#include "uninstall/words.h"
 
 namespace velto {
 namespace {
@@ -20,18 +21,29 @@ std::string stemOf(std::string_view fileName) {
 
 std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
+/// True for a folder that carries the program's name, alone or before a version or the like. A name
+/// that says little may be the name of a folder that holds much more.
+bool isNamedLike(std::string_view folder, std::string_view program, const Locale& locale) {
+    if (length(program) < 3 || isGenericInAnyCase(program)) return false;
+    const std::string folderName = locale.lowerCased(folder);
+    const std::string stem = locale.lowerCased(program);
+    if (!folderName.starts_with(stem)) return false;
+    return folderName.size() == stem.size() ||
+           std::string_view("-_. 0123456789").find(folderName[stem.size()]) !=
+               std::string_view::npos;
+}
+
 /// What of the home goes when the application goes: its own folder if the folder is named like it,
 /// else the program file alone.
 std::string removablePath(const Platform& platform, const DesktopEntryFile& file,
                           const std::string& executable) {
-    const std::string name = platform.locale->lowerCased(stemOf(lastPathComponent(executable)));
     if (file.origin != entryOrigin::user || lowerCaseExtension(executable) == "appimage") {
         return executable;
     }
     std::string folder = folderOf(executable);
     if (lastPathComponent(folder) == "bin") folder = folderOf(folder);
-    const std::string folderName = platform.locale->lowerCased(lastPathComponent(folder));
-    const bool isNamedLikeIt = folderName.find(name) != std::string::npos;
+    const bool isNamedLikeIt = isNamedLike(lastPathComponent(folder),
+                                           stemOf(lastPathComponent(executable)), *platform.locale);
     const bool isOwn = isSafeToRemove(folder, "", platform.layout);
     return isNamedLikeIt && isOwn ? folder : executable;
 }

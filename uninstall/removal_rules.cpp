@@ -112,9 +112,11 @@ bool isSafeToRemove(const std::string& path, const std::string& bundlePath,
 
 bool isProtectedPlace(const std::string& path, const HomeLayout& home) {
     const std::string wanted = standardizedPath(path);
-    if (wanted.empty() || isNeverRemoved(wanted, home) || isProtectedPath(wanted)) return true;
-    return home.kind == HomeLayout::Kind::freedesktop && isBelow(wanted, home.home) &&
-           isHiddenPlace(wanted, home) && !isInApplicationFolder(wanted, home);
+    if (wanted.empty()) return true;
+    if (!isAtOrBelow(wanted, home.home)) return false;
+    if (isNeverRemoved(wanted, home) || isProtectedPath(wanted)) return true;
+    return home.kind == HomeLayout::Kind::freedesktop && isHiddenPlace(wanted, home) &&
+           !isInApplicationFolder(wanted, home);
 }
 
 RemovalError removalError(const std::exception& error) {

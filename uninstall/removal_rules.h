@@ -26,8 +26,8 @@ std::string_view code(RemovalReason reason);
 /// applications and hidden places that no rule names are out of bounds as well.
 bool isSafeToRemove(const std::string& path, const std::string& bundlePath, const HomeLayout& home);
 
-/// True for what `isSafeToRemove` refuses because it is, or may lie in, a protected place; false
-/// when it is only out of reach.
+/// True for what `isSafeToRemove` refuses because it is, or may lie in, a protected place of the
+/// home; false for everything outside the home, which is out of reach whatever it is.
 bool isProtectedPlace(const std::string& path, const HomeLayout& home);
 
 /// An error as a system or a service states it.

@@ -112,6 +112,16 @@ bool isEntryName(std::string_view text) {
            text.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
 }
 
+bool isGenericInAnyCase(std::string_view text) {
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    const auto is = [&](std::string_view word) {
+        return std::ranges::equal(word, text, {}, lower, lower);
+    };
+    return std::ranges::any_of(genericFolderNames, is) || std::ranges::any_of(genericWords, is);
+}
+
 std::optional<std::string> nameKey(std::string_view name) {
     const std::string_view key = trimmed(name);
     if (length(key) < shortestKey || isGenericFolderName(key) || !isEntryName(key)) {

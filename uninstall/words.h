@@ -25,6 +25,8 @@ std::vector<std::string_view> namePieces(std::string_view name);
 bool isGenericFolderName(std::string_view name);
 /// A word that many applications carry in their names.
 bool isGenericWord(std::string_view word);
+/// Either of them in any mixture of large and small letters (ASCII).
+bool isGenericInAnyCase(std::string_view text);
 
 /// The name as a key: trimmed, at least three letters, no generic folder name. Nothing otherwise,
 /// and nothing for what cannot be the name of a file: it would lead elsewhere.

@@ -32,10 +32,6 @@ protected:
                                  });
     }
     bool isThere(const std::string& path) const { return machine.platform.files->exists(path); }
-    std::string agent(const std::string& path, const std::string& label) {
-        put(path, xmlPropertyList(textDictionary({{"Label", label}})));
-        return path;
-    }
 
     AppEntry entry;
     std::vector<std::pair<std::string, double>> steps;
@@ -142,6 +138,15 @@ TEST_F(AppRemoverTest, SharedAndProtectedFoldersStayAndAreReported) {
     EXPECT_TRUE(isThere(mail));
     EXPECT_TRUE(isThere(home.path("Documents/thesis.pages")));
     EXPECT_TRUE(isThere(paths[5]));
+}
+
+TEST_F(AppRemoverTest, WhatIsOutsideTheHomeIsOutOfReachEvenWhenItIsProtectedThere) {
+    for (const char* path : {"/Users/other/Library/Mail", "/Users/other/Pictures/a.photoslibrary/x",
+                             "/System/Library/x", "/Users/anaMail"}) {
+        const auto failures = uninstall({path}).failures;
+        ASSERT_EQ(failures.size(), 1u);
+        EXPECT_EQ(failures[0].reason, "admin") << path;
+    }
 }
 
 TEST_F(AppRemoverTest, AHomeThatCallsItselfAnApplicationIsNotDeleted) {
@@ -274,45 +279,6 @@ TEST_F(AppRemoverTest, TheProgramNeverQuitsItself) {
         {.bundleIdentifier = entry.bid, .executable = machine.platform.executablePath});
     EXPECT_EQ(remover.quitApp(entry), 0);
     EXPECT_FALSE(own.terminated);
-}
-
-// Agents
-
-TEST_F(AppRemoverTest, AgentsAndDaemonsAreUnloadedByTheirLabels) {
-    remover.unloadAgents({agent(home.path("Library/LaunchAgents/a.plist"), "com.example.agent"),
-                          agent(systemLibrary("LaunchDaemons/d.plist"), "com.example.daemon"),
-                          agent(systemLibrary("LaunchAgents/s.plist"), "com.example.shared"),
-                          agent(home.path("Library/Preferences/p.plist"), "com.example.nothing")});
-    EXPECT_THAT(
-        machine.tools.commands,
-        ElementsAre(ElementsAre("/bin/launchctl", "bootout", "gui/501/com.example.agent"),
-                    ElementsAre("/bin/launchctl", "bootout", "system/com.example.daemon"),
-                    ElementsAre("/bin/launchctl", "bootout", "gui/501/com.example.shared")));
-}
-
-TEST_F(AppRemoverTest, AnAgentWithoutALabelIsSkipped) {
-    put(home.path("Library/LaunchAgents/list.plist"),
-        xmlPropertyList({PropertyList::List{{"Label"}}}));
-    put(home.path("Library/LaunchAgents/number.plist"),
-        xmlPropertyList({PropertyList::Dictionary{{"Label", {std::int64_t{1}}}}}));
-    put(home.path("Library/LaunchAgents/damaged.plist"), "damaged");
-    remover.unloadAgents({home.path("Library/LaunchAgents/list.plist"),
-                          home.path("Library/LaunchAgents/number.plist"),
-                          home.path("Library/LaunchAgents/damaged.plist"),
-                          home.path("Library/LaunchAgents/missing.plist"),
-                          agent(home.path("Library/LaunchAgents/empty.plist"), "")});
-    EXPECT_THAT(machine.tools.commands, IsEmpty());
-}
-
-TEST_F(AppRemoverTest, OnlyPathsThatMayBeActedOnAreUnloaded) {
-    const std::string far = disk.path("elsewhere/LaunchAgents/a.plist");
-    agent(far, "com.example.far");
-    const std::string daemon = agent(systemLibrary("LaunchDaemons/d.plist"), "com.example.daemon");
-    machine.tools.result.started = false;  // a machine without the tool
-    const auto result = uninstall({far, daemon});
-    EXPECT_THAT(machine.tools.commands, testing::SizeIs(1));
-    EXPECT_THAT(result.failures,
-                ElementsAre(Failure{"a.plist", far, "admin"}, Failure{"d.plist", daemon, "admin"}));
 }
 
 }  // namespace

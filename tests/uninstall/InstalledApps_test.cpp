@@ -13,6 +13,19 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// Answers for another place with what lies below `root`.
+class MovedContents final : public FileContentReader {
+public:
+    explicit MovedContents(std::string root) : root_(std::move(root)) {}
+    std::unique_ptr<FileContent> open(const std::string& path) override {
+        return contents_->open(root_ + path);
+    }
+
+private:
+    std::string root_;
+    std::unique_ptr<FileContentReader> contents_ = makeFileContentReader();
+};
+
 class InstalledAppsTest : public testing::Test, protected UninstallWorld {
 protected:
     AppEntry listed(const std::string& path) {
@@ -105,6 +118,17 @@ TEST_F(InstalledAppsTest, WhatComesWithTheSystemIsMarked) {
     const std::string almost =
         bundle(userApplications(), "B.app", {{"CFBundleIdentifier", "com.applesauce"}});
     EXPECT_FALSE(apps.readApp(almost)->apple);
+}
+
+TEST_F(InstalledAppsTest, WhatLiesWithTheSystemIsMarkedWhateverItsIdentifier) {
+    machine.platform.contents = std::make_unique<MovedContents>(disk.path());
+    const Texts texts{{"CFBundleIdentifier", "com.example.foo"}};
+    bundle(disk.path("System/Applications"), "Foo.app", texts);
+    bundle(disk.path("Systematic/Applications"), "Foo.app", texts);
+    ASSERT_TRUE(apps.readApp("/System/Applications/Foo.app"));
+    EXPECT_TRUE(apps.readApp("/System/Applications/Foo.app")->apple);
+    ASSERT_TRUE(apps.readApp("/Systematic/Applications/Foo.app"));
+    EXPECT_FALSE(apps.readApp("/Systematic/Applications/Foo.app")->apple);
 }
 
 TEST_F(InstalledAppsTest, AnApplicationOfTheStoreIsMarked) {

@@ -10,12 +10,7 @@
 namespace velto {
 namespace {
 
-using Leftovers::Candidate;
-using Leftovers::Conf;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
 
 class LeftoversTest : public testing::Test, protected UninstallWorld {
 protected:
@@ -42,23 +37,10 @@ protected:
             paths.push_back(item["path"]);
         return paths;
     }
-    std::vector<std::string> found(const std::string& name, const std::string& root,
-                                   int limit = Leftovers::searchLimit) {
-        std::vector<std::string> paths;
-        for (const Candidate& candidate : Leftovers::searchByName(files, *machine.platform.locale,
-                                                                  name, {root}, "support", limit)) {
-            EXPECT_EQ(
-                candidate,
-                (Candidate{.path = candidate.path, .cat = "support", .conf = Conf::possible}));
-            paths.push_back(candidate.path);
-        }
-        return paths;
-    }
     std::string support() const { return home.path("Library/Application Support"); }
 
     std::string team;
     std::vector<std::string> progress;
-    WatchedFiles files{std::make_unique<PosixFileManager>()};
 };
 
 TEST_F(LeftoversTest, AnAnalysisHoldsTheApplicationAndAllThatExists) {
@@ -113,6 +95,37 @@ TEST_F(LeftoversTest, AnAnalysisHoldsTheApplicationAndAllThatExists) {
     EXPECT_EQ(analysis.size(), 15u);
 }
 
+TEST_F(LeftoversTest, AnApplicationSignedByNobodyHasNoTeamAndNoGroupContainers) {
+    AppEntry entry = entryOf("Foobar");
+    machine.tools.result.standardError = "Signature=adhoc\nTeamIdentifier=not set\n";
+    entry.team = apps.teamID(entry.path).value_or("");
+    for (const char* name :
+         {".com.example.foobar", "not set.com.example.foobar", ".other", "com.example.foobar"})
+        library("Group Containers/" + std::string(name) + "/x");
+    const auto analysis = analyzed(entry);
+    EXPECT_EQ(analysis["team"], "");
+    EXPECT_THAT(pathsOf(analysis), ElementsAre(entry.path));
+}
+
+TEST_F(LeftoversTest, ALinkIsMeasuredByWhatItsRemovalWouldDelete) {
+    const AppEntry entry = entryOf("Foobar");
+    home.file("Elsewhere/data/x", 2'000'000);
+    home.link("Library/Caches/com.example.foobar", home.path("Elsewhere/data"));
+    home.file("Pictures/photo.jpg", 3'000'000);
+    home.link("Library/Logs/com.example.foobar", home.path("Pictures"));
+    home.link("Library/WebKit/com.example.foobar", disk.path());
+    disk.file("x", 3'000'000);
+    // Inside of what is chosen a link is only a link.
+    home.link("Library/Application Support/com.example.foobar/link", home.path("Elsewhere/data"));
+    std::vector<std::pair<std::string, double>> sizes;
+    for (const auto& item : itemsOf(analyzed(entry)))
+        sizes.emplace_back(item["cat"], item["gb"]);
+    EXPECT_THAT(sizes,
+                testing::UnorderedElementsAre(std::pair("app", 0.0), std::pair("support", 0.0),
+                                              std::pair("caches", 0.002), std::pair("web", 0.0),
+                                              std::pair("logs", 0.0)));
+}
+
 TEST_F(LeftoversTest, ASizeThatIsKnownIsNotMeasuredAgain) {
     AppEntry entry = entryOf("Foobar");
     entry.gb = 1.23456;
@@ -154,9 +167,16 @@ TEST_F(LeftoversTest, CrashReportsOfThisProgramAreFoundAndNoOthers) {
 }
 
 TEST_F(LeftoversTest, TheThirteenthCrashReportIsNotListed) {
+    // Whatever the order in which the volume lists them, the thirteenth by name is meant.
     const AppEntry entry = entryOf("Foobar");
-    for (int day = 10; day < 25; ++day)
-        library("Logs/DiagnosticReports/Foobar_2024-05-" + std::to_string(day) + ".ips", "x");
+    std::vector<std::string> names;
+    for (int day = 24; day >= 10; --day) {
+        names.push_back("Foobar_2024-05-" + std::to_string(day) + ".ips");
+        library("Logs/DiagnosticReports/" + names.back(), "x");
+    }
+    auto listing = std::make_unique<WatchedFiles>(std::make_unique<PosixFileManager>());
+    listing->listingOf[home.path("Library/Logs/DiagnosticReports")] = names;
+    machine.platform.files = std::move(listing);
     const auto paths = pathsOf(analyzed(entry));
     EXPECT_EQ(paths.size(), 13u);
     EXPECT_EQ(paths.back(), home.path("Library/Logs/DiagnosticReports/Foobar_2024-05-21.ips"));
@@ -174,83 +194,6 @@ TEST_F(LeftoversTest, AnAnalysisWithoutALibraryIsStillOne) {
     EXPECT_EQ(analyzed(entry)["count"], 1);
 }
 
-// The search by name
-
-TEST_F(LeftoversTest, AFolderNamedLikeTheApplicationIsFound) {
-    library("Application Support/FOOBAR/x");
-    EXPECT_THAT(found("Foobar Pro", support()), ElementsAre(support() + "/FOOBAR"));
-}
-
-TEST_F(LeftoversTest, AFolderOneLevelDeeperIsFound) {
-    library("Application Support/Acme/Foobar/x");
-    library("Application Support/Acme/Inner/Foobar/x");
-    EXPECT_THAT(found("Foobar", support()), ElementsAre(support() + "/Acme/Foobar"));
-}
-
-TEST_F(LeftoversTest, OneLevelDeeperAFileCountsToo) {
-    library("Application Support/Acme/foobar");
-    library("Application Support/foobar", "a file at the top does not");
-    EXPECT_THAT(found("Foobar", support()), ElementsAre(support() + "/Acme/foobar"));
-}
-
-TEST_F(LeftoversTest, TheSecondWordsFolderIsSearchedAndNotTaken) {
-    library("Application Support/widgets/foobar/x");
-    library("Application Support/widgets/other/x");
-    EXPECT_THAT(found("Acme Widgets Foobar", support()),
-                ElementsAre(support() + "/widgets/foobar"));
-    library("Application Support/Studio/Foobar/x");
-    EXPECT_THAT(found("Acme Studio Foobar", support()), Contains(support() + "/Studio/Foobar"));
-}
-
-TEST_F(LeftoversTest, ANameWithoutTokensFindsNothingAndOpensNothing) {
-    library("Application Support/Foo/x");
-    EXPECT_THAT(found("Foo Pro", support()), IsEmpty());
-    EXPECT_THAT(files.looked(), IsEmpty());
-}
-
-TEST_F(LeftoversTest, TheFirstHiddenEntryEndsTheSearch) {
-    library("Application Support/foobar/x");
-    library("Application Support/acme/foobar/x");
-    library("Application Support/.DS_Store");
-    files.listingOf[support()] = {"acme", ".DS_Store", "foobar"};
-    EXPECT_THAT(found("Foobar", support()), ElementsAre(support() + "/acme/foobar"));
-    files.listingOf[support()] = {".DS_Store", "acme", "foobar"};
-    EXPECT_THAT(found("Foobar", support()), IsEmpty());
-    files.listingOf[support()] = {"acme", "foobar", ".DS_Store"};
-    EXPECT_THAT(found("Foobar", support()),
-                ElementsAre(support() + "/acme/foobar", support() + "/foobar"));
-}
-
-TEST_F(LeftoversTest, ThreeHundredOpenedFoldersEndTheSearch) {
-    std::vector<std::string> names;
-    for (int number = 0; number < 300; ++number) {
-        names.push_back("folder" + std::to_string(1000 + number));
-        home.folder("Library/Application Support/" + names.back());
-    }
-    library("Application Support/" + names.back() + "/foobar/x");
-    library("Application Support/last/foobar/x");
-    library("Application Support/foobar/x");
-    names.push_back("last");
-    names.push_back("foobar");
-    files.listingOf[support()] = names;
-    EXPECT_THAT(found("Foobar", support()), ElementsAre(support() + "/folder1299/foobar"));
-    EXPECT_THAT(found("Foobar", support(), 301),
-                ElementsAre(support() + "/folder1299/foobar", support() + "/last/foobar"));
-    // What is taken whole is not opened and does not count.
-    files.listingOf[support()] = {"foobar", "last"};
-    EXPECT_THAT(found("Foobar", support(), 1),
-                ElementsAre(support() + "/foobar", support() + "/last/foobar"));
-}
-
-TEST_F(LeftoversTest, UnreadableRootsAndFoldersContributeNothing) {
-    library("Application Support/acme/foobar/x");
-    library("Application Support/foobar/x");
-    files.listingOf[support()] = {"acme", "foobar"};
-    files.unlistable.insert(support() + "/acme");
-    EXPECT_THAT(found("Foobar", support()), ElementsAre(support() + "/foobar"));
-    EXPECT_THAT(found("Foobar", home.path("nothing")), IsEmpty());
-}
-
 TEST_F(LeftoversTest, AllThreeRootsAreSearched) {
     const AppEntry entry = entryOf("Foobar");
     const std::string paths[] = {library("Application Support/Acme/Foobar"),
@@ -263,41 +206,6 @@ TEST_F(LeftoversTest, AllThreeRootsAreSearched) {
         EXPECT_EQ(items[index + 1]["cat"], cats[index]);
         EXPECT_EQ(items[index + 1]["conf"], "possible");
     }
-}
-
-// Expansion
-
-TEST_F(LeftoversTest, APrefixStandsForTheFirstTwelveEntriesByName) {
-    for (char letter = 'o'; letter >= 'a'; --letter)
-        library(std::string("Logs/Foo_") + letter);
-    library("Logs/Foobar");
-    library("Logs/foo_a");
-    const Candidate candidate{.path = home.path("Library/Logs/Foo_"),
-                              .cat = "logs",
-                              .conf = Conf::possible,
-                              .prefix = true};
-    const auto expanded = Leftovers::expand(files, candidate);
-    ASSERT_EQ(expanded.size(), 12u);
-    EXPECT_EQ(expanded.front(),
-              (Candidate{
-                  .path = home.path("Library/Logs/Foo_a"), .cat = "logs", .conf = Conf::possible}));
-    EXPECT_EQ(expanded.back().path, home.path("Library/Logs/Foo_l"));
-    EXPECT_EQ(Leftovers::expand(files, candidate, 2).size(), 2u);
-}
-
-TEST_F(LeftoversTest, APlainCandidateIsItself) {
-    const Candidate candidate{.path = "/nothing", .cat = "logs", .admin = true};
-    EXPECT_THAT(Leftovers::expand(files, candidate), ElementsAre(candidate));
-}
-
-TEST_F(LeftoversTest, APrefixWithoutAFolderOrWithoutLettersStandsForNothing) {
-    for (const char* path : {"noslash", "/atroot", "", "/"}) {
-        EXPECT_THAT(Leftovers::expand(files, {.path = path, .prefix = true}), IsEmpty()) << path;
-    }
-    EXPECT_THAT(Leftovers::expand(files, {.path = home.path("Library/"), .prefix = true}),
-                IsEmpty());
-    EXPECT_THAT(Leftovers::expand(files, {.path = home.path("nothing/a"), .prefix = true}),
-                IsEmpty());
 }
 
 }  // namespace

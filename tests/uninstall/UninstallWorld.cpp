@@ -69,6 +69,11 @@ std::string UninstallWorld::systemLibrary(const std::string& below, const std::s
     return path;
 }
 
+std::string UninstallWorld::agent(const std::string& path, const std::string& label) {
+    put(path, xmlPropertyList(textDictionary({{"Label", label}})));
+    return path;
+}
+
 std::vector<std::string> UninstallWorld::listedNames() {
     std::vector<std::string> names;
     for (const AppEntry& entry : apps.listApps())

@@ -37,6 +37,8 @@ struct UninstallWorld {
     /// A file of the home's Library with some content, or of the system's.
     std::string library(const std::string& below, const std::string& content = "content");
     std::string systemLibrary(const std::string& below, const std::string& content = "content");
+    /// A launch agent or daemon of that label at an absolute path, which it returns.
+    std::string agent(const std::string& path, const std::string& label);
     void put(const std::string& path, const std::string& content);
 
     std::vector<std::string> listedNames();

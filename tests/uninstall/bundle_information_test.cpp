@@ -176,6 +176,39 @@ TEST_F(ReadAppTest, WhatIsNoFileIsNoPropertyList) {
     EXPECT_FALSE(apps.readApp(std::string("/a\0b", 4)));
 }
 
+TEST_F(ReadAppTest, ABundleOfAnotherShapeIsRead) {
+    const std::string bytes = xmlPropertyList(information());
+    const std::string shallow = home.folder("Applications/Shallow.app");
+    put(shallow + "/Info.plist", bytes);
+    ASSERT_TRUE(apps.readApp(shallow));
+    EXPECT_EQ(apps.readApp(shallow)->bid, "com.example.foobar");
+    // An application made for a telephone: a link inside leads to the bundle proper.
+    const std::string wrapped = home.folder("Applications/Wrapped.app");
+    put(wrapped + "/Wrapper/Foobar.app/Info.plist", bytes);
+    home.link("Applications/Wrapped.app/WrappedBundle", "Wrapper/Foobar.app");
+    ASSERT_TRUE(apps.readApp(wrapped));
+    EXPECT_EQ(apps.readApp(wrapped)->path, wrapped);
+}
+
+TEST_F(ReadAppTest, TheUsualPlaceOfThePropertyListComesFirst) {
+    const auto named = [](const std::string& bid) {
+        return xmlPropertyList(textDictionary({{"CFBundleIdentifier", bid}}));
+    };
+    const std::string path = home.folder("Applications/Foobar.app");
+    const auto identifier = [&] {
+        const auto entry = apps.readApp(path);
+        return entry ? entry->bid : "none";
+    };
+    put(path + "/Info.plist", named("com.example.top"));
+    EXPECT_EQ(identifier(), "com.example.top");
+    put(path + "/WrappedBundle/Info.plist", named("com.example.wrapped"));
+    EXPECT_EQ(identifier(), "com.example.wrapped");
+    put(path + "/Contents/Info.plist", named("com.example.usual"));
+    EXPECT_EQ(identifier(), "com.example.usual");
+    put(path + "/Contents/Info.plist", "damaged");
+    EXPECT_FALSE(apps.readApp(path)) << "damaged is not missing";
+}
+
 TEST_F(ReadAppTest, APropertyListBehindALinkInsideTheBundleIsRead) {
     const std::string path = home.folder("Applications/Foobar.app/Contents");
     put(path + "/Real.plist", xmlPropertyList(information()));

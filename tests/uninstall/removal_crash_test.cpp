@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "UninstallWorld.h"
+#include "platform/uuid.h"
 #include "support/tree_text.h"
 
 namespace velto {
@@ -157,14 +158,18 @@ TEST(RemovalFault, TheSameWhereTheRemovalFolderIsOnAnotherVolume) {
 TEST(RemovalSweep, ARecordThatNamesSomethingElseDeletesNothing) {
     RemovalWorld world;
     const std::string folder = world.machine.platform.layout.removalFolder;
-    world.put(folder + "/abc.path", world.home.path("Pictures/photo.jpg"));
-    world.put(folder + "/def.path", world.home.path("Pictures/.velto-removing-abc"));
-    world.put(world.home.path("Pictures/.velto-removing-abc"), "not of this record");
-    world.put(folder + "/ghi.path", "/tmp/.velto-removing-ghi");
+    const std::string one = newUUID(), two = newUUID(), three = newUUID();
+    const std::string far = world.disk.path(".velto-removing-" + three);
+    world.put(folder + "/" + one + ".path", world.home.path("Pictures/photo.jpg"));
+    world.put(folder + "/" + two + ".path", world.home.path("Pictures/.velto-removing-" + one));
+    world.put(world.home.path("Pictures/.velto-removing-" + one), "not of this record");
+    world.put(folder + "/" + three + ".path", far);
+    world.put(far, "outside the home");
     world.remover.uninstall(world.entry, {});
     EXPECT_TRUE(world.home.exists("Pictures/photo.jpg"));
-    EXPECT_TRUE(world.home.exists("Pictures/.velto-removing-abc"));
-    EXPECT_TRUE(fs::is_empty(folder));
+    EXPECT_TRUE(world.home.exists("Pictures/.velto-removing-" + one));
+    EXPECT_TRUE(fs::exists(far));
+    EXPECT_TRUE(fs::is_empty(folder)) << "the records themselves go";
 }
 
 TEST(RemovalFault, APathBehindAnErrorHasItsReason) {

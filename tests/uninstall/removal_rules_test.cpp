@@ -133,6 +133,17 @@ TEST(RemovalRules, OnALinuxHomeTheFoldersOfAllApplicationsStay) {
     EXPECT_FALSE(isProtectedPlace("/usr/bin/env", linuxHome));
 }
 
+TEST(RemovalRules, OutOfReachIsNotProtected) {
+    for (const char* path : {"/Users/other/Library/Mail", "/Users/anais/Library/Mail", "/System/x",
+                             "/Library", "/Applications"}) {
+        EXPECT_FALSE(isProtectedPlace(path, mac)) << path;
+    }
+    for (const char* path : {"/Users/ana", "/Users/ana/Library/Mail/x", "/Users/ana/Library"}) {
+        EXPECT_TRUE(isProtectedPlace(path, mac)) << path;
+    }
+    EXPECT_TRUE(isProtectedPlace("/private/var/ana/x", HomeLayout::macOS("/private/var/ana")));
+}
+
 // Classification
 
 TEST(RemovalRules, EveryErrorHasItsReason) {

@@ -93,6 +93,49 @@ TEST_F(DesktopTest, AFolderOfManyThingsIsNotTheApplication) {
     EXPECT_EQ(listed("Documents")->path, inDocuments);
 }
 
+TEST_F(DesktopTest, AFolderThatOnlyHoldsTheProgramsNameInItsOwnIsNotTheApplication) {
+    const char* const kept[] = {
+        "games/game",        "tools/bin/tool",    "work/k",    "work/wo",
+        "my-foobar/foobar",  "foobarista/foobar", "tool/tool", "Editor/editor",
+        "shared/bin/shared", "tools-2/tools",     "ab/ab",     "ab-1/ab",
+        "x/.appimage",       "projects/.sh"};
+    for (const char* path : kept) {
+        const std::string file = program(path);
+        userEntry("one", "One", file);
+        ASSERT_TRUE(listed("One")) << path;
+        EXPECT_EQ(listed("One")->path, file);
+    }
+    const std::pair<const char*, const char*> taken[] = {
+        {"apps/foobar/foobar", "apps/foobar"},
+        {"apps/Foobar_1/foobar", "apps/Foobar_1"},
+        {"apps/foobar.d/FOOBAR", "apps/foobar.d"},
+        {"apps/foobar 3/foobar", "apps/foobar 3"},
+        {"apps/foobar4/bin/foobar", "apps/foobar4"},
+        {"apps/foobar-5/foobar.sh", "apps/foobar-5"},
+        {"apps/abc/abc", "apps/abc"}};
+    for (const auto& [path, folder] : taken) {
+        userEntry("one", "One", "\"" + program(path) + "\"");
+        ASSERT_TRUE(listed("One")) << path;
+        EXPECT_EQ(listed("One")->path, home.path(folder));
+    }
+}
+
+TEST_F(DesktopTest, TheProgramsOwnTimerAndServiceStay) {
+    const std::string path = program("Applications/Foobar.AppImage");
+    userEntry("foobar", "Foobar", path);
+    const HomeLayout& layout = machine.platform.layout;
+    put(layout.agentFile, "[Timer]");
+    put(layout.agentService, "[Service]");
+    const auto failures =
+        remover.uninstall(*apps.readApp(path), {layout.agentFile, layout.agentService}).failures;
+    ASSERT_EQ(failures.size(), 2u);
+    EXPECT_EQ(failures[0].reason, "protected");
+    EXPECT_EQ(failures[1].reason, "protected");
+    EXPECT_THAT(machine.tools.commands, IsEmpty());
+    EXPECT_TRUE(machine.platform.files->exists(layout.agentFile));
+    EXPECT_TRUE(machine.platform.files->exists(layout.agentService));
+}
+
 TEST_F(DesktopTest, WhatBelongsToTheSystemsPackagesIsMarked) {
     systemEntry("sleeper", "Sleeper", "/bin/sleep 1");
     const auto found = listed("Sleeper");
