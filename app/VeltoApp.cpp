@@ -37,7 +37,8 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                                                        .exclusions = ExclusionService::shared(),
                                                        .shell = *shell_,
                                                        .usage = AppUsage::shared(),
-                                                       .cleanups = cleanups_});
+                                                       .cleanups = cleanups_,
+                                                       .uninstalls = uninstalls_});
     bridge_->attach(webView);
 }
 

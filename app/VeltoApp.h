@@ -7,6 +7,7 @@
 
 #include "app/AppDelegate.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/UninstallGate.h"
 #include "platform/ApplicationShell.h"
 #include "platform/Platform.h"
 #include "platform/WebView.h"
@@ -61,6 +62,7 @@ private:
     AppLanguage language_;
     AppDelegate delegate_;
     CleanupQueue cleanups_;
+    UninstallGate uninstalls_;
     ApplicationShell* shell_ = nullptr;
     std::shared_ptr<JSBridge> bridge_;
 };

@@ -1,12 +1,16 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "analysis/post_processing.h"
+#include "bridge/CleanupQueue.h"
 #include "cleaning/HistoryRecords.h"
 #include "cleaning/TrashRecords.h"
+#include "platform/Platform.h"
 
 namespace velto {
 
@@ -25,5 +29,11 @@ struct CleanupOutcome {
     std::vector<HistoryEntry> history;
     VolumeFigures volume;
 };
+
+/// Does the work and finds what follows from it; an exception of the work is the outcome's failure.
+/// For an item of the process's CleanupQueue.
+std::shared_ptr<const CleanupOutcome> carryOut(
+    const Platform& platform, CleanupServices& services,
+    const std::function<void(CleanupServices&, CleanupOutcome&)>& work);
 
 }  // namespace velto

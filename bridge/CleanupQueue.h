@@ -19,7 +19,7 @@ struct CleanupServices {
 
 /// One queue for all work on those services: one work item at a time touches them, in the order in
 /// which the work was asked for. There is one for the process, so that a window that was closed and
-/// one that is opened meanwhile never work on them at the same time.
+/// one that is opened meanwhile never work on them at the same time. A copy is the same queue.
 class CleanupQueue {
 public:
     /// The dispatcher and the services outlive the work; the queue itself need not.

@@ -26,12 +26,14 @@ JSBridge::JSBridge(const BridgeContext& context)
       language_(context.language),
       exclusions_(context.exclusions),
       shell_(context.shell),
+      usage_(context.usage),
       permissions_(context.platform),
       scheduler_(context.platform),
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
       apps_(std::make_shared<AppsWork>(context.platform, context.usage)),
-      cleanups_(context.cleanups) {
+      cleanups_(context.cleanups),
+      uninstalls_(context.uninstalls) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {

@@ -15,6 +15,7 @@
 #include "analysis/ScannerService.h"
 #include "bridge/AnalysisLists.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/UninstallGate.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
 #include "maintenance/MaintenanceScheduler.h"
@@ -38,6 +39,7 @@ struct BridgeContext {
     ApplicationShell& shell;
     AppUsage& usage;
     CleanupQueue& cleanups;
+    UninstallGate& uninstalls;
 };
 
 struct CleanupOutcome;
@@ -94,7 +96,7 @@ public:
     bool pendingAccessRescan = false;             // analyse again when the running one ends
     std::optional<BootState> bootState;           // the current analysis; none before the first one
     bool needsFirstScan = false;
-    bool uninstallRunning = false;      // one at a time
+    bool uninstallRunning = false;      // this window's; the gate knows of others'
     bool appsMeasuring = false;         // the sizes that follow the list
     bool maintenanceMeasuring = false;  // what the rules would move is being measured
 
@@ -118,9 +120,9 @@ private:
     void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
-    void onAppsList(const Payload& payload);  // these three: apps_intents.cpp
+    void onAppsList(const Payload& payload);  // these two: apps_intents.cpp
     void onAppAnalysis(const Payload& payload);
-    void onUninstall(const Payload& payload);
+    void onUninstall(const Payload& payload);  // uninstall_intent.cpp
     void onMaintenanceStatus(const Payload& payload);
     void onMeasureMaintenance(const Payload& payload);
     void onDeleteFiles(const Payload& payload);
@@ -171,7 +173,10 @@ private:
 
     // Applications (apps_intents.cpp).
     void measureApps(const std::vector<std::string>& paths);
-    void recordUninstall(const UninstallRecord& record);
+
+    // Uninstalling (uninstall_intent.cpp); goes on without the bridge.
+    static void recordUninstall(const Platform& platform, CleanupQueue& cleanups,
+                                const std::weak_ptr<JSBridge>& weak, const UninstallRecord& record);
 
     // Reset (reset.cpp).
     void forgetLocalData();
@@ -188,6 +193,7 @@ private:
     AppLanguage& language_;
     ExclusionService& exclusions_;
     ApplicationShell& shell_;
+    AppUsage& usage_;
     PermissionService permissions_;
     MaintenanceScheduler scheduler_;
     ScanCache cache_;
@@ -198,6 +204,7 @@ private:
     std::weak_ptr<WebView> webView_;
 
     CleanupQueue& cleanups_;
+    UninstallGate& uninstalls_;
     AnalysisLists lists_;
     AnalysisLists::Mark analysisBegun_ = 0;
     std::map<std::string, double> cleanableSizes_;  // GB by path, of the last answer to the page

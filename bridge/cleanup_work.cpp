@@ -43,24 +43,31 @@ void noteMoves(const std::vector<TrashItem>& before, const std::vector<TrashItem
 
 }  // namespace
 
+std::shared_ptr<const CleanupOutcome> carryOut(
+    const Platform& platform, CleanupServices& services,
+    const std::function<void(CleanupServices&, CleanupOutcome&)>& work) {
+    auto outcome = std::make_shared<CleanupOutcome>();
+    const std::vector<TrashItem> before = services.trash.items();
+    const std::vector<TrashItem> homeless = withFreePlace(before, *platform.files);
+    try {
+        work(services, *outcome);
+    } catch (const std::exception& error) {
+        outcome->hasActed = false;
+        outcome->failure = error.what();
+    }
+    outcome->trash = services.trash.items();
+    outcome->history = services.history.entries();
+    outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
+    noteMoves(before, homeless, *outcome, *platform.files);
+    return outcome;
+}
+
 void JSBridge::runCleanup(CleanupWork work, CleanupReport report) {
-    Platform& platform = platform_;
+    const Platform& platform = platform_;
     cleanups_.run([&platform, weak = weak_from_this(), work = std::move(work),
                    report = std::move(report)](CleanupServices& services) {
         if (weak.expired()) return;
-        const auto outcome = std::make_shared<CleanupOutcome>();
-        const std::vector<TrashItem> before = services.trash.items();
-        const std::vector<TrashItem> homeless = withFreePlace(before, *platform.files);
-        try {
-            work(services, *outcome);
-        } catch (const std::exception& error) {
-            outcome->hasActed = false;
-            outcome->failure = error.what();
-        }
-        outcome->trash = services.trash.items();
-        outcome->history = services.history.entries();
-        outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
-        noteMoves(before, homeless, *outcome, *platform.files);
+        const auto outcome = carryOut(platform, services, work);
         platform.dispatcher->main([weak, outcome, report] {
             if (const auto bridge = weak.lock()) bridge->finishCleanup(*outcome, report);
         });

@@ -28,15 +28,21 @@ std::optional<std::string> stringMember(const Payload& payload, const char* key)
     return value->get<std::string>();
 }
 
-std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key) {
+std::optional<std::vector<std::string>> stringsMember(const Payload& payload, const char* key) {
     const json* value = member(payload, key);
-    if (value == nullptr || !value->is_array() || value->empty()) return std::nullopt;
-    std::vector<std::string> paths;
-    paths.reserve(value->size());
+    if (value == nullptr || !value->is_array()) return std::nullopt;
+    std::vector<std::string> strings;
+    strings.reserve(value->size());
     for (const json& element : *value) {
         if (!element.is_string()) return std::nullopt;
-        paths.push_back(element.get<std::string>());
+        strings.push_back(element.get<std::string>());
     }
+    return strings;
+}
+
+std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key) {
+    auto paths = stringsMember(payload, key);
+    if (paths && paths->empty()) return std::nullopt;
     return paths;
 }
 

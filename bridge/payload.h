@@ -26,7 +26,10 @@ const nlohmann::json* member(const Payload& payload, const char* key);
 
 std::optional<std::string> stringMember(const Payload& payload, const char* key);
 
-/// A list of strings and nothing else; an empty list gives nothing.
+/// A list of strings and nothing else; it may be empty.
+std::optional<std::vector<std::string>> stringsMember(const Payload& payload, const char* key);
+
+/// The same, but an empty list gives nothing.
 std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key);
 
 /// A boolean, or a number (0 is false). Nothing when absent or something else.

@@ -25,7 +25,9 @@ void JSBridge::onResetVelto(const Payload&) {
     Platform& platform = platform_;
     ++resetsAhead_;
     runCleanup(
-        [&platform](CleanupServices& services, CleanupOutcome&) {
+        [&platform, &usage = usage_](CleanupServices& services, CleanupOutcome&) {
+            // Before its file goes: a use noted in between is written without the older ones.
+            usage.forget();
             resetLocalData(platform);
             services.history.forget();
         },

@@ -1,6 +1,6 @@
 #include "uninstall/AppUsage.h"
 
-#include <algorithm>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -19,8 +19,10 @@ constexpr const char* fileName = "/app-usage.json";
 AppUsage::AppUsage(Platform& platform) : platform_(platform) { load(); }
 
 AppUsage& AppUsage::shared() {
-    static AppUsage instance(processPlatform());
-    return instance;
+    // Lives for ever: work on the global queue may use it while the process ends, when the
+    // destructors of static objects have run already.
+    static AppUsage* const instance = std::make_unique<AppUsage>(processPlatform()).release();
+    return *instance;
 }
 
 void AppUsage::start() {
@@ -65,6 +67,11 @@ void AppUsage::record(const std::string& bundleID, double time) {
 std::map<std::string, double> AppUsage::launches() const {
     const std::lock_guard guard(lock_);
     return launches_;
+}
+
+void AppUsage::forget() {
+    const std::lock_guard guard(lock_);
+    launches_.clear();
 }
 
 void AppUsage::knowExecutables(std::map<std::string, std::string> identifiers) {

@@ -17,7 +17,7 @@ public:
     /// object.
     explicit AppUsage(Platform& platform);
 
-    /// The process's instance, made at first use from the process's platform.
+    /// The process's instance, made at first use from the process's platform. Never destroyed.
     static AppUsage& shared();
 
     /// Records what runs now and, from now on, every application that is started or activated, when
@@ -32,6 +32,9 @@ public:
 
     /// The latest use seen, seconds since 1970, by bundle identifier.
     std::map<std::string, double> launches() const;
+
+    /// Forgets every use; the file is for whoever resets the data folder to remove.
+    void forget();
 
     /// On a home without bundles: which programs are which applications, by the executable's path.
     void knowExecutables(std::map<std::string, std::string> identifiers);

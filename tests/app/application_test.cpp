@@ -121,5 +121,22 @@ TEST_F(ApplicationTest, AWindowOpenedAgainGetsABridgeOfItsOwn) {
     EXPECT_TRUE(page->calls("setState").empty());
 }
 
+TEST_F(ApplicationTest, AWindowOpenedAgainStartsNoUninstallBesideTheOneOfTheFirst) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    const nlohmann::json message{
+        {"type", "uninstall"},
+        {"payload", {{"path", "/Applications/Gone.app"}, {"paths", nlohmann::json::array()}}}};
+    page->post(message);
+    EXPECT_TRUE(page->calls("toast").empty());
+    app.windowClosed();
+    const auto second = std::make_shared<FakeWebView>();
+    app.windowOpened(second);
+    second->post(message);
+    ASSERT_EQ(second->calls("toast").size(), 1u);
+    EXPECT_THAT(second->calls("toast").front(), testing::HasSubstr("is already running"));
+}
+
 }  // namespace
 }  // namespace velto

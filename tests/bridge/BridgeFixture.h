@@ -22,6 +22,7 @@ struct BridgeFixture : testing::Test {
     CloudFolder cloud{*machine.platform.files, *machine.platform.mover, machine.log,
                       machine.platform.layout};
     std::unique_ptr<CleanupQueue> cleanups;
+    UninstallGate uninstalls;
     AppUsage usage{machine.platform};
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
@@ -46,7 +47,8 @@ struct BridgeFixture : testing::Test {
                                                           .exclusions = exclusions,
                                                           .shell = shell,
                                                           .usage = usage,
-                                                          .cleanups = *cleanups});
+                                                          .cleanups = *cleanups,
+                                                          .uninstalls = uninstalls});
         bridge->attach(page);
     }
 

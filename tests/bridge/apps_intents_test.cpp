@@ -1,10 +1,7 @@
-#include <gmock/gmock.h>
-
-#include <filesystem>
-
-#include "BridgeFixture.h"
+#include "bridge/AppsFixture.h"
 #include "bridge/app_events.h"
-#include "support/made_property_list.h"
+#include "support/WatchedFiles.h"
+#include "support/system_platform.h"
 
 namespace velto {
 namespace {
@@ -13,29 +10,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class AppsIntentsTest : public BridgeFixture {
-protected:
-    void SetUp() override {
-        machine.platform.layout.setSystemRoot(machine.home.path("machine"));
-        machine.platform.layout.neverRemovedBelow.clear();  // made homes may lie in such a folder
-        open();
-    }
-    std::string application(const std::string& name, const std::string& identifier) {
-        machine.home.text("Applications/" + name + ".app/Contents/Info.plist",
-                          xmlPropertyList(textDictionary({{"CFBundleIdentifier", identifier}})));
-        machine.home.file("Applications/" + name + ".app/Contents/MacOS/program", 2'000'000);
-        return machine.home.path("Applications/" + name + ".app");
-    }
-    /// The arguments of each call.
-    std::vector<std::string> calls(const std::string& callback) const {
-        std::vector<std::string> arguments;
-        for (const std::string& script : page->calls(callback)) {
-            const std::size_t start = script.find('(') + 1;
-            arguments.push_back(script.substr(start, script.size() - start - 2));
-        }
-        return arguments;
-    }
-};
+using AppsIntentsTest = AppsFixture;
 
 TEST_F(AppsIntentsTest, TheListComesFirstAndTheSizesAfterIt) {
     const std::string foo = application("Foo", "com.example.foo");
@@ -115,71 +90,6 @@ TEST_F(AppsIntentsTest, AnApplicationThatIsGoneCannotBeAnalysed) {
     EXPECT_THAT(page->scripts.back(), HasSubstr("\"No se pudo analizar\""));
 }
 
-TEST_F(AppsIntentsTest, AnUninstallReportsItsStagesAndItsResult) {
-    const std::string foo = application("Foo", "com.example.foo");
-    post("uninstall", {{"path", foo}, {"paths", {foo}}, {"sizes", {{foo, 0.002}}}});
-    EXPECT_TRUE(bridge->uninstallRunning);
-    machine.dispatcher.runAll();
-    EXPECT_THAT(calls("onUninstallProgress"),
-                ElementsAre("\"stop\", 3.0", "\"stop\", 16.0", "\"stop\", 20.0", "\"files\", 40.0",
-                            "\"files\", 40.0, \"Foo.app\"", "\"clean\", 92.0", "\"done\", 100.0"));
-    EXPECT_EQ(nlohmann::json::parse(calls("onUninstallResult").front()),
-              nlohmann::json({{"name", "Foo"},
-                              {"removed", 1},
-                              {"freed", 0.002},
-                              {"closed", 0},
-                              {"failures", nlohmann::json::array()}}));
-    EXPECT_FALSE(bridge->uninstallRunning);
-    EXPECT_FALSE(machine.home.exists("Applications/Foo.app"));
-    ASSERT_EQ(history.entries().size(), 1u);
-    EXPECT_EQ(history.entries().front().kind, "uninstall");
-    EXPECT_EQ(history.entries().front().gb, 0.002);
-    EXPECT_EQ(history.entries().front().items,
-              (std::vector<HistoryItem>{{.name = "Foo.app", .gb = 0.002}}));
-}
-
-TEST_F(AppsIntentsTest, AnUninstallThatRemovedNothingIsNoHistory) {
-    const std::string foo = application("Foo", "com.example.foo");
-    post("uninstall", {{"path", foo}, {"paths", {machine.home.path("Library/Caches/nothing")}}});
-    machine.dispatcher.runAll();
-    EXPECT_EQ(count("onUninstallResult"), 1u);
-    EXPECT_THAT(history.entries(), IsEmpty());
-}
-
-TEST_F(AppsIntentsTest, TheHistoryHoldsWhatWasDeletedAndNotItsNamesakeThatStayed) {
-    const std::string foo = application("Foo", "com.example.foo");
-    const std::string cache = machine.home.folder("Library/Caches/com.example.foo");
-    const std::string agent = machine.home.path("Library/LaunchAgents/com.example.foo");
-    machine.home.link("Library/LaunchAgents/com.example.foo", "/usr");
-    const std::string before = machine.home.path("Library/Logs/com.example.foo");
-    post("uninstall",
-         {{"path", foo}, {"paths", {agent, before, cache}}, {"sizes", {{cache, 0.5}}}});
-    machine.dispatcher.runAll();
-    ASSERT_EQ(history.entries().size(), 1u);
-    EXPECT_EQ(history.entries().front().items,
-              (std::vector<HistoryItem>{{.name = "com.example.foo", .gb = 0.5}}));
-    EXPECT_TRUE(std::filesystem::is_symlink(agent));
-}
-
-TEST_F(AppsIntentsTest, ASecondUninstallOnlyShowsThatOneIsRunning) {
-    const std::string foo = application("Foo", "com.example.foo");
-    const nlohmann::json payload{{"path", foo}, {"paths", {foo}}};
-    post("uninstall", payload);
-    const std::size_t waiting = machine.dispatcher.waitingGlobal();
-    post("uninstall", payload);
-    EXPECT_EQ(machine.dispatcher.waitingGlobal(), waiting);
-    EXPECT_THAT(page->scripts.back(),
-                HasSubstr("\"An uninstall is already running\", \"Wait for it to finish.\""));
-    language.setCode("es");
-    post("uninstall", payload);
-    EXPECT_THAT(page->scripts.back(),
-                HasSubstr("\"Ya hay una desinstalación en marcha\", \"Espera a que termine.\""));
-    machine.dispatcher.runAll();
-    post("uninstall", payload);
-    machine.dispatcher.runAll();
-    EXPECT_EQ(count("onUninstallResult"), 2u);
-}
-
 TEST_F(AppsIntentsTest, WhatIsNoRequestDoesNothing) {
     for (const char* type : {"appAnalysis", "uninstall"}) {
         post(type);
@@ -187,7 +97,6 @@ TEST_F(AppsIntentsTest, WhatIsNoRequestDoesNothing) {
         post(type, nlohmann::json::object());
         post(type, {{"path", 7}, {"paths", {"/x"}}});
     }
-    post("uninstall", {{"path", "/x"}, {"paths", nlohmann::json::array()}});
     post("uninstall", {{"path", "/x"}, {"paths", {7}}});
     EXPECT_EQ(machine.dispatcher.waitingGlobal(), 0u);
     EXPECT_FALSE(bridge->uninstallRunning);
@@ -199,6 +108,32 @@ TEST_F(AppsIntentsTest, WorkThatOutlivesTheBridgeSendsNothing) {
     bridge.reset();
     machine.dispatcher.runAll();
     EXPECT_EQ(count("onApps"), 0u);
+}
+
+TEST_F(AppsIntentsTest, SizesAreNotMeasuredForAWindowThatWasClosed) {
+    application("Foo", "com.example.foo");
+    post("appsList");
+    machine.dispatcher.runGlobal();
+    machine.dispatcher.runMain();
+    ASSERT_TRUE(bridge->appsMeasuring);
+    bridge.reset();
+    auto watching = std::make_unique<WatchedFiles>(systemFileManager());
+    const WatchedFiles& watched = *watching;
+    // The services keep the file manager that they were made with.
+    const std::unique_ptr<FileManager> before =
+        std::exchange(machine.platform.files, std::move(watching));
+    machine.dispatcher.runAll();
+    EXPECT_THAT(watched.looked(), IsEmpty());
+    EXPECT_EQ(count("onAppSizes"), 0u);
+}
+
+TEST_F(AppsIntentsTest, NoApplicationIsLookedAtForAWindowThatWasClosed) {
+    const std::string foo = application("Foo", "com.example.foo");
+    post("appAnalysis", {{"path", foo}});
+    bridge.reset();
+    machine.dispatcher.runAll();
+    EXPECT_THAT(machine.tools.commands, IsEmpty()) << "the signature was read";
+    EXPECT_EQ(count("onAppAnalysis"), 0u);
 }
 
 TEST(AppEvents, ANameOfAnyKindIsNoScript) {

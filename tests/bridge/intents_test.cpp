@@ -135,6 +135,15 @@ TEST_F(Intents, AMessageAfterTheBridgeIsGoneIsIgnored) {
     EXPECT_TRUE(page->scripts.empty());
 }
 
+TEST_F(Intents, AfterAResetNoOlderUseOfAnApplicationIsWrittenDownAgain) {
+    usage.record("com.example.old", 1'600'000'000);
+    post("resetVelto");
+    machine.dispatcher.runAll();
+    usage.record("com.example.new", 1'700'000'000);
+    EXPECT_THAT(AppUsage(machine.platform).launches(),
+                testing::ElementsAre(testing::Pair("com.example.new", 1'700'000'000)));
+}
+
 TEST_F(Intents, ResetTakesTheAgentAndAllLocalDataAway) {
     machine.home.text("Library/LaunchAgents/app.velto.maintenance.plist", "x");
     post("addExclusion", "/h/Music");

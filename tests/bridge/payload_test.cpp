@@ -24,6 +24,17 @@ TEST(PayloadConversions, AListOfPathsHoldsStringsAndAtLeastOne) {
     EXPECT_FALSE(payload::pathsMember(json("x"), "paths"));
 }
 
+TEST(PayloadConversions, AListOfStringsMayBeEmpty) {
+    const auto strings = [](json list) {
+        return payload::stringsMember(json{{"paths", list}}, "paths");
+    };
+    EXPECT_EQ(strings({"a", "b"}), (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(strings(json::array()), std::vector<std::string>());
+    EXPECT_FALSE(strings({"a", 1}));
+    EXPECT_FALSE(strings("a"));
+    EXPECT_FALSE(payload::stringsMember(json::object(), "paths"));
+}
+
 TEST(PayloadConversions, NumbersCountAsSwitches) {
     const auto on = [](json value) { return payload::boolMember(json{{"on", value}}, "on"); };
     EXPECT_EQ(on(true), true);

@@ -1,4 +1,4 @@
-#include "bridge/BridgeFixture.h"
+#include "bridge/AppsFixture.h"
 #include "support/ThreadDispatcher.h"
 
 namespace velto {
@@ -96,6 +96,65 @@ TEST_F(Threads, AWindowClosedInTheMiddleOfACleanupLosesNothing) {
     }
     EXPECT_EQ(trash.items().size() + static_cast<std::size_t>(left), 10u);
     EXPECT_EQ(history.entries().size(), trash.operations().size());
+}
+
+/// The same with applications; the queues of `AppsFixture` are real here too.
+struct AppThreads : AppsFixture {
+    ThreadDispatcher& threads = install<ThreadDispatcher>(machine.platform.dispatcher);
+
+    std::vector<std::string> applications(int count) {
+        std::vector<std::string> paths;
+        for (int number = 0; number < count; ++number) {
+            const std::string name = std::to_string(number);
+            paths.push_back(application("App" + name, "com.example.app" + name));
+            machine.home.text("Library/Caches/com.example.app" + name, "cache");
+        }
+        return paths;
+    }
+};
+
+TEST_F(AppThreads, ApplicationsAreListedAnalysedAndRemovedWhileTheyAreUsed) {
+    const std::vector<std::string> paths = applications(10);
+    const std::string kept = application("Kept", "com.example.kept");
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        post("appsList");
+        post("appAnalysis", {{"path", kept}});
+        post("uninstall", {{"path", paths[index]}, {"paths", {paths[index]}}});
+        post("uninstall", {{"path", paths[index]}, {"paths", {paths[index]}}});  // refused
+        bridge->refreshTrash();
+        usage.record("com.example.app0", 1'600'000'000 + static_cast<double>(index));
+        threads.runMainUntil([&] {
+            return count("onUninstallResult") == index + 1 && count("onApps") == index + 1 &&
+                   count("onAppAnalysis") == index + 1 && !bridge->appsMeasuring;
+        });
+    }
+    post("resetVelto");
+    post("appsList");
+    usage.record("com.example.app0", 1'700'000'000);
+    threads.join();
+    EXPECT_EQ(count("onUninstallResult"), paths.size());
+    for (std::size_t index = 0; index < paths.size(); ++index)
+        EXPECT_FALSE(machine.platform.files->exists(paths[index])) << paths[index];
+}
+
+TEST_F(AppThreads, AWindowClosedInTheMiddleOfAnUninstallLosesNoEntry) {
+    const std::vector<std::string> paths = applications(2);
+    std::size_t removed = 0;
+    for (const std::string& path : paths) {
+        post("uninstall", {{"path", path}, {"paths", {path}}});
+        threads.runMainUntil([&] { return count("onUninstallProgress") > 0; });
+        bridge.reset();
+        openAnother();
+        post("uninstall", {{"path", path}, {"paths", {path}}});  // refused, unless it is over
+        threads.join();
+        ++removed;
+        EXPECT_FALSE(machine.platform.files->exists(path));
+        EXPECT_EQ(history.entries().size(), removed);
+        bridge.reset();
+        openAnother();
+        page->scripts.clear();
+    }
+    threads.join();  // what the last window has asked for needs the services of the fixture
 }
 
 }  // namespace

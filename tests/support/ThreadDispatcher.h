@@ -25,7 +25,10 @@ public:
         arrived_.notify_one();
     }
     void mainAfter(double, Work) override {}
-    void global(QualityOfService, Work work) override { threads_.emplace_back(std::move(work)); }
+    void global(QualityOfService, Work work) override {
+        const std::lock_guard guard(lock_);
+        threads_.emplace_back(std::move(work));
+    }
 
     /// Runs main-thread work as it arrives until `done` says so.
     void runMainUntil(const std::function<bool()>& done) {
@@ -41,16 +44,24 @@ public:
         }
     }
 
+    /// Waits for all global work, that too which other work asks for meanwhile.
     void join() {
-        for (std::thread& thread : threads_)
-            thread.join();
-        threads_.clear();
+        while (true) {
+            std::vector<std::thread> running;
+            {
+                const std::lock_guard guard(lock_);
+                running.swap(threads_);
+            }
+            if (running.empty()) return;
+            for (std::thread& thread : running)
+                thread.join();
+        }
     }
 
 private:
     const std::thread::id main_ = std::this_thread::get_id();
-    std::vector<std::thread> threads_;  // started by the main thread alone
     std::mutex lock_;
+    std::vector<std::thread> threads_;
     std::condition_variable arrived_;
     std::deque<Work> queue_;
 };

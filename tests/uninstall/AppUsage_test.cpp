@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+#include <thread>
+
 #include <nlohmann/json.hpp>
 
 #include "support/TestPlatform.h"
@@ -97,6 +100,31 @@ TEST_F(AppUsageTest, StartingTwiceObservesOnce) {
     usage.start();
     EXPECT_TRUE(usage.observing);
     EXPECT_EQ(machine.running.observers, 1);
+}
+
+TEST_F(AppUsageTest, WhatWasForgottenIsNotWrittenBackByTheNextUse) {
+    AppUsage usage(machine.platform);
+    usage.record("com.example.old", 1000);
+    usage.forget();
+    EXPECT_THAT(usage.launches(), IsEmpty());
+    machine.platform.files->removeAll(machine.platform.layout.dataFolder);
+    usage.record("com.example.new", 2000);
+    EXPECT_THAT(AppUsage(machine.platform).launches(), ElementsAre(Pair("com.example.new", 2000)));
+}
+
+TEST_F(AppUsageTest, UsesNotedOnTwoThreadsAreAllKept) {
+    AppUsage usage(machine.platform);
+    const auto note = [&](const char* name) {
+        for (int number = 1; number <= 50; ++number)
+            usage.record(name + std::to_string(number % 10), number);
+    };
+    std::thread other(note, "other");
+    note("own");
+    other.join();
+    EXPECT_EQ(usage.launches().size(), 20u);
+    EXPECT_EQ(usage.launches().at("other0"), 50);
+    EXPECT_EQ(usage.launches().at("own9"), 49);
+    EXPECT_EQ(AppUsage(machine.platform).launches(), usage.launches());
 }
 
 }  // namespace
