@@ -14,11 +14,10 @@ beforeAll(async () => {
 });
 afterAll(() => browser.close());
 
-// Colours do not depend on the language, nor names on the colours: each of them once is enough.
-const looks = [
-  { colorScheme: 'light', language: 'en', translate: (state: ReturnType<typeof fullState>) => state },
-  { colorScheme: 'dark', language: 'es', translate: inSpanish },
-] as const;
+const looks = (['light', 'dark'] as const).flatMap((colorScheme) => [
+  { colorScheme, language: 'en', translate: (state: ReturnType<typeof fullState>) => state },
+  { colorScheme, language: 'es', translate: inSpanish },
+]);
 
 describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => {
   async function check(setting: Setting, views: string[], act?: (opened: OpenPage) => Promise<unknown>): Promise<void> {
