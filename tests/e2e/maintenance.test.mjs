@@ -67,7 +67,8 @@ test("a pass over a Mac's home: files, manifest, settings, log, notification, st
   const home = furnishedMac(t);
   inVeltoTrash(home, 'expired.bin', 8);
   settingsOf(home, { 'velto.retentionDays': 7, 'velto.language': 'es', 'velto.rule.duplicates': true });
-  home.content('Downloads/copy.bin', 'same', 2 * MB).content('Documents/long name.bin', 'same', 2 * MB);
+  home.alike(['Downloads/copy.bin', 'Documents/long name.bin'], (path) =>
+    home.content(path, 'same', 2 * MB));
   const desktop = await notificationsFor(t);
   const before = now();
   const { status, stderr } = await runHeadless(home, ['--maintenance'], { variables: desktop.variables });
@@ -146,7 +147,7 @@ test('a pass that finds nothing tells nobody; one without a desktop says so in t
 test('two passes at the same time: one works, the other ends at once', async (t) => {
   const home = new Home(t);
   for (let index = 0; index < 40; ++index) {
-    home.allocated(`Library/Caches/com.example.App${index}/blob`, 50 * MB);
+    home.sparse(`Library/Caches/com.example.App${index}/blob`, 50 * MB);
   }
   const both = await Promise.all([1, 2].map(() => runHeadless(home, ['--maintenance'])));
   for (const { status } of both) assert.equal(status, 0);
@@ -170,7 +171,7 @@ test('a pass that is killed at any moment loses nothing, and the next one finish
   for (let round = 0; round < 20; ++round) {
     for (let index = 0; index < 8; ++index) {
       names.push(`com.example.App${round}-${index}`);
-      home.allocated(`Library/Caches/${names.at(-1)}/blob`, 50 * MB);
+      home.sparse(`Library/Caches/${names.at(-1)}/blob`, 50 * MB);
     }
     const pass = startChild(program, ['--maintenance'], { env: environment, stdio: 'ignore' });
     let hasEnded = false;

@@ -16,7 +16,8 @@ const held = (home) =>
   manifest(home).operations.flatMap(({ id }) => readdirSync(home.at(home.data(`Trash/${id}`))));
 
 /** Two copies that are large files as well. */
-const twins = (home) => home.allocated('Movies/twin.mov', 330 * MB).allocated('Desktop/twin.mov', 330 * MB);
+const twins = (home) =>
+  home.alike(['Movies/twin.mov', 'Desktop/twin.mov'], (path) => home.allocated(path, 330 * MB));
 
 test('a cache is cleaned, and the Undo of its message brings it back', async (t) => {
   const home = furnishedHome(t).withAccess();

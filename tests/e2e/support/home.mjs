@@ -10,7 +10,10 @@ import {
   openSync,
   readFileSync,
   realpathSync,
+  renameSync,
   rmSync,
+  statSync,
+  truncateSync,
   writeFileSync,
 } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -80,6 +83,13 @@ export class Home {
     return this.synced(path);
   }
 
+  /** A file of that length that takes no space: enough where the length counts, as in a folder. */
+  sparse(path, bytes) {
+    this.text(path, '');
+    truncateSync(this.at(path), bytes);
+    return this;
+  }
+
   /** A file whose content depends on `seed` and `bytes` alone. */
   content(path, seed, bytes) {
     return this.text(path, noise(seed, bytes)).synced(path);
@@ -91,6 +101,29 @@ export class Home {
     fsyncSync(file);
     closeSync(file);
     return this;
+  }
+
+  /**
+   * Files at `paths` that `make(path)` makes, all taking the same space. Where the disk's free space
+   * is in pieces, a file may take a block more than its like to note its own pieces, and only files
+   * of one size are compared; so more are made until enough are alike.
+   */
+  alike(paths, make) {
+    const made = [];
+    for (let count = 1; count <= 20 * paths.length; count++) {
+      const spare = `.spare/${count}`;
+      make(spare);
+      made.push({ spare, blocks: statSync(this.at(spare)).blocks });
+      const same = made.filter(({ blocks }) => blocks === made.at(-1).blocks);
+      if (same.length < paths.length) continue;
+      paths.forEach((path, index) => {
+        mkdirSync(dirname(this.at(path)), { recursive: true });
+        renameSync(this.at(same[index].spare), this.at(path));
+      });
+      rmSync(this.at('.spare'), { recursive: true });
+      return this;
+    }
+    throw new Error(`no ${paths.length} files of one size: ${made.map(({ blocks }) => blocks)}`);
   }
 
   has(path) {
@@ -142,9 +175,8 @@ export function furnishedHome(test, options) {
   const home = new Home(test, options);
   home
     .allocated('Pictures/2019/holiday.mov', 450 * MB)
-    .content('Pictures/2019/beach.raw', 'beach', 2.5 * MB)
-    .content('Pictures/beach copy.raw', 'beach', 2.5 * MB)
-    .content('beach again.raw', 'beach', 2.5 * MB)
+    .alike(['Pictures/2019/beach.raw', 'Pictures/beach copy.raw', 'beach again.raw'], (path) =>
+      home.content(path, 'beach', 2.5 * MB))
     .content('Pictures/2019/other.raw', 'other', 2.5 * MB)
     .allocated('Music/concert.wav', 350 * MB)
     .allocated('Library/Caches/com.example.app/blob', 320 * MB)
