@@ -47,8 +47,6 @@ test('what weighs most heads the list, by processor and by memory, under its nam
   await page.sees(/Processor (?!0%)\d+%/);
 
   await page.click('Memory');
-  // Rows keep their places under the pointer.
-  await page.desktop.input('mousemove', 100, 20);
   const [largest] = await page.lists('the large application first', (rows) =>
     rows.length > 1 && nameOf(rows[0]) === 'Archive Keeper' && rows);
   assert.ok(largest.hasPicture, 'its icon');

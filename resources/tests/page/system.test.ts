@@ -207,6 +207,18 @@ describe('the heaviest applications', () => {
     });
   });
 
+  it('go on changing places after a click on a column header', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await tell(opened, 90, 10);
+      await opened.page.getByRole('columnheader', { name: 'Processor' }).getByRole('button').click();
+      expect(await rowNames(opened)).toEqual(['Beta', 'Alfa']);
+      expect(await opened.page.getByText('The order stands still while you').count()).toBe(0);
+      for (let sample = 0; sample < 2; sample += 1) await tell(opened, 10, 90);
+      expect(await rowNames(opened)).toEqual(['Alfa', 'Beta']);
+    });
+  });
+
   it('are sorted from the headers and moved through by keyboard', async () => {
     await withPage(async (opened) => {
       const { page } = opened;

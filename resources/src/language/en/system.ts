@@ -87,7 +87,7 @@ export const systemWords = {
   processesText: 'Applications with everything they run. 100% is one whole processor core.',
   processesHeld: 'The order stands still while you are in the list.',
   processesLabel: 'Heaviest applications',
-  processesHelp: 'Arrow keys move, up from the first row the column headers. The order stands still while the focus is in the list.',
+  processesHelp: 'Arrow keys move, up from the first row the column headers. The order stands still while the focus is on a row.',
   processesEmpty: 'The list comes with the next figures.',
   columns: { icon: 'Icon', name: 'Application', procs: 'Processes', cpu: 'Processor', mem: 'Memory' },
   background: 'Background',

@@ -87,7 +87,7 @@ export const systemWords: typeof english = {
   processesText: 'Las aplicaciones con todo lo que ejecutan. El 100 % es un núcleo entero del procesador.',
   processesHeld: 'El orden no cambia mientras estás en la lista.',
   processesLabel: 'Aplicaciones que más pesan',
-  processesHelp: 'Las flechas mueven y, desde la primera fila, la flecha arriba llega a los encabezados. El orden no cambia mientras el foco está en la lista.',
+  processesHelp: 'Las flechas mueven y, desde la primera fila, la flecha arriba llega a los encabezados. El orden no cambia mientras el foco está en una fila.',
   processesEmpty: 'La lista llega con los próximos datos.',
   columns: { icon: 'Icono', name: 'Aplicación', procs: 'Procesos', cpu: 'Procesador', mem: 'Memoria' },
   background: 'Segundo plano',

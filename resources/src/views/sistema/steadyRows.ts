@@ -1,6 +1,6 @@
 /**
  * The heaviest applications as rows that can be read: figures change with every sample, places at
- * most with every other one, and not at all while the pointer or the focus is in the list.
+ * most with every other one, and not at all while the pointer or the focus is on one of them.
  */
 import type { ProcessGroup } from '../../protocol/protocol.ts';
 
