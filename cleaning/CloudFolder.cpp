@@ -21,8 +21,6 @@ bool isBelow(const std::string& path, const std::string& folder) {
     return path != folder && isAtOrBelow(path, folder);
 }
 
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
-
 bool isAbsence(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ELOOP;
 }
@@ -166,7 +164,7 @@ void CloudFolder::finish(const Move& move, MoveState state, Index& index) const 
 
 /// The item in the cloud folder that a path stands for: its own path, or where it came from.
 std::string CloudFolder::pathInCloud(const std::string& path, const Index& index) const {
-    if (folderOf(path) == layout_.cloudFolder) return path;
+    if (parentFolder(path) == layout_.cloudFolder) return path;
     const auto found = std::ranges::find_if(
         index.origins, [&](const auto& entry) { return entry.second == path; });
     if (found == index.origins.end()) throw FileError("find in the cloud folder", path, ENOENT);

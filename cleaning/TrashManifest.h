@@ -7,6 +7,7 @@
 #include "cleaning/TrashRecords.h"
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
+#include "platform/text.h"
 
 namespace velto {
 
@@ -38,7 +39,7 @@ public:
 
 private:
     bool tryToRead(Manifest& lists);
-    std::string folder() const { return path_.substr(0, path_.rfind('/')); }
+    std::string folder() const { return parentFolder(path_); }
 
     FileManager& files_;
     FileMover& mover_;

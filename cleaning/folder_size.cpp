@@ -5,6 +5,7 @@
 
 #include "platform/TreeWalk.h"
 #include "platform/parallel.h"
+#include "platform/text.h"
 
 namespace velto {
 namespace {
@@ -39,9 +40,6 @@ private:
     std::vector<std::int64_t> totals_;
 };
 
-/// The folder above; the walk refuses a link after it.
-std::string parentOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
-
 }  // namespace
 
 std::vector<std::optional<std::int64_t>> folderSizes(DirectoryReader& reader,
@@ -50,7 +48,8 @@ std::vector<std::optional<std::int64_t>> folderSizes(DirectoryReader& reader,
     std::vector<WalkRoot> roots;
     roots.reserve(folders.size());
     for (const std::string& folder : folders) {
-        roots.push_back({.path = folder, .resolved = parentOf(folder)});
+        // The walk refuses a link after the folder above.
+        roots.push_back({.path = folder, .resolved = parentFolder(folder)});
     }
     std::vector<std::unique_ptr<SizeVisitor>> sizes;
     std::vector<TreeVisitor*> visitors;

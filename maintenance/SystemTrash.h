@@ -42,9 +42,8 @@ private:
     AddedDate addedDate_;
 };
 
-/// The date in the text of a ".trashinfo" file, in seconds since 1970 ("DeletionDate" in local
-/// time, as the freedesktop.org trash specification has it); nothing when it has none that can be
-/// read.
+/// The date in the text of a ".trashinfo" file, in seconds since 1970 ("DeletionDate", which a
+/// freedesktop.org trash holds in local time); nothing when it has none that can be read.
 std::optional<double> deletionDate(const std::string& note);
 
 }  // namespace velto

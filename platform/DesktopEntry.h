@@ -10,7 +10,7 @@
 
 namespace velto {
 
-/// A file that tells a desktop how to start an application (Desktop Entry Specification).
+/// A desktop entry as freedesktop.org desktops have them: how to start an application.
 struct DesktopEntry {
     std::string name;        // in the user's language
     std::string executable;  // absolute, links resolved

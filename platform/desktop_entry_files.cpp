@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/DesktopEntry.h"
+#include "platform/text.h"
 
 namespace velto {
 namespace {
@@ -22,8 +23,6 @@ std::vector<std::string> namesIn(const FileManager& files, const std::string& fo
 std::string withoutExtension(const std::string& name) {
     return name.substr(0, name.size() - desktopEntryExtension.size());
 }
-
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 // Where the icons of all themes are looked for, and at what sizes.
 constexpr std::array<std::string_view, 9> iconFolders{"/icons/hicolor/32x32/apps/",
@@ -70,7 +69,7 @@ std::string desktopIconFile(const FileManager& files, const std::vector<NamedLoc
     if (icon.starts_with('/')) return icon;
     if (icon.empty() || icon.find('/') != std::string::npos) return {};
     for (const NamedLocation& location : folders) {
-        const std::string data = folderOf(location.path);
+        const std::string data = parentFolder(location.path);
         for (std::string_view folder : iconFolders) {
             for (std::string_view picture : pictureExtensions) {
                 std::string path = fmt::format("{}{}{}{}", data, folder, icon, picture);

@@ -111,6 +111,12 @@ std::string_view lastPathComponent(std::string_view path) {
     return path.substr(slash + 1);
 }
 
+std::string parentFolder(std::string_view path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string_view::npos || path.size() == 1) return {};
+    return slash == 0 ? "/" : std::string(path.substr(0, slash));
+}
+
 std::string lowerCaseExtension(std::string_view name) {
     const std::size_t stop = name.rfind('.');
     if (stop == std::string_view::npos || stop == 0) return {};

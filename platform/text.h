@@ -20,6 +20,11 @@ std::string standardizedPath(std::string_view path);
 /// The part of a path after its last slash; a trailing slash is not a component.
 std::string_view lastPathComponent(std::string_view path);
 
+/// The folder that holds what an absolute path without a trailing slash names: all that stands
+/// before the last slash, "/" for an entry of the root, empty for the root itself and for a text
+/// without a slash.
+std::string parentFolder(std::string_view path);
+
 /// The lower-cased (ASCII) text after the last full stop of a file's name, empty when there is none
 /// or when the only full stop begins the name.
 std::string lowerCaseExtension(std::string_view name);

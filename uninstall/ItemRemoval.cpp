@@ -20,11 +20,6 @@ using Reason = TrashError::Reason;
 // name, and a file in the removal folder tells where.
 constexpr std::string_view asidePrefix = ".velto-removing-";
 
-std::string folderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 bool meansGone(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ENAMETOOLONG;
 }
@@ -59,7 +54,7 @@ std::string ItemRemoval::resolved(const std::string& path) const {
         if (!meansGone(error)) throw;
     }
     try {
-        return platform_.files->resolved(folderOf(standard)) + "/" +
+        return platform_.files->resolved(parentFolder(standard)) + "/" +
                std::string(lastPathComponent(standard));
     } catch (const FileError&) {
         return standard;  // nor is there a folder
@@ -70,7 +65,7 @@ std::string ItemRemoval::resolved(const std::string& path) const {
 ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
     try {
         Target target{
-            .folder = platform_.mover->openFolder(folderOf(path), FolderPath::withoutLinks),
+            .folder = platform_.mover->openFolder(parentFolder(path), FolderPath::withoutLinks),
             .name = std::string(lastPathComponent(path)),
             .attributes = {}};
         const auto attributes = platform_.mover->attributes(*target.folder, target.name);
@@ -151,7 +146,7 @@ void ItemRemoval::removeWhole(const Target& target, const std::string& path) con
     }
     // Another volume: the item waits beside its place.
     const Aside aside{.folder = *target.folder,
-                      .folderPath = folderOf(path),
+                      .folderPath = parentFolder(path),
                       .name = std::string(asidePrefix) + identifier,
                       .identifier = identifier,
                       .record = staging.path + "/" + identifier + std::string(removalRecordSuffix)};
@@ -247,7 +242,7 @@ void ItemRemoval::sweepRecord(const RemovalFolder& staging, const std::string& n
     const std::string path = standardizedPath(platform_.files->read(staging.path + "/" + name));
     if (lastPathComponent(path) != std::string(asidePrefix) + identifier) return;
     if (!path.starts_with(platform_.layout.home + "/")) return;
-    const auto folder = platform_.mover->openFolder(folderOf(path), FolderPath::withoutLinks);
+    const auto folder = platform_.mover->openFolder(parentFolder(path), FolderPath::withoutLinks);
     platform_.mover->removeAll(*folder, std::string(lastPathComponent(path)));
 }
 

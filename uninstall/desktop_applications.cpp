@@ -19,8 +19,6 @@ std::string stemOf(std::string_view fileName) {
     return std::string(fileName);
 }
 
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
-
 /// True for a folder that carries the program's name, alone or before a version or the like. A name
 /// that says little may be the name of a folder that holds much more.
 bool isNamedLike(std::string_view folder, std::string_view program, const Locale& locale) {
@@ -40,8 +38,8 @@ std::string removablePath(const Platform& platform, const DesktopEntryFile& file
     if (file.origin != entryOrigin::user || lowerCaseExtension(executable) == "appimage") {
         return executable;
     }
-    std::string folder = folderOf(executable);
-    if (lastPathComponent(folder) == "bin") folder = folderOf(folder);
+    std::string folder = parentFolder(executable);
+    if (lastPathComponent(folder) == "bin") folder = parentFolder(folder);
     const bool isNamedLikeIt = isNamedLike(lastPathComponent(folder),
                                            stemOf(lastPathComponent(executable)), *platform.locale);
     const bool isOwn = isSafeToRemove(folder, "", platform.layout);

@@ -5,6 +5,7 @@
 
 #include "platform/TreeWalk.h"
 #include "platform/parallel.h"
+#include "platform/text.h"
 
 namespace velto {
 namespace {
@@ -45,8 +46,7 @@ std::vector<std::int64_t> allocatedSizes(const FileManager& files, DirectoryRead
         if (attributes->kind == FileKind::regular) sizes[index] = attributes->allocatedSize;
         if (attributes->kind != FileKind::folder) continue;
         // Links above the folder are followed, the folder itself must not have become one.
-        roots.push_back(
-            {.path = paths[index], .resolved = paths[index].substr(0, paths[index].rfind('/'))});
+        roots.push_back({.path = paths[index], .resolved = parentFolder(paths[index])});
         pathOfRoot.push_back(index);
     }
     if (roots.empty()) return sizes;

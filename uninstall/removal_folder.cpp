@@ -8,26 +8,24 @@
 namespace velto {
 namespace {
 
-// The pattern of `newUUID`; X is an upper-case hexadecimal digit.
-constexpr std::string_view identifierPattern = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
-// The pattern of the temporaries of `writeAtomically`; x is a lower-case hexadecimal digit.
-constexpr std::string_view temporaryPattern = ".velto-xxxxxxxxxxxxxxxx";
+// The pattern of `newUUID`; H is an upper-case hexadecimal digit.
+constexpr std::string_view identifierPattern = "HHHHHHHH-HHHH-HHHH-HHHH-HHHHHHHHHHHH";
+// The pattern of the temporaries of `writeAtomically`; h is a lower-case hexadecimal digit.
+constexpr std::string_view temporaryPattern = ".velto-hhhhhhhhhhhhhhhh";
 
 bool fits(std::string_view text, std::string_view pattern) {
     const auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
     return std::ranges::equal(text, pattern, [&](char character, char wanted) {
-        if (wanted == 'X') return isDigit(character) || (character >= 'A' && character <= 'F');
-        if (wanted == 'x') return isDigit(character) || (character >= 'a' && character <= 'f');
+        if (wanted == 'H') return isDigit(character) || (character >= 'A' && character <= 'F');
+        if (wanted == 'h') return isDigit(character) || (character >= 'a' && character <= 'f');
         return character == wanted;
     });
 }
 
-std::string parentOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
-
 /// The data folder as it really lies.
 RemovalFolder openParent(const Platform& platform) {
     const std::string& home = platform.layout.home;
-    const std::string parent = parentOf(platform.layout.removalFolder);
+    const std::string parent = parentFolder(platform.layout.removalFolder);
     RemovalFolder opened{.handle = nullptr, .path = platform.files->resolved(parent)};
     // One that the user has put outside the home by name is where the user wants it.
     if (isAtOrBelow(parent, home) && !isAtOrBelow(opened.path, home)) {
@@ -47,7 +45,7 @@ RemovalFolder openIn(const Platform& platform, const RemovalFolder& parent,
 
 RemovalFolder openRemovalFolder(const Platform& platform) {
     const std::string& path = platform.layout.removalFolder;
-    platform.files->createFolders(parentOf(path));
+    platform.files->createFolders(parentFolder(path));
     const RemovalFolder parent = openParent(platform);
     const std::string name(lastPathComponent(path));
     try {

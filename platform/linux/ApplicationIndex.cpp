@@ -15,8 +15,6 @@ constexpr std::array<std::string_view, 8> homesOfApplications{
     "/opt/",       "/usr/lib/",       "/usr/lib64/",       "/usr/libexec/",
     "/usr/share/", "/usr/local/lib/", "/usr/local/share/", "/usr/lib32/"};
 
-std::string folderOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
-
 /// The folder right below one of the homes of applications; empty for any other path. Multiarch
 /// folders ("x86_64-linux-gnu") are shared by all.
 std::string ownFolder(const std::string& path) {
@@ -34,7 +32,7 @@ std::string ownFolder(const std::string& path) {
 /// of applications, or one that is named like the program.
 std::string folderOfProgram(const std::string& executable) {
     if (std::string own = ownFolder(executable); !own.empty()) return own;
-    std::string folder = folderOf(executable);
+    std::string folder = parentFolder(executable);
     const bool isNamedLikeIt =
         !folder.empty() && lastPathComponent(folder) == lastPathComponent(executable);
     return isNamedLikeIt ? folder : std::string();
@@ -130,10 +128,10 @@ const RunningApp* ApplicationIndex::find(std::string_view controlGroup,
 }
 
 const RunningApp* ApplicationIndex::byFolder(const std::string& executable) const {
-    for (std::string folder = folderOf(executable); !folder.empty(); folder = folderOf(folder)) {
+    for (std::string folder = parentFolder(executable); !folder.empty();
+         folder = parentFolder(folder)) {
         const auto found = folders_.find(folder);
         if (found != folders_.end()) return found->second;
-        if (folder.find('/') == std::string::npos) break;
     }
     return nullptr;
 }

@@ -97,7 +97,7 @@ void JsonUserDefaults::save() {
         return;
     }
     try {
-        files_.createFolders(path_.substr(0, path_.rfind('/')));
+        files_.createFolders(parentFolder(path_));
         files_.writeAtomically(path_,
                                content.dump(2, ' ', false, json::error_handler_t::replace) + "\n");
     } catch (const FileError& error) {

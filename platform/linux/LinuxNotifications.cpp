@@ -55,7 +55,7 @@ GVariant* notification(const std::string& title, const std::string& body) {
 
 void remember(FileManager& files, const std::string& path, const Shown& shown) {
     try {
-        files.createFolders(path.substr(0, path.rfind('/')));
+        files.createFolders(parentFolder(path));
         const nlohmann::ordered_json record{
             {"bus", shown.bus}, {"owner", shown.owner}, {"number", shown.number}};
         files.writeAtomically(path, record.dump());

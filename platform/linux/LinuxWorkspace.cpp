@@ -58,8 +58,7 @@ void shown(GObject* source, GAsyncResult* result, gpointer data) {
         return;
     }
     const GlibError reason(error);  // no such file manager here: the folder has to do
-    const std::size_t slash = reveal->path.rfind('/');
-    open(reveal->log, fileUri(slash == 0 ? "/" : reveal->path.substr(0, slash)));
+    open(reveal->log, fileUri(parentFolder(reveal->path)));
 }
 
 void connected(GObject*, GAsyncResult* result, gpointer data) {

@@ -22,6 +22,7 @@
 #include "platform/linux/installed_applications.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
+#include "platform/text.h"
 
 namespace velto {
 namespace {
@@ -64,7 +65,7 @@ std::string configurationFolder(const std::string& home) {
 /// "/media/mac/Users/ana"); else nothing.
 std::string macDiskOf(const std::string& home) {
     constexpr std::string_view users = "/Users";
-    const std::string folder = home.substr(0, home.rfind('/'));
+    const std::string folder = parentFolder(home);
     if (!folder.ends_with(users)) return {};
     return folder.substr(0, folder.size() - users.size());
 }

@@ -44,6 +44,13 @@ struct UninstallIntent : AppsFixture {
                 return script.find("An uninstall is already running") != std::string::npos;
             }));
     }
+    /// No removal is under way: the next one is not refused.
+    void expectTheNextOneRuns(const std::string& path, std::size_t refusedBefore = 0) {
+        post("uninstall", removalOf(path));
+        machine.dispatcher.runAll();
+        EXPECT_EQ(refusals(), refusedBefore);
+        EXPECT_FALSE(machine.platform.files->exists(path));
+    }
     /// An analysis that lists one large file.
     void showLargeFile(const std::string& path) {
         DiskState state;
@@ -154,10 +161,7 @@ TEST_F(UninstallIntent, AWindowOpenedAgainDoesNotStartASecondOneBesideTheFirst) 
     EXPECT_TRUE(machine.home.exists("Applications/Bar.app"));
     EXPECT_EQ(count("onUninstallResult"), 0u) << "another window's";
 
-    post("uninstall", removalOf(bar));
-    machine.dispatcher.runAll();
-    EXPECT_EQ(refusals(), 1u);
-    EXPECT_FALSE(machine.home.exists("Applications/Bar.app"));
+    expectTheNextOneRuns(bar, 1);
     EXPECT_EQ(history.entries().size(), 2u);
 }
 
@@ -208,10 +212,7 @@ TEST_F(UninstallIntent, NothingIsQuitOrDeletedWhenTheWindowHasClosedBeforeItBegi
     machine.dispatcher.runAll();
     EXPECT_FALSE(process.terminated);
     EXPECT_TRUE(machine.home.exists("Applications/Foo.app"));
-    post("uninstall", removalOf(foo));
-    machine.dispatcher.runAll();
-    EXPECT_EQ(refusals(), 0u);
-    EXPECT_FALSE(machine.home.exists("Applications/Foo.app"));
+    expectTheNextOneRuns(foo);
 }
 
 TEST_F(UninstallIntent, AnErrorInTheMiddleEndsItWithAResultAndTheNextOneRuns) {
@@ -234,10 +235,7 @@ TEST_F(UninstallIntent, AnErrorInTheMiddleEndsItWithAResultAndTheNextOneRuns) {
     ASSERT_EQ(history.entries().size(), 1u);
     EXPECT_EQ(history.entries().front().items.front().name, "com.example.foo");
 
-    post("uninstall", removalOf(foo));
-    machine.dispatcher.runAll();
-    EXPECT_EQ(refusals(), 0u);
-    EXPECT_FALSE(machine.home.exists("Applications/Foo.app"));
+    expectTheNextOneRuns(foo);
 }
 
 TEST_F(UninstallIntent, WhatIsGoneOnlyInPartIsNotOfferedAnyMore) {

@@ -43,14 +43,7 @@ std::string TrashWorld::fastVolume() {
                : fs::canonical(fs::temp_directory_path()).string();
 }
 
-std::string TrashWorld::buildVolume() { return fs::canonical(fs::current_path()).string(); }
-
-bool TrashWorld::hasTwoVolumes() {
-    struct stat one {};
-    struct stat other {};
-    return stat(fastVolume().c_str(), &one) == 0 && stat(buildVolume().c_str(), &other) == 0 &&
-           one.st_dev != other.st_dev;
-}
+bool TrashWorld::hasTwoVolumes() { return areTwoVolumes(fastVolume(), buildVolume()); }
 
 TrashWorld::TrashWorld(const std::string& homeVolume, const std::string& volumeOfTrash)
     : home(homeVolume), layout(HomeLayout::macOS(home.path())) {

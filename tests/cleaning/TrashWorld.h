@@ -13,6 +13,7 @@
 #include "support/TempHome.h"
 #include "support/WatchedFileCalls.h"
 #include "support/fakes.h"
+#include "support/volumes.h"
 
 namespace velto {
 
@@ -41,8 +42,6 @@ public:
 
     /// In memory where the machine has such a volume: syncing costs nothing there.
     static std::string fastVolume();
-    /// The folder in which the test program runs, on the build folder's volume.
-    static std::string buildVolume();
     static bool hasTwoVolumes();
 
     /// Puts something into the home that has to survive.

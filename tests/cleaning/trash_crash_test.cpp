@@ -72,7 +72,7 @@ TEST_P(TrashCrash, NothingIsLostWhereverItDies) {
 
 TEST_P(TrashCrash, NothingIsLostBetweenVolumes) {
     if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
-    dieEverywhere(GetParam(), {TrashWorld::fastVolume(), TrashWorld::buildVolume()}, 41);
+    dieEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 41);
 }
 
 TEST_P(TrashCrash, NothingIsLostWhereRenamingMayReplace) {

@@ -106,7 +106,7 @@ TEST_P(TrashFault, NothingIsLostWhateverFails) {
 
 TEST_P(TrashFault, NothingIsLostBetweenVolumes) {
     if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), TrashWorld::buildVolume()}, 211);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 211);
 }
 
 TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplace) {
@@ -125,7 +125,7 @@ TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplaceAndFailsForGood) {
 
 TEST_P(TrashFault, NothingIsLostBetweenVolumesThatFailForGood) {
     if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), TrashWorld::buildVolume()}, 61,
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 61,
                    WatchedFileCalls::Action::failOnwards);
 }
 

@@ -22,9 +22,7 @@ protected:
             GTEST_SKIP() << "memory and build folder are one volume here";
     }
 
-    static TrashWorld makeWorld() {
-        return TrashWorld(TrashWorld::fastVolume(), TrashWorld::buildVolume());
-    }
+    static TrashWorld makeWorld() { return TrashWorld(TrashWorld::fastVolume(), buildVolume()); }
 
     static bool isRemovalOf(const char* name, const char* call, const char* about) {
         return std::strcmp(call, "remove") == 0 && std::strcmp(name, about) == 0;

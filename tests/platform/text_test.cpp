@@ -36,6 +36,15 @@ TEST(Text, TheLastComponentIgnoresATrailingSlash) {
     EXPECT_EQ(lastPathComponent(""), "");
 }
 
+TEST(Text, TheFolderThatHoldsAnEntry) {
+    EXPECT_EQ(parentFolder("/a/b.txt"), "/a");
+    EXPECT_EQ(parentFolder("/a/b/"), "/a/b");
+    EXPECT_EQ(parentFolder("/a"), "/");
+    EXPECT_EQ(parentFolder("/"), "");
+    EXPECT_EQ(parentFolder("b"), "");
+    EXPECT_EQ(parentFolder(""), "");
+}
+
 TEST(Text, AnExtensionIsWhatFollowsTheLastStop) {
     EXPECT_EQ(lowerCaseExtension("Film.MOV"), "mov");
     EXPECT_EQ(lowerCaseExtension("a.tar.gz"), "gz");

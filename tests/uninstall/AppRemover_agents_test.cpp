@@ -20,7 +20,6 @@ protected:
         entry = *apps.readApp(application("Foobar"));
         machine.platform.userIdentifier = 501;
     }
-    bool isThere(const std::string& path) const { return machine.platform.files->exists(path); }
 
     AppEntry entry;
 };

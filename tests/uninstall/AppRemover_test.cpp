@@ -31,7 +31,6 @@ protected:
                                      if (item) items.push_back(item->name + " " + item->path);
                                  });
     }
-    bool isThere(const std::string& path) const { return machine.platform.files->exists(path); }
 
     AppEntry entry;
     std::vector<std::pair<std::string, double>> steps;

@@ -24,7 +24,7 @@ std::string UninstallWorld::fastVolume() {
     return access(memory, W_OK) == 0 ? memory : buildVolume();
 }
 
-std::string UninstallWorld::buildVolume() { return std::filesystem::current_path().string(); }
+bool UninstallWorld::hasTwoVolumes() { return areTwoVolumes(fastVolume(), buildVolume()); }
 
 UninstallWorld::UninstallWorld(const std::string& parent) : home(parent), disk(parent) {
     machine.platform.layout = HomeLayout::macOS(home.path());

@@ -10,6 +10,7 @@
 #include "support/TempHome.h"
 #include "support/TestPlatform.h"
 #include "support/WatchedFileCalls.h"
+#include "support/volumes.h"
 #include "uninstall/AppRemover.h"
 #include "uninstall/AppUsage.h"
 #include "uninstall/InstalledApps.h"
@@ -23,8 +24,8 @@ struct UninstallWorld {
 
     /// In memory where the machine has such a volume: syncing costs nothing there.
     static std::string fastVolume();
-    /// The folder in which the tests run; programs may be started from it.
-    static std::string buildVolume();
+    /// False where the made homes are on the build folder's volume.
+    static bool hasTwoVolumes();
 
     using Texts = std::vector<std::pair<std::string, std::string>>;
 
@@ -40,6 +41,7 @@ struct UninstallWorld {
     /// A launch agent or daemon of that label at an absolute path, which it returns.
     std::string agent(const std::string& path, const std::string& label);
     void put(const std::string& path, const std::string& content);
+    bool isThere(const std::string& path) const { return machine.platform.files->exists(path); }
 
     std::vector<std::string> listedNames();
 

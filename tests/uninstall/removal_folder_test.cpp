@@ -2,7 +2,6 @@
 // and what happens to something that was put in an item's place meanwhile.
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -184,23 +183,17 @@ TEST_F(SwappedItemTest, ItIsKeptForGoodWhenItsPlaceIsTaken) {
 }
 
 TEST_F(SwappedItemTest, TheSameWhereTheRemovalFolderIsOnAnotherVolume) {
-    struct stat one {};
-    struct stat other {};
-    if (stat(home.path().c_str(), &one) != 0 || stat(buildVolume().c_str(), &other) != 0 ||
-        one.st_dev == other.st_dev) {
-        GTEST_SKIP() << "there is one volume only";
-    }
+    if (!hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
     const TempHome elsewhere(buildVolume());
     machine.platform.layout.dataFolder = elsewhere.path();
     machine.platform.layout.removalFolder = elsewhere.path("Removing");
     int moves = 0;
     calls.before = [&](const char* call, const char* name) {
         if (std::string(call) != "rename") return;
-        if (!std::string(name).starts_with(".velto-removing-")) ++moves;
-        if (std::string(name).starts_with(".velto-removing-")) {
+        if (std::string_view(name).starts_with(".velto-removing-")) {
             fs::rename(chosen[1], home.path("judged"));
             put(chosen[1] + "/thesis", "precious");
-        } else if (moves == 2) {
+        } else if (++moves == 2) {
             put(chosen[1], "new");
         }
     };

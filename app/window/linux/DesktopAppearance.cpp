@@ -134,7 +134,7 @@ std::optional<Appearance> DesktopAppearance::remembered() const {
 
 void DesktopAppearance::remember(Appearance appearance) {
     try {
-        platform_.files->createFolders(memory_.substr(0, memory_.rfind('/')));
+        platform_.files->createFolders(parentFolder(memory_));
         platform_.files->writeAtomically(memory_,
                                          appearance == Appearance::dark ? "dark" : "light");
     } catch (const FileError& error) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "app/window/window_rules.h"
+#include "platform/text.h"
 
 namespace velto::window {
 namespace {
@@ -58,8 +59,7 @@ void nameLanguage(const Platform& platform) {
 }
 
 std::optional<std::string> pageUri(const Platform& platform) {
-    const std::string& program = platform.executablePath;
-    const std::string folder = program.substr(0, program.rfind('/'));
+    const std::string folder = parentFolder(platform.executablePath);
     const auto bundle =
         findResourceBundle({folder, folder + "/../share/velto", folder + "/../lib/velto"},
                            [&](const std::string& path) { return platform.files->exists(path); });

@@ -96,7 +96,7 @@ protected:
     }
 
     void expectThing(TempHome& home, const std::string& name, Thing thing) {
-        TempHome model(otherVolume().string());
+        TempHome model(otherVolume());
         put(model, "model", thing, GetParam().isFolder, "");
         EXPECT_EQ(treeText(home.path(name)), treeText(model.path("model"))) << name;
     }
