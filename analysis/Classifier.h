@@ -6,8 +6,8 @@
 
 #include "analysis/categories.h"
 #include "platform/HomeLayout.h"
-#include "platform/PlaceTable.h"
-#include "platform/WalkedFolder.h"
+#include "platform/values/PlaceTable.h"
+#include "platform/walk/WalkedFolder.h"
 
 namespace velto {
 

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

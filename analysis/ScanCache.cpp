@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/disk_state_json.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 

@@ -6,7 +6,7 @@
 
 #include "analysis/relative_time.h"
 #include "cleaning/DupFinder.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -9,7 +9,7 @@
 #include "analysis/Classifier.h"
 #include "analysis/WalkTotals.h"
 #include "analysis/categories.h"
-#include "platform/TreeWalk.h"
+#include "platform/walk/TreeWalk.h"
 
 namespace velto {
 

@@ -14,10 +14,10 @@
 #include "analysis/ScanWorker.h"
 #include "analysis/post_processing.h"
 #include "analysis/relative_time.h"
-#include "platform/TreeWalk.h"
 #include "platform/parallel.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
+#include "platform/walk/TreeWalk.h"
 
 namespace velto {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

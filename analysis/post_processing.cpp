@@ -10,8 +10,8 @@
 
 #include "analysis/categories.h"
 #include "analysis/relative_time.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

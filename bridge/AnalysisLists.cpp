@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -5,8 +5,8 @@
 #include "bridge/AppsWork.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

@@ -6,7 +6,7 @@
 #include "bridge/JSBridge.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 

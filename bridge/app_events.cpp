@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "bridge/events.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto::events {
 namespace {

@@ -5,8 +5,8 @@
 #include "bridge/app_events.h"
 #include "bridge/events.h"
 #include "platform/parallel.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 #include "uninstall/Leftovers.h"
 #include "uninstall/figures.h"
 

@@ -5,7 +5,7 @@
 
 #include "analysis/disk_state_json.h"
 #include "cleaning/candidates_json.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto::events {
 namespace {

@@ -5,7 +5,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "cleaning/folder_size.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

@@ -9,8 +9,8 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "bridge/app_events.h"
-#include "platform/text.h"
-#include "platform/uuid.h"
+#include "platform/values/text.h"
+#include "platform/values/uuid.h"
 #include "uninstall/figures.h"
 #include "uninstall/removal_rules.h"
 

@@ -7,9 +7,9 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
-#include "platform/json_fields.h"
-#include "platform/text.h"
-#include "platform/uuid.h"
+#include "platform/values/json_fields.h"
+#include "platform/values/text.h"
+#include "platform/values/uuid.h"
 
 namespace velto {
 namespace {

@@ -9,7 +9,7 @@
 #include <fmt/format.h>
 
 #include "platform/parallel.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
-#include "platform/json_fields.h"
+#include "platform/values/json_fields.h"
 
 namespace velto {
 HistoryService::HistoryService(FileManager& files, FileMover& mover, Log& log,

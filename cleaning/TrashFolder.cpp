@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

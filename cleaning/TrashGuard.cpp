@@ -4,7 +4,7 @@
 #include <cerrno>
 #include <optional>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -7,7 +7,7 @@
 #include "cleaning/TrashRecords.h"
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <unordered_set>
 
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

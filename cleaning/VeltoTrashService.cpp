@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/Platform.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

@@ -7,9 +7,9 @@
 #include <fmt/format.h>
 
 #include "cleaning/VeltoTrashService.h"
-#include "platform/text.h"
-#include "platform/units.h"
-#include "platform/uuid.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
+#include "platform/values/uuid.h"
 
 namespace velto {
 namespace {

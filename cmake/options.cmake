@@ -10,6 +10,11 @@ set(CMAKE_OBJCXX_STANDARD 23)
 set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
 set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# Nothing loads code into the program, so nothing of it needs to be found by name.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
@@ -32,6 +37,20 @@ else()
     target_compile_definitions(velto_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)
     # GLib's own flag; with it everywhere, all sources can share a precompiled header.
     target_compile_options(velto_options INTERFACE -pthread)
+endif()
+
+# What makes a mistake end the program and not give it away. The sanitized builds have better.
+if(NOT VELTO_SANITIZE)
+    target_compile_options(velto_options INTERFACE -fstack-protector-strong
+        $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE>
+        $<$<CONFIG:Release,RelWithDebInfo>:-D_FORTIFY_SOURCE=3>)
+    if(NOT APPLE)
+        target_compile_options(velto_options INTERFACE -fstack-clash-protection -D_GLIBCXX_ASSERTIONS)
+        if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+            target_compile_options(velto_options INTERFACE -fcf-protection=full)
+        endif()
+        target_link_options(velto_options INTERFACE -pie -Wl,-z,relro,-z,now,-z,noexecstack)
+    endif()
 endif()
 if(VELTO_SANITIZE)
     # -g1 is what a report's stack needs, and compiles a quarter faster.

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "cleaning/folder_size.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "maintenance/MaintenanceRecord.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {

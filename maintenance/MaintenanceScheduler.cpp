@@ -3,8 +3,8 @@
 #include <fmt/format.h>
 
 #include "maintenance/systemd_units.h"
-#include "platform/text.h"
-#include "platform/uuid.h"
+#include "platform/values/text.h"
+#include "platform/values/uuid.h"
 
 namespace velto {
 namespace {

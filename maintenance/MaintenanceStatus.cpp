@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "maintenance/next_run.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

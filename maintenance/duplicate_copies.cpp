@@ -6,9 +6,9 @@
 #include <unordered_set>
 
 #include "cleaning/DupFinder.h"
-#include "platform/TreeWalk.h"
 #include "platform/parallel.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
+#include "platform/walk/TreeWalk.h"
 
 namespace velto {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto {
 

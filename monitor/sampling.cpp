@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 namespace velto::sampling {
 namespace {

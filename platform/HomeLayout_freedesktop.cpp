@@ -2,7 +2,7 @@
 #include <map>
 
 #include "platform/HomeLayout.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 
 #include "platform/DesktopEntry.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

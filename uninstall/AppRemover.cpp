@@ -8,9 +8,9 @@
 #include <nlohmann/json.hpp>
 
 #include "cleaning/TrashRecords.h"
-#include "platform/PropertyList.h"
-#include "platform/text.h"
-#include "platform/units.h"
+#include "platform/values/PropertyList.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
 #include "uninstall/figures.h"
 
 namespace velto {

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 #include "uninstall/desktop_applications.h"
 
 namespace velto {

@@ -5,7 +5,7 @@
 
 #include "platform/DesktopEntry.h"
 #include "platform/parallel.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 #include "uninstall/bundle_information.h"
 #include "uninstall/desktop_applications.h"
 #include "uninstall/disk_usage.h"

@@ -7,8 +7,8 @@
 
 #include "cleaning/TrashRecords.h"
 #include "platform/removal_check.h"
-#include "platform/text.h"
-#include "platform/uuid.h"
+#include "platform/values/text.h"
+#include "platform/values/uuid.h"
 #include "uninstall/removal_rules.h"
 
 namespace velto {

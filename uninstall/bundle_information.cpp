@@ -6,8 +6,8 @@
 #include <memory>
 #include <span>
 
-#include "platform/PropertyList.h"
-#include "platform/text.h"
+#include "platform/values/PropertyList.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/DesktopEntry.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 #include "uninstall/removal_rules.h"
 #include "uninstall/words.h"
 

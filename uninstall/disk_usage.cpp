@@ -3,9 +3,9 @@
 #include <limits>
 #include <memory>
 
-#include "platform/TreeWalk.h"
 #include "platform/parallel.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
+#include "platform/walk/TreeWalk.h"
 
 namespace velto {
 namespace {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 #include "uninstall/bundle_information.h"
 
 namespace velto {

@@ -6,7 +6,7 @@
 
 #include "cleaning/TrashRecords.h"
 #include "platform/FileManager.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

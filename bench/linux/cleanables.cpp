@@ -9,7 +9,7 @@
 
 #include "cleaning/CleaningRules.h"
 #include "linux/BenchPlatform.h"
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 int main(int count, char** arguments) try {
     if (count != 2) {

@@ -5,7 +5,7 @@
 #include <charconv>
 
 #include "platform/linux/kernel_file.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

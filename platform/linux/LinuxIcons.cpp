@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "platform/DesktopEntry.h"
-#include "platform/PropertyList.h"
 #include "platform/linux/glib_pointers.h"
-#include "platform/text.h"
+#include "platform/values/PropertyList.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

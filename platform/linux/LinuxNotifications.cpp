@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
-#include "platform/json_fields.h"
 #include "platform/linux/glib_pointers.h"
-#include "platform/text.h"
+#include "platform/values/json_fields.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -13,7 +13,7 @@
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/process_program.h"
 #include "platform/posix/uninterrupted.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -3,7 +3,7 @@
 #include <gio/gio.h>
 
 #include "platform/linux/glib_pointers.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/PropertyList.h"
-#include "platform/text.h"
+#include "platform/values/PropertyList.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

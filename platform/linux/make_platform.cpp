@@ -22,7 +22,7 @@
 #include "platform/linux/installed_applications.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

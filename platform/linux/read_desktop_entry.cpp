@@ -6,7 +6,7 @@
 #include "platform/DesktopEntry.h"
 #include "platform/linux/glib_pointers.h"
 #include "platform/posix/PosixFileManager.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "platform/PropertyList.h"
+#include "platform/values/PropertyList.h"
 
 namespace velto {
 namespace {

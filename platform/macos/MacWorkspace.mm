@@ -3,7 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include "platform/macos/foundation_text.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 

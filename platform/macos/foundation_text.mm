@@ -1,6 +1,6 @@
 #include "platform/macos/foundation_text.h"
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 

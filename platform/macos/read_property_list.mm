@@ -1,7 +1,7 @@
 #import <Foundation/Foundation.h>
 
-#include "platform/PropertyList.h"
 #include "platform/macos/foundation_text.h"
+#include "platform/values/PropertyList.h"
 
 namespace velto {
 namespace {

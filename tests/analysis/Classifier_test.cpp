@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

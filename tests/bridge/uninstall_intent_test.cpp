@@ -4,7 +4,7 @@
 
 #include "bridge/AppsFixture.h"
 #include "platform/posix/PosixFileManager.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 #include "support/WatchedFileCalls.h"
 
 namespace velto {

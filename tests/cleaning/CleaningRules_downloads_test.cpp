@@ -1,6 +1,6 @@
 #include "CleaningRulesFixture.h"
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

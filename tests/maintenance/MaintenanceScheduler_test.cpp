@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/PropertyList.h"
+#include "platform/values/PropertyList.h"
 #include "support/TestPlatform.h"
 
 namespace velto {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/PropertyList.h"
+#include "platform/values/PropertyList.h"
 
 namespace velto {
 

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/PropertyList.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/values/PropertyList.h"
 #include "support/TempHome.h"
 #include "support/TestPlatform.h"
 #include "support/WatchedFileCalls.h"

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "UninstallWorld.h"
-#include "platform/uuid.h"
+#include "platform/values/uuid.h"
 #include "support/tree_text.h"
 
 namespace velto {

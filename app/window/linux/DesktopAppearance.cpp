@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto::window {
 namespace {

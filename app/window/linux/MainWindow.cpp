@@ -6,7 +6,7 @@
 
 #include "app/window/linux/style.h"
 #include "app/window/linux/window_frame.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto::window {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/window/window_rules.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto::window {
 namespace {

@@ -3,7 +3,7 @@
 #include "app/window/ReloadPace.h"
 #include "app/window/window_rules.h"
 #include "platform/macos/foundation_text.h"
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 using velto::window::NavigationKind;
 using velto::window::NavigationPolicy;

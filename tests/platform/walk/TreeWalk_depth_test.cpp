@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-#include "platform/TreeWalk.h"
+#include "platform/walk/TreeWalk.h"
 #include "support/FakeDirectoryReader.h"
 
 namespace velto {

@@ -1,4 +1,4 @@
-#include "platform/WalkQueue.h"
+#include "platform/walk/WalkQueue.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "platform/TreeWalk.h"
+#include "platform/walk/TreeWalk.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -7,8 +7,8 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/WalkQueue.h"
-#include "platform/WalkWorker.h"
+#include "platform/walk/WalkQueue.h"
+#include "platform/walk/WalkWorker.h"
 
 namespace velto {
 namespace {

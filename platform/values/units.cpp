@@ -1,4 +1,4 @@
-#include "platform/units.h"
+#include "platform/values/units.h"
 
 #include <cmath>
 

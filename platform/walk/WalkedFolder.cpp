@@ -1,4 +1,4 @@
-#include "platform/WalkedFolder.h"
+#include "platform/walk/WalkedFolder.h"
 
 #include <utility>
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/DirectoryReader.h"
-#include "platform/WalkedFolder.h"
+#include "platform/walk/WalkedFolder.h"
 
 namespace velto {
 

@@ -1,4 +1,4 @@
-#include "platform/json_fields.h"
+#include "platform/values/json_fields.h"
 
 #include <cmath>
 

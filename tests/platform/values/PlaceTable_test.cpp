@@ -1,4 +1,4 @@
-#include "platform/PlaceTable.h"
+#include "platform/values/PlaceTable.h"
 
 #include <gmock/gmock.h>
 

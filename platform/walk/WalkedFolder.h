@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "platform/DirectoryReader.h"
-#include "platform/PlaceTable.h"
+#include "platform/values/PlaceTable.h"
 
 namespace velto {
 

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/PropertyList.h"
+#include "platform/values/PropertyList.h"
 
 namespace velto {
 namespace {

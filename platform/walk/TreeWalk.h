@@ -8,8 +8,8 @@
 
 #include "platform/CancellationFlag.h"
 #include "platform/DirectoryReader.h"
-#include "platform/PlaceTable.h"
-#include "platform/WalkedFolder.h"
+#include "platform/values/PlaceTable.h"
+#include "platform/walk/WalkedFolder.h"
 
 namespace velto {
 

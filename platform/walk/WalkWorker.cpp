@@ -1,10 +1,10 @@
-#include "platform/WalkWorker.h"
+#include "platform/walk/WalkWorker.h"
 
 #include <cerrno>
 #include <string_view>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 

@@ -1,6 +1,6 @@
-#include "platform/PlaceTable.h"
+#include "platform/values/PlaceTable.h"
 
-#include "platform/text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/TreeWalk.h"
+#include "platform/walk/TreeWalk.h"
 
 #include <algorithm>
 #include <cerrno>

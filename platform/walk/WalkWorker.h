@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "platform/TreeWalk.h"
-#include "platform/WalkQueue.h"
+#include "platform/walk/TreeWalk.h"
+#include "platform/walk/WalkQueue.h"
 
 namespace velto {
 
