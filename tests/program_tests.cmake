@@ -29,6 +29,12 @@ velto_page_test(browser test:page)
 # The longest test starts first; a high cost is how CTest is told.
 set_tests_properties(page.browser PROPERTIES COST 1000 RESOURCE_LOCK window)
 
+# The debug build leaves out what only an optimising compiler can do.
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    add_test(NAME program.hardening COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/hardening_test.sh
+        $<TARGET_FILE:velto> $<TARGET_OBJECTS:velto> ${CMAKE_BINARY_DIR}/compile_commands.json)
+endif()
+
 # What the tests of the real program need besides it.
 velto_system_package(GIO gio-unix-2.0)
 add_executable(notification_service
