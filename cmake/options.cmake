@@ -14,7 +14,6 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_OBJCXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
@@ -45,7 +44,8 @@ if(NOT VELTO_SANITIZE)
         $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE>
         $<$<CONFIG:Release,RelWithDebInfo>:-D_FORTIFY_SOURCE=3>)
     if(NOT APPLE)
-        target_compile_options(velto_options INTERFACE -fstack-clash-protection -D_GLIBCXX_ASSERTIONS)
+        target_compile_options(velto_options INTERFACE
+            -fPIE -fstack-clash-protection -D_GLIBCXX_ASSERTIONS)
         if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
             target_compile_options(velto_options INTERFACE -fcf-protection=full)
         endif()
