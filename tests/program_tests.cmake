@@ -44,6 +44,10 @@ target_link_libraries(notification_service
 # Processes that the live view has to show.
 add_executable(load e2e/support/load.cpp)
 target_link_libraries(load PRIVATE Threads::Threads velto_options)
+# A window to drag files and links from.
+velto_system_package(GTK gtk4)
+add_executable(drag_source e2e/support/drag_source.cpp)
+target_link_libraries(drag_source PRIVATE PkgConfig::GTK velto_options)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
@@ -52,7 +56,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
-        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>")
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>")
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)

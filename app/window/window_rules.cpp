@@ -53,11 +53,6 @@ double dragRegionWidth(double containerWidth) {
     return std::max(least, std::min(wanted, most));
 }
 
-NavigationPolicy policyFor(NavigationKind kind) {
-    return kind == NavigationKind::linkFollowed ? NavigationPolicy::openInBrowser
-                                                : NavigationPolicy::allow;
-}
-
 bool isDeveloperMenuItem(std::string_view title) {
     const std::string lower = lowerCased(title);
     return std::any_of(developerWords.begin(), developerWords.end(), [&](std::string_view word) {

@@ -45,10 +45,6 @@ inline constexpr std::array<WidthRule, 3> dragRegionWidthRules{{
 /// of priority 999 the lower bound wins where both cannot hold.
 double dragRegionWidth(double containerWidth);
 
-enum class NavigationKind { linkFollowed, other };
-enum class NavigationPolicy { allow, openInBrowser };
-NavigationPolicy policyFor(NavigationKind kind);
-
 /// True for the developer entries of the web view's context menu, in either language. Broad on
 /// purpose: "inspect", "inspeccionar" or "element" anywhere in the lower-cased title.
 bool isDeveloperMenuItem(std::string_view title);

@@ -10,9 +10,22 @@ namespace {
 
 constexpr int busTimeout = 10'000;  // milliseconds; the file manager may have to start first
 
+using Environment = std::map<std::string, std::string>;
+
+Environment currentEnvironment() {
+    Environment variables;
+    char** const names = g_listenv();
+    for (char** name = names; *name != nullptr; ++name) {
+        if (const char* const value = g_getenv(*name)) variables.emplace(*name, value);
+    }
+    g_strfreev(names);
+    return variables;
+}
+
 /// What waits for the bus's answer.
 struct Reveal {
     Log& log;
+    Environment environment;
     std::string path;
     std::string uri;
 };
@@ -35,10 +48,24 @@ void opened(GObject*, GAsyncResult* result, gpointer data) {
     }
 }
 
-void open(Log& log, const std::string& url) {
+/// Takes back, for what is opened, what the program has set since `atStart`.
+GlibReference<GAppLaunchContext> launchContext(const Environment& atStart) {
+    GlibReference<GAppLaunchContext> context(g_app_launch_context_new());
+    for (const auto& [name, value] : currentEnvironment()) {
+        const auto before = atStart.find(name);
+        if (before == atStart.end()) {
+            g_app_launch_context_unsetenv(context.get(), name.c_str());
+        } else if (before->second != value) {
+            g_app_launch_context_setenv(context.get(), name.c_str(), before->second.c_str());
+        }
+    }
+    return context;
+}
+
+void open(Log& log, const std::string& url, const Environment& environment) {
     auto opening = std::make_unique<Opening>(Opening{log, url});
-    g_app_info_launch_default_for_uri_async(url.c_str(), nullptr, nullptr, opened,
-                                            opening.release());
+    g_app_info_launch_default_for_uri_async(url.c_str(), launchContext(environment).get(), nullptr,
+                                            opened, opening.release());
 }
 
 std::string fileUri(const std::string& path) {
@@ -58,7 +85,7 @@ void shown(GObject* source, GAsyncResult* result, gpointer data) {
         return;
     }
     const GlibError reason(error);  // no such file manager here: the folder has to do
-    open(reveal->log, fileUri(parentFolder(reveal->path)));
+    open(reveal->log, fileUri(parentFolder(reveal->path)), reveal->environment);
 }
 
 void connected(GObject*, GAsyncResult* result, gpointer data) {
@@ -80,7 +107,9 @@ void connected(GObject*, GAsyncResult* result, gpointer data) {
 
 }  // namespace
 
-void LinuxWorkspace::openURL(const std::string& url) { open(log_, url); }
+LinuxWorkspace::LinuxWorkspace(Log& log) : log_(log), environment_(currentEnvironment()) {}
+
+void LinuxWorkspace::openURL(const std::string& url) { open(log_, url, environment_); }
 
 void LinuxWorkspace::reveal(const std::string& path) {
     std::string uri = fileUri(path);
@@ -88,7 +117,7 @@ void LinuxWorkspace::reveal(const std::string& path) {
         log_.line("Velto ▶ no se pudo mostrar " + singleLine(path) + ": no es una ruta absoluta");
         return;
     }
-    auto reveal = std::make_unique<Reveal>(Reveal{log_, path, std::move(uri)});
+    auto reveal = std::make_unique<Reveal>(Reveal{log_, environment_, path, std::move(uri)});
     g_bus_get(G_BUS_TYPE_SESSION, nullptr, connected, reveal.release());
 }
 

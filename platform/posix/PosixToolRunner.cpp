@@ -74,14 +74,21 @@ int openPipe(Descriptor& reader, Descriptor& writer) {
     return fcntl(ends[0], F_SETFL, O_NONBLOCK) == 0 ? 0 : errno;
 }
 
+/// As the system wants a list of texts; they are only read.
+std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
+    for (const std::string& text : texts)
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
 /// 0 or an error number.
-int spawn(const std::string& path, const std::vector<std::string>& arguments, Child& child) {
+int spawn(const std::string& path, const std::vector<std::string>& arguments,
+          const std::vector<std::string>& environment, Child& child) {
     std::vector<std::string> texts{path};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
 
     // A pipe gets its close-on-exec mark in a second step; a tool that another thread started in
     // between would hold the writing end open.
@@ -98,7 +105,7 @@ int spawn(const std::string& path, const std::vector<std::string>& arguments, Ch
     }
     if (error != 0) return error;
     return posix_spawn(&child.process, path.c_str(), actions.get(), attributes.get(),
-                       pointers.data(), environ);
+                       pointersTo(texts).data(), pointersTo(environment).data());
 }
 
 enum class ReadEnd { open, closed };
@@ -131,11 +138,17 @@ int exitStatusOf(int status) {
 
 }  // namespace
 
+PosixToolRunner::PosixToolRunner() {
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        environment_.emplace_back(*variable);
+    }
+}
+
 ToolResult PosixToolRunner::run(const std::string& path,
                                 const std::vector<std::string>& arguments) {
     ToolResult result;
     Child child{};
-    if (const int error = spawn(path, arguments, child); error != 0) {
+    if (const int error = spawn(path, arguments, environment_, child); error != 0) {
         result.startError = std::generic_category().message(error);
         return result;
     }

@@ -1,8 +1,9 @@
 import type { Plugin } from 'vite';
 
 /**
- * The web view loads the page from `file:`, where module scripts are refused. The built page
- * therefore carries classic scripts, and a policy that allows its own files only. Rolldown writes
+ * The built page carries classic scripts, which also load where there is no server (its tests open it
+ * as a file), and a policy that allows its own files only. The program sends the same policy with
+ * every file, and more: this one holds wherever else the page is opened. Rolldown writes
  * them as CommonJS chunks; each is put into a function here, and what it exports stands under its
  * file name in a table that all of them share.
  */
@@ -12,6 +13,8 @@ const policy = [
   "style-src 'self'",
   "img-src 'self' data:",
   "font-src 'self'",
+  "base-uri 'none'",
+  "form-action 'none'",
 ].join('; ');
 
 const table = 'globalThis.veltoScripts';

@@ -59,11 +59,6 @@ TEST(WindowRules, TheContextMenuKeepsEverythingElse) {
     }
 }
 
-TEST(WindowRules, AFollowedLinkLeavesThePageWhereItIs) {
-    EXPECT_EQ(policyFor(NavigationKind::linkFollowed), NavigationPolicy::openInBrowser);
-    EXPECT_EQ(policyFor(NavigationKind::other), NavigationPolicy::allow);
-}
-
 struct Disk {
     std::vector<std::string> present;
     std::vector<std::string> asked;

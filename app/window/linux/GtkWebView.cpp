@@ -1,40 +1,31 @@
 #include "app/window/linux/GtkWebView.h"
 
+#include <array>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "app/window/linux/web_settings.h"
+#include "app/window/navigation.h"
 #include "app/window/window_rules.h"
 
 namespace velto::window {
-namespace {
-
-/// The page is one local file: what serves browsing is off, and so are the developer tools.
-GlibReference<WebKitSettings> makeSettings() {
-    GlibReference<WebKitSettings> settings(webkit_settings_new());
-    WebKitSettings* const raw = settings.get();
-    webkit_settings_set_enable_developer_extras(raw, FALSE);
-    webkit_settings_set_enable_back_forward_navigation_gestures(raw, FALSE);
-    webkit_settings_set_enable_page_cache(raw, FALSE);
-    webkit_settings_set_enable_media(raw, FALSE);
-    webkit_settings_set_enable_webaudio(raw, FALSE);
-    webkit_settings_set_enable_webgl(raw, FALSE);
-    webkit_settings_set_enable_smooth_scrolling(raw, TRUE);
-    return settings;
-}
-
-}  // namespace
 
 GtkWebView::GtkWebView(WebKitNetworkSession* session)
     : content_(webkit_user_content_manager_new()) {
-    const auto settings = makeSettings();
+    const auto settings = pageSettings();
     view_.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
         g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session, "user-content-manager",
                      content_.get(), "settings", settings.get(), nullptr))));
+    // Before everyone else's: who hears of a load finds it known here.
+    g_signal_connect(view_.get(), "load-changed", G_CALLBACK(&GtkWebView::loadChanged), this);
+    g_signal_connect(view_.get(), "web-process-terminated", G_CALLBACK(&GtkWebView::processEnded),
+                     this);
     addUserScript(platformScript("linux"));
 }
 
 GtkWebView::~GtkWebView() {
+    g_signal_handlers_disconnect_by_data(view_.get(), this);
     for (const auto& [name, channel] : channels_) {
         g_signal_handler_disconnect(content_.get(), channel->signal);
         webkit_user_content_manager_unregister_script_message_handler(content_.get(), name.c_str(),
@@ -42,16 +33,33 @@ GtkWebView::~GtkWebView() {
     }
 }
 
+void GtkWebView::loadPage() {
+    webkit_web_view_load_uri(view_.get(), std::string(pageAddress).c_str());
+}
+
+void GtkWebView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self) {
+    if (event != WEBKIT_LOAD_COMMITTED) return;
+    const char* const uri = webkit_web_view_get_uri(view);
+    static_cast<GtkWebView*>(self)->showsPage_ = uri != nullptr && maySpeak(uri, true);
+}
+
+void GtkWebView::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
+    static_cast<GtkWebView*>(self)->showsPage_ = false;
+}
+
 void GtkWebView::evaluate(const std::string& script) {
+    if (!showsPage_) return;
     webkit_web_view_evaluate_javascript(view_.get(), script.data(),
                                         static_cast<gssize>(script.size()), nullptr, nullptr,
                                         nullptr, nullptr, nullptr);
 }
 
 void GtkWebView::addUserScript(const std::string& script) {
-    WebKitUserScript* const userScript =
-        webkit_user_script_new(script.c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
-                               WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, nullptr, nullptr);
+    const std::string address(pageAddress);
+    const std::array<const char*, 2> allowed{address.c_str(), nullptr};
+    WebKitUserScript* const userScript = webkit_user_script_new(
+        script.c_str(), WEBKIT_USER_CONTENT_INJECT_TOP_FRAME,
+        WEBKIT_USER_SCRIPT_INJECT_AT_DOCUMENT_START, allowed.data(), nullptr);
     webkit_user_content_manager_add_script(content_.get(), userScript);
     webkit_user_script_unref(userScript);
 }
@@ -61,7 +69,7 @@ void GtkWebView::setMessageHandler(const std::string& name, MessageHandler handl
         known->second->handler = std::move(handler);
         return;
     }
-    auto channel = std::make_unique<Channel>(Channel{name, std::move(handler)});
+    auto channel = std::make_unique<Channel>(Channel{*this, name, std::move(handler)});
     // Connected before it is registered, so that no message is missed.
     channel->signal = g_signal_connect(content_.get(), ("script-message-received::" + name).c_str(),
                                        G_CALLBACK(&GtkWebView::received), channel.get());
@@ -70,7 +78,11 @@ void GtkWebView::setMessageHandler(const std::string& name, MessageHandler handl
     channels_.emplace(name, std::move(channel));
 }
 
+// The engine does not tell the frame; a frame inside the page could only hold what the page's
+// policy and the policy of navigations refuse.
 void GtkWebView::received(WebKitUserContentManager*, JSCValue* message, gpointer channel) {
+    const auto& [view, name, handler, signal] = *static_cast<const Channel*>(channel);
+    if (!view.showsPage_) return;
     const GlibText text(jsc_value_to_json(message, 0));
     if (!text) {
         // JSON has no such value (a function, a circle): no intent can be in it.
@@ -79,7 +91,6 @@ void GtkWebView::received(WebKitUserContentManager*, JSCValue* message, gpointer
     }
     const auto body = nlohmann::json::parse(text.get(), nullptr, false);
     if (body.is_discarded()) return;
-    const auto& [name, handler, signal] = *static_cast<const Channel*>(channel);
     handler(name, body);
 }
 

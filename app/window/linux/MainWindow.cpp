@@ -6,6 +6,7 @@
 
 #include "app/window/linux/style.h"
 #include "app/window/linux/window_frame.h"
+#include "app/window/navigation.h"
 #include "platform/values/text.h"
 
 namespace velto::window {
@@ -77,7 +78,7 @@ void MainWindow::connectSignals() {
 
 void MainWindow::loadAgain() {
     loadFailed_ = false;
-    webkit_web_view_load_uri(webView_->view(), context_.pageUri.c_str());
+    webView_->loadPage();
 }
 
 gboolean MainWindow::closeRequested(GtkWindow*, gpointer self) {
@@ -109,10 +110,12 @@ gboolean MainWindow::settled(gpointer self) {
     return G_SOURCE_REMOVE;
 }
 
-gboolean MainWindow::loadFailed(WebKitWebView*, WebKitLoadEvent, const char*, GError* error,
+gboolean MainWindow::loadFailed(WebKitWebView*, WebKitLoadEvent, const char* uri, GError* error,
                                 gpointer self) {
-    // A link that was handed to the browser ends its navigation here; the page still stands.
-    if (g_error_matches(error, WEBKIT_POLICY_ERROR,
+    // What was refused, or handed to the browser, ends here; the page still stands, and nothing of
+    // the engine's takes its place.
+    if (!isPageAddress(uri) ||
+        g_error_matches(error, WEBKIT_POLICY_ERROR,
                         WEBKIT_POLICY_ERROR_FRAME_LOAD_INTERRUPTED_BY_POLICY_CHANGE) != FALSE) {
         return TRUE;
     }

@@ -19,7 +19,6 @@ struct WindowContext {
     Platform& platform;
     GtkApplication* application;
     CommandMenu& menu;
-    std::string pageUri;
 };
 
 /// The program's one window with the page in it. Main thread.

@@ -7,11 +7,13 @@
 #include <utility>
 
 #include "app/VeltoApp.h"
+#include "app/window/PageFiles.h"
 #include "app/window/linux/CommandMenu.h"
 #include "app/window/linux/DesktopAppearance.h"
 #include "app/window/linux/GtkApplicationShell.h"
 #include "app/window/linux/MainWindow.h"
 #include "app/window/linux/gtk.h"
+#include "app/window/linux/page_scheme.h"
 #include "app/window/linux/style.h"
 #include "app/window/linux/web_engine.h"
 #include "app/window/linux/web_policies.h"
@@ -25,11 +27,10 @@ namespace {
 class WindowedApplication {
 public:
     WindowedApplication(VeltoApp& app, Platform& platform,
-                        GlibReference<WebKitNetworkSession> session, std::string pageUri)
+                        GlibReference<WebKitNetworkSession> session)
         : app_(app),
           platform_(platform),
           session_(std::move(session)),
-          pageUri_(std::move(pageUri)),
           application_(gtk_application_new(programIdentifier, G_APPLICATION_DEFAULT_FLAGS)) {
         connect("startup", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).startUp(); }));
         connect("activate", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).activate(); }));
@@ -86,9 +87,7 @@ private:
         app_.delegate().applicationDidFinishLaunching();
     }
 
-    std::shared_ptr<GtkWebView> newPage() const {
-        return openPage(session_.get(), platform_, pageUri_);
-    }
+    std::shared_ptr<GtkWebView> newPage() const { return openPage(session_.get(), platform_); }
 
     void activate() {
         if (!running_->window) {
@@ -98,8 +97,7 @@ private:
                 WindowContext{.app = app_,
                               .platform = platform_,
                               .application = application_.get(),
-                              .menu = running_->menu,
-                              .pageUri = pageUri_},
+                              .menu = running_->menu},
                 std::move(page), running_->appearance.current(), [this] { windowClosed(); });
         }
         running_->window->present();
@@ -127,7 +125,6 @@ private:
     VeltoApp& app_;
     Platform& platform_;
     GlibReference<WebKitNetworkSession> session_;
-    std::string pageUri_;
     GlibReference<GtkApplication> application_;
     std::unique_ptr<Running> running_;
 };
@@ -136,8 +133,8 @@ private:
 }  // namespace window
 
 int runWindowedApplication(VeltoApp& app, Platform& platform) {
-    const auto page = window::pageUri(platform);
-    if (!page) fatal(window::missingBundleMessage);
+    const auto bundle = window::bundleFolder(platform);
+    if (!bundle) fatal(window::missingBundleMessage);
     window::prepareEnvironment(platform);
     auto session = window::makeSession(platform);
     if (gtk_init_check() == FALSE) {
@@ -145,7 +142,9 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
         return EXIT_FAILURE;
     }
     window::nameLanguage(platform);
-    return window::WindowedApplication(app, platform, std::move(session), *page).run();
+    const window::PageFiles page(*platform.files, *bundle);
+    window::servePage(page);
+    return window::WindowedApplication(app, platform, std::move(session)).run();
 }
 
 }  // namespace velto

@@ -9,6 +9,20 @@
 namespace velto::window {
 namespace {
 
+/// Nobody can listen on port 0: what gets past the page's policy ends here.
+constexpr const char* proxyToNowhere = "socks5://127.0.0.1:0";
+
+void takeNetworkAway(WebKitNetworkSession* session) {
+    WebKitNetworkProxySettings* const nowhere =
+        webkit_network_proxy_settings_new(proxyToNowhere, nullptr);
+    webkit_network_session_set_proxy_settings(session, WEBKIT_NETWORK_PROXY_MODE_CUSTOM, nowhere);
+    webkit_network_proxy_settings_free(nowhere);
+    const auto cancel = +[](WebKitNetworkSession*, WebKitDownload* download, gpointer) {
+        webkit_download_cancel(download);
+    };
+    g_signal_connect(session, "download-started", G_CALLBACK(cancel), nullptr);
+}
+
 /// Whether the engine can lock its processes in namespaces of their own, which most containers and
 /// some systems do not allow. Asked of the tool that the engine uses for it; about 10 ms.
 bool sandboxWorks(Platform& platform) {
@@ -47,6 +61,7 @@ GlibReference<WebKitNetworkSession> makeSession(const Platform& platform) {
     webkit_cookie_manager_set_accept_policy(
         webkit_network_session_get_cookie_manager(session.get()),
         WEBKIT_COOKIE_POLICY_ACCEPT_NEVER);
+    takeNetworkAway(session.get());
     return session;
 }
 
@@ -58,15 +73,13 @@ void nameLanguage(const Platform& platform) {
     webkit_web_context_set_preferred_languages(webkit_web_context_get_default(), languages.data());
 }
 
-std::optional<std::string> pageUri(const Platform& platform) {
+std::optional<std::string> bundleFolder(const Platform& platform) {
     const std::string folder = parentFolder(platform.executablePath);
     const auto bundle =
         findResourceBundle({folder, folder + "/../share/velto", folder + "/../lib/velto"},
                            [&](const std::string& path) { return platform.files->exists(path); });
     if (!bundle) return std::nullopt;
-    const std::string page = platform.files->resolved(*bundle) + "/index.html";
-    const GlibText uri(g_filename_to_uri(page.c_str(), nullptr, nullptr));
-    return uri ? std::optional<std::string>(uri.get()) : std::nullopt;
+    return platform.files->resolved(*bundle);
 }
 
 }  // namespace velto::window

@@ -16,7 +16,8 @@ void prepareEnvironment(Platform& platform);
 /// walk goes there, and a reset takes it along.
 std::string webDataFolder(const Platform& platform);
 
-/// Where the engine keeps its data; one per process. It also sets the engine's process for files
+/// Where the engine keeps its data; one per process. It has no way to the network, and nothing is
+/// downloaded into it. It also sets the engine's process for files
 /// and network going, which then comes up beside GTK: every page load waits for it. Does not need
 /// GTK.
 GlibReference<WebKitNetworkSession> makeSession(const Platform& platform);
@@ -24,8 +25,8 @@ GlibReference<WebKitNetworkSession> makeSession(const Platform& platform);
 /// Names a language to the page where the machine names none. Before there is a web view.
 void nameLanguage(const Platform& platform);
 
-/// The page as a URI: from the resource bundle beside the program, or where an installation puts
+/// The resource bundle's folder, links resolved: beside the program, or where an installation puts
 /// it; nothing when there is none.
-std::optional<std::string> pageUri(const Platform& platform);
+std::optional<std::string> bundleFolder(const Platform& platform);
 
 }  // namespace velto::window

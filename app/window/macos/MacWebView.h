@@ -8,7 +8,8 @@
 
 namespace velto {
 
-/// The page's side of a WKWebView. Main thread, its destruction included.
+/// The page's side of a WKWebView. Scripts are evaluated and messages heard only while the document
+/// that it shows is the page's own. Main thread, its destruction included.
 ///
 /// Nothing here forms a cycle: the content controller keeps the message receivers, which know only
 /// the function that they call.

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/window/navigation.h"
 #include "app/window/window_rules.h"
 #include "platform/macos/foundation_text.h"
 
@@ -41,7 +42,9 @@ std::optional<nlohmann::json> jsonOf(id body) {
 
 - (void)userContentController:(WKUserContentController*)userContentController
       didReceiveScriptMessage:(WKScriptMessage*)message {
-    if (!message.frameInfo.isMainFrame) return;  // the page itself, not something inside it
+    WKFrameInfo* frame = message.frameInfo;
+    const std::string document = velto::utf8(frame.request.URL.absoluteString);
+    if (!velto::window::maySpeak(document, frame.isMainFrame)) return;
     // A message that is no JSON is malformed, and malformed messages are dropped without a word.
     if (const auto body = jsonOf(message.body)) _handler(velto::utf8(message.name), *body);
 }
@@ -60,12 +63,14 @@ MacWebView::~MacWebView() {
 }
 
 void MacWebView::evaluate(const std::string& script) {
+    if (!window::isPageAddress(utf8(view_.URL.absoluteString))) return;
     [view_ evaluateJavaScript:nsString(script) completionHandler:nil];
 }
 
 void MacWebView::addUserScript(const std::string& script) {
+    NSString* source = nsString(window::guardedScript(script));
     [content_
-        addUserScript:[[WKUserScript alloc] initWithSource:nsString(script)
+        addUserScript:[[WKUserScript alloc] initWithSource:source
                                              injectionTime:WKUserScriptInjectionTimeAtDocumentStart
                                           forMainFrameOnly:YES]];
 }

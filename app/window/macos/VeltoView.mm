@@ -4,10 +4,13 @@
 
 #import "app/window/macos/BundleFinder.h"
 #import "app/window/macos/Coordinator.h"
+#import "app/window/macos/PageSchemeHandler.h"
 #import "app/window/macos/VeltoWebView.h"
 
 #include "app/window/macos/MacWebView.h"
 #include "app/window/macos/appearance.h"
+#include "app/window/navigation.h"
+#include "platform/macos/foundation_text.h"
 
 @implementation VeltoView {
     VeltoWebView* _webView;
@@ -17,25 +20,42 @@
 
 - (instancetype)initWithApp:(velto::VeltoApp&)app platform:(velto::Platform&)platform {
     if ((self = [super initWithFrame:NSZeroRect])) {
-        [self makeWebView];
+        [self makeWebView:[self pageHandler:platform]];
         _coordinator = [[Coordinator alloc] initWithApp:app platform:platform];
         _webView.navigationDelegate = _coordinator;
+        _webView.UIDelegate = _coordinator;
         _page = std::make_shared<velto::MacWebView>(_webView);
         // Before loading, so that the page's own scripts find the state and the channel.
         app.windowOpened(_page);
-        [self load:[BundleFinder resourceBundle:platform]];
+        [self load];
     }
     return self;
 }
 
-- (void)makeWebView {
+/// Serves the page from its bundle.
+- (PageSchemeHandler*)pageHandler:(const velto::Platform&)platform {
+    NSBundle* bundle = [BundleFinder resourceBundle:platform];
+    NSURL* page = [bundle URLForResource:@"index" withExtension:@"html"];
+    if (page == nil) velto::fatal("unable to find the page in its bundle");
+    const std::string folder =
+        platform.files->resolved(velto::pathOf(page.URLByDeletingLastPathComponent));
+    return [[PageSchemeHandler alloc] initWithFiles:*platform.files folder:folder];
+}
+
+- (void)makeWebView:(PageSchemeHandler*)pageHandler {
     // What the page stores for itself (its theme, for one) stays in the default store, which the
     // system keeps below Library/WebKit: the API offers no way to move it to the data folder.
     auto* configuration = [[WKWebViewConfiguration alloc] init];
     configuration.preferences.tabFocusesLinks = YES;  // the Tab key reaches every control
+    configuration.preferences.javaScriptCanOpenWindowsAutomatically = NO;
+    [configuration setURLSchemeHandler:pageHandler
+                          forURLScheme:velto::nsString(velto::window::pageScheme)];
+    [self addBlockingRulesTo:configuration.userContentController];
     _webView = [[VeltoWebView alloc] initWithFrame:NSZeroRect configuration:configuration];
     // Transparent until the page has loaded, not hidden: a hidden page is not laid out.
     _webView.alphaValue = 0;
+    _webView.allowsLinkPreview = NO;
+    [_webView unregisterDraggedTypes];
     _webView.translatesAutoresizingMaskIntoConstraints = NO;
     [self addSubview:_webView];
     [NSLayoutConstraint activateConstraints:@[
@@ -47,11 +67,20 @@
     [self paintUnderPage];
 }
 
-- (void)load:(NSBundle*)bundle {
-    NSURL* page = [bundle URLForResource:@"index" withExtension:@"html"];
-    NSURL* resources = bundle.resourceURL;
-    if (page == nil || resources == nil) velto::fatal("unable to find the page in its bundle");
-    [_webView loadFileURL:page allowingReadAccessToURL:resources];
+/// Behind the page's own policy and that of navigations. The page need not wait for it: it asks for
+/// nothing that would be blocked.
+- (void)addBlockingRulesTo:(WKUserContentController*)content {
+    [WKContentRuleListStore.defaultStore
+        compileContentRuleListForIdentifier:@"velto-network"
+                     encodedContentRuleList:velto::nsString(velto::window::blockingRules)
+                          completionHandler:^(WKContentRuleList* list, NSError*) {
+                            if (list != nil) [content addContentRuleList:list];
+                          }];
+}
+
+- (void)load {
+    NSURL* page = [NSURL URLWithString:velto::nsString(velto::window::pageAddress)];
+    [_webView loadRequest:[NSURLRequest requestWithURL:page]];
 }
 
 - (void)viewDidChangeEffectiveAppearance {
@@ -66,6 +95,7 @@
 
 - (void)close {
     _webView.navigationDelegate = nil;
+    _webView.UIDelegate = nil;
     [_webView stopLoading];
     [_webView removeFromSuperview];
     _page.reset();

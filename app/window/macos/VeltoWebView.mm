@@ -28,4 +28,25 @@ void removeDeveloperItems(NSMenu* menu) {
     removeDeveloperItems(menu);
 }
 
+// The engine registers for what it would take, and would show a dropped document in the page's
+// place. What it still hears of a drag is answered with no.
+- (void)registerForDraggedTypes:(NSArray<NSPasteboardType>*)newTypes {
+}
+
+- (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)sender {
+    return NSDragOperationNone;
+}
+
+- (NSDragOperation)draggingUpdated:(id<NSDraggingInfo>)sender {
+    return NSDragOperationNone;
+}
+
+- (BOOL)prepareForDragOperation:(id<NSDraggingInfo>)sender {
+    return NO;
+}
+
+- (BOOL)performDragOperation:(id<NSDraggingInfo>)sender {
+    return NO;
+}
+
 @end

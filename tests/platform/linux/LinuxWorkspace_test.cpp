@@ -34,7 +34,10 @@ const TempHome& desktop() {
     static const std::unique_ptr<TempHome> home = [] {
         auto owned = std::make_unique<TempHome>();
         TempHome& made = *owned;
-        const auto browser = made.text("browser", "#!/bin/sh\necho \"$1\" >" + made.path("opened"));
+        const auto browser = made.text("browser",
+                                       "#!/bin/sh\necho \"$1 ${VELTO_TEST_OF_THE_USER-nothing} "
+                                       "${VELTO_TEST_OWN-nothing}\" >" +
+                                           made.path("opened"));
         chmod(browser.path().c_str(), 0700);
         mkfifo(made.path("opened").c_str(), 0600);
         made.text("data/applications/browser.desktop",
@@ -163,7 +166,8 @@ TEST_F(LinuxWorkspaceTest, AnAddressThatNothingOpensIsLogged) {
                 HasSubstr("no se pudo abrir x-apple.systempreferences:com.apple.settings"));
 }
 
-TEST_F(LinuxWorkspaceTest, ALinkOpensInTheUsersBrowser) {
+TEST_F(LinuxWorkspaceTest, ALinkOpensInTheUsersBrowserWithoutWhatTheProgramSetForItself) {
+    setenv("VELTO_TEST_OF_THE_USER", "chosen", 1);
     const int opened = open(desktop().path("opened").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     ASSERT_GE(opened, 0);
     std::string text;
@@ -179,10 +183,13 @@ TEST_F(LinuxWorkspaceTest, ALinkOpensInTheUsersBrowser) {
         },
         &text);
     LinuxWorkspace workspace(log);
+    setenv("VELTO_TEST_OWN", "for the engine", 1);
     workspace.openURL("velto-test://page");
     iterateUntil([&] { return !text.empty() || !log.lines().empty(); });
     close(opened);
-    EXPECT_EQ(text, "velto-test://page\n");
+    unsetenv("VELTO_TEST_OF_THE_USER");
+    unsetenv("VELTO_TEST_OWN");
+    EXPECT_EQ(text, "velto-test://page chosen nothing\n");
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 

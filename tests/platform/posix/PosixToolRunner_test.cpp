@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 
 #include "support/TempHome.h"
@@ -55,6 +56,22 @@ TEST(PosixToolRunner, AFileThatIsNoProgramIsNotStarted) {
     EXPECT_FALSE(result.started);
     EXPECT_THAT(result.startError, HasSubstr("Permission denied"));
     EXPECT_FALSE(PosixToolRunner().run(home.path(), {}).started);
+}
+
+TEST(PosixToolRunner, AToolGetsTheEnvironmentThatTheProgramWasStartedWith) {
+    ASSERT_EQ(setenv("VELTO_TEST_OF_THE_USER", "chosen", 1), 0);
+    ASSERT_EQ(setenv("VELTO_TEST_CHANGED", "before", 1), 0);
+    PosixToolRunner tools;
+    ASSERT_EQ(setenv("VELTO_TEST_OWN", "for the engine", 1), 0);
+    ASSERT_EQ(setenv("VELTO_TEST_CHANGED", "after", 1), 0);
+    const ToolResult result =
+        tools.run("/bin/sh", {"-c",
+                              "echo \"$VELTO_TEST_OF_THE_USER, ${VELTO_TEST_OWN-nothing}, "
+                              "$VELTO_TEST_CHANGED\" >&2"});
+    for (const char* name : {"VELTO_TEST_OF_THE_USER", "VELTO_TEST_CHANGED", "VELTO_TEST_OWN"}) {
+        unsetenv(name);
+    }
+    EXPECT_EQ(result.standardError, "chosen, nothing, before\n");
 }
 
 TEST(PosixToolRunner, ArgumentsArriveAsTheyAreGiven) {

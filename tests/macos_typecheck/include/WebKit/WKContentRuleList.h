@@ -1,0 +1,7 @@
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+@interface WKContentRuleList : NSObject
+@property(nonatomic, readonly, copy) NSString *identifier;
+@end
