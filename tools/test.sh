@@ -7,7 +7,7 @@ run_tests() {
     build_page
     compile asan unit_tests
     compile tsan unit_tests
-    compile release velto notification_service load
+    compile release velto notification_service load drag_source
     combine_tests asan tsan release
     say "Testing"
     # ctest's closing lines come last. The whole log is kept.
