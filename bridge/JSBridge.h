@@ -149,7 +149,7 @@ private:
     void finishBoot();
 
     // Settings (settings_intent.cpp).
-    void applyMaintenance();
+    void applyMaintenance(const std::string& frequencyBefore);
     void refreshSettings();
 
     // Analysis (analysis_task.cpp).

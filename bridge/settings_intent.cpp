@@ -5,6 +5,17 @@
 #include "bridge/JSBridge.h"
 
 namespace velto {
+namespace {
+
+/// A number too large to be exact still says what was meant: as long as it goes.
+std::optional<std::int64_t> retentionMember(const Payload& payload) {
+    const nlohmann::json* value = payload::member(payload, "retention");
+    const bool isBeyond = value != nullptr && value->is_number() &&
+                          value->get<double>() > static_cast<double>(longestRetentionDays);
+    return isBeyond ? longestRetentionDays : payload::integerMember(payload, "retention");
+}
+
+}  // namespace
 
 void JSBridge::onSettings(const Payload& payload) {
     if (payload::object(payload) == nullptr) return;
@@ -13,9 +24,8 @@ void JSBridge::onSettings(const Payload& payload) {
     const bool atBoot = payload::boolMember(payload, "boot").value_or(false);
     if (atBoot && settings_.settingsConfigured()) return;
 
-    if (const auto days = payload::integerMember(payload, "retention")) {
-        settings_.setRetention(*days);
-    }
+    const std::string frequencyBefore = settings_.frequency();
+    if (const auto days = retentionMember(payload)) settings_.setRetention(*days);
     if (const auto frequency = payload::stringMember(payload, "frequency")) {
         settings_.setFrequency(*frequency);
     }
@@ -33,12 +43,12 @@ void JSBridge::onSettings(const Payload& payload) {
     log(fmt::format("Velto ▶ ajustes: idioma={} · conservación={} días · mantenimiento={}",
                     language_.code(), settings_.retention(),
                     settings_.autoMaintenance() ? "sí" : "no"));
-    applyMaintenance();
+    applyMaintenance(frequencyBefore);
     refreshSettings();
     onMaintenanceStatus({});
 }
 
-void JSBridge::applyMaintenance() {
+void JSBridge::applyMaintenance(const std::string& frequencyBefore) {
     try {
         if (settings_.autoMaintenance()) {
             scheduler_.install(settings_.frequency());
@@ -46,8 +56,10 @@ void JSBridge::applyMaintenance() {
             scheduler_.remove();
         }
     } catch (const std::exception& error) {
-        // The page gets the switch as it really is.
+        // The page gets the switch as it really is, and an older schedule that goes on its own
+        // frequency.
         settings_.setAutoMaintenance(scheduler_.isInstalled());
+        if (scheduler_.isInstalled()) settings_.setFrequency(frequencyBefore);
         toast("No se pudo configurar el mantenimiento", "Automatic maintenance couldn't be set up",
               error.what());
     }

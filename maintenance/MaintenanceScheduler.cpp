@@ -1,5 +1,7 @@
 #include "maintenance/MaintenanceScheduler.h"
 
+#include <cerrno>
+
 #include <fmt/format.h>
 
 #include "maintenance/systemd_units.h"
@@ -46,16 +48,74 @@ std::string launchAgentText(std::string_view executablePath, std::string_view fr
 }
 
 void MaintenanceScheduler::install(std::string_view frequency) {
+    const bool isAgent = platform_.layout.kind == HomeLayout::Kind::macOS;
+    if (!isAgent && !canBeStartedByUnit(platform_.executablePath)) {
+        throw SchedulerError(fmt::format("systemd cannot start a program with this path: {}",
+                                         platform_.executablePath));
+    }
+    const Installed before = installed();  // one that cannot be read is not replaced either
     try {
         platform_.files->createFolders(platform_.layout.agentsFolder);
-        if (platform_.layout.kind == HomeLayout::Kind::macOS) {
-            installAgent(frequency);
-        } else {
-            installTimer(frequency);
-        }
+        isAgent ? installAgent(frequency) : installTimer(frequency);
     } catch (...) {
-        takeBack();
+        putBack(before);
         throw;
+    }
+}
+
+MaintenanceScheduler::Installed MaintenanceScheduler::installed() const {
+    const HomeLayout& layout = platform_.layout;
+    const bool isTimer = layout.kind == HomeLayout::Kind::freedesktop;
+    return {.agent = textOf(layout.agentFile),
+            .service = isTimer ? textOf(layout.agentService) : std::nullopt,
+            .isEnabled = isTimer && platform_.files->exists(enabledLink())};
+}
+
+std::optional<std::string> MaintenanceScheduler::textOf(const std::string& file) const {
+    try {
+        return platform_.files->read(file);
+    } catch (const FileError& error) {
+        if (error.code() == ENOENT) return std::nullopt;
+        throw;
+    }
+}
+
+/// After a failed installation. What the tool says now does not matter: with the files as they
+/// were, the older schedule runs at the latest from the next session on.
+void MaintenanceScheduler::putBack(const Installed& before) {
+    const HomeLayout& layout = platform_.layout;
+    if (!before.agent) {
+        logged([&] { remove(); });
+        return;
+    }
+    putBack(layout.agentFile, before.agent);
+    if (layout.kind == HomeLayout::Kind::macOS) {
+        platform_.tools->run(launchctl, {"load", layout.agentFile});
+        return;
+    }
+    putBack(layout.agentService, before.service);
+    if (!before.isEnabled) putBack(enabledLink(), std::nullopt);
+    systemctl({"daemon-reload"});
+    if (before.isEnabled) systemctl({"restart", std::string(lastPathComponent(layout.agentFile))});
+}
+
+void MaintenanceScheduler::putBack(const std::string& file,
+                                   const std::optional<std::string>& text) {
+    logged([&] {
+        if (!text) {
+            platform_.files->removeAll(file);
+        } else if (textOf(file) != text) {
+            platform_.files->writeAtomically(file, *text);
+        }
+    });
+}
+
+/// The reason of the failure that led here matters more than one more.
+void MaintenanceScheduler::logged(const std::function<void()>& step) {
+    try {
+        step();
+    } catch (const FileError& error) {
+        platform_.log->line(error.what());
     }
 }
 
@@ -71,10 +131,6 @@ void MaintenanceScheduler::installAgent(std::string_view frequency) {
 }
 
 void MaintenanceScheduler::installTimer(std::string_view frequency) {
-    if (!canBeStartedByUnit(platform_.executablePath)) {
-        throw SchedulerError(fmt::format("systemd cannot start a program with this path: {}",
-                                         platform_.executablePath));
-    }
     const HomeLayout& layout = platform_.layout;
     platform_.files->writeAtomically(layout.agentService,
                                      maintenanceServiceText(platform_.executablePath));
@@ -121,26 +177,22 @@ void MaintenanceScheduler::remove() {
     if (hasRemoved && !isAgent) systemctl({"daemon-reload"});
 }
 
-/// After a failed installation: what was there before does not work any more either.
-void MaintenanceScheduler::takeBack() {
-    try {
-        remove();
-    } catch (const FileError& error) {
-        platform_.log->line(error.what());  // the reason of the failure matters more
-    }
-}
-
 bool MaintenanceScheduler::isInstalled() const {
     return platform_.files->exists(platform_.layout.agentFile);
 }
 
-/// The link last: enabling makes it, and a service manager that is not there cannot take it away.
+/// Enabling the timer makes it.
+std::string MaintenanceScheduler::enabledLink() const {
+    const HomeLayout& layout = platform_.layout;
+    return layout.agentsFolder + "/timers.target.wants/" +
+           std::string(lastPathComponent(layout.agentFile));
+}
+
+/// The link last: a service manager that is not there cannot take it away.
 std::vector<std::string> MaintenanceScheduler::installedFiles() const {
     const HomeLayout& layout = platform_.layout;
     if (layout.kind == HomeLayout::Kind::macOS) return {layout.agentFile};
-    return {layout.agentFile, layout.agentService,
-            layout.agentsFolder + "/timers.target.wants/" +
-                std::string(lastPathComponent(layout.agentFile))};
+    return {layout.agentFile, layout.agentService, enabledLink()};
 }
 
 ToolResult MaintenanceScheduler::systemctl(std::vector<std::string> arguments) {

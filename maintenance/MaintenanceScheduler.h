@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -25,8 +27,8 @@ public:
 
     /// Installs the schedule for a frequency ("daily", "weekends", "monthly"); one that is
     /// installed already is replaced. Throws FileError when a file cannot be written and
-    /// SchedulerError when the system's tool cannot be started or, for a timer, refuses; nothing is
-    /// installed then.
+    /// SchedulerError when the system's tool cannot be started or, for a timer, refuses; what was
+    /// installed before is then put back and goes on, and where nothing was, nothing is.
     void install(std::string_view frequency);
 
     /// Takes the schedule away; nothing installed is no error. Throws FileError when a file stays.
@@ -38,10 +40,22 @@ public:
     void notify(const std::string& title, const std::string& body);
 
 private:
+    /// What stands at the places of the schedule.
+    struct Installed {
+        std::optional<std::string> agent;    // the text of the agent's file, of the timer's
+        std::optional<std::string> service;  // what the timer starts
+        bool isEnabled = false;              // the timer comes with the session
+    };
+
+    Installed installed() const;
+    std::optional<std::string> textOf(const std::string& file) const;
+    void putBack(const Installed& before);
+    void putBack(const std::string& file, const std::optional<std::string>& text);
+    void logged(const std::function<void()>& step);
     void installAgent(std::string_view frequency);
     void installTimer(std::string_view frequency);
     void enableTimer();
-    void takeBack();
+    std::string enabledLink() const;
     std::vector<std::string> installedFiles() const;
     ToolResult systemctl(std::vector<std::string> arguments);
 

@@ -1,5 +1,6 @@
 #include "settings/VeltoSettings.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace velto {
@@ -36,9 +37,9 @@ VeltoSettings::VeltoSettings(UserDefaults& defaults, const Locale& locale)
 
 std::int64_t VeltoSettings::retention() const {
     const double days = readNumber(defaults_, defaultsKey::retentionDays).value_or(0);
-    // A number that no calendar holds (or NaN) came from a damaged store.
-    if (!(days >= 1 && days <= 1e6)) return defaultRetentionDays;
-    return static_cast<std::int64_t>(days);
+    if (!(days >= 1)) return defaultRetentionDays;  // NaN too
+    // Whoever asked for longer never gets less: nothing may be deleted sooner.
+    return static_cast<std::int64_t>(std::min(days, static_cast<double>(longestRetentionDays)));
 }
 
 void VeltoSettings::setRetention(std::int64_t days) {

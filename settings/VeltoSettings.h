@@ -36,6 +36,8 @@ inline constexpr std::array<RuleSwitch, 4> ruleSwitches{{
 }};
 
 inline constexpr std::int64_t defaultRetentionDays = 30;
+/// More than that no calendar holds; it is as good as forever.
+inline constexpr std::int64_t longestRetentionDays = 1'000'000;
 
 /// The user's settings, read with their defaults and normalised. Thread rules of UserDefaults.
 class VeltoSettings {
@@ -43,7 +45,8 @@ public:
     /// Both outlive the settings.
     VeltoSettings(UserDefaults& defaults, const Locale& locale);
 
-    std::int64_t retention() const;  // days; 0 or less reads as 30
+    /// Days. 0 or less, or no number, reads as 30; more than the longest one as that.
+    std::int64_t retention() const;
     void setRetention(std::int64_t days);
 
     bool autoMaintenance() const;

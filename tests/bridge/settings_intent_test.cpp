@@ -89,6 +89,30 @@ TEST_F(SettingsIntent, AFailedInstallationIsToldInTheUsersLanguage) {
                 HasSubstr("\"No se pudo configurar el mantenimiento\""));
 }
 
+TEST_F(SettingsIntent, ARetentionBeyondAllNumbersIsTheLongestOne) {
+    settings.setRetention(7);
+    for (const json& days : {json(1'000'001), json(9.1e15), json(1e300), json(4'000'000.5)}) {
+        post("settings", {{"retention", days}});
+        EXPECT_EQ(settings.retention(), 1'000'000) << days;
+        settings.setRetention(7);
+    }
+    for (const json& days : {json(30.5), json(-1e300), json("1000001")}) {
+        post("settings", {{"retention", days}});
+        EXPECT_EQ(settings.retention(), 7) << days;
+    }
+}
+
+TEST_F(SettingsIntent, AFailedRefreshShowsTheScheduleThatStillRuns) {
+    post("settings", {{"enabled", true}, {"frequency", "daily"}});
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    post("settings", {{"frequency", "monthly"}});
+    EXPECT_EQ(count("toast"), 1u);
+    EXPECT_TRUE(settings.autoMaintenance());
+    EXPECT_EQ(settings.frequency(), "daily");
+    EXPECT_EQ(machine.home.read("Library/LaunchAgents/app.velto.maintenance.plist"),
+              launchAgentText("/opt/velto/velto", "daily"));
+}
+
 TEST_F(SettingsIntent, AFailedInstallationPutsTheSwitchBackAndLeavesNothing) {
     machine.tools.result = {.started = false, .startError = "No such file or directory"};
     post("settings", {{"enabled", true}});

@@ -5,6 +5,7 @@
 
 #include "platform/values/PropertyList.h"
 #include "support/TestPlatform.h"
+#include "support/WatchedFiles.h"
 
 namespace velto {
 namespace {
@@ -81,6 +82,27 @@ TEST_F(SchedulerTest, AMissingToolOrAnUnwritableFolderIsTold) {
     machine.home.text("Library/LaunchAgents2", "");
     machine.platform.layout.agentsFolder = machine.home.path("Library/LaunchAgents2/x");
     EXPECT_THROW(scheduler.install("daily"), FileError);
+}
+
+TEST_F(SchedulerTest, AFailedRefreshLeavesTheAgentThatWorked) {
+    scheduler.install("daily");
+    machine.platform.executablePath = "/opt/elsewhere/velto";
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    machine.tools.commands.clear();
+    EXPECT_THROW(scheduler.install("monthly"), SchedulerError);
+    EXPECT_TRUE(scheduler.isInstalled());
+    EXPECT_EQ(machine.home.read(agent), launchAgentText("/opt/velto/velto", "daily"));
+    ASSERT_THAT(machine.tools.commands, SizeIs(3));
+    EXPECT_EQ(machine.tools.commands[2].at(1), "load") << "it was unloaded meanwhile";
+}
+
+TEST_F(SchedulerTest, AnAgentThatCannotBeReplacedStaysAsItIs) {
+    scheduler.install("daily");
+    auto watched = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
+    watched->unwritable.insert(machine.platform.layout.agentFile);
+    machine.platform.files = std::move(watched);
+    EXPECT_THROW(scheduler.install("monthly"), FileError);
+    EXPECT_EQ(machine.home.read(agent), launchAgentText("/opt/velto/velto", "daily"));
 }
 
 TEST_F(SchedulerTest, RemovingTakesTheFileAwayAndNothingInstalledIsFine) {

@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "maintenance/MaintenanceScheduler.h"
 #include "maintenance/systemd_units.h"
 #include "support/TestPlatform.h"
+#include "support/WatchedFiles.h"
 
 namespace velto {
 namespace {
@@ -29,12 +31,17 @@ public:
     explicit FailingTool(std::string command) : command_(std::move(command)) {}
 
     ToolResult run(const std::string&, const std::vector<std::string>& arguments) override {
+        commands.push_back(arguments);
+        if (onEnable && std::ranges::count(arguments, "enable") > 0) onEnable();
         const bool fails = std::ranges::find(arguments, command_) != arguments.end();
         return {.started = true,
                 .startError = "",
                 .exitStatus = fails ? 1 : 0,
                 .standardError = fails ? "Failed to connect to bus:\nno medium found\n" : ""};
     }
+
+    std::vector<std::vector<std::string>> commands;
+    std::function<void()> onEnable;
 
 private:
     std::string command_;
@@ -44,6 +51,13 @@ struct MaintenanceTimerTest : testing::Test {
     MaintenanceTimerTest() {
         machine.platform.layout = HomeLayout::freedesktop(
             machine.home.path(), [](const std::string&) { return std::nullopt; }, "");
+    }
+
+    FailingTool& failAt(const std::string& command) {
+        auto tool = std::make_unique<FailingTool>(command);
+        FailingTool& reference = *tool;
+        machine.platform.tools = std::move(tool);
+        return reference;
     }
 
     TestPlatform machine;
@@ -92,6 +106,48 @@ TEST_F(MaintenanceTimerTest, WithoutAUserManagerNothingIsLeftHalfInstalled) {
     }
 }
 
+TEST_F(MaintenanceTimerTest, AFailedRefreshLeavesTheTimerThatWorked) {
+    scheduler.install("daily");
+    machine.home.link(wanted, machine.home.path(timer));  // as enabling does
+    machine.platform.executablePath = "/opt/elsewhere/velto";
+    for (const char* command : {"daemon-reload", "enable", "restart"}) {
+        const FailingTool& tool = failAt(command);
+        EXPECT_THROW(scheduler.install("monthly"), SchedulerError) << command;
+        EXPECT_EQ(machine.home.read(timer), maintenanceTimerText("daily")) << command;
+        EXPECT_EQ(machine.home.read(service), maintenanceServiceText("/opt/velto/velto"));
+        EXPECT_TRUE(machine.home.exists(wanted)) << command;
+        EXPECT_THAT(tool.commands.back(), Contains("restart")) << command;
+        EXPECT_THAT(*(tool.commands.end() - 2), Contains("daemon-reload")) << command;
+    }
+}
+
+TEST_F(MaintenanceTimerTest, AFailedRefreshWithoutTheToolLeavesItToo) {
+    scheduler.install("daily");
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    EXPECT_THROW(scheduler.install("weekends"), SchedulerError);
+    EXPECT_EQ(machine.home.read(timer), maintenanceTimerText("daily"));
+}
+
+TEST_F(MaintenanceTimerTest, AServiceThatCannotBeWrittenLeavesTheTimerThatWorked) {
+    scheduler.install("daily");
+    machine.platform.executablePath = "/opt/elsewhere/velto";
+    auto watched = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
+    watched->unwritable.insert(machine.platform.layout.agentFile);  // written after the service
+    machine.platform.files = std::move(watched);
+    EXPECT_THROW(scheduler.install("monthly"), FileError);
+    EXPECT_EQ(machine.home.read(timer), maintenanceTimerText("daily"));
+    EXPECT_EQ(machine.home.read(service), maintenanceServiceText("/opt/velto/velto"));
+}
+
+TEST_F(MaintenanceTimerTest, AnOldTimerThatNobodyEnabledIsNotEnabledByAFailure) {
+    machine.home.text(timer, "old");
+    failAt("restart").onEnable = [&] { machine.home.link(wanted, machine.home.path(timer)); };
+    EXPECT_THROW(scheduler.install("daily"), SchedulerError);
+    EXPECT_EQ(machine.home.read(timer), "old");
+    EXPECT_FALSE(machine.home.exists(service)) << "there was none";
+    EXPECT_FALSE(machine.home.exists(wanted));
+}
+
 TEST_F(MaintenanceTimerTest, WithoutTheToolNothingIsLeftEither) {
     machine.tools.result = {.started = false, .startError = "No such file or directory"};
     EXPECT_THROW(scheduler.install("daily"), SchedulerError);
@@ -117,6 +173,11 @@ TEST_F(MaintenanceTimerTest, APathThatSystemdRefusesIsRefusedWithAReason) {
         EXPECT_THROW(scheduler.install("daily"), SchedulerError) << path;
         EXPECT_FALSE(machine.home.exists(service)) << path;
     }
+    machine.platform.executablePath = "/opt/velto/velto";
+    scheduler.install("daily");
+    machine.platform.executablePath = "/opt/a\\b";
+    EXPECT_THROW(scheduler.install("monthly"), SchedulerError);
+    EXPECT_EQ(machine.home.read(timer), maintenanceTimerText("daily")) << "the older one stays";
 }
 
 }  // namespace

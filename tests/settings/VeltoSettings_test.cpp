@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "settings/AppLanguage.h"
 #include "support/fakes.h"
 
@@ -49,8 +52,21 @@ TEST_F(SettingsTest, ARetentionOfNothingOrLessKeepsThirtyDays) {
 TEST_F(SettingsTest, ADamagedRetentionKeepsThirtyDays) {
     defaults.values[defaultsKey::retentionDays] = std::string("siete");
     EXPECT_EQ(settings.retention(), 30);
-    defaults.values[defaultsKey::retentionDays] = 1e300;
+    defaults.values[defaultsKey::retentionDays] = std::nan("");
     EXPECT_EQ(settings.retention(), 30);
+}
+
+TEST_F(SettingsTest, ARetentionLongerThanAnyCalendarIsNeverReadAsAShorterOne) {
+    settings.setRetention(1'000'000);
+    EXPECT_EQ(settings.retention(), 1'000'000);
+    settings.setRetention(1'000'001);
+    EXPECT_EQ(settings.retention(), 1'000'000);
+    settings.setRetention(std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(settings.retention(), 1'000'000);
+    for (const double stored : {1e6 + 1, 1e300, std::numeric_limits<double>::infinity()}) {
+        defaults.values[defaultsKey::retentionDays] = stored;
+        EXPECT_EQ(settings.retention(), 1'000'000) << stored;
+    }
 }
 
 TEST_F(SettingsTest, MexicanSpanishIsSpanishAndFrenchIsEnglish) {

@@ -40,6 +40,7 @@ public:
         return files_->read(path);
     }
     void writeAtomically(const std::string& path, std::string_view content) override {
+        if (unwritable.contains(path)) throw FileError("write", path, ENOSPC);
         files_->writeAtomically(path, content);
     }
     void createFolders(const std::string& path) override { files_->createFolders(path); }
@@ -48,6 +49,7 @@ public:
     std::map<std::string, std::optional<FileAttributes>> attributesAt;
     std::map<std::string, std::vector<std::string>> listingOf;
     std::set<std::string> unlistable;
+    std::set<std::string> unwritable;
 
     /// Every path that was looked at.
     std::set<std::string> looked() const {
