@@ -2,6 +2,8 @@
 
 #include <gio/gio.h>
 
+#include <vector>
+
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
@@ -14,19 +16,20 @@ namespace {
 
 constexpr const char* service = "org.freedesktop.Notifications";
 constexpr const char* object = "/org/freedesktop/Notifications";
-constexpr int timeout = 5'000;  // milliseconds; the service may have to start first
-constexpr int usualTime = -1;   // the service decides how long it shows
+constexpr int timeout = 5'000;         // milliseconds; the service may have to start first
+constexpr int usualTime = -1;          // the service decides how long it shows
+constexpr std::size_t mostKept = 100;  // of notifications that nobody has taken back
 
 struct GlibUnrefVariant {
     void operator()(GVariant* variant) const { g_variant_unref(variant); }
 };
 using Variant = std::unique_ptr<GVariant, GlibUnrefVariant>;
 
-/// A notification as the service that shows it knows it.
+/// The notifications that are shown, as the service that shows them knows them.
 struct Shown {
-    std::string bus;    // the bus's own identifier: a new login has a new bus
-    std::string owner;  // the service's unique name on it
-    std::uint32_t number = 0;
+    std::string bus;                     // the bus's own identifier: a new login has a new bus
+    std::string owner;                   // the service's unique name on it
+    std::vector<std::uint32_t> numbers;  // oldest first
 };
 
 std::string textOrNothing(const char* text) { return text == nullptr ? "" : text; }
@@ -57,19 +60,26 @@ void remember(FileManager& files, const std::string& path, const Shown& shown) {
     try {
         files.createFolders(parentFolder(path));
         const nlohmann::ordered_json record{
-            {"bus", shown.bus}, {"owner", shown.owner}, {"number", shown.number}};
+            {"bus", shown.bus}, {"owner", shown.owner}, {"numbers", shown.numbers}};
         files.writeAtomically(path, record.dump());
     } catch (const FileError&) {
-        // It then stays until the user dismisses it.
+        // They then stay until the user dismisses them.
     }
 }
 
 std::optional<Shown> remembered(FileManager& files, const std::string& path) {
     try {
         const auto record = nlohmann::json::parse(files.read(path));
-        return Shown{.bus = field<std::string>(record, "bus"),
-                     .owner = field<std::string>(record, "owner"),
-                     .number = field<std::uint32_t>(record, "number")};
+        Shown shown{.bus = field<std::string>(record, "bus"),
+                    .owner = field<std::string>(record, "owner"),
+                    .numbers = {}};
+        // An earlier version kept the last one alone.
+        if (record.contains("number")) {
+            shown.numbers = {field<std::uint32_t>(record, "number")};
+        } else {
+            shown.numbers = field<std::vector<std::uint32_t>>(record, "numbers");
+        }
+        return shown;
     } catch (const FileError&) {
         return std::nullopt;  // nothing was posted
     } catch (const nlohmann::json::exception&) {
@@ -85,15 +95,17 @@ void LinuxNotifications::removeAllDelivered() {
     try {
         files_.removeAll(memory_);
     } catch (const FileError&) {
-        // Closing the same number once more does no harm.
+        // Closing the same numbers once more does no harm.
     }
     if (!shown) return;
     const GlibReference<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (!bus || textOrNothing(g_dbus_connection_get_guid(bus.get())) != shown->bus) return;
     if (owner(bus.get()) != shown->owner) return;
-    g_dbus_connection_call(bus.get(), service, object, service, "CloseNotification",
-                           g_variant_new("(u)", shown->number), nullptr, G_DBUS_CALL_FLAGS_NONE,
-                           timeout, nullptr, nullptr, nullptr);
+    for (const std::uint32_t number : shown->numbers) {
+        g_dbus_connection_call(bus.get(), service, object, service, "CloseNotification",
+                               g_variant_new("(u)", number), nullptr, G_DBUS_CALL_FLAGS_NONE,
+                               timeout, nullptr, nullptr, nullptr);
+    }
     // Nobody else may hold the connection, and what is not written is lost with it.
     g_dbus_connection_flush_sync(bus.get(), nullptr, nullptr);
 }
@@ -112,9 +124,18 @@ void LinuxNotifications::post(const std::string&, const std::string& title,
         bus.get(), service, object, service, "Notify", notification(title, body),
         G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, timeout, nullptr, &error));
     if (!answer) return failed(error);
+    std::uint32_t number = 0;
+    g_variant_get(answer.get(), "(u)", &number);
     Shown shown{.bus = textOrNothing(g_dbus_connection_get_guid(bus.get())),
-                .owner = owner(bus.get())};
-    g_variant_get(answer.get(), "(u)", &shown.number);
+                .owner = owner(bus.get()),
+                .numbers = {}};
+    // What the same service still shows is taken back together with this one.
+    const auto before = remembered(files_, memory_);
+    if (before && before->bus == shown.bus && before->owner == shown.owner) {
+        shown.numbers = before->numbers;
+    }
+    shown.numbers.push_back(number);
+    if (shown.numbers.size() > mostKept) shown.numbers.erase(shown.numbers.begin());
     remember(files_, memory_, shown);
 }
 

@@ -9,11 +9,11 @@
 namespace velto {
 
 /// The desktop's notification service on the session bus ("org.freedesktop.Notifications"). It
-/// knows a notification by the number that it gave it and lists none, so the number of the last one
-/// is kept in a file, together with the service that gave it: another one counts from the start.
+/// knows a notification by the number that it gave it and lists none, so the numbers are kept in a
+/// file, together with the service that gave them: another one counts from the start.
 class LinuxNotifications final : public Notifications {
 public:
-    /// `memory` is the file that keeps the number. All outlive the object.
+    /// `memory` is the file that keeps the numbers. All outlive the object.
     LinuxNotifications(FileManager& files, Log& log, std::string memory)
         : files_(files), log_(log), memory_(std::move(memory)) {}
 

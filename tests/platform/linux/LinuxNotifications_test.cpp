@@ -4,8 +4,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+
+#include <nlohmann/json.hpp>
 
 #include "NotificationService.h"
 #include "support/TempHome.h"
@@ -35,9 +38,10 @@ public:
         const std::lock_guard lock(mutex_);
         return closed_;
     }
-    void waitForClosing() const {
+    void waitForClosing(std::size_t count = 1) const {
         std::unique_lock lock(mutex_);
-        hasClosed_.wait(lock, [this] { return !closed_.empty(); });
+        hasClosed_.wait_for(lock, std::chrono::seconds(30),
+                            [&] { return closed_.size() >= count; });
     }
 
 private:
@@ -92,6 +96,54 @@ TEST_F(LinuxNotificationsTest, AnotherProcessTakesItBack) {
     EXPECT_THAT(desktop.closed(), ElementsAre(42u));
     EXPECT_FALSE(home_.exists("Velto/shown.json"));
     notifications().removeAllDelivered();
+}
+
+TEST_F(LinuxNotificationsTest, AllThatWerePostedAreTakenBack) {
+    Desktop desktop(address());
+    for (int pass = 0; pass < 3; ++pass)
+        notifications().post("id", "title", "body");
+    ASSERT_THAT(desktop.shown(), SizeIs(3));
+    notifications().removeAllDelivered();
+    desktop.waitForClosing(3);
+    EXPECT_THAT(desktop.closed(), ElementsAre(42u, 43u, 44u));
+    EXPECT_FALSE(home_.exists("Velto/shown.json"));
+}
+
+TEST_F(LinuxNotificationsTest, TheOneThatAnEarlierVersionKeptIsTakenBackToo) {
+    Desktop desktop(address());
+    notifications().post("id", "title", "body");
+    auto record = nlohmann::json::parse(home_.read("Velto/shown.json"));
+    record.erase("numbers");
+    record["number"] = 42;
+    home_.text("Velto/shown.json", record.dump());
+    notifications().post("id", "title", "body");
+    notifications().removeAllDelivered();
+    desktop.waitForClosing(2);
+    EXPECT_THAT(desktop.closed(), ElementsAre(42u, 43u));
+}
+
+TEST_F(LinuxNotificationsTest, WhatAnotherServiceHasShownIsForgottenAtTheNextPost) {
+    {
+        const Desktop first(address());
+        notifications().post("id", "title", "body");
+        notifications().post("id", "title", "body");
+    }
+    const Desktop second(address());
+    notifications().post("id", "title", "body");
+    notifications().removeAllDelivered();
+    second.waitForClosing();
+    notifications().post("id", "title", "body");  // answered after what was asked before
+    EXPECT_THAT(second.closed(), ElementsAre(42u));
+}
+
+TEST_F(LinuxNotificationsTest, TheMemoryDoesNotGrowWithoutEnd) {
+    Desktop desktop(address());
+    for (int pass = 0; pass < 103; ++pass)
+        notifications().post("id", "title", "body");
+    notifications().removeAllDelivered();
+    desktop.waitForClosing(100);
+    EXPECT_EQ(desktop.closed().front(), 45u) << "the oldest are given up";
+    EXPECT_EQ(desktop.closed().back(), 144u);
 }
 
 TEST_F(LinuxNotificationsTest, AnotherServicesNotificationIsNotTakenForOurs) {
