@@ -11,6 +11,8 @@
 #include <fmt/format.h>
 
 #include "cleaning/folder_size.h"
+#include "cleaning/known_caches.h"
+#include "cleaning/trash_refusal.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
@@ -102,6 +104,11 @@ std::vector<Candidate> CleaningRules::discoverAll() {
 std::vector<Candidate> CleaningRules::caches() const {
     std::vector<std::string> entries = names(platform_.layout.caches);
     std::erase_if(entries, isSystemCache);
+    if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
+        std::erase_if(entries, [](const std::string& name) {
+            return knownCache(name) == KnownCache::neverTaken;
+        });
+    }
     std::vector<std::string> paths;
     paths.reserve(entries.size());
     for (const std::string& name : entries)
@@ -131,10 +138,13 @@ std::vector<Candidate> CleaningRules::xcode() const {
     if (!isInstalled) return {};
 
     // All that might be proposed; the sizes, measured together, decide.
-    std::vector<Candidate> possible{{.ruleID = "xcode",
-                                     .path = layout.xcodeDerivedData,
-                                     .daysOld = daysSinceModified(layout.xcodeDerivedData),
-                                     .label = "Derived Data de Xcode."}};
+    std::vector<Candidate> possible;
+    if (isWithinReach(layout.xcodeDerivedData)) {
+        possible.push_back({.ruleID = "xcode",
+                            .path = layout.xcodeDerivedData,
+                            .daysOld = daysSinceModified(layout.xcodeDerivedData),
+                            .label = "Derived Data de Xcode."});
+    }
     for (const std::string& name : names(layout.xcodeDeviceSupport)) {
         const std::string path = inside(layout.xcodeDeviceSupport, name);
         const int days = daysSinceModified(path);
@@ -152,7 +162,8 @@ std::vector<Candidate> CleaningRules::xcode() const {
 
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < possible.size(); ++index) {
-        const std::int64_t smallest = index == 0 ? smallestDerivedData : 0;
+        const bool isDerivedData = possible[index].path == layout.xcodeDerivedData;
+        const std::int64_t smallest = isDerivedData ? smallestDerivedData : 0;
         if (!sizes[index] || *sizes[index] < smallest) continue;
         possible[index].gb = gigabytes(*sizes[index]);
         candidates.push_back(std::move(possible[index]));
@@ -215,9 +226,15 @@ std::vector<CleaningRules::Download> CleaningRules::largeDownloads(
     return found;
 }
 
+/// The trash takes nothing through a link on the way, and nothing from outside the home; what it
+/// would refuse is not even measured.
+bool CleaningRules::isWithinReach(const std::string& path) const {
+    return trashRefusal(platform_, path) != TrashError::Reason::outsideHome;
+}
+
 /// The names in a folder that can be proposed, sorted. A folder that cannot be listed has none.
 std::vector<std::string> CleaningRules::names(const std::string& folder) const {
-    if (folder.empty()) return {};
+    if (folder.empty() || !isWithinReach(folder)) return {};
     std::vector<std::string> entries;
     try {
         entries = platform_.files->list(folder);

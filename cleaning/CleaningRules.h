@@ -30,7 +30,10 @@ struct Rule {
     std::function<std::vector<Candidate>()> discover;
 };
 
-/// Finds what could be cleaned in the user's home. It only proposes: nothing is changed. The result
+/// Finds what could be cleaned in the user's home. It only proposes: nothing is changed. What the
+/// program's trash could not take for a link on the way is left out, and on a freedesktop home the
+/// caches that are never taken (caches_never_taken.h). How certain a cache is made again, a
+/// CacheJudge tells. The result
 /// depends on the files alone, not on the order in which they are listed or measured. One thread at
 /// a time.
 class CleaningRules {
@@ -62,6 +65,7 @@ private:
     std::vector<Candidate> oldDownloads() const;
     std::vector<Candidate> installers() const;
 
+    bool isWithinReach(const std::string& path) const;
     std::vector<std::string> names(const std::string& folder) const;
     std::vector<Download> largeDownloads(
         const std::function<bool(std::string_view)>& isWanted) const;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "cleaning/folder_size.h"
+#include "cleaning/trash_refusal.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
@@ -17,14 +18,20 @@ constexpr std::int64_t smallestTrashItem = 50'000'000;  // bytes
 constexpr double longestInTrash = 30;                   // whole days
 constexpr int oldDownloadDays = 365;
 
-/// Appends what a rule finds. One that fails adds nothing and keeps no other from its work.
+/// Appends what a rule finds. One that fails adds nothing and keeps no other from its work; then it
+/// is false.
 template <typename Element, typename FindAll>
-void append(std::vector<Element>& target, FindAll findAll) {
+bool append(std::vector<Element>& target, FindAll findAll) {
     try {
         std::ranges::move(findAll(), std::back_inserter(target));
+        return true;
     } catch (const std::exception&) {
-        // See above.
+        return false;
     }
+}
+
+std::string nameOf(const velto::Candidate& candidate) {
+    return std::string(lastPathComponent(candidate.path));
 }
 
 }  // namespace
@@ -46,7 +53,8 @@ std::vector<MaintenanceRules::Candidate> MaintenanceRules::candidates(const Swit
 
 std::vector<MaintenanceRules::Candidate> MaintenanceRules::run(const Switches& switches) {
     std::vector<Found> found = find(switches);
-    std::erase_if(found, [&](const Found& one) { return !isStillWanted(one); });
+    const CacheJudge judge(platform_);  // measuring takes a while: who runs now?
+    std::erase_if(found, [&](const Found& one) { return !isStillWanted(one, judge); });
     if (found.empty()) return {};
     std::vector<Candidate> moved;
     if (move(found)) {
@@ -55,7 +63,7 @@ std::vector<MaintenanceRules::Candidate> MaintenanceRules::run(const Switches& s
         return moved;
     }
     for (Found& one : found) {
-        if (isStillWanted(one) && move({one})) moved.push_back(std::move(one.candidate));
+        if (isStillWanted(one, judge) && move({one})) moved.push_back(std::move(one.candidate));
     }
     return moved;
 }
@@ -69,16 +77,21 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::find(const Switches& swit
     std::vector<Found> all;
     if (isOn("systemTrash")) append(all, [&] { return fromSystemTrash(); });
     if (isOn("oldDownloads") && limits_.hasAccess) {
-        append(all, [&] { return fromCleaning("oldDownloads", oldDownloadDays); });
+        append(all, [&] { return fromOldDownloads(); });
     }
     if (isOn("caches")) {
-        append(all, [&] { return fromCleaning("caches", 0); });
-        append(all, [&] { return fromCleaning("xcode", 0); });
+        const CacheJudge judge(platform_);
+        append(all, [&] { return fromCaches("caches", judge); });
+        append(all, [&] { return fromCaches("xcode", judge); });
     }
-    if (isOn("duplicates") && limits_.hasAccess) append(all, [&] { return fromDuplicates(all); });
+    hasLookedForDuplicates_ =
+        isOn("duplicates") && limits_.hasAccess && append(all, [&] { return fromDuplicates(all); });
 
     std::unordered_set<std::string> seen;
-    std::erase_if(all, [&](const Found& one) { return !seen.insert(one.candidate.path).second; });
+    std::erase_if(all, [&](const Found& one) {
+        return !seen.insert(one.candidate.path).second ||
+               trashRefusal(platform_, one.candidate.path);
+    });
     return all;
 }
 
@@ -105,24 +118,40 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::fromSystemTrash() const {
         if (*size < smallestTrashItem) continue;
         found.push_back({.candidate = {old[index].path, old[index].name, gigabytes(*size)},
                          .duplicate = std::nullopt,
+                         .cache = std::nullopt,
                          .isFromSystemTrash = true});
     }
     return found;
 }
 
-std::vector<MaintenanceRules::Found> MaintenanceRules::fromCleaning(std::string_view ruleID,
-                                                                    int youngest) {
+std::vector<MaintenanceRules::Found> MaintenanceRules::fromOldDownloads() {
     std::vector<Found> found;
-    const auto rule = std::ranges::find(cleaning_.rules(), ruleID, &Rule::id);
-    if (rule == cleaning_.rules().end()) return found;
-    for (const velto::Candidate& candidate : rule->discover()) {
-        if (candidate.daysOld < youngest) continue;
-        found.push_back(
-            {.candidate = {candidate.path, std::string(lastPathComponent(candidate.path)),
-                           candidate.gb},
-             .duplicate = std::nullopt});
+    for (const velto::Candidate& candidate : fromCleaning("oldDownloads")) {
+        if (candidate.daysOld < oldDownloadDays) continue;
+        found.push_back({.candidate = {candidate.path, nameOf(candidate), candidate.gb},
+                         .duplicate = std::nullopt,
+                         .cache = std::nullopt});
     }
     return found;
+}
+
+/// Nobody looks on: what may hold more than its program can make again stays, and so does what a
+/// program works with at this moment.
+std::vector<MaintenanceRules::Found> MaintenanceRules::fromCaches(std::string_view ruleID,
+                                                                  const CacheJudge& judge) {
+    std::vector<Found> found;
+    for (const velto::Candidate& candidate : fromCleaning(ruleID)) {
+        if (!judge.facts(candidate).isCertain()) continue;
+        found.push_back({.candidate = {candidate.path, nameOf(candidate), candidate.gb},
+                         .duplicate = std::nullopt,
+                         .cache = candidate});
+    }
+    return found;
+}
+
+std::vector<velto::Candidate> MaintenanceRules::fromCleaning(std::string_view ruleID) {
+    const auto rule = std::ranges::find(cleaning_.rules(), ruleID, &Rule::id);
+    return rule == cleaning_.rules().end() ? std::vector<velto::Candidate>() : rule->discover();
 }
 
 std::vector<MaintenanceRules::Found> MaintenanceRules::fromDuplicates(
@@ -135,13 +164,16 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::fromDuplicates(
     for (DuplicateCopy& copy : duplicateCopies(platform_, limits_.excluded, leavingPaths)) {
         const std::string path = copy.copy.path;
         found.push_back({.candidate = {path, std::string(lastPathComponent(path)), copy.gb},
-                         .duplicate = std::move(copy)});
+                         .duplicate = std::move(copy),
+                         .cache = std::nullopt});
     }
     return found;
 }
 
-/// Comparing takes a while: a copy that has changed since, or whose other copy has, is none.
-bool MaintenanceRules::isStillWanted(const Found& found) const {
+/// Comparing takes a while: a copy that has changed since, or whose other copy has, is none. The
+/// application of a cache may have been started meanwhile.
+bool MaintenanceRules::isStillWanted(const Found& found, const CacheJudge& judge) const {
+    if (found.cache && !judge.facts(*found.cache).isCertain()) return false;
     return !found.duplicate || (found.duplicate->copy.isUnchanged(*platform_.files) &&
                                 found.duplicate->kept.isUnchanged(*platform_.files));
 }

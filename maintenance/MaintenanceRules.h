@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cleaning/CleaningRules.h"
+#include "cleaning/known_caches.h"
 #include "maintenance/SystemTrash.h"
 #include "maintenance/duplicate_copies.h"
 #include "platform/Platform.h"
@@ -43,25 +44,33 @@ public:
     MaintenanceRules(const Platform& platform, Mover mover, CleaningRules& cleaning, Limits limits);
 
     /// What the rules that are on would move, in their order, each path once. Blocks while folders
-    /// are measured and files compared. What cannot be read is left out.
+    /// are measured and files compared. What cannot be read is left out, and so is what the trash
+    /// would refuse. Of the caches only those count that are certain to be made again.
     std::vector<Candidate> candidates(const Switches& switches);
 
     /// Moves the candidates, all at once or, when that fails, one by one, and returns those moved.
     std::vector<Candidate> run(const Switches& switches);
 
+    /// True when the last look for candidates compared files: not when "duplicates" was off, the
+    /// access was missing, or the comparison failed.
+    bool hasLookedForDuplicates() const { return hasLookedForDuplicates_; }
+
 private:
     struct Found {
         Candidate candidate;
         std::optional<DuplicateCopy> duplicate;  // what makes it one
+        std::optional<velto::Candidate> cache;   // the same
         bool isFromSystemTrash = false;
     };
 
     std::vector<Found> find(const Switches& switches);
     std::vector<Found> fromSystemTrash() const;
-    std::vector<Found> fromCleaning(std::string_view ruleID, int youngest);
+    std::vector<Found> fromOldDownloads();
+    std::vector<Found> fromCaches(std::string_view ruleID, const CacheJudge& judge);
+    std::vector<velto::Candidate> fromCleaning(std::string_view ruleID);
     std::vector<Found> fromDuplicates(const std::vector<Found>& leaving) const;
 
-    bool isStillWanted(const Found& found) const;
+    bool isStillWanted(const Found& found, const CacheJudge& judge) const;
     bool move(const std::vector<Found>& found);
 
     const Platform& platform_;
@@ -69,6 +78,7 @@ private:
     CleaningRules& cleaning_;
     Limits limits_;
     SystemTrash systemTrash_;
+    bool hasLookedForDuplicates_ = false;
 };
 
 }  // namespace velto

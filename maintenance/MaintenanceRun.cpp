@@ -74,9 +74,9 @@ std::vector<MaintenanceRules::Candidate> MaintenanceRun::moveToTrash(Maintenance
     bool& duplicates = switches["duplicates"];
     const double sinceLast = platform_.clock->now() - settings_.duplicatesRound();
     duplicates = duplicates && sinceLast >= duplicatesInterval;
-    const bool isRound = duplicates;
     auto moved = rules.run(switches);
-    if (isRound) settings_.setDuplicatesRound(platform_.clock->now());
+    // A round that could not be made is made by the next pass.
+    if (rules.hasLookedForDuplicates()) settings_.setDuplicatesRound(platform_.clock->now());
     return moved;
 }
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,17 @@ struct CleaningRulesTest : testing::Test {
         home().sparse(path + "/data", bytes);
         TempHome::File(home().path(path)).dated(now(), now() - days * day);
         return home().path(path);
+    }
+
+    /// From now on the home is one of a freedesktop system.
+    void useLinuxHome(const std::string& cacheHome = "") {
+        layout() = HomeLayout::freedesktop(
+            home().path(),
+            [cacheHome](const std::string& name) -> std::optional<std::string> {
+                if (name != "XDG_CACHE_HOME" || cacheHome.empty()) return std::nullopt;
+                return cacheHome;
+            },
+            "");
     }
 
     /// False on a file system that refuses names that are no text.

@@ -1,5 +1,7 @@
 #include "CleaningRulesFixture.h"
 
+#include <filesystem>
+#include <fstream>
 #include <limits>
 
 namespace velto {
@@ -132,13 +134,7 @@ TEST_F(CleaningRulesCachesTest, HundredsOfEntriesKeepOneOrder) {
 }
 
 TEST_F(CleaningRulesCachesTest, ALinuxHomesCachesAreThoseOfItsCacheFolder) {
-    layout() = HomeLayout::freedesktop(
-        home().path(),
-        [&](const std::string& name) -> std::optional<std::string> {
-            if (name == "XDG_CACHE_HOME") return home().path("elsewhere/cache");
-            return std::nullopt;
-        },
-        "");
+    useLinuxHome(home().path("elsewhere/cache"));
     const std::string path = folderOf("elsewhere/cache/mozilla", 50'000'000, 1);
     folderOf(".cache/not-this", 60'000'000);
     folderOf("Library/Caches/nor.this", 60'000'000);
@@ -147,6 +143,41 @@ TEST_F(CleaningRulesCachesTest, ALinuxHomesCachesAreThoseOfItsCacheFolder) {
                                                      .gb = 0.05,
                                                      .daysOld = 1,
                                                      .label = "Caché de mozilla."}));
+}
+
+TEST_F(CleaningRulesCachesTest, OnALinuxHomeWhatNothingMakesAgainIsNotEvenProposed) {
+    useLinuxHome();
+    for (const char* name : {"rclone", "borg", "huggingface", "JetBrains", "evolution"}) {
+        folderOf(std::string(".cache/") + name, 60'000'000);
+    }
+    const std::string unknown = folderOf(".cache/some-program", 60'000'000);
+    EXPECT_THAT(paths(discoverAll()), ElementsAre(unknown)) << "the person decides";
+}
+
+TEST_F(CleaningRulesCachesTest, OnAMacsHomeTheFiveOfTheSystemAloneAreLeftOut) {
+    const std::string index = folderOf("Library/Caches/restic", 60'000'000);
+    EXPECT_THAT(paths(discoverAll()), ElementsAre(index));
+}
+
+TEST_F(CleaningRulesCachesTest, WhatTheTrashWouldRefuseForALinkOnTheWayIsNotProposed) {
+    useLinuxHome();
+    folderOf("disk/cache/mozilla", 60'000'000);
+    home().link(".cache", home().path("disk/cache"));
+    EXPECT_THAT(discoverAll(), IsEmpty());
+    useLinuxHome(home().path("disk/cache"));
+    EXPECT_THAT(discoverAll(), SizeIs(1)) << "the same folder by its own path";
+}
+
+TEST_F(CleaningRulesCachesTest, CachesOutsideTheHomeAreNotProposed) {
+    const TempHome elsewhere;
+    useLinuxHome(elsewhere.path());
+    std::filesystem::create_directories(elsewhere.path("mozilla"));
+    std::ofstream(elsewhere.path("mozilla/data")).close();
+    std::filesystem::resize_file(elsewhere.path("mozilla/data"), 60'000'000);
+    EXPECT_THAT(discoverAll(), IsEmpty());
+    useLinuxHome(home().path());
+    folderOf("Music", 60'000'000);
+    EXPECT_THAT(discoverAll(), IsEmpty()) << "nor is the home itself a folder of caches";
 }
 
 }  // namespace

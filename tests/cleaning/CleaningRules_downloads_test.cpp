@@ -169,6 +169,12 @@ TEST_F(CleaningRulesDownloadsTest, ALinuxHomesInstallersComeFromItsOwnFolderWith
     EXPECT_EQ(paths(discoverAll()), expected);
 }
 
+TEST_F(CleaningRulesDownloadsTest, ALinkInThePlaceOfDownloadsLeadsToNothing) {
+    home().sparse("disk/incoming/old.dmg", 60'000'000).dated(now() - 900 * day, now() - 900 * day);
+    home().link("Downloads", home().path("disk/incoming"));
+    EXPECT_THAT(discoverAll(), IsEmpty()) << "the trash takes nothing through a link";
+}
+
 TEST_F(CleaningRulesDownloadsTest, ALinuxHomeWithoutADownloadsFolderHasNoDownloads) {
     useLinuxHome("XDG_DOWNLOAD_DIR=\"$HOME/\"\n");
     home().sparse("old.deb", 60'000'000).dated(now() - 900 * day, now() - 900 * day);

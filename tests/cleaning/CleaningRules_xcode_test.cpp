@@ -97,6 +97,17 @@ TEST_F(CleaningRulesXcodeTest, WithoutAccessXcodeIsStillLookedAt) {
     EXPECT_THAT(paths(discoverAll()), ElementsAre(path));
 }
 
+TEST_F(CleaningRulesXcodeTest, NothingBehindALinkIsProposed) {
+    install();
+    home().folder("Library");
+    home().sparse("disk/Developer/Xcode/DerivedData/data", 200'000'000);
+    home().sparse("disk/Developer/Xcode/iOS DeviceSupport/14.0/data", 60'000'000);
+    TempHome::File(home().path("disk/Developer/Xcode/iOS DeviceSupport/14.0"))
+        .dated(now(), now() - 900 * day);
+    home().link("Library/Developer", home().path("disk/Developer"));
+    EXPECT_THAT(discoverAll(), IsEmpty());
+}
+
 TEST_F(CleaningRulesXcodeTest, ALinuxHomeHasNone) {
     home().folder("Applications/Xcode.app");
     folderOf(derivedData, 200'000'000);

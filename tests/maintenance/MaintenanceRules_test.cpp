@@ -1,5 +1,7 @@
 #include "maintenance/MaintenanceRules.h"
 
+#include <mutex>
+
 #include "MaintenanceFixture.h"
 
 namespace velto {
@@ -87,6 +89,105 @@ TEST_F(MaintenanceRulesTest, WithoutAccessNothingAsksForTheGuardedFolders) {
     filled("Downloads/one.bin", 'x');
     filled("Documents/other.bin", 'x');
     EXPECT_THAT(run({{"oldDownloads", true}, {"duplicates", true}}), IsEmpty());
+}
+
+struct CareTest : MaintenanceRulesTest {
+    void useLinuxHome() {
+        machine.platform.layout = HomeLayout::freedesktop(
+            home().path(), [](const std::string&) { return std::nullopt; }, "");
+    }
+    std::string cache(const std::string& path) {
+        home().sparse(path + "/data", 90 * megabyte);
+        return home().path(path);
+    }
+    void runs(const std::string& executable) {
+        machine.running.add({.bundleIdentifier = "", .bundlePath = "", .executable = executable});
+    }
+};
+
+TEST_F(CareTest, OnALinuxHomeOnlyCachesThatAreMadeAgainGoUnattended) {
+    useLinuxHome();
+    const std::string browser = cache(".cache/mozilla");
+    for (const char* name : {"rclone/vfs", "borg", "restic", "duplicity", "huggingface",
+                             "JetBrains/Idea/LocalHistory", "some-program", "spotify"}) {
+        cache(std::string(".cache/") + name);
+    }
+    EXPECT_THAT(run({{"caches", true}}), ElementsAre(browser));
+    EXPECT_TRUE(home().exists(".cache/rclone/vfs/data"));
+}
+
+TEST_F(CareTest, OnAMacsHomeTheNeverTakenStayToo) {
+    const std::string other = cache("Library/Caches/com.example.App");
+    cache("Library/Caches/rclone/vfs");
+    cache("Library/Caches/JetBrains");
+    EXPECT_THAT(run({{"caches", true}}), ElementsAre(other));
+}
+
+TEST_F(CareTest, TheCachesOfRunningApplicationsStay) {
+    cache("Library/Caches/com.example.App");
+    const std::string other = cache("Library/Caches/com.example.Other");
+    machine.running.add({.bundleIdentifier = "com.example.App",
+                         .bundlePath = "/Applications/App.app",
+                         .executable = "/Applications/App.app/Contents/MacOS/App"});
+    EXPECT_THAT(run({{"caches", true}}), ElementsAre(other));
+
+    useLinuxHome();
+    cache(".cache/mozilla");
+    const std::string thumbnails = cache(".cache/thumbnails");
+    runs("/usr/lib/firefox/firefox");
+    EXPECT_THAT(run({{"caches", true}}), ElementsAre(thumbnails));
+}
+
+/// An application is started while the folders are measured.
+class StartingReader final : public DirectoryReader {
+public:
+    StartingReader(std::unique_ptr<DirectoryReader> reader, std::function<void()> start)
+        : reader_(std::move(reader)), start_(std::move(start)) {}
+
+    std::shared_ptr<OpenFolder> open(const std::string& path) override {
+        std::call_once(once_, start_);
+        return reader_->open(path);
+    }
+    std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override {
+        return reader_->openChild(parent, name);
+    }
+    bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override {
+        return reader_->read(folder, options, entries);
+    }
+
+private:
+    std::unique_ptr<DirectoryReader> reader_;
+    std::function<void()> start_;
+    std::once_flag once_;
+};
+
+TEST_F(CareTest, AnApplicationStartedWhileItsCacheIsMeasuredKeepsIt) {
+    useLinuxHome();
+    cache(".cache/mozilla");
+    machine.platform.directories = std::make_unique<StartingReader>(
+        std::move(machine.platform.directories), [this] { runs("/usr/lib/firefox/firefox"); });
+    EXPECT_THAT(run({{"caches", true}}), IsEmpty());
+}
+
+TEST_F(CareTest, WhatTheTrashWouldRefuseSpoilsNoOtherMove) {
+    thrownAway("old.iso", 60 * megabyte, 31);
+    cache("Library/Caches/com.apple.MailCompanion");
+    EXPECT_THAT(run({{"systemTrash", true}, {"caches", true}}),
+                ElementsAre(home().path(".Trash/old.iso")));
+    EXPECT_THAT(calls, ElementsAre(SizeIs(1))) << "all at once";
+}
+
+TEST_F(CareTest, NothingIsTakenThroughALinkInThePlaceOfAFolder) {
+    useLinuxHome();
+    const std::int64_t old = now() - 400 * day;
+    cache("disk/cache/mozilla");
+    home().link(".cache", home().path("disk/cache"));
+    home().sparse("disk/incoming/film.mkv", 70 * megabyte).dated(old, old);
+    home().link("Downloads", home().path("disk/incoming"));
+    home().sparse("disk/trash/files/old.iso", 70 * megabyte).dated(old, old);
+    home().link(".local/share/Trash", home().path("disk/trash"));
+    EXPECT_THAT(run({{"systemTrash", true}, {"oldDownloads", true}, {"caches", true}}), IsEmpty());
+    EXPECT_THAT(calls, IsEmpty());
 }
 
 TEST_F(MaintenanceRulesTest, ACandidateTellsItsNameAndItsSize) {

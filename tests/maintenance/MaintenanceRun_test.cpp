@@ -14,6 +14,18 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+/// A reader on a machine that can open nothing more.
+class NoFolders final : public DirectoryReader {
+public:
+    std::shared_ptr<OpenFolder> open(const std::string&) override {
+        throw std::runtime_error("no memory");
+    }
+    std::shared_ptr<OpenFolder> openChild(OpenFolder&, std::string_view) override {
+        throw std::runtime_error("no memory");
+    }
+    bool read(OpenFolder&, const ReadOptions&, EntryList&) override { return false; }
+};
+
 struct MaintenanceRunTest : testing::Test {
     static constexpr std::int64_t day = 86400;
 
@@ -22,6 +34,11 @@ struct MaintenanceRunTest : testing::Test {
     std::int64_t now() const { return static_cast<std::int64_t>(machine.clock.time); }
 
     void perform() { perform(trash); }
+    void perform(const MaintenanceRules::Limits& limits) {
+        const AppLanguage language(settings);
+        MaintenanceScheduler scheduler(machine.platform);
+        MaintenanceRun(machine.platform, settings, language, trash, scheduler).perform(limits);
+    }
     void perform(VeltoTrashService& trashService) {
         const AppLanguage language(settings);
         MaintenanceScheduler scheduler(machine.platform);
@@ -103,6 +120,19 @@ TEST_F(MaintenanceRunTest, DuplicatesAreHandledOnceInThirtyDays) {
     EXPECT_EQ(settings.duplicatesRound(), machine.clock.time);
 }
 
+TEST_F(MaintenanceRunTest, ARoundOfDuplicatesThatCouldNotBeMadeIsNoRound) {
+    makeDuplicates();
+    perform({.hasAccess = false});
+    EXPECT_EQ(settings.duplicatesRound(), 0) << "without access nobody has looked";
+    auto directories = std::exchange(machine.platform.directories, std::make_unique<NoFolders>());
+    perform();
+    EXPECT_EQ(settings.duplicatesRound(), 0) << "the rule has failed";
+    machine.platform.directories = std::move(directories);
+    perform();
+    EXPECT_EQ(settings.duplicatesRound(), machine.clock.time);
+    EXPECT_FALSE(machine.home.exists("Documents/report.bin"));
+}
+
 TEST_F(MaintenanceRunTest, TheFirstRoundOfDuplicatesComesAtOnceAndOnlyWhenSwitchedOn) {
     makeDuplicates();
     settings.setRule("duplicates", false);
@@ -158,7 +188,8 @@ TEST_F(MaintenanceRunTest, OnAFreedesktopHomeTheDesktopsTrashLosesTheNoteWithThe
     machine.home.sparse(".local/share/Trash/files/old.iso", 60'000'000);
     machine.home.text(".local/share/Trash/info/old.iso.trashinfo",
                       "[Trash Info]\nPath=/x\nDeletionDate=2001-01-01T00:00:00\n");
-    machine.home.sparse(".cache/app/data", 60'000'000);
+    machine.home.sparse(".cache/mozilla/data", 60'000'000);
+    machine.home.sparse(".cache/some-program/data", 60'000'000);
     machine.home.text("Downloads/note.txt", "x");
     VeltoTrashService trashHere(*machine.platform.files, *machine.platform.mover, machine.clock,
                                 machine.log, machine.platform.layout);
@@ -166,7 +197,8 @@ TEST_F(MaintenanceRunTest, OnAFreedesktopHomeTheDesktopsTrashLosesTheNoteWithThe
     EXPECT_THAT(trashHere.items(), SizeIs(2));
     EXPECT_FALSE(machine.home.exists(".local/share/Trash/files/old.iso"));
     EXPECT_FALSE(machine.home.exists(".local/share/Trash/info/old.iso.trashinfo"));
-    EXPECT_FALSE(machine.home.exists(".cache/app"));
+    EXPECT_FALSE(machine.home.exists(".cache/mozilla"));
+    EXPECT_TRUE(machine.home.exists(".cache/some-program/data")) << "nobody knows what it is";
 }
 
 TEST_F(MaintenanceRunTest, TheMessageSaysWhatHappenedInBothLanguages) {
