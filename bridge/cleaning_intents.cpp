@@ -16,8 +16,14 @@ void JSBridge::onScanCleanables(const Payload&) {
             if (weak.expired()) return;
             const PermissionService permissions(platform);
             CleaningRules rules(platform, [&] { return permissions.hasAccess(); });
-            platform.dispatcher->main([weak, begun, found = rules.discoverAll()] {
-                if (const auto bridge = weak.lock()) bridge->showCleanables(found, begun);
+            auto found = rules.discoverAll();
+            // First, so that the page knows what it may preselect before it has anything to show.
+            const std::string facts = events::cleanableFacts(CacheJudge(platform).facts(found));
+            platform.dispatcher->main([weak, begun, facts, found = std::move(found)] {
+                const auto bridge = weak.lock();
+                if (!bridge) return;
+                bridge->evaluate(facts);
+                bridge->showCleanables(found, begun);
             });
         });
 }

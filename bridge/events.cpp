@@ -86,6 +86,13 @@ std::string cleanables(const std::vector<Candidate>& candidates) {
     return call("onCleanables", literal(toJson(candidates)));
 }
 
+std::string cleanableFacts(const FactsByPath& facts) {
+    auto byPath = nlohmann::json::object();
+    for (const auto& [path, fact] : facts)
+        byPath[path] = {{"certain", fact.isCertain()}, {"reason", word(fact.reason)}};
+    return call("onCleanableFacts", literal(byPath));
+}
+
 std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,
                       std::string_view direction) {
     return call("onCloudMove",

@@ -11,6 +11,7 @@
 #include "analysis/DiskState.h"
 #include "cleaning/CleaningRules.h"
 #include "cleaning/TrashRecords.h"
+#include "cleaning/known_caches.h"
 
 /// The exact script of each event that the page receives. Pure: no bridge, no web view.
 namespace velto::events {
@@ -44,6 +45,8 @@ std::string maintenance(const nlohmann::json& status);
 std::string trashState(const std::vector<TrashItem>& items);
 std::string trashChanged(double gb);  // GB in the trash, with one decimal
 std::string cleanables(const std::vector<Candidate>& candidates);
+/// By path: {"certain", "reason"}, the reasons as `word` gives them.
+std::string cleanableFacts(const FactsByPath& facts);
 
 /// `direction` is "to" or "from" the cloud folder.
 std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,

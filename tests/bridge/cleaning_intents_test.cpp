@@ -51,6 +51,32 @@ TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {
     EXPECT_EQ(list[1].size(), 5u);
 }
 
+TEST_F(CleaningIntents, HowCertainEachCacheIsComesBeforeThem) {
+    machine.grantAccess();
+    machine.home.sparse("Downloads/Example.dmg", 60'000'000);
+    machine.home.sparse("Library/Caches/rclone/blob", 60'000'000);
+    machine.home.sparse("Library/Caches/com.example.open/blob", 60'000'000);
+    machine.running.add({.bundleIdentifier = "com.example.open",
+                         .bundlePath = "/Applications/Open.app",
+                         .executable = "/Applications/Open.app/Contents/MacOS/Open"});
+    page->scripts.clear();
+    post("scanCleanables");
+    machine.dispatcher.runAll();
+    ASSERT_THAT(page->scripts, testing::Contains(HasSubstr("onCleanables(")));
+    EXPECT_EQ(lastArgument("onCleanableFacts"),
+              json({{cache, {{"certain", true}, {"reason", "madeAgain"}}},
+                    {machine.home.path("Library/Caches/rclone"),
+                     {{"certain", false}, {"reason", "keeps"}}},
+                    {machine.home.path("Library/Caches/com.example.open"),
+                     {{"certain", false}, {"reason", "running"}}}}));
+    const auto positionOf = [&](const std::string& callback) {
+        return std::ranges::find_if(page->scripts, [&](const std::string& script) {
+            return script.find("velto." + callback + "(") != std::string::npos;
+        });
+    };
+    EXPECT_LT(positionOf("onCleanableFacts"), positionOf("onCleanables"));
+}
+
 TEST_F(CleaningIntents, WithoutAccessDownloadsIsLeftAlone) {
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);
     post("scanCleanables");

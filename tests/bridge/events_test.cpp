@@ -68,6 +68,12 @@ TEST(Events, PermissionsAndListsAreJson) {
               "window.velto && window.velto.onCleanables && window.velto.onCleanables([{"
               "\"daysOld\":12,\"gb\":0.31,\"label\":\"Caché de c.\",\"path\":\"/h/c\","
               "\"ruleID\":\"caches\"}]);");
+    EXPECT_EQ(events::cleanableFacts({{"/h/\"c\"", {CacheFacts::Reason::keeps}}}),
+              "window.velto && window.velto.onCleanableFacts && window.velto.onCleanableFacts({"
+              "\"/h/\\\"c\\\"\":{\"certain\":false,\"reason\":\"keeps\"}});");
+    EXPECT_EQ(
+        events::cleanableFacts({}),
+        "window.velto && window.velto.onCleanableFacts && window.velto.onCleanableFacts({});");
     EXPECT_EQ(events::cloudMove({"/h/a"}, {}, "to"),
               "window.velto && window.velto.onCloudMove && window.velto.onCloudMove("
               "{\"direction\":\"to\",\"failed\":[],\"moved\":[\"/h/a\"]});");

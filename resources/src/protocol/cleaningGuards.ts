@@ -1,7 +1,7 @@
 /** Reads what arrives about cleaning, its trash and its schedule; see guards.ts. */
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
-import { ruleIds } from './records.ts';
-import type { Cleanable, MaintenanceRule, MaintenanceStatus, TrashItem } from './records.ts';
+import { cacheReasons, ruleIds } from './records.ts';
+import type { CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, TrashItem } from './records.ts';
 
 export function trashItems(value: unknown): TrashItem[] {
   const items = list(value, (fields) =>
@@ -26,6 +26,16 @@ export function cleanables(value: unknown): Cleanable[] {
       : null,
   );
   return distinct(candidates, ({ path }) => path);
+}
+
+/** What is not said to be certain is only possible: it is never preselected by mistake. */
+export function cleanableFacts(value: unknown): CleanableFacts {
+  const facts = Object.entries(fieldsOf(value) ?? {}).map(([path, entry]): [string, CacheFact] => {
+    const fields = fieldsOf(entry);
+    const reason = cacheReasons.find((known) => known === fields?.reason) ?? 'unknown';
+    return [path, { certain: fields?.certain === true && reason === 'madeAgain', reason }];
+  });
+  return new Map(facts);
 }
 
 function maintenanceRule(fields: Fields): MaintenanceRule {

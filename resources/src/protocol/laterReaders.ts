@@ -8,6 +8,7 @@ import { systemSample } from './systemGuards.ts';
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
+  onCleanableFacts: ([facts]) => [cleaningGuards.cleanableFacts(facts)],
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],

@@ -3,7 +3,7 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, Cleanable, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, MaintenanceStatus, Permissions,
+  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, MaintenanceStatus, Permissions,
   RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
 } from './records.ts';
 
@@ -73,6 +73,7 @@ export interface Events {
   onExclusions: [paths: string[]];
   onMaintenance: [status: MaintenanceStatus];
   onCleanables: [candidates: Cleanable[]];
+  onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];
   onTrashChanged: [gb: number];
   onCloudMove: [result: CloudMove];

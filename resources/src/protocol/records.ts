@@ -127,6 +127,18 @@ export interface Cleanable {
   label: string;
 }
 
+/** Why a cache is certain to be made again (the first), or only possible. */
+export const cacheReasons = ['madeAgain', 'unknown', 'keeps', 'running'] as const;
+export type CacheReason = (typeof cacheReasons)[number];
+
+export interface CacheFact {
+  certain: boolean;
+  reason: CacheReason;
+}
+
+/** By the path of the candidate. */
+export type CleanableFacts = ReadonlyMap<string, CacheFact>;
+
 export interface CloudMove {
   moved: string[];
   failed: string[];

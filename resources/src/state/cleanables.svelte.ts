@@ -1,6 +1,6 @@
 /** What the program proposes to clean up. There is no failure to hear of, only an answer that does not come. */
 import { send } from '../protocol/connection.ts';
-import type { Cleanable } from '../protocol/protocol.ts';
+import type { Cleanable, CleanableFacts } from '../protocol/protocol.ts';
 
 export type LookPhase = 'idle' | 'looking' | 'late' | 'failed';
 
@@ -12,6 +12,8 @@ const tooLate = 180_000;
 class Cleanables {
   /** Null until the program has answered. */
   list = $state.raw<Cleanable[] | null>(null);
+  /** How certain each cache is to be made again; comes before the list that it is about. */
+  facts = $state.raw<CleanableFacts>(new Map());
   phase = $state<LookPhase>('idle');
   /** Something was put back since: the list may lack it. */
   outdated = $state(false);
@@ -36,6 +38,10 @@ class Cleanables {
   /** What the view does when it is shown: looks once, and again when something has changed. */
   lookIfNeeded(): void {
     if ((this.list === null && this.phase === 'idle') || this.outdated) this.look();
+  }
+
+  receiveFacts(facts: CleanableFacts): void {
+    this.facts = facts;
   }
 
   receive(list: Cleanable[]): void {

@@ -24,6 +24,7 @@ export function startLater(): void {
         if (!leftovers.takeFailure(title, detail)) showAnswer(title, detail);
       },
       onExclusions: (paths) => (session.exclusions = paths),
+      onCleanableFacts: (facts) => cleanables.receiveFacts(facts),
       onCleanables: (candidates) => cleanables.receive(candidates),
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),

@@ -2,12 +2,12 @@ import { describe, expect, it } from 'vitest';
 import { laterEn as en } from '../../src/language/en/later.ts';
 import { laterEs as es } from '../../src/language/es/later.ts';
 import { shortInMiddle } from '../../src/names/middle.ts';
-import { cleanables, trashItems } from '../../src/protocol/cleaningGuards.ts';
+import { cleanableFacts, cleanables, trashItems } from '../../src/protocol/cleaningGuards.ts';
 import { daysLeft, operationsOf } from '../../src/state/operations.ts';
 import { groupLosingAll } from '../../src/state/removal.ts';
 import { chartOf, monthsOf } from '../../src/views/historial/months.ts';
 import { groupsOf, nameOf, preselected } from '../../src/views/limpieza/candidates.ts';
-import { cleanable, historyEntry, someCleanables, trashItem } from '../support/cleaning.ts';
+import { cleanable, cleanableFacts as factsOf, historyEntry, someCleanables, trashItem } from '../support/cleaning.ts';
 import { duplicateGroup, home } from '../support/states.ts';
 
 describe('cleaning candidates', () => {
@@ -25,6 +25,32 @@ describe('cleaning candidates', () => {
     ]);
     const edge = [cleanable('caches', 'a', 1, 30), cleanable('caches', 'b', 1, 31)];
     expect([...preselected(groupsOf(edge))]).toEqual([`${home}/b`]);
+  });
+
+  it('what is only possible is never preselected, however old', () => {
+    const facts = cleanableFacts(factsOf({
+      'org.example.Render': 'unknown', 'com.example.music-player.ShipIt': 'running', 'com.example.MailClient': 'keeps',
+      'com.example.Browser': 'madeAgain',
+    }));
+    const groups = groupsOf(someCleanables(), facts);
+    expect([...preselected(groups)].map((path) => path.split('/').at(-1))).toEqual([
+      'DerivedData', 'iPhone14,2 17.4 (21E219)',
+    ]);
+    expect(groups[0]!.items.map(({ certain, doubt }) => [certain, doubt])).toEqual([
+      [false, 'unknown'], [true, null], [false, 'keeps'], [false, 'running'], [true, null],
+    ]);
+    expect(groups.map(({ certainty }) => certainty)).toEqual(['mixed', 'certain', 'possible', 'possible']);
+    expect(groupsOf([cleanable('caches', 'Library/Caches/x', 1, 90)], cleanableFacts(factsOf({ x: 'keeps' })))[0]!.certainty).toBe('possible');
+  });
+
+  it('a fact that is malformed makes nothing certain', () => {
+    const facts = cleanableFacts({
+      '/a': { certain: true, reason: 'madeAgain' }, '/b': { certain: true, reason: 'new' }, '/c': { certain: 'true', reason: 'madeAgain' },
+      '/d': null, '/e': { certain: true, reason: 'running' }, '/f': {},
+    });
+    expect([...facts].filter(([, { certain }]) => certain).map(([path]) => path)).toEqual(['/a']);
+    expect(facts.size).toBe(6);
+    expect(cleanableFacts('x').size).toBe(0);
   });
 
   it('an age that is missing is not an old one', () => {

@@ -1,6 +1,6 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { someCleanables, someHistory } from '../support/cleaning.ts';
+import { cleanableFacts, someCleanables, someHistory } from '../support/cleaning.ts';
 import { launch, open, type OpenPage } from '../support/page.ts';
 import { duplicateGroup, fullState, home, inSpanish } from '../support/states.ts';
 
@@ -48,6 +48,31 @@ describe('cleanup', () => {
       expect((await button.textContent())!.replaceAll('\u00a0', ' ').trim()).toBe('Move 4 items, 20.5 GB, to Velto Trash');
       await tick(opened, /Curso de fotografía/);
       expect((await button.textContent())!.replaceAll('\u00a0', ' ').trim()).toBe('Move 5 items, 25.4 GB, to Velto Trash');
+    });
+  });
+
+  it('says of each cache how certain it is, and leaves what is only possible unselected', async () => {
+    await withPage(async (opened) => {
+      await opened.go('limpieza');
+      await opened.tell('onCleanableFacts', cleanableFacts({
+        'org.example.Render': 'unknown', 'com.example.MailClient': 'keeps', 'com.example.music-player.ShipIt': 'running',
+        'com.example.Browser': 'madeAgain', pip: 'madeAgain',
+      }));
+      await opened.tell('onCleanables', someCleanables());
+      const { page } = opened;
+      const row = (name: string) => page.locator(`[data-key="${home}/Library/Caches/${name}"]`);
+      expect(await row('org.example.Render').textContent()).toContain('Possible: nothing says that it is made again');
+      expect(await row('com.example.MailClient').textContent()).toContain('Possible: may hold what nothing makes again');
+      expect(await row('com.example.music-player.ShipIt').textContent()).toContain('Possible: a program that uses it is running');
+      expect(await row('pip').textContent()).toContain('Certain: made again');
+      const kind = page.locator('[data-key="kind:caches"]');
+      expect(await kind.textContent()).toContain('Certain and possible: look at each');
+      expect(await kind.textContent()).not.toContain('Each application makes its own again');
+      expect(await page.locator('[data-key="kind:xcode"]').textContent()).toContain('Certain: made again');
+      expect(await page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(2);
+      expect(await row('org.example.Render').getAttribute('aria-selected')).toBe('false');
+      await tick(opened, /org\.example\.Render/);
+      expect(await row('org.example.Render').getAttribute('aria-selected')).toBe('true');
     });
   });
 

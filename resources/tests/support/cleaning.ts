@@ -1,5 +1,5 @@
 /** Made-up cleaning candidates, trash contents and histories, as the program would describe them. */
-import type { Cleanable, DiskState, HistoryEntry, TrashItem } from '../../src/protocol/protocol.ts';
+import type { CacheReason, Cleanable, DiskState, HistoryEntry, TrashItem } from '../../src/protocol/protocol.ts';
 import type { OpenPage } from './page.ts';
 import { home, hostileNames } from './states.ts';
 
@@ -30,6 +30,15 @@ export function someCleanables(): Cleanable[] {
     cleanable('installers', 'Downloads/Player-3.2.1-universal.dmg', 0.18, 90),
     cleanable('caches', 'Library/Caches/pip', 0.052, 30),
   ];
+}
+
+/** What the program tells of caches, by the names below the folder of the caches. */
+export function cleanableFacts(reasons: Record<string, CacheReason>): Record<string, unknown> {
+  return Object.fromEntries(
+    Object.entries(reasons).map(([name, reason]) => [
+      `${home}/Library/Caches/${name}`, { certain: reason === 'madeAgain', reason },
+    ]),
+  );
 }
 
 export function hostileCleanables(): Cleanable[] {

@@ -52,7 +52,7 @@ tell('atStart', [window.velto ? { state: window.velto._state, stamp: window.velt
 
 const velto = (window.velto = window.velto || {});
 for (const name of ['onScanStarted', 'onScanProgress', 'onScanFinished', 'onScanFailed',
-  'onPermissions', 'toast', 'onCleanables', 'onTrashState', 'onTrashChanged', 'onCloudMove',
+  'onPermissions', 'toast', 'onCleanableFacts', 'onCleanables', 'onTrashState', 'onTrashChanged', 'onCloudMove',
   'onApps', 'onAppSizes', 'onAppAnalysis', 'onUninstallProgress', 'onUninstallResult', 'onSystem',
   'onExclusions', 'setState']) {
   velto[name] = (...args) => tell(name, args);

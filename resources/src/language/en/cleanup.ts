@@ -41,6 +41,13 @@ export const cleanup = {
   },
   certain: 'Certain: made again',
   possible: 'Possible: look first',
+  mixed: 'Certain and possible: look at each',
+  afterDoubt: 'What is certain is made again by its application when it needs it. Look at the others before you choose.',
+  doubts: {
+    unknown: 'Possible: nothing says that it is made again',
+    keeps: 'Possible: may hold what nothing makes again',
+    running: 'Possible: a program that uses it is running',
+  },
   derivedData: 'Build results (DerivedData)',
   deviceSupport: (name: string) => `Device support ${name}`,
   changed: (age: string) => `Changed ${age}`,

@@ -44,7 +44,7 @@ export const settings = {
   ruleHelp: {
     systemTrash: 'What has been in the system’s trash for more than 30 days.',
     oldDownloads: 'Files in Downloads that have not been opened for a year.',
-    caches: 'Working files that applications, Xcode among them, build again when they need them.',
+    caches: 'Working files that applications, Xcode among them, build again when they need them. What may hold more and what is in use stays.',
     duplicates: 'Extra copies in Downloads, Desktop and Documents, at most every 30 days. One copy always stays.',
   },
   exclusions: 'Excluded from the analysis',

@@ -41,6 +41,13 @@ export const cleanup: typeof english = {
   },
   certain: 'Seguro: se vuelve a crear',
   possible: 'Posible: míralo antes',
+  mixed: 'Seguro y posible: mira cada uno',
+  afterDoubt: 'Lo seguro lo vuelve a crear su aplicación cuando lo necesita. Mira los demás antes de elegir.',
+  doubts: {
+    unknown: 'Posible: nada dice que se vuelva a crear',
+    keeps: 'Posible: puede guardar lo que nada vuelve a crear',
+    running: 'Posible: un programa que lo usa está en marcha',
+  },
   derivedData: 'Resultados de compilación (DerivedData)',
   deviceSupport: (name) => `Soporte de dispositivo ${name}`,
   changed: (age) => `Cambió ${age}`,

@@ -48,7 +48,7 @@ export const settings: typeof english = {
   ruleHelp: {
     systemTrash: 'Lo que lleva más de 30 días en la papelera del sistema.',
     oldDownloads: 'Archivos de Descargas sin abrir desde hace un año.',
-    caches: 'Archivos de trabajo que las aplicaciones, Xcode entre ellas, vuelven a crear cuando los necesitan.',
+    caches: 'Archivos de trabajo que las aplicaciones, Xcode entre ellas, vuelven a crear cuando los necesitan. Lo que pueda guardar algo más y lo que esté en uso se queda.',
     duplicates: 'Copias de más en Descargas, Escritorio y Documentos, como mucho cada 30 días. Siempre queda una.',
   },
   exclusions: 'Excluido del análisis',

@@ -2,7 +2,7 @@
 import type { Dictionary } from '../../language/language.svelte.ts';
 import { lastComponent } from '../../names/middle.ts';
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { Cleanable } from '../../protocol/protocol.ts';
+import type { CacheReason, Cleanable, CleanableFacts } from '../../protocol/protocol.ts';
 import { totalGb } from '../../state/operations.ts';
 
 export type RuleName = keyof Dictionary['cleanup']['rules'];
@@ -16,14 +16,23 @@ const rules: readonly { name: RuleName; certain: boolean; age: 'changed' | 'open
   { name: 'other', certain: false, age: 'changed' },
 ];
 
+/** A candidate, and what is known of what becomes of it. */
+export interface Proposal extends Cleanable {
+  certain: boolean;
+  /** Why not; null when it is certain, or its kind says all there is to say. */
+  doubt: Exclude<CacheReason, 'madeAgain'> | null;
+}
+
 export interface Group {
   rule: RuleName;
-  certain: boolean;
+  /** The kind as a whole is made again, as far as nothing speaks against a single one. */
+  isMadeAgain: boolean;
+  certainty: 'certain' | 'possible' | 'mixed';
   /** What the age of its items is counted from. */
   age: 'changed' | 'opened';
   gb: number;
   /** Largest first. */
-  items: Cleanable[];
+  items: Proposal[];
 }
 
 const aMonth = 30;
@@ -32,10 +41,26 @@ function ruleOf(ruleID: string): RuleName {
   return rules.find(({ name }) => name === ruleID)?.name ?? 'other';
 }
 
-export function groupsOf(candidates: readonly Cleanable[]): Group[] {
-  return rules.flatMap(({ name, certain, age }) => {
-    const items = candidates.filter(({ ruleID }) => ruleOf(ruleID) === name).sort((left, right) => right.gb - left.gb);
-    return items.length ? [{ rule: name, certain, age, gb: totalGb(items), items }] : [];
+function proposal(item: Cleanable, isMadeAgain: boolean, facts: CleanableFacts): Proposal {
+  const fact = facts.get(item.path);
+  if (!fact) return { ...item, certain: isMadeAgain, doubt: null };
+  const { certain, reason } = fact;
+  return { ...item, certain, doubt: certain || reason === 'madeAgain' ? null : reason };
+}
+
+function certaintyOf(items: readonly Proposal[]): Group['certainty'] {
+  if (items.every(({ certain }) => certain)) return 'certain';
+  return items.some(({ certain }) => certain) ? 'mixed' : 'possible';
+}
+
+export function groupsOf(candidates: readonly Cleanable[], facts: CleanableFacts = new Map()): Group[] {
+  return rules.flatMap(({ name, certain: isMadeAgain, age }) => {
+    const items = candidates
+      .filter(({ ruleID }) => ruleOf(ruleID) === name)
+      .sort((left, right) => right.gb - left.gb)
+      .map((item) => proposal(item, isMadeAgain, facts));
+    if (!items.length) return [];
+    return [{ rule: name, isMadeAgain, certainty: certaintyOf(items), age, gb: totalGb(items), items }];
   });
 }
 
@@ -45,7 +70,7 @@ export function isSelectable({ path }: Cleanable): boolean {
 }
 
 export function preselected(groups: readonly Group[]): Set<string> {
-  const certain = groups.filter((group) => group.certain).flatMap(({ items }) => items);
+  const certain = groups.flatMap(({ items }) => items).filter((item) => item.certain);
   return new Set(certain.filter((item) => isSelectable(item) && item.daysOld > aMonth).map(({ path }) => path));
 }
 

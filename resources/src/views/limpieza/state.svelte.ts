@@ -1,10 +1,9 @@
 /** What the cleanup remembers while another view is shown: what is selected. */
-import type { Cleanable } from '../../protocol/protocol.ts';
 import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { cleanables } from '../../state/cleanables.svelte.ts';
 import { totalGb } from '../../state/operations.ts';
 import { requests } from '../../state/requests.svelte.ts';
-import { groupsOf, isSelectable, preselected, type Group, type RuleName } from './candidates.ts';
+import { groupsOf, isSelectable, preselected, type Group, type Proposal, type RuleName } from './candidates.ts';
 
 /** The rows of whole kinds stand among those of the items; a path begins with a slash. */
 const kindPrefix = 'kind:';
@@ -18,8 +17,8 @@ class Cleanup {
   /** Null until the user has chosen anything. */
   private chosen = $state.raw<Selection | null>(null);
 
-  readonly groups: Group[] = $derived(groupsOf(cleanables.list ?? []));
-  readonly items: Cleanable[] = $derived(this.groups.flatMap(({ items }) => items));
+  readonly groups: Group[] = $derived(groupsOf(cleanables.list ?? [], cleanables.facts));
+  readonly items: Proposal[] = $derived(this.groups.flatMap(({ items }) => items));
   readonly gb: number = $derived(totalGb(this.items));
   /** The rows in the order shown. */
   readonly keys: string[] = $derived(
@@ -30,7 +29,7 @@ class Cleanup {
   readonly selection: Selection = $derived(
     keepShown(this.chosen ?? { selected: preselected(this.groups), anchor: null }, this.selectablePaths),
   );
-  readonly selectedItems: Cleanable[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
+  readonly selectedItems: Proposal[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selectedItems));
 
   private readonly selectable = (path: string): boolean => this.selectableSet.has(path) && !requests.busy.has(path);
