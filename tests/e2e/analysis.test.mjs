@@ -137,7 +137,7 @@ test('damaged files count as absent, and the next save replaces them', async (t)
   const home = furnishedHome(t);
   home.text(home.data('lastScan.json'), '{"state": {"total": 1');
   home.text(home.data('exclusions.json'), '{"not": "a list"}');
-  home.text('.config/velto/defaults.json', 'no json at all');
+  home.text('.config/velto/settings.json', '{"velto.retentionDays": 7');
   const desktop = await desktopFor(t);
   const velto = start(t, home, desktop);
   await velto.waitFor(line.finished);
@@ -145,6 +145,18 @@ test('damaged files count as absent, and the next save replaces them', async (t)
   const { state } = home.saved();
   assert.equal(state.settings.retention, 30);
   assert.ok(state.files.some((file) => file.name === 'concert.wav'), 'nothing is excluded');
+  await velto.stop(); // the window's frame is remembered when it closes
+  const settings = JSON.parse(home.read('.config/velto/settings.json'));
+  assert.ok(Object.keys(settings).length > 0);
+  assert.equal(settings['velto.retentionDays'], undefined);
+});
+
+test('settings that can be read count', async (t) => {
+  const home = furnishedHome(t);
+  home.text('.config/velto/settings.json', '{"velto.retentionDays": 7}');
+  const velto = start(t, home, await desktopFor(t));
+  await velto.waitFor(line.finished);
+  assert.equal(home.saved().state.settings.retention, 7);
 });
 
 test('a saved analysis without its time counts as absent', async (t) => {

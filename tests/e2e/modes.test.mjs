@@ -9,6 +9,7 @@ const agent = 'Library/LaunchAgents/app.velto.maintenance.plist';
 const clearLine = (stderr) => stderr.split('\n').filter((one) => one.trim() !== '');
 
 test('--reset removes all local data and the maintenance agent, and nothing else', async (t) => {
+  const settings = '{"velto.retentionDays": 7, "velto.settingsConfigured": true}';
   const home = new Home(t);
   home
     .text(home.data('lastScan.json'), '{}')
@@ -16,7 +17,7 @@ test('--reset removes all local data and the maintenance agent, and nothing else
     .text(agent, '<plist/>')
     .text('Library/LaunchAgents/other.plist', '<plist/>')
     .text('Documents/letter.txt', 'Dear reader\n')
-    .text('.config/velto/kept', 'settings stay');
+    .text('.config/velto/settings.json', settings);
   const { status, stderr } = await runHeadless(home, ['--reset']);
   assert.equal(status, 0);
   assert.match(stderr, /Velto ▶ reset completo: LaunchAgent y datos eliminados/);
@@ -24,7 +25,7 @@ test('--reset removes all local data and the maintenance agent, and nothing else
   assert.equal(home.has(agent), false);
   assert.ok(home.has('Library/LaunchAgents/other.plist'));
   assert.ok(home.has('Documents/letter.txt'));
-  assert.ok(home.has('.config/velto/kept'));
+  assert.equal(home.read('.config/velto/settings.json'), settings);
 });
 
 test('--reset on a home without any data is no fault', async (t) => {

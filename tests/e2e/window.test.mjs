@@ -1,11 +1,13 @@
-// One program, one window: second starts, closing, and what stays behind.
+// One program, one window: second starts, closing, what stays behind, and the desktop's colours.
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
+import { run } from '../../tools/desktop/children.mjs';
 import { furnishedHome } from './support/home.mjs';
 import { desktopFor, line, start } from './support/velto.mjs';
 
 const agent = 'Library/LaunchAgents/app.velto.maintenance.plist';
-const closeWindow = ['search', '--sync', '--onlyvisible', '--name', 'Velto', 'windowclose'];
+const size = { width: 1180, height: 760 };
+const closeButton = [size.width - 30, 31]; // the window fills the display
 
 test('a second start hands over to the first and ends', async (t) => {
   const home = furnishedHome(t);
@@ -16,4 +18,75 @@ test('a second start hands over to the first and ends', async (t) => {
   assert.deepEqual(await second.ended(), { status: 0, signal: null });
   assert.equal(second.count(line.booted), 0);
   assert.equal(first.count(line.booted), 1, 'the window that is open is not loaded again');
+});
+
+/** Opens the window and closes it with its own button; resolves once it is gone. */
+async function closed(t, home) {
+  const desktop = await desktopFor(t, size);
+  const velto = start(t, home, desktop);
+  await velto.waitFor(line.finished);
+  await desktop.steady();
+  await desktop.click(...closeButton);
+  await desktop.lookUntil(({ colours }) => colours < 16); // the bare display
+  return { desktop, velto };
+}
+
+test('closing the window ends the program where no maintenance is installed', async (t) => {
+  const { velto } = await closed(t, furnishedHome(t));
+  assert.deepEqual(await velto.ended(), { status: 0, signal: null });
+});
+
+test('closing the window leaves the program running while maintenance is installed', async (t) => {
+  const home = furnishedHome(t).text(agent, '<plist/>');
+  const { desktop, velto } = await closed(t, home);
+  // A second start finds it and hands over: the window comes back in the process that was left.
+  const from = velto.lines.length;
+  const second = start(t, home, desktop);
+  assert.deepEqual(await second.ended(), { status: 0, signal: null });
+  assert.equal(second.count(line.booted), 0, 'the first one has answered');
+  await velto.waitFor(line.intent('webReady'), { from });
+  await desktop.steady();
+});
+
+/** The settings of a desktop without a settings service: a file that is watched. */
+const setScheme = (home, scheme) =>
+  home.text('.config/glib-2.0/settings/keyfile', `[org/gnome/desktop/interface]\ncolor-scheme='${scheme}'\n`);
+
+const withKeyfile = { GSETTINGS_BACKEND: 'keyfile' };
+
+/** Waits until the display as a whole is dark or light. */
+async function becomes(desktop, look, limit = 30_000) {
+  const end = Date.now() + limit;
+  for (;;) {
+    const { stdout } = await run('import', ['-window', 'root', '-format', '%[fx:mean]', 'info:-'], {
+      env: { ...process.env, DISPLAY: desktop.display },
+    });
+    const light = Number(stdout);
+    if (look === 'dark' ? light < 0.3 : light > 0.7) return;
+    if (Date.now() > end) throw new Error(`the window never became ${look}: ${light}`);
+    await new Promise((resolve) => setTimeout(resolve, 100));
+  }
+}
+
+test('the window follows the colours of the desktop until one is chosen', async (t) => {
+  const { stdout } = await run('gsettings', ['list-keys', 'org.gnome.desktop.interface']);
+  if (!stdout.includes('color-scheme')) return t.skip('this machine does not know the setting');
+  const home = furnishedHome(t);
+  setScheme(home, 'prefer-dark');
+  const desktop = await desktopFor(t, size);
+  const velto = start(t, home, desktop, { variables: withKeyfile });
+  await velto.waitFor(line.finished);
+  await becomes(desktop, 'dark');
+  setScheme(home, 'prefer-light');
+  await becomes(desktop, 'light');
+  setScheme(home, 'prefer-dark');
+  await becomes(desktop, 'dark');
+  assert.equal(velto.count(line.intent('setTheme')), 0, 'nothing was chosen');
+
+  await desktop.click(100, size.height - 66); // the page's own choice of a theme
+  await velto.waitFor(line.intent('setTheme'));
+  await becomes(desktop, 'light');
+  setScheme(home, 'prefer-light');
+  setScheme(home, 'prefer-dark');
+  for (let look = 0; look < 20; ++look) await becomes(desktop, 'light', 0); // what was chosen stays
 });

@@ -26,12 +26,6 @@ TEST(HomeLayoutTest, AMacsHomeIsWhereAMacKeepsThings) {
     EXPECT_EQ(layout.trashFolder, "/Users/ana/Library/Application Support/Velto/Trash");
     EXPECT_EQ(layout.agentFile, "/Users/ana/Library/LaunchAgents/app.velto.maintenance.plist");
     EXPECT_EQ(layout.cloudFolder, "/Users/ana/Library/Mobile Documents/com~apple~CloudDocs/Velto");
-    EXPECT_EQ(layout.protectedLocations.size(), 11u);
-    EXPECT_EQ(layout.protectedLocations.front().identifier, "desktop");
-    EXPECT_EQ(layout.protectedLocations.back().path,
-              "/Users/ana/Library/Application Support/MobileSync");
-    EXPECT_EQ(layout.guardedPaths.size(), 40u);
-    EXPECT_EQ(layout.accessProbes.size(), 7u);
     EXPECT_TRUE(layout.hasPrivacyGate);
     EXPECT_EQ(layout.caches, "/Users/ana/Library/Caches");
     EXPECT_THAT(layout.xcodeApplications,
@@ -40,6 +34,81 @@ TEST(HomeLayoutTest, AMacsHomeIsWhereAMacKeepsThings) {
     EXPECT_EQ(layout.xcodeDeviceSupport, "/Users/ana/Library/Developer/Xcode/iOS DeviceSupport");
     EXPECT_THAT(layout.installerExtensions, ElementsAre("dmg", "pkg"));
     EXPECT_THAT(layout.walkRoots, ElementsAre("/Users/ana"));
+}
+
+/// The paths below a Mac's home, one a line as a person would read them out.
+std::vector<std::string> belowHome(std::initializer_list<const char*> paths) {
+    std::vector<std::string> found;
+    for (const char* path : paths)
+        found.push_back(std::string("/Users/ana/") + path);
+    return found;
+}
+
+TEST(HomeLayoutTest, EveryPlaceThatAMacOpensOnlyWithAccessIsKnownByNameAndPath) {
+    std::vector<std::string> found;
+    for (const auto& [identifier, path] : HomeLayout::macOS("/Users/ana").protectedLocations)
+        found.push_back(identifier + " " + path);
+    EXPECT_THAT(
+        found,
+        ElementsAre("desktop /Users/ana/Desktop", "documents /Users/ana/Documents",
+                    "downloads /Users/ana/Downloads",
+                    "photos /Users/ana/Pictures/Photos Library.photoslibrary",
+                    "icloud /Users/ana/Library/Mobile Documents", "mail /Users/ana/Library/Mail",
+                    "messages /Users/ana/Library/Messages", "safari /Users/ana/Library/Safari",
+                    "calendars /Users/ana/Library/Calendars",
+                    "contacts /Users/ana/Library/Address Book",
+                    "iphone /Users/ana/Library/Application Support/MobileSync"));
+}
+
+TEST(HomeLayoutTest, EveryPathThatAMacGuardsIsKnown) {
+    EXPECT_EQ(HomeLayout::macOS("/Users/ana").guardedPaths,
+              belowHome({".Trash",
+                         "Library/Accounts",
+                         "Library/AppleMediaServices",
+                         "Library/Assistant",
+                         "Library/Autosave Information",
+                         "Library/Biome",
+                         "Library/ContainerManager",
+                         "Library/Containers",
+                         "Library/Cookies",
+                         "Library/CoreFollowUp",
+                         "Library/Daemon Containers",
+                         "Library/DoNotDisturb",
+                         "Library/DuetExpertCenter",
+                         "Library/Group Containers",
+                         "Library/HTTPStorages",
+                         "Library/HomeKit",
+                         "Library/Metadata",
+                         "Library/PersonalizationPortrait",
+                         "Library/Photos",
+                         "Library/StatusKit",
+                         "Library/WebKit",
+                         "Library/Application Support/AddressBook",
+                         "Library/Application Support/CallHistoryDB",
+                         "Library/Application Support/CallHistoryTransactions",
+                         "Library/Application Support/CloudDocs",
+                         "Library/Application Support/DifferentialPrivacy",
+                         "Library/Application Support/FaceTime",
+                         "Library/Application Support/FileProvider",
+                         "Library/Application Support/Knowledge",
+                         "Library/Application Support/com.apple.avfoundation",
+                         "Library/Application Support/com.apple.sharedfilelist",
+                         "Library/Application Support/com.apple.TCC",
+                         "Library/Caches/CloudKit",
+                         "Library/Caches/FamilyCircle",
+                         "Library/Caches/com.apple.HomeKit",
+                         "Library/Caches/com.apple.Safari",
+                         "Library/Caches/com.apple.ap.adprivacyd",
+                         "Library/Caches/com.apple.containermanagerd",
+                         "Library/Caches/com.apple.homed",
+                         "Library/Caches/familycircled"}));
+}
+
+TEST(HomeLayoutTest, TheProbesOfTheAccessAreTriedInTheirOrder) {
+    EXPECT_EQ(HomeLayout::macOS("/Users/ana").accessProbes,
+              belowHome({"Library/Application Support/com.apple.TCC", "Library/Safari",
+                         "Library/Mail", "Library/Messages", "Library/Cookies", "Library/HomeKit",
+                         "Library/IdentityServices"}));
 }
 
 TEST(HomeLayoutTest, ALinuxHomeFollowsItsLocalisedFolders) {

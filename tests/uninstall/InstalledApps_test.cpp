@@ -179,6 +179,26 @@ TEST_F(InstalledAppsTest, TheListIsInTheOrderOfItsNames) {
     EXPECT_THAT(listedNames(), ElementsAre("Alpha", "Bravo", "Charlie", "Delta"));
 }
 
+/// An order of its own: the letters from the last to the first.
+class BackwardsLocale final : public Locale {
+public:
+    std::vector<std::string> preferredLanguages() const override { return {}; }
+    std::string decimal(double value, std::string_view) const override {
+        return std::to_string(value);
+    }
+    int compare(std::string_view left, std::string_view right) const override {
+        return right.compare(left);
+    }
+    std::string lowerCased(std::string_view text) const override { return std::string(text); }
+};
+
+TEST_F(InstalledAppsTest, TheOrderIsThatOfTheUsersLanguageAndNotOfTheBytes) {
+    for (const char* name : {"Alpha", "Bravo", "Charlie"})
+        application(name);
+    machine.platform.locale = std::make_unique<BackwardsLocale>();
+    EXPECT_THAT(listedNames(), ElementsAre("Charlie", "Bravo", "Alpha"));
+}
+
 TEST_F(InstalledAppsTest, TheTeamIsWhatTheSigningToolSays) {
     const std::string path = application("Foo");
     const auto answer = [&](const std::string& text) {
