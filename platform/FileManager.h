@@ -13,6 +13,8 @@ namespace velto {
 class FileError : public std::runtime_error {
 public:
     FileError(std::string attempt, std::string path, int code);
+    /// With a reason in words where the system's would mislead.
+    FileError(std::string attempt, std::string path, int code, const std::string& reason);
 
     const std::string& attempt() const { return attempt_; }  // "read", "create folder", ...
     const std::string& path() const { return path_; }
@@ -41,6 +43,7 @@ struct FileAttributes {
     double modified = 0;             // seconds since 1970
     double accessed = 0;             // seconds since 1970
     FileIdentity identity{};
+    std::uint32_t owner = 0;  // the user's number
 };
 
 /// Everything the program does to single files and folders. Paths are absolute byte strings.

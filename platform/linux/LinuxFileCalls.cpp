@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -56,6 +57,18 @@ bool attributeNames(int file, std::string& names) {
 }
 
 }  // namespace
+
+int FileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
+    struct statx status;
+    // What the system mounts when it is entered is not mounted by looking at it.
+    constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_EMPTY_PATH | AT_NO_AUTOMOUNT;
+    if (::statx(folder, name, flags, STATX_MNT_ID, &status) != 0) return -1;
+    // Kernels before 5.8 know no numbers of mounts; there a volume is all that can be told apart.
+    mount = (status.stx_mask & STATX_MNT_ID) != 0
+                ? status.stx_mnt_id
+                : (std::uint64_t{status.stx_dev_major} << 32 | status.stx_dev_minor);
+    return 0;
+}
 
 int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {
     return ::renameat2(fromFolder, from, toFolder, to, RENAME_NOREPLACE);

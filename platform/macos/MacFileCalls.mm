@@ -1,4 +1,5 @@
 #include <copyfile.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
 
@@ -8,6 +9,15 @@
 #include "platform/posix/same_state.h"
 
 namespace velto {
+
+// A Mac mounts whole volumes only.
+int FileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
+    struct stat status;
+    const int result = *name == '\0' ? ::fstat(folder, &status)
+                                     : ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW);
+    if (result == 0) mount = static_cast<std::uint64_t>(status.st_dev);
+    return result;
+}
 
 int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {
     return ::renameatx_np(fromFolder, from, toFolder, to, RENAME_EXCL);

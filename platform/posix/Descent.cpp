@@ -7,6 +7,7 @@
 #include <functional>
 #include <utility>
 
+#include "platform/posix/mounts.h"
 #include "platform/posix/names_in_folder.h"
 #include "platform/posix/same_state.h"
 
@@ -29,6 +30,10 @@ struct stat Descent::examine(const std::string& name) const {
     struct stat status;
     if (calls_.stat(folder(), name.c_str(), status) != 0) fail(name, errno);
     return status;
+}
+
+std::uint64_t Descent::mount(const std::string& name) const {
+    return mountOf(calls_, folder(), name, attempt_, path(name));
 }
 
 void Descent::enter(const std::string& name, const struct stat& examined) {

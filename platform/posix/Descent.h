@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,6 +34,9 @@ public:
     int folder() const;
 
     struct stat examine(const std::string& name) const;
+
+    /// The mount on which a name of the current folder lies; with an empty name that of the folder.
+    std::uint64_t mount(const std::string& name) const;
 
     /// Enters a folder of the current one. Throws EBUSY when it is not the one that was examined.
     void enter(const std::string& name, const struct stat& examined);

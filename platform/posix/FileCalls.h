@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace velto {
@@ -20,6 +21,10 @@ public:
     virtual int open(int folder, const char* name, int flags, mode_t mode);
     virtual int stat(int folder, const char* name, struct stat& status);  // never follows a link
     virtual int status(int file, struct stat& status);
+    /// The mount on which a name lies, never following a link; with an empty name that of the open
+    /// folder. A folder that was bound to another place is a mount of its own on the same volume,
+    /// and a file system that numbers its parts as several volumes is one. System.
+    virtual int mount(int folder, const char* name, std::uint64_t& mount);
     virtual ssize_t read(int file, void* buffer, std::size_t size);
     virtual ssize_t write(int file, const void* data, std::size_t size);
     virtual ssize_t readAt(int file, void* buffer, std::size_t size, off_t offset);

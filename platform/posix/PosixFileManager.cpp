@@ -50,7 +50,8 @@ FileAttributes attributesFrom(const struct stat& status) {
             .modified = seconds(modifiedTime(status)),
             .accessed = seconds(accessedTime(status)),
             .identity = {static_cast<std::uint64_t>(status.st_dev),
-                         static_cast<std::uint64_t>(status.st_ino)}};
+                         static_cast<std::uint64_t>(status.st_ino)},
+            .owner = static_cast<std::uint32_t>(status.st_uid)};
 }
 
 bool PosixFileManager::exists(const std::string& path) const {

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/posix/mounts.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
@@ -38,6 +39,7 @@ void TreeCopy::copy(const Entry& source, const Entry& target) {
     copied_.clear();
     Descent from(calls_, source, "copy");
     Descent to(calls_, target, "copy");
+    mount_ = from.mount("");
     copyEntry(from, source.name, to, target.name);
     while (from.depth() > 0) {
         if (const auto name = from.next()) {
@@ -90,8 +92,8 @@ void TreeCopy::copyEntry(Descent& from, const std::string& name, Descent& to,
                          const std::string& newName) {
     const struct stat status = from.examine(name);
     copied_.push_back({from.depth(), from.depth() == 0 ? "" : name, status});
-    // Another volume is mounted here: its content is no part of what is moved.
-    if (status.st_dev != copied_.front().status.st_dev) fail(from.path(name), EXDEV);
+    // What is mounted here is no part of what is moved.
+    if (from.mount(name) != mount_) failMounted("copy", from.path(name), EXDEV);
     if (isLocked(status)) fail(from.path(name), EPERM);
     if (S_ISREG(status.st_mode)) return copyFile(from, name, to, newName, status);
     if (S_ISDIR(status.st_mode)) return enterFolder(from, name, to, newName, status);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,7 @@ private:
 
     FileCalls& calls_;
     Tree copied_;
+    std::uint64_t mount_ = 0;  // of the folder that holds the source, and of all that is copied
     std::vector<char> buffer_;
 };
 

@@ -6,6 +6,7 @@
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/TreeCopy.h"
 #include "platform/posix/clear_away.h"
+#include "platform/posix/mounts.h"
 #include "platform/posix/volume_move.h"
 
 namespace velto {
@@ -90,11 +91,12 @@ void PosixFileManager::moveInSteps(const FolderHandle& from, const std::string& 
     const Entry source(from, name);
     const Entry target(to, newName);
     struct stat status;
-    struct stat folder;
     if (isThere(calls_, target, status, "move")) fail(target, EEXIST);
     if (!isThere(calls_, source, status, "move")) fail(source, ENOENT);
-    if (calls_.status(source.folder(), folder) != 0) fail(source);
-    if (status.st_dev != folder.st_dev) fail(source, EBUSY);  // a volume is mounted there
+    const std::uint64_t mount = mountOf(calls_, source.folder(), "", "move", source.path());
+    if (mountOf(calls_, source.folder(), name, "move", source.path()) != mount) {
+        failMounted("move", source.path(), EBUSY);
+    }
     if (S_ISDIR(status.st_mode)) {
         const PosixFolder moved(
             Descriptor(calls_.open(source.folder(), source.c_str(), passThrough | folderFlags, 0)),
@@ -102,8 +104,10 @@ void PosixFileManager::moveInSteps(const FolderHandle& from, const std::string& 
         if (!moved.descriptor.isOpen()) fail(source);
         if (isAtOrBelow(to, moved)) fail(source, EINVAL);
     }
-    if (calls_.status(target.folder(), folder) != 0) fail(target);
-    if (status.st_dev == folder.st_dev && moveStepwise(calls_, source, target)) return;
+    if (mountOf(calls_, target.folder(), "", "move", target.path()) == mount &&
+        moveStepwise(calls_, source, target)) {
+        return;
+    }
     MoveBetweenVolumes(*this, calls_, source, target, scratch).run();
 }
 

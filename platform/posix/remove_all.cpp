@@ -9,7 +9,9 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
+#include "platform/posix/mounts.h"
 #include "platform/posix/names_in_folder.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -36,13 +38,16 @@ class Removal {
 public:
     /// `path` is for errors alone. With `makeWritable`, folders that refuse their owner are opened
     /// up before they are emptied.
-    Removal(FileCalls& calls, Descriptor parent, dev_t device, std::string path, bool makeWritable)
+    Removal(FileCalls& calls, Descriptor parent, std::string path, bool makeWritable)
         : calls_(calls), path_(std::move(path)), makeWritable_(makeWritable) {
+        mount_ = mountOf(calls_, parent.number(), "", "remove", path_);
         levels_.push_back(
-            {.name = "", .folder = std::move(parent), .device = device, .inode = 0, .names = {}});
+            {.name = "", .folder = std::move(parent), .device = 0, .inode = 0, .names = {}});
     }
 
     void run(const std::string& name) {
+        // All of it or nothing: what is mounted inside would stop the removal half-way.
+        requireNoMounts(calls_, levels_.front().folder.number(), name, parentFolder(path_));
         removeEntry(name);
         while (levels_.size() > 1) {
             std::vector<std::string>& names = levels_.back().names;
@@ -92,8 +97,10 @@ private:
         }
         struct stat status;
         if (::fstat(folder.number(), &status) != 0) fail(name);
-        // Another volume that is mounted here is no part of the folder.
-        if (status.st_dev != parent.device) fail(name, EXDEV);
+        // What is mounted here is no part of the folder.
+        if (mountOf(calls_, folder.number(), "", "remove", placeOf(name)) != mount_) {
+            failMounted("remove", placeOf(name), EXDEV);
+        }
         // Refused to all but the owner; then removing what is inside tells why.
         if (makeWritable_ && (status.st_mode & S_IRWXU) != S_IRWXU) {
             calls_.changeMode(folder.number(), (status.st_mode & 07777) | S_IRWXU);
@@ -166,16 +173,20 @@ private:
     }
 
     /// `name` is an entry of the current folder; empty for that folder itself.
-    [[noreturn]] void fail(const std::string& name, int reason = errno) const {
+    std::string placeOf(const std::string& name) const {
         std::string place = path_;
         for (std::size_t index = 2; index < levels_.size(); ++index) {
             place += "/" + levels_[index].name;
         }
         if (levels_.size() > 1 && !name.empty()) place += "/" + name;
-        throw FileError("remove", place, reason);
+        return place;
+    }
+    [[noreturn]] void fail(const std::string& name, int reason = errno) const {
+        throw FileError("remove", placeOf(name), reason);
     }
 
     FileCalls& calls_;
+    std::uint64_t mount_ = 0;  // of the folder that holds the item, and of all that goes
     std::string path_;
     bool makeWritable_;
     std::vector<Level> levels_;  // first the folder that holds the item
@@ -199,19 +210,14 @@ void PosixFileManager::removeAll(const std::string& path) {
         if (errno == ENOENT || errno == ENOTDIR) return;  // then nothing stands at `path`
         throw FileError("remove", path, errno);
     }
-    struct stat status;
-    if (::fstat(folder.number(), &status) != 0) throw FileError("remove", path, errno);
-    Removal(calls_, std::move(folder), status.st_dev, whole, false).run(name);
+    Removal(calls_, std::move(folder), whole, false).run(name);
 }
 
 void PosixFileManager::removeAll(const FolderHandle& parent, const std::string& name) {
     const Entry entry(parent, name);
     Descriptor folder(calls_.open(entry.folder(), ".", passThrough | folderFlags, 0));
-    struct stat status;
-    if (!folder.isOpen() || calls_.status(folder.number(), status) != 0) {
-        throw FileError("remove", entry.path(), errno);
-    }
-    Removal(calls_, std::move(folder), status.st_dev, entry.path(), true).run(name);
+    if (!folder.isOpen()) throw FileError("remove", entry.path(), errno);
+    Removal(calls_, std::move(folder), entry.path(), true).run(name);
 }
 
 }  // namespace velto

@@ -9,6 +9,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/PosixFolder.h"
+#include "platform/posix/mounts.h"
 #include "platform/posix/names_in_folder.h"
 #include "platform/removal_check.h"
 
@@ -17,13 +18,16 @@ namespace {
 
 constexpr std::size_t mostLevels = 200;  // deeper folders are not looked at: each stays open
 
+enum class Asked { mounts, mountsAndRights };
+
 /// Looks through a tree for what would stop its removal half-way.
 class RemovalCheck {
 public:
-    RemovalCheck(FileCalls& calls, dev_t device, std::string path)
-        : calls_(calls), device_(device), path_(std::move(path)) {}
+    RemovalCheck(FileCalls& calls, Asked asked, std::string path)
+        : calls_(calls), asked_(asked), path_(std::move(path)) {}
 
     void run(int parent, const std::string& name) {
+        mount_ = mountOf(calls_, parent, "", "remove", path_);
         look(parent, name);
         while (!levels_.empty()) {
             std::vector<std::string>& names = levels_.back().names;
@@ -47,22 +51,29 @@ private:
     void look(int parent, const std::string& name) {
         struct stat status;
         if (calls_.stat(parent, name.c_str(), status) != 0) {
-            if (errno == ENOENT) return;  // gone meanwhile
+            if (errno == ENOENT || asked_ == Asked::mounts) return;  // gone meanwhile
             fail(name, errno);
         }
+        requireOwnMount(parent, name);
         if (!S_ISDIR(status.st_mode)) return;
-        if (status.st_dev != device_) fail(name, EBUSY);
         if (levels_.size() < mostLevels) enter(parent, name, status);
     }
 
+    void requireOwnMount(int folder, const std::string& name) const {
+        std::uint64_t mount = mount_;
+        if (calls_.mount(folder, name.c_str(), mount) != 0 || mount == mount_) return;
+        failMounted("remove", placeOf(name), asked_ == Asked::mounts ? EXDEV : EBUSY);
+    }
+
     void enter(int parent, const std::string& name, const struct stat& status) {
-        // What the user owns can be opened up before it is removed.
-        const bool isOwn = status.st_uid == ::geteuid();
+        // What the user owns can be opened up before it is removed. Removing tells of the rest.
+        const bool isOwn = asked_ == Asked::mounts || status.st_uid == ::geteuid();
         Descriptor folder(calls_.open(parent, name.c_str(), O_RDONLY | folderFlags, 0));
         if (!folder.isOpen()) {
             if (errno == EACCES && !isOwn) fail(name, EACCES);
             return;  // swapped for something else, or no descriptors left: removing will tell
         }
+        requireOwnMount(folder.number(), "");  // the system may mount what is entered
         Descriptor listing(calls_.open(folder.number(), ".", O_RDONLY | folderFlags, 0));
         if (!listing.isOpen()) return;
         auto names = namesInFolder(std::move(listing));
@@ -73,16 +84,21 @@ private:
         levels_.push_back({name, std::move(folder), std::move(*names)});
     }
 
-    [[noreturn]] void fail(const std::string& name, int reason) const {
+    std::string placeOf(const std::string& name) const {
         std::string place = path_;
         for (const Level& level : levels_)
             place += "/" + level.name;
-        throw FileError("remove", place + "/" + name, reason);
+        return name.empty() ? place : place + "/" + name;
+    }
+
+    [[noreturn]] void fail(const std::string& name, int reason) const {
+        throw FileError("remove", placeOf(name), reason);
     }
 
     FileCalls& calls_;
-    dev_t device_;
-    std::string path_;  // of the folder that holds the item; for errors alone
+    Asked asked_;
+    std::uint64_t mount_ = 0;  // of the folder that holds the item
+    std::string path_;         // of the folder that holds the item; for errors alone
     std::vector<Level> levels_;
 };
 
@@ -91,11 +107,12 @@ private:
 void requireRemovable(const FolderHandle& parent, const std::string& name) {
     FileCalls& calls = systemFileCalls();
     const Entry entry(parent, name);
-    struct stat status;
-    if (calls.status(entry.folder(), status) != 0) {
-        throw FileError("examine", entry.path(), errno);
-    }
-    RemovalCheck(calls, status.st_dev, posix(parent).path).run(entry.folder(), name);
+    RemovalCheck(calls, Asked::mountsAndRights, posix(parent).path).run(entry.folder(), name);
+}
+
+void requireNoMounts(FileCalls& calls, int parent, const std::string& name,
+                     const std::string& path) {
+    RemovalCheck(calls, Asked::mounts, path).run(parent, name);
 }
 
 }  // namespace velto

@@ -46,6 +46,9 @@ public:
     int status(int file, struct stat& status) override {
         return run(false, "status", "", [&] { return FileCalls::status(file, status); });
     }
+    int mount(int folder, const char* name, std::uint64_t& mount) override {
+        return run(false, "mount", name, [&] { return FileCalls::mount(folder, name, mount); });
+    }
     ssize_t read(int file, void* buffer, std::size_t size) override {
         return run(false, "read", "", [&] { return FileCalls::read(file, buffer, size); });
     }

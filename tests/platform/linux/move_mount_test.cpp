@@ -62,6 +62,81 @@ TEST_F(MoveAcrossMounts, ADiskItselfIsNoItem) {
     });
 }
 
+TEST_F(MoveAcrossMounts, AFolderThatIsBoundInsideIsNeitherCopiedNorEmptied) {
+    expectInPrivate([&] {
+        source.text("item/a/file", "content");
+        source.folder("item/bound");
+        source.text("Projects/thesis", "kept");
+        if (!bindTo(source.path("Projects"), source.path("item/bound")) || !mountTarget("")) {
+            return false;
+        }
+        EXPECT_EQ(move(), EXDEV);
+        EXPECT_EQ(names(), (std::set<std::string>{"source/Projects", "source/item"}));
+        EXPECT_EQ(source.read("item/a/file"), "content");
+        EXPECT_EQ(source.read("Projects/thesis"), "kept");
+        EXPECT_EQ(settle(), MoveState::atSource);
+        return true;
+    });
+}
+
+TEST_F(MoveAcrossMounts, AFolderThatIsBoundToItsPlaceIsNoItem) {
+    expectInPrivate([&] {
+        source.folder("item");
+        source.text("Projects/thesis", "kept");
+        if (!bindTo(source.path("Projects"), source.path("item"))) return false;
+        openAgain();
+        EXPECT_EQ(move(), EBUSY);
+        EXPECT_EQ(names(), (std::set<std::string>{"source/Projects", "source/item"}));
+        EXPECT_EQ(source.read("Projects/thesis"), "kept");
+        return true;
+    });
+}
+
+TEST_F(MoveAcrossMounts, ASubvolumeMovesToAnotherVolumeWithThoseInside) {
+    expectInPrivate([&] {
+        source.folder("disk");
+        if (!mountBtrfs(source.path("disk")) || !makeSubvolume(source.path("disk/item")) ||
+            !makeSubvolume(source.path("disk/item/inner"))) {
+            return false;
+        }
+        source.text("disk/item/inner/file", "content");
+        from = files.openFolder(source.path("disk"), FolderPath::withoutLinks);
+        EXPECT_EQ(move(), 0);
+        EXPECT_EQ(target.read("moved/inner/file"), "content");
+        EXPECT_FALSE(source.exists("disk/item"));
+        return true;
+    });
+}
+
+TEST_F(MoveAcrossMounts, AFileThatShowsThroughAnOverlayMoves) {
+    expectInPrivate([&] {
+        source.text("item", "content");
+        const TempHome changes;
+        if (!layOverlay(source.path(), changes.path()) || !mountTarget("")) return false;
+        EXPECT_EQ(move(), 0);
+        EXPECT_EQ(target.read("moved"), "content");
+        EXPECT_FALSE(source.exists("item"));
+        return true;
+    });
+}
+
+TEST_F(MoveAcrossMounts, AFolderThatAnOverlayCannotRenameStaysWhole) {
+    // Without "redirect_dir" the overlay refuses to rename it, so it cannot be put aside.
+    expectInPrivate([&] {
+        source.text("item/a/file", "content");
+        const TempHome changes;
+        if (!layOverlay(source.path(), changes.path()) || !mountTarget("")) return false;
+        const int reason = move();
+        EXPECT_TRUE(reason == ENOTSUP || reason == 0) << reason;
+        const std::string left =
+            reason == 0 ? target.read("moved/a/file") : source.read("item/a/file");
+        EXPECT_EQ(left, "content");
+        EXPECT_EQ(source.exists("item"), reason != 0);
+        EXPECT_EQ(target.exists("moved"), reason == 0);
+        return true;
+    });
+}
+
 TEST_F(MoveAcrossMounts, AFolderMovesFromADiskThatIsMountedInsideTheHome) {
     expectInPrivate([&] {
         source.folder("disk");

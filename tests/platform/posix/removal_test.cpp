@@ -179,8 +179,9 @@ TEST_F(RemovalTest, TheErrorNamesTheItemThatCannotBeRemoved) {
     FaultyFileCalls faulty;
     PosixFileManager limited(faulty);
     home.file("tree/inner/file", 1);
-    // Opened: the parent, tree and its listing, inner and its listing; then comes the file.
-    faulty.failAt = 5;
+    // Opened: the parent; twice (once to look for mounts) tree and its listing, inner and its
+    // listing; then comes the file.
+    faulty.failAt = 9;
     faulty.error = EACCES;
     try {
         limited.removeAll(home.path("tree"));

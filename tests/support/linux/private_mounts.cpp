@@ -3,6 +3,8 @@
 #include <sched.h>
 #include <sys/mount.h>
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace velto {
@@ -31,6 +33,33 @@ bool enterPrivateMounts() {
 bool mountMemory(const std::string& folder, const std::string& size) {
     const std::string options = size.empty() ? "" : "size=" + size;
     return mount("tmpfs", folder.c_str(), "tmpfs", 0, options.c_str()) == 0;
+}
+
+bool bindTo(const std::string& what, const std::string& place) {
+    return mount(what.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) == 0;
+}
+
+bool layOverlay(const std::string& folder, const std::string& scratch) {
+    if (!mountMemory(scratch)) return false;
+    std::filesystem::create_directory(scratch + "/upper");
+    std::filesystem::create_directory(scratch + "/work");
+    const std::string options =
+        "lowerdir=" + folder + ",upperdir=" + scratch + "/upper,workdir=" + scratch + "/work";
+    return mount("overlay", folder.c_str(), "overlay", 0, options.c_str()) == 0;
+}
+
+bool mountBtrfs(const std::string& folder) {
+    const std::string image = folder + ".image";
+    std::ofstream(image).close();
+    std::filesystem::resize_file(image, 256 * 1024 * 1024);
+    const auto runs = [](const std::string& command) {
+        return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+    };
+    return runs("mkfs.btrfs -q " + image) && runs("mount -o loop " + image + " " + folder);
+}
+
+bool makeSubvolume(const std::string& folder) {
+    return std::system(("btrfs subvolume create " + folder + " >/dev/null 2>&1").c_str()) == 0;
 }
 
 }  // namespace velto

@@ -18,6 +18,17 @@ bool enterPrivateMounts();
 /// where that is not allowed.
 bool mountMemory(const std::string& folder, const std::string& size = "");
 
+/// Lets a folder or a file stand at another place as well (a bind mount).
+bool bindTo(const std::string& what, const std::string& place);
+
+/// Lays an overlay over the folder: what it holds shows through, changes go to a volume in memory
+/// at `scratch`.
+bool layOverlay(const std::string& folder, const std::string& scratch);
+
+/// Mounts an empty btrfs volume on a folder; the image is made beside it.
+bool mountBtrfs(const std::string& folder);
+bool makeSubvolume(const std::string& folder);
+
 enum class InPrivate { done, failed, notAllowed };
 
 /// Runs `action` in a process with mounts of its own, which end with it; what it expects in vain is
