@@ -96,10 +96,14 @@ struct HomeLayout {
     static HomeLayout macOS(const std::string& home);
 
     /// The layout of a Linux home. `environment` answers for XDG variables (nothing when unset);
-    /// `userDirs` is the text of "user-dirs.dirs", empty when there is none.
+    /// `userDirs` is the text of "user-dirs.dirs", empty when there is none; `resolve` takes the
+    /// links out of a path as far as it leads anywhere (none: paths are judged by their text). A
+    /// role that would be, hold or lie above the home or a folder of the user's own counts as
+    /// unset.
     using Environment = std::function<std::optional<std::string>(const std::string& name)>;
+    using Resolve = std::function<std::string(const std::string& path)>;
     static HomeLayout freedesktop(const std::string& home, const Environment& environment,
-                                  std::string_view userDirs);
+                                  std::string_view userDirs, const Resolve& resolve = {});
 };
 
 /// True when `path` contains one of the markers of a library, backup or mailbox that must never be

@@ -54,8 +54,9 @@ LastUseEstimate::LastUseEstimate(const Platform& platform) : files_(*platform.fi
     }
     for (const std::string* folder :
          {&layout.configuration, &layout.caches, &layout.applicationSupport,
-          &layout.applicationState, &layout.sandboxes})
-        places_.push_back({*folder + "/", "", std::nullopt});
+          &layout.applicationState, &layout.sandboxes}) {
+        if (!folder->empty()) places_.push_back({*folder + "/", "", std::nullopt});
+    }
 }
 
 void LastUseEstimate::listFolders() {

@@ -116,6 +116,7 @@ std::vector<Candidate> desktopCandidates(const Identity& identity, const HomeLay
     const auto add = [&](const std::optional<std::string>& key, Conf conf) {
         if (!key) return;
         for (const PlaceRow& row : desktopPlaces) {
+            if ((home.*row.folder).empty()) continue;  // a role that this home lacks
             candidates.push_back(
                 {.path = home.*row.folder + std::string(row.below) + *key + std::string(row.suffix),
                  .cat = std::string(row.cat),

@@ -23,6 +23,7 @@
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
 #include "platform/values/text.h"
+#include "platform/xdg_folders.h"
 
 namespace velto {
 namespace {
@@ -55,10 +56,26 @@ std::string resolvedHome(const FileManager& files) {
     }
 }
 
-/// $XDG_CONFIG_HOME; the XDG Base Directory standard has a relative one ignored.
-std::string configurationFolder(const std::string& home) {
-    const std::string folder = environment("XDG_CONFIG_HOME").value_or("");
-    return folder.starts_with('/') ? folder : home + "/.config";
+/// A path without links as far as it leads anywhere; what is not there yet keeps its name.
+std::string resolvedAsFar(const FileManager& files, const std::string& path) {
+    std::string rest;
+    for (std::string above = path; above.size() > 1; above = parentFolder(above)) {
+        try {
+            return files.resolved(above) + rest;
+        } catch (const FileError&) {
+            rest = "/" + std::string(lastPathComponent(above)) + rest;
+        }
+    }
+    return path;
+}
+
+HomeLayout::Resolve resolver(const FileManager& files) {
+    return [&files](const std::string& path) { return resolvedAsFar(files, path); };
+}
+
+/// Where settings lie, and what the user calls the folders of the home.
+std::string configurationFolder(const std::string& home, const FileManager& files) {
+    return XdgFolders::configurationFolder(home, environment, resolver(files));
 }
 
 /// Where a Mac's disk is mounted, when the home lies on it as it does on a Mac ("/media/mac" for
@@ -80,11 +97,11 @@ HomeLayout layoutOf(const std::string& home, const FileManager& files) {
     }
     std::string userDirs;
     try {
-        userDirs = files.read(configurationFolder(home) + "/user-dirs.dirs");
+        userDirs = files.read(configurationFolder(home, files) + "/user-dirs.dirs");
     } catch (const FileError&) {
         // Most often there is none; then the folders have their standard names.
     }
-    return HomeLayout::freedesktop(home, environment, userDirs);
+    return HomeLayout::freedesktop(home, environment, userDirs, resolver(files));
 }
 
 /// With the applications that desktop entries start, where the home has such, and all bundles.
@@ -125,8 +142,11 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
 
     const std::string home = resolvedHome(*platform->files);
     platform->layout = layoutOf(home, *platform->files);
-    platform->defaults = std::make_unique<JsonUserDefaults>(
-        *platform->files, *platform->log, configurationFolder(home) + "/velto/settings.json");
+    const std::string configuration = platform->layout.kind == HomeLayout::Kind::freedesktop
+                                          ? platform->layout.configuration
+                                          : configurationFolder(home, *platform->files);
+    platform->defaults = std::make_unique<JsonUserDefaults>(*platform->files, *platform->log,
+                                                            configuration + "/velto/settings.json");
     platform->locale = std::make_unique<LinuxLocale>(environment);
     platform->tools = std::make_unique<PosixToolRunner>();
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);

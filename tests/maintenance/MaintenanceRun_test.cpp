@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "maintenance/MaintenanceRecord.h"
+#include "platform/values/text.h"
 #include "support/TestPlatform.h"
 #include "support/system_platform.h"
 
@@ -199,6 +200,32 @@ TEST_F(MaintenanceRunTest, OnAFreedesktopHomeTheDesktopsTrashLosesTheNoteWithThe
     EXPECT_FALSE(machine.home.exists(".local/share/Trash/info/old.iso.trashinfo"));
     EXPECT_FALSE(machine.home.exists(".cache/mozilla"));
     EXPECT_TRUE(machine.home.exists(".cache/some-program/data")) << "nobody knows what it is";
+}
+
+TEST_F(MaintenanceRunTest, WhateverTheEnvironmentCallsCachesTheUsersOwnFilesStay) {
+    for (const char* file : {"Documents/thesis", "Pictures/photos", ".ssh/keys", "Projects/code",
+                             ".local/share/app/data", ".config/app/data", "Templates/forms"}) {
+        machine.home.sparse(file, 60'000'000).lastUsed(500_days);
+    }
+    for (const char* rule : {"systemTrash", "oldDownloads", "caches", "duplicates"})
+        settings.setRule(rule, true);
+    const std::string& home = machine.home.path();
+    for (const std::string& value :
+         {home, home + "/", home + "/.", home + "/Documents/..", parentFolder(home),
+          std::string("/"), home + "/Documents", home + "/.ssh", home + "/.local/share",
+          home + "/.config", home + "/.local", home + "/Templates"}) {
+        SCOPED_TRACE(value);
+        machine.platform.layout = HomeLayout::freedesktop(
+            home,
+            [&](const std::string& name) {
+                return name == "XDG_CACHE_HOME" ? std::optional(value) : std::nullopt;
+            },
+            "XDG_DOWNLOAD_DIR=\"$HOME/Documents\"\n");
+        VeltoTrashService trashHere(*machine.platform.files, *machine.platform.mover, machine.clock,
+                                    machine.log, machine.platform.layout);
+        perform(trashHere);
+        EXPECT_THAT(trashHere.items(), IsEmpty());
+    }
 }
 
 TEST_F(MaintenanceRunTest, TheMessageSaysWhatHappenedInBothLanguages) {
