@@ -86,13 +86,16 @@ std::ptrdiff_t characters(const std::string& text) {
         text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
 }
 
-/// The files of a group by the length of their paths, each file once whatever its names.
-std::vector<KnownFile> distinctFiles(std::vector<std::string> paths, const FileManager& files) {
+/// The user's own files of a group by the length of their paths, each file once whatever its names.
+/// What belongs to somebody else may be gone tomorrow: no copy of the user's makes way for it, and
+/// it is not the program's to move.
+std::vector<KnownFile> distinctFiles(std::vector<std::string> paths, const Platform& platform) {
     std::ranges::stable_sort(paths, {}, characters);
     std::vector<KnownFile> distinct;
     for (std::string& path : paths) {
-        const auto attributes = files.attributes(path);
+        const auto attributes = platform.files->attributes(path);
         if (!attributes || attributes->kind != FileKind::regular) continue;
+        if (attributes->owner != platform.userIdentifier) continue;
         const bool isKnown = std::ranges::any_of(distinct, [&](const KnownFile& file) {
             return file.attributes.identity == attributes->identity;
         });
@@ -105,7 +108,7 @@ std::vector<KnownFile> distinctFiles(std::vector<std::string> paths, const FileM
 
 bool KnownFile::isUnchanged(const FileManager& files) const {
     const auto now = files.attributes(path);
-    return now && now->identity == attributes.identity &&
+    return now && now->identity == attributes.identity && now->owner == attributes.owner &&
            now->logicalSize == attributes.logicalSize && now->modified == attributes.modified;
 }
 
@@ -121,7 +124,7 @@ std::vector<DuplicateCopy> duplicateCopies(const Platform& platform,
     };
     std::vector<DuplicateCopy> copies;
     for (const DupFinder::Group& group : result.groups) {
-        const std::vector<KnownFile> distinct = distinctFiles(group.paths, *platform.files);
+        const std::vector<KnownFile> distinct = distinctFiles(group.paths, platform);
         const auto kept = std::ranges::find_if_not(distinct, isLeaving);
         if (kept == distinct.end()) continue;
         for (auto file = distinct.begin(); file != distinct.end(); ++file) {

@@ -13,7 +13,8 @@ struct KnownFile {
     std::string path;
     FileAttributes attributes;
 
-    /// True while the path still leads to that file, unchanged as far as size and time tell.
+    /// True while the path still leads to that file, unchanged as far as owner, size and time
+    /// tell.
     bool isUnchanged(const FileManager& files) const;
 };
 
@@ -27,9 +28,9 @@ struct DuplicateCopy {
 /// The copies that are not needed, among the regular files above a million bytes in the user's
 /// downloads, desktop and documents: of equal files the one with the shortest path stays (shortest
 /// in characters, on purpose, whatever its age). Protected paths, hidden ones and those at or below
-/// an entry of `excluded` play no part. What lies at or below a path in `leaving` goes anyway, so
-/// it is never the one that stays. Several names of one file are no copies of each other. Blocks
-/// for as long as comparing takes (DupFinder limits it).
+/// an entry of `excluded` play no part, nor do files of other users. What lies at or below a path
+/// in `leaving` goes anyway, so it is never the one that stays. Several names of one file are no
+/// copies of each other. Blocks for as long as comparing takes (DupFinder limits it).
 std::vector<DuplicateCopy> duplicateCopies(const Platform& platform,
                                            const std::vector<std::string>& excluded,
                                            const std::vector<std::string>& leaving);

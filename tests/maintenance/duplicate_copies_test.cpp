@@ -3,6 +3,8 @@
 #include <filesystem>
 
 #include "MaintenanceFixture.h"
+#include "support/WatchedFiles.h"
+#include "support/system_platform.h"
 
 namespace velto {
 namespace {
@@ -28,6 +30,32 @@ TEST_F(DuplicateCopiesTest, TheShortestPathStaysWhateverItsAge) {
     filled("Downloads/report.bin", 'x');
     EXPECT_THAT(copies(), ElementsAre(home().path("Downloads/report.bin"),
                                       home().path("Documents/archive/report.bin")));
+}
+
+TEST_F(DuplicateCopiesTest, WhatBelongsToAnotherUserNeitherStaysForACopyNorGoes) {
+    filled("Downloads/a.bin", 'x');
+    filled("Downloads/longer.bin", 'x');
+    auto watched = std::make_unique<WatchedFiles>(systemFileManager());
+    auto others = *watched->attributes(home().path("Downloads/a.bin"));
+    others.owner = machine.platform.userIdentifier + 1;
+    watched->attributesAt[home().path("Downloads/a.bin")] = others;
+    machine.platform.files = std::move(watched);
+    EXPECT_THAT(copies(), IsEmpty());
+    filled("Documents/longest.bin", 'x');
+    EXPECT_THAT(copies(), ElementsAre(home().path("Documents/longest.bin")));
+}
+
+TEST_F(DuplicateCopiesTest, AFileThatChangesHandsMeanwhileIsNoCopyAnyMore) {
+    filled("Downloads/a.bin", 'x');
+    filled("Downloads/longer.bin", 'x');
+    const auto found = duplicateCopies(machine.platform, {}, {});
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_TRUE(found[0].kept.isUnchanged(*machine.platform.files));
+    WatchedFiles watched(systemFileManager());
+    auto others = found[0].kept.attributes;
+    ++others.owner;
+    watched.attributesAt[found[0].kept.path] = others;
+    EXPECT_FALSE(found[0].kept.isUnchanged(watched));
 }
 
 TEST_F(DuplicateCopiesTest, EqualLengthsKeepTheFindersOrderAndLengthCountsCharacters) {

@@ -1,5 +1,7 @@
 #include "support/TestPlatform.h"
 
+#include <unistd.h>
+
 #include "support/system_platform.h"
 
 namespace velto {
@@ -26,6 +28,7 @@ TestPlatform::TestPlatform()
     platform.makeQueue = [control = queue](const std::string&) {
         return std::make_unique<FakeSerialQueue>(control);
     };
+    platform.userIdentifier = ::geteuid();
     platform.executablePath = "/opt/velto/velto";
 }
 
