@@ -29,6 +29,10 @@ std::string appAnalysis(const nlohmann::json& analysis) {
     return call("onAppAnalysis", literal(analysis));
 }
 
+std::string leftoverLinks(const std::string& application, const nlohmann::json& links) {
+    return call("onLeftoverLinks", literal(application) + ", " + literal(links));
+}
+
 std::string uninstallProgress(std::string_view stage, double percent,
                               const std::optional<std::string>& detail) {
     std::string arguments = inQuotes(stage) + ", " + tenths(percent);

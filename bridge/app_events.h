@@ -17,6 +17,10 @@ std::string appSizes(const nlohmann::json& sizes);
 
 std::string appAnalysis(const nlohmann::json& analysis);
 
+/// What among an application's leftovers is a link or lies behind one: records of `path`, `target`
+/// and `kept` (only the link goes). Goes before the analysis that lists them.
+std::string leftoverLinks(const std::string& application, const nlohmann::json& links);
+
 /// `percent` is written with one decimal. In the detail, which may be any file's name, backslashes
 /// and quotes are escaped, and what would break the line becomes a space.
 std::string uninstallProgress(std::string_view stage, double percent,

@@ -38,6 +38,28 @@ nlohmann::json sizesOf(const InstalledApps& apps, const std::vector<std::string>
     return sizes;
 }
 
+/// Looks for what one application has left. Whatever is a link, or lies behind one, is told first
+/// and remembered: a removal goes by what was shown. Nothing when there is no such application.
+std::vector<std::string> analysisScripts(const Platform& platform, AppsWork& work,
+                                         const std::string& path) {
+    auto entry = work.apps.readApp(path);
+    if (!entry) return {};
+    entry->team = work.apps.teamID(path).value_or("");
+    entry->running = work.apps.isRunning(*entry);
+    const nlohmann::json analysis = Leftovers::analyze(platform, work.apps, *entry);
+    AppRemover::ShownTargets shown;
+    nlohmann::json links = nlohmann::json::array();
+    for (const auto& [item, target] : Leftovers::linkTargets(platform, work.apps, analysis)) {
+        links.push_back({{"path", item}, {"target", target.path}, {"kept", target.isKept}});
+        shown[item] = target.path;
+    }
+    work.shown.remember(path, std::move(shown));
+    std::vector<std::string> scripts;
+    if (!links.empty()) scripts.push_back(events::leftoverLinks(path, links));
+    scripts.push_back(events::appAnalysis(analysis));
+    return scripts;
+}
+
 }  // namespace
 
 void JSBridge::onAppsList(const Payload&) {
@@ -88,19 +110,13 @@ void JSBridge::onAppAnalysis(const Payload& payload) {
         QualityOfService::userInitiated,
         [&dispatcher, &platform = platform_, work = apps_, path = *path, weak = weak_from_this()] {
             if (weak.expired()) return;
-            auto entry = work->apps.readApp(path);
-            std::optional<std::string> script;
-            if (entry) {
-                entry->team = work->apps.teamID(path).value_or("");
-                entry->running = work->apps.isRunning(*entry);
-                script = events::appAnalysis(Leftovers::analyze(platform, work->apps, *entry));
-            }
-            dispatcher.main([weak, script, path] {
+            const auto scripts = analysisScripts(platform, *work, path);
+            dispatcher.main([weak, scripts, path] {
                 const auto bridge = weak.lock();
                 if (!bridge) return;
-                if (script) {
-                    bridge->evaluate(*script);
-                } else {
+                for (const std::string& script : scripts)
+                    bridge->evaluate(script);
+                if (scripts.empty()) {
                     bridge->toast("No se pudo analizar", "Couldn't analyze", path);
                 }
             });

@@ -125,8 +125,9 @@ Outcome uninstall(const Platform& platform, AppsWork& work, const Request& reque
     const std::vector<std::string> before = existing(files, request.paths);
     Outcome outcome;
     try {
-        outcome.result = work.remover.uninstall(entryAt(platform, work.apps, request.path),
-                                                request.paths, progress);
+        outcome.result =
+            work.remover.uninstall(entryAt(platform, work.apps, request.path), request.paths,
+                                   progress, work.shown.of(request.path));
     } catch (const std::exception& error) {
         platform.log->line("Velto ▶ desinstalador: interrumpida: " + singleLine(error.what()));
         outcome.result = cutShort(files, request, before);

@@ -12,6 +12,7 @@
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/figures.h"
+#include "uninstall/tool_names.h"
 
 namespace velto {
 namespace {
@@ -42,7 +43,7 @@ std::vector<std::string> inOrderOfRemoval(const std::vector<std::string>& paths,
 
 AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
                                          const std::vector<std::string>& paths,
-                                         const Progress& progress) {
+                                         const Progress& progress, const ShownTargets& shown) {
     const auto report = [&](std::string_view stage, double percent,
                             const std::optional<Item>& item = std::nullopt) {
         if (progress) progress(stage, item, percent);
@@ -73,7 +74,7 @@ AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
     for (std::size_t index = 0; index < chosen.size(); ++index) {
         const Item item{std::string(lastPathComponent(chosen[index])), chosen[index]};
         report("files", 40 + 48 * (static_cast<double>(index) / count), item);
-        removeOne(chosen[index], entry, result, bytes);
+        removeOne(chosen[index], entry, shown, result, bytes);
     }
     report("clean", 92);
     result.freed = roundedToThousandth(gigabytes(bytes));
@@ -143,7 +144,7 @@ void AppRemover::unloadLaunchdAgent(const std::string& path) {
         return;  // gone, or not ours to read: then it cannot be named to the system either
     }
     const std::string* const label = list ? list->text("Label") : nullptr;
-    if (label == nullptr || label->empty()) return;
+    if (label == nullptr || !isServiceLabel(*label)) return;
     const bool isDaemon = path.find("/LaunchDaemons/") != std::string::npos;
     const std::string domain =
         isDaemon ? "system/" : fmt::format("gui/{}/", platform_.userIdentifier);
@@ -155,21 +156,33 @@ void AppRemover::unloadUserUnit(const std::string& path) {
     const std::string name(lastPathComponent(standard));
     if (standard != platform_.layout.agentsFolder + "/" + name) return;
     if (!name.ends_with(".service") && !name.ends_with(".timer")) return;
+    if (!isUnitName(name)) return;  // systemd knows no such unit
     platform_.tools->run(systemctl, {"--user", "disable", "--now", "--", name});
 }
 
 // Deleting
 
-void AppRemover::removeOne(const std::string& path, const AppEntry& entry, Result& result,
-                           std::int64_t& bytes) {
-    const bool isFlatpak = platform_.layout.kind == HomeLayout::Kind::freedesktop &&
-                           path == entry.path &&
-                           path == platform_.layout.userFlatpaks + "/" + entry.bid;
+/// A link in its place is no installation: it goes as any other link.
+bool AppRemover::isUserFlatpak(const std::string& path, const AppEntry& entry) const {
+    if (platform_.layout.kind != HomeLayout::Kind::freedesktop || !isFlatpakIdentifier(entry.bid) ||
+        path != entry.path || path != platform_.layout.userFlatpaks + "/" + entry.bid) {
+        return false;
+    }
+    const auto attributes = platform_.files->attributes(path);
+    return !attributes || attributes->kind != FileKind::symbolicLink;
+}
+
+void AppRemover::removeOne(const std::string& path, const AppEntry& entry,
+                           const ShownTargets& shown, Result& result, std::int64_t& bytes) {
+    const auto target = shown.find(path);
     std::string place = path;
     RemovalReason reason = RemovalReason::other;
     std::string why;
     try {
-        bytes += isFlatpak ? removeFlatpak(entry) : removal_.remove(path);
+        bytes += isUserFlatpak(path, entry)
+                     ? removeFlatpak(entry)
+                     : removal_.remove(path, target == shown.end() ? std::nullopt
+                                                                   : std::optional(target->second));
         ++result.removed;
         result.gone.push_back(path);
         return;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,12 +50,17 @@ public:
     using Progress = std::function<void(std::string_view stage, const std::optional<Item>& item,
                                         double percent)>;
 
+    /// Where chosen paths lead through links, as the analysis has shown it to the user.
+    using ShownTargets = std::map<std::string, std::string>;
+
     /// Both outlive the object.
     AppRemover(const Platform& platform, const InstalledApps& apps)
         : platform_(platform), apps_(apps), removal_(platform, apps) {}
 
+    /// What lies behind a link that is not in `shown`, or leads elsewhere by now, stays and is
+    /// reported.
     Result uninstall(const AppEntry& entry, const std::vector<std::string>& paths,
-                     const Progress& progress = {});
+                     const Progress& progress = {}, const ShownTargets& shown = {});
 
     /// Asks every process of the application to quit, helpers inside the bundle too, waits two
     /// seconds at most and ends the rest by force. Returns how many there were.
@@ -68,8 +74,9 @@ private:
     bool belongsTo(const RunningApplication& application, const AppEntry& entry) const;
     void unloadLaunchdAgent(const std::string& path);
     void unloadUserUnit(const std::string& path);
-    void removeOne(const std::string& path, const AppEntry& entry, Result& result,
-                   std::int64_t& bytes);
+    void removeOne(const std::string& path, const AppEntry& entry, const ShownTargets& shown,
+                   Result& result, std::int64_t& bytes);
+    bool isUserFlatpak(const std::string& path, const AppEntry& entry) const;
     std::int64_t removeFlatpak(const AppEntry& entry);
     void fail(const std::string& path, RemovalReason reason, Result& result) const;
 

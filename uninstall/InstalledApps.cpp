@@ -207,6 +207,7 @@ std::optional<std::string> InstalledApps::iconDataURL(const std::string& path, i
 }
 
 std::optional<std::string> InstalledApps::teamID(const std::string& path) const {
+    if (!path.starts_with('/')) return std::nullopt;  // never an option of the tool
     const ToolResult result =
         platform_.tools->run("/usr/bin/codesign", {"-dv", "--verbose=4", path});
     if (!result.started || !isValidUtf8(result.standardError)) return std::nullopt;

@@ -19,6 +19,7 @@ using Reason = TrashError::Reason;
 // An item that cannot reach the removal folder in one step waits beside its place under such a
 // name, and a file in the removal folder tells where.
 constexpr std::string_view asidePrefix = ".velto-removing-";
+constexpr std::int64_t longestRecord = 64 * 1024;  // bytes; a path, if a long one
 
 bool meansGone(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ENAMETOOLONG;
@@ -26,22 +27,70 @@ bool meansGone(const FileError& error) {
 
 }  // namespace
 
-std::int64_t ItemRemoval::remove(const std::string& path) const {
-    const auto [place, target] = judged(path);
-    const std::int64_t bytes = apps_.sizeOf(place);
-    removeWhole(target, place);
+std::int64_t ItemRemoval::remove(const std::string& path,
+                                 const std::optional<std::string>& shown) const {
+    const Target target = judged(path);
+    // Nothing but what stood before the user is deleted.
+    if (isBehindLink(standardizedPath(path), target.place) && target.reached != shown) {
+        throw FileError("remove", path, ELOOP);
+    }
+    const std::int64_t bytes = apps_.sizeOf(target.place);
+    removeWhole(target);
     return bytes;
 }
 
-/// What the path leads to, judged and held.
-std::pair<std::string, ItemRemoval::Target> ItemRemoval::judged(const std::string& path) const {
-    std::string place = resolved(path);
-    if (!place.starts_with(platform_.layout.home + "/")) throw TrashError(Reason::outsideHome);
-    if (isProtectedPath(place) || isProtectedPath(standardizedPath(path))) {
-        throw TrashError(Reason::protected_);
+std::optional<LinkTarget> ItemRemoval::linkTarget(const std::string& path) const {
+    const std::string standard = standardizedPath(path);
+    try {
+        const std::string reached = platform_.files->resolved(standard);
+        const auto attributes = platform_.files->attributes(standard);
+        const bool isLink = attributes && attributes->kind == FileKind::symbolicLink;
+        const bool isBehind = isBehindLink(standard, placeOf(standard, reached));
+        if (!isLink && !isBehind) return std::nullopt;
+        return LinkTarget{.path = reached, .isKept = !isBehind};
+    } catch (const FileError&) {
+        return std::nullopt;  // leads nowhere
     }
-    Target target = admit(place);
-    return {std::move(place), std::move(target)};
+}
+
+/// What the path leads to, judged, and what is deleted for it, judged as well and held.
+ItemRemoval::Target ItemRemoval::judged(const std::string& path) const {
+    const std::string standard = standardizedPath(path);
+    const std::string reached = resolved(path);
+    const std::string place = placeOf(standard, reached);
+    for (const std::string* one : {&reached, &place}) {
+        if (!one->starts_with(platform_.layout.home + "/")) throw TrashError(Reason::outsideHome);
+    }
+    for (const std::string* one : {&reached, &place, &standard}) {
+        if (isProtectedPath(*one)) throw TrashError(Reason::protected_);
+    }
+    Target target = admit(reached);
+    if (place != reached) target = admit(place);
+    target.reached = reached;
+    return target;
+}
+
+/// True when it takes a link to get from the path to what is deleted for it. Another text alone
+/// tells nothing: a volume that ignores case resolves a path to other letters.
+bool ItemRemoval::isBehindLink(const std::string& standard, const std::string& place) const {
+    if (place == standard) return false;
+    try {
+        platform_.mover->openFolder(parentFolder(standard), FolderPath::withoutLinks);
+    } catch (const FileError&) {
+        return true;
+    }
+    const auto own = platform_.files->attributes(standard);
+    return !own || !isSame(place, *own);
+}
+
+/// What is deleted for a path that leads to `reached`: on a home that is no Mac's a link is an item
+/// by itself, as it is for every file manager there.
+std::string ItemRemoval::placeOf(const std::string& standard, const std::string& reached) const {
+    if (platform_.layout.kind != HomeLayout::Kind::freedesktop) return reached;
+    const auto attributes = platform_.files->attributes(standard);
+    if (!attributes || attributes->kind != FileKind::symbolicLink) return reached;
+    return platform_.files->resolved(parentFolder(standard)) + "/" +
+           std::string(lastPathComponent(standard));
 }
 
 /// What the path leads to. Where nothing is, its folder is resolved as far as there is one, so that
@@ -65,6 +114,8 @@ std::string ItemRemoval::resolved(const std::string& path) const {
 ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
     try {
         Target target{
+            .place = path,
+            .reached = path,
             .folder = platform_.mover->openFolder(parentFolder(path), FolderPath::withoutLinks),
             .name = std::string(lastPathComponent(path)),
             .attributes = {}};
@@ -81,7 +132,7 @@ ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
 
 std::optional<std::string> ItemRemoval::placeOf(const std::string& path) const {
     try {
-        return judged(path).first;
+        return judged(path).place;
     } catch (const TrashError&) {
         return std::nullopt;
     } catch (const FileError&) {
@@ -131,7 +182,7 @@ bool ItemRemoval::isProtected(const std::string& path, const FileAttributes& att
     });
 }
 
-void ItemRemoval::removeWhole(const Target& target, const std::string& path) const {
+void ItemRemoval::removeWhole(const Target& target) const {
     requireRemovable(*target.folder, target.name);
     const RemovalFolder staging = openRemovalFolder(platform_);
     const std::string identifier = newUUID();
@@ -146,7 +197,7 @@ void ItemRemoval::removeWhole(const Target& target, const std::string& path) con
     }
     // Another volume: the item waits beside its place.
     const Aside aside{.folder = *target.folder,
-                      .folderPath = parentFolder(path),
+                      .folderPath = parentFolder(target.place),
                       .name = std::string(asidePrefix) + identifier,
                       .identifier = identifier,
                       .record = staging.path + "/" + identifier + std::string(removalRecordSuffix)};
@@ -236,14 +287,22 @@ void ItemRemoval::sweep() const {
     }
 }
 
-/// Deletes what a record names, and nothing that the program did not put there itself.
+/// Deletes what a record names. Anybody may have written the record: what it names must be what a
+/// removal leaves beside an item's place, and must lie where an item may be deleted.
 void ItemRemoval::sweepRecord(const RemovalFolder& staging, const std::string& name) const {
+    const auto record = platform_.mover->attributes(*staging.handle, name);
+    if (!record || record->kind != FileKind::regular || record->logicalSize > longestRecord) return;
     const std::string identifier = name.substr(0, name.size() - removalRecordSuffix.size());
-    const std::string path = standardizedPath(platform_.files->read(staging.path + "/" + name));
+    const std::string path = platform_.files->read(staging.path + "/" + name);
+    if (path != standardizedPath(path)) return;
     if (lastPathComponent(path) != std::string(asidePrefix) + identifier) return;
     if (!path.starts_with(platform_.layout.home + "/")) return;
-    const auto folder = platform_.mover->openFolder(parentFolder(path), FolderPath::withoutLinks);
-    platform_.mover->removeAll(*folder, std::string(lastPathComponent(path)));
+    try {
+        const Target rest = admit(path);
+        platform_.mover->removeAll(*rest.folder, rest.name);
+    } catch (const TrashError&) {
+        // Nothing is there any more, or nothing that a removal would have put there.
+    }
 }
 
 }  // namespace velto

@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
@@ -28,24 +27,40 @@ private:
     std::string rest_;
 };
 
+/// Where a chosen path leads through links: what the user has to be shown beside it.
+struct LinkTarget {
+    std::string path;    // resolved
+    bool isKept = true;  // only the link goes; else what it leads to does
+
+    bool operator==(const LinkTarget&) const = default;
+};
+
 /// Deletes items for good, each as a whole: it leaves its place in one step, and only then is what
 /// it holds deleted. Whatever happens in between, nobody finds half of it where it was; what a
 /// process that died has left is deleted by `sweep`. Nothing outside the home is deleted, nothing
-/// in a protected place, nothing behind a link below the chosen path, and nothing that took an
-/// item's place meanwhile: that goes back, or is kept for good. Blocking; one thread at a
-/// time.
+/// in a protected place, nothing behind a link below the chosen path, nothing behind one on the way
+/// that the user was not shown, and nothing that took an item's place meanwhile: that goes back, or
+/// is kept for good. Blocking; one thread at a time.
 class ItemRemoval {
 public:
     /// Both outlive the object.
     ItemRemoval(const Platform& platform, const InstalledApps& apps)
         : platform_(platform), apps_(apps) {}
 
-    /// Deletes what the path leads to, its own links resolved first, and returns how many bytes
-    /// that has freed. Throws TrashError for what the rules refuse or what is not there, FileError
-    /// for what the system refuses, UnfinishedRemoval when something is left of it.
-    std::int64_t remove(const std::string& path) const;
+    /// Deletes what the path leads to and returns how many bytes that has freed. The path is judged
+    /// by what its links lead to. On a Mac's home that is also what is deleted; on another one a
+    /// link goes by itself and what it leads to stays. What lies behind a link is deleted only
+    /// where `shown`, which the user has seen beside the path, says so. Throws TrashError for what
+    /// the rules refuse or what is not there, FileError for what the system refuses (ELOOP for what
+    /// was not shown), UnfinishedRemoval when something is left of it.
+    std::int64_t remove(const std::string& path,
+                        const std::optional<std::string>& shown = std::nullopt) const;
 
-    /// What `remove` would delete; nothing when the rules refuse it or nothing is there.
+    /// Where the path leads when it is not its own place; nothing when it is, or leads nowhere.
+    std::optional<LinkTarget> linkTarget(const std::string& path) const;
+
+    /// What `remove` would delete once it was shown; nothing when the rules refuse it or nothing is
+    /// there.
     std::optional<std::string> placeOf(const std::string& path) const;
 
     /// True for what belongs to this program (its data, its maintenance agent or timer) or holds
@@ -57,6 +72,8 @@ public:
 
 private:
     struct Target {
+        std::string place;    // what is deleted
+        std::string reached;  // what the path leads to
         std::unique_ptr<FolderHandle> folder;
         std::string name;
         FileAttributes attributes;
@@ -73,13 +90,15 @@ private:
         std::string path() const { return folderPath + "/" + name; }
     };
 
-    std::pair<std::string, Target> judged(const std::string& path) const;
+    Target judged(const std::string& path) const;
     std::string resolved(const std::string& path) const;
+    std::string placeOf(const std::string& standard, const std::string& reached) const;
+    bool isBehindLink(const std::string& standard, const std::string& place) const;
     Target admit(const std::string& path) const;
     bool isSame(const std::string& place, const FileAttributes& attributes) const;
     bool isOwn(const std::string& path, const FileAttributes& attributes) const;
     bool isProtected(const std::string& path, const FileAttributes& attributes) const;
-    void removeWhole(const Target& target, const std::string& path) const;
+    void removeWhole(const Target& target) const;
     bool isJudged(const Aside& aside, const Target& target) const;
     void removeAside(const Aside& aside, const Target& target) const;
     [[noreturn]] void giveBack(const Aside& aside, const Target& target) const;

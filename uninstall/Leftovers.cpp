@@ -6,7 +6,6 @@
 
 #include "platform/values/text.h"
 #include "platform/values/units.h"
-#include "uninstall/ItemRemoval.h"
 #include "uninstall/figures.h"
 
 namespace velto::Leftovers {
@@ -68,8 +67,8 @@ std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& e
     return candidates;
 }
 
-/// Where the size of an item lies. Removing a link deletes what it leads to, unless the rules keep
-/// that; then nothing but the link is meant, which takes up nothing.
+/// Where the size of an item lies. Where removing a link deletes what it leads to, unless the rules
+/// keep that, it is there; else nothing but the link is meant, which takes up nothing.
 std::string measuredPath(const Platform& platform, const ItemRemoval& removal,
                          const std::string& path) {
     const auto attributes = platform.files->attributes(path);
@@ -164,6 +163,19 @@ nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, cons
             {"adminCount", totals.adminCount},
             {"possibleCount", totals.possibleCount},
             {"count", items.size()}};
+}
+
+std::map<std::string, LinkTarget> linkTargets(const Platform& platform, const InstalledApps& apps,
+                                              const nlohmann::json& analysis) {
+    const ItemRemoval removal(platform, apps);
+    std::map<std::string, LinkTarget> targets;
+    for (const auto& group : analysis.at("groups")) {
+        for (const auto& item : group.at("items")) {
+            const std::string path = item.at("path");
+            if (auto target = removal.linkTarget(path)) targets.emplace(path, std::move(*target));
+        }
+    }
+    return targets;
 }
 
 }  // namespace velto::Leftovers

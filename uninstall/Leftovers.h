@@ -2,6 +2,7 @@
 
 #include <array>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "platform/Locale.h"
 #include "uninstall/AppEntry.h"
 #include "uninstall/InstalledApps.h"
+#include "uninstall/ItemRemoval.h"
 
 /// What an application leaves behind. No state.
 namespace velto::Leftovers {
@@ -67,5 +69,10 @@ using Progress = std::function<void(const std::string& name)>;
 /// cannot be read contributes nothing.
 nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, const AppEntry& entry,
                        const Progress& progress = {});
+
+/// Where each path of an analysis leads that is a link or lies behind one, by path: beside what
+/// `analyze` has found the user has to see what a removal would really reach.
+std::map<std::string, LinkTarget> linkTargets(const Platform& platform, const InstalledApps& apps,
+                                              const nlohmann::json& analysis);
 
 }  // namespace velto::Leftovers

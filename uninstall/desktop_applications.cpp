@@ -6,6 +6,7 @@
 #include "platform/DesktopEntry.h"
 #include "platform/values/text.h"
 #include "uninstall/removal_rules.h"
+#include "uninstall/tool_names.h"
 #include "uninstall/words.h"
 
 namespace velto {
@@ -61,8 +62,11 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
     const std::string userFlatpak = layout.userFlatpaks + "/" + read.flatpak;
     if (!read.flatpak.empty()) {
         entry.store = true;
-        entry.bid = read.flatpak;
-        if (platform.files->exists(userFlatpak)) entry.path = userFlatpak;
+        // What is no name of a Flatpak could lead anywhere; then the entry alone is known.
+        if (isFlatpakIdentifier(read.flatpak)) {
+            entry.bid = read.flatpak;
+            if (platform.files->exists(userFlatpak)) entry.path = userFlatpak;
+        }
     } else if (read.isSnap || file.origin == entryOrigin::snap) {
         entry.store = true;
     } else if (read.executable.starts_with(layout.home + "/") && !read.startsScript) {

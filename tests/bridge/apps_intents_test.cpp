@@ -78,6 +78,38 @@ TEST_F(AppsIntentsTest, AnAnalysisKnowsTheTeamAndWhetherTheApplicationRuns) {
     EXPECT_EQ(analysis["count"], 2);
 }
 
+TEST_F(AppsIntentsTest, LinksAmongTheLeftoversAreToldBeforeTheAnalysisAndBindTheRemoval) {
+    const std::string foo = application("Foo", "com.example.foo");
+    const std::string cache = machine.home.path("Library/Caches/com.example.foo");
+    machine.home.text("Projects/thesis", "x");
+    machine.home.link("Library/Caches/com.example.foo", machine.home.path("Projects"));
+    post("uninstall", {{"path", foo}, {"paths", {cache}}});
+    machine.dispatcher.runAll();
+    EXPECT_TRUE(machine.home.exists("Projects/thesis")) << "nobody was shown that it would go";
+
+    post("appAnalysis", {{"path", foo}});
+    machine.dispatcher.runAll();
+    ASSERT_EQ(count("onLeftoverLinks"), 1u);
+    const auto arguments = nlohmann::json::parse("[" + calls("onLeftoverLinks").front() + "]");
+    EXPECT_EQ(arguments[0], foo);
+    EXPECT_EQ(arguments[1],
+              nlohmann::json::array(
+                  {{{"path", cache}, {"target", machine.home.path("Projects")}, {"kept", false}}}));
+    EXPECT_THAT(page->scripts.back(), HasSubstr("onAppAnalysis"));
+
+    post("uninstall", {{"path", foo}, {"paths", {cache}}});
+    machine.dispatcher.runAll();
+    EXPECT_FALSE(machine.home.exists("Projects"));
+}
+
+TEST_F(AppsIntentsTest, AnAnalysisWithoutLinksSpeaksOfNone) {
+    const std::string foo = application("Foo", "com.example.foo");
+    post("appAnalysis", {{"path", foo}});
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onLeftoverLinks"), 0u);
+    EXPECT_EQ(count("onAppAnalysis"), 1u);
+}
+
 TEST_F(AppsIntentsTest, AnApplicationThatIsGoneCannotBeAnalysed) {
     const std::string path = machine.home.path("Applications/Gone.app");
     post("appAnalysis", {{"path", path}});

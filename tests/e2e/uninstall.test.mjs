@@ -1,12 +1,13 @@
 // Uninstalling by clicking in the page: what is listed, what is found, what is gone from the disk
 // afterwards and what is still there.
 import assert from 'node:assert/strict';
-import { readdirSync, rmSync, symlinkSync } from 'node:fs';
+import { lstatSync, readdirSync, rmSync, symlinkSync } from 'node:fs';
 import { test } from 'node:test';
 import { Home, MB } from './support/home.mjs';
 import { openGuided } from './support/guided_page.mjs';
 import { bundle, desktopEntry, runFrom, xmlPropertyList } from './support/made_app.mjs';
 
+const existsAsLink = (path) => lstatSync(path, { throwIfNoEntry: false })?.isSymbolicLink() ?? false;
 const history = (home) => JSON.parse(home.read(home.data('history.json')));
 const orange = [[255, 170, 60], [220, 60, 40]];
 const green = [[120, 220, 140], [20, 120, 90]];
@@ -109,7 +110,8 @@ test('what could not be removed is named, each with its reason, and what to do a
   const page = await openGuided(t, home);
   await page.click('Applications');
   await page.click('Look at what Harbour left behind');
-  await page.sees('5 of 6 items selected');
+  await page.sees('4 of 6 items selected');
+  await page.sees(outside.path);
   await page.tick('section:possible');
   rmSync(home.at('Library/Preferences/com.example.harbour.plist'));
 
@@ -188,6 +190,24 @@ function linuxHome(t) {
     .text('.config/other/settings', 'of a neighbour')
     .text('.ssh/id', 'a key');
 }
+
+test('a link among the leftovers of a Linux home goes alone, when it was chosen', async (t) => {
+  const home = linuxHome(t).text('Projects/thesis', 'years of work');
+  rmSync(home.at('.config/com.example.Harbour'), { recursive: true });
+  symlinkSync(home.at('Projects'), home.at('.config/com.example.Harbour'));
+  const page = await openGuided(t, home);
+  await page.click('Applications');
+  await page.click('Look at what Harbour left behind');
+  await page.sees('5 of 7 items selected');
+  await page.sees(home.at('Projects'));
+  await page.sees('Only the link goes; what it leads to stays.');
+  await page.tick('section:possible');
+  await page.click('Uninstall…');
+  await page.click('Uninstall');
+  await page.sees('Harbour is uninstalled');
+  assert.ok(!existsAsLink(home.at('.config/com.example.Harbour')));
+  assert.equal(home.read('Projects/thesis'), 'years of work');
+});
 
 test('an AppImage of a Linux home goes with its entry and what it left behind', async (t) => {
   const home = linuxHome(t);

@@ -24,15 +24,18 @@ protected:
         machine.platform.userIdentifier = 501;
     }
     AppRemover::Result uninstall(const std::vector<std::string>& paths) {
-        return remover.uninstall(entry, paths,
-                                 [&](std::string_view stage,
-                                     const std::optional<AppRemover::Item>& item, double percent) {
-                                     steps.push_back({std::string(stage), percent});
-                                     if (item) items.push_back(item->name + " " + item->path);
-                                 });
+        return remover.uninstall(
+            entry, paths,
+            [&](std::string_view stage, const std::optional<AppRemover::Item>& item,
+                double percent) {
+                steps.push_back({std::string(stage), percent});
+                if (item) items.push_back(item->name + " " + item->path);
+            },
+            shown);
     }
 
     AppEntry entry;
+    AppRemover::ShownTargets shown;
     std::vector<std::pair<std::string, double>> steps;
     std::vector<std::string> items;
 };
@@ -176,7 +179,9 @@ TEST_F(AppRemoverTest, TheChosenPathIsJudgedByWhatItLeadsTo) {
     home.link("Library/Caches/far", "/etc");
     home.link("Library/Caches/documents", home.folder("Documents"));
     home.link("Library/Caches/shared", home.path("Library"));
-    EXPECT_EQ(uninstall({home.path("Library/Caches/com.example.foobar")}).removed, 1);
+    const std::string chosen = home.path("Library/Caches/com.example.foobar");
+    shown[chosen] = home.path("Elsewhere/data");
+    EXPECT_EQ(uninstall({chosen}).removed, 1);
     EXPECT_FALSE(isThere(elsewhere));
     const auto failures =
         uninstall({home.path("Library/Caches/far"), home.path("Library/Caches/documents"),

@@ -126,6 +126,57 @@ TEST_F(RemovalFolderTest, OnlyWhatARemovalHasPutThereIsSwept) {
     EXPECT_EQ(machine.platform.files->list(removing()).size(), std::size(foreign) + 1);
 }
 
+TEST_F(RemovalFolderTest, AForgedRecordDeletesNothing) {
+    const std::string rest = std::string(".velto-removing-") + identifier;
+    home.folder("Pictures");
+    home.link("Library/Caches/link", home.path("Pictures"));
+    const std::string places[] = {disk.path(),
+                                  home.path("Library/Application Support/Velto/Trash"),
+                                  home.path("Library/Mail"),
+                                  home.path("Pictures/Photos Library.photoslibrary"),
+                                  home.path("Library/Application Support/MobileSync"),
+                                  machine.platform.layout.cloudFolder};
+    for (const std::string& place : places)
+        put(place + "/" + rest + "/precious", "precious");
+    put(home.path("Pictures/" + rest + "/precious"), "precious");
+    put(home.path("Documents/thesis"), "precious");
+    std::vector<std::string> claims{
+        "",
+        "/",
+        rest,
+        home.path(),
+        home.path("Documents"),
+        home.path("Documents/thesis"),
+        home.path("Documents/.velto-removing-" + std::string(36, '0')),
+        home.path("Library/Caches/link/" + rest),            // through a link
+        home.path("Library/Caches/../../Pictures/" + rest),  // not as a removal writes it
+        home.path("Pictures//" + rest),
+        home.path("Pictures/" + rest) + "\n",
+        home.path("Pictures/" + rest) + std::string(1, '\0'),
+        home.path("Pictures/" + rest + "/precious"),
+        std::string(100'000, '/') + home.path("Pictures/" + rest)};
+    for (const std::string& place : places)
+        claims.push_back(place + "/" + rest);
+    for (const std::string& claim : claims) {
+        SCOPED_TRACE(claim.substr(0, 200));
+        put(removing(std::string(identifier) + ".path"), claim);
+        remover.uninstall(entry, {});
+        for (const std::string& place : places)
+            EXPECT_TRUE(fs::exists(place + "/" + rest + "/precious")) << place;
+        EXPECT_TRUE(home.exists("Pictures/" + rest + "/precious"));
+        EXPECT_TRUE(home.exists("Documents/thesis"));
+    }
+    // Nor does a link or a pipe in a record's place.
+    put(home.path("note"), home.path("Pictures/" + rest));
+    fs::create_symlink(home.path("note"), removing(std::string(identifier) + ".path"));
+    remover.uninstall(entry, {});
+    EXPECT_TRUE(home.exists("Pictures/" + rest + "/precious"));
+    // A record as a removal writes it does.
+    put(removing(std::string(identifier) + ".path"), home.path("Pictures/" + rest));
+    remover.uninstall(entry, {});
+    EXPECT_FALSE(home.exists("Pictures/" + rest));
+}
+
 // What was put in an item's place
 
 /// Swaps the chosen folder for another one just before it is moved aside, and lets something new

@@ -2,7 +2,8 @@
 import { distinct, fieldsOf, list, number, size, text } from './guards.ts';
 import { failureReasons, leftoverKeys, uninstallStages } from './records.ts';
 import type {
-  AppAnalysis, FailureReason, InstalledApp, LeftoverGroupKey, LeftoverItem, UninstallResult, UninstallStage,
+  AppAnalysis, FailureReason, InstalledApp, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
+  UninstallStage,
 } from './records.ts';
 
 /** An icon is a picture that came along; whatever else it says is never fetched. */
@@ -38,6 +39,13 @@ function leftover(fields: Record<string, unknown>, cat: LeftoverGroupKey): Lefto
     conf: fields.conf === 'certain' ? 'certain' : 'possible',
     admin: fields.admin === true, nested: fields.nested === true, cat,
   };
+}
+
+/** What is not said to be kept counts as going with the link: better one warning too many. */
+export function leftoverLinks(value: unknown): LeftoverLink[] {
+  return list(value, ({ path, target, kept }) =>
+    text(path) && text(target) ? { path: text(path), target: text(target), kept: kept === true } : null,
+  );
 }
 
 export function appAnalysis(value: unknown): AppAnalysis | null {

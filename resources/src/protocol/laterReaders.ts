@@ -15,6 +15,7 @@ export const laterReaders: LaterReaders = {
   onTrashChanged: ([gb]) => [guards.number(gb)],
   onApps: ([apps]) => [appGuards.installedApps(apps)],
   onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
+  onLeftoverLinks: ([application, links]) => [guards.text(application), appGuards.leftoverLinks(links)],
   onAppAnalysis: ([value]) => {
     const analysis = appGuards.appAnalysis(value);
     return analysis && [analysis];

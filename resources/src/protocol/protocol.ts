@@ -3,8 +3,8 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, MaintenanceStatus, Permissions,
-  RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
+  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
+  MaintenanceStatus, Permissions, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -79,6 +79,7 @@ export interface Events {
   onCloudMove: [result: CloudMove];
   onApps: [apps: InstalledApp[]];
   onAppSizes: [sizes: Record<string, number>];
+  onLeftoverLinks: [application: string, links: LeftoverLink[]];
   onAppAnalysis: [analysis: AppAnalysis];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];

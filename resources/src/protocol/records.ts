@@ -179,6 +179,14 @@ export interface LeftoverItem {
   cat: LeftoverGroupKey;
 }
 
+/** A leftover that is a link, or lies behind one. */
+export interface LeftoverLink {
+  path: string;
+  target: string;
+  /** Only the link goes; else what it leads to does. */
+  kept: boolean;
+}
+
 export interface AppAnalysis {
   bid: string;
   name: string;

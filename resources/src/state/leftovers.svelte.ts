@@ -1,6 +1,6 @@
 /** The one application that is looked at, and what the program found of it. */
 import { send } from '../protocol/connection.ts';
-import type { AppAnalysis, InstalledApp } from '../protocol/protocol.ts';
+import type { AppAnalysis, InstalledApp, LeftoverLink } from '../protocol/protocol.ts';
 import type { LookPhase } from './cleanables.svelte.ts';
 
 const late = 15_000;
@@ -11,6 +11,8 @@ class Leftovers {
   /** Null while the list of applications is shown. */
   app = $state.raw<InstalledApp | null>(null);
   analysis = $state.raw<AppAnalysis | null>(null);
+  /** Which of the leftovers are links, or lie behind one, by path. */
+  links = $state.raw<ReadonlyMap<string, LeftoverLink>>(new Map());
   phase = $state<LookPhase>('idle');
   /** Why it failed, in the program's words; may be empty. */
   failure = $state('');
@@ -35,6 +37,7 @@ class Leftovers {
     this.stopTimers();
     this.app = null;
     this.analysis = null;
+    this.links = new Map();
     this.phase = 'idle';
   }
 
@@ -42,6 +45,7 @@ class Leftovers {
     if (!this.app) return;
     this.stopTimers();
     this.analysis = null;
+    this.links = new Map();
     this.failure = '';
     this.phase = 'looking';
     this.timers = [
@@ -52,6 +56,11 @@ class Leftovers {
     if (this.asked.includes(path)) return; // the answer is on its way
     this.asked.push(path);
     send('appAnalysis', { path });
+  }
+
+  /** Comes before the analysis, so that no link is ever shown as anything else. */
+  receiveLinks(application: string, links: readonly LeftoverLink[]): void {
+    if (application === this.app?.path) this.links = new Map(links.map((link) => [link.path, link]));
   }
 
   receive(analysis: AppAnalysis): void {

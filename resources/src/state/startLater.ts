@@ -31,6 +31,7 @@ export function startLater(): void {
       onTrashChanged: (gb) => (session.trashGb = gb),
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
+      onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
       onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),

@@ -57,6 +57,17 @@ describe('what an application left behind', () => {
   const sections = sectionsOf(analysis);
   const sectionOf = (name: string) => sections.find((section) => section.name === name)!;
 
+  it('takes nothing that is a link, or lies behind one, for certain', () => {
+    const path = `${home}/Library/Caches/org.example.Borealis`;
+    const links = new Map([borealis.path, path].map((at) => [at, { path: at, target: `${home}/Projects`, kept: true }]));
+    const found = sectionsOf(analysis, links);
+    const chosen = preselectedOf(found);
+    expect(chosen.size).toBe(preselectedOf(sections).size - 2);
+    expect(chosen.has(path) || chosen.has(borealis.path)).toBe(false);
+    const linked = found.flatMap(({ name, items }) => items.filter(({ link }) => link).map(() => name));
+    expect(linked).toEqual(['possible', 'possible']);
+  });
+
   it('keeps the certain, the possible and the unreachable apart', () => {
     expect(sections.map(({ name, items }) => [name, items.length])).toEqual([['certain', 8], ['possible', 3], ['stays', 2]]);
     expect(sectionOf('certain').items.every(({ conf, admin }) => conf === 'certain' && !admin)).toBe(true);

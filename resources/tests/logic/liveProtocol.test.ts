@@ -1,5 +1,5 @@
 import { beforeEach, describe, expect, it, vi } from 'vitest';
-import { appAnalysis, appSizes, installedApps, uninstallResult } from '../../src/protocol/appGuards.ts';
+import { appAnalysis, appSizes, installedApps, leftoverLinks, uninstallResult } from '../../src/protocol/appGuards.ts';
 import { connect, listenLater } from '../../src/protocol/connection.ts';
 import { laterReaders } from '../../src/protocol/laterReaders.ts';
 import { systemSample } from '../../src/protocol/systemGuards.ts';
@@ -51,6 +51,15 @@ describe('reading applications', () => {
     ];
     expect(appAnalysis({ path: '/x', groups })!.groups.map(({ key, items }) => [key, items.length])).toEqual([['caches', 1]]);
     expect(appAnalysis({ groups })).toBeNull();
+  });
+
+  it('a link that is not said to be kept apart from its target takes it along', () => {
+    const link = { path: '/a', target: '/b', kept: true };
+    expect(leftoverLinks([link, { path: '/c', target: '/d', kept: 'yes' }, { path: '/e' }, 7])).toEqual([
+      link,
+      { path: '/c', target: '/d', kept: false },
+    ]);
+    expect(leftoverLinks('x')).toEqual([]);
   });
 
   it('a reason that nobody knows is "other"', () => {

@@ -134,6 +134,34 @@ describe('one application', () => {
     });
   });
 
+  it('a link among it is shown with where it leads and what goes, and is not preselected', async () => {
+    await withApps(async (opened) => {
+      const { page } = opened;
+      const cache = `${home}/Library/Caches/org.example.Borealis`;
+      const support = `${home}/Library/Application Support/org.example.Borealis`;
+      await page.locator(`[data-key="${borealis.path}"]`).click();
+      await opened.tell('onLeftoverLinks', 'another', [{ path: borealis.path, target: '/x', kept: true }]);
+      await opened.tell('onLeftoverLinks', borealis.path, [
+        { path: cache, target: `${home}/Projects`, kept: true },
+        { path: support, target: `${home}/dotfiles/<b>Borealis</b>` },
+      ]);
+      await opened.tell('onAppAnalysis', analysisOf(borealis, someLeftovers()));
+      expect(await page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(6);
+      expect(await page.locator(`[data-key="${cache}"]`).getAttribute('aria-selected')).toBe('false');
+      const text = plain(await page.locator(`[data-key="${cache}"] .path`).textContent());
+      expect(text).toContain(`${home}/Projects`);
+      expect(text).toContain('Only the link goes; what it leads to stays.');
+      const other = plain(await page.locator(`[data-key="${support}"] .path`).textContent());
+      expect(other).toContain('<b>Borealis</b>');
+      expect(other).toContain('Behind a link: what it leads to is deleted.');
+      // Looked at again, it is told anew.
+      await page.getByRole('button', { name: 'Back to all applications' }).first().click();
+      await page.locator(`[data-key="${borealis.path}"]`).click();
+      await opened.tell('onAppAnalysis', analysisOf(borealis, someLeftovers()));
+      expect(await page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(8);
+    });
+  });
+
   it('is uninstalled with what was chosen, after a question with the focus on Cancel', async () => {
     await withApps(async (opened) => {
       const { page } = opened;

@@ -53,7 +53,7 @@ export const appWords = {
   team: (team: string) => `Signed by team ${team}`,
   sections: {
     certain: { name: 'Certain', what: 'Carries the identifier of the application: nothing else uses it. Selected to begin with.' },
-    possible: { name: 'Possible: look first', what: 'Only the name matches, so it may belong to something else as well. Not selected to begin with.' },
+    possible: { name: 'Possible: look first', what: 'Only the name matches, or it is a link, so it may belong to something else as well. Not selected to begin with.' },
     stays: { name: 'Stays: not removable here', what: 'Velto leaves this alone. You can look at it in its folder and remove it yourself.' },
   },
   conf: { certain: 'Certain', possible: 'Possible' },
@@ -62,6 +62,9 @@ export const appWords = {
     nested: 'Goes with the application',
     protected: 'Protected place',
   },
+  linkTo: 'leads to',
+  linkAlone: 'Only the link goes; what it leads to stays.',
+  linkTarget: 'Behind a link: what it leads to is deleted.',
   forAllUsers: 'Installed for all users: to be moved to the trash by hand',
   groups: {
     app: 'Application',

@@ -52,7 +52,7 @@ export const appWords: typeof english = {
   team: (team) => `Firmada por el equipo ${team}`,
   sections: {
     certain: { name: 'Seguro', what: 'Lleva el identificador de la aplicación: nada más lo usa. Seleccionado de entrada.' },
-    possible: { name: 'Posible: míralo antes', what: 'Solo coincide el nombre, así que también puede ser de otra cosa. No se selecciona de entrada.' },
+    possible: { name: 'Posible: míralo antes', what: 'Solo coincide el nombre, o es un enlace, así que también puede ser de otra cosa. No se selecciona de entrada.' },
     stays: { name: 'Se queda: no se quita desde aquí', what: 'Velto no lo toca. Puedes verlo en su carpeta y quitarlo tú.' },
   },
   conf: { certain: 'Seguro', possible: 'Posible' },
@@ -61,6 +61,9 @@ export const appWords: typeof english = {
     nested: 'Se va con la aplicación',
     protected: 'Lugar protegido',
   },
+  linkTo: 'lleva a',
+  linkAlone: 'Solo se elimina el enlace; su destino se queda.',
+  linkTarget: 'Detrás de un enlace: se elimina su destino.',
   forAllUsers: 'Instalada para todos los usuarios: hay que llevarla a la papelera a mano',
   groups: {
     app: 'Aplicación',

@@ -1,6 +1,6 @@
 /** What an application left behind, by how certain it is that it belongs to it, then by kind. */
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { AppAnalysis, InstalledApp, LeftoverGroupKey, LeftoverItem } from '../../protocol/protocol.ts';
+import type { AppAnalysis, InstalledApp, LeftoverGroupKey, LeftoverItem, LeftoverLink } from '../../protocol/protocol.ts';
 import { totalGb } from '../../state/operations.ts';
 
 export type SectionName = 'certain' | 'possible' | 'stays';
@@ -10,6 +10,7 @@ export interface SectionItem extends LeftoverItem {
   /** The first of its kind within the section. */
   leads: boolean;
   stays: StaysBecause | null;
+  link: LeftoverLink | null;
 }
 
 export interface Section {
@@ -27,12 +28,18 @@ export function staysBecause({ admin, nested, path }: LeftoverItem): StaysBecaus
   return isProtectedPath(path) ? 'protected' : null;
 }
 
-export function sectionsOf({ groups }: AppAnalysis): Section[] {
+/** What is a link, or lies behind one, is never certain, whatever its name: it leads somewhere else. */
+function sectionOf({ stays, link, conf }: Omit<SectionItem, 'leads'>): SectionName {
+  if (stays) return 'stays';
+  return link ? 'possible' : conf;
+}
+
+export function sectionsOf({ groups }: AppAnalysis, links: ReadonlyMap<string, LeftoverLink> = new Map()): Section[] {
   const items = groups.flatMap((group) => group.items);
   return names.flatMap((name) => {
     const own = items
-      .map((item) => ({ ...item, stays: staysBecause(item) }))
-      .filter((item) => (item.stays ? 'stays' : item.conf) === name);
+      .map((item) => ({ ...item, stays: staysBecause(item), link: links.get(item.path) ?? null }))
+      .filter((item) => sectionOf(item) === name);
     const leading = new Set<LeftoverGroupKey>();
     const marked = own.map((item) => {
       const leads = !leading.has(item.cat);

@@ -59,7 +59,7 @@ class LeftoverChoice {
   /** Null until the user has chosen anything for the analysis at hand. */
   private chosen = $state.raw<{ path: string; selection: Selection } | null>(null);
 
-  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis) : []);
+  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis, leftovers.links) : []);
   readonly items: SectionItem[] = $derived(this.sections.flatMap(({ items }) => items));
   readonly keys: string[] = $derived(
     this.sections.flatMap(({ name, items }) => [sectionKey(name), ...items.map(({ path }) => path)]),
