@@ -8,6 +8,7 @@
 
 #include "platform/Platform.h"
 #include "platform/values/json_fields.h"
+#include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
 
@@ -72,11 +73,11 @@ std::string CloudFolder::moveIn(const std::string& path, Index& index) {
     if (!drive || drive->kind != FileKind::folder) {
         throw FileError("reach", layout_.cloudDrive, ENOENT);
     }
-    files_.createFolders(layout_.cloudFolder);
+    mover_.openFolder(layout_.cloudFolder, FolderPath::createdWithoutLinks);
     refuseOwnFolders(item);
     const Move move{.from = standardizedPath(path),
                     .to = layout_.cloudFolder + "/" + item.place.name,
-                    .scratch = ".velto-" + newUUID()};
+                    .scratch = scratchName(newUUID())};
     carryOut(item.place, openPlace(mover_, move.to, FolderPath::withoutLinks), move, index);
     return move.to;
 }
@@ -88,7 +89,7 @@ std::string CloudFolder::moveOut(const std::string& path, Index& index) {
     const std::string origin = known == index.origins.end() ? "" : known->second;
     const Move move{.from = source,
                     .to = placeToReturnTo(origin, item.place.name),
-                    .scratch = ".velto-" + newUUID()};
+                    .scratch = scratchName(newUUID())};
     carryOut(item.place, openPlace(mover_, move.to, FolderPath::withoutLinks), move, index);
     return move.to;
 }
@@ -125,7 +126,7 @@ void CloudFolder::carryOut(const HeldPlace& from, const HeldPlace& to, const Mov
 
 void CloudFolder::settle() {
     try {
-        if (!files_.exists(indexPath())) return;
+        if (layout_.cloudDrive.empty() || !files_.exists(indexPath())) return;
         const auto lock = mover_.lock(indexPath() + ".lock", true);
         Index index = read();
         settleEarlierMove(index);
@@ -138,10 +139,18 @@ void CloudFolder::settleEarlierMove(Index& index) {
     if (!index.move) return;
     const Move move = *index.move;
     MoveState state = MoveState::nowhere;
+    const bool isOurMove = isOurs(move);
     try {
-        const HeldPlace from = openPlace(mover_, move.from, FolderPath::withoutLinks);
-        const HeldPlace to = openPlace(mover_, move.to, FolderPath::withoutLinks);
-        state = mover_.settleMove(*from.folder, from.name, *to.folder, to.name, move.scratch);
+        if (isOurMove) {
+            const HeldPlace from = openPlace(mover_, move.from, FolderPath::withoutLinks);
+            const HeldPlace to = openPlace(mover_, move.to, FolderPath::withoutLinks);
+            if (!isInDataFolder(from) && !isInDataFolder(to)) {
+                state =
+                    mover_.settleMove(*from.folder, from.name, *to.folder, to.name, move.scratch);
+            }
+        } else {
+            log_.line("Velto ▶ nube: un movimiento ajeno no se toca: " + singleLine(move.from));
+        }
     } catch (const FileError& error) {
         // A folder of it is gone for good: nothing can be brought into order there any more.
         if (!isAbsence(error)) throw;
@@ -149,6 +158,37 @@ void CloudFolder::settleEarlierMove(Index& index) {
     }
     finish(move, state, index);
     save(index);
+}
+
+/// The index is a file, and anybody may have written it: a move out of it is carried out only when
+/// this program could have begun it.
+bool CloudFolder::isOurs(const Move& move) const {
+    const auto isInCloud = [&](const std::string& path) {
+        return standardizedPath(path) == path && parentFolder(path) == layout_.cloudFolder;
+    };
+    const bool isIn = isInCloud(move.to) && isPlaceOutside(move.from);
+    const bool isOut = isInCloud(move.from) && (isPlaceOutside(move.to) || isInDownloads(move.to));
+    const bool isSameName = lastPathComponent(move.from) == lastPathComponent(move.to);
+    return (isIn || isOut) && isSameName && isScratchName(move.scratch);
+}
+
+/// Where something that lies in the cloud folder may have come from, and may go back to.
+bool CloudFolder::isPlaceOutside(const std::string& path) const {
+    return standardizedPath(path) == path && isBelow(path, layout_.home) &&
+           !isProtectedPath(path) && !isAtOrBelow(path, layout_.dataFolder) &&
+           !isAtOrBelow(path, layout_.cloudFolder);
+}
+
+/// The user may keep that folder elsewhere, outside the home too.
+bool CloudFolder::isInDownloads(const std::string& path) const {
+    return standardizedPath(path) == path && files_.exists(layout_.downloads) &&
+           parentFolder(path) == files_.resolved(layout_.downloads);
+}
+
+/// By identity, as below.
+bool CloudFolder::isInDataFolder(const HeldPlace& place) {
+    const auto own = mover_.openFolder(layout_.dataFolder, FolderPath::throughLinks);
+    return mover_.isAtOrBelow(*place.folder, *own);
 }
 
 /// What the index says once it is known where the item is.
@@ -174,10 +214,7 @@ std::string CloudFolder::pathInCloud(const std::string& path, const Index& index
 std::string CloudFolder::placeToReturnTo(const std::string& origin, const std::string& name) const {
     // An index that somebody has tampered with must not lead out of the home or into what is
     // protected.
-    const bool isSound = standardizedPath(origin) == origin && isBelow(origin, layout_.home) &&
-                         !isProtectedPath(origin) && !isAtOrBelow(origin, layout_.dataFolder) &&
-                         !isAtOrBelow(origin, layout_.cloudFolder);
-    if (isSound) {
+    if (isPlaceOutside(origin) && lastPathComponent(origin) == name) {
         try {
             openPlace(mover_, origin, FolderPath::withoutLinks);
             return origin;
@@ -211,6 +248,9 @@ void CloudFolder::refuseOwnFolder(const TrashGuard::Admitted& item, const std::s
 /// may be saved over it.
 CloudFolder::Index CloudFolder::read() const {
     Index index;
+    // A link leads to what somebody else has written; the next save takes its place.
+    const auto file = files_.attributes(indexPath());
+    if (file && file->kind == FileKind::symbolicLink) return index;
     try {
         const json object = json::parse(files_.read(indexPath()));
         index.origins = object.at("origins").get<std::map<std::string, std::string>>();

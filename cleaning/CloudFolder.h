@@ -65,6 +65,10 @@ private:
     std::string moveOut(const std::string& path, Index& index);
     void carryOut(const HeldPlace& from, const HeldPlace& to, const Move& move, Index& index);
     void settleEarlierMove(Index& index);
+    bool isOurs(const Move& move) const;
+    bool isPlaceOutside(const std::string& path) const;
+    bool isInDownloads(const std::string& path) const;
+    bool isInDataFolder(const HeldPlace& place);
     void finish(const Move& move, MoveState state, Index& index) const;
 
     std::string pathInCloud(const std::string& path, const Index& index) const;

@@ -2,18 +2,14 @@
 
 #include <cerrno>
 
+#include "cleaning/own_folder.h"
+#include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 
 namespace velto {
 namespace {
 
 constexpr std::size_t longestName = 255;  // bytes; what most file systems take
-
-/// A manifest that somebody has tampered with must not reach outside the trash.
-bool isComponent(const std::string& name) {
-    return !name.empty() && name != "." && name != ".." &&
-           name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
-}
 
 /// The id, "-" and the item's name; a name that would be too long with the id before it is cut
 /// between two characters (the manifest holds it whole).
@@ -26,7 +22,12 @@ std::string storedName(const TrashItem& item) {
     return name;
 }
 
-std::string scratchName(const TrashItem& item) { return ".velto-" + item.id; }
+/// An id that makes no scratch name was made up by somebody else.
+std::string scratchNameOf(const TrashItem& item) {
+    std::string name = scratchName(item.id);
+    if (!isScratchName(name)) throw FileError("move in steps", item.id, EINVAL);
+    return name;
+}
 
 bool isSound(const TrashItem& item) {
     return isComponent(item.opID) && isComponent(storedName(item));
@@ -38,17 +39,10 @@ bool isAbsence(const FileError& error) {
 
 }  // namespace
 
-std::unique_ptr<FolderHandle> TrashFolder::openRoot() const {
-    try {
-        return mover_.openFolder(path_, FolderPath::throughLinks);
-    } catch (const FileError& error) {
-        if (!isAbsence(error) || files_.exists(path_)) throw;
-        return nullptr;
-    }
-}
+std::unique_ptr<FolderHandle> TrashFolder::openRoot() const { return openOwnFolder(mover_, path_); }
 
 std::unique_ptr<FolderHandle> TrashFolder::makeOperation(const std::string& operationID) {
-    const auto root = mover_.openFolder(path_, FolderPath::created);
+    const auto root = makeOwnFolder(mover_, path_);
     mover_.makeFolder(*root, operationID);
     return mover_.openFolder(*root, operationID);
 }
@@ -58,7 +52,8 @@ std::unique_ptr<FolderHandle> TrashFolder::openOperation(const std::string& oper
     const auto root = openRoot();
     if (!root) return nullptr;
     try {
-        return mover_.openFolder(*root, operationID);
+        auto operation = mover_.openFolder(*root, operationID);
+        return mover_.isOwnFolder(*operation, *root) ? std::move(operation) : nullptr;
     } catch (const FileError& error) {
         // A link, or a file, is nothing that this program has made.
         const bool isFolder = error.code() == ENOENT && mover_.attributes(*root, operationID);
@@ -77,7 +72,7 @@ void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
                          const TrashItem& item) {
     const std::string name = storedName(item);
     if (mover_.moveAtOnce(*source.folder, source.name, operation, name)) return;
-    mover_.moveInSteps(*source.folder, source.name, operation, name, scratchName(item));
+    mover_.moveInSteps(*source.folder, source.name, operation, name, scratchNameOf(item));
 }
 
 void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
@@ -85,28 +80,28 @@ void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
     const std::string name = storedName(item);
     if (mover_.moveAtOnce(operation, name, *target.folder, target.name)) return;
     beforeSteps();
-    mover_.moveInSteps(operation, name, *target.folder, target.name, scratchName(item));
+    mover_.moveInSteps(operation, name, *target.folder, target.name, scratchNameOf(item));
 }
 
 MoveState TrashFolder::settleIn(const HeldPlace& source, const FolderHandle& operation,
                                 const TrashItem& item) {
     return mover_.settleMove(*source.folder, source.name, operation, storedName(item),
-                             scratchName(item));
+                             scratchNameOf(item));
 }
 
 MoveState TrashFolder::settleOut(const TrashItem& item, const FolderHandle& operation,
                                  const HeldPlace& target) {
     return mover_.settleMove(operation, storedName(item), *target.folder, target.name,
-                             scratchName(item));
+                             scratchNameOf(item));
 }
 
 bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operation) const {
-    return mover_.attributes(operation, scratchName(item)).has_value();
+    return mover_.attributes(operation, scratchNameOf(item)).has_value();
 }
 
 void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
     const std::string name = storedName(item);
-    const std::string scratch = scratchName(item);
+    const std::string scratch = scratchNameOf(item);
     const auto adopted = mover_.attributes(operation, scratch);
     if (!adopted) return;
     if (const auto stored = mover_.attributes(operation, name)) {
@@ -140,7 +135,8 @@ void TrashFolder::removeEverything() {
     }
     mover_.removeAll(*root, manifestName);
     try {
-        files_.removeAll(path_);
+        const auto above = openFolderAbove(mover_, path_);
+        if (above) mover_.removeEmptyFolder(*above, std::string(lastPathComponent(path_)));
     } catch (const FileError&) {
         // Nothing is left but the folder, which the next save would make again.
     }

@@ -6,18 +6,19 @@
 
 #include "cleaning/TrashGuard.h"
 #include "cleaning/TrashRecords.h"
-#include "platform/FileManager.h"
 #include "platform/FileMover.h"
 #include "platform/HomeLayout.h"
 
 namespace velto {
 
 /// The files of the trash: one folder per operation, in it each item under its id, "-" and its
-/// name. Knows nothing of the manifest but its name. What its functions throw is FileError.
+/// name. Knows nothing of the manifest but its name. Trash and operations are real folders of the
+/// user's own; anything else in their place is never entered: ELOOP for a link instead of the
+/// trash, no operation for one instead of that. What its functions throw is FileError.
 class TrashFolder {
 public:
-    TrashFolder(FileManager& files, FileMover& mover, const HomeLayout& layout)
-        : files_(files), mover_(mover), path_(layout.trashFolder) {}
+    TrashFolder(FileMover& mover, const HomeLayout& layout)
+        : mover_(mover), path_(layout.trashFolder) {}
 
     const std::string& path() const { return path_; }
     std::string manifestPath() const { return path_ + "/" + manifestName; }
@@ -63,7 +64,7 @@ public:
     void removeOperationIfEmpty(const std::string& operationID);
 
     /// Removes the trash folder with everything in it, the manifest last: what remains after a
-    /// failure is still listed.
+    /// failure is still listed. What is put into it meanwhile stays.
     void removeEverything();
 
 private:
@@ -71,7 +72,6 @@ private:
 
     std::unique_ptr<FolderHandle> openRoot() const;
 
-    FileManager& files_;
     FileMover& mover_;
     std::string path_;
 };

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <optional>
 
+#include "cleaning/own_folder.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -55,6 +56,28 @@ TrashGuard::Admitted TrashGuard::admit(const std::string& path,
     return std::move(*found);
 }
 
+std::string TrashGuard::formerPath(const TrashItem& item,
+                                   const std::vector<std::string>& extraRoots) const {
+    const std::string path = standardizedPath(item.originalPath);
+    judgeReturn(path, extraRoots);
+    // What the page shows as its name is what comes back.
+    if (lastPathComponent(path) != item.name) throw TrashError(Reason::notFound);
+    return path;
+}
+
+void TrashGuard::judgeReturn(const std::string& path,
+                             const std::vector<std::string>& extraRoots) const {
+    const bool isPath = standardizedPath(path) == path && path.find('\0') == std::string::npos;
+    if (!isPath || !isAllowedRoot(path, extraRoots)) throw TrashError(Reason::outsideHome);
+    if (isProtectedPath(path)) throw TrashError(Reason::protected_);
+    if (isAtOrBelow(path, layout_.dataFolder)) throw TrashError(Reason::alreadyInTrash);
+}
+
+void TrashGuard::refuseOwnData(const FolderHandle& folder) const {
+    const auto own = openFolderAbove(mover_, layout_.trashFolder);
+    if (own && mover_.isAtOrBelow(folder, *own)) throw TrashError(Reason::alreadyInTrash);
+}
+
 bool TrashGuard::isAllowedRoot(const std::string& path,
                                const std::vector<std::string>& extraRoots) const {
     if (path.empty() || path == "/") return false;
@@ -74,7 +97,8 @@ void TrashGuard::refuseTrash(const std::string& path, const std::string& standar
     // By identity: a path may reach the trash in other letters (a volume that ignores case).
     const auto trash = files_.attributes(root);
     if (!trash || trash->kind != FileKind::folder) return;
-    const auto handle = mover_.openFolder(root, FolderPath::throughLinks);
+    const auto handle = openOwnFolder(mover_, root);
+    if (!handle) return;
     if (admitted.attributes.identity == trash->identity ||
         mover_.isAtOrBelow(*admitted.place.folder, *handle)) {
         throw TrashError(Reason::alreadyInTrash);

@@ -56,6 +56,9 @@ std::optional<JournalEntry> entryFrom(const json& object) {
 }  // namespace
 
 std::optional<JournalEntry> TrashJournal::read() const {
+    // A link leads to what somebody else has written.
+    const auto file = files_.attributes(path_);
+    if (file && file->kind == FileKind::symbolicLink) return std::nullopt;
     try {
         return entryFrom(json::parse(files_.read(path_)));
     } catch (const FileError& error) {

@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cleaning/own_folder.h"
+
 namespace velto {
 
 bool TrashManifest::isCurrent() const {
@@ -30,6 +32,9 @@ bool TrashManifest::reload(Manifest& lists) {
 bool TrashManifest::tryToRead(Manifest& lists) {
     version_.reset();
     try {
+        // A link in the place of the trash leads to somebody else's manifest.
+        const auto trash = files_.attributes(folder());
+        if (trash && trash->kind != FileKind::folder) return false;
         auto version = mover_.openVersion(path_);
         if (!version) {
             if (files_.exists(path_)) return false;  // it came back meanwhile
@@ -52,8 +57,9 @@ bool TrashManifest::tryToRead(Manifest& lists) {
 std::optional<FileError> TrashManifest::save(const Manifest& lists) {
     isSaved_ = false;
     try {
-        files_.createFolders(folder());
-        files_.writeAtomically(path_, encodeManifest(lists));
+        files_.createFolders(parentFolder(folder()));
+        mover_.writeAtomically(*makeOwnFolder(mover_, folder()),
+                               std::string(lastPathComponent(path_)), encodeManifest(lists));
     } catch (const FileError& error) {
         return error;
     } catch (const nlohmann::json::exception&) {

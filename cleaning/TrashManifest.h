@@ -31,7 +31,8 @@ public:
     /// were, when it cannot be read.
     bool reload(Manifest& lists);
 
-    /// Writes the lists, making the trash folder when it is missing. Returns why it failed.
+    /// Writes the lists, making the trash folder when it is missing. Returns why it failed: a link
+    /// in the place of that folder is not written through.
     std::optional<FileError> save(const Manifest& lists);
 
     /// False while the last save has failed: the lists know more than the file.

@@ -6,6 +6,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "platform/FileManager.h"
+
 namespace velto {
 
 /// One file or folder in the program's trash.
@@ -54,6 +56,19 @@ public:
 
 private:
     Reason reason_;
+};
+
+/// An item cannot go where it should: `path()`, which was a folder on the way there, is a link now
+/// (ELOOP) or no folder at all (ENOTDIR). It stays in the trash, and may go to another folder.
+class ReturnBlocked : public FileError {
+public:
+    ReturnBlocked(const TrashItem& item, const FileError& reason)
+        : FileError(reason.attempt(), reason.path(), reason.code()), item_(item) {}
+
+    const TrashItem& item() const { return item_; }
+
+private:
+    TrashItem item_;
 };
 
 // Keys equal the field names and come in their order. Reading is strict: a missing or mistyped

@@ -1,21 +1,21 @@
 #include "cleaning/TrashRecovery.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <optional>
 #include <unordered_set>
 
+#include "cleaning/restored_name.h"
+#include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
 namespace velto {
 namespace {
 
-/// Where an item came from. A link that has got into the path since is not followed.
-HeldPlace openOrigin(FileMover& mover, const TrashItem& item) {
-    return openPlace(mover, standardizedPath(item.originalPath), FolderPath::withoutLinks);
-}
+bool isAbsence(const FileError& error) { return error.code() == ENOENT || error.code() == ENOTDIR; }
 
 }  // namespace
 
@@ -30,6 +30,7 @@ void forgetItems(Manifest& lists, const std::vector<std::string>& itemIDs) {
 }
 
 bool TrashRecovery::recover(const JournalEntry& entry) {
+    extraRoots_.clear();
     switch (entry.kind) {
         case JournalEntry::Kind::move:
             return recoverMove(entry.operation);
@@ -39,7 +40,7 @@ bool TrashRecovery::recover(const JournalEntry& entry) {
         case JournalEntry::Kind::purge:
             return recoverRemoval(entry);
         case JournalEntry::Kind::empty:
-            return recoverEmptying();
+            return recoverEmptying(entry);
     }
     return false;
 }
@@ -48,24 +49,54 @@ bool TrashRecovery::recover(const JournalEntry& entry) {
 bool TrashRecovery::recoverMove(const Operation& operation) {
     const bool isRecorded = std::ranges::find(lists_.operations, operation.id, &Operation::id) !=
                             lists_.operations.end();
-    if (isRecorded) return false;
+    if (isRecorded || !isConsistent(operation)) return false;
     const auto folder = folder_.openOperation(operation.id);
     if (!folder) return false;
     const bool isComplete =
         !operation.items.empty() && std::ranges::all_of(operation.items, [&](const auto& item) {
             return isInTrash(item, *folder);
         });
-    if (!isComplete) return takeBack(operation);
+    if (!isComplete) {
+        return takeBackIf(operation, [&](const TrashItem& item) { return !startsByItself(item); });
+    }
     record(operation);
     return true;
 }
 
-bool TrashRecovery::takeBack(const Operation& operation) {
+/// As this program writes an operation that is not recorded yet.
+bool TrashRecovery::isConsistent(const Operation& operation) const {
+    std::unordered_set<std::string> ids;
+    for (const TrashItem& item : lists_.items)
+        ids.insert(item.id);
+    return isComponent(operation.id) &&
+           std::ranges::all_of(operation.items, [&](const TrashItem& item) {
+               return item.opID == operation.id && isScratchName(scratchName(item.id)) &&
+                      isComponent(item.name) && ids.insert(item.id).second;
+           });
+}
+
+/// What lies there is run with the session. No file tells this program to put something there: it
+/// stays in the trash, listed, for the user to put back.
+bool TrashRecovery::startsByItself(const TrashItem& item) const {
+    const std::string path = standardizedPath(item.originalPath);
+    return std::ranges::any_of(
+        std::array{&layout_.autostart, &layout_.agentsFolder},
+        [&](const std::string* folder) { return !folder->empty() && isAtOrBelow(path, *folder); });
+}
+
+bool TrashRecovery::takeBack(const Operation& operation,
+                             const std::vector<std::string>& extraRoots) {
+    extraRoots_ = extraRoots;
+    return takeBackIf(operation, [](const TrashItem&) { return true; });
+}
+
+bool TrashRecovery::takeBackIf(const Operation& operation,
+                               const std::function<bool(const TrashItem&)>& mayGo) {
     const auto folder = folder_.openOperation(operation.id);
     if (!folder) return false;
     Operation stuck = operation;
     std::erase_if(stuck.items, [&](const TrashItem& item) {
-        return !isInTrash(item, *folder) || moveBack(item, *folder);
+        return !isInTrash(item, *folder) || (mayGo(item) && moveBack(item, *folder));
     });
     folder_.removeOperationIfEmpty(operation.id);
     if (stuck.items.empty()) return false;
@@ -73,10 +104,22 @@ bool TrashRecovery::takeBack(const Operation& operation) {
     return true;
 }
 
+/// Where an item came from. Nothing when the item cannot have come from there. A link that has got
+/// into the path since is not followed. Throws FileError.
+std::optional<HeldPlace> TrashRecovery::openOrigin(const TrashItem& item) const {
+    try {
+        HeldPlace place =
+            openPlace(mover_, guard_.formerPath(item, extraRoots_), FolderPath::withoutLinks);
+        guard_.refuseOwnData(*place.folder);
+        return place;
+    } catch (const TrashError&) {
+        return std::nullopt;
+    }
+}
+
 bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
     try {
-        const HeldPlace place = openOrigin(mover_, item);
-        folder_.settleIn(place, operation, item);
+        if (const auto place = openOrigin(item)) folder_.settleIn(*place, operation, item);
         // Not where the move has got to: something new may stand in the place that it came from.
         return folder_.attributes(&operation, item).has_value();
     } catch (const FileError& error) {
@@ -86,8 +129,7 @@ bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operati
         if (error.code() == EEXIST || !folder_.holdsScratch(item, operation)) {
             return folder_.attributes(&operation, item).has_value();
         }
-        const bool isGone = error.code() == ENOENT || error.code() == ENOTDIR;
-        if (!isGone) throw;  // the original may be there, put aside
+        if (!isAbsence(error)) throw;  // the original may be there, put aside
         folder_.adoptScratch(item, operation);
         return true;
     }
@@ -96,7 +138,8 @@ bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operati
 bool TrashRecovery::moveBack(const TrashItem& item, const FolderHandle& operation) {
     std::optional<HeldPlace> place;
     try {
-        place = openOrigin(mover_, item);
+        place = openOrigin(item);
+        if (!place) return false;
         folder_.moveOut(item, operation, *place);
         return true;
     } catch (const FileError&) {
@@ -130,7 +173,11 @@ void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& opera
                                 const std::string& target) {
     std::optional<HeldPlace> place;
     try {
-        place = openPlace(mover_, target, FolderPath::throughLinks);
+        if (!isStepsTarget(item, target)) return;
+        place = openPlace(mover_, target, FolderPath::withoutLinks);
+        guard_.refuseOwnData(*place->folder);
+    } catch (const TrashError&) {
+        return;
     } catch (const FileError&) {
         // The place that it went to is out of reach: what was put aside is the item again.
         folder_.adoptScratch(item, operation);
@@ -139,8 +186,17 @@ void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& opera
     folder_.settleOut(item, operation, *place);
 }
 
+/// Its own name, or the one beside a taken place, where something may come back to: the place that
+/// it came from, or one that the user has chosen.
+bool TrashRecovery::isStepsTarget(const TrashItem& item, const std::string& target) const {
+    guard_.judgeReturn(target);
+    return isRestoredName(lastPathComponent(target), item.name);
+}
+
+/// Only what the lists hold, each by its id: an entry that names nothing means nothing.
 bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {
     std::vector<std::string> gone;
+    if (entry.itemIDs.empty()) return false;
     const std::vector<TrashItem> items = itemsOf(entry);
     for (const TrashItem& item : items) {
         try {
@@ -157,7 +213,14 @@ bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {
     return true;
 }
 
-bool TrashRecovery::recoverEmptying() {
+/// Emptying names all that it deletes. What the lists hold besides was not meant.
+bool TrashRecovery::recoverEmptying(const JournalEntry& entry) {
+    const std::unordered_set<std::string> named(entry.itemIDs.begin(), entry.itemIDs.end());
+    const bool isMeant =
+        !lists_.items.empty() && std::ranges::all_of(lists_.items, [&](const TrashItem& item) {
+            return named.contains(item.id);
+        });
+    if (!isMeant) return false;
     try {
         folder_.removeEverything();
     } catch (const FileError&) {

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "cleaning/own_folder.h"
 #include "platform/Platform.h"
 #include "platform/values/units.h"
 
@@ -33,10 +34,10 @@ VeltoTrashService::VeltoTrashService(FileManager& files, FileMover& mover, const
       log_(log),
       layout_(layout),
       guard_(files, mover, layout),
-      folder_(files, mover, layout),
+      folder_(mover, layout),
       journal_(files, layout),
       manifest_(files, mover, folder_.manifestPath()),
-      recovery_(mover, folder_, lists_) {}
+      recovery_(mover, guard_, layout, folder_, lists_) {}
 
 VeltoTrashService& VeltoTrashService::shared() {
     Platform& platform = processPlatform();
@@ -67,7 +68,8 @@ void VeltoTrashService::emptyTrash() {
     const Change change = begin();
     // What an earlier change has left unsettled may be the only copy of a file.
     if (change.unsettled && !change.isOnlyUnsaved) throw FileError(*change.unsettled);
-    announce({.kind = Kind::empty, .operation = {}, .itemIDs = {}, .steps = {}}, change);
+    announce({.kind = Kind::empty, .operation = {}, .itemIDs = idsOf(lists_.items), .steps = {}},
+             change);
     try {
         folder_.removeEverything();
     } catch (const FileError&) {
@@ -151,6 +153,7 @@ VeltoTrashService::Change VeltoTrashService::begin() {
     files_.createFolders(layout_.dataFolder);
     Change change;
     change.lock = mover_.lock(lockPath(), true);
+    openOwnFolder(mover_, layout_.trashFolder);  // for its refusal of what is no folder of ours
     if (!refresh()) throw FileError("read", folder_.manifestPath(), EIO);
     settleEarlierChange(change);
     return change;

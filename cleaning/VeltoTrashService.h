@@ -55,11 +55,18 @@ public:
     // has changed them meanwhile.
 
     /// Moves an item back to where it came from, beside it when that place is taken.
-    void restore(std::string itemID);
+    /// Throws ReturnBlocked when a link, or something else that is no folder, has taken the place
+    /// of a folder on the way there; TrashError when that place is none that something may go back
+    /// to.
+    void restore(std::string itemID, const std::vector<std::string>& extraRoots = {});
+
+    /// Moves an item to a folder of the user's choice, beside what bears its name there: a folder
+    /// that is there, inside the home, reached without links. Throws as above.
+    void restoreTo(std::string itemID, const std::string& folder);
 
     /// Restores the operation's items in order. The first failure ends it and is thrown; what was
     /// restored before stays restored. An id without items does nothing.
-    void undoOperation(std::string operationID);
+    void undoOperation(std::string operationID, const std::vector<std::string>& extraRoots = {});
 
     /// Deletes an item for good.
     void deletePermanently(std::string itemID);
@@ -103,11 +110,22 @@ private:
                                const KnownSizes& knownSizes,
                                const std::vector<std::string>& extraRoots);
     void moveIn(const Operation& operation, const std::vector<std::string>& extraRoots);
-    void takeBack(const Operation& operation, const Change& change);
+    void takeBack(const Operation& operation, const Change& change,
+                  const std::vector<std::string>& extraRoots);
 
-    void restoreAll(const std::vector<TrashItem>& items, JournalEntry entry, Change& change);
-    void restoreOne(const TrashItem& item, const FolderHandle* operation, JournalEntry& entry,
-                    Change& change);
+    /// Where items go back to.
+    struct Destination {
+        std::vector<std::string> extraRoots;
+        std::optional<std::string> chosen;  // a folder; else where each item came from
+        std::string judged;                 // the folder that was judged last
+    };
+
+    void restoreAll(const std::vector<TrashItem>& items, JournalEntry entry,
+                    Destination destination, Change& change);
+    void restoreOne(const TrashItem& item, const FolderHandle* operation, Destination& destination,
+                    JournalEntry& entry, Change& change);
+    HeldPlace openReturn(const TrashItem& item, const std::string& target,
+                         Destination& destination) const;
     void moveOut(const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
                  const std::string& targetPath, JournalEntry& entry, Change& change);
 

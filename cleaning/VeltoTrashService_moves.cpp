@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "cleaning/VeltoTrashService.h"
+#include "cleaning/restored_name.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "platform/values/uuid.h"
@@ -35,14 +36,8 @@ double sizeOf(const std::string& path, const FileAttributes& attributes,
     return roundedToTenth(gigabytes(attributes.allocatedSize));
 }
 
-/// "Informe.pdf" becomes "Informe (restaurado 1).pdf"; Spanish in every language.
-std::string restoredName(const std::string& name, int number) {
-    const std::size_t stop = name.rfind('.');
-    const bool hasExtension = stop != std::string::npos && stop != 0 && stop + 1 < name.size();
-    const std::string stem = hasExtension ? name.substr(0, stop) : name;
-    const std::string extension = hasExtension ? name.substr(stop) : "";
-    return fmt::format("{} (restaurado {}){}", stem, number, extension);
-}
+/// What keeps an item from a folder that it could go to otherwise.
+bool isBlocked(const FileError& error) { return error.code() == ELOOP || error.code() == ENOTDIR; }
 
 }  // namespace
 
@@ -57,7 +52,7 @@ Operation VeltoTrashService::moveToTrash(const std::vector<std::string>& paths,
     try {
         moveIn(operation, extraRoots);
     } catch (...) {
-        takeBack(operation, change);
+        takeBack(operation, change, extraRoots);
         throw;
     }
     operation.ts = clock_.now();
@@ -108,9 +103,10 @@ void VeltoTrashService::moveIn(const Operation& operation,
     mover_.sync(*folder);
 }
 
-void VeltoTrashService::takeBack(const Operation& operation, const Change& change) {
+void VeltoTrashService::takeBack(const Operation& operation, const Change& change,
+                                 const std::vector<std::string>& extraRoots) {
     try {
-        if (recovery_.takeBack(operation)) {
+        if (recovery_.takeBack(operation, extraRoots)) {
             saveAndSettle(change);
         } else {
             journal_.clear();
@@ -123,14 +119,23 @@ void VeltoTrashService::takeBack(const Operation& operation, const Change& chang
 
 // Moving out
 
-void VeltoTrashService::restore(const std::string itemID) {
+void VeltoTrashService::restore(const std::string itemID,
+                                const std::vector<std::string>& extraRoots) {
     Change change = beginStrictly();
-    const TrashItem item = itemWith(itemID);
-    restoreAll({item}, {.kind = Kind::restore, .operation = {}, .itemIDs = {itemID}, .steps = {}},
-               change);
+    restoreAll({itemWith(itemID)},
+               {.kind = Kind::restore, .operation = {}, .itemIDs = {itemID}, .steps = {}},
+               {.extraRoots = extraRoots, .chosen = {}, .judged = {}}, change);
 }
 
-void VeltoTrashService::undoOperation(const std::string operationID) {
+void VeltoTrashService::restoreTo(const std::string itemID, const std::string& folder) {
+    Change change = beginStrictly();
+    restoreAll({itemWith(itemID)},
+               {.kind = Kind::restore, .operation = {}, .itemIDs = {itemID}, .steps = {}},
+               {.extraRoots = {}, .chosen = folder, .judged = {}}, change);
+}
+
+void VeltoTrashService::undoOperation(const std::string operationID,
+                                      const std::vector<std::string>& extraRoots) {
     Change change = beginStrictly();
     std::vector<TrashItem> items;
     std::ranges::copy_if(lists_.items, std::back_inserter(items),
@@ -138,20 +143,21 @@ void VeltoTrashService::undoOperation(const std::string operationID) {
     if (items.empty()) return;
     JournalEntry entry{.kind = Kind::restore, .operation = {}, .itemIDs = {}, .steps = {}};
     entry.operation.id = operationID;
-    restoreAll(items, std::move(entry), change);
+    restoreAll(items, std::move(entry), {.extraRoots = extraRoots, .chosen = {}, .judged = {}},
+               change);
 }
 
 /// Restores items of one operation in order up to the first failure, which is thrown. The lists are
 /// saved once at the end: until then the journal tells what may have been moved.
 void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalEntry entry,
-                                   Change& change) {
+                                   Destination destination, Change& change) {
     const auto operation = folder_.openOperation(items.front().opID);
     journal_.write(entry);
     std::vector<TrashItem> restored;
     std::exception_ptr failure;
     for (const TrashItem& item : items) {
         try {
-            restoreOne(item, operation.get(), entry, change);
+            restoreOne(item, operation.get(), destination, entry, change);
             restored.push_back(item);
         } catch (...) {
             failure = std::current_exception();
@@ -172,11 +178,35 @@ void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalE
     if (failure) std::rethrow_exception(failure);
 }
 
+/// The place for a target, which is judged: through no link, and with missing folders made again
+/// unless the user has chosen the folder.
+HeldPlace VeltoTrashService::openReturn(const TrashItem& item, const std::string& target,
+                                        Destination& destination) const {
+    const auto how =
+        destination.chosen ? FolderPath::withoutLinks : FolderPath::createdWithoutLinks;
+    try {
+        HeldPlace place = openPlace(mover_, target, how);
+        const std::string folder = parentFolder(target);
+        if (destination.judged != folder) guard_.refuseOwnData(*place.folder);
+        destination.judged = folder;
+        return place;
+    } catch (const FileError& error) {
+        if (isBlocked(error)) throw ReturnBlocked(item, error);
+        throw;
+    }
+}
+
 void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* operation,
-                                   JournalEntry& entry, Change& change) {
+                                   Destination& destination, JournalEntry& entry, Change& change) {
     if (!folder_.attributes(operation, item)) throw TrashError(Reason::notFound);
-    const std::string target = standardizedPath(item.originalPath);
-    HeldPlace place = openPlace(mover_, target, FolderPath::created);
+    const std::string target = destination.chosen
+                                   ? standardizedPath(*destination.chosen + "/" + item.name)
+                                   : guard_.formerPath(item, destination.extraRoots);
+    if (destination.chosen) {
+        if (!isComponent(item.name)) throw TrashError(Reason::notFound);
+        guard_.judgeReturn(target);
+    }
+    HeldPlace place = openReturn(item, target, destination);
     const std::string wanted = place.name;
     for (int number = 0;; ++number) {
         place.name = number == 0 ? wanted : restoredName(wanted, number);

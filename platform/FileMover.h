@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/FileManager.h"
@@ -37,9 +38,9 @@ public:
 };
 
 enum class FolderPath {
-    withoutLinks,  // a link anywhere in the path is refused: FileError with ELOOP
-    throughLinks,  // links are followed
-    created,       // links are followed; missing folders are made, for the user alone
+    withoutLinks,         // a link anywhere in the path is refused: FileError with ELOOP
+    createdWithoutLinks,  // the same, and missing folders are made, for the user alone
+    throughLinks,         // links are followed
 };
 
 /// Where a moved item is.
@@ -55,12 +56,16 @@ public:
     virtual ~FileMover() = default;
 
     /// Opens a folder at an absolute standardised path, component by component, so that the path
-    /// may be of any length. Throws.
+    /// may be of any length. Throws; the error names the folder on the way that stopped it.
     virtual std::unique_ptr<FolderHandle> openFolder(const std::string& path, FolderPath how) = 0;
 
     /// Opens a folder in an open one, never through a link. Throws.
     virtual std::unique_ptr<FolderHandle> openFolder(const FolderHandle& parent,
                                                      const std::string& name) = 0;
+
+    /// True when `folder` belongs to this user, or to the same one as `other`: a volume may show
+    /// everything on it as somebody else's.
+    virtual bool isOwnFolder(const FolderHandle& folder, const FolderHandle& other) = 0;
 
     /// True when `folder` is `ancestor` or lies below it, by identity.
     virtual bool isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) = 0;
@@ -71,6 +76,10 @@ public:
                                                      const std::string& name) = 0;
 
     virtual std::vector<std::string> list(const FolderHandle& folder) = 0;
+
+    /// As `FileManager::writeAtomically`, in that very folder. Throws.
+    virtual void writeAtomically(const FolderHandle& folder, const std::string& name,
+                                 std::string_view content) = 0;
 
     /// Makes one folder; throws EEXIST when something stands there.
     virtual void makeFolder(const FolderHandle& parent, const std::string& name) = 0;
@@ -96,7 +105,10 @@ public:
                              const std::string& scratch) = 0;
 
     /// Undoes or completes what a cut-off `moveInSteps` has left, and tells where the item is.
-    /// Harmless when nothing was cut off, and after `moveAtOnce`. Throws.
+    /// Harmless when nothing was cut off, and after `moveAtOnce`. The names may come from a file
+    /// that somebody has tampered with: nothing is removed that does not stand elsewhere, alike in
+    /// content and all else that a move keeps. Throws; EINVAL when the scratch name is one of the
+    /// others.
     virtual MoveState settleMove(const FolderHandle& from, const std::string& name,
                                  const FolderHandle& to, const std::string& newName,
                                  const std::string& scratch) = 0;
@@ -110,11 +122,13 @@ public:
     /// Makes the folder's list of names reach the disk, where the folder may be read. Throws.
     virtual void sync(const FolderHandle& folder) = 0;
 
-    /// Locks the file at `path`, made when missing. Waits for other holders, or returns null when
-    /// there is one and `wait` is false. A file system without locks grants it. Throws.
+    /// Locks the file at `path`, made when missing. When somebody else holds it: null if `wait` is
+    /// false, else waits for a while (`LockPatience`) and throws EWOULDBLOCK. A file system without
+    /// locks grants it. Throws; EINVAL for anything but a regular file, ELOOP for a link.
     virtual std::unique_ptr<FileLock> lock(const std::string& path, bool wait) = 0;
 
-    /// Holds the version of a file that is there now; null when there is none. Throws.
+    /// Holds the version of a file that is there now; null when there is none. Throws; ELOOP for a
+    /// link.
     virtual std::unique_ptr<FileVersion> openVersion(const std::string& path) = 0;
 };
 

@@ -100,6 +100,28 @@ int FileCalls::copyAttributes(int from, int to) {
     return 0;
 }
 
+int FileCalls::holdsAttributes(int from, int to) {
+    std::string names;
+    if (!attributeNames(from, names)) return -1;
+    std::string value;
+    std::string kept;
+    for (std::string_view rest = names; !rest.empty();) {
+        const std::string name(rest.substr(0, rest.find('\0')));
+        rest.remove_prefix(name.size() + 1);
+        if (!name.starts_with("user.")) continue;  // may differ from place to place
+        if (!readAttribute(from, name.c_str(), value)) {
+            if (errno == ENODATA) continue;
+            return -1;
+        }
+        if (!readAttribute(to, name.c_str(), kept)) {
+            if (errno == ENODATA || errno == EOPNOTSUPP) return 0;
+            return -1;
+        }
+        if (kept != value) return 0;
+    }
+    return 1;
+}
+
 int FileCalls::copyAccess(int from, int to) {
     std::string list;
     for (const char* name : accessLists) {

@@ -2,13 +2,55 @@
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <string>
+#include <string_view>
 
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
+namespace {
+
+/// What the system itself writes, here and there with different values.
+constexpr std::array<std::string_view, 5> ownOfSystem{
+    "com.apple.provenance", "com.apple.quarantine", "com.apple.macl", "com.apple.lastuseddate#PS",
+    "com.apple.rootless"};
+
+/// False with `errno` set when it cannot be read. The value may grow between the two calls.
+bool readAttribute(int file, const char* name, std::string& value) {
+    while (true) {
+        const ssize_t size = ::fgetxattr(file, name, nullptr, 0, 0, 0);
+        if (size < 0) return false;
+        value.resize(static_cast<std::size_t>(size));
+        const ssize_t length = ::fgetxattr(file, name, value.data(), value.size(), 0, 0);
+        if (length >= 0) {
+            value.resize(static_cast<std::size_t>(length));
+            return true;
+        }
+        if (errno != ERANGE) return false;
+    }
+}
+
+bool attributeNames(int file, std::string& names) {
+    while (true) {
+        const ssize_t size = ::flistxattr(file, nullptr, 0, 0);
+        if (size < 0) return errno == ENOTSUP;  // a volume without attributes has none
+        names.resize(static_cast<std::size_t>(size));
+        const ssize_t length = ::flistxattr(file, names.data(), names.size(), 0);
+        if (length >= 0) {
+            names.resize(static_cast<std::size_t>(length));
+            return true;
+        }
+        if (errno != ERANGE) return false;
+    }
+}
+
+}  // namespace
 
 // A Mac mounts whole volumes only.
 int FileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
@@ -31,6 +73,27 @@ ssize_t FileCalls::copyRange(int, int, off_t, std::size_t) {
 // Not COPYFILE_STAT: it would lock the copy of a locked file before the rest of it is done.
 int FileCalls::copyAttributes(int from, int to) {
     return ::fcopyfile(from, to, nullptr, COPYFILE_XATTR);
+}
+
+int FileCalls::holdsAttributes(int from, int to) {
+    std::string names;
+    if (!attributeNames(from, names)) return -1;
+    std::string value;
+    std::string kept;
+    for (std::string_view rest = names; !rest.empty();) {
+        const std::string name(rest.substr(0, rest.find('\0')));
+        rest.remove_prefix(name.size() + 1);
+        if (std::find(ownOfSystem.begin(), ownOfSystem.end(), name) != ownOfSystem.end()) continue;
+        if (!readAttribute(from, name.c_str(), value)) {
+            if (errno == ENOATTR) continue;
+            return -1;
+        }
+        if (!readAttribute(to, name.c_str(), kept)) {
+            return errno == ENOATTR || errno == ENOTSUP ? 0 : -1;
+        }
+        if (kept != value) return 0;
+    }
+    return 1;
 }
 
 int FileCalls::copyAccess(int from, int to) {

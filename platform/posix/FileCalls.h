@@ -58,6 +58,9 @@ public:
     /// Copies extended attributes; fails when one of the user's own cannot be kept. What only the
     /// system may write is left out. System.
     virtual int copyAttributes(int from, int to);
+    /// 1 when every extended attribute of `from` that a copy keeps for certain stands in `to` with
+    /// the same value, 0 when one does not. System.
+    virtual int holdsAttributes(int from, int to);
     /// Copies access lists and, where files have some, the user's flags (hidden and the like): what
     /// may forbid to change the file any further. System.
     virtual int copyAccess(int from, int to);

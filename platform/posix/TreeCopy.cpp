@@ -20,13 +20,6 @@ constexpr mode_t privateFolder = 0700;
 constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 constexpr int createFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
 
-bool isAlike(const struct stat& left, const struct stat& right) {
-    if ((left.st_mode & S_IFMT) != (right.st_mode & S_IFMT)) return false;
-    const auto apart = modifiedTime(left).tv_sec - modifiedTime(right).tv_sec;
-    if (apart <= -2 || apart >= 2) return false;
-    return S_ISDIR(left.st_mode) || left.st_size == right.st_size;
-}
-
 [[noreturn]] void fail(const std::string& path, int reason = errno) {
     throw FileError("copy", path, reason);
 }
@@ -58,13 +51,6 @@ void TreeCopy::requireUnchanged(const Entry& source, bool renamed) {
         return exact ? isSameState(then.status, now.status) : isUnmodified(then.status, now.status);
     };
     if (!std::ranges::equal(copied_, look(source), isSame)) fail(source.path(), EBUSY);
-}
-
-bool TreeCopy::areAlike(const Entry& left, const Entry& right) {
-    return std::ranges::equal(look(left), look(right), [](const Met& one, const Met& other) {
-        return one.depth == other.depth && one.name == other.name &&
-               isAlike(one.status, other.status);
-    });
 }
 
 TreeCopy::Tree TreeCopy::look(const Entry& root) {

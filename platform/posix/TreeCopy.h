@@ -26,10 +26,6 @@ public:
     /// was renamed as a whole, its own change time is not compared.
     void requireUnchanged(const Entry& source, bool renamed);
 
-    /// True when two trees hold the same names with the same kinds, sizes and modification times
-    /// (those of FAT volumes are even seconds).
-    bool areAlike(const Entry& left, const Entry& right);
-
 private:
     /// What was met on the way through a tree, folder by folder in the order of names; with the
     /// depths it tells the whole tree. The root has no name, as it may have another one by now.

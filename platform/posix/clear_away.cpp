@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "platform/posix/TreeComparison.h"
 #include "platform/posix/volume_move.h"
 
 namespace velto {
@@ -19,6 +20,18 @@ void clearAway(PosixFileManager& files, FileCalls& calls, const Entry& rest) {
             // See the declaration.
         }
     }
+    leaveBehind(calls, rest);
+}
+
+void clearCopy(PosixFileManager& files, FileCalls& calls, const Entry& copy, const Entry& source) {
+    if (TreeComparison(calls).isBegunCopyOf(copy, source)) {
+        clearAway(files, calls, copy);
+    } else {
+        leaveBehind(calls, copy);
+    }
+}
+
+void leaveBehind(FileCalls& calls, const Entry& rest) {
     std::random_device source;
     const std::string name = fmt::format("{}-{:08x}", rest.name, source());
     try {

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <string_view>
@@ -26,9 +27,9 @@ int reasonOf(FileCalls& calls, int parent, const char* name) {
 }
 
 Descriptor openComponent(FileCalls& calls, int parent, const char* name, FolderPath how) {
-    const int flags = how == FolderPath::withoutLinks ? folderFlags : folderFlags & ~O_NOFOLLOW;
+    const int flags = how == FolderPath::throughLinks ? folderFlags & ~O_NOFOLLOW : folderFlags;
     Descriptor opened(calls.open(parent, name, passThrough | flags, 0));
-    if (opened.isOpen() || how != FolderPath::created || errno != ENOENT) return opened;
+    if (opened.isOpen() || how != FolderPath::createdWithoutLinks || errno != ENOENT) return opened;
     if (calls.makeFolder(parent, name, folderMode) != 0 && errno != EEXIST) return opened;
     return Descriptor(calls.open(parent, name, passThrough | flags, 0));
 }
@@ -37,11 +38,16 @@ Descriptor openComponent(FileCalls& calls, int parent, const char* name, FolderP
 
 std::unique_ptr<FolderHandle> PosixFileManager::openFolder(const std::string& path,
                                                            FolderPath how) {
-    const auto fail = [&](int reason) { throw FileError("open folder", path, reason); };
-    if (!path.starts_with('/') || path.find('\0') != std::string::npos) fail(EINVAL);
+    std::string_view rest = path;
+    const auto fail = [&](int reason) {
+        throw FileError("open folder", path.substr(0, path.size() - rest.size()), reason);
+    };
+    if (!path.starts_with('/') || path.find('\0') != std::string::npos) {
+        throw FileError("open folder", path, EINVAL);
+    }
     Descriptor folder(calls_.open(AT_FDCWD, "/", passThrough | folderFlags, 0));
     if (!folder.isOpen()) fail(errno);
-    for (std::string_view rest = path; !rest.empty();) {
+    while (!rest.empty()) {
         rest.remove_prefix(1);
         const std::string name(rest.substr(0, rest.find('/')));
         rest.remove_prefix(name.size());
@@ -62,6 +68,15 @@ std::unique_ptr<FolderHandle> PosixFileManager::openFolder(const FolderHandle& p
         throw FileError("open folder", entry.path(), reason);
     }
     return std::make_unique<PosixFolder>(std::move(folder), entry.path());
+}
+
+bool PosixFileManager::isOwnFolder(const FolderHandle& folder, const FolderHandle& other) {
+    struct stat status;
+    struct stat likewise;
+    if (calls_.status(number(folder), status) != 0 || calls_.status(number(other), likewise) != 0) {
+        throw FileError("examine", posix(folder).path, errno);
+    }
+    return status.st_uid == ::geteuid() || status.st_uid == likewise.st_uid;
 }
 
 bool PosixFileManager::isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) {

@@ -41,12 +41,14 @@ public:
     }
 
 private:
-    enum class Progress { copying, aside, inPlace };
+    enum class Progress { begun, copying, aside, inPlace };
 
     void bringToTarget() {
-        // The scratch name stands for nothing but what an earlier move of this item has left.
+        // The scratch name should stand for nothing but what an earlier move of this item has left.
         struct stat status;
-        if (isThere(calls_, copy_, status, "move")) clearAway(files_, calls_, copy_);
+        if (isThere(calls_, copy_, status, "move")) clearCopy(files_, calls_, copy_, source_);
+        if (isThere(calls_, copy_, status, "move")) fail(copy_, EEXIST);
+        progress_ = Progress::copying;
         TreeCopy tree(calls_);
         tree.copy(source_, copy_);
         tree.requireUnchanged(source_, false);
@@ -61,8 +63,11 @@ private:
 
     void bringBack() {
         try {
+            if (progress_ == Progress::begun) return;
             if (progress_ == Progress::inPlace) moveWithinVolume(calls_, target_, copy_);
             if (progress_ != Progress::copying) moveWithinVolume(calls_, aside_, source_);
+            // At the target it was there for all to use; before, it was this move's alone.
+            if (progress_ == Progress::inPlace) return clearCopy(files_, calls_, copy_, source_);
             files_.removeAll(copy_.parent, copy_.name);
         } catch (const FileError&) {
             // `settleMove` does the rest; the first error tells what is wrong.
@@ -75,7 +80,7 @@ private:
     const Entry& target_;
     Entry aside_;
     Entry copy_;
-    Progress progress_ = Progress::copying;
+    Progress progress_ = Progress::begun;
 };
 
 }  // namespace

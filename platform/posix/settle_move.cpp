@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "platform/posix/PosixFileManager.h"
-#include "platform/posix/TreeCopy.h"
+#include "platform/posix/TreeComparison.h"
 #include "platform/posix/clear_away.h"
 #include "platform/posix/same_state.h"
 #include "platform/posix/volume_move.h"
@@ -34,7 +34,8 @@ struct Found {
     bool isThere;
 };
 
-/// Restores order after a move that was cut off.
+/// Restores order after a move that was cut off. The names come from what was written down, and
+/// that proves nothing: whatever is cleared away is compared with what makes it superfluous first.
 class Settlement {
 public:
     Settlement(PosixFileManager& files, FileCalls& calls, const Entry& source, const Entry& target,
@@ -50,7 +51,9 @@ public:
         removePlaceholders();
         removeSecondNames();
         if (aside_.isThere) return copy_.isThere ? decide() : endRemoval();
-        if (copy_.isThere && source_.isThere) clearAway(files_, calls_, copy_.entry);
+        if (copy_.isThere && source_.isThere) {
+            clearCopy(files_, calls_, copy_.entry, source_.entry);
+        }
         if (source_.isSecondNameOf(target_)) {
             remove(source_);
             return MoveState::atTarget;
@@ -75,8 +78,8 @@ private:
 
     /// A file that has its new name already and its old one besides.
     void removeSecondNames() {
-        if (aside_.isSameAs(source_)) remove(aside_);
-        if (copy_.isSameAs(target_)) remove(copy_);
+        if (aside_.isSecondNameOf(source_)) remove(aside_);
+        if (copy_.isSecondNameOf(target_)) remove(copy_);
     }
 
     /// The copy is not in its place yet: back to how it was. Where something new has taken that
@@ -84,10 +87,10 @@ private:
     MoveState decide() {
         if (!source_.isThere) {
             moveWithinVolume(calls_, aside_.entry, source_.entry);
-            clearAway(files_, calls_, copy_.entry);
+            clearCopy(files_, calls_, copy_.entry, source_.entry);
             return MoveState::atSource;
         }
-        if (target_.isThere || !TreeCopy(calls_).areAlike(aside_.entry, copy_.entry)) {
+        if (target_.isThere || !TreeComparison(calls_).areAlike(aside_.entry, copy_.entry)) {
             throw FileError("move", source_.entry.path(), EEXIST);
         }
         moveWithinVolume(calls_, copy_.entry, target_.entry);
@@ -96,20 +99,28 @@ private:
         return MoveState::atTarget;
     }
 
-    /// The copy is in its place, unless somebody has taken it away: then the original is all there
-    /// is.
+    /// The copy is in its place, unless somebody has taken it away or put something else there:
+    /// then the original is all there is, and it goes back.
     MoveState endRemoval() {
-        if (!target_.isThere) {
+        const bool hasArrived =
+            target_.isThere && TreeComparison(calls_).isHeldBy(aside_.entry, target_.entry);
+        if (hasArrived) {
+            clearAway(files_, calls_, aside_.entry);
+        } else if (!source_.isThere) {
             moveWithinVolume(calls_, aside_.entry, source_.entry);
             return MoveState::atSource;
+        } else {
+            leaveBehind(calls_, aside_.entry);  // all three are different things: all three stay
         }
-        clearAway(files_, calls_, aside_.entry);
-        return MoveState::atTarget;
+        return target_.isThere ? MoveState::atTarget : MoveState::atSource;
     }
 
-    /// A second name must go before anything else is decided.
+    /// A second name must go before anything else is decided. The name alone: a folder that has
+    /// taken its place meanwhile stays.
     void remove(Found& found) {
-        files_.removeAll(found.entry.parent, found.entry.name);
+        if (calls_.remove(found.entry.folder(), found.entry.c_str(), 0) != 0 && errno != ENOENT) {
+            throw FileError("remove", found.entry.path(), errno);
+        }
         found.isThere = false;
     }
 
@@ -126,7 +137,10 @@ private:
 MoveState PosixFileManager::settleMove(const FolderHandle& from, const std::string& name,
                                        const FolderHandle& to, const std::string& newName,
                                        const std::string& scratch) {
-    return Settlement(*this, calls_, Entry(from, name), Entry(to, newName), scratch).run();
+    const Entry source(from, name);
+    const Entry target(to, newName);
+    if (scratch == name || scratch == newName) throw FileError("settle", source.path(), EINVAL);
+    return Settlement(*this, calls_, source, target, scratch).run();
 }
 
 }  // namespace velto

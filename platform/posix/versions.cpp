@@ -1,17 +1,24 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/same_state.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
 
 constexpr mode_t lockMode = 0600;
+constexpr std::chrono::microseconds shortestPause{500};
+constexpr std::chrono::microseconds longestPause{20'000};
 
 class PosixLock final : public FileLock {
 public:
@@ -59,21 +66,52 @@ bool hasNoLocks(int reason) {
     return reason == ENOLCK || reason == EOPNOTSUPP || reason == ENOTSUP || reason == ENOSYS;
 }
 
+/// False when somebody else holds it.
+bool tryLock(FileCalls& calls, int file, const std::string& path) {
+    if (calls.lock(file, LOCK_EX | LOCK_NB) == 0 || hasNoLocks(errno)) return true;
+    if (errno == EWOULDBLOCK) return false;
+    throw FileError("lock", path, errno);
+}
+
 }  // namespace
 
-std::unique_ptr<FileLock> PosixFileManager::lock(const std::string& path, bool wait) {
-    constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
-    Descriptor file(calls_.open(AT_FDCWD, path.c_str(), flags, lockMode));
-    if (!file.isOpen()) throw FileError("lock", path, errno);
-    if (calls_.lock(file.number(), LOCK_EX | (wait ? 0 : LOCK_NB)) != 0) {
-        if (!wait && errno == EWOULDBLOCK) return nullptr;
-        if (!hasNoLocks(errno)) throw FileError("lock", path, errno);
+/// Asks again and again, at longer and longer intervals: the call that waits has no end of its own.
+bool PosixFileManager::waitForLock(int file, const std::string& path) {
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + patience_.limit;
+    for (auto pause = shortestPause; !tryLock(calls_, file, path);) {
+        if (Clock::now() >= end) return false;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, longestPause);
     }
+    return true;
+}
+
+std::unique_ptr<FileLock> PosixFileManager::lock(const std::string& path, bool wait) {
+    // Not waited for either: a pipe that somebody has put in the file's place.
+    constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    Descriptor file(calls_.open(AT_FDCWD, path.c_str(), flags, lockMode));
+    struct stat status;
+    if (!file.isOpen() || calls_.status(file.number(), status) != 0) {
+        throw FileError("lock", path, errno);
+    }
+    // Nobody else decides how long this program has to wait.
+    struct stat folder;
+    const std::string folderPath = parentFolder(path) + "/.";
+    if (status.st_uid != ::geteuid() && (calls_.stat(AT_FDCWD, folderPath.c_str(), folder) != 0 ||
+                                         folder.st_uid != status.st_uid)) {
+        throw FileError("lock", path, EPERM);
+    }
+    if (!S_ISREG(status.st_mode)) throw FileError("lock", path, EINVAL);
+    const bool isHeld =
+        wait ? waitForLock(file.number(), path) : tryLock(calls_, file.number(), path);
+    if (!isHeld && wait) throw FileError("lock", path, EWOULDBLOCK);
+    if (!isHeld) return nullptr;
     return std::make_unique<PosixLock>(std::move(file));
 }
 
 std::unique_ptr<FileVersion> PosixFileManager::openVersion(const std::string& path) {
-    constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     Descriptor file(calls_.open(AT_FDCWD, path.c_str(), flags, 0));
     if (!file.isOpen() && (errno == ENOENT || errno == ENOTDIR)) return nullptr;
     struct stat status;

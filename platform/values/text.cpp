@@ -111,6 +111,11 @@ std::string_view lastPathComponent(std::string_view path) {
     return path.substr(slash + 1);
 }
 
+bool isComponent(std::string_view name) {
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+}
+
 std::string parentFolder(std::string_view path) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string_view::npos || path.size() == 1) return {};

@@ -20,6 +20,10 @@ std::string standardizedPath(std::string_view path);
 /// The part of a path after its last slash; a trailing slash is not a component.
 std::string_view lastPathComponent(std::string_view path);
 
+/// True for what can be the name of one entry of a folder: not empty, not "." or "..", without a
+/// slash or a NUL byte.
+bool isComponent(std::string_view name);
+
 /// The folder that holds what an absolute path without a trailing slash names: all that stands
 /// before the last slash, "/" for an entry of the root, empty for the root itself and for a text
 /// without a slash.

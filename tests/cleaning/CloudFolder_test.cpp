@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "TrashWorld.h"
+#include "support/tree_text.h"
 
 namespace velto {
 namespace {
@@ -191,6 +192,98 @@ TEST_F(Cloud, AnIndexThatSomebodyHasTamperedWithLeadsNowhereElse) {
             << origin;
         files.removeAll(home.path("Downloads/x"));
     }
+}
+
+TEST_F(Cloud, AnIndexDoesNotBringAFileBackUnderAnotherName) {
+    home.text(std::string(cloud) + "/notes.txt", "x");
+    home.folder("Library/LaunchAgents");
+    home.text(
+        indexFile,
+        json({{"origins", {{"notes.txt", home.path("Library/LaunchAgents/evil.plist")}}}}).dump());
+    EXPECT_THAT(service.moveFrom({inCloud("notes.txt")}).arrivedAt,
+                ElementsAre(home.path("Downloads/notes.txt")));
+}
+
+/// What an index says of a move that was cut off is carried out only when this program could have
+/// written it.
+struct ForgedMove : Cloud {
+    static constexpr const char* scratch = ".velto-7A57A5A7-0000-4000-8000-000000000000";
+
+    void SetUp() override {
+        Cloud::SetUp();
+        home.folder(cloud);
+        home.text("Documents/thesis", "thesis");
+        home.text("Pictures/album/photo", "photo");
+        home.text("Library/Mail/inbox", "mail");
+        home.text("Library/Application Support/Velto/Trash/op1/it1-a", "in the trash");
+        home.text(std::string(cloud) + "/film", "film");
+    }
+
+    void forge(const std::string& from, const std::string& to, const std::string& scratchName) {
+        const json move{{"from", from}, {"to", to}, {"scratch", scratchName}};
+        home.text(indexFile, json({{"origins", json::object()}, {"move", move}}).dump());
+    }
+
+    std::string withoutIndex() {
+        files.removeAll(home.path(indexFile));
+        files.removeAll(home.path(indexFile) + ".lock");
+        return treeText(home.path());
+    }
+};
+
+TEST_F(ForgedMove, DeletesAndMovesNothing) {
+    const std::string thesis = home.path("Documents/thesis");
+    const std::string album = home.path("Pictures/album");
+    const std::string before = withoutIndex();
+    const std::string names[] = {scratch, "thesis", "album", "photo", "..", ".", "", "Trash"};
+    const std::string places[] = {thesis,
+                                  album,
+                                  album + "/",
+                                  inCloud("thesis"),
+                                  inCloud("album"),
+                                  inCloud("film"),
+                                  inCloud("../../../../Documents/thesis"),
+                                  layout.trashFolder,
+                                  layout.trashFolder + "/op1/it1-a",
+                                  home.path("Library/Mail/inbox"),
+                                  home.path("Documents/a"),
+                                  home.path(),
+                                  "/etc/hosts",
+                                  "relative",
+                                  ""};
+    for (const std::string& from : places) {
+        for (const std::string& to : places) {
+            for (const std::string& name : names) {
+                forge(from, to, name);
+                CloudFolder(files, files, log, layout).settle();
+                ASSERT_EQ(withoutIndex(), before) << from << " to " << to << " by " << name;
+            }
+        }
+    }
+}
+
+TEST_F(ForgedMove, IsForgottenAndStandsInNobodysWay) {
+    forge(home.path("Documents/thesis"), home.path("Pictures/album"), "album");
+    CloudFolder(files, files, log, layout).settle();
+    EXPECT_FALSE(index().contains("move"));
+    EXPECT_THAT(service.moveTo({home.path("Documents/thesis")}).failed, IsEmpty());
+}
+
+TEST_F(ForgedMove, IsNotEvenLookedAtWithoutACloudDrive) {
+    forge(home.path("Documents/thesis"), inCloud("thesis"), scratch);
+    layout.cloudDrive.clear();
+    layout.cloudFolder.clear();
+    CloudFolder(files, files, log, layout).settle();
+    EXPECT_TRUE(index().contains("move"));
+}
+
+TEST_F(ForgedMove, AnHonestOneThatIsNoLongerTrueDeletesNothing) {
+    // The places are right, the scratch name is another move's original.
+    home.text("Documents/" + std::string(scratch) + "/a", "of another move");
+    forge(home.path("Documents/film"), inCloud("film"), scratch);
+    CloudFolder(files, files, log, layout).settle();
+    EXPECT_EQ(home.read(std::string(cloud) + "/film"), "film");
+    EXPECT_EQ(home.read("Documents/film/a"), "of another move");
 }
 
 TEST_F(Cloud, ADamagedIndexForgetsPlacesButLosesNothing) {

@@ -127,6 +127,14 @@ public:
         PosixFileManager::writeAtomically(path, content);
     }
 
+    void writeAtomically(const FolderHandle& folder, const std::string& name,
+                         std::string_view content) override {
+        if (!unwritable.empty() && name.ends_with(unwritable)) {
+            throw FileError("write", name, ENOSPC);
+        }
+        PosixFileManager::writeAtomically(folder, name, content);
+    }
+
     std::unique_ptr<FileVersion> openVersion(const std::string& path) override {
         if (!unreadable.empty() && path.ends_with(unreadable)) throw FileError("read", path, EIO);
         return PosixFileManager::openVersion(path);

@@ -136,6 +136,10 @@ public:
     int copyAttributes(int from, int to) override {
         return run(true, "copyAttributes", "", [&] { return FileCalls::copyAttributes(from, to); });
     }
+    int holdsAttributes(int from, int to) override {
+        return run(false, "holdsAttributes", "",
+                   [&] { return FileCalls::holdsAttributes(from, to); });
+    }
     int copyAccess(int from, int to) override {
         return run(true, "copyAccess", "", [&] { return FileCalls::copyAccess(from, to); });
     }

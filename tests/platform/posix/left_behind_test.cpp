@@ -134,11 +134,39 @@ TEST_F(LeftBehind, ACopyThatResistsDoesNotHideThatTheItemIsWhereItWas) {
 }
 
 TEST_F(LeftBehind, ACopyThatNobodyCouldClearAwayIsReplacedByTheNext) {
-    source.text("item", "content");
-    target.text(std::string(scratch) + "/part", "of an earlier copy");
+    source.text("item/a", "content");
+    target.text(std::string(scratch) + "/a", "con");
     ASSERT_EQ(move(), 0);
     EXPECT_TRUE(isOnlyAtTarget());
-    EXPECT_EQ(target.read("moved"), "content");
+    EXPECT_EQ(target.read("moved/a"), "content");
+}
+
+TEST_F(LeftBehind, WhatIsNoCopyOfTheItemIsKeptWhateverItsName) {
+    source.text("item/a", "content");
+    target.text(std::string(scratch) + "/a", "something else");
+    ASSERT_EQ(move(), 0);
+    EXPECT_EQ(target.read("moved/a"), "content");
+    expectLeft(target, 1);
+    EXPECT_EQ(target.read(leftIn(target).front() + "/a"), "something else");
+}
+
+TEST_F(LeftBehind, WhatHasTakenTheTargetsPlaceIsKeptWhenTheMoveIsRolledBack) {
+    // The copy is in place, syncing fails, and somebody has put another thing there in between.
+    source.text("item", "content");
+    bool isInPlace = false;
+    calls.refuses = [&](const char* call, const char* name) {
+        if (std::strcmp(call, "rename") == 0 && std::strcmp(name, "moved") == 0) isInPlace = true;
+        if (!isInPlace || std::strcmp(call, "sync") != 0) return 0;
+        isInPlace = false;
+        target.text("another", "somebody's only copy");
+        fs::rename(target.path("another"), target.path("moved"));
+        return EIO;
+    };
+    EXPECT_EQ(move(), EIO);
+    calls.refuses = nullptr;
+    EXPECT_EQ(source.read("item"), "content");
+    ASSERT_EQ(leftIn(target).size(), 1u);
+    EXPECT_EQ(target.read(leftIn(target).front()), "somebody's only copy");
 }
 
 TEST_F(LeftBehind, WhatIsPutAsideWithoutHavingArrivedComesBackEvenFromThere) {

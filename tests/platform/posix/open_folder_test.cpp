@@ -4,6 +4,7 @@
 
 #include "platform/posix/MoveWorld.h"
 #include "platform/posix/PosixFolder.h"
+#include "support/ordinary_user.h"
 
 namespace velto {
 namespace {
@@ -28,7 +29,8 @@ TEST_F(OpenFolder, ALinkInPlaceOfAnyComponentIsRefused) {
         source.link(path, source.path("real"));
         EXPECT_EQ(openReason(source.path("a/b/c/d")), ELOOP) << path;
         EXPECT_EQ(openReason(source.path("a/b/c/d"), FolderPath::throughLinks), 0) << path;
-        EXPECT_EQ(openReason(source.path("a/b/c/d"), FolderPath::created), 0) << path;
+        EXPECT_EQ(openReason(source.path("a/b/c/d"), FolderPath::createdWithoutLinks), ELOOP)
+            << path;
         fs::remove(source.path(path));
         fs::rename(source.path("real"), source.path(path));
     }
@@ -73,12 +75,58 @@ TEST_F(OpenFolder, WhatIsNoFolderIsTold) {
     EXPECT_EQ(openReason(source.path() + std::string("\0/file", 6)), EINVAL);
 }
 
+TEST_F(OpenFolder, WhatIsMissingIsMadeButNeverBehindALink) {
+    target.folder("elsewhere");
+    source.link("a", target.path("elsewhere"));
+    source.link("dangling", target.path("not there"));
+    for (const char* path : {"a/b/c", "a", "dangling", "dangling/b"}) {
+        EXPECT_EQ(openReason(source.path(path), FolderPath::createdWithoutLinks), ELOOP) << path;
+    }
+    EXPECT_TRUE(fs::is_empty(target.path("elsewhere")));
+    EXPECT_FALSE(target.exists("not there"));
+    EXPECT_EQ(openReason(source.path("b/c"), FolderPath::createdWithoutLinks), 0);
+    EXPECT_TRUE(source.exists("b/c"));
+}
+
+TEST_F(OpenFolder, TheFolderThatStandsInTheWayIsNamed) {
+    source.folder("a/b");
+    source.link("a/link", "b");
+    source.text("a/file", "");
+    for (const char* obstacle : {"a/link", "a/file"}) {
+        for (const auto how : {FolderPath::withoutLinks, FolderPath::createdWithoutLinks}) {
+            try {
+                files.openFolder(source.path(std::string(obstacle) + "/c/d"), how);
+                ADD_FAILURE() << obstacle;
+            } catch (const FileError& error) {
+                EXPECT_EQ(error.path(), source.path(obstacle));
+            }
+        }
+    }
+}
+
+TEST_F(OpenFolder, AFolderOfSomebodyElseIsToldApart) {
+    if (geteuid() != 0) GTEST_SKIP() << "only an administrator can give folders away";
+    source.folder("mine");
+    source.folder("theirs");
+    ASSERT_EQ(asOrdinaryUser({source.path()}, [] { return 0; }), 0);
+    ASSERT_EQ(chown(source.path("theirs").c_str(), 1, 1), 0);
+    EXPECT_EQ(asOrdinaryUser({},
+                             [&] {
+                                 const auto mine = files.openFolder(*from, "mine");
+                                 const auto theirs = files.openFolder(*from, "theirs");
+                                 return (files.isOwnFolder(*mine, *from) ? 1 : 0) +
+                                        (files.isOwnFolder(*theirs, *from) ? 2 : 0) +
+                                        (files.isOwnFolder(*theirs, *theirs) ? 4 : 0);
+                             }),
+              1 + 4);
+}
+
 TEST_F(OpenFolder, APathOf100000BytesIsMadeAndFoundAgain) {
     std::string path = source.path("deep");
     while (path.size() < 100'000)
         path += "/" + std::string(200, 'x');
     EXPECT_EQ(openReason(path), ENOENT);
-    const auto made = files.openFolder(path, FolderPath::created);
+    const auto made = files.openFolder(path, FolderPath::createdWithoutLinks);
     files.makeFolder(*made, "inside");
     const auto found = files.openFolder(path, FolderPath::withoutLinks);
     EXPECT_TRUE(files.attributes(*found, "inside"));
@@ -91,7 +139,7 @@ TEST_F(OpenFolder, ALinkAtTheEndOf100000BytesIsRefused) {
     std::string path = source.path("deep");
     while (path.size() < 100'000)
         path += "/" + std::string(200, 'x');
-    const auto made = files.openFolder(path, FolderPath::created);
+    const auto made = files.openFolder(path, FolderPath::createdWithoutLinks);
     ASSERT_EQ(FileCalls().makeLink("/", number(*made), "link"), 0);
     EXPECT_EQ(openReason(path + "/link"), ELOOP);
     files.removeAll(*from, "deep");
@@ -99,7 +147,8 @@ TEST_F(OpenFolder, ALinkAtTheEndOf100000BytesIsRefused) {
 
 TEST_F(OpenFolder, ANameThatIsTooLongForTheVolumeIsReported) {
     EXPECT_EQ(openReason(source.path(std::string(300, 'x'))), ENAMETOOLONG);
-    EXPECT_EQ(openReason(source.path(std::string(300, 'x')), FolderPath::created), ENAMETOOLONG);
+    EXPECT_EQ(openReason(source.path(std::string(300, 'x')), FolderPath::createdWithoutLinks),
+              ENAMETOOLONG);
     EXPECT_FALSE(files.attributes(*from, std::string(300, 'x'))) << "nothing can stand there";
 }
 

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "platform/posix/MoveWorld.h"
+#include "support/extended_attributes.h"
 
 namespace velto {
 namespace {
@@ -189,6 +190,140 @@ TEST_F(SettledNothing, WhatIsUnlikeTheCopyIsNeverRemovedForIt) {
     EXPECT_EQ(reasonOf([&] { settle(); }), EEXIST);
     EXPECT_EQ(source.read("item"), "new");
     EXPECT_EQ(source.read(scratch), "the original");
+}
+
+/// "In place": the original is still there, put aside, and something stands at the target. Only an
+/// original that is there too, alike, may go.
+class SettledOriginal : public MoveWithinVolume {
+protected:
+    void putAside(const std::string& content) { put(source, std::string(scratch), content); }
+    static void put(TempHome& home, const std::string& name, const std::string& content) {
+        home.text(name, content);
+        setTimes(home.path(name), itemTime, itemTime);
+    }
+
+    void expectBroughtBack(const std::string& content, const std::string& other) {
+        EXPECT_EQ(settle(), MoveState::atSource);
+        EXPECT_EQ(source.read("item"), content);
+        EXPECT_EQ(target.read("moved"), other);
+        EXPECT_FALSE(source.exists(scratch));
+    }
+};
+
+TEST_F(SettledOriginal, ComesBackWhenSomethingElseHasTheTargetsName) {
+    putAside("the only copy");
+    put(target, "moved", "another");
+    expectBroughtBack("the only copy", "another");
+}
+
+TEST_F(SettledOriginal, ComesBackWhenTheTargetDiffersInContentAlone) {
+    putAside("the only copy");
+    put(target, "moved", "the only cozy");
+    expectBroughtBack("the only copy", "the only cozy");
+}
+
+TEST_F(SettledOriginal, ComesBackWhenTheTargetIsOlderOrNewer) {
+    putAside("content");
+    target.text("moved", "content");
+    expectBroughtBack("content", "content");
+}
+
+TEST_F(SettledOriginal, ComesBackWhenTheTargetHasOtherPermissions) {
+    putAside("content");
+    setMode(source.path(scratch), 0640);
+    put(target, "moved", "content");
+    setMode(target.path("moved"), 0600);
+    expectBroughtBack("content", "content");
+}
+
+TEST_F(SettledOriginal, ComesBackWhenTheTargetLacksAnAttribute) {
+    putAside("content");
+    put(target, "moved", "content");
+    if (!setExtendedAttribute(source.path(scratch), "user.note", "mine")) {
+        GTEST_SKIP() << "no extended attributes here";
+    }
+    expectBroughtBack("content", "content");
+}
+
+TEST_F(SettledOriginal, ComesBackWhenOneFileDeepInsideIsMissingAtTheTarget) {
+    source.text(std::string(scratch) + "/deep/a", "a");
+    source.text(std::string(scratch) + "/deep/only here", "b");
+    target.text("moved/deep/a", "a");
+    setTimes(source.path(scratch) + "/deep/a", itemTime, itemTime);
+    setTimes(target.path("moved/deep/a"), itemTime, itemTime);
+    EXPECT_EQ(settle(), MoveState::atSource);
+    EXPECT_EQ(source.read("item/deep/only here"), "b");
+    EXPECT_EQ(target.read("moved/deep/a"), "a");
+}
+
+TEST_F(SettledOriginal, IsKeptBesideWhenAllThreePlacesHoldDifferentThings) {
+    putAside("the only copy");
+    put(target, "moved", "another");
+    put(source, "item", "a third");
+    EXPECT_EQ(settle(), MoveState::atTarget);
+    EXPECT_EQ(source.read("item"), "a third");
+    EXPECT_EQ(target.read("moved"), "another");
+    int kept = 0;
+    for (const std::string& name : names()) {
+        const std::string beginning = std::string("source/") + scratch + "-";
+        if (!name.starts_with(beginning)) continue;
+        EXPECT_EQ(source.read(name.substr(sizeof "source")), "the only copy");
+        ++kept;
+    }
+    EXPECT_EQ(kept, 1);
+}
+
+TEST_F(SettledOriginal, GoesWhenTheTargetIsTheSameThroughAndThrough) {
+    for (TempHome* home : {&source, &target}) {
+        const std::string root = home == &source ? scratch : "moved";
+        home->text(root + "/deep/a", "a");
+        home->sparse(root + "/holes", 100'000'000);
+        home->link(root + "/link", "nowhere");
+        for (const char* entry : {"/deep/a", "/holes", "/link"})
+            setTimes(home->path(root + entry), itemTime, itemTime);
+        setTimes(home->path(root + "/deep"), itemTime, itemTime);
+    }
+    EXPECT_EQ(settle(), MoveState::atTarget);
+    EXPECT_TRUE(isOnlyAtTarget());
+}
+
+TEST_F(SettledOriginal, FilesThatWereNeverMovedStayWhateverIsSaidOfThem) {
+    source.text("item", "one file");
+    target.text("moved", "another");
+    for (const char* name : {"item", "moved", scratch}) {
+        SCOPED_TRACE(name);
+        reasonOf([&] { files.settleMove(*from, "item", *to, "moved", name); });
+        EXPECT_EQ(source.read("item"), "one file");
+        EXPECT_EQ(target.read("moved"), "another");
+    }
+}
+
+TEST_F(SettledOriginal, ACopyThatIsNoneIsKept) {
+    // The scratch name of somebody's file in the target's folder, with an item still at its source.
+    source.text("item", "one file");
+    target.text(scratch, "no part of it");
+    EXPECT_EQ(settle(), MoveState::atSource);
+    EXPECT_EQ(source.read("item"), "one file");
+    int kept = 0;
+    for (const std::string& name : names()) {
+        if (!name.starts_with("target/")) continue;
+        EXPECT_EQ(target.read(name.substr(sizeof "target")), "no part of it");
+        ++kept;
+    }
+    EXPECT_EQ(kept, 1);
+}
+
+TEST_F(SettledOriginal, WithADiskThatGivesNoAnswerNothingIsDecided) {
+    putAside("content");
+    put(target, "moved", "content");
+    calls.refuses = [](const char* call, const char*) {
+        return std::string(call) == "readAt" ? EIO : 0;
+    };
+    EXPECT_EQ(reasonOf([&] { settle(); }), EIO);
+    EXPECT_EQ(source.read(scratch), "content");
+    calls.refuses = nullptr;
+    EXPECT_EQ(settle(), MoveState::atTarget);
+    EXPECT_TRUE(isOnlyAtTarget());
 }
 
 }  // namespace

@@ -69,6 +69,29 @@ TEST_F(Locks, AProcessThatDiesLeavesNoLock) {
     EXPECT_TRUE(files.lock(path, false));
 }
 
+TEST_F(Locks, WaitingForALockThatIsNeverReleasedEnds) {
+    const auto held = other.lock(path, false);
+    PosixFileManager impatient(calls, {.limit = std::chrono::milliseconds(30)});
+    EXPECT_EQ(reasonOf([&] { impatient.lock(path, true); }), EWOULDBLOCK);
+}
+
+TEST_F(Locks, APipeInTheFilesPlaceIsRefusedAndNotWaitedFor) {
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(lockReason(), EINVAL);
+    EXPECT_EQ(reasonOf([&] { files.lock(path, true); }), EINVAL);
+    fs::remove(path);
+    source.folder("lock");
+    EXPECT_EQ(lockReason(), EISDIR);
+}
+
+TEST_F(Locks, ALinkInTheFilesPlaceIsNotFollowed) {
+    source.link("lock", target.path("made"));
+    EXPECT_EQ(lockReason(), ELOOP);
+    EXPECT_FALSE(target.exists("made"));
+    target.text("made", "content");
+    EXPECT_EQ(lockReason(), ELOOP);
+}
+
 TEST_F(Locks, AFileSystemWithoutLocksGrantsIt) {
     for (const int reason : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
         calls.refuses = [=](const char* call, const char*) {

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velto {
+
+/// The name that a restored item gets when its own is taken: "Informe.pdf" becomes "Informe
+/// (restaurado 1).pdf". Spanish in every language.
+std::string restoredName(std::string_view name, int number);
+
+/// True for `name` itself and for each name that `restoredName` makes of it.
+bool isRestoredName(std::string_view candidate, std::string_view name);
+
+}  // namespace velto
