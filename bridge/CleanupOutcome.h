@@ -8,17 +8,25 @@
 
 #include "analysis/post_processing.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/failure_text.h"
 #include "cleaning/HistoryRecords.h"
 #include "cleaning/TrashRecords.h"
 #include "platform/Platform.h"
 
 namespace velto {
 
+/// An item that could not be restored, and what stands on the way to its place.
+struct RestoreBlock {
+    std::string itemID;
+    std::string obstacle;  // absolute path
+};
+
 /// What a work item on the trash, the history and the cloud folder brings to the main thread.
 struct CleanupOutcome {
-    bool hasActed = true;                // false: it failed, or there was nothing to do
-    std::optional<std::string> failure;  // the reason; part of it may have been done all the same
-    double gb = 0;                       // of the operation
+    bool hasActed = true;                 // false: it failed, or there was nothing to do
+    std::optional<FailureText> failure;   // the reason; part of it may have been done all the same
+    std::optional<RestoreBlock> blocked;  // set besides when an item could go to another folder
+    double gb = 0;                        // of the operation
 
     // Paths that have left their place, and paths that stand at it again.
     std::vector<std::string> gone;

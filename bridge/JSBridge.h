@@ -129,6 +129,7 @@ private:
     void onCleanPaths(const Payload& payload);
     void onUndoLast(const Payload& payload);
     void onRestoreItem(const Payload& payload);
+    void onRestoreItemTo(const Payload& payload);
     void onPurgeItem(const Payload& payload);
     void onPurgeTrash(const Payload& payload);
     void onClearHistory(const Payload& payload);
@@ -165,6 +166,9 @@ private:
     using CleanupWork = std::function<void(CleanupServices&, CleanupOutcome&)>;
     using CleanupReport = std::function<void(JSBridge&, const CleanupOutcome&)>;
     void runCleanup(CleanupWork work, CleanupReport report);
+    void restoreTo(const std::string& itemID, const std::string& name, const std::string& folder);
+    void toastFailure(std::string_view titleEs, std::string_view titleEn,
+                      const CleanupOutcome& outcome);
     void finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report);
     bool updateState(const CleanupOutcome& outcome);
     void moveToTrash(const std::vector<std::string>& paths, const std::string& kind);

@@ -53,7 +53,10 @@ std::shared_ptr<const CleanupOutcome> carryOut(
         work(services, *outcome);
     } catch (const std::exception& error) {
         outcome->hasActed = false;
-        outcome->failure = error.what();
+        outcome->failure = failureText(error, platform.layout.home);
+        if (const auto* blocked = dynamic_cast<const ReturnBlocked*>(&error)) {
+            outcome->blocked = {.itemID = blocked->item().id, .obstacle = blocked->path()};
+        }
     }
     outcome->trash = services.trash.items();
     outcome->history = services.history.entries();
@@ -72,6 +75,13 @@ void JSBridge::runCleanup(CleanupWork work, CleanupReport report) {
             if (const auto bridge = weak.lock()) bridge->finishCleanup(*outcome, report);
         });
     });
+}
+
+/// In the user's language.
+void JSBridge::toastFailure(std::string_view titleEs, std::string_view titleEn,
+                            const CleanupOutcome& outcome) {
+    toast(titleEs, titleEn, language_.text(outcome.failure->spanish, outcome.failure->english));
+    if (outcome.blocked) evaluate(events::restoreBlocked(*outcome.blocked));
 }
 
 void JSBridge::finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report) {

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/disk_state_json.h"
+#include "bridge/CleanupOutcome.h"
 #include "cleaning/candidates_json.h"
 #include "platform/values/units.h"
 
@@ -78,6 +79,10 @@ std::string trashState(const std::vector<TrashItem>& items) {
                         {"opID", item.opID}});
     }
     return call("onTrashState", literal(list));
+}
+
+std::string restoreBlocked(const RestoreBlock& block) {
+    return call("onRestoreBlocked", literal({{"id", block.itemID}, {"path", block.obstacle}}));
 }
 
 std::string trashChanged(double gb) { return call("onTrashChanged", tenths(gb)); }

@@ -13,6 +13,10 @@
 #include "cleaning/TrashRecords.h"
 #include "cleaning/known_caches.h"
 
+namespace velto {
+struct RestoreBlock;
+}
+
 /// The exact script of each event that the page receives. Pure: no bridge, no web view.
 namespace velto::events {
 
@@ -43,6 +47,8 @@ std::string maintenance(const nlohmann::json& status);
 
 /// The trash's items, oldest first; the page knows an item's place as `path`.
 std::string trashState(const std::vector<TrashItem>& items);
+/// An item could not be restored: `path` is what stands on the way to its place.
+std::string restoreBlocked(const RestoreBlock& block);
 std::string trashChanged(double gb);  // GB in the trash, with one decimal
 std::string cleanables(const std::vector<Candidate>& candidates);
 /// By path: {"certain", "reason"}, the reasons as `word` gives them.

@@ -16,7 +16,7 @@ struct IntentTable {
         Handler handler;
     };
 
-    static constexpr std::array<Row, 30> rows{{
+    static constexpr std::array<Row, 31> rows{{
         {"webReady", nullptr},
         {"settings", &JSBridge::onSettings},
         {"setTheme", &JSBridge::onSetTheme},
@@ -47,6 +47,7 @@ struct IntentTable {
         {"removeExclusion", &JSBridge::onRemoveExclusion},
         {"maintenanceStatus", &JSBridge::onMaintenanceStatus},
         {"measureMaintenance", &JSBridge::onMeasureMaintenance},
+        {"restoreItemTo", &JSBridge::onRestoreItemTo},
     }};
 };
 

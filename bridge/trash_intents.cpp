@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <utility>
 
 #include <fmt/format.h>
@@ -5,6 +6,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "cleaning/folder_size.h"
+#include "platform/values/text.h"
 #include "platform/values/units.h"
 
 namespace velto {
@@ -57,7 +59,7 @@ void JSBridge::moveToTrash(const std::vector<std::string>& paths, const std::str
         },
         [](JSBridge& bridge, const CleanupOutcome& outcome) {
             if (outcome.failure) {
-                bridge.toast("No se pudo eliminar", "Couldn't remove", *outcome.failure);
+                bridge.toastFailure("No se pudo eliminar", "Couldn't remove", outcome);
                 return;
             }
             const std::string gb = tenths(outcome.gb);
@@ -95,7 +97,7 @@ void JSBridge::onUndoLast(const Payload&) {
         },
         [](JSBridge& bridge, const CleanupOutcome& outcome) {
             if (!outcome.failure) return;
-            bridge.toast("No se pudo deshacer", "Couldn't undo", *outcome.failure);
+            bridge.toastFailure("No se pudo deshacer", "Couldn't undo", outcome);
         });
 }
 
@@ -106,7 +108,45 @@ void JSBridge::onRestoreItem(const Payload& payload) {
         [id = *id](CleanupServices& services, CleanupOutcome&) { services.trash.restore(id); },
         [](JSBridge& bridge, const CleanupOutcome& outcome) {
             if (!outcome.failure) return;
-            bridge.toast("No se pudo restaurar", "Couldn't restore", *outcome.failure);
+            bridge.toastFailure("No se pudo restaurar", "Couldn't restore", outcome);
+        });
+}
+
+/// For an item whose own place is blocked, or that is wanted elsewhere.
+void JSBridge::onRestoreItemTo(const Payload& payload) {
+    const auto id = payload::stringMember(payload, "id");
+    if (!id || !trash_) return;
+    const auto item = std::ranges::find(*trash_, *id, &TrashItem::id);
+    if (item == trash_->end()) return;
+    const std::string name = singleLine(item->name);
+    shell_.chooseFolder(
+        {.title = std::string(language_.text(fmt::format("Restaurar «{}» en otra carpeta", name),
+                                             fmt::format("Restore “{}” to another folder", name))),
+         .accept = std::string(language_.text("Restaurar aquí", "Restore here")),
+         .decline = std::string(language_.text("Cancelar", "Cancel")),
+         .startAt = platform_.layout.home},
+        [weak = weak_from_this(), id = *id, name](const std::optional<std::string>& folder) {
+            const auto bridge = weak.lock();
+            if (bridge && folder) bridge->restoreTo(id, name, *folder);
+        });
+}
+
+void JSBridge::restoreTo(const std::string& itemID, const std::string& name,
+                         const std::string& folder) {
+    runCleanup(
+        [itemID, folder](CleanupServices& services, CleanupOutcome&) {
+            services.trash.restoreTo(itemID, folder);
+        },
+        [name, folder](JSBridge& bridge, const CleanupOutcome& outcome) {
+            // Titles of their own: the page takes the others for answers to what it has asked.
+            if (outcome.failure) {
+                bridge.toastFailure("No se pudo restaurar ahí", "Couldn't restore there", outcome);
+                return;
+            }
+            const std::string place = shownPath(folder, bridge.platform_.layout.home);
+            bridge.toast("Restaurado", "Restored",
+                         bridge.language_.text(fmt::format("«{}» está ahora en {}.", name, place),
+                                               fmt::format("“{}” is in {} now.", name, place)));
         });
 }
 
@@ -117,7 +157,7 @@ void JSBridge::onPurgeItem(const Payload& payload) {
                           CleanupOutcome&) { services.trash.deletePermanently(id); },
                [](JSBridge& bridge, const CleanupOutcome& outcome) {
                    if (outcome.failure) {
-                       bridge.toast("No se pudo eliminar", "Couldn't delete", *outcome.failure);
+                       bridge.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
                    } else {
                        bridge.toast("Eliminado", "Deleted",
                                     bridge.language_.text("Eliminado definitivamente.",
@@ -130,7 +170,7 @@ void JSBridge::onPurgeTrash(const Payload&) {
     runCleanup([](CleanupServices& services, CleanupOutcome&) { services.trash.emptyTrash(); },
                [](JSBridge& bridge, const CleanupOutcome& outcome) {
                    if (outcome.failure) {
-                       bridge.toast("No se pudo vaciar", "Couldn't empty Trash", *outcome.failure);
+                       bridge.toastFailure("No se pudo vaciar", "Couldn't empty Trash", outcome);
                    } else {
                        bridge.toast("Papelera vaciada", "Trash emptied",
                                     bridge.language_.text("Elementos eliminados definitivamente.",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace velto {
@@ -13,6 +14,14 @@ struct Confirmation {
     std::string body;
     std::string accept;   // the button that goes on
     std::string decline;  // the button that stops; also what closing the dialog means
+};
+
+/// A question for one of the user's folders.
+struct FolderQuestion {
+    std::string title;
+    std::string accept;   // the button that chooses
+    std::string decline;  // the button that stops; also what closing the dialog means
+    std::string startAt;  // the folder that is shown first, absolute
 };
 
 /// The running windowed application. Main thread.
@@ -29,6 +38,11 @@ public:
 
     /// Asks, then calls `answer` on the main thread (perhaps before `confirm` returns).
     virtual void confirm(const Confirmation& question, std::function<void(bool)> answer) = 0;
+
+    /// Lets the user choose a folder, then calls `answer` on the main thread (perhaps before
+    /// `chooseFolder` returns) with its absolute path as the system gives it, or with nothing.
+    using FolderAnswer = std::function<void(std::optional<std::string> folder)>;
+    virtual void chooseFolder(const FolderQuestion& question, FolderAnswer answer) = 0;
 };
 
 /// The system's name of an appearance, as it is logged.

@@ -239,12 +239,18 @@ public:
         questions.push_back(question);
         answer(accepts);
     }
+    void chooseFolder(const FolderQuestion& question, FolderAnswer answer) override {
+        folderQuestions.push_back(question);
+        answer(chosenFolder);
+    }
 
     Appearance current = Appearance::light;
     bool accepts = true;
     int activations = 0;
     int appearanceChanges = 0;
     std::vector<Confirmation> questions;
+    std::optional<std::string> chosenFolder;  // nothing: the user declines
+    std::vector<FolderQuestion> folderQuestions;
 };
 
 }  // namespace velto

@@ -19,6 +19,7 @@ public:
     Appearance appearance() const override { return appearance_.current(); }
     void setAppearance(Appearance appearance) override { appearance_.choose(appearance); }
     void confirm(const Confirmation& question, std::function<void(bool)> answer) override;
+    void chooseFolder(const FolderQuestion& question, FolderAnswer answer) override;
 
 private:
     GtkApplication* application_;

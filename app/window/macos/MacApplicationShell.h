@@ -20,6 +20,7 @@ public:
     Appearance appearance() const override;
     void setAppearance(Appearance appearance) override;
     void confirm(const Confirmation& question, std::function<void(bool)> answer) override;
+    void chooseFolder(const FolderQuestion& question, FolderAnswer answer) override;
 
 private:
     UserDefaults& defaults_;

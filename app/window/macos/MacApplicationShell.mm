@@ -59,4 +59,30 @@ void MacApplicationShell::confirm(const Confirmation& question, std::function<vo
                   }];
 }
 
+// The panel's own Cancel is in the system's language.
+void MacApplicationShell::chooseFolder(const FolderQuestion& question, FolderAnswer answer) {
+    NSOpenPanel* panel = [NSOpenPanel openPanel];
+    panel.canChooseFiles = NO;
+    panel.canChooseDirectories = YES;
+    panel.canCreateDirectories = YES;
+    panel.allowsMultipleSelection = NO;
+    panel.message = nsString(question.title);
+    panel.prompt = nsString(question.accept);
+    panel.directoryURL = [NSURL fileURLWithPath:nsString(question.startAt) isDirectory:YES];
+    const auto finish = [panel, answer = std::move(answer)](NSModalResponse response) {
+        NSURL* folder = response == NSModalResponseOK ? panel.URL : nil;
+        answer(folder.fileURL ? std::optional<std::string>(folder.fileSystemRepresentation)
+                              : std::nullopt);
+    };
+    NSWindow* window = window_;
+    if (window == nil || !window.isVisible || window.attachedSheet != nil) {
+        finish([panel runModal]);
+        return;
+    }
+    [panel beginSheetModalForWindow:window
+                  completionHandler:^(NSModalResponse response) {
+                    finish(response);
+                  }];
+}
+
 }  // namespace velto
