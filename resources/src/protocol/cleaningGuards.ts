@@ -1,7 +1,9 @@
 /** Reads what arrives about cleaning, its trash and its schedule; see guards.ts. */
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
 import { cacheReasons, ruleIds } from './records.ts';
-import type { CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, TrashItem } from './records.ts';
+import type {
+  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, RestoreBlock, TrashItem,
+} from './records.ts';
 
 export function trashItems(value: unknown): TrashItem[] {
   const items = list(value, (fields) =>
@@ -13,6 +15,11 @@ export function trashItems(value: unknown): TrashItem[] {
       : null,
   );
   return distinct(items, ({ id }) => id);
+}
+
+export function restoreBlock(value: unknown): RestoreBlock | null {
+  const fields = fieldsOf(value);
+  return fields && text(fields.id) ? { id: text(fields.id), path: text(fields.path) } : null;
 }
 
 /** An age that is missing counts as none at all here: only what is known to be old is preselected. */

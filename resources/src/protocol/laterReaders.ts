@@ -13,6 +13,10 @@ export const laterReaders: LaterReaders = {
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
+  onRestoreBlocked: ([value]) => {
+    const block = cleaningGuards.restoreBlock(value);
+    return block && [block];
+  },
   onApps: ([apps]) => [appGuards.installedApps(apps)],
   onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
   onLeftoverLinks: ([application, links]) => [guards.text(application), appGuards.leftoverLinks(links)],

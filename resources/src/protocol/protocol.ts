@@ -4,7 +4,7 @@
  */
 import type {
   AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
-  MaintenanceStatus, Permissions, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
+  MaintenanceStatus, Permissions, RestoreBlock, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -39,6 +39,7 @@ export interface Intents {
   deleteFiles: { paths: string[]; kind: string };
   undoLast: void;
   restoreItem: string;
+  restoreItemTo: { id: string };
   purgeItem: string;
   purgeTrash: void;
   clearHistory: void;
@@ -76,6 +77,7 @@ export interface Events {
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];
   onTrashChanged: [gb: number];
+  onRestoreBlocked: [block: RestoreBlock];
   onCloudMove: [result: CloudMove];
   onApps: [apps: InstalledApp[]];
   onAppSizes: [sizes: Record<string, number>];

@@ -118,6 +118,12 @@ export interface TrashItem {
   opID: string;
 }
 
+/** An item that could not go back; `path` is what stands on the way to its place. */
+export interface RestoreBlock {
+  id: string;
+  path: string;
+}
+
 export interface Cleanable {
   ruleID: string;
   path: string;

@@ -45,15 +45,28 @@ export async function undoLastCleanup(): Promise<void> {
   if ((await answer) === 'done') sayPutBack(last.items);
 }
 
+/** It is tried again: what stood on the way may be gone. */
+function forgetBlock({ id }: TrashItem): void {
+  session.blocked = new Map([...session.blocked].filter(([blocked]) => blocked !== id));
+}
+
 function restore(item: TrashItem): Promise<Outcome> {
   const answer = requests.ask('restore', [item.id]);
   send('restoreItem', item.id);
   return answer;
 }
 
+/** The program asks for the folder and says how it went; the user may also think better of it. */
+export function putBackElsewhere(item: TrashItem): void {
+  if (requests.busy.has(item.id)) return;
+  toasts.withdrawUndo();
+  send('restoreItemTo', { id: item.id });
+}
+
 export async function putBack(item: TrashItem): Promise<void> {
   if (requests.busy.has(item.id)) return;
   toasts.withdrawUndo();
+  forgetBlock(item);
   if ((await restore(item)) === 'done') sayPutBack([item]);
 }
 

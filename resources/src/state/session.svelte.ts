@@ -27,6 +27,8 @@ class Session {
   trashGb = $state(0);
   /** What lies in Velto Trash, in the order it arrived there; null until the program has said so. */
   trash = $state.raw<TrashItem[] | null>(null);
+  /** Items that could not go back to their place, by id: what stands on the way there. */
+  blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
 
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);

@@ -29,6 +29,7 @@ export function startLater(): void {
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
       onTrashChanged: (gb) => (session.trashGb = gb),
+      onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
@@ -44,5 +45,7 @@ export function startLater(): void {
 function showTrash(items: TrashItem[]): void {
   session.trash = items;
   session.trashGb = items.reduce((sum, item) => sum + item.gb, 0);
+  const ids = new Set(items.map(({ id }) => id));
+  session.blocked = new Map([...session.blocked].filter(([id]) => ids.has(id)));
   requests.trashHolds(items);
 }

@@ -73,6 +73,44 @@ describe('Velto Trash', () => {
     });
   });
 
+  it('an item whose folder is a link now says so and offers another folder', async () => {
+    await withPage(async (opened) => {
+      const items = someTrash();
+      const item = items.find(({ name }) => name === 'Boda Clara y Hugo.mp4')!;
+      await opened.tell('onTrashState', items);
+      await opened.go('papelera');
+      const elsewhere = opened.page.getByRole('button', { name: `Restore to another folder: ${item.name}…` });
+      expect(await elsewhere.textContent()).toBe('');
+      await putBack(opened, item.name).click();
+      await opened.tell('toast', "Couldn't restore", `“${item.name}” is still in Velto Trash: “~/Movies” is a link now.`);
+      await opened.tell('onRestoreBlocked', { id: item.id, path: `${home}/Movies` });
+      expect(await opened.page.getByText(`Cannot go back: ${home}/Movies is a link now`).count()).toBe(1);
+      expect((await elsewhere.textContent())!.trim()).toBe('Restore to another folder…');
+      expect(await opened.during(() => elsewhere.click())).toEqual([{ type: 'restoreItemTo', payload: { id: item.id } }]);
+      expect(await putBack(opened, item.name).count(), 'the user may think better of it').toBe(1);
+      await opened.tell('onTrashState', items.filter(({ id }) => id !== item.id));
+      await opened.tell('toast', 'Restored', `“${item.name}” is in ~/Desktop now.`);
+      expect((await toastTexts(opened)).join()).toContain('is in ~/Desktop now');
+      await opened.tell('onTrashState', items);
+      expect(await opened.page.getByText('Cannot go back').count(), 'in the trash again, it is not blocked').toBe(0);
+    });
+  });
+
+  it('any item can be restored to another folder, and trying its own place again forgets what stood there', async () => {
+    await withPage(async (opened) => {
+      const items = someTrash();
+      const item = items.find(({ name }) => name === 'Boda Clara y Hugo.mp4')!;
+      await opened.tell('onTrashState', items);
+      await opened.go('papelera');
+      const elsewhere = opened.page.getByRole('button', { name: `Restore to another folder: ${item.name}…` });
+      expect(await opened.during(() => elsewhere.click())).toEqual([{ type: 'restoreItemTo', payload: { id: item.id } }]);
+      await opened.tell('onRestoreBlocked', { id: item.id, path: `${home}/Movies` });
+      expect(await opened.page.getByText('Cannot go back').count()).toBe(1);
+      await putBack(opened, item.name).click();
+      expect(await opened.page.getByText('Cannot go back').count()).toBe(0);
+    });
+  });
+
   it('the last cleanup is undone as a whole, an older one item by item until one fails', async () => {
     await withPage(async (opened) => {
       const items = someTrash();

@@ -27,6 +27,9 @@ export const trash: typeof english = {
   putBackAllOf: (count, when) => `Devolver todo: ${plural(count, items)}, movido ${when}`,
   putBack: 'Devolver',
   putBackNamed: (name) => `Devolver: ${name}`,
+  putBackElsewhere: 'Restaurar en otra carpeta…',
+  putBackElsewhereNamed: (name) => `Restaurar en otra carpeta: ${name}…`,
+  blocked: (path) => `No puede volver: ${path} es ahora un enlace o ya no es una carpeta.`,
   purgeNamed: (name) => `Eliminar ${name} definitivamente…`,
   working: 'En curso…',
   more: (count) =>
