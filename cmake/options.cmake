@@ -70,7 +70,12 @@ function(velto_precompile target from)
     if(NOT VELTO_SANITIZE OR APPLE)
         return()
     endif()
-    target_compile_options(${target} PRIVATE -fpch-preprocess)  # for ccache
+    # What ccache wants to see.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE -fpch-preprocess)
+    else()
+        target_compile_options(${target} PRIVATE "SHELL:-Xclang -fno-pch-timestamp")
+    endif()
     if(target STREQUAL from)
         target_precompile_headers(${target} PRIVATE ${ARGN})
     else()
