@@ -5,19 +5,21 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
+#include "platform/values/parse_json.h"
 #include "platform/values/text.h"
 
 namespace velto {
 namespace {
 
 constexpr const char* fileName = "/exclusions.json";
+constexpr ReadLimit limit = ownFile(64 << 20);  // some hundred thousand paths
 
 }  // namespace
 
 ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
     : files_(files), folder_(layout.dataFolder) {
     try {
-        const auto json = nlohmann::json::parse(files_.read(folder_ + fileName));
+        const auto json = parseJson(files_.read(folder_ + fileName, limit));
         if (json.is_array()) paths_ = json.get<std::vector<std::string>>();
     } catch (const FileError&) {
         // Nothing was excluded yet.

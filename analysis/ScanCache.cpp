@@ -3,9 +3,15 @@
 #include <nlohmann/json.hpp>
 
 #include "analysis/disk_state_json.h"
+#include "platform/values/parse_json.h"
 #include "platform/values/units.h"
 
 namespace velto {
+namespace {
+
+constexpr ReadLimit limit = ownFile(256 << 20);  // lists of files, and a history of any length
+
+}  // namespace
 
 ScanCache::ScanCache(FileManager& files, const HomeLayout& layout)
     : files_(files), folder_(layout.dataFolder) {}
@@ -32,7 +38,7 @@ void ScanCache::save(const DiskState& state, double ts) const {
 
 std::optional<ScanCache::Entry> ScanCache::load() const {
     try {
-        const auto json = nlohmann::json::parse(files_.read(location()));
+        const auto json = parseJson(files_.read(location(), limit));
         const nlohmann::json& ts = json.at("ts");
         if (!ts.is_number()) return std::nullopt;
         return Entry{ts.get<double>(), diskStateFromJson(json.at("state"))};

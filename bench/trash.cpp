@@ -84,7 +84,7 @@ public:
     }
 
     double parse() {
-        const std::string text = files_.read(manifestPath());
+        const std::string text = files_.read(manifestPath(), velto::trashRecordsLimit);
         nlohmann::json value;
         return velto::milliseconds([&] { value = nlohmann::json::parse(text); });
     }

@@ -8,6 +8,7 @@
 
 #include "platform/Platform.h"
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 #include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
@@ -16,6 +17,8 @@ namespace velto {
 namespace {
 
 using nlohmann::json;
+
+constexpr ReadLimit indexLimit = ownFile(256 << 20);  // a million files in the cloud folder
 
 /// Below the folder, and not the folder itself.
 bool isBelow(const std::string& path, const std::string& folder) {
@@ -252,7 +255,7 @@ CloudFolder::Index CloudFolder::read() const {
     const auto file = files_.attributes(indexPath());
     if (file && file->kind == FileKind::symbolicLink) return index;
     try {
-        const json object = json::parse(files_.read(indexPath()));
+        const json object = parseJson(files_.read(indexPath(), indexLimit));
         index.origins = object.at("origins").get<std::map<std::string, std::string>>();
         if (object.contains("move")) {
             const json& move = object["move"];
@@ -260,6 +263,8 @@ CloudFolder::Index CloudFolder::read() const {
                               .to = field<std::string>(move, "to"),
                               .scratch = field<std::string>(move, "scratch")};
         }
+    } catch (const RefusedFile&) {
+        return {};
     } catch (const FileError&) {
         if (files_.exists(indexPath())) throw;
     } catch (const json::exception&) {

@@ -8,8 +8,15 @@
 
 #include "platform/Platform.h"
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 
 namespace velto {
+namespace {
+
+constexpr ReadLimit limit = ownFile(1 << 30);  // the history may grow for ever; years of cleanups
+
+}  // namespace
+
 HistoryService::HistoryService(FileManager& files, FileMover& mover, Log& log,
                                const HomeLayout& layout)
     : files_(files),
@@ -72,9 +79,9 @@ std::unique_ptr<FileLock> HistoryService::lock() {
 /// Nothing when there is no file, or none that can be read or understood.
 std::optional<std::vector<HistoryEntry>> HistoryService::read() {
     try {
-        version_ = mover_.openVersion(path_);
+        version_ = mover_.openVersion(path_, limit);
         if (!version_) return std::nullopt;
-        return listFrom(nlohmann::json::parse(version_->read()), historyEntryFromJson);
+        return listFrom(parseJson(version_->read()), historyEntryFromJson);
     } catch (const FileError&) {
         version_.reset();  // the next change tries again
         return std::nullopt;
@@ -120,7 +127,7 @@ void HistoryService::save() {
         files_.createFolders(folder_);
         files_.writeAtomically(path_, list.dump());
         saved_ = std::move(ids);
-        version_ = mover_.openVersion(path_);
+        version_ = mover_.openVersion(path_, limit);
     } catch (const FileError&) {
         // The list in memory stays in force.
     } catch (const nlohmann::json::type_error&) {

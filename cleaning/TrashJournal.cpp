@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 
 namespace velto {
 namespace {
@@ -60,7 +61,9 @@ std::optional<JournalEntry> TrashJournal::read() const {
     const auto file = files_.attributes(path_);
     if (file && file->kind == FileKind::symbolicLink) return std::nullopt;
     try {
-        return entryFrom(json::parse(files_.read(path_)));
+        return entryFrom(parseJson(files_.read(path_, trashRecordsLimit)));
+    } catch (const RefusedFile&) {
+        return std::nullopt;  // nor is this ours
     } catch (const FileError& error) {
         if (files_.exists(path_)) throw;
         return std::nullopt;

@@ -35,7 +35,7 @@ bool TrashManifest::tryToRead(Manifest& lists) {
         // A link in the place of the trash leads to somebody else's manifest.
         const auto trash = files_.attributes(folder());
         if (trash && trash->kind != FileKind::folder) return false;
-        auto version = mover_.openVersion(path_);
+        auto version = mover_.openVersion(path_, trashRecordsLimit);
         if (!version) {
             if (files_.exists(path_)) return false;  // it came back meanwhile
             if (!files_.exists(folder())) lists = {};
@@ -47,6 +47,8 @@ bool TrashManifest::tryToRead(Manifest& lists) {
         lists = decodeManifest(content);
         isSaved_ = true;
         return true;
+    } catch (const RefusedFile&) {
+        return true;  // no file of ours: as a damaged one
     } catch (const FileError&) {
         return false;
     } catch (const nlohmann::json::exception&) {
@@ -68,7 +70,7 @@ std::optional<FileError> TrashManifest::save(const Manifest& lists) {
     loaded_ = true;
     isSaved_ = true;
     try {
-        version_ = mover_.openVersion(path_);
+        version_ = mover_.openVersion(path_, trashRecordsLimit);
     } catch (const FileError&) {
         version_.reset();  // read again before the next change
     }

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 
 namespace velto {
 namespace {
@@ -88,7 +89,7 @@ std::string encodeManifest(const Manifest& manifest) {
 }
 
 Manifest decodeManifest(const std::string& text) {
-    const json object = json::parse(text);
+    const json object = parseJson(text);
     return {.items = listFrom(object, "items", itemFrom),
             .operations = listFrom(object, "operations", operationFromJson)};
 }

@@ -10,6 +10,10 @@
 
 namespace velto {
 
+/// Of the manifest and of the journal: more than a million items, of which a manifest holds two
+/// copies each of some 300 bytes.
+inline constexpr ReadLimit trashRecordsLimit = ownFile(1 << 30);
+
 /// One file or folder in the program's trash.
 struct TrashItem {
     std::string id;            // "it" and eight hexadecimal digits

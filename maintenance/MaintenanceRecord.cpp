@@ -3,9 +3,12 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 
 namespace velto {
 namespace {
+
+constexpr ReadLimit limit = ownFile(64 << 10);  // four numbers
 
 std::string pathIn(const HomeLayout& layout) { return layout.dataFolder + "/maintenance.json"; }
 
@@ -14,7 +17,7 @@ std::string pathIn(const HomeLayout& layout) { return layout.dataFolder + "/main
 std::optional<MaintenanceRecord> lastMaintenance(const FileManager& files,
                                                  const HomeLayout& layout) {
     try {
-        const auto object = nlohmann::json::parse(files.read(pathIn(layout)));
+        const auto object = parseJson(files.read(pathIn(layout), limit));
         return MaintenanceRecord{.ts = field<double>(object, "ts"),
                                  .freed = field<double>(object, "freed"),
                                  .moved = field<std::int64_t>(object, "moved"),

@@ -8,6 +8,11 @@
 #include "platform/values/text.h"
 
 namespace velto {
+namespace {
+
+constexpr ReadLimit noteLimit = anyFile(64 << 10);  // a path and a date
+
+}  // namespace
 
 std::optional<double> deletionDate(const std::string& note) {
     std::istringstream lines(note);
@@ -72,7 +77,7 @@ std::string SystemTrash::notePath(const std::string& name) const {
 std::optional<double> SystemTrash::notedDate(const std::string& name) const {
     if (platform_.layout.kind != HomeLayout::Kind::freedesktop) return std::nullopt;
     try {
-        return deletionDate(platform_.files->read(notePath(name)));
+        return deletionDate(platform_.files->read(notePath(name), noteLimit));
     } catch (const FileError&) {
         return std::nullopt;
     }

@@ -26,6 +26,31 @@ private:
     int code_;
 };
 
+/// What stands there is no file that may be read: of another kind, of another owner, too long, or
+/// no text where a text is wanted. A file of the program's own that is refused counts as damaged,
+/// and is replaced by the next save; one that only could not be read for the moment (EIO, EACCES)
+/// is a plain FileError.
+class RefusedFile : public FileError {
+public:
+    using FileError::FileError;
+};
+
+/// Which files may be read.
+enum class ReadFrom {
+    ownFile,         // what the program has written: a text of the user's own; a link is refused
+    ownThroughLink,  // the same, and a link may lead to it
+    anyFile,         // a regular file of anybody, also through links
+};
+
+/// Never is more read, nor more memory taken, than `bytes`, also when the file grows meanwhile.
+struct ReadLimit {
+    ReadFrom from = ReadFrom::ownFile;
+    std::int64_t bytes = 0;
+};
+
+constexpr ReadLimit ownFile(std::int64_t bytes) { return {ReadFrom::ownFile, bytes}; }
+constexpr ReadLimit anyFile(std::int64_t bytes) { return {ReadFrom::anyFile, bytes}; }
+
 enum class FileKind { regular, folder, symbolicLink, other };
 
 /// Which file it is, whatever its name.
@@ -64,8 +89,9 @@ public:
     /// `path` with every symbolic link, "." and ".." resolved. Throws when nothing is there.
     virtual std::string resolved(const std::string& path) const = 0;
 
-    /// The whole content. Throws.
-    virtual std::string read(const std::string& path) const = 0;
+    /// The whole content of a regular file within the limit. Never waits for a pipe or a device.
+    /// Throws, RefusedFile among others.
+    virtual std::string read(const std::string& path, const ReadLimit& limit) const = 0;
 
     /// Replaces the file by way of a synced temporary file in the same folder: a reader sees the
     /// old or the new content whole, and a failure leaves the old file. Throws.

@@ -30,7 +30,7 @@ class FileVersion {
 public:
     virtual ~FileVersion() = default;
 
-    /// The whole content. Throws.
+    /// The whole content. Throws, RefusedFile among others.
     virtual std::string read() = 0;
 
     /// True while the file at the path that it was opened from is this one, unchanged.
@@ -127,9 +127,10 @@ public:
     /// locks grants it. Throws; EINVAL for anything but a regular file, ELOOP for a link.
     virtual std::unique_ptr<FileLock> lock(const std::string& path, bool wait) = 0;
 
-    /// Holds the version of a file that is there now; null when there is none. Throws; ELOOP for a
-    /// link.
-    virtual std::unique_ptr<FileVersion> openVersion(const std::string& path) = 0;
+    /// Holds the version of a file that is there now; null when there is none. Throws, RefusedFile
+    /// among others.
+    virtual std::unique_ptr<FileVersion> openVersion(const std::string& path,
+                                                     const ReadLimit& limit) = 0;
 };
 
 }  // namespace velto

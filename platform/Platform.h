@@ -55,6 +55,7 @@ struct Platform {
     std::unique_ptr<Sleeper> sleeper = std::make_unique<SystemSleeper>();  // on every system
 
     HomeLayout layout;
+    std::string settingsFolder;  // of the settings' file; empty where the system keeps them
     std::string executablePath;  // of the running program, absolute
     std::string bundleIdentifier = programIdentifier;
     unsigned userIdentifier = 0;  // the user's number

@@ -134,12 +134,10 @@ void AppRemover::unloadAgents(const std::vector<std::string>& paths) {
 }
 
 void AppRemover::unloadLaunchdAgent(const std::string& path) {
-    constexpr std::int64_t mostBytes = 1024 * 1024;
+    constexpr ReadLimit limit = anyFile(1 << 20);
     std::optional<PropertyList> list;
     try {
-        const auto attributes = platform_.files->attributes(platform_.files->resolved(path));
-        if (!attributes || attributes->logicalSize > mostBytes) return;
-        list = readPropertyList(platform_.files->read(path));
+        list = readPropertyList(platform_.files->read(path, limit));
     } catch (const FileError&) {
         return;  // gone, or not ours to read: then it cannot be named to the system either
     }

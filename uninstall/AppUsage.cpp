@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/values/parse_json.h"
 #include "platform/values/text.h"
 #include "uninstall/desktop_applications.h"
 
@@ -13,6 +14,7 @@ namespace velto {
 namespace {
 
 constexpr const char* fileName = "/app-usage.json";
+constexpr ReadLimit limit = ownFile(16 << 20);  // a line for each application ever seen
 
 }  // namespace
 
@@ -103,7 +105,7 @@ void AppUsage::recordIfInstalled(const RunningApplication& application) {
 void AppUsage::load() {
     try {
         const auto json =
-            nlohmann::json::parse(platform_.files->read(platform_.layout.dataFolder + fileName));
+            parseJson(platform_.files->read(platform_.layout.dataFolder + fileName, limit));
         if (!json.is_object()) return;
         for (const auto& [bundleID, time] : json.items()) {
             if (time.is_number()) launches_[bundleID] = time.get<double>();

@@ -19,7 +19,8 @@ using Reason = TrashError::Reason;
 // An item that cannot reach the removal folder in one step waits beside its place under such a
 // name, and a file in the removal folder tells where.
 constexpr std::string_view asidePrefix = ".velto-removing-";
-constexpr std::int64_t longestRecord = 64 * 1024;  // bytes; a path, if a long one
+constexpr std::int64_t longestRecord = 64 << 10;  // bytes; a path, if a long one
+constexpr ReadLimit recordLimit = ownFile(longestRecord);
 
 bool meansGone(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ENAMETOOLONG;
@@ -293,7 +294,7 @@ void ItemRemoval::sweepRecord(const RemovalFolder& staging, const std::string& n
     const auto record = platform_.mover->attributes(*staging.handle, name);
     if (!record || record->kind != FileKind::regular || record->logicalSize > longestRecord) return;
     const std::string identifier = name.substr(0, name.size() - removalRecordSuffix.size());
-    const std::string path = platform_.files->read(staging.path + "/" + name);
+    const std::string path = platform_.files->read(staging.path + "/" + name, recordLimit);
     if (path != standardizedPath(path)) return;
     if (lastPathComponent(path) != std::string(asidePrefix) + identifier) return;
     if (!path.starts_with(platform_.layout.home + "/")) return;

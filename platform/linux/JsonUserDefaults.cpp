@@ -4,12 +4,16 @@
 
 #include <fmt/format.h>
 
+#include "platform/values/parse_json.h"
 #include "platform/values/text.h"
 
 namespace velto {
 namespace {
 
 using nlohmann::json;
+
+// Users keep their settings elsewhere and link them; a lost retention period would cost them files.
+constexpr ReadLimit limit{.from = ReadFrom::ownThroughLink, .bytes = 1 << 20};
 
 std::optional<DefaultsValue> fromJson(const json& value) {
     switch (value.type()) {
@@ -33,6 +37,17 @@ std::optional<DefaultsValue> fromJson(const json& value) {
 
 json toJson(const DefaultsValue& value) {
     return std::visit([](const auto& content) { return json(content); }, value);
+}
+
+/// Of what is read: of the file that a link leads to.
+std::optional<FileAttributes> attributesOf(const FileManager& files, const std::string& path) {
+    auto attributes = files.attributes(path);
+    if (!attributes || attributes->kind != FileKind::symbolicLink) return attributes;
+    try {
+        return files.attributes(files.resolved(path));
+    } catch (const FileError&) {
+        return attributes;  // it leads nowhere
+    }
 }
 
 bool isSameFile(const std::optional<FileAttributes>& left,
@@ -67,13 +82,13 @@ void JsonUserDefaults::remove(const std::string& key) {
 }
 
 void JsonUserDefaults::refresh() const {
-    auto now = files_.attributes(path_);
+    auto now = attributesOf(files_, path_);
     if (isSameFile(now, seen_)) return;
     seen_ = std::move(now);
     stored_ = json::object();
     if (!seen_) return;
     try {
-        stored_ = json::parse(files_.read(path_));
+        stored_ = parseJson(files_.read(path_, limit));
     } catch (const FileError&) {
         return;  // cannot be read: counts as empty, as a damaged one does
     } catch (const json::exception&) {
@@ -106,7 +121,7 @@ void JsonUserDefaults::save() {
         return;
     }
     stored_ = std::move(content);
-    seen_ = files_.attributes(path_);
+    seen_ = attributesOf(files_, path_);
     unsaved_.clear();
 }
 

@@ -12,8 +12,8 @@
 namespace velto {
 namespace {
 
-constexpr std::int64_t mostBytes = 32 * 1024 * 1024;  // of an icon file or a property list
-constexpr std::int64_t mostPixels = 4096;             // a side
+constexpr ReadLimit limit = anyFile(32 << 20);  // of an icon file or a property list
+constexpr std::int64_t mostPixels = 4096;       // a side
 
 /// A picture that claims to be larger than any icon is not decoded.
 void refuseHuge(GdkPixbufLoader* loader, int width, int height, gpointer) {
@@ -80,9 +80,7 @@ std::string LinuxIcons::iconFile(const std::string& path) const {
 
 std::optional<std::string> LinuxIcons::content(const std::string& path) const {
     try {
-        const auto attributes = files_.attributes(files_.resolved(path));
-        if (!attributes || attributes->logicalSize > mostBytes) return std::nullopt;
-        return files_.read(path);
+        return files_.read(path, limit);
     } catch (const FileError&) {
         return std::nullopt;  // an application without a picture is shown without one
     }

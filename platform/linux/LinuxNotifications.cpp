@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/glib_pointers.h"
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -16,9 +17,10 @@ namespace {
 
 constexpr const char* service = "org.freedesktop.Notifications";
 constexpr const char* object = "/org/freedesktop/Notifications";
-constexpr int timeout = 5'000;         // milliseconds; the service may have to start first
-constexpr int usualTime = -1;          // the service decides how long it shows
-constexpr std::size_t mostKept = 100;  // of notifications that nobody has taken back
+constexpr ReadLimit limit = ownFile(64 << 10);  // a few short values
+constexpr int timeout = 5'000;                  // milliseconds; the service may have to start first
+constexpr int usualTime = -1;                   // the service decides how long it shows
+constexpr std::size_t mostKept = 100;           // of notifications that nobody has taken back
 
 struct GlibUnrefVariant {
     void operator()(GVariant* variant) const { g_variant_unref(variant); }
@@ -69,7 +71,7 @@ void remember(FileManager& files, const std::string& path, const Shown& shown) {
 
 std::optional<Shown> remembered(FileManager& files, const std::string& path) {
     try {
-        const auto record = nlohmann::json::parse(files.read(path));
+        const auto record = parseJson(files.read(path, limit));
         Shown shown{.bus = field<std::string>(record, "bus"),
                     .owner = field<std::string>(record, "owner"),
                     .numbers = {}};

@@ -10,14 +10,12 @@
 namespace velto {
 namespace {
 
-constexpr std::int64_t mostBytes = 1024 * 1024;  // of a property list that is worth reading
+constexpr ReadLimit limit = anyFile(1 << 20);  // of a property list that is worth reading
 
 std::optional<PropertyList> informationOf(const FileManager& files, const std::string& bundle) {
     try {
         const std::string path = bundle + "/Contents/Info.plist";
-        const auto attributes = files.attributes(path);
-        if (!attributes || attributes->logicalSize > mostBytes) return std::nullopt;
-        return readPropertyList(files.read(path));
+        return readPropertyList(files.read(path, limit));
     } catch (const FileError&) {
         return std::nullopt;  // taken away while it runs
     }

@@ -28,6 +28,8 @@
 namespace velto {
 namespace {
 
+constexpr ReadLimit userDirsLimit = anyFile(1 << 20);  // eight lines and their comments
+
 std::optional<std::string> environment(const std::string& name) {
     const char* const value = std::getenv(name.c_str());
     return value == nullptr ? std::nullopt : std::optional<std::string>(value);
@@ -97,7 +99,8 @@ HomeLayout layoutOf(const std::string& home, const FileManager& files) {
     }
     std::string userDirs;
     try {
-        userDirs = files.read(configurationFolder(home, files) + "/user-dirs.dirs");
+        userDirs =
+            files.read(configurationFolder(home, files) + "/user-dirs.dirs", userDirsLimit);
     } catch (const FileError&) {
         // Most often there is none; then the folders have their standard names.
     }
@@ -145,8 +148,9 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     const std::string configuration = platform->layout.kind == HomeLayout::Kind::freedesktop
                                           ? platform->layout.configuration
                                           : configurationFolder(home, *platform->files);
-    platform->defaults = std::make_unique<JsonUserDefaults>(*platform->files, *platform->log,
-                                                            configuration + "/velto/settings.json");
+    platform->settingsFolder = configuration + "/velto";
+    platform->defaults = std::make_unique<JsonUserDefaults>(
+        *platform->files, *platform->log, platform->settingsFolder + "/settings.json");
     platform->locale = std::make_unique<LinuxLocale>(environment);
     platform->tools = std::make_unique<PosixToolRunner>();
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);

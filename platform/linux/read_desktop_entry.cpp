@@ -16,6 +16,11 @@ struct FreeTexts {
 };
 using GlibTexts = std::unique_ptr<char*, FreeTexts>;
 
+struct FreeKeyFile {
+    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
+};
+using KeyFile = std::unique_ptr<GKeyFile, FreeKeyFile>;
+
 // Programs that stand for whatever they are told to run.
 constexpr std::array<std::string_view, 12> launchers{"env",  "sh",      "bash", "dash",
                                                      "zsh",  "perl",    "java", "gjs",
@@ -69,10 +74,26 @@ std::string iconOf(GAppInfo* information) {
     return name ? std::string(name.get()) : std::string();
 }
 
+/// GLib would wait for a pipe in the place of an entry, and read a device without end.
+GlibReference<GDesktopAppInfo> loadEntry(const std::string& path) {
+    std::string content;
+    try {
+        content = PosixFileManager().read(path, anyFile(1 << 20));
+    } catch (const FileError&) {
+        return nullptr;  // taken away, or nothing to read
+    }
+    const KeyFile file(g_key_file_new());
+    if (g_key_file_load_from_data(file.get(), content.data(), content.size(), G_KEY_FILE_NONE,
+                                  nullptr) == FALSE) {
+        return nullptr;
+    }
+    return GlibReference<GDesktopAppInfo>(g_desktop_app_info_new_from_keyfile(file.get()));
+}
+
 }  // namespace
 
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path) {
-    const GlibReference<GDesktopAppInfo> entry(g_desktop_app_info_new_from_filename(path.c_str()));
+    const GlibReference<GDesktopAppInfo> entry = loadEntry(path);
     if (!entry || g_desktop_app_info_get_is_hidden(entry.get()) != FALSE) return std::nullopt;
     GAppInfo* const information = G_APP_INFO(entry.get());
     DesktopEntry read;

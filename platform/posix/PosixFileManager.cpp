@@ -5,13 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/names_in_folder.h"
+#include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
@@ -84,25 +84,10 @@ std::string PosixFileManager::resolved(const std::string& path) const {
     return real.get();
 }
 
-std::string PosixFileManager::read(const std::string& path) const {
+std::string PosixFileManager::read(const std::string& path, const ReadLimit& limit) const {
     requireWholePath("read", path);
-    const Descriptor file(
-        calls_.open(AT_FDCWD, path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
-    struct stat status;
-    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) fail("read", path);
-    // A pipe or a device that has taken the file's place has no whole content.
-    if (!S_ISREG(status.st_mode)) {
-        throw FileError("read", path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    }
-    std::string content;
-    content.reserve(static_cast<std::size_t>(status.st_size));
-    std::array<char, 64 * 1024> buffer;
-    while (true) {
-        const ssize_t length = calls_.read(file.number(), buffer.data(), buffer.size());
-        if (length < 0) fail("read", path);
-        if (length == 0) return content;
-        content.append(buffer.data(), static_cast<std::size_t>(length));
-    }
+    const ReadableFile file = openReadable(calls_, path, limit);
+    return readWhole(calls_, file, path, limit);
 }
 
 void PosixFileManager::createFolders(const std::string& path) {

@@ -25,9 +25,9 @@ public:
     std::optional<FileAttributes> attributes(const std::string& path) const override;
     std::vector<std::string> list(const std::string& folder) const override;
     std::string resolved(const std::string& path) const override;
-    /// Regular files only (EINVAL, EISDIR): a pipe in the place of a file is not waited for.
-    std::string read(const std::string& path) const override;
-    /// An existing file keeps its permission bits; a link at `path` is replaced itself.
+    std::string read(const std::string& path, const ReadLimit& limit) const override;
+    /// An existing file keeps its permission bits, but nobody else may write the new one; a link at
+    /// `path` is replaced itself.
     void writeAtomically(const std::string& path, std::string_view content) override;
     void createFolders(const std::string& path) override;
     /// Does not enter a volume that is mounted inside (EXDEV).
@@ -54,7 +54,8 @@ public:
     bool removeEmptyFolder(const FolderHandle& parent, const std::string& name) override;
     void sync(const FolderHandle& folder) override;
     std::unique_ptr<FileLock> lock(const std::string& path, bool wait) override;
-    std::unique_ptr<FileVersion> openVersion(const std::string& path) override;
+    std::unique_ptr<FileVersion> openVersion(const std::string& path,
+                                             const ReadLimit& limit) override;
 
 private:
     void writeIn(int folder, const std::string& name, std::string_view content,

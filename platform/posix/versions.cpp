@@ -10,6 +10,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
 #include "platform/values/text.h"
 
@@ -30,36 +31,21 @@ private:
 
 class PosixVersion final : public FileVersion {
 public:
-    PosixVersion(FileCalls& calls, Descriptor opened, const struct stat& status, std::string path)
-        : calls_(calls), descriptor_(std::move(opened)), status_(status), path_(std::move(path)) {}
+    PosixVersion(FileCalls& calls, ReadableFile opened, std::string path, const ReadLimit& limit)
+        : calls_(calls), file_(std::move(opened)), path_(std::move(path)), limit_(limit) {}
 
-    std::string read() override {
-        std::string content(static_cast<std::size_t>(status_.st_size), '\0');
-        std::size_t filled = 0;
-        while (true) {
-            // One byte more than there should be tells that the file has grown.
-            if (filled == content.size()) content.resize(content.size() + 1);
-            const ssize_t length =
-                calls_.readAt(descriptor_.number(), content.data() + filled,
-                              content.size() - filled, static_cast<off_t>(filled));
-            if (length < 0) throw FileError("read", path_, errno);
-            if (length == 0) break;
-            filled += static_cast<std::size_t>(length);
-        }
-        content.resize(filled);
-        return content;
-    }
+    std::string read() override { return readWhole(calls_, file_, path_, limit_); }
 
     bool isCurrent() override {
         struct stat now;
-        return calls_.stat(AT_FDCWD, path_.c_str(), now) == 0 && isSameState(status_, now);
+        return calls_.stat(AT_FDCWD, path_.c_str(), now) == 0 && isSameState(file_.status, now);
     }
 
 private:
     FileCalls& calls_;
-    Descriptor descriptor_;
-    struct stat status_;
+    ReadableFile file_;
     std::string path_;
+    ReadLimit limit_;
 };
 
 bool hasNoLocks(int reason) {
@@ -103,6 +89,8 @@ std::unique_ptr<FileLock> PosixFileManager::lock(const std::string& path, bool w
         throw FileError("lock", path, EPERM);
     }
     if (!S_ISREG(status.st_mode)) throw FileError("lock", path, EINVAL);
+    // Another user's holder could keep this one waiting. A failure leaves it as it was.
+    if ((status.st_mode & 0777) != lockMode) calls_.changeMode(file.number(), lockMode);
     const bool isHeld =
         wait ? waitForLock(file.number(), path) : tryLock(calls_, file.number(), path);
     if (!isHeld && wait) throw FileError("lock", path, EWOULDBLOCK);
@@ -110,15 +98,17 @@ std::unique_ptr<FileLock> PosixFileManager::lock(const std::string& path, bool w
     return std::make_unique<PosixLock>(std::move(file));
 }
 
-std::unique_ptr<FileVersion> PosixFileManager::openVersion(const std::string& path) {
-    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    Descriptor file(calls_.open(AT_FDCWD, path.c_str(), flags, 0));
-    if (!file.isOpen() && (errno == ENOENT || errno == ENOTDIR)) return nullptr;
-    struct stat status;
-    if (!file.isOpen() || calls_.status(file.number(), status) != 0) {
-        throw FileError("read", path, errno);
+std::unique_ptr<FileVersion> PosixFileManager::openVersion(const std::string& path,
+                                                           const ReadLimit& limit) {
+    try {
+        return std::make_unique<PosixVersion>(calls_, openReadable(calls_, path, limit), path,
+                                              limit);
+    } catch (const RefusedFile&) {
+        throw;
+    } catch (const FileError& error) {
+        if (error.code() == ENOENT || error.code() == ENOTDIR) return nullptr;
+        throw;
     }
-    return std::make_unique<PosixVersion>(calls_, std::move(file), status, path);
 }
 
 }  // namespace velto

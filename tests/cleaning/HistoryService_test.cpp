@@ -22,7 +22,7 @@ struct HistoryTest : testing::Test {
     const std::string path = home.path("Library/Application Support/Velto/history.json");
 
     HistoryService history() { return {files, files, log, layout}; }
-    std::string written() const { return files.read(path); }
+    std::string written() const { return files.read(path, ownFile(1 << 20)); }
 
     void write(const std::string& text) {
         files.createFolders(layout.dataFolder);
@@ -142,7 +142,7 @@ TEST_F(HistoryTest, WhatCannotBeSavedStaysInForce) {
 TEST_F(HistoryTest, TheFileIsReplacedInOneStep) {
     HistoryService past = history();
     past.record(operation("op1"));
-    const auto before = files.openVersion(path);
+    const auto before = files.openVersion(path, ownFile(1 << 20));
     const std::string old = before->read();
     past.record(operation("op2"));
     EXPECT_FALSE(before->isCurrent());

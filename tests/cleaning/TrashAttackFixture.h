@@ -71,7 +71,7 @@ struct TrashAttackTest : testing::Test {
             const std::string name = entry.path().filename();
             if (!entry.is_regular_file() || entry.is_symlink()) continue;
             if (name.starts_with("manifest") || name.starts_with("Trash.")) continue;
-            all.push_back(files.read(entry.path()));
+            all.push_back(files.read(entry.path(), anyFile(1 << 20)));
         }
         std::ranges::sort(all);
         return all;

@@ -51,9 +51,11 @@ struct TrashTest : testing::Test {
     }
 
     std::string manifestPath() const { return layout.trashFolder + "/manifest.json"; }
-    std::string manifest() const { return process.files.read(manifestPath()); }
+    std::string manifest() const { return read(manifestPath()); }
     bool exists(const std::string& path) const { return process.files.exists(path); }
-    std::string read(const std::string& path) const { return process.files.read(path); }
+    std::string read(const std::string& path) const {
+        return process.files.read(path, anyFile(1 << 20));
+    }
 
     void write(const std::string& path, const std::string& content) {
         process.files.createFolders(std::filesystem::path(path).parent_path());
@@ -135,9 +137,10 @@ public:
         PosixFileManager::writeAtomically(folder, name, content);
     }
 
-    std::unique_ptr<FileVersion> openVersion(const std::string& path) override {
+    std::unique_ptr<FileVersion> openVersion(const std::string& path,
+                                              const ReadLimit& limit) override {
         if (!unreadable.empty() && path.ends_with(unreadable)) throw FileError("read", path, EIO);
-        return PosixFileManager::openVersion(path);
+        return PosixFileManager::openVersion(path, limit);
     }
 
     using PosixFileManager::attributes;

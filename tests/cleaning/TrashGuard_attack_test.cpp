@@ -68,8 +68,8 @@ TEST_F(TrashAttackTest, ARestoreReplacesNothingWhereverItsFolderLeadsByThen) {
         }
         const bool wasReached = calls.count > at;
         calls.at = -1;
-        EXPECT_EQ(files.read(root->path("outside/victim")), "of others");
-        EXPECT_EQ(files.read(root->path("outside/e/victim")), "of others, deeper");
+        EXPECT_EQ(root->read("outside/victim"), "of others");
+        EXPECT_EQ(root->read("outside/e/victim"), "of others, deeper");
         std::size_t found = contents().size();
         for (const auto& entry : fs::recursive_directory_iterator(root->path("outside")))
             found += entry.path().filename() == "victim (restaurado 1)";

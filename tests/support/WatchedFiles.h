@@ -35,21 +35,25 @@ public:
         return replaced == listingOf.end() ? files_->list(folder) : replaced->second;
     }
     std::string resolved(const std::string& path) const override { return files_->resolved(path); }
-    std::string read(const std::string& path) const override {
+    std::string read(const std::string& path, const ReadLimit& limit) const override {
         look(path);
-        return files_->read(path);
+        return files_->read(path, limit);
     }
     void writeAtomically(const std::string& path, std::string_view content) override {
         if (unwritable.contains(path)) throw FileError("write", path, ENOSPC);
         files_->writeAtomically(path, content);
     }
     void createFolders(const std::string& path) override { files_->createFolders(path); }
-    void removeAll(const std::string& path) override { files_->removeAll(path); }
+    void removeAll(const std::string& path) override {
+        if (unremovable.contains(path)) throw FileError("remove", path, EBUSY);
+        files_->removeAll(path);
+    }
 
     std::map<std::string, std::optional<FileAttributes>> attributesAt;
     std::map<std::string, std::vector<std::string>> listingOf;
     std::set<std::string> unlistable;
     std::set<std::string> unwritable;
+    std::set<std::string> unremovable;
 
     /// Every path that was looked at.
     std::set<std::string> looked() const {

@@ -20,6 +20,8 @@ constexpr const char* portalSettings = "org.freedesktop.portal.Settings";
 constexpr const char* appearanceNamespace = "org.freedesktop.appearance";
 constexpr const char* colourScheme = "color-scheme";
 
+constexpr ReadLimit memoryLimit = ownFile(64);  // one word
+
 constexpr const char* interfaceSchema = "org.gnome.desktop.interface";
 
 std::string currentTheme(GtkSettings* settings) {
@@ -123,7 +125,7 @@ void DesktopAppearance::apply(Appearance appearance) {
 std::optional<Appearance> DesktopAppearance::remembered() const {
     if (!platform_.files->exists(memory_)) return std::nullopt;
     try {
-        const std::string text = platform_.files->read(memory_);
+        const std::string text = platform_.files->read(memory_, memoryLimit);
         if (text == "dark") return Appearance::dark;
         if (text == "light") return Appearance::light;
     } catch (const FileError& error) {

@@ -67,6 +67,36 @@ TEST_F(JsonUserDefaultsTest, ADamagedFileCountsAsEmptyAndIsReplacedAtTheNextSave
     }
 }
 
+TEST_F(JsonUserDefaultsTest, WhatStandsInTheFilesPlaceIsReplacedAndWhereItLeadsIsNot) {
+    home.text(file, R"({"velto.language": )" + std::string(500'000, '[') +
+                        std::string(500'000, ']') + "}");
+    const auto expectReplaced = [&](const char* what) {
+        EXPECT_EQ(stored("velto.language"), std::nullopt) << what;
+        store().setValue("velto.frequency", std::string("daily"));
+        EXPECT_EQ(stored("velto.frequency"), DefaultsValue(std::string("daily"))) << what;
+        std::filesystem::remove(home.path(file));
+    };
+    expectReplaced("deep");
+    home.sparse(file, 1'000'000'000'000);
+    expectReplaced("huge");
+    ASSERT_EQ(mkfifo(home.path(file).c_str(), 0600), 0);
+    expectReplaced("pipe");
+    home.link(file, "/dev/zero");
+    expectReplaced("device");
+    home.link(file, "settings.json");
+    expectReplaced("loop");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/zero"));
+}
+
+TEST_F(JsonUserDefaultsTest, ALinkToTheUsersOwnSettingsIsFollowedAndItsChangesAreSeen) {
+    home.text("dotfiles/velto.json", R"({"velto.retentionDays": 365})");
+    home.link(file, home.path("dotfiles/velto.json"));
+    auto defaults = store();
+    EXPECT_EQ(defaults.value("velto.retentionDays"), DefaultsValue(std::int64_t{365}));
+    home.text("dotfiles/velto.json", R"({"velto.retentionDays": 3650})");
+    EXPECT_EQ(defaults.value("velto.retentionDays"), DefaultsValue(std::int64_t{3650}));
+}
+
 TEST_F(JsonUserDefaultsTest, AValueOfAnotherKindReadsAsNothingAndIsKeptInTheFile) {
     home.text(file, R"({"list": [1], "object": {}, "null": null})");
     auto defaults = store();

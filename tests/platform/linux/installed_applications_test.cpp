@@ -90,5 +90,23 @@ TEST_F(InstalledApplicationsTest, AnEntryInASubfolderCountsAlsoWhenItComesLater)
     EXPECT_NE(find("office\\x2dwriter"), nullptr);
 }
 
+TEST_F(InstalledApplicationsTest, AnEntryIsReadFromAFileAndNeverFromAPipeOrADevice) {
+    const std::string entry = "[Desktop Entry]\nType=Application\nName=Editor\nExec=/bin/cat %f\n";
+    home.text("entry.desktop", entry);
+    home.link("link.desktop", "entry.desktop");
+    for (const char* name : {"entry.desktop", "link.desktop"}) {
+        const auto read = readDesktopEntry(home.path(name));
+        ASSERT_TRUE(read) << name;
+        EXPECT_EQ(read->name, "Editor");
+        EXPECT_TRUE(read->isShown);
+    }
+    ASSERT_EQ(mkfifo(home.path("pipe.desktop").c_str(), 0600), 0);
+    home.link("device.desktop", "/dev/zero");
+    home.sparse("huge.desktop", 1'000'000'000'000);
+    home.text("noise.desktop", std::string(1'000, '\xF7'));
+    for (const char* name : {"pipe.desktop", "device.desktop", "huge.desktop", "noise.desktop"})
+        EXPECT_FALSE(readDesktopEntry(home.path(name))) << name;
+}
+
 }  // namespace
 }  // namespace velto

@@ -96,24 +96,25 @@ TEST_F(PosixFileManagerTest, AFileIsReadWholeAndByteForByte) {
     std::string content(300'000, 'x');
     content += std::string("\0\xFF\n", 3);
     home.text("file", content);
-    EXPECT_EQ(files.read(home.path("file")), content);
+    EXPECT_EQ(files.read(home.path("file"), anyFile(1 << 20)), content);
     home.text("empty", "");
-    EXPECT_EQ(files.read(home.path("empty")), "");
+    EXPECT_EQ(files.read(home.path("empty"), anyFile(1 << 20)), "");
 }
 
 TEST_F(PosixFileManagerTest, WhatIsNoFileIsNotReadAndNotWaitedFor) {
     ASSERT_EQ(mkfifo(home.path("pipe").c_str(), 0600), 0);
     home.link("loop", "loop");
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("pipe")); }), EINVAL);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path()); }), EISDIR);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("loop")); }), ELOOP);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("missing")); }), ENOENT);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path(std::string(300, 'n'))); }), ENAMETOOLONG);
+    EXPECT_EQ(reasonOf([&] { files.read(home.path("pipe"), anyFile(1 << 20)); }), EINVAL);
+    EXPECT_EQ(reasonOf([&] { files.read(home.path(), anyFile(1 << 20)); }), EISDIR);
+    EXPECT_EQ(reasonOf([&] { files.read(home.path("loop"), anyFile(1 << 20)); }), ELOOP);
+    EXPECT_EQ(reasonOf([&] { files.read(home.path("missing"), anyFile(1 << 20)); }), ENOENT);
+    EXPECT_EQ(reasonOf([&] { files.read(home.path(std::string(300, 'n')), anyFile(1 << 20)); }),
+              ENAMETOOLONG);
 }
 
 TEST_F(PosixFileManagerTest, AnErrorSaysWhatFailedOnWhatAndWhy) {
     try {
-        files.read(home.path("missing"));
+        files.read(home.path("missing"), anyFile(1 << 20));
         FAIL();
     } catch (const FileError& error) {
         EXPECT_EQ(error.attempt(), "read");
@@ -145,7 +146,7 @@ TEST_F(PosixFileManagerTest, AWriteThroughALinkReplacesTheLinkAndNotAFileElsewhe
 TEST_F(PosixFileManagerTest, AFileWithTheLongestNameCanBeWritten) {
     const std::string path = home.path(std::string(255, 'n'));
     files.writeAtomically(path, "content");
-    EXPECT_EQ(files.read(path), "content");
+    EXPECT_EQ(files.read(path, anyFile(1 << 20)), "content");
 }
 
 TEST_F(PosixFileManagerTest, AWriteThatTakesManyCallsIsWhole) {

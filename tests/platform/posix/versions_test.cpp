@@ -131,10 +131,11 @@ TEST_F(Locks, TheLocksFileIsForTheUserAloneAndKeepsItsContent) {
 class Versions : public MoveWithinVolume {
 protected:
     std::string path = source.path("file");
+    ReadLimit limit = ownFile(1 << 20);
 
     std::unique_ptr<FileVersion> version(const std::string& content) {
         source.text("file", content);
-        return files.openVersion(path);
+        return files.openVersion(path, limit);
     }
 };
 
@@ -168,7 +169,7 @@ TEST_F(Versions, NoNewFileIsTakenForIt) {
 
 TEST_F(Versions, AChangeOfTheSameLengthWithItsTimeSetBackIsNoticed) {
     setTimes(source.text("file", "old").path(), {5, 0}, {6, 0});
-    const auto held = files.openVersion(path);
+    const auto held = files.openVersion(path, limit);
     ASSERT_TRUE(held->isCurrent());
     std::fstream(path, std::ios::in | std::ios::out) << "new";
     setTimes(path, {5, 0}, {6, 0});
@@ -185,16 +186,16 @@ TEST_F(Versions, AFileThatHasGrownOrShrunkIsReadAsItIs) {
 }
 
 TEST_F(Versions, WhereNoFileIsThereIsNoVersion) {
-    EXPECT_FALSE(files.openVersion(path));
+    EXPECT_FALSE(files.openVersion(path, limit));
     source.text("file", "");
-    EXPECT_FALSE(files.openVersion(path + "/below"));
+    EXPECT_FALSE(files.openVersion(path + "/below", limit));
 }
 
 TEST_F(Versions, WhatCannotBeReadIsReported) {
     source.folder("folder");
-    EXPECT_EQ(reasonOf([&] { files.openVersion(source.path("folder"))->read(); }), EISDIR);
+    EXPECT_EQ(reasonOf([&] { files.openVersion(source.path("folder"), limit)->read(); }), EISDIR);
     ASSERT_EQ(mkfifo(source.path("pipe").c_str(), 0600), 0);
-    EXPECT_NE(reasonOf([&] { files.openVersion(source.path("pipe"))->read(); }), 0);
+    EXPECT_NE(reasonOf([&] { files.openVersion(source.path("pipe"), limit)->read(); }), 0);
     calls.refuses = [](const char* call, const char*) {
         return call == std::string("readAt") ? EIO : 0;
     };
