@@ -1,27 +1,21 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
-#include <random>
 #include <string>
 #include <string_view>
-
-#include <fmt/format.h>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
+#include "platform/posix/temporary_file.h"
 
 namespace velto {
 namespace {
 
 constexpr mode_t fileMode = 0600;
-
-/// A name that nobody can have taken beforehand; short, whatever the length of the file's own.
-std::string temporaryName() {
-    std::random_device source;
-    return fmt::format(".velto-{:08x}{:08x}", source(), source());
-}
+constexpr mode_t keptMode = 0755;
 
 bool writeWhole(FileCalls& calls, int file, std::string_view content) {
     while (!content.empty()) {
@@ -30,6 +24,19 @@ bool writeWhole(FileCalls& calls, int file, std::string_view content) {
         content.remove_prefix(static_cast<std::size_t>(length));
     }
     return true;
+}
+
+/// The file that is replaced keeps its permissions, but for others to write it; one of another user
+/// has none to keep. A new file is for the user alone whatever the umask.
+bool setMode(FileCalls& calls, int folder, const std::string& name, int file) {
+    struct stat old;
+    struct stat made;
+    const bool replaces = calls.stat(folder, name.c_str(), old) == 0 && S_ISREG(old.st_mode) &&
+                          old.st_uid == ::geteuid();
+    const mode_t wanted = replaces ? old.st_mode & keptMode : fileMode;
+    if (calls.status(file, made) == 0 && (made.st_mode & 07777) == wanted) return true;
+    // Not every file system has permissions to give.
+    return calls.changeMode(file, wanted) == 0 || !replaces;
 }
 
 }  // namespace
@@ -59,22 +66,16 @@ void PosixFileManager::writeIn(int folder, const std::string& name, std::string_
                                const std::string& path) {
     const auto fail = [&](int reason) { throw FileError("write", path, reason); };
 
-    const std::string temporary = temporaryName();
-    const Descriptor file(calls_.open(
-        folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, fileMode));
-    if (!file.isOpen()) fail(errno);
-
-    // The file that is replaced keeps its permissions.
-    struct stat old;
-    const bool replaces = calls_.stat(folder, name.c_str(), old) == 0 && S_ISREG(old.st_mode);
+    const TemporaryFile temporary = makeTemporary(calls_, folder);
+    if (!temporary.file.isOpen()) fail(errno);
+    const int file = temporary.file.number();
     const bool written =
-        writeWhole(calls_, file.number(), content) &&
-        (!replaces || calls_.changeMode(file.number(), old.st_mode & 07777) == 0) &&
-        calls_.sync(file.number()) == 0 &&
-        calls_.replace(folder, temporary.c_str(), folder, name.c_str()) == 0;
+        writeWhole(calls_, file, content) && setMode(calls_, folder, name, file) &&
+        calls_.sync(file) == 0 &&
+        calls_.replace(folder, temporary.name.c_str(), folder, name.c_str()) == 0;
     if (!written) {
         const int reason = errno;
-        calls_.remove(folder, temporary.c_str(), 0);  // the old file stands as it was
+        calls_.remove(folder, temporary.name.c_str(), 0);  // the old file stands as it was
         fail(reason);
     }
     // The new content is in place; a failure here only leaves open when it reaches the disk.

@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "app/window/window_rules.h"
+#include "platform/own_folder.h"
 #include "platform/values/text.h"
+#include "platform/values/uuid.h"
 
 namespace velto::window {
 namespace {
@@ -35,6 +37,26 @@ bool sandboxWorks(Platform& platform) {
     return result.started && result.exitStatus == 0;
 }
 
+/// The engine would make its folder with whatever permissions the umask leaves, and follow a link
+/// in its place. What is not the user's own folder is put aside.
+void prepareWebData(const Platform& platform, const std::string& folder) {
+    try {
+        try {
+            makeOwnFolder(folder);
+        } catch (const UnsafeFolder& unsafe) {
+            platform.log->line(singleLine(unsafe.what()));
+            const std::string name(lastPathComponent(folder));
+            const auto parent =
+                platform.mover->openFolder(parentFolder(folder), FolderPath::throughLinks);
+            platform.mover->moveAtOnce(*parent, name, *parent, name + ".aside-" + newUUID());
+            makeOwnFolder(folder);
+        }
+        removeStaleTemporaries(folder);
+    } catch (const std::runtime_error& error) {
+        platform.log->line(singleLine(error.what()));  // the page then remembers nothing
+    }
+}
+
 }  // namespace
 
 void prepareEnvironment(Platform& platform) {
@@ -54,6 +76,7 @@ std::string webDataFolder(const Platform& platform) {
 
 GlibReference<WebKitNetworkSession> makeSession(const Platform& platform) {
     const std::string folder = webDataFolder(platform);
+    prepareWebData(platform, folder);
     GlibReference<WebKitNetworkSession> session(
         webkit_network_session_new(folder.c_str(), (folder + "/cache").c_str()));
     // The page has no use for cookies; what counts is that the engine tells this to its network
