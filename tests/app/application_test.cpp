@@ -6,6 +6,7 @@
 #include "bridge/JSBridge.h"
 #include "support/FakeWebView.h"
 #include "support/TestPlatform.h"
+#include "support/WatchedFiles.h"
 
 namespace velto {
 namespace {
@@ -37,6 +38,38 @@ TEST(RunModes, ResetTakesAgentAndDataAwayAndKeepsSettings) {
     EXPECT_EQ(machine.defaults.values.size(), 1u);
     EXPECT_TRUE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
     EXPECT_EQ(runReset(machine.platform), 0) << "nothing left is fine";
+}
+
+TEST(RunModes, AResetOfALinkedDataFolderTakesTheLinkAloneAndSaysSo) {
+    TestPlatform machine;
+    const std::string& data = machine.platform.layout.dataFolder;
+    machine.home.text("Disk/Velto/Trash/manifest.json", "{}");
+    machine.home.link("Library/Application Support/Velto", machine.home.path("Disk/Velto"));
+    EXPECT_EQ(runReset(machine.platform), 0);
+    EXPECT_FALSE(machine.platform.files->exists(data));
+    EXPECT_EQ(machine.home.read("Disk/Velto/Trash/manifest.json"), "{}");
+    EXPECT_FALSE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
+    EXPECT_TRUE(machine.log.holds(
+        "Velto ▶ reset incompleto: la carpeta de datos era un enlace, que se ha quitado; los datos "
+        "siguen en " +
+        machine.home.path("Disk/Velto")));
+    machine.log.clear();
+    machine.home.link("Library/Application Support/Velto", "nowhere");
+    EXPECT_EQ(runReset(machine.platform), 0);
+    EXPECT_FALSE(machine.platform.files->exists(data));
+    EXPECT_TRUE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
+}
+
+TEST(RunModes, AResetThatCannotDeleteEverythingSaysSoAndIsNoFailure) {
+    TestPlatform machine;
+    machine.home.text("Library/Application Support/Velto/lastScan.json", "{}");
+    auto files = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
+    files->unremovable = {machine.platform.layout.dataFolder};
+    machine.platform.files = std::move(files);
+    EXPECT_EQ(runReset(machine.platform), 0);
+    EXPECT_FALSE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
+    EXPECT_TRUE(machine.log.holds("Velto ▶ reset incompleto: quedan datos en " +
+                                  machine.platform.layout.dataFolder));
 }
 
 struct ApplicationTest : testing::Test {
