@@ -36,4 +36,12 @@ nlohmann::json parseJson(std::string_view text) {
     return nlohmann::json::parse(text);
 }
 
+std::optional<nlohmann::json> tryParseJson(std::string_view text) {
+    try {
+        return parseJson(text);
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
+    }
+}
+
 }  // namespace velto

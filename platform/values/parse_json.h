@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
@@ -15,5 +16,8 @@ inline constexpr int deepestJson = 64;
 /// `deepestJson`: a deep value takes a function call per level when it is copied, written or
 /// destroyed, and enough of them end the program.
 nlohmann::json parseJson(std::string_view text);
+
+/// The same for a text that may be anything, as what a page posts: nothing where the other throws.
+std::optional<nlohmann::json> tryParseJson(std::string_view text);
 
 }  // namespace velto

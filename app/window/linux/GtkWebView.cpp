@@ -8,6 +8,7 @@
 #include "app/window/linux/web_settings.h"
 #include "app/window/navigation.h"
 #include "app/window/window_rules.h"
+#include "platform/values/parse_json.h"
 
 namespace velto::window {
 
@@ -89,9 +90,7 @@ void GtkWebView::received(WebKitUserContentManager*, JSCValue* message, gpointer
         jsc_context_clear_exception(jsc_value_get_context(message));
         return;
     }
-    const auto body = nlohmann::json::parse(text.get(), nullptr, false);
-    if (body.is_discarded()) return;
-    handler(name, body);
+    if (const auto body = tryParseJson(text.get())) handler(name, *body);
 }
 
 }  // namespace velto::window

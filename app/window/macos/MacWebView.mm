@@ -7,6 +7,7 @@
 #include "app/window/navigation.h"
 #include "app/window/window_rules.h"
 #include "platform/macos/foundation_text.h"
+#include "platform/values/parse_json.h"
 
 namespace {
 
@@ -19,9 +20,9 @@ std::optional<nlohmann::json> jsonOf(id body) {
     NSData* data = [NSJSONSerialization dataWithJSONObject:wrapped options:0 error:nil];
     const auto* text = static_cast<const char*>(data.bytes);
     if (text == nullptr) return std::nullopt;
-    auto list = nlohmann::json::parse(text, text + data.length, nullptr, false);
-    if (!list.is_array() || list.empty()) return std::nullopt;
-    return std::move(list.front());
+    auto list = velto::tryParseJson(std::string_view(text, data.length));
+    if (!list || !list->is_array() || list->empty()) return std::nullopt;
+    return std::move(list->front());
 }
 
 }  // namespace
