@@ -11,13 +11,22 @@
 
 namespace velto {
 
+namespace {
+
+bool isGiven(std::string_view argument, const std::vector<std::string>& arguments) {
+    return std::find(arguments.begin(), arguments.end(), argument) != arguments.end();
+}
+
+}  // namespace
+
 RunMode runModeOf(const std::vector<std::string>& arguments) {
-    const auto given = [&](std::string_view argument) {
-        return std::find(arguments.begin(), arguments.end(), argument) != arguments.end();
-    };
-    if (given("--maintenance")) return RunMode::maintenance;
-    if (given("--reset")) return RunMode::reset;
+    if (isGiven("--maintenance", arguments)) return RunMode::maintenance;
+    if (isGiven("--reset", arguments)) return RunMode::reset;
     return RunMode::interactive;
+}
+
+bool wantsDetailedLog(const std::vector<std::string>& arguments) {
+    return isGiven("--debug-log", arguments);
 }
 
 int runReset(Platform& platform) {

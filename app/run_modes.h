@@ -13,6 +13,10 @@ enum class RunMode { interactive, maintenance, reset };
 /// "--maintenance" or "--reset", wherever it stands; maintenance wins over reset.
 RunMode runModeOf(const std::vector<std::string>& arguments);
 
+/// True when one of the arguments is "--debug-log": the log then tells payloads whole, and its
+/// lines have any length. In every run mode.
+bool wantsDetailedLog(const std::vector<std::string>& arguments);
+
 /// The headless full reset: the maintenance agent and all local data go; settings stay. Returns the
 /// exit status.
 int runReset(Platform& platform);

@@ -39,7 +39,7 @@ CleanupQueue::CleanupQueue(Dispatcher& dispatcher, const CleanupServices& servic
 void CleanupQueue::run(Work work) {
     if (!line_->join(std::move(work))) return;
     // Whoever waits for the one before waits here, not on a thread of the global queue.
-    dispatcher_.global(QualityOfService::userInitiated, [line = line_] {
+    dispatcher_.change([line = line_] {
         while (const Work next = line->next())
             next(line->services);
     });

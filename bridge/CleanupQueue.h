@@ -25,8 +25,8 @@ public:
     /// The dispatcher and the services outlive the work; the queue itself need not.
     CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services);
 
-    /// Runs `work` on the global queue once all work asked for before has ended. Safe from every
-    /// thread. Work that throws is a program fault.
+    /// Runs `work` on the global queue, as a change, once all work asked for before has ended. Safe
+    /// from every thread. Work that throws is a program fault.
     using Work = std::function<void(CleanupServices&)>;
     void run(Work work);
 

@@ -53,6 +53,7 @@ JSBridge::JSBridge(const BridgeContext& context)
 JSBridge::~JSBridge() {
     if (scanTask) scanTask->cancel();
     if (accessWatch) accessWatch->cancel();
+    endSystemMonitor();
 }
 
 std::shared_ptr<JSBridge> JSBridge::current() { return currentBridge().lock(); }

@@ -141,6 +141,7 @@ private:
     // The system monitor (system_intents.cpp).
     std::unique_ptr<SystemMonitor> makeSystemMonitor();
     void sendSamples();
+    void endSystemMonitor();
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script);

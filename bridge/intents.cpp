@@ -53,7 +53,10 @@ struct IntentTable {
 
 void JSBridge::handle(const std::string& type, const Payload& payload) {
     pendingIntents.push_back(type);
-    log(fmt::format("Velto ▶ intención: {} payload: {}", type, payload::description(payload)));
+    const auto detail =
+        platform_.log->isDetailed() ? payload::Detail::whole : payload::Detail::summary;
+    log(fmt::format("Velto ▶ intención: {} payload: {}", type,
+                    payload::description(payload, detail)));
     evaluate(events::intentEcho(type));
     for (const auto& row : IntentTable::rows) {
         if (row.name != type) continue;

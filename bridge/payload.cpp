@@ -1,10 +1,65 @@
 #include "bridge/payload.h"
 
 #include <cmath>
+#include <string_view>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "platform/values/text.h"
 
 namespace velto::payload {
 
 using nlohmann::json;
+namespace {
+
+constexpr std::size_t longestText = 48;  // bytes
+constexpr std::size_t mostKeys = 12;
+
+std::string dump(const json& value) {
+    return value.dump(-1, ' ', false, json::error_handler_t::replace);
+}
+
+std::string shortened(std::string_view text) {
+    std::string name;
+    if (text.find('/') != std::string_view::npos) {
+        name = "…/";
+        text = lastPathComponent(text);
+    }
+    return '"' + name + logText(text, longestText) + '"';
+}
+
+std::string summary(const json& value, int depth);
+
+std::string summaryOfList(const json& list, int depth) {
+    if (list.empty()) return "[]";
+    return fmt::format("[{}: {}{}]", list.size(), summary(list.front(), depth + 1),
+                       list.size() > 1 ? ", …" : "");
+}
+
+/// The keys with their values, or the keys alone inside something else.
+std::string summaryOfObject(const json& object, int depth) {
+    std::vector<std::string> parts;
+    for (const auto& [key, value] : object.items()) {
+        if (parts.size() == mostKeys) {
+            parts.emplace_back("…");
+            break;
+        }
+        const std::string name = shortened(key);
+        parts.push_back(depth == 0 ? fmt::format("{}:{}", name, summary(value, 1)) : name);
+    }
+    return fmt::format("{{{}}}", fmt::join(parts, ","));
+}
+
+std::string summary(const json& value, int depth) {
+    constexpr int mostDepth = 2;
+    if (value.is_string()) return shortened(value.get_ref<const std::string&>());
+    if (value.is_structured() && depth > mostDepth) return "…";
+    if (value.is_array()) return summaryOfList(value, depth);
+    return value.is_object() ? summaryOfObject(value, depth) : dump(value);
+}
+
+}  // namespace
 
 std::optional<std::string> string(const Payload& payload) {
     if (!payload || !payload->is_string()) return std::nullopt;
@@ -67,9 +122,9 @@ std::optional<std::int64_t> integerMember(const Payload& payload, const char* ke
     return static_cast<std::int64_t>(number);
 }
 
-std::string description(const Payload& payload) {
+std::string description(const Payload& payload, Detail detail) {
     if (!payload) return "nil";
-    return payload->dump(-1, ' ', false, json::error_handler_t::replace);
+    return detail == Detail::whole ? dump(*payload) : summary(*payload, 0);
 }
 
 }  // namespace velto::payload

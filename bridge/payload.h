@@ -38,8 +38,12 @@ std::optional<bool> boolMember(const Payload& payload, const char* key);
 /// A whole number or a boolean. Nothing when absent or something else.
 std::optional<std::int64_t> integerMember(const Payload& payload, const char* key);
 
-/// A description for the log, on one line.
-std::string description(const Payload& payload);
+/// A description for the log, on one line: "nil" for none. A summary tells enough to follow what
+/// happens and not what the user's files are called: long texts are cut, of paths only the last
+/// name is left, of lists the count and the first item, of objects within objects the keys. The
+/// whole is the payload as JSON.
+enum class Detail { summary, whole };
+std::string description(const Payload& payload, Detail detail = Detail::summary);
 
 }  // namespace payload
 }  // namespace velto

@@ -14,8 +14,18 @@ std::unique_ptr<SystemMonitor> JSBridge::makeSystemMonitor() {
             .activity = platform.activity,
             .startupVolume = platform.layout.home,
             .icon = [&platform](const std::string& path,
-                                int points) { return platform.icons->pngDataURL(path, points); }},
+                                int points) { return platform.icons->pngDataURL(path, points); },
+            .turn = &platform.sampling},
         platform.makeQueue(SystemMonitor::queueLabel));
+}
+
+/// Not here: a monitor waits for the sample that it is taking, and the main thread waits for
+/// nothing that may hang.
+void JSBridge::endSystemMonitor() {
+    system->letGo();
+    platform_.dispatcher->global(QualityOfService::userInitiated,
+                                 [monitor = std::shared_ptr<SystemMonitor>(
+                                      std::move(system))]() mutable { monitor.reset(); });
 }
 
 /// The scripts are made on the monitor's queue; only the finished text goes to the main thread.

@@ -157,29 +157,28 @@ void JSBridge::onUninstall(const Payload& payload) {
     const nlohmann::json* const sizes = payload::member(payload, "sizes");
     const Request request{*path, *paths, sizes == nullptr ? nlohmann::json() : *sizes};
     const Platform& platform = platform_;
-    platform.dispatcher->global(
-        QualityOfService::userInitiated, [&platform, work = apps_, request, pass,
-                                          cleanups = cleanups_, weak = weak_from_this()]() mutable {
-            if (weak.expired()) return;
-            Dispatcher& dispatcher = *platform.dispatcher;
-            const auto progress = [&](std::string_view stage,
-                                      const std::optional<AppRemover::Item>& item, double percent) {
-                const auto detail = item ? std::optional<std::string>(item->name) : std::nullopt;
-                dispatcher.main([weak, script = events::uninstallProgress(stage, percent, detail)] {
-                    if (const auto bridge = weak.lock()) bridge->evaluate(script);
-                });
-            };
-            const Outcome outcome = uninstall(platform, *work, request, progress);
-            // Before the page knows of the end, which is when it may ask for the next one.
-            pass->end();
-            dispatcher.main([weak, script = events::uninstallResult(toJson(outcome.result))] {
-                const auto bridge = weak.lock();
-                if (!bridge) return;
-                bridge->evaluate(script);
-                bridge->uninstallRunning = false;
+    platform.dispatcher->change([&platform, work = apps_, request, pass, cleanups = cleanups_,
+                                 weak = weak_from_this()]() mutable {
+        if (weak.expired()) return;
+        Dispatcher& dispatcher = *platform.dispatcher;
+        const auto progress = [&](std::string_view stage,
+                                  const std::optional<AppRemover::Item>& item, double percent) {
+            const auto detail = item ? std::optional<std::string>(item->name) : std::nullopt;
+            dispatcher.main([weak, script = events::uninstallProgress(stage, percent, detail)] {
+                if (const auto bridge = weak.lock()) bridge->evaluate(script);
             });
-            recordUninstall(platform, cleanups, weak, outcome.record);
+        };
+        const Outcome outcome = uninstall(platform, *work, request, progress);
+        // Before the page knows of the end, which is when it may ask for the next one.
+        pass->end();
+        dispatcher.main([weak, script = events::uninstallResult(toJson(outcome.result))] {
+            const auto bridge = weak.lock();
+            if (!bridge) return;
+            bridge->evaluate(script);
+            bridge->uninstallRunning = false;
         });
+        recordUninstall(platform, cleanups, weak, outcome.record);
+    });
 }
 
 /// The history gets its entry whether the window is open or not: what was deleted for good is

@@ -38,9 +38,15 @@ void SystemMonitor::startOrStop() {
         return;
     }
     timer = queue_.repeat(firstDeadline, period, [this] {
-        const sampling::Dictionary taken = sample();
+        const sampling::Dictionary taken = sampleInTurn();
         if (onSample) onSample(taken);
     });
+}
+
+sampling::Dictionary SystemMonitor::sampleInTurn() {
+    if (context_.turn == nullptr) return sample();
+    const std::lock_guard guard(*context_.turn);
+    return sample();
 }
 
 sampling::Dictionary SystemMonitor::sample() {

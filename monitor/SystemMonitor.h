@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -33,14 +34,17 @@ struct MonitorContext {
     ApplicationActivity& activity;
     std::string startupVolume;  // a path on it
     IconRoutine icon;
+    // Held while a sample is taken, by monitors that look at the same machine: one that is going
+    // away may still be at its last. None where there is no other.
+    std::mutex* turn = nullptr;
 };
 
 /// A live picture of the machine: one sample every two seconds while the page wants it and the
 /// application is active.
 ///
-/// Made, watched and destroyed on the main thread. Everything else happens on its own serial queue,
-/// to which all fields from `timer` on belong; they are readable there, and by tests that run the
-/// queue themselves.
+/// Made and watched on the main thread, and let go of there before it is destroyed elsewhere.
+/// Everything else happens on its own serial queue, to which all fields from `timer` on belong;
+/// they are readable there, and by tests that run the queue themselves.
 class SystemMonitor {
 public:
     static constexpr const char* queueLabel = "dev.velto.system-monitor";
@@ -52,7 +56,12 @@ public:
     /// `queue` is the monitor's own, made under `queueLabel`.
     SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue);
 
-    /// Waits for a sample that is being taken. The callback may run until then.
+    /// On the main thread: the monitor follows the application's activity no longer. It then may be
+    /// destroyed on any thread, and should be where waiting harms nobody.
+    void letGo() { observers.clear(); }
+
+    /// Waits for a sample that is being taken, which hangs when the machine does. The callback may
+    /// run until then.
     ~SystemMonitor();
     SystemMonitor(const SystemMonitor&) = delete;
     SystemMonitor& operator=(const SystemMonitor&) = delete;
@@ -101,6 +110,7 @@ public:
     std::unordered_map<std::string, std::string> iconCache;  // never emptied: one entry a bundle
 
 private:
+    sampling::Dictionary sampleInTurn();
     void setAppActive(bool active);
     void startOrStop();
     void addProcessor(sampling::Dictionary& sample);

@@ -37,7 +37,8 @@ struct DesktopEntryFile {
 
 /// The entries in `folders`, the shortest id first: of several of one application that is the least
 /// special. An id that an earlier folder has is hidden by it. A file in a subfolder has the
-/// subfolder's name and a hyphen before its own. Never throws.
+/// subfolder's name and a hyphen before its own. Folders that hold more than any system's are read
+/// in part. Never throws.
 std::vector<DesktopEntryFile> desktopEntryFiles(const FileManager& files,
                                                 const std::vector<NamedLocation>& folders);
 

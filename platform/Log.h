@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace velto {
@@ -9,8 +10,20 @@ class Log {
 public:
     virtual ~Log() = default;
 
-    /// `text` is UTF-8 without a line break.
+    /// Writes `text` as one line, as `shown` has it.
     virtual void line(std::string_view text) = 0;
+
+    /// For whoever looks for a fault: lines have any length, and nothing is left out of what they
+    /// tell. Asked for once, at the start, before other threads write.
+    void setDetailed() { isDetailed_ = true; }
+    bool isDetailed() const { return isDetailed_; }
+
+protected:
+    /// `text` as `logText` (platform/values/text.h) writes it, and no longer than a line should be.
+    std::string shown(std::string_view text) const;
+
+private:
+    bool isDetailed_ = false;
 };
 
 /// Ends the program at once with `message` on standard error and exit status 1. For faults that

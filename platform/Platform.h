@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "platform/ApplicationActivity.h"
@@ -52,6 +53,7 @@ struct Platform {
     std::function<std::unique_ptr<SerialQueue>(const std::string& label)> makeQueue =
         makeSerialQueue;
     ApplicationActivity activity;                                          // the window tells it
+    std::mutex sampling;                                                   // see SystemMonitor
     std::unique_ptr<Sleeper> sleeper = std::make_unique<SystemSleeper>();  // on every system
 
     HomeLayout layout;

@@ -12,9 +12,18 @@
 namespace velto {
 namespace {
 
-std::vector<std::string> namesIn(const FileManager& files, const std::string& folder) {
+// More than any system has: names in a folder with its subfolders, and entries in all of them.
+constexpr std::size_t mostNames = 20'000;
+constexpr std::size_t mostEntries = 5'000;
+
+/// At most `room` of them, which shrinks by as many.
+std::vector<std::string> namesIn(const FileManager& files, const std::string& folder,
+                                 std::size_t& room) {
     try {
-        return files.list(folder);
+        auto names = files.list(folder);
+        names.resize(std::min(names.size(), room));
+        room -= names.size();
+        return names;
     } catch (const FileError&) {
         return {};  // most of the folders are there on few machines
     }
@@ -43,16 +52,18 @@ std::vector<DesktopEntryFile> desktopEntryFiles(const FileManager& files,
     std::vector<DesktopEntryFile> found;
     std::unordered_set<std::string> seen;
     const auto add = [&](const std::string& id, const std::string& origin, std::string path) {
-        if (seen.insert(id).second) found.push_back({id, origin, std::move(path)});
+        if (found.size() == mostEntries || !seen.insert(id).second) return;
+        found.push_back({id, origin, std::move(path)});
     };
     for (const auto& [origin, folder] : folders) {
-        for (const std::string& name : namesIn(files, folder)) {
+        std::size_t room = mostNames;
+        for (const std::string& name : namesIn(files, folder, room)) {
             const std::string path = fmt::format("{}/{}", folder, name);
             if (name.ends_with(desktopEntryExtension)) {
                 add(withoutExtension(name), origin, path);
                 continue;
             }
-            for (const std::string& inner : namesIn(files, path)) {
+            for (const std::string& inner : namesIn(files, path, room)) {
                 if (!inner.ends_with(desktopEntryExtension)) continue;
                 add(fmt::format("{}-{}", name, withoutExtension(inner)), origin,
                     fmt::format("{}/{}", path, inner));

@@ -16,8 +16,6 @@ namespace {
 constexpr std::array<std::string_view, 3> places{"/Contents/Info.plist",
                                                  "/WrappedBundle/Info.plist", "/Info.plist"};
 
-constexpr std::int64_t mostBytes = 4 * 1024 * 1024;
-
 /// A file that may be a link, as some bundles have it.
 std::unique_ptr<FileContent> open(const FileManager& files, FileContentReader& contents,
                                   const std::string& path) {
@@ -63,6 +61,7 @@ std::optional<BundleInformation> readBundleInformation(const FileManager& files,
         if (auto quick = quickBundleInformation(bytes)) return quick;
     }
     const std::int64_t size = content->size();
+    constexpr auto mostBytes = static_cast<std::int64_t>(longestPropertyList);
     if (size < 0 || size > mostBytes) return std::nullopt;
     std::string bytes(static_cast<std::size_t>(size), '\0');
     const auto whole = fill(*content, bytes);

@@ -1,8 +1,8 @@
-# The program looks for its resource bundle beside itself, so both live in a folder of their own and
-# the command is a link to the program (which asks the system where it really is).
+# The program looks for its resource bundle and for its worker beside itself, so all live in a folder
+# of their own and the command is a link to the program (which asks the system where it really is).
 include(GNUInstallDirs)
 set(folder lib/velto)
-install(TARGETS velto DESTINATION ${folder})
+install(TARGETS velto velto-icons DESTINATION ${folder})
 install(DIRECTORY ${CMAKE_BINARY_DIR}/Velto_velto_app.bundle DESTINATION ${folder})
 set(command ${CMAKE_INSTALL_BINDIR}/velto)
 install(CODE "

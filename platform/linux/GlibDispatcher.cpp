@@ -4,7 +4,9 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <limits>
@@ -22,6 +24,7 @@ using Work = Dispatcher::Work;
 
 constexpr int userInitiatedThreads = 64;  // work may block on files; as many as that helps nobody
 constexpr int utilityThreads = 2;
+constexpr int changingThreads = 4;  // more than there are services that change anything
 constexpr int utilityNiceness = 10;
 
 std::mutex handOverMutex;
@@ -139,7 +142,7 @@ public:
     ~Pool() { close(); }
 
     /// Drops what has not begun and waits for what has. Work that is added later, by what still
-    /// runs here or in the other pool, is dropped too.
+    /// runs here or in another pool, is dropped too.
     void close() {
         std::deque<Work> dropped;
         GThreadPool* pool = nullptr;
@@ -153,12 +156,36 @@ public:
         passHandOver();
     }
 
+    /// Drops what has not begun, and what is added from now on. What dropped work holds goes on a
+    /// thread of the pool, as one more piece of work: letting go of it may hang too.
+    void drop() {
+        auto dropped = std::make_shared<std::deque<Work>>();
+        {
+            const std::lock_guard lock(mutex_);
+            dropped->swap(waiting_);
+        }
+        add([dropped = std::move(dropped)] { dropped->clear(); });
+        const std::lock_guard lock(mutex_);
+        takesMore_ = false;
+    }
+
+    void waitUntilIdle() {
+        std::unique_lock lock(mutex_);
+        idle_.wait(lock, [this] { return isIdle(); });
+    }
+
+    /// True when it is idle by then.
+    bool waitUntilIdle(std::chrono::steady_clock::time_point end) {
+        std::unique_lock lock(mutex_);
+        return idle_.wait_until(lock, end, [this] { return isIdle(); });
+    }
+
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
 
     void add(Work work) {
         const std::lock_guard lock(mutex_);
-        if (pool_ == nullptr) return;
+        if (pool_ == nullptr || !takesMore_) return;
         waiting_.push_back(std::move(work));
         passHandOver();
         // False means that no new thread could be made: the token then waits for a running one.
@@ -180,9 +207,16 @@ private:
             if (waiting_.empty()) return;  // dropped meanwhile
             work = std::move(waiting_.front());
             waiting_.pop_front();
+            ++running_;
         }
         perform(work);
+        work = nullptr;  // what it holds is part of it
+        const std::lock_guard lock(mutex_);
+        --running_;
+        if (isIdle()) idle_.notify_all();
     }
+
+    bool isIdle() const { return waiting_.empty() && running_ == 0; }
 
     void lowerPriority() const {
         thread_local const int result = setpriority(PRIO_PROCESS, 0, niceness_);
@@ -191,7 +225,10 @@ private:
 
     int niceness_;
     std::mutex mutex_;
+    std::condition_variable idle_;
     std::deque<Work> waiting_;
+    std::size_t running_ = 0;
+    bool takesMore_ = true;
     GThreadPool* pool_;
 };
 
@@ -199,13 +236,26 @@ GlibDispatcher::GlibDispatcher()
     : mainThread_(std::this_thread::get_id()),
       mainQueue_(std::make_shared<MainQueue>()),
       userInitiated_(std::make_unique<Pool>(userInitiatedThreads, false, 0)),
-      utility_(std::make_unique<Pool>(utilityThreads, true, utilityNiceness)) {}
+      utility_(std::make_unique<Pool>(utilityThreads, true, utilityNiceness)),
+      changes_(std::make_unique<Pool>(changingThreads, false, 0)) {}
 
 GlibDispatcher::~GlibDispatcher() {
     // The pools first: work that is running may still post its result to the main queue.
     userInitiated_->close();
     utility_->close();
+    changes_->close();
     mainQueue_->close();
+}
+
+bool GlibDispatcher::finish(double seconds) {
+    const auto end = std::chrono::steady_clock::now() +
+                     std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                         std::chrono::duration<double>(seconds));
+    userInitiated_->drop();
+    utility_->drop();
+    changes_->waitUntilIdle();
+    const bool isOneIdle = userInitiated_->waitUntilIdle(end);
+    return utility_->waitUntilIdle(end) && isOneIdle;
 }
 
 bool GlibDispatcher::isMainThread() const { return std::this_thread::get_id() == mainThread_; }
@@ -220,5 +270,7 @@ void GlibDispatcher::global(QualityOfService quality, Work work) {
     Pool& pool = quality == QualityOfService::utility ? *utility_ : *userInitiated_;
     pool.add(std::move(work));
 }
+
+void GlibDispatcher::change(Work work) { changes_->add(std::move(work)); }
 
 }  // namespace velto

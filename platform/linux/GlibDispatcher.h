@@ -7,8 +7,10 @@
 
 namespace velto {
 
-/// The default main context of GLib and two thread pools. The thread that makes it is the main
-/// thread. Ending it drops what has not begun and waits for what has.
+/// The default main context of GLib and three thread pools: for what the user has asked for, for
+/// what can wait, and for what changes files, so that reading which hangs never holds up a change.
+/// The thread that makes it is the main thread. Destroying it drops what has not begun and waits
+/// for what has, without end: after a `finish` that was false it must not be destroyed.
 class GlibDispatcher final : public Dispatcher {
 public:
     GlibDispatcher();
@@ -18,6 +20,8 @@ public:
     void main(Work work) override;
     void mainAfter(double seconds, Work work) override;
     void global(QualityOfService quality, Work work) override;
+    void change(Work work) override;
+    bool finish(double seconds) override;
 
 private:
     class MainQueue;
@@ -27,6 +31,7 @@ private:
     std::shared_ptr<MainQueue> mainQueue_;
     std::unique_ptr<Pool> userInitiated_;
     std::unique_ptr<Pool> utility_;
+    std::unique_ptr<Pool> changes_;
 };
 
 }  // namespace velto

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 
 #include <fmt/format.h>
@@ -25,8 +24,7 @@ LinuxLog LinuxLog::toStandardError() {
 
 void LinuxLog::line(std::string_view text) {
     std::string content(isJournal_ ? "<6>" : "");
-    content += text;
-    std::replace(content.begin(), content.end(), '\n', ' ');
+    content += shown(text);
     content += '\n';
     std::string_view rest = content;
     while (!rest.empty()) {

@@ -12,7 +12,6 @@
 #include "platform/linux/bundle_application.h"
 #include "platform/linux/process_files.h"
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/PosixFileManager.h"
 
 namespace velto {
 
@@ -37,7 +36,7 @@ public:
 
         /// What the bundle at a path calls itself.
         std::function<RunningApp(const std::string& path)> bundle = [](const std::string& path) {
-            return bundleApplication(PosixFileManager(), path);
+            return bundleApplication(path);
         };
     };
 

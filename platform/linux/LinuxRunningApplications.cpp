@@ -14,7 +14,6 @@
 #include "platform/linux/bundle_application.h"
 #include "platform/linux/process_program.h"
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/PosixFileManager.h"
 #include "platform/posix/names_in_folder.h"
 
 namespace velto {
@@ -41,8 +40,7 @@ RunningApplication describe(std::int64_t process, std::string executable) {
     const std::size_t end = application.executable.rfind(".app/");
     if (end != std::string::npos) {
         application.bundlePath = application.executable.substr(0, end + 4);
-        application.bundleIdentifier =
-            bundleApplication(PosixFileManager(), application.bundlePath).bundle;
+        application.bundleIdentifier = bundleApplication(application.bundlePath).bundle;
     } else if (std::string image = appImageOfProcess(folderOf(process), application.executable);
                !image.empty()) {
         application.executable = std::move(image);

@@ -1,24 +1,18 @@
 #include "platform/linux/bundle_application.h"
 
 #include <array>
-#include <cstdint>
 #include <optional>
 
+#include "platform/posix/foreign_file.h"
 #include "platform/values/PropertyList.h"
 #include "platform/values/text.h"
 
 namespace velto {
 namespace {
 
-constexpr ReadLimit limit = anyFile(1 << 20);  // of a property list that is worth reading
-
-std::optional<PropertyList> informationOf(const FileManager& files, const std::string& bundle) {
-    try {
-        const std::string path = bundle + "/Contents/Info.plist";
-        return readPropertyList(files.read(path, limit));
-    } catch (const FileError&) {
-        return std::nullopt;  // taken away while it runs
-    }
+std::optional<PropertyList> informationOf(const std::string& bundle) {
+    const auto bytes = readForeignFile(bundle + "/Contents/Info.plist", longestPropertyList);
+    return bytes ? readPropertyList(*bytes) : std::nullopt;
 }
 
 std::string fileNameOf(const std::string& bundle) {
@@ -30,9 +24,9 @@ std::string fileNameOf(const std::string& bundle) {
 
 }  // namespace
 
-RunningApp bundleApplication(const FileManager& files, const std::string& path) {
+RunningApp bundleApplication(const std::string& path) {
     RunningApp application{.name = fileNameOf(path), .path = path};
-    const auto information = informationOf(files, path);
+    const auto information = informationOf(path);
     if (!information) return application;
     if (const std::string* text = information->text("CFBundleIdentifier")) {
         application.bundle = *text;

@@ -2,13 +2,12 @@
 
 #include <string>
 
-#include "platform/FileManager.h"
 #include "platform/ProcessTable.h"
 
 namespace velto {
 
 /// What the bundle at a path calls itself (its Info.plist). A name that it does not give is its
 /// folder's without the extension; without an identifier that is empty. Never throws.
-RunningApp bundleApplication(const FileManager& files, const std::string& path);
+RunningApp bundleApplication(const std::string& path);
 
 }  // namespace velto

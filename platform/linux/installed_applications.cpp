@@ -17,6 +17,8 @@ std::int64_t changeOf(const std::string& folder) {
     return attributes.st_mtim.tv_sec * nanosecondsPerSecond + attributes.st_mtim.tv_nsec;
 }
 
+constexpr int mostSubfolders = 200;  // of a folder of entries
+
 std::vector<std::int64_t> changesOf(const std::vector<std::string>& folders) {
     std::vector<std::int64_t> times;
     times.reserve(folders.size());
@@ -37,10 +39,13 @@ std::vector<std::string> InstalledApplications::foldersWithEntries() const {
     std::vector<std::string> found;
     for (const NamedLocation& folder : folders_) {
         found.push_back(folder.path);
+        int left = mostSubfolders;
         for (const std::string& name : kernelNames(folder.path)) {
+            if (left == 0) break;
             if (name.ends_with(desktopEntryExtension)) continue;
             if (std::string path = folder.path + "/" + name; isFolder(path)) {
                 found.push_back(std::move(path));
+                --left;
             }
         }
     }

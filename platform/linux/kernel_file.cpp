@@ -8,24 +8,32 @@
 #include <charconv>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/foreign_file.h"
 #include "platform/posix/names_in_folder.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
+namespace {
+
+// A process decides itself how long some of its files are (its environment, for one).
+constexpr std::size_t mostBytes = 1024 * 1024;
+
+}  // namespace
 
 std::optional<std::string> kernelText(const std::string& path) {
-    const Descriptor file(
-        uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
-    if (!file.isOpen()) return std::nullopt;
+    const auto file = openForeignFile(path);
+    if (!file) return std::nullopt;
     std::string text;
     std::array<char, 4096> part;
-    while (true) {
+    while (text.size() < mostBytes) {
         const ssize_t count =
-            uninterrupted([&] { return ::read(file.number(), part.data(), part.size()); });
+            uninterrupted([&] { return ::read(file->number(), part.data(), part.size()); });
         if (count < 0) return std::nullopt;
-        if (count == 0) return text;
+        if (count == 0) break;
         text.append(part.data(), static_cast<std::size_t>(count));
     }
+    text.resize(std::min(text.size(), mostBytes));
+    return text;
 }
 
 std::optional<std::string> kernelLine(const std::string& path) {

@@ -11,7 +11,7 @@ namespace velto {
 /// What the kernel tells in its small text files (/proc, /sys). Nothing throws: a file that is not
 /// there, or that refuses to be read, is nothing.
 
-/// The whole content.
+/// The content, and of one that is longer than any that is wanted the first MiB.
 std::optional<std::string> kernelText(const std::string& path);
 
 /// Without the line's end.

@@ -99,8 +99,7 @@ HomeLayout layoutOf(const std::string& home, const FileManager& files) {
     }
     std::string userDirs;
     try {
-        userDirs =
-            files.read(configurationFolder(home, files) + "/user-dirs.dirs", userDirsLimit);
+        userDirs = files.read(configurationFolder(home, files) + "/user-dirs.dirs", userDirsLimit);
     } catch (const FileError&) {
         // Most often there is none; then the folders have their standard names.
     }
@@ -156,13 +155,14 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
     platform->notifications = std::make_unique<LinuxNotifications>(
         *platform->files, *platform->log, platform->layout.dataFolder + "/notification.json");
-    platform->icons =
-        std::make_unique<LinuxIcons>(*platform->files, platform->layout.desktopEntries);
+    platform->executablePath = executablePath(*platform->files, programPath);
+    platform->icons = std::make_unique<LinuxIcons>(
+        *platform->files, parentFolder(platform->executablePath) + "/velto-icons",
+        platform->layout.desktopEntries);
     platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
     platform->counters = std::make_unique<LinuxSystemCounters>();
     platform->processes = makeProcessTable(*platform->files, platform->layout);
     platform->userIdentifier = getuid();
-    platform->executablePath = executablePath(*platform->files, programPath);
     return platform;
 }
 

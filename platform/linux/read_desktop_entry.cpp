@@ -6,6 +6,7 @@
 #include "platform/DesktopEntry.h"
 #include "platform/linux/glib_pointers.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/posix/foreign_file.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -15,6 +16,9 @@ struct FreeTexts {
     void operator()(char** texts) const { g_strfreev(texts); }
 };
 using GlibTexts = std::unique_ptr<char*, FreeTexts>;
+
+// Of an entry. One with all its translations and actions has some ten thousand.
+constexpr std::size_t mostBytes = 256 * 1024;
 
 struct FreeKeyFile {
     void operator()(GKeyFile* file) const { g_key_file_unref(file); }
@@ -67,6 +71,18 @@ std::string programOf(const char* commandLine) {
     }
 }
 
+/// Read here and not by GIO, which waits for whatever is at the path to be written.
+GlibReference<GDesktopAppInfo> entryIn(const std::string& path) {
+    const auto text = readForeignFile(path, mostBytes);
+    if (!text) return nullptr;
+    const KeyFile keys(g_key_file_new());
+    if (g_key_file_load_from_data(keys.get(), text->data(), text->size(), G_KEY_FILE_NONE,
+                                  nullptr) == FALSE) {
+        return nullptr;
+    }
+    return GlibReference<GDesktopAppInfo>(g_desktop_app_info_new_from_keyfile(keys.get()));
+}
+
 std::string iconOf(GAppInfo* information) {
     GIcon* const icon = g_app_info_get_icon(information);
     if (icon == nullptr) return {};
@@ -74,26 +90,10 @@ std::string iconOf(GAppInfo* information) {
     return name ? std::string(name.get()) : std::string();
 }
 
-/// GLib would wait for a pipe in the place of an entry, and read a device without end.
-GlibReference<GDesktopAppInfo> loadEntry(const std::string& path) {
-    std::string content;
-    try {
-        content = PosixFileManager().read(path, anyFile(1 << 20));
-    } catch (const FileError&) {
-        return nullptr;  // taken away, or nothing to read
-    }
-    const KeyFile file(g_key_file_new());
-    if (g_key_file_load_from_data(file.get(), content.data(), content.size(), G_KEY_FILE_NONE,
-                                  nullptr) == FALSE) {
-        return nullptr;
-    }
-    return GlibReference<GDesktopAppInfo>(g_desktop_app_info_new_from_keyfile(file.get()));
-}
-
 }  // namespace
 
 std::optional<DesktopEntry> readDesktopEntry(const std::string& path) {
-    const GlibReference<GDesktopAppInfo> entry = loadEntry(path);
+    const GlibReference<GDesktopAppInfo> entry = entryIn(path);
     if (!entry || g_desktop_app_info_get_is_hidden(entry.get()) != FALSE) return std::nullopt;
     GAppInfo* const information = G_APP_INFO(entry.get());
     DesktopEntry read;

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <type_traits>
 
 #include "platform/values/PropertyList.h"
 
@@ -14,6 +15,19 @@ struct FreePlist {
 struct FreeMemory {
     void operator()(void* memory) const { std::free(memory); }
 };
+
+/// libplist 2.3 has given the function a fourth argument, which tells the form that it found; which
+/// one is installed, the compiler sees.
+template <typename Parse>
+plist_t parse(Parse from, const char* bytes, std::uint32_t size) {
+    plist_t parsed = nullptr;
+    if constexpr (std::is_invocable_v<Parse, const char*, std::uint32_t, plist_t*>) {
+        from(bytes, size, &parsed);
+    } else {
+        from(bytes, size, &parsed, nullptr);
+    }
+    return parsed;
+}
 
 constexpr int mostDepth = 200;  // deeper values are left out; no program looks there
 
@@ -97,8 +111,8 @@ std::optional<PropertyList> readPropertyList(std::string_view bytes) {
     if (!isBoundedPropertyList(bytes)) return std::nullopt;
     // The parser counts on a byte after the last one.
     const std::string terminated(bytes);
-    plist_t parsed = nullptr;
-    plist_from_memory(terminated.c_str(), static_cast<std::uint32_t>(terminated.size()), &parsed);
+    const plist_t parsed = parse(&plist_from_memory, terminated.c_str(),
+                                 static_cast<std::uint32_t>(terminated.size()));
     const std::unique_ptr<void, FreePlist> owned(parsed);
     if (parsed == nullptr) return std::nullopt;
     return convert(parsed, 0);

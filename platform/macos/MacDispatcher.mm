@@ -18,6 +18,10 @@ dispatch_block_t block(Dispatcher::Work work) {
     };
 }
 
+std::int64_t nanoseconds(double seconds) {
+    return static_cast<std::int64_t>(std::max(seconds, 0.0) * double{NSEC_PER_SEC});
+}
+
 }  // namespace
 
 bool MacDispatcher::isMainThread() const { return NSThread.isMainThread; }
@@ -27,15 +31,30 @@ void MacDispatcher::main(Work work) {
 }
 
 void MacDispatcher::mainAfter(double seconds, Work work) {
-    const auto delay = static_cast<std::int64_t>(std::max(seconds, 0.0) * double{NSEC_PER_SEC});
-    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, delay), dispatch_get_main_queue(),
-                   block(std::move(work)));
+    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, nanoseconds(seconds)),
+                   dispatch_get_main_queue(), block(std::move(work)));
 }
 
 void MacDispatcher::global(QualityOfService quality, Work work) {
     const auto serviceClass =
         quality == QualityOfService::userInitiated ? QOS_CLASS_USER_INITIATED : QOS_CLASS_UTILITY;
-    dispatch_async(dispatch_get_global_queue(serviceClass, 0), block(std::move(work)));
+    dispatch_group_async(reading_, dispatch_get_global_queue(serviceClass, 0),
+                         block([mayRead = mayRead_, work = std::move(work)]() mutable {
+                             if (*mayRead) work();
+                             work = nullptr;  // letting go may hang too: it counts as reading
+                         }));
+}
+
+void MacDispatcher::change(Work work) {
+    dispatch_group_async(changing_, dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0),
+                         block(std::move(work)));
+}
+
+bool MacDispatcher::finish(double seconds) {
+    *mayRead_ = false;
+    const dispatch_time_t end = dispatch_time(DISPATCH_TIME_NOW, nanoseconds(seconds));
+    dispatch_group_wait(changing_, DISPATCH_TIME_FOREVER);
+    return dispatch_group_wait(reading_, end) == 0;
 }
 
 }  // namespace velto

@@ -8,8 +8,8 @@ namespace velto {
 
 void MacLog::line(std::string_view text) {
     static os_log_t log = os_log_create(programIdentifier, "velto");
-    // Public: the log is this machine's own, and a line without its paths explains nothing.
-    os_log(log, "%{public}.*s", static_cast<int>(text.size()), text.data());
+    // Public: the log is this machine's own, and a redacted line explains nothing.
+    os_log(log, "%{public}s", shown(text).c_str());
 }
 
 }  // namespace velto

@@ -5,8 +5,10 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <mutex>
 #include <optional>
@@ -21,6 +23,7 @@ namespace velto {
 namespace {
 
 constexpr int exitCheckInterval = 100;  // milliseconds, only while the tool's output stays open
+constexpr std::size_t mostOutput = 4 * 1024 * 1024;  // bytes that are kept
 
 class SpawnActions {
 public:
@@ -110,16 +113,20 @@ int spawn(const std::string& path, const std::vector<std::string>& arguments,
 
 enum class ReadEnd { open, closed };
 
-/// Appends what waits in the pipe.
+/// Appends what waits in the pipe, not more of it at once than a tool that never stops writing can
+/// be kept waiting for.
 ReadEnd drain(int pipe, std::string& text) {
     std::array<char, 16 * 1024> buffer;
-    while (true) {
+    constexpr int mostParts = 64;
+    for (int part = 0; part < mostParts; ++part) {
         const ssize_t count =
             uninterrupted([&] { return read(pipe, buffer.data(), buffer.size()); });
         if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return ReadEnd::open;
         if (count <= 0) return ReadEnd::closed;
-        text.append(buffer.data(), static_cast<std::size_t>(count));
+        const std::size_t room = mostOutput - std::min(text.size(), mostOutput);
+        text.append(buffer.data(), std::min(room, static_cast<std::size_t>(count)));
     }
+    return ReadEnd::open;
 }
 
 /// The wait status once the tool has ended; nothing while it runs and `flags` say not to wait.
@@ -138,7 +145,7 @@ int exitStatusOf(int status) {
 
 }  // namespace
 
-PosixToolRunner::PosixToolRunner() {
+PosixToolRunner::PosixToolRunner(std::chrono::milliseconds limit) : limit_(limit) {
     for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
         environment_.emplace_back(*variable);
     }
@@ -154,15 +161,19 @@ ToolResult PosixToolRunner::run(const std::string& path,
     }
     result.started = true;
     const int pipe = child.standardError.number();
+    const auto end = std::chrono::steady_clock::now() + limit_;
     std::optional<int> status;
-    while (!status) {
-        pollfd waited{.fd = pipe, .events = POLLIN, .revents = 0};
-        poll(&waited, 1, exitCheckInterval);  // interrupted or not: both questions are asked below
+    bool isOpen = true;
+    while (!status && std::chrono::steady_clock::now() < end) {
+        pollfd waited{.fd = isOpen ? pipe : -1, .events = POLLIN, .revents = 0};
+        poll(&waited, 1,
+             isOpen ? exitCheckInterval : 5);  // interrupted or not: both questions are asked below
         // Asked before reading: what a tool that has ended wrote is in the pipe by now.
         status = waitFor(child.process, WNOHANG);
-        if (drain(pipe, result.standardError) == ReadEnd::closed) break;
+        if (isOpen) isOpen = drain(pipe, result.standardError) == ReadEnd::open;
     }
     child.standardError = Descriptor();
+    if (!status) kill(child.process, SIGKILL);
     result.exitStatus = exitStatusOf(status ? *status : *waitFor(child.process, 0));
     return result;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -29,14 +30,19 @@ struct PropertyList::Entry {
     PropertyList value;
 };
 
+/// Bytes of the longest property list that is read. Those of large applications have some ten
+/// thousand, the longest known a few hundred thousand (a browser's, with all its document types).
+inline constexpr std::size_t longestPropertyList = 1024 * 1024;
+
 /// Reads a property list in XML or binary form; nothing when it is none, or one whose size or
 /// nesting no program writes. Bytes come from anywhere: damaged or hostile ones are safe. Safe from
 /// every thread. Answered by each system.
 std::optional<PropertyList> readPropertyList(std::string_view bytes);
 
-/// True when a system's parser can be trusted with the bytes: parsers recurse, and a few kilobytes
-/// of binary form can stand for more values than any memory holds. What is no property list at all
-/// may pass; the parser refuses it.
+/// True when a system's parser can be trusted with the bytes: parsers recurse, a few kilobytes of
+/// binary form can stand for more values than any memory holds, entities that a document declares
+/// can do the same for XML, and some parsers move a whole text for each entity in it. What is no
+/// property list at all may pass; the parser refuses it. Takes time in proportion to the size.
 bool isBoundedPropertyList(std::string_view bytes);
 
 }  // namespace velto

@@ -7,7 +7,8 @@
 namespace velto {
 namespace {
 
-constexpr std::size_t mostBytes = 16 * 1024 * 1024;
+constexpr std::size_t mostTags = 100'000;        // of XML, closing ones too
+constexpr std::size_t mostMovedBytes = 1 << 26;  // of XML: of texts, once for each entity in them
 constexpr std::size_t mostContainers = 10'000;   // of XML: they may all lie inside one another
 constexpr int mostDepth = 200;                   // of the binary form
 constexpr std::uint64_t mostValues = 1'000'000;  // of it, with every reference followed
@@ -190,12 +191,44 @@ bool holdsNul(std::string_view xml) {
     return false;
 }
 
+/// A document type that declares something itself. No program writes one: real lists name Apple's.
+bool declaresItsOwnType(std::string_view xml) {
+    const std::size_t begin = xml.find("<!DOCTYPE");
+    if (begin == std::string_view::npos) return xml.find("<!ENTITY") != std::string_view::npos;
+    char quote = '\0';
+    for (const char each : xml.substr(begin)) {
+        if (quote != '\0') {
+            if (each == quote) quote = '\0';
+        } else if (each == '"' || each == '\'') {
+            quote = each;
+        } else if (each == '[') {
+            return true;
+        } else if (each == '>') {
+            return xml.find("<!ENTITY") != std::string_view::npos;
+        }
+    }
+    return true;  // it never ends
+}
+
+/// Texts between tags with few entities for their length, and not too many tags.
+bool hasLightTexts(std::string_view xml) {
+    std::size_t tags = 0, moved = 0;
+    while (!xml.empty()) {
+        const std::string_view text = xml.substr(0, xml.find('<'));
+        const auto entities = static_cast<std::size_t>(std::ranges::count(text, '&'));
+        moved += entities * text.size();
+        if (moved > mostMovedBytes || ++tags > mostTags) return false;
+        xml.remove_prefix(std::min(xml.size(), text.size() + 1));
+    }
+    return true;
+}
+
 }  // namespace
 
 bool isBoundedPropertyList(std::string_view bytes) {
-    if (bytes.size() > mostBytes) return false;
+    if (bytes.size() > longestPropertyList) return false;
     if (bytes.starts_with(binaryMark)) return ObjectTable(bytes).isBounded();
-    if (holdsNul(bytes)) return false;
+    if (holdsNul(bytes) || declaresItsOwnType(bytes) || !hasLightTexts(bytes)) return false;
     return occurrences(bytes, "<array") + occurrences(bytes, "<dict") <= mostContainers;
 }
 

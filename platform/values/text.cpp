@@ -1,6 +1,12 @@
 #include "platform/values/text.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <iterator>
+#include <utility>
+
+#include <fmt/format.h>
 
 namespace velto {
 namespace {
@@ -44,6 +50,29 @@ void forEachSequence(std::string_view bytes, Visit visit) {
     }
 }
 
+char32_t codePoint(std::string_view sequence) {
+    constexpr std::array<std::uint8_t, 5> leadingBits{0, 0x7F, 0x1F, 0x0F, 0x07};
+    auto value = static_cast<char32_t>(static_cast<std::uint8_t>(sequence.front()) &
+                                       leadingBits[sequence.size()]);
+    for (const char each : sequence.substr(1))
+        value = value << 6 | (static_cast<std::uint8_t>(each) & 0x3F);
+    return value;
+}
+
+/// True for what a terminal or a viewer obeys instead of showing it.
+bool movesOnScreen(char32_t letter) {
+    constexpr std::array<std::pair<char32_t, char32_t>, 6> ranges{{
+        {0x00, 0x1F},      // control characters, line ends among them
+        {0x7F, 0x9F},      // delete, and the control characters of eight bits
+        {0x061C, 0x061C},  // marks of direction, here and below
+        {0x200E, 0x200F},
+        {0x2028, 0x202E},  // line and paragraph separator; embeddings and overrides
+        {0x2066, 0x2069},  // isolates
+    }};
+    return std::ranges::any_of(
+        ranges, [letter](auto range) { return letter >= range.first && letter <= range.second; });
+}
+
 }  // namespace
 
 bool isValidUtf8(std::string_view bytes) {
@@ -83,6 +112,28 @@ std::string singleLine(std::string_view text) {
             line += sequence;
         }
     });
+    return line;
+}
+
+std::string logText(std::string_view text, std::size_t mostBytes) {
+    constexpr std::string_view ellipsis = "…";
+    std::string line;
+    line.reserve(std::min(text.size(), mostBytes));
+    bool isWhole = true;
+    std::size_t wholeWithEllipsis = 0;  // how much of the line leaves room for it
+    forEachSequence(text, [&](std::string_view sequence) {
+        if (!isWhole) return;
+        if (sequence.empty()) {
+            line += replacement;
+        } else if (const char32_t letter = codePoint(sequence); movesOnScreen(letter)) {
+            fmt::format_to(std::back_inserter(line), "\\u{:04x}", static_cast<unsigned>(letter));
+        } else {
+            line += sequence;
+        }
+        isWhole = line.size() <= mostBytes;
+        if (line.size() + ellipsis.size() <= mostBytes) wholeWithEllipsis = line.size();
+    });
+    if (!isWhole) line.replace(wholeWithEllipsis, std::string::npos, ellipsis);
     return line;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,12 @@ bool isValidUtf8(std::string_view bytes);
 /// One line without backslashes, valid UTF-8: control characters and line separators become spaces,
 /// a backslash becomes a slash. For texts from outside that go into a toast.
 std::string singleLine(std::string_view text);
+
+/// What a log shows of `text`: one line of valid UTF-8 on which nothing moves the cursor, colours
+/// the terminal or turns the direction of writing. Control characters, line separators and marks of
+/// direction are written as "\u" and four hexadecimal digits, which JSON understands too. At most
+/// `mostBytes`: a longer one ends with "…".
+std::string logText(std::string_view text, std::size_t mostBytes);
 
 /// An absolute path without doubled or trailing slashes, "." and "..", by its text alone: links
 /// play no part, and ".." at the top is dropped. Empty for a path that is not absolute.

@@ -25,6 +25,14 @@ TEST(RunModes, AnArgumentCountsWhereverItStandsAndMaintenanceWins) {
     EXPECT_EQ(runModeOf({"velto", "--reset=1"}), RunMode::interactive);
 }
 
+TEST(RunModes, TheDetailedLogIsAskedForInAnyMode) {
+    EXPECT_TRUE(wantsDetailedLog({"velto", "--debug-log"}));
+    EXPECT_TRUE(wantsDetailedLog({"velto", "--maintenance", "--debug-log"}));
+    EXPECT_FALSE(wantsDetailedLog({"velto", "--debug-logs", "debug-log"}));
+    EXPECT_EQ(runModeOf({"velto", "--debug-log"}), RunMode::interactive);
+    EXPECT_EQ(runModeOf({"velto", "--debug-log", "--reset"}), RunMode::reset);
+}
+
 TEST(RunModes, ResetTakesAgentAndDataAwayAndKeepsSettings) {
     TestPlatform machine;
     machine.home.text("Library/Application Support/Velto/lastScan.json", "{}");

@@ -23,6 +23,35 @@ TEST_F(Intents, WebReadyIsRecordedLoggedAndEchoedAndNothingElse) {
                 ElementsAre("console.info('[velto] intención recibida: webReady');"));
 }
 
+TEST_F(Intents, TheProgramsEndWaitsForWhatChangesFilesAndForNothingElse) {
+    const std::string path = machine.home.text("Downloads/a.txt", "a").path();
+    const int& changes = machine.dispatcher.changes;
+    const auto begun = [&](const char* type, const nlohmann::json& payload) {
+        machine.dispatcher.runAll();
+        const int before = changes;
+        post(type, payload);
+        return changes - before;
+    };
+    for (const char* reading : {"scan", "appsList", "scanCleanables", "measureMaintenance"})
+        EXPECT_EQ(begun(reading, {}), 0) << reading;
+    EXPECT_EQ(begun("appAnalysis", {{"path", path}}), 0);
+    EXPECT_EQ(begun("uninstall", {{"path", path}, {"paths", {path}}}), 1);
+    EXPECT_EQ(begun("cleanPaths", {{"paths", {path}}}), 1);
+    EXPECT_EQ(begun("resetVelto", {}), 1);
+}
+
+TEST_F(Intents, TheLogTellsThePayloadWholeOnlyToWhomeverAsksForIt) {
+    const nlohmann::json payload{{"paths", {"/home/ana/plans/a.txt", "/home/ana/plans/b.txt"}}};
+    machine.log.clear();
+    post("unknown", payload);
+    machine.log.setDetailed();
+    post("unknown", payload);
+    EXPECT_THAT(machine.log.lines(),
+                ElementsAre(R"(Velto ▶ intención: unknown payload: {"paths":[2: "…/a.txt", …]})",
+                            "Velto ▶ intención: unknown payload: "
+                            R"({"paths":["/home/ana/plans/a.txt","/home/ana/plans/b.txt"]})"));
+}
+
 TEST_F(Intents, MalformedMessagesAreDroppedWithoutATrace) {
     page->post({{"type", "scan"}}, "other");
     page->post(json("scan"));

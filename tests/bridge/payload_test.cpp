@@ -55,9 +55,39 @@ TEST(PayloadConversions, OnlyWholeNumbersAreIntegers) {
     EXPECT_FALSE(days(nullptr));
 }
 
-TEST(PayloadConversions, TheDescriptionIsOneLine) {
+TEST(PayloadDescription, TheWholeIsJsonOnOneLine) {
+    const auto whole = payload::Detail::whole;
+    EXPECT_EQ(payload::description(std::nullopt, whole), "nil");
+    EXPECT_EQ(payload::description(json{{"a", "line\nbreak"}}, whole), "{\"a\":\"line\\nbreak\"}");
+    EXPECT_EQ(payload::description(json{{"paths", {"/home/ana/a", "/home/ana/b"}}}, whole),
+              R"({"paths":["/home/ana/a","/home/ana/b"]})");
+}
+
+TEST(PayloadDescription, ASummaryTellsWhatHappensAndNotWhatFilesAreCalled) {
     EXPECT_EQ(payload::description(std::nullopt), "nil");
-    EXPECT_EQ(payload::description(json{{"a", "line\nbreak"}}), "{\"a\":\"line\\nbreak\"}");
+    EXPECT_EQ(payload::description(json("apps")), R"("apps")");
+    EXPECT_EQ(payload::description(json(true)), "true");
+    EXPECT_EQ(payload::description(json("/home/ana/secret plans/a.dmg")), R"("…/a.dmg")");
+    EXPECT_EQ(payload::description(json{{"language", "en"}, {"retentionDays", 30}}),
+              R"({"language":"en","retentionDays":30})");
+    EXPECT_EQ(payload::description(json{{"paths", {"/home/ana/a/1.mov", "/home/ana/b", "/c"}}}),
+              R"({"paths":[3: "…/1.mov", …]})");
+    EXPECT_EQ(payload::description(json::array()), "[]");
+    EXPECT_EQ(payload::description(json{{"sizes", {{"/home/ana/x", 1}, {"/home/ana/y", 2}}}}),
+              R"({"sizes":{"…/x","…/y"}})");
+}
+
+TEST(PayloadDescription, ASummaryIsShortWhateverThePageSends) {
+    const std::string endless(100'000, 'a');
+    json wide = json::object(), deep = 1;
+    for (int key = 0; key < 1'000; ++key)
+        wide[endless.substr(0, 100) + std::to_string(key)] = endless;
+    for (int level = 0; level < 100; ++level)
+        deep = json::array({deep});
+    EXPECT_LT(payload::description(json(endless)).size(), 100u);
+    EXPECT_LT(payload::description(wide).size(), 2'000u);
+    EXPECT_EQ(payload::description(deep), "[1: [1: [1: …]]]");
+    EXPECT_EQ(payload::description(json("a\nb")), "\"a\\u000ab\"");
 }
 
 }  // namespace

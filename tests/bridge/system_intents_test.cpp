@@ -49,6 +49,17 @@ TEST_F(SystemIntents, WithoutAPayloadOrWithOneThatMeansNothingSamplingStops) {
     EXPECT_TRUE(samples(60).empty());
 }
 
+TEST_F(SystemIntents, ClosingTheWindowWaitsForNoSampleThatHangs) {
+    post("systemWatch", {{"on", true}});
+    samples(0.4);
+    machine.dispatcher.runAll();
+    bridge.reset();
+    EXPECT_FALSE(machine.queue->timers.empty()) << "the queue went on the main thread";
+    machine.platform.activity.set(false);  // which the monitor no longer hears
+    machine.dispatcher.runAll();
+    EXPECT_TRUE(machine.queue->timers.empty());
+}
+
 TEST_F(SystemIntents, NothingIsSampledForAWindowInTheBackground) {
     post("systemWatch", {{"on", true}});
     EXPECT_EQ(samples(2.4).size(), 2u);

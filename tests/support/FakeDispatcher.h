@@ -17,6 +17,11 @@ public:
         delayed_.push_back({time_ + seconds, std::move(work)});
     }
     void global(QualityOfService, Work work) override { global_.push_back(std::move(work)); }
+    void change(Work work) override {
+        ++changes;
+        global_.push_back(std::move(work));
+    }
+    bool finish(double) override { return true; }
 
     /// Runs what waits for the main thread, and what that adds to it.
     void runMain() { drain(main_); }
@@ -50,6 +55,8 @@ public:
         }
         time_ = end;
     }
+
+    int changes = 0;  // how often work was said to change files
 
     std::size_t waitingGlobal() const { return global_.size(); }
     std::size_t waitingTimers() const { return delayed_.size(); }

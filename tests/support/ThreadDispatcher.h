@@ -29,6 +29,11 @@ public:
         const std::lock_guard guard(lock_);
         threads_.emplace_back(std::move(work));
     }
+    void change(Work work) override { global(QualityOfService::userInitiated, std::move(work)); }
+    bool finish(double) override {
+        join();
+        return true;
+    }
 
     /// Runs main-thread work as it arrives until `done` says so.
     void runMainUntil(const std::function<bool()>& done) {

@@ -2,6 +2,9 @@
 
 #import "app/window/macos/VeltoViewHost.h"
 
+#include <cstdlib>
+
+#include "app/program_end.h"
 #include "app/window/macos/main_menu.h"
 #include "app/window/window_rules.h"
 
@@ -75,6 +78,13 @@ NSWindow* makeWindow() {
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)sender {
     return _app->delegate().applicationShouldTerminateAfterLastWindowClosed();
+}
+
+// The process ends when this returns, from inside the system's own code: the window, which quitting
+// leaves open, goes first, then the work.
+- (void)applicationWillTerminate:(NSNotification*)notification {
+    [_window close];
+    velto::finishWork(*_platform, EXIT_SUCCESS);
 }
 
 // A click in the Dock, or a second start of the program.

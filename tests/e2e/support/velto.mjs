@@ -30,9 +30,14 @@ export async function desktopFor(test, size) {
   return desktop;
 }
 
-/** Starts the program in `home`; it is ended with the test if the test has not ended it. */
-export function start(test, home, desktop, { file = program, args = [], variables = {} } = {}) {
-  const velto = startProgram(file, args, {
+/**
+ * Starts the program in `home`; it is ended with the test if the test has not ended it. Where it is
+ * `detailed`, its log tells whole what the page sends: that is how test pages report.
+ */
+export function start(test, home, desktop, {
+  file = program, args = [], variables = {}, detailed = true,
+} = {}) {
+  const velto = startProgram(file, detailed ? [...args, '--debug-log'] : args, {
     ...home.variables,
     ...desktop.variables,
     ...variables,
@@ -55,10 +60,14 @@ export function runHeadless(home, args, { file = program, variables = {} } = {})
   return run(file, args, { env });
 }
 
-/** A copy of the program beside a bundle made of `files` (name to text); no bundle when null. */
+/**
+ * A copy of the program, and of its worker, beside a bundle made of `files` (name to text); no bundle
+ * when null.
+ */
 export function programWith(folder, files) {
   const copy = join(folder, 'velto');
   cpSync(program, copy);
+  cpSync(join(dirname(program), 'velto-icons'), join(folder, 'velto-icons'));
   if (files) {
     mkdirSync(join(folder, bundleName), { recursive: true });
     for (const [name, text] of Object.entries(files)) {

@@ -9,6 +9,7 @@
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
 #include "support/linux/Child.h"
+#include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
 #include "support/made_property_list.h"
 
@@ -22,7 +23,7 @@ struct RealApplications : testing::Test {
     TempHome home;
     PosixFileManager files;
     std::vector<NamedLocation> folders{{entryOrigin::user, home.path("share/applications")}};
-    LinuxIcons icons{files, folders};
+    LinuxIcons icons{files, iconWorker, folders};
     InstalledApplications installed{files, folders};
     LinuxProcessTable table{{.applications = [this] { return installed.index(); }}};
     FakeSystemCounters counters;

@@ -169,6 +169,75 @@ TEST(GlibDispatcher, TheEndWaitsForWorkThatIsRunning) {
     EXPECT_TRUE(finished);
 }
 
+TEST(GlibDispatcher, AReadingThatHangsIsLeftBehindWhenTheProgramEnds) {
+    GlibDispatcher dispatcher;
+    std::promise<void> begun, release;
+    dispatcher.global(QualityOfService::userInitiated, [&] {
+        begun.set_value();
+        release.get_future().wait();
+    });
+    begun.get_future().wait();
+    EXPECT_FALSE(dispatcher.finish(0.01));
+    release.set_value();
+    EXPECT_TRUE(dispatcher.finish(600)) << "it has ended, only later";
+}
+
+TEST(GlibDispatcher, AChangeOfTheUsersFilesIsCompletedHoweverLongItTakes) {
+    GlibDispatcher dispatcher;
+    std::atomic<int> made = 0;
+    std::promise<void> begun;
+    dispatcher.change([&] {
+        begun.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ++made;
+        dispatcher.change([&] { ++made; });  // as an uninstall asks for its history entry
+    });
+    begun.get_future().wait();
+    EXPECT_TRUE(dispatcher.finish(0));
+    EXPECT_EQ(made, 2);
+}
+
+TEST(GlibDispatcher, ReadingsThatHangHoldUpNoChange) {
+    GlibDispatcher dispatcher;
+    std::promise<void> release, changed;
+    const std::shared_future<void> released = release.get_future().share();
+    for (int reading = 0; reading < 100; ++reading)
+        dispatcher.global(QualityOfService::userInitiated, [released] { released.wait(); });
+    dispatcher.change([&] { changed.set_value(); });
+    changed.get_future().wait();
+    release.set_value();
+    EXPECT_TRUE(dispatcher.finish(600));
+}
+
+TEST(GlibDispatcher, WhatDroppedReadingHoldsIsLetGoOfElsewhere) {
+    // The monitor of a closed window waits for its last sample when it goes.
+    GlibDispatcher dispatcher;
+    std::promise<void> begun, release;
+    const std::shared_future<void> released = release.get_future().share();
+    std::latch all(64);
+    for (int reading = 0; reading < 64; ++reading) {
+        dispatcher.global(QualityOfService::userInitiated, [&all, released] {
+            all.count_down();
+            released.wait();
+        });
+    }
+    all.wait();
+    const auto here = std::this_thread::get_id();
+    std::thread::id where = here;
+    bool ran = false;
+    std::shared_ptr<int> held(new int, [&](int* number) {
+        where = std::this_thread::get_id();
+        std::unique_ptr<int> owned(number);
+    });
+    dispatcher.global(QualityOfService::userInitiated,
+                      [held = std::move(held), &ran] { ran = true; });
+    EXPECT_FALSE(dispatcher.finish(0.01));
+    release.set_value();
+    EXPECT_TRUE(dispatcher.finish(600));
+    EXPECT_FALSE(ran);
+    EXPECT_NE(where, here);
+}
+
 TEST(GlibDispatcherDeathTest, WorkThatThrowsEndsTheProgramInsteadOfBeingLost) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_DEATH(

@@ -7,6 +7,7 @@
 
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
+#include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
 #include "support/made_property_list.h"
 
@@ -32,7 +33,7 @@ protected:
 
     TempHome home;
     PosixFileManager files;
-    LinuxIcons icons{files, {{"user", home.path("share/applications")}}};
+    LinuxIcons icons{files, iconWorker, {{"user", home.path("share/applications")}}};
 };
 
 TEST_F(LinuxIconsTest, TheIconOfABundleIsShown) {

@@ -34,7 +34,17 @@ TEST_F(LinuxLogTest, OneCallIsOneLine) {
     log.line("Velto ▶ análisis iniciado");
     log.line("");
     log.line("two\nlines");
-    EXPECT_EQ(written(), "Velto ▶ análisis iniciado\n\ntwo lines\n");
+    EXPECT_EQ(written(), "Velto ▶ análisis iniciado\n\ntwo\\u000alines\n");
+}
+
+TEST_F(LinuxLogTest, ALineHasItsMeasureUnlessDetailsAreAskedFor) {
+    const std::string longLine(5'000, 'x');
+    LinuxLog log(descriptor, true);
+    log.line(longLine);
+    EXPECT_EQ(written().size(), 3u + 1'000u + 1u);
+    log.setDetailed();
+    log.line(longLine);
+    EXPECT_TRUE(written().ends_with("\n<6>" + longLine + "\n"));
 }
 
 TEST_F(LinuxLogTest, TheJournalLearnsThePriority) {

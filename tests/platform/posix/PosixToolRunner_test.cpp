@@ -127,6 +127,18 @@ TEST(PosixToolRunner, SignalsThatTheProgramIgnoresStillEndATool) {
     EXPECT_EQ(result.exitStatus, 128 + SIGPIPE);
 }
 
+TEST(PosixToolRunner, AToolThatNeverEndsIsKilled) {
+    const auto run = [](const std::string& script) {
+        return PosixToolRunner(std::chrono::milliseconds(200)).run("/bin/sh", {"-c", script});
+    };
+    EXPECT_EQ(run("exec sleep 600").exitStatus, 128 + SIGKILL);
+    EXPECT_EQ(run("exec 2>&-; exec sleep 600").exitStatus, 128 + SIGKILL);
+    const ToolResult endless = run("exec yes complaint >&2");
+    EXPECT_EQ(endless.exitStatus, 128 + SIGKILL);
+    EXPECT_LE(endless.standardError.size(), 4u * 1024 * 1024);
+    EXPECT_THAT(endless.standardError, HasSubstr("complaint\ncomplaint\n"));
+}
+
 TEST(PosixToolRunner, SeveralToolsRunAtOnceEachWithItsOwnOutput) {
     std::vector<std::thread> threads;
     std::array<ToolResult, 8> results;

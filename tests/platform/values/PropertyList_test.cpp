@@ -105,6 +105,40 @@ TEST(PropertyList, ANulByteInATextIsRefused) {
     }
 }
 
+TEST(PropertyList, EntitiesThatCostMoreThanTheyAreWorthAreRefused) {
+    const auto list = [](const std::string& type, const std::string& text) {
+        return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + type +
+               "<plist version=\"1.0\"><dict><key>CFBundleName</key><string>" + text +
+               "</string></dict></plist>\n";
+    };
+    const std::string type = R"(<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" )"
+                             R"("http://www.apple.com/DTDs/PropertyList-1.0.dtd">)";
+    std::string entities;
+    for (int count = 0; count < 150'000; ++count)
+        entities += "&amp;";
+    const auto whole = readPropertyList(list(type, "Fish &amp; chips"));
+    ASSERT_TRUE(whole && whole->text("CFBundleName"));
+    EXPECT_EQ(*whole->text("CFBundleName"), "Fish & chips");
+    EXPECT_TRUE(readPropertyList(list(type, entities.substr(0, 5 * 1'000))));
+    EXPECT_FALSE(readPropertyList(list(type, entities)));
+    EXPECT_FALSE(readPropertyList(list("<!DOCTYPE plist [<!ENTITY a \"b\">]>", "text")));
+    EXPECT_FALSE(readPropertyList(list("<!DOCTYPE plist SYSTEM '[]' [ ]>", "text")));
+    EXPECT_FALSE(readPropertyList(list("<!ENTITY a \"b\">", "text")));
+}
+
+TEST(PropertyList, AListLongerThanAnyProgramsIsRefused) {
+    const auto list = [](const std::string& body) {
+        return "<plist version=\"1.0\"><array>" + body + "</array></plist>";
+    };
+    std::string truths;
+    for (int count = 0; count < 120'000; ++count)
+        truths += "<true/>";
+    EXPECT_TRUE(readPropertyList(list(truths.substr(0, 7 * 10'000))));
+    EXPECT_FALSE(readPropertyList(list(truths)));
+    EXPECT_FALSE(
+        readPropertyList(list("<string>" + std::string(longestPropertyList, 'a') + "</string>")));
+}
+
 TEST(PropertyList, DamagedBytesNeverEndTheProgram) {
     const std::string originals[] = {
         xmlPropertyList(sample()),

@@ -60,5 +60,24 @@ TEST(Text, BelowAFolderMeansBehindItsSlash) {
     EXPECT_FALSE(isAtOrBelow("/h", "/h/Music"));
 }
 
+TEST(LogText, NothingInALineMovesTheCursorOrTurnsTheWriting) {
+    constexpr std::size_t any = 1000;
+    EXPECT_EQ(logText("Velto ▶ añadido: «x» \\ 中文 🎉", any), "Velto ▶ añadido: «x» \\ 中文 🎉");
+    EXPECT_EQ(logText("a\nb\r\tc\x1B[31md\x7F", any),
+              "a\\u000ab\\u000d\\u0009c\\u001b[31md\\u007f");
+    EXPECT_EQ(logText(std::string_view("\0", 1), any), "\\u0000");
+    EXPECT_EQ(logText("\u0085\u009b\u2028\u2029\u202e\u2066\u2069\u200f\u061c", any),
+              "\\u0085\\u009b\\u2028\\u2029\\u202e\\u2066\\u2069\\u200f\\u061c");
+    EXPECT_EQ(logText("bad \xFF\xC3", any), "bad \uFFFD\uFFFD");
+}
+
+TEST(LogText, ALongLineIsCutBetweenLetters) {
+    EXPECT_EQ(logText("abcdef", 6), "abcdef");
+    EXPECT_EQ(logText("abcdefg", 6), "abc…");
+    EXPECT_EQ(logText("ñññññ", 7), "ññ…");
+    EXPECT_EQ(logText("abc\n", 8), "abc…");
+    EXPECT_EQ(logText("", 0), "");
+}
+
 }  // namespace
 }  // namespace velto

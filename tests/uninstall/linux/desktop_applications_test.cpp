@@ -8,6 +8,7 @@
 
 #include "../UninstallWorld.h"
 #include "platform/linux/LinuxIcons.h"
+#include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
 
 namespace velto {
@@ -212,7 +213,7 @@ TEST_F(DesktopTest, TheUseOfListedApplicationsIsRecordedAndOfNoOthers) {
 }
 
 TEST_F(DesktopTest, TheIconIsThatOfTheTheme) {
-    machine.platform.icons = std::make_unique<LinuxIcons>(*machine.platform.files);
+    machine.platform.icons = std::make_unique<LinuxIcons>(*machine.platform.files, iconWorker);
     const std::string path = program("Applications/Foobar.AppImage");
     userEntry("foobar", "Foobar", path, "Icon=foobar\n");
     EXPECT_EQ(apps.iconDataURL(listed("Foobar")->path, 32), std::nullopt);

@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxRunningApplications.h"
 #include "platform/posix/PosixToolRunner.h"
 #include "support/linux/Child.h"
+#include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
 #include "support/made_property_list.h"
 
@@ -22,7 +23,7 @@ protected:
     RealUninstallTest() : UninstallWorld(buildVolume()) {
         Platform& platform = machine.platform;
         platform.running = std::make_unique<LinuxRunningApplications>(*platform.dispatcher);
-        platform.icons = std::make_unique<LinuxIcons>(*platform.files);
+        platform.icons = std::make_unique<LinuxIcons>(*platform.files, iconWorker);
         platform.tools = std::make_unique<PosixToolRunner>();
         platform.clock = std::make_unique<SystemClock>();
         platform.sleeper = std::make_unique<SystemSleeper>();
