@@ -46,4 +46,10 @@ function(velto_system_package target)
         set_target_properties(PkgConfig::${target} PROPERTIES
             INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${folders}")
     endif()
+    # What every x86-64 processor has anyway; named, it keeps clang from sharing headers.
+    get_target_property(options PkgConfig::${target} INTERFACE_COMPILE_OPTIONS)
+    if(options)
+        list(FILTER options EXCLUDE REGEX "^-m(sse|fpmath)")
+        set_target_properties(PkgConfig::${target} PROPERTIES INTERFACE_COMPILE_OPTIONS "${options}")
+    endif()
 endfunction()

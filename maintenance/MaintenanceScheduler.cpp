@@ -14,6 +14,7 @@ namespace {
 constexpr const char* launchctl = "/bin/launchctl";
 constexpr const char* systemctlPath = "/usr/bin/systemctl";
 constexpr const char* notificationPrefix = "velto.maintenance.";
+constexpr ReadLimit agentLimit = anyFile(1 << 20);  // of an agent or a unit; a link may lead to it
 constexpr std::string_view agentLabel = "app.velto.maintenance";
 
 }  // namespace
@@ -73,7 +74,9 @@ MaintenanceScheduler::Installed MaintenanceScheduler::installed() const {
 
 std::optional<std::string> MaintenanceScheduler::textOf(const std::string& file) const {
     try {
-        return platform_.files->read(file);
+        return platform_.files->read(file, agentLimit);
+    } catch (const RefusedFile&) {
+        return std::nullopt;  // nothing that could be a schedule
     } catch (const FileError& error) {
         if (error.code() == ENOENT) return std::nullopt;
         throw;

@@ -10,6 +10,8 @@
 namespace velto::window {
 namespace {
 
+constexpr ReadLimit largestFile = anyFile(16 << 20);  // the whole page has half a million bytes
+
 struct FileType {
     std::string_view extension;
     std::string_view type;
@@ -72,7 +74,7 @@ std::optional<PageFile> PageFiles::answer(std::string_view method, std::string_v
     const auto attributes = files_.attributes(path);
     if (!attributes || attributes->kind != FileKind::regular) return std::nullopt;
     try {
-        return PageFile{files_.read(path), type};
+        return PageFile{files_.read(path, largestFile), type};
     } catch (const FileError&) {
         return std::nullopt;
     }

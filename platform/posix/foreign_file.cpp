@@ -27,6 +27,7 @@ std::optional<Descriptor> openForeignFile(const std::string& path) {
 }
 
 std::optional<std::string> readForeignFile(const std::string& path, std::size_t mostBytes) {
+    if (path.find('\0') != std::string::npos) return std::nullopt;
     const ReadLimit limit = anyFile(static_cast<std::int64_t>(mostBytes));
     try {
         return readWhole(systemFileCalls(), openReadable(systemFileCalls(), path, limit), path,

@@ -19,10 +19,11 @@
 namespace velto {
 namespace {
 
-constexpr rlim_t mostMemory = 512 * 1024 * 1024;  // address space, with all libraries
-constexpr rlim_t mostFiles = 64;                  // the decoders' own are files
-constexpr rlim_t secondsAPicture = 2;             // of the processor, at most: they are whole
-constexpr int idleTime = 20'000;                  // milliseconds until it ends by itself
+[[maybe_unused]] constexpr rlim_t mostMemory =
+    512 * 1024 * 1024;                 // address space, with all libraries
+constexpr rlim_t mostFiles = 64;       // the decoders' own are files
+constexpr rlim_t secondsAPicture = 2;  // of the processor, at most: they are whole
+constexpr int idleTime = 20'000;       // milliseconds until it ends by itself
 
 void limit(__rlimit_resource what, rlim_t most) {
     rlimit value{};

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <cstdlib>
+#include <initializer_list>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/MoveWorld.h"
@@ -96,7 +97,8 @@ TEST_F(MovedTree, AFileThatIsAllHoleStaysOne) {
 }
 
 TEST_F(MovedTree, PermissionsStayBitForBit) {
-    for (const mode_t mode : {0777, 0000, 0400, 0200, 0111, 01755, 02755, 04755, 06711, 07777}) {
+    for (const auto mode : std::initializer_list<mode_t>{0777, 0000, 0400, 0200, 0111, 01755, 02755,
+                                                         04755, 06711, 07777}) {
         source.text(fmt::format("item/file{:o}", mode), "content");
         setMode(source.path(fmt::format("item/file{:o}", mode)), mode);
         source.text(fmt::format("item/folder{:o}/inside", mode), "content");
@@ -106,7 +108,7 @@ TEST_F(MovedTree, PermissionsStayBitForBit) {
     }
     setMode(source.path("item"), 03750);
     if (geteuid() != 0) {
-        for (const mode_t unreadable : {0000, 0200, 0111})
+        for (const auto unreadable : std::initializer_list<mode_t>{0000, 0200, 0111})
             fs::remove(source.path(fmt::format("item/file{:o}", unreadable)));
     }
     expectMovesWhole();
