@@ -1,6 +1,7 @@
 option(VELTO_TESTS "Build the unit tests" ON)
 set(VELTO_TEST_FOLDERS "" CACHE STRING "Folders whose unit tests are built; empty for all")
 option(VELTO_BENCH "Build the benchmarks" OFF)
+option(VELTO_FUZZ "Build the fuzz targets, with clang, and none of the tests" OFF)
 set(VELTO_SANITIZE "" CACHE STRING "Value of -fsanitize= for everything built here")
 
 set(CMAKE_CXX_STANDARD 23)

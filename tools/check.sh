@@ -57,6 +57,14 @@ run_checks() {
     say "Static analysis (clang-tidy)"
     run_clang_tidy || failed+=(clang-tidy)
 
+    if on_mac; then
+        say "Fuzzing: skipped, the fuzzers are built for Linux only"
+    else
+        build_fuzzers
+        say "Fuzzing (half a minute each)"
+        fuzz_for 30 || failed+=(fuzz)
+    fi
+
     [ ${#failed[@]} -eq 0 ] || fail "these checks failed: ${failed[*]}"
     say "All checks passed"
 }

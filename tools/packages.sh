@@ -8,13 +8,14 @@ debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-them
 debian_test=("${debian_display[@]}" xdotool chromium-headless-shell clang procps strace systemd
     btrfs-progs)
 debian_check=(clang clang-format clang-tidy shellcheck)
+debian_fuzz=(clang libclang-rt-dev llvm)
 debian_bench=("${debian_display[@]}" time ncdu gdu jdupes fdupes rmlint)
 
 mac_build=(cmake ninja pkgconf ccache fmt nlohmann-json googletest google-benchmark)
 mac_check=(clang-format llvm shellcheck)
 mac_bench=(ncdu gdu jdupes fdupes)
 
-# need_packages TASK: installs what is missing for build, display, test, check or bench.
+# need_packages TASK: installs what is missing for build, display, test, check, fuzz or bench.
 need_packages() {
     local -a wanted=()
     if on_mac; then
@@ -30,6 +31,7 @@ need_packages() {
             display) wanted=("${debian_display[@]}") ;;
             test) wanted=("${debian_test[@]}") ;;
             check) wanted=("${debian_check[@]}") ;;
+            fuzz) wanted=("${debian_fuzz[@]}") ;;
             bench) wanted=("${debian_bench[@]}") ;;
         esac
         install_with_apt "${wanted[@]}"
