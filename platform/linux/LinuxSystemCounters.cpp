@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "platform/linux/kernel_file.h"
 #include "platform/linux/memory_counters.h"
@@ -25,6 +26,7 @@ int processorsIn(std::string_view stat) {
 /// The memory that compressed swap takes: the third number of each mm_stat
 /// (Documentation/admin-guide/blockdev/zram.rst of the kernel).
 std::int64_t zramIn(const std::string& sys) {
+    constexpr std::uint64_t mostBytes = std::uint64_t{1} << 50;  // of a device: no machine has more
     std::int64_t bytes = 0;
     const std::string devices = sys + "/block/";
     for (const std::string& name : kernelNames(devices)) {
@@ -34,7 +36,7 @@ std::int64_t zramIn(const std::string& sys) {
         std::string_view rest = *text;
         nextWord(rest);
         nextWord(rest);
-        bytes += static_cast<std::int64_t>(unsignedNumber(nextWord(rest)));
+        bytes += static_cast<std::int64_t>(std::min(unsignedNumber(nextWord(rest)), mostBytes));
     }
     return bytes;
 }
@@ -75,7 +77,7 @@ double LinuxSystemCounters::loadAverage() {
     const auto line = kernelLine(proc_ + "/loadavg");
     double load = 0;
     if (line) std::from_chars(line->data(), line->data() + line->size(), load);  // else 0
-    return load;
+    return std::isfinite(load) ? load : 0;
 }
 
 std::optional<MemoryCounters> LinuxSystemCounters::memory() {

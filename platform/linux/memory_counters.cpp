@@ -10,6 +10,8 @@ namespace velto {
 namespace {
 
 constexpr std::int64_t bytesPerKilobyte = 1024;  // proc_meminfo(5) says kB and means KiB
+// More than any machine has, and little enough for some of them to be added up.
+constexpr std::uint64_t mostKilobytes = std::uint64_t{1} << 50;
 
 // Percent of the last ten seconds. Above the first, some work waited for memory: the machine is
 // slower than it could be. Above the second nothing at all went on meanwhile.
@@ -24,8 +26,8 @@ public:
             std::string_view name = nextWord(line);
             if (!name.ends_with(':')) continue;
             name.remove_suffix(1);
-            bytes_[name] =
-                static_cast<std::int64_t>(unsignedNumber(nextWord(line))) * bytesPerKilobyte;
+            const std::uint64_t count = std::min(unsignedNumber(nextWord(line)), mostKilobytes);
+            bytes_[name] = static_cast<std::int64_t>(count) * bytesPerKilobyte;
         }
     }
 

@@ -28,6 +28,13 @@ bool hasAdapter(const std::string& supplies) {
     return false;
 }
 
+/// Nothing for what no battery holds; no sum or difference of two amounts leaves its range.
+std::optional<std::int64_t> amountIn(const std::string& file) {
+    constexpr std::int64_t most = 1'000'000'000'000'000;
+    const auto number = kernelNumber(file);
+    return number && *number >= -most && *number <= most ? number : std::nullopt;
+}
+
 /// Charge and flow in one unit: energy (µWh, µW) or charge (µAh, µA).
 struct Charge {
     std::int64_t now = 0;
@@ -38,11 +45,11 @@ struct Charge {
 std::optional<Charge> chargeOf(const std::string& folder) {
     for (const auto& [kind, flow] :
          {std::pair("/energy", "/power_now"), {"/charge", "/current_now"}}) {
-        const auto now = kernelNumber(folder + kind + "_now");
-        const auto full = kernelNumber(folder + kind + "_full");
+        const auto now = amountIn(folder + kind + "_now");
+        const auto full = amountIn(folder + kind + "_full");
         if (!now || !full || *full <= 0) continue;
         // Some drivers count what leaves the battery as negative.
-        return Charge{*now, *full, std::abs(kernelNumber(folder + flow).value_or(0))};
+        return Charge{*now, *full, std::abs(amountIn(folder + flow).value_or(0))};
     }
     return std::nullopt;
 }
@@ -60,7 +67,7 @@ std::int64_t estimate(const std::string& file, std::int64_t computed) {
 
 void readCharge(const std::string& folder, BatteryCounters& battery) {
     const auto charge = chargeOf(folder);
-    if (const auto percent = kernelNumber(folder + "/capacity")) {
+    if (const auto percent = amountIn(folder + "/capacity")) {
         battery.current = *percent;
         battery.maximum = 100;
     } else if (charge) {
