@@ -13,9 +13,10 @@ namespace {
 
 using Reason = UnsafeFolder::Reason;
 
-// What is opened where it is, beside the trash folder and the files of the data folder.
-constexpr std::array<std::string_view, 4> openedInPlace{"Trash.lock", "Trash.journal",
-                                                        "history.json.lock", "cloud.json.lock"};
+// What the trash, the history and the cloud folder cannot do without. In the place of any other
+// file a folder only means that nothing is remembered.
+constexpr std::array<std::string_view, 5> neededPlaces{
+    "Trash.lock", "Trash.journal", "Trash/manifest.json", "history.json.lock", "cloud.json.lock"};
 
 std::string targetOf(const FileManager& files, const std::string& link) {
     try {
@@ -77,7 +78,7 @@ void prepareData(const Platform& platform) {
     close(*platform.log, layout.dataFolder);
     for (const std::string& folder : {layout.dataFolder, layout.trashFolder})
         tidy(*platform.log, folder);
-    for (const std::string_view name : openedInPlace)
+    for (const std::string_view name : neededPlaces)
         clearWay(*platform.log, fmt::format("{}/{}", layout.dataFolder, name));
     sweep(*platform.log, layout.agentsFolder);  // shared with other programs
 }

@@ -10,9 +10,9 @@
 namespace velto {
 
 /// Makes the data folder, for the user alone, and takes from other users what they may do in it and
-/// in the folder of the settings. Removes what cut-off saves have left there, and what stands in
-/// the way of the locks. Each thing mended is a log line. To run before anything else is read or
-/// written there.
+/// in the folder of the settings. Removes what cut-off saves have left there, and puts aside what
+/// stands in the place of files that the trash cannot do without. Each thing mended is a log line.
+/// To run before anything else is read or written there.
 ///
 /// Returns why the program must not go on: what another user could have put there would be
 /// believed, or the folder is a link, through which a folder elsewhere would be emptied. A folder

@@ -41,9 +41,9 @@ bool makeOwnFolder(const std::string& path, FileCalls& calls = systemFileCalls()
 std::vector<std::string> closeToOthers(const std::string& folder,
                                        FileCalls& calls = systemFileCalls());
 
-/// Lets a file be opened or made at a path in a folder of the user's own: a link, a pipe or another
-/// user's file in its place is removed, and a folder put aside under a name that begins with its
-/// own. True when something was in the way. Throws FileError.
+/// Lets a file be opened or made at a path in a folder of the user's own: a folder, a link, a pipe
+/// or another user's file in its place is put aside, under a name that begins with its own. True
+/// when something was in the way. Throws FileError.
 bool makeWay(const std::string& path, FileCalls& calls = systemFileCalls());
 
 /// Whether it is the name of a temporary file of `FileManager::writeAtomically`.

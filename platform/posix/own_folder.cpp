@@ -107,10 +107,6 @@ bool makeWay(const std::string& path, FileCalls& calls) {
     struct stat status;
     if (calls.stat(AT_FDCWD, path.c_str(), status) != 0) return false;
     if (S_ISREG(status.st_mode) && isOwn(status)) return false;
-    if (!S_ISDIR(status.st_mode)) {
-        if (calls.remove(AT_FDCWD, path.c_str(), 0) != 0) throw FileError("remove", path, errno);
-        return true;
-    }
     const std::string aside = fmt::format("{}.aside-{}", path, newUUID());
     if (calls.rename(AT_FDCWD, path.c_str(), AT_FDCWD, aside.c_str()) != 0) {
         throw FileError("move", path, errno);

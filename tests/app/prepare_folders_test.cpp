@@ -112,6 +112,7 @@ TEST_F(PrepareFolders, WhatCutOffSavesHaveLeftGoesAndWhatBlocksTheLocksIsPutAsid
         machine.home.text(place + "other", "kept");
     }
     machine.home.text(folder + "Trash.journal/inside", "kept");
+    machine.home.text(folder + "Trash/manifest.json/inside", "kept");
     machine.home.link(folder + "Trash.lock", "other");
     EXPECT_FALSE(prepareOwnFolders(machine.platform));
     for (const std::string& place : {folder, folder + "Trash/", std::string(".config/velto/"),
@@ -121,6 +122,7 @@ TEST_F(PrepareFolders, WhatCutOffSavesHaveLeftGoesAndWhatBlocksTheLocksIsPutAsid
     }
     EXPECT_FALSE(machine.home.exists(folder + "Trash.journal"));
     EXPECT_FALSE(machine.home.exists(folder + "Trash.lock"));
+    EXPECT_FALSE(machine.home.exists(folder + "Trash/manifest.json"));
     bool isKept = false;
     for (const std::string& name : machine.platform.files->list(data)) {
         if (!name.starts_with("Trash.journal.aside-")) continue;
