@@ -172,8 +172,9 @@ ToolResult PosixToolRunner::run(const std::string& path,
         status = waitFor(child.process, WNOHANG);
         if (isOpen) isOpen = drain(pipe, result.standardError) == ReadEnd::open;
     }
-    child.standardError = Descriptor();
+    // Before the pipe is closed, which would end a tool that writes in its own way.
     if (!status) kill(child.process, SIGKILL);
+    child.standardError = Descriptor();
     result.exitStatus = exitStatusOf(status ? *status : *waitFor(child.process, 0));
     return result;
 }

@@ -115,7 +115,7 @@ TEST_F(Forged, WhatComesBackBearsTheNameThatThePageShows) {
 }
 
 TEST_F(Forged, NamesThatAreNoNamesReachNothing) {
-    for (const auto& [id, name, operationID] : std::vector<std::array<std::string, 3>>{
+    for (const std::array<std::string, 3>& forged : std::vector<std::array<std::string, 3>>{
              {"..", "x", "opX"},
              {"itAAAAAAAA", "../../../../Documents", "opX"},
              {"it/../../x", "thesis", "opX"},
@@ -123,6 +123,9 @@ TEST_F(Forged, NamesThatAreNoNamesReachNothing) {
              {"itAAAAAAAA", "evil.desktop", "../../Velto/Trash/opX"},
              {"itAAAAAAAA", "evil.desktop", "."},
              {"", "", ""}}) {
+        const std::string& id = forged[0];
+        const std::string& name = forged[1];
+        const std::string& operationID = forged[2];
         SCOPED_TRACE(id + " " + name + " " + operationID);
         writeManifest(json::array({item(world.home("Documents/" + name), name, id, operationID)}));
         tryTo([&] { trash().restore(id); });
@@ -141,7 +144,6 @@ struct ForgedEntry {
     json ids;
     std::optional<json> steps = std::nullopt;
 };
-void PrintTo(const ForgedEntry& entry, std::ostream* stream) { *stream << entry.name; }
 
 TEST_F(Forged, AJournalDeletesAndPlantsNothing) {
     const auto evil = [&](const std::string& path) { return json::array({item(path)}); };

@@ -81,7 +81,7 @@ TEST_F(SystemIntents, ASampleForABridgeThatIsGoneGoesNowhere) {
     post("systemWatch", {{"on", true}});
     machine.queue->advance(0.4);
     bridge.reset();
-    machine.dispatcher.runMain();
+    machine.dispatcher.runAll();
     EXPECT_TRUE(page->calls("onSystem").empty());
     EXPECT_TRUE(machine.queue->timers.empty());
 }

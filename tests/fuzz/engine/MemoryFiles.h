@@ -34,9 +34,12 @@ public:
         if (!exists(path)) throw FileError("resolve", path, ENOENT);
         return path;
     }
-    std::string read(const std::string& path) const override {
+    std::string read(const std::string& path, const ReadLimit& limit) const override {
         const auto found = files_.find(path);
         if (found == files_.end()) throw FileError("read", path, ENOENT);
+        if (static_cast<std::int64_t>(found->second.size()) > limit.bytes) {
+            throw RefusedFile("read", path, EFBIG);
+        }
         return found->second;
     }
     void writeAtomically(const std::string& path, std::string_view content) override {

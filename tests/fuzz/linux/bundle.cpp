@@ -16,6 +16,7 @@ namespace velto::fuzz {
 namespace {
 
 constexpr const char* application = "Applications/Foobar.app/";
+constexpr const char* noWorker = "";  // pictures have a target of their own
 
 /// Where a leftover may be proposed: below a folder of applications' own things, or the bundle.
 bool isInReach(const std::string& path, const HomeLayout& layout) {
@@ -56,7 +57,7 @@ void judge(std::string_view input) {
         }
     }
     Platform& platform = world.platform;
-    platform.icons = std::make_unique<LinuxIcons>(*platform.files);
+    platform.icons = std::make_unique<LinuxIcons>(*platform.files, noWorker);
     world.machine.tools.result = {.started = true,
                                   .standardError = sectionOf(sections, "codesign")};
     AppUsage usage(platform);

@@ -1,6 +1,6 @@
-#include "fuzz/engine/MemoryFiles.h"
 #include "fuzz/engine/Target.h"
 #include "platform/linux/LinuxIcons.h"
+#include "platform/linux/icon_worker/draw_picture.h"
 
 namespace velto::fuzz {
 namespace {
@@ -13,11 +13,8 @@ void judge(std::string_view input) {
     require(inside.empty() || (inside.data() >= input.data() &&
                                inside.data() + inside.size() <= input.data() + input.size()),
             "a picture lies in its file");
-    MemoryFiles files;
-    files.put("/picture", input);
-    const auto url = LinuxIcons(files).pngDataURL("/picture", pixels);
-    require(!url || url->starts_with("data:image/png;base64,iVBORw0KGgo"),
-            "what comes out is a PNG");
+    const std::string drawn = drawPicture(inside.empty() ? input : inside, pixels);
+    require(drawn.empty() || drawn.starts_with("\x89PNG\r\n"), "what comes out is a PNG");
 }
 
 const Registration registered("icon", judge);

@@ -4,10 +4,17 @@
 
 #include <cstddef>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define VELTO_SANITIZED_HEAP
+#endif
+#endif
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define VELTO_SANITIZED_HEAP
+#endif
+#ifdef VELTO_SANITIZED_HEAP
 // Both sanitizers have it; GCC comes without the header that says so.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();  // NOLINT: their name
-#define VELTO_SANITIZED_HEAP
 #endif
 
 namespace velto {
