@@ -26,7 +26,7 @@ FailureText blockedText(const ReturnBlocked& error, const std::string& home) {
 
 std::string shownPath(const std::string& path, const std::string& home) {
     const bool isInHome = path != home && isAtOrBelow(path, home);
-    return validUtf8(isInHome ? "~" + path.substr(home.size()) : path);
+    return validUtf8(isInHome ? fmt::format("~{}", path.substr(home.size())) : path);
 }
 
 FailureText failureText(const std::exception& error, const std::string& home) {

@@ -12,7 +12,7 @@ foreach(suite IN LISTS suites)
     set(name "${PREFIX}${suite}")
     string(APPEND script
         "add_test([[${name}]] ${launcher} [[${PROGRAM}]] [[--gtest_filter=${suite}.*]])\n"
-        "set_tests_properties([[${name}]] PROPERTIES LABELS [[${LABEL}]] ENVIRONMENT [[${ENVIRONMENT}]] WORKING_DIRECTORY [[${FOLDER}]])\n")
+        "set_tests_properties([[${name}]] PROPERTIES LABELS [[${LABEL}]] ENVIRONMENT \"TSAN_OPTIONS=suppressions=${SUPPRESSIONS}/tsan_suppressions.txt;LSAN_OPTIONS=suppressions=${SUPPRESSIONS}/lsan_suppressions.txt:print_suppressions=0\" WORKING_DIRECTORY [[${FOLDER}]])\n")
 endforeach()
 if(script STREQUAL "")
     message(FATAL_ERROR "${PROGRAM} has no tests")

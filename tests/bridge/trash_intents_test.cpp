@@ -117,7 +117,7 @@ TEST_F(TrashIntents, AReasonWithAFileNameNeverBecomesScript) {
     machine.home.text(folder, "a file where the folder was");
     ask("restoreItem", trash.items().front().id);
     const std::string script = page->calls("toast").back();
-    EXPECT_THAT(script, HasSubstr("\"Couldn't restore\", \"could not "));
+    EXPECT_THAT(script, HasSubstr("\"Couldn't restore\", \"“file” is still in Velto Trash: “"));
     EXPECT_THAT(script, HasSubstr("a/\\\");alert(1); "));
     EXPECT_THAT(script, Not(HasSubstr("\n")));
     EXPECT_THAT(script, Not(HasSubstr("\\\\")));

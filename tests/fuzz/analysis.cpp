@@ -14,7 +14,7 @@ void judge(std::string_view input) {
     files.put(cache.location(), input);
     const auto entry = cache.load();
     if (!entry) return;
-    const auto script = events::bootstrap(entry->state, entry->ts);
+    const auto script = events::setState(entry->state, entry->ts);
     require(script && script->find('\n') == std::string::npos, "it is shown, on one line");
     require(events::setState(entry->state, entry->ts).has_value(), "it is sent to the page");
     cache.save(entry->state, entry->ts);

@@ -28,7 +28,9 @@ struct World : ConfinedMachine {
         home.text("Downloads/viejo.dmg", "old");
         home.text("Documents/plan/uno.txt", "one");
         // What is walked is made up: no message makes the test read the machine's own disk.
-        platform.directories = std::make_unique<FakeDirectoryReader>();
+        auto directories = std::make_unique<FakeDirectoryReader>();
+        directories->folder(home.path());
+        platform.directories = std::move(directories);
         platform.contents = std::make_unique<FakeFileContents>();
         bridge = std::make_shared<JSBridge>(BridgeContext{.platform = platform,
                                                           .settings = settings,
