@@ -1,6 +1,6 @@
 // The floor for the program's start: a GTK window with a web view and an empty page, nothing else.
 // Writes "painted" to standard error when the page's second frame begins (the first one is then on
-// screen) and ends. The empty page is loaded from a file, as the program's page is.
+// screen) and ends. The empty page is loaded from a file, the engine's own shortest way.
 
 #include <gtk/gtk.h>
 #include <webkit/webkit.h>

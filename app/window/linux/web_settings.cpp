@@ -9,12 +9,12 @@ namespace {
 
 /// Of the engine's features those that open connections ahead of use or past a page's policy, run
 /// scripts beside the page, or keep more than its choices. An engine that lacks one has it off.
-constexpr std::array<std::string_view, 20> unwantedFeatures{
-    "BeaconAPI",     "BroadcastChannel", "CacheAPI",          "GeolocationAPI",
-    "IndexedDBAPI",  "LinkDNSPrefetch",  "LinkPreconnect",    "LinkPreconnectEarlyHints",
-    "LinkPrefetch",  "LinkPreload",      "LinkModulePreload", "NotificationEvent",
-    "Notifications", "PeerConnection",   "PushAPI",           "ServiceWorkers",
-    "SharedWorker",  "StorageAPI",       "WebSocket",         "WebTransport"};
+constexpr std::array<std::string_view, 19> unwantedFeatures{
+    "BeaconAPI",      "BroadcastChannel", "CacheAPI",          "GeolocationAPI",
+    "IndexedDBAPI",   "LinkDNSPrefetch",  "LinkPreconnect",    "LinkPreconnectEarlyHints",
+    "LinkPrefetch",   "LinkPreload",      "NotificationEvent", "Notifications",
+    "PeerConnection", "PushAPI",          "ServiceWorkers",    "SharedWorker",
+    "StorageAPI",     "WebSocket",        "WebTransport"};
 
 void switchFeaturesOff([[maybe_unused]] WebKitSettings* settings) {
 #if WEBKIT_CHECK_VERSION(2, 42, 0)  // older engines do not name their features

@@ -68,7 +68,11 @@ export function copyPaths(paths: string[]): void {
     event.preventDefault();
     event.stopPropagation();
   };
-  document.addEventListener('copy', fill, { capture: true, once: true });
+  // Where nothing is selected WebKit copies only when somebody has announced to fill the clipboard.
+  const announce = (event: Event) => event.preventDefault();
+  document.addEventListener('beforecopy', announce, { capture: true });
+  document.addEventListener('copy', fill, { capture: true });
   document.execCommand('copy');
   document.removeEventListener('copy', fill, { capture: true });
+  document.removeEventListener('beforecopy', announce, { capture: true });
 }

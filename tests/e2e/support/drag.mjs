@@ -7,7 +7,8 @@ const source = process.env.DRAG_SOURCE ?? 'build/release/tests/drag_source';
 
 /**
  * Shows a small window in the display's right corner that `what` can be dragged from (`kind`: "file",
- * "link" or "text"), drags it to `x`, `y` and lets it go. Resolves to "dropped" or "refused".
+ * "link" or "text"), drags it to `x`, `y` and lets it go. Resolves to "dropped", "refused", or "unanswered" when
+ * the window that it was let go on says nothing for a while.
  */
 export async function drag(t, desktop, kind, what, x, y) {
   const env = { ...process.env, ...desktop.variables };
@@ -57,7 +58,7 @@ export async function drag(t, desktop, kind, what, x, y) {
     await pause(100);
   }
   await desktop.input('mouseup', 1);
-  const end = await until(['dropped', 'refused']);
+  const end = await until(['dropped', 'refused'], 10_000).catch(() => 'unanswered');
   await stopChild(child);
   return end;
 }

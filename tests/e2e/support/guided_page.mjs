@@ -13,14 +13,14 @@ let told = '';
 const clean = (text) => text.replace(/\\s+/g, ' ').trim();
 function look() {
   const controls = [];
-  for (const element of document.querySelectorAll('button, [role="row"][data-key] > .tick')) {
+  for (const element of document.querySelectorAll('button, [data-search], [role="row"][data-key] > .tick')) {
     const { left, top, width, height } = element.getBoundingClientRect();
     const [x, y] = [left + width / 2, top + height / 2];
     const hit = document.elementFromPoint(x, y);
     if (!hit || !(element.contains(hit) || hit.contains(element))) continue;
     const row = element.closest('[role="row"]');
     const label = document.getElementById(element.getAttribute('aria-labelledby'));
-    const name = element.matches('button')
+    const name = element.matches('button, [data-search]')
       ? clean(element.getAttribute('aria-label') ?? (label ?? element).textContent)
       : 'tick ' + row.dataset.key;
     controls.push({ name, x, y, off: element.ariaDisabled === 'true' || element.disabled === true,

@@ -4,7 +4,7 @@ import { mkdirSync, symlinkSync, writeFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { once } from 'node:events';
 import { join } from 'node:path';
-import { atEnd, temporaryFolder } from './home.mjs';
+import { Home, atEnd, temporaryFolder } from './home.mjs';
 import { bundleName, desktopFor, programWith, start } from './velto.mjs';
 
 /** Sent by every hostile document, and by nobody else. */
@@ -64,6 +64,7 @@ const gets = (name, properties) => new Promise((resolve) => {
 });
 const refused = (promise) => promise.then(() => 'allowed', () => 'refused');
 addEventListener('load', async () => {
+  const own = location.href;
   if (sessionStorage.getItem('reloaded')) return report('reloaded', document.documentElement.dataset.platform);
   for (const [name, attack] of Object.entries(attacks)) {
     report('begin', name);
@@ -76,7 +77,7 @@ addEventListener('load', async () => {
     await soon(100);
     report(name, found ?? null);
   }
-  history.replaceState(null, '', '/index.html');
+  history.replaceState(null, '', own);
   sessionStorage.setItem('reloaded', 'yes');
   location.reload();
 });
@@ -136,3 +137,15 @@ export async function attacked(t, home, attacks, { variables, through = [], limi
 export const heard = (velto) => velto.lines
   .filter((one) => one.includes('Velto ▶ intención: ') && one.includes(mark)).length;
 
+/** A home with nothing in it. */
+export const bareHome = (t) => new Home(t, { layout: 'freedesktop' });
+
+/** The program's line for what a page tells as an intent named "watch". */
+export const watch = (what) => `Velto ▶ intención: watch payload: "${what}"`;
+
+/** Waits until the program has said that it has refused to go to each of these addresses. */
+export async function saysRefused(velto, addresses) {
+  for (const address of addresses) {
+    await velto.waitFor(`Velto ▶ navegación rechazada: ${address}`, { limit: 10_000 });
+  }
+}
