@@ -190,7 +190,8 @@ void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& opera
 /// it came from, or one that the user has chosen.
 bool TrashRecovery::isStepsTarget(const TrashItem& item, const std::string& target) const {
     guard_.judgeReturn(target);
-    return isRestoredName(lastPathComponent(target), item.name);
+    return isScratchName(scratchName(item.id)) &&
+           isRestoredName(lastPathComponent(target), item.name);
 }
 
 /// Only what the lists hold, each by its id: an entry that names nothing means nothing.

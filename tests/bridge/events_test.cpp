@@ -6,6 +6,8 @@
 #include <clocale>
 #include <limits>
 
+#include "bridge/CleanupOutcome.h"
+
 namespace velto {
 namespace {
 
@@ -60,6 +62,10 @@ TEST(Events, PermissionsAndListsAreJson) {
     EXPECT_EQ(events::trashChanged(0),
               "window.velto && window.velto.onTrashChanged && "
               "window.velto.onTrashChanged(0.0);");
+    EXPECT_EQ(events::restoreBlocked({.itemID = "itA1B2C3D4", .obstacle = "/h/a \"b\""}),
+              "window.velto && window.velto.onRestoreBlocked && "
+              "window.velto.onRestoreBlocked({\"id\":\"itA1B2C3D4\","
+              "\"path\":\"/h/a \\\"b\\\"\"});");
     EXPECT_EQ(events::cleanables({{.ruleID = "caches",
                                    .path = "/h/c",
                                    .gb = 0.31,

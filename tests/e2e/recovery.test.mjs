@@ -1,7 +1,7 @@
 // Cleaning, putting back and deleting for good: all by clicking in the page, and looked up on the
 // disk.
 import assert from 'node:assert/strict';
-import { readdirSync } from 'node:fs';
+import { readdirSync, renameSync, symlinkSync } from 'node:fs';
 import { test } from 'node:test';
 import { furnishedHome, Home, MB } from './support/home.mjs';
 import { openGuided } from './support/guided_page.mjs';
@@ -108,6 +108,30 @@ test('what comes back finds its place taken and stands beside it', async (t) => 
   await page.sees('Velto Trash is empty');
   assert.equal(home.read('Desktop/archive.zip'), 'a new one');
   assert.ok(home.has('Desktop/archive (restaurado 1).zip'));
+});
+
+test('what cannot go back to its place says why, and goes to a folder of the user\'s choice', async (t) => {
+  const home = furnishedHome(t).withAccess();
+  const page = await openGuided(t, home);
+  await page.click('Large files');
+  await page.tick(home.at('Desktop/archive.zip'));
+  await page.click('Move to Velto Trash');
+  await page.sees('Removed');
+  renameSync(home.at('Desktop'), home.at('Desktop of before'));
+  symlinkSync(home.at('Music'), home.at('Desktop'));
+  await page.click('Velto Trash');
+  await page.click('Put back: archive.zip');
+  await page.sees('“archive.zip” is still in Velto Trash: “~/Desktop” is a link now.');
+  await page.sees('Desktop is a link now, or no folder any more.');
+  assert.ok(!home.has('Music/archive.zip'), 'the link is not followed');
+  assert.equal(held(home).length, 1);
+
+  await page.click('Restore to another folder: archive.zip…');
+  await page.desktop.chooseFolder('Restore “archive.zip” to another folder', home.at('Pictures/2019'));
+  await page.sees('Restored “archive.zip” is in ~/Pictures/2019 now.');
+  await page.sees('Velto Trash is empty');
+  assert.ok(home.has('Pictures/2019/archive.zip'));
+  assert.deepEqual(manifest(home), { items: [], operations: [] });
 });
 
 test('deleting for good and emptying ask first, and then free the space', async (t) => {

@@ -125,6 +125,16 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
       await this.input('mousemove', x, y, 'click', 1);
     },
 
+    /** Answers the dialog of this title, which asks for a folder, by typing the folder's path. */
+    async chooseFolder(title, folder) {
+      // No window manager gives the keyboard to a window that opens.
+      const pattern = `^${title}$`;
+      await this.input('search', '--sync', '--onlyvisible', '--name', pattern, 'windowfocus', '--sync');
+      await this.input('key', 'ctrl+l');
+      await this.input('type', '--delay', '20', folder);
+      await this.input('key', 'Return');
+    },
+
     async stop() {
       await bus.stop();
       await stopChild(server);
