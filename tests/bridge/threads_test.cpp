@@ -8,6 +8,9 @@ namespace {
 struct Threads : BridgeFixture {
     ThreadDispatcher& threads = install<ThreadDispatcher>(machine.platform.dispatcher);
 
+    // The monitor of a window that closes ends on another thread.
+    Threads() { machine.platform.makeQueue = makeSerialQueue; }
+
     void fillHome() {
         for (int folder = 0; folder < 20; ++folder) {
             for (int file = 0; file < 20; ++file) {
@@ -45,6 +48,19 @@ TEST_F(Threads, ClosingTheWindowDuringAnAnalysisEndsIt) {
     bridge.reset();
     page.reset();
     EXPECT_TRUE(task.isCancelled());
+    threads.join();
+}
+
+TEST_F(Threads, AWindowThatIsClosedAndOpenedAgainDuringLiveSamplingSharesTheMachineWithItself) {
+    machine.platform.activity.set(true);
+    open();
+    for (int window = 0; window < 3; ++window) {
+        page->scripts.clear();
+        post("systemWatch", {{"on", true}});
+        threads.runMainUntil([&] { return count("onSystem") > 0; });
+        bridge.reset();  // its monitor may be at its last sample while the next takes its first
+        openAnother();
+    }
     threads.join();
 }
 
@@ -101,6 +117,8 @@ TEST_F(Threads, AWindowClosedInTheMiddleOfACleanupLosesNothing) {
 /// The same with applications; the queues of `AppsFixture` are real here too.
 struct AppThreads : AppsFixture {
     ThreadDispatcher& threads = install<ThreadDispatcher>(machine.platform.dispatcher);
+
+    AppThreads() { machine.platform.makeQueue = makeSerialQueue; }
 
     std::vector<std::string> applications(int count) {
         std::vector<std::string> paths;
