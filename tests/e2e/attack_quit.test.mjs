@@ -98,7 +98,7 @@ test('whoever keeps the trash for himself keeps nobody from leaving', async (t) 
   const home = new Home(t);
   home.text('Downloads/a.txt', 'something to remove\n').folder(home.dataFolder);
   for (const name of ['Trash.lock', 'history.json.lock', 'cloud.json.lock']) {
-    const holder = startChild('flock', [home.at(home.data(name)), 'sh', '-c', 'echo held; exec sleep 600'], {
+    const holder = startChild('flock', ['--no-fork', home.at(home.data(name)), 'sh', '-c', 'echo held; exec sleep 600'], {
       stdio: ['ignore', 'pipe', 'ignore'],
     });
     atEnd(t, () => holder.kill('SIGKILL'));
