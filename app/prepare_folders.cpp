@@ -37,7 +37,7 @@ std::string linkText(const std::string& path, const Platform& platform,
             "the data folder {} is a link (to {}), and Velto keeps nothing behind a link. Nothing "
             "was touched. To go on, remove the link and move the folder that it leads to into its "
             "place.")),
-        path, target);
+        singleLine(path), singleLine(target));
     if (platform.layout.kind == HomeLayout::Kind::freedesktop) {
         text += language.text(
             " Para tenerla en otro disco, indica su carpeta superior con XDG_DATA_HOME.",
@@ -111,23 +111,25 @@ std::optional<UnsafeFolder> prepareOwnFolders(const Platform& platform) {
 std::string textOf(const UnsafeFolder& unsafe, const Platform& platform,
                    const AppLanguage& language) {
     if (unsafe.reason() == Reason::link) return linkText(unsafe.path(), platform, language);
-    const std::string_view text =
-        unsafe.reason() == Reason::otherOwner
-            ? language.text(
-                  "la carpeta {} pertenece a otro usuario, que decidiría lo que Velto "
-                  "borra. No se ha tocado nada. Apártala, o haz que vuelva a ser tuya "
-                  "(chown).",
-                  "the folder {} belongs to another user, who could decide what Velto "
-                  "deletes. Nothing was touched. Put it aside, or make it yours again "
-                  "(chown).")
-            : language.text(
-                  "otros usuarios pueden escribir en la carpeta {}, y ese permiso no se "
-                  "puede quitar. No se ha borrado nada. Apártala, o llévala a un disco "
-                  "con permisos.",
-                  "other users may write in the folder {}, and that permission cannot be "
-                  "taken away. Nothing was deleted. Put it aside, or move it to a disk "
-                  "that has permissions.");
-    return fmt::format(fmt::runtime(text), unsafe.path());
+    const std::string path = singleLine(unsafe.path());
+    if (unsafe.reason() == Reason::otherOwner) {
+        return fmt::format(
+            fmt::runtime(language.text(
+                "la carpeta {} pertenece a otro usuario, que decidiría lo que Velto borra. No se "
+                "ha tocado nada. Inicia Velto con la cuenta de ese usuario, aparta la carpeta o "
+                "haz que vuelva a ser tuya (chown).",
+                "the folder {} belongs to another user, who could decide what Velto deletes. "
+                "Nothing was touched. Start Velto as that user, put the folder aside, or make it "
+                "yours again (chown).")),
+            path);
+    }
+    return fmt::format(
+        fmt::runtime(language.text(
+            "otros usuarios pueden escribir en la carpeta {}, y ese permiso no se puede quitar. "
+            "No se ha borrado nada. Apártala, o llévala a un disco con permisos.",
+            "other users may write in the folder {}, and that permission cannot be taken away. "
+            "Nothing was deleted. Put it aside, or move it to a disk that has permissions.")),
+        path);
 }
 
 void requireOwnFolders(Platform& platform) {

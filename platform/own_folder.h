@@ -27,8 +27,9 @@ private:
 };
 
 /// Makes a folder of the program's own and its missing parents, for the user alone (0700) whatever
-/// the umask. One that is there already must be a real folder of the user's; whatever other users
-/// may do in it is taken from them. Links further up in the path are followed.
+/// the umask. One that is there already must be a real folder of the user's, or of the owner of the
+/// folder above it; whatever other users may do in it is taken from them. Links further up in the
+/// path are followed.
 ///
 /// True when other users had a way into it. Throws UnsafeFolder when it cannot be trusted, and
 /// FileError when it cannot be made or looked at. Like all here: blocking, and safe from every

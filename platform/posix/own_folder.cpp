@@ -12,6 +12,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
+#include "platform/posix/ownership.h"
 #include "platform/posix/same_state.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
@@ -37,8 +38,6 @@ const char* textOf(Reason reason) {
     return "";
 }
 
-bool isOwn(const struct stat& status) { return status.st_uid == ::geteuid(); }
-
 /// What stands at a name, as far as it can be a folder of the program's own.
 struct stat examined(FileCalls& calls, int parent, const std::string& name,
                      const std::string& path) {
@@ -46,7 +45,9 @@ struct stat examined(FileCalls& calls, int parent, const std::string& name,
     if (calls.stat(parent, name.c_str(), status) != 0) throw FileError("examine", path, errno);
     if (S_ISLNK(status.st_mode)) throw UnsafeFolder(Reason::link, path);
     if (!S_ISDIR(status.st_mode)) throw FileError("open folder", path, ENOTDIR);
-    if (!isOwn(status)) throw UnsafeFolder(Reason::otherOwner, path);
+    struct stat above;
+    if (calls.status(parent, above) != 0) throw FileError("examine", path, errno);
+    if (!isOwn(status, above)) throw UnsafeFolder(Reason::otherOwner, path);
     return status;
 }
 
@@ -89,7 +90,8 @@ std::vector<std::string> closeToOthers(const std::string& path, FileCalls& calls
     try {
         for (const std::string& name : namesIn(calls, folder.number(), path, "list")) {
             struct stat status;
-            if (calls.stat(folder.number(), name.c_str(), status) != 0 || !isOwn(status)) continue;
+            if (calls.stat(folder.number(), name.c_str(), status) != 0) continue;
+            if (status.st_uid != ::geteuid()) continue;  // not ours to change
             if (!S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)) continue;
             if ((status.st_mode & othersWriting) == 0) continue;
             const mode_t wanted = status.st_mode & 07777 & ~othersMode;
@@ -106,7 +108,7 @@ std::vector<std::string> closeToOthers(const std::string& path, FileCalls& calls
 bool makeWay(const std::string& path, FileCalls& calls) {
     struct stat status;
     if (calls.stat(AT_FDCWD, path.c_str(), status) != 0) return false;
-    if (S_ISREG(status.st_mode) && isOwn(status)) return false;
+    if (S_ISREG(status.st_mode) && isOwn(calls, status, path)) return false;
     const std::string aside = fmt::format("{}.aside-{}", path, newUUID());
     if (calls.rename(AT_FDCWD, path.c_str(), AT_FDCWD, aside.c_str()) != 0) {
         throw FileError("move", path, errno);

@@ -1,12 +1,13 @@
 #include "platform/posix/readable_file.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <optional>
+
+#include "platform/posix/ownership.h"
 
 namespace velto {
 namespace {
@@ -17,11 +18,12 @@ constexpr std::size_t pieceSize = 256 * 1024;
 bool isOwnOnly(const ReadLimit& limit) { return limit.from != ReadFrom::anyFile; }
 
 /// Why what stands there is not to be read, as an error number; nothing when it may be.
-std::optional<int> refusal(const struct stat& status, const ReadLimit& limit) {
+std::optional<int> refusal(FileCalls& calls, const struct stat& status, const std::string& path,
+                           const ReadLimit& limit) {
     if (S_ISDIR(status.st_mode)) return EISDIR;
     if (S_ISLNK(status.st_mode)) return ELOOP;
     if (!S_ISREG(status.st_mode)) return EINVAL;
-    if (isOwnOnly(limit) && status.st_uid != ::geteuid()) return EPERM;
+    if (isOwnOnly(limit) && !isOwn(calls, status, path)) return EPERM;
     if (status.st_size > limit.bytes) return EFBIG;
     return std::nullopt;
 }
@@ -32,7 +34,7 @@ std::optional<int> refusal(const struct stat& status, const ReadLimit& limit) {
                              int reason) {
     struct stat status;
     if (reason != ENOENT && calls.stat(AT_FDCWD, path.c_str(), status) == 0) {
-        const auto refused = refusal(status, limit);
+        const auto refused = refusal(calls, status, path, limit);
         const bool mayLead = S_ISLNK(status.st_mode) && limit.from != ReadFrom::ownFile;
         if (refused && !mayLead) throw RefusedFile(attempt, path, *refused);
     }
@@ -51,7 +53,8 @@ ReadableFile openReadable(FileCalls& calls, const std::string& path, const ReadL
     if (calls.status(file.descriptor.number(), file.status) != 0) {
         throw FileError(attempt, path, errno);
     }
-    if (const auto reason = refusal(file.status, limit)) throw RefusedFile(attempt, path, *reason);
+    const auto reason = refusal(calls, file.status, path, limit);
+    if (reason) throw RefusedFile(attempt, path, *reason);
     return file;
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixFileManager.h"
+#include "platform/posix/ownership.h"
 #include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
 #include "platform/values/text.h"
@@ -82,12 +83,7 @@ std::unique_ptr<FileLock> PosixFileManager::lock(const std::string& path, bool w
         throw FileError("lock", path, errno);
     }
     // Nobody else decides how long this program has to wait.
-    struct stat folder;
-    const std::string folderPath = parentFolder(path) + "/.";
-    if (status.st_uid != ::geteuid() && (calls_.stat(AT_FDCWD, folderPath.c_str(), folder) != 0 ||
-                                         folder.st_uid != status.st_uid)) {
-        throw FileError("lock", path, EPERM);
-    }
+    if (!isOwn(calls_, status, path)) throw FileError("lock", path, EPERM);
     if (!S_ISREG(status.st_mode)) throw FileError("lock", path, EINVAL);
     // Another user's holder could keep this one waiting. A failure leaves it as it was.
     if ((status.st_mode & 0777) != lockMode) calls_.changeMode(file.number(), lockMode);

@@ -165,6 +165,23 @@ for (const umask of ['000', '002', '077']) {
   });
 }
 
+test('what is made again after a reset from the page is for the user alone too', async (t) => {
+  const home = linuxHome(t);
+  const steps = [
+    { send: { type: 'resetVelto' }, ...until('toast') },
+    { quiet: 1000 },
+    { send: { type: 'addExclusion', payload: '/elsewhere' }, ...until('toast') },
+  ];
+  const velto = start(t, home, await desktopFor(t), {
+    file: '/bin/sh',
+    args: ['-c', 'umask 000; exec "$0"', programWith(temporaryFolder(t), probePage(steps))],
+  });
+  await played(velto);
+  await velto.stop();
+  assert.equal(modeOf(home.at(home.dataFolder)), 0o700);
+  assert.equal(modeOf(home.at(home.data('exclusions.json'))), 0o600);
+});
+
 test('folders that others could write are closed at every kind of start', async (t) => {
   const home = linuxHome(t);
   home.text(home.data('history.json'), '[]').text('.config/velto/settings.json', '{}');

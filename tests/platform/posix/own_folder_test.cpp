@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <initializer_list>
 
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/PosixFileManager.h"
@@ -28,6 +27,11 @@ public:
         if (foreign == name) status.st_uid = ::geteuid() + 1;
         return result;
     }
+    int status(int file, struct stat& status) override {
+        const int result = FileCalls::status(file, status);
+        if (isFolderAboveForeign) status.st_uid = ::geteuid() + 1;
+        return result;
+    }
     int changeMode(int folder, const char* name, mode_t mode) override {
         if (!hasPermissions) return 0;  // accepted, and without effect
         return FileCalls::changeMode(folder, name, mode);
@@ -35,6 +39,7 @@ public:
 
     std::string foreign;
     bool hasPermissions = true;
+    bool isFolderAboveForeign = false;
 };
 
 /// The permissions with which everything is made, for the length of a test.
@@ -74,7 +79,7 @@ struct OwnFolderTest : testing::Test {
 };
 
 TEST_F(OwnFolderTest, ANewFolderIsForTheUserAloneWhateverTheUmask) {
-    for (const auto mask : std::initializer_list<mode_t>{0000, 0002, 0022, 0077, 0277}) {
+    for (const mode_t mask : {0000, 0002, 0022, 0077, 0277}) {
         const Umask masked(mask);
         EXPECT_FALSE(makeOwnFolder(path));
         EXPECT_EQ(mode(path), 0700u) << mask;
@@ -124,6 +129,17 @@ TEST_F(OwnFolderTest, AnotherUsersFolderIsRefused) {
     calls.foreign = "Velto";
     EXPECT_EQ(flaw(), UnsafeFolder::Reason::otherOwner);
     EXPECT_EQ(mode(path), 0777u) << "not ours to change";
+}
+
+TEST_F(OwnFolderTest, OnAVolumeThatShowsAllAsSomebodyElsesTheFolderIsOurs) {
+    home.folder("share/Velto");
+    setMode(path, 0755);
+    calls.foreign = "Velto";
+    calls.isFolderAboveForeign = true;
+    calls.hasPermissions = false;
+    EXPECT_EQ(flaw(), std::nullopt);
+    setMode(path, 0777);
+    EXPECT_EQ(flaw(), UnsafeFolder::Reason::openToOthers);
 }
 
 TEST_F(OwnFolderTest, WhereOthersCannotBeKeptFromWritingTheFolderIsRefused) {

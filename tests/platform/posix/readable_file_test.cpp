@@ -37,12 +37,14 @@ public:
     }
 
     bool areForeign = false;
+    bool isFolderForeign = false;
     std::string growing;
     ssize_t bytesRead = 0;
 
 private:
     int changed(int result, struct stat& status) const {
-        if (areForeign) status.st_uid = ::geteuid() + 1;
+        const bool isFile = S_ISREG(status.st_mode);
+        if ((isFile && areForeign) || (!isFile && isFolderForeign)) status.st_uid = ::geteuid() + 1;
         return result;
     }
 };
@@ -147,13 +149,16 @@ TEST_F(ReadableFileTest, AnotherUsersFileIsNotOurs) {
     home.text("file", "content");
     calls.areForeign = true;
     expect("file", Answer::refused, Answer::refused, Answer::read);
+    calls.isFolderForeign = true;
+    expect("file", Answer::read, Answer::read, Answer::read);  // who has the folder has all in it
 }
 
 TEST_F(ReadableFileTest, AnotherUsersFileThatCannotBeOpenedIsNotOursEither) {
     if (::geteuid() != 0) GTEST_SKIP() << "only an administrator can become another user";
     home.text("closed", "content");
     ASSERT_EQ(chmod(home.path("closed").c_str(), 0600), 0);
-    ASSERT_EQ(chmod(home.path().c_str(), 0755), 0);
+    constexpr uid_t nobody = 65534;
+    ASSERT_EQ(chown(home.path().c_str(), nobody, nobody), 0);
     const auto isRefused = [&] {
         PosixFileManager plain;
         const auto read = [&] { plain.read(home.path("closed"), ownFile(bound)); };
