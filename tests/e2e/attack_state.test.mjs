@@ -148,7 +148,7 @@ for (const umask of ['000', '002', '077']) {
     const folder = temporaryFolder(t);
     const real = programWith(folder, probePage(cleanupAndBack(home)));
     const velto = start(t, home, desktop, {
-      file: '/bin/sh', args: ['-c', `umask ${umask}; exec "$0"`, real],
+      file: '/bin/sh', args: ['-c', `umask ${umask}; exec "$0" "$@"`, real],
     });
     await played(velto);
     await velto.stop();
@@ -174,7 +174,7 @@ test('what is made again after a reset from the page is for the user alone too',
   ];
   const velto = start(t, home, await desktopFor(t), {
     file: '/bin/sh',
-    args: ['-c', 'umask 000; exec "$0"', programWith(temporaryFolder(t), probePage(steps))],
+    args: ['-c', 'umask 000; exec "$0" "$@"', programWith(temporaryFolder(t), probePage(steps))],
   });
   await played(velto);
   await velto.stop();
