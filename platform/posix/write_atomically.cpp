@@ -69,10 +69,9 @@ void PosixFileManager::writeIn(int folder, const std::string& name, std::string_
     const TemporaryFile temporary = makeTemporary(calls_, folder);
     if (!temporary.file.isOpen()) fail(errno);
     const int file = temporary.file.number();
-    const bool written =
-        writeWhole(calls_, file, content) && setMode(calls_, folder, name, file) &&
-        calls_.sync(file) == 0 &&
-        calls_.replace(folder, temporary.name.c_str(), folder, name.c_str()) == 0;
+    const bool written = writeWhole(calls_, file, content) && setMode(calls_, folder, name, file) &&
+                         calls_.sync(file) == 0 &&
+                         calls_.replace(folder, temporary.name.c_str(), folder, name.c_str()) == 0;
     if (!written) {
         const int reason = errno;
         calls_.remove(folder, temporary.name.c_str(), 0);  // the old file stands as it was

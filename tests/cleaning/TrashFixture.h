@@ -138,7 +138,7 @@ public:
     }
 
     std::unique_ptr<FileVersion> openVersion(const std::string& path,
-                                              const ReadLimit& limit) override {
+                                             const ReadLimit& limit) override {
         if (!unreadable.empty() && path.ends_with(unreadable)) throw FileError("read", path, EIO);
         return PosixFileManager::openVersion(path, limit);
     }

@@ -98,7 +98,9 @@ struct SharedTrash {
     void prove() const {
         std::map<std::string, int> seen;
         const PosixFileManager disk;
-        const auto count = [&](const std::string& path) { ++seen[disk.read(path, anyFile(1 << 20))]; };
+        const auto count = [&](const std::string& path) {
+            ++seen[disk.read(path, anyFile(1 << 20))];
+        };
         for (const auto& entry : fs::directory_iterator(home.path("d")))
             count(entry.path());
         TrashProcess fresh(layout, clock);
