@@ -79,7 +79,7 @@ struct OwnFolderTest : testing::Test {
 };
 
 TEST_F(OwnFolderTest, ANewFolderIsForTheUserAloneWhateverTheUmask) {
-    for (const mode_t mask : {0000, 0002, 0022, 0077, 0277}) {
+    for (const auto mask : std::initializer_list<mode_t>{0000, 0002, 0022, 0077, 0277}) {
         const Umask masked(mask);
         EXPECT_FALSE(makeOwnFolder(path));
         EXPECT_EQ(mode(path), 0700u) << mask;
