@@ -3,6 +3,7 @@
 fuzz_kept=tests/fuzz/corpus     # in the repository; ./dev test replays it
 fuzz_grown=build/fuzz/corpus    # what the fuzzers have added on this machine
 fuzz_findings=build/fuzz/findings
+fuzz_leaks=suppressions=$root/tests/lsan_suppressions.txt:print_suppressions=0
 
 # run_fuzz MINUTES [TARGET...], or run_fuzz keep [TARGET...]
 run_fuzz() {
@@ -86,7 +87,8 @@ fuzz_one() {
     local -a limits
     read -ra limits <<<"$(fuzz_limits "$target")"
     local started=0
-    "$program" -max_total_time="$seconds" "${limits[@]}" -print_final_stats=1 \
+    LSAN_OPTIONS=$fuzz_leaks \
+        "$program" -max_total_time="$seconds" "${limits[@]}" -print_final_stats=1 \
         -dict="tests/fuzz/$target.dict" -artifact_prefix="$fuzz_findings/$target-" \
         "$fuzz_grown/$target" "$fuzz_kept/$target" >"$log" 2>&1 || started=$?
     if [ "$started" -eq 0 ]; then
@@ -101,7 +103,7 @@ fuzz_one() {
     {
         echo "    $target: a finding"
         grep -m 3 -e 'does not hold' -e 'ERROR: ' -e 'runtime error' "$log" | sed 's/^/        /'
-        echo "        again: $program ${limits[*]} ${input:-(no input; see ${log#"$root"/})}"
+        echo "        again: LSAN_OPTIONS=$fuzz_leaks $program ${limits[*]} ${input:-(no input; see ${log#"$root"/})}"
     } || true
     return 1
 }
@@ -115,7 +117,8 @@ keep_inputs() {
     for target in "$@"; do
         [ -d "$fuzz_grown/$target" ] || continue
         read -ra limits <<<"$(fuzz_limits "$target")"
-        quietly "keep-$target.log" "build/fuzz/tests/fuzz/fuzz_$target" -merge=1 "${limits[@]}" \
+        quietly "keep-$target.log" env LSAN_OPTIONS="$fuzz_leaks" \
+            "build/fuzz/tests/fuzz/fuzz_$target" -merge=1 "${limits[@]}" \
             "$fuzz_kept/$target" "$fuzz_grown/$target"
         echo "    $target: $(find "$fuzz_kept/$target" -type f | wc -l) kept"
     done
