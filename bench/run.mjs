@@ -11,7 +11,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'monitor', 'apps'];
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'removal', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -171,17 +171,31 @@ function duplicates() {
   table(results, 'velto');
 }
 
-function trash() {
-  const lines = output([program('bench_trash'), join(data, 'trash'), String(runs + 1)])
+/** The medians of the four columns that `name` prints in the folder of its own, after one line. */
+function medians(name) {
+  const lines = output([program(`bench_${name}`), join(data, name), String(runs + 1)])
     .trim().split('\n').slice(1);
-  const [few, many, load, parse] = [0, 1, 2, 3].map((column) =>
-    median(lines.map((line) => Number(line.split(' ')[column]))));
-  const milliseconds = (time) => `${time.toFixed(1)} ms`;
+  return [0, 1, 2, 3].map((column) => median(lines.map((line) => Number(line.split(' ')[column]))));
+}
+
+const milliseconds = (time) => `${time.toFixed(1)} ms`;
+
+function trash() {
+  const [few, many, load, parse] = medians('trash');
   console.log('\nThe trash, in one process');
   console.log(`undoing an operation: ${milliseconds(few)} with 1,000 files, ` +
     `${milliseconds(many)} with 10,000, ratio ${(many / few).toFixed(1)} (target: at most 12)`);
   console.log(`loading 100,000 items: ${milliseconds(load)}, parsing them alone ` +
     `${milliseconds(parse)}, ratio ${(load / parse).toFixed(2)} (target: at most 1 s)`);
+}
+
+function removal() {
+  const [move, rename, deletion, rm] = medians('removal');
+  console.log('\nRemoving, in one process');
+  console.log(`1,000 files to the trash: ${milliseconds(move)}, renaming them alone ` +
+    `${milliseconds(rename)}, ratio ${(move / rename).toFixed(2)}`);
+  console.log(`5,000 files for good: ${milliseconds(deletion)}, rm -rf ${milliseconds(rm)}, ` +
+    `ratio ${(deletion / rm).toFixed(2)}`);
 }
 
 /** The mean over the samples has the first one in it and each that makes the process map anew. */
@@ -216,13 +230,13 @@ if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
   console.log('The walk and the discovery are measured on Linux only.');
-  for (const part of [duplicates, trash]) {
+  for (const part of [duplicates, trash, removal]) {
     if (only === '' || only === part.name) part();
   }
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates, trash, monitor, apps]) {
+  for (const part of [walk, memory, cleanables, duplicates, trash, removal, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }

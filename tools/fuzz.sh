@@ -11,7 +11,7 @@ run_fuzz() {
     [ $# -gt 0 ] && shift
     case $minutes in
         keep) ;;
-        '' | *[!0-9]*) fail "usage: ./dev fuzz MINUTES [TARGET...], or ./dev fuzz keep [TARGET...]" ;;
+        '' | 0 | *[!0-9]*) fail "usage: ./dev fuzz MINUTES [TARGET...], or ./dev fuzz keep [TARGET...]" ;;
     esac
     if on_mac; then
         fail "the fuzzers are built for Linux only"

@@ -1,5 +1,7 @@
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -7,15 +9,27 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
+#include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
+#include "platform/linux/mount_table.h"
 #include "platform/posix/FileCalls.h"
+#include "platform/posix/foreign_file.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
 namespace {
+
+constexpr std::size_t longestTable = 16 << 20;  // in bytes; a machine has tens of mounts
+
+/// Those that mount a further part of themselves when it is entered (linux/magic.h).
+constexpr std::array<unsigned, 5> mountingFileSystems{
+    NFS_SUPER_MAGIC, CIFS_SUPER_MAGIC, SMB2_SUPER_MAGIC, AFS_SUPER_MAGIC, AFS_FS_MAGIC};
 
 /// The access list of a file, and the one that a folder gives to what is made in it (acl(5)).
 constexpr std::array accessLists{"system.posix_acl_access", "system.posix_acl_default"};
@@ -68,6 +82,23 @@ int FileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
                 ? status.stx_mnt_id
                 : (std::uint64_t{status.stx_dev_major} << 32 | status.stx_dev_minor);
     return 0;
+}
+
+bool FileCalls::mayHoldMount(int folder, const char* name) {
+    struct statfs volume;
+    if (::fstatfs(folder, &volume) != 0 ||
+        std::ranges::find(mountingFileSystems, static_cast<unsigned>(volume.f_type)) !=
+            mountingFileSystems.end()) {
+        return true;
+    }
+    // A folder that was deleted, or lies outside of what this process sees, has no place there.
+    std::error_code error;
+    const std::string place =
+        std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), error);
+    if (error || !place.starts_with('/') || place.ends_with(" (deleted)")) return true;
+    const std::optional<std::string> table = readForeignFile("/proc/self/mountinfo", longestTable);
+    if (!table) return true;
+    return holdsMount(*table, (place == "/" ? "" : place) + "/" + name);
 }
 
 int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {

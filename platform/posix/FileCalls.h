@@ -25,6 +25,9 @@ public:
     /// folder. A folder that was bound to another place is a mount of its own on the same volume,
     /// and a file system that numbers its parts as several volumes is one. System.
     virtual int mount(int folder, const char* name, std::uint64_t& mount);
+    /// Whether anything could be mounted on a name or below it, by the system's own list: false only
+    /// when nothing is. Looking through a whole tree is needed only where it says yes. System.
+    virtual bool mayHoldMount(int folder, const char* name);
     virtual ssize_t read(int file, void* buffer, std::size_t size);
     virtual ssize_t write(int file, const void* data, std::size_t size);
     virtual ssize_t readAt(int file, void* buffer, std::size_t size, off_t offset);

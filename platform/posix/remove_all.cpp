@@ -47,7 +47,10 @@ public:
 
     void run(const std::string& name) {
         // All of it or nothing: what is mounted inside would stop the removal half-way.
-        requireNoMounts(calls_, levels_.front().folder.number(), name, parentFolder(path_));
+        const int parent = levels_.front().folder.number();
+        if (calls_.mayHoldMount(parent, name.c_str())) {
+            requireNoMounts(calls_, parent, name, parentFolder(path_));
+        }
         removeEntry(name);
         while (levels_.size() > 1) {
             std::vector<std::string>& names = levels_.back().names;

@@ -28,6 +28,7 @@ public:
 
     void run(int parent, const std::string& name) {
         mount_ = mountOf(calls_, parent, "", "remove", path_);
+        mayHoldMount_ = calls_.mayHoldMount(parent, name.c_str());
         look(parent, name);
         while (!levels_.empty()) {
             std::vector<std::string>& names = levels_.back().names;
@@ -61,6 +62,7 @@ private:
 
     void requireOwnMount(int folder, const std::string& name) const {
         std::uint64_t mount = mount_;
+        if (!mayHoldMount_) return;
         if (calls_.mount(folder, name.c_str(), mount) != 0 || mount == mount_) return;
         failMounted("remove", placeOf(name), asked_ == Asked::mounts ? EXDEV : EBUSY);
     }
@@ -97,8 +99,9 @@ private:
 
     FileCalls& calls_;
     Asked asked_;
-    std::uint64_t mount_ = 0;  // of the folder that holds the item
-    std::string path_;         // of the folder that holds the item; for errors alone
+    std::uint64_t mount_ = 0;   // of the folder that holds the item
+    bool mayHoldMount_ = true;  // inside the item
+    std::string path_;          // of the folder that holds the item; for errors alone
     std::vector<Level> levels_;
 };
 
