@@ -101,8 +101,9 @@ TEST_P(DeletingRace, NothingBehindALinkIsDeleted) {
         world.clock.time += 2 * 86'400;
         const std::string operation = trashFolder + "/" + item.opID;
         // What stands behind the link has the very names that are looked for.
-        world.root.text("outside/" + item.opID + "/" + item.id + "-" + item.name, "of others");
-        world.root.text("outside/" + item.id + "-" + item.name, "of others");
+        const std::string stored = item.id + "-" + item.name;
+        world.root.text("outside/" + item.opID + "/" + stored, "of others");
+        world.root.text("outside/" + stored, "of others");
         world.lookOutside();
         std::filesystem::remove(trashFolder + " link");
         linkBeside(trashFolder);
@@ -116,6 +117,8 @@ TEST_P(DeletingRace, NothingBehindALinkIsDeleted) {
         tryTo([&] { trash.emptyTrash(); });
         world.expectOutsideUntouched();
         if (HasFailure()) return;
+        std::filesystem::remove_all(world.root.path("outside/" + item.opID));
+        std::filesystem::remove(world.root.path("outside/" + stored));
     }
     expectAllOnceAndNothingOutside();
 }
