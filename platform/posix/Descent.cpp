@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "platform/posix/mounts.h"
-#include "platform/posix/names_in_folder.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
@@ -49,9 +48,7 @@ void Descent::list() {
     Level& level = levels_.back();
     Descriptor readable(calls_.open(level.folder.number(), ".", readFlags, 0));
     if (!readable.isOpen()) fail("", errno);
-    auto names = namesInFolder(std::move(readable));
-    if (!names) fail("", errno);
-    level.names = std::move(*names);
+    if (calls_.names(std::move(readable), level.names) != 0) fail("", errno);
     std::ranges::sort(level.names, std::greater());
 }
 

@@ -5,7 +5,11 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <utility>
 
+#include "platform/posix/names_in_folder.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
@@ -18,7 +22,23 @@ int FileCalls::stat(int folder, const char* name, struct stat& status) {
     return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW);
 }
 
+int FileCalls::statTarget(const char* path, struct stat& status) { return ::stat(path, &status); }
+
 int FileCalls::status(int file, struct stat& status) { return ::fstat(file, &status); }
+
+int FileCalls::resolve(const char* path, std::string& real) {
+    const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path, nullptr), &std::free);
+    if (!found) return -1;
+    real = found.get();
+    return 0;
+}
+
+int FileCalls::names(Descriptor folder, std::vector<std::string>& names) {
+    auto found = namesInFolder(std::move(folder));
+    if (!found) return -1;
+    names = std::move(*found);
+    return 0;
+}
 
 ssize_t FileCalls::read(int file, void* buffer, std::size_t size) {
     return uninterrupted([&] { return ::read(file, buffer, size); });

@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "platform/posix/Descriptor.h"
 
 namespace velto {
 
@@ -20,6 +23,8 @@ public:
 
     virtual int open(int folder, const char* name, int flags, mode_t mode);
     virtual int stat(int folder, const char* name, struct stat& status);  // never follows a link
+    /// What a path leads to, following links.
+    virtual int statTarget(const char* path, struct stat& status);
     virtual int status(int file, struct stat& status);
     /// The mount on which a name lies, never following a link; with an empty name that of the open
     /// folder. A folder that was bound to another place is a mount of its own on the same volume,
@@ -28,6 +33,10 @@ public:
     /// Whether anything could be mounted on a name or below it, by the system's own list: false only
     /// when nothing is. Looking through a whole tree is needed only where it says yes. System.
     virtual bool mayHoldMount(int folder, const char* name);
+    /// An absolute path without links, "." and "..".
+    virtual int resolve(const char* path, std::string& real);
+    /// The names in a folder that was opened for reading, without "." and ".."; closes it.
+    virtual int names(Descriptor folder, std::vector<std::string>& names);
     virtual ssize_t read(int file, void* buffer, std::size_t size);
     virtual ssize_t write(int file, const void* data, std::size_t size);
     virtual ssize_t readAt(int file, void* buffer, std::size_t size, off_t offset);

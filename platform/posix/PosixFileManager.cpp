@@ -3,14 +3,10 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <memory>
 
 #include "platform/posix/Descriptor.h"
-#include "platform/posix/names_in_folder.h"
 #include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
 
@@ -71,17 +67,16 @@ std::vector<std::string> PosixFileManager::list(const std::string& folder) const
     requireWholePath("list", folder);
     Descriptor opened(calls_.open(AT_FDCWD, folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (!opened.isOpen()) fail("list", folder);
-    auto names = namesInFolder(std::move(opened));
-    if (!names) fail("list", folder);
-    return std::move(*names);
+    std::vector<std::string> names;
+    if (calls_.names(std::move(opened), names) != 0) fail("list", folder);
+    return names;
 }
 
 std::string PosixFileManager::resolved(const std::string& path) const {
     requireWholePath("resolve", path);
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
-                                                           &std::free);
-    if (!real) fail("resolve", path);
-    return real.get();
+    std::string real;
+    if (calls_.resolve(path.c_str(), real) != 0) fail("resolve", path);
+    return real;
 }
 
 std::string PosixFileManager::read(const std::string& path, const ReadLimit& limit) const {
@@ -103,7 +98,7 @@ void PosixFileManager::createFolders(const std::string& path) {
     // EEXIST for it: a read-only volume and the root have their own answers.
     const int reason = errno;
     struct stat status;
-    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return;
+    if (calls_.statTarget(path.c_str(), status) == 0 && S_ISDIR(status.st_mode)) return;
     throw FileError("create folder", path, reason == EEXIST ? ENOTDIR : reason);
 }
 

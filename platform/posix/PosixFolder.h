@@ -24,9 +24,10 @@ inline constexpr int passThrough = O_RDONLY;
 inline constexpr int folderFlags = O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 struct PosixFolder final : FolderHandle {
-    PosixFolder(Descriptor opened, std::string openedPath)
-        : descriptor(std::move(opened)), path(std::move(openedPath)) {}
+    PosixFolder(FileCalls& openedBy, Descriptor opened, std::string openedPath)
+        : calls(openedBy), descriptor(std::move(opened)), path(std::move(openedPath)) {}
 
+    FileCalls& calls;  // which the descriptor belongs to
     Descriptor descriptor;
     std::string path;  // for messages alone
 };

@@ -7,7 +7,6 @@
 
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
-#include "platform/posix/names_in_folder.h"
 
 namespace velto {
 namespace {
@@ -56,7 +55,7 @@ std::unique_ptr<FolderHandle> PosixFileManager::openFolder(const std::string& pa
         if (!next.isOpen()) fail(reasonOf(calls_, folder.number(), name.c_str()));
         folder = std::move(next);
     }
-    return std::make_unique<PosixFolder>(std::move(folder), path == "/" ? "" : path);
+    return std::make_unique<PosixFolder>(calls_, std::move(folder), path == "/" ? "" : path);
 }
 
 std::unique_ptr<FolderHandle> PosixFileManager::openFolder(const FolderHandle& parent,
@@ -67,7 +66,7 @@ std::unique_ptr<FolderHandle> PosixFileManager::openFolder(const FolderHandle& p
         const int reason = reasonOf(calls_, entry.folder(), entry.c_str());
         throw FileError("open folder", entry.path(), reason);
     }
-    return std::make_unique<PosixFolder>(std::move(folder), entry.path());
+    return std::make_unique<PosixFolder>(calls_, std::move(folder), entry.path());
 }
 
 bool PosixFileManager::isOwnFolder(const FolderHandle& folder, const FolderHandle& other) {
@@ -168,9 +167,9 @@ std::vector<std::string> namesIn(FileCalls& calls, int folder, const std::string
                                  const char* attempt) {
     Descriptor readable(calls.open(folder, ".", O_RDONLY | folderFlags, 0));
     if (!readable.isOpen()) throw FileError(attempt, path, errno);
-    auto names = namesInFolder(std::move(readable));
-    if (!names) throw FileError(attempt, path, errno);
-    return std::move(*names);
+    std::vector<std::string> names;
+    if (calls.names(std::move(readable), names) != 0) throw FileError(attempt, path, errno);
+    return names;
 }
 
 }  // namespace velto

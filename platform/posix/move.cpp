@@ -104,6 +104,7 @@ void PosixFileManager::moveInSteps(const FolderHandle& from, const std::string& 
     }
     if (S_ISDIR(status.st_mode)) {
         const PosixFolder moved(
+            calls_,
             Descriptor(calls_.open(source.folder(), source.c_str(), passThrough | folderFlags, 0)),
             source.path());
         if (!moved.descriptor.isOpen()) fail(source);

@@ -10,7 +10,6 @@
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
 #include "platform/posix/mounts.h"
-#include "platform/posix/names_in_folder.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -99,7 +98,7 @@ private:
             fail(name);
         }
         struct stat status;
-        if (::fstat(folder.number(), &status) != 0) fail(name);
+        if (calls_.status(folder.number(), status) != 0) fail(name);
         // What is mounted here is no part of the folder.
         if (mountOf(calls_, folder.number(), "", "remove", placeOf(name)) != mount_) {
             failMounted("remove", placeOf(name), EXDEV);
@@ -134,9 +133,7 @@ private:
         Level& level = levels_.back();
         Descriptor listing(calls_.open(level.folder.number(), ".", listFlags, 0));
         if (!listing.isOpen()) fail("");
-        auto names = namesInFolder(std::move(listing));
-        if (!names) fail("");
-        level.names = std::move(*names);
+        if (calls_.names(std::move(listing), level.names) != 0) fail("");
     }
 
     /// Removes the emptied folder itself.
@@ -168,7 +165,7 @@ private:
         if (parent.folder.isOpen()) return parent.folder.number();
         Descriptor folder(calls_.open(levels_.back().folder.number(), "..", listFlags, 0));
         struct stat status;
-        if (!folder.isOpen() || ::fstat(folder.number(), &status) != 0) fail("");
+        if (!folder.isOpen() || calls_.status(folder.number(), status) != 0) fail("");
         // Another one: the folder was moved away while it was being emptied.
         if (status.st_dev != parent.device || status.st_ino != parent.inode) fail("", ESTALE);
         parent.folder = std::move(folder);

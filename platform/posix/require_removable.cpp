@@ -10,7 +10,6 @@
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/PosixFolder.h"
 #include "platform/posix/mounts.h"
-#include "platform/posix/names_in_folder.h"
 #include "platform/removal_check.h"
 
 namespace velto {
@@ -78,12 +77,12 @@ private:
         requireOwnMount(folder.number(), "");  // the system may mount what is entered
         Descriptor listing(calls_.open(folder.number(), ".", O_RDONLY | folderFlags, 0));
         if (!listing.isOpen()) return;
-        auto names = namesInFolder(std::move(listing));
-        if (!names || names->empty()) return;
+        std::vector<std::string> names;
+        if (calls_.names(std::move(listing), names) != 0 || names.empty()) return;
         if (!isOwn && ::faccessat(folder.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
             fail(name, EACCES);
         }
-        levels_.push_back({name, std::move(folder), std::move(*names)});
+        levels_.push_back({name, std::move(folder), std::move(names)});
     }
 
     std::string placeOf(const std::string& name) const {
@@ -108,7 +107,7 @@ private:
 }  // namespace
 
 void requireRemovable(const FolderHandle& parent, const std::string& name) {
-    FileCalls& calls = systemFileCalls();
+    FileCalls& calls = posix(parent).calls;
     const Entry entry(parent, name);
     RemovalCheck(calls, Asked::mountsAndRights, posix(parent).path).run(entry.folder(), name);
 }

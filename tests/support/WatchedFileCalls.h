@@ -43,6 +43,15 @@ public:
     int stat(int folder, const char* name, struct stat& status) override {
         return run(false, "stat", name, [&] { return FileCalls::stat(folder, name, status); });
     }
+    int statTarget(const char* path, struct stat& status) override {
+        return run(false, "statTarget", path, [&] { return FileCalls::statTarget(path, status); });
+    }
+    int resolve(const char* path, std::string& real) override {
+        return run(false, "resolve", path, [&] { return FileCalls::resolve(path, real); });
+    }
+    int names(Descriptor folder, std::vector<std::string>& found) override {
+        return run(false, "names", "", [&] { return FileCalls::names(std::move(folder), found); });
+    }
     int status(int file, struct stat& status) override {
         return run(false, "status", "", [&] { return FileCalls::status(file, status); });
     }
