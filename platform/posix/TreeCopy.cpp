@@ -26,7 +26,7 @@ constexpr int createFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC
 
 }  // namespace
 
-TreeCopy::TreeCopy(FileCalls& calls) : calls_(calls), buffer_(bufferSize) {}
+TreeCopy::TreeCopy(FileCalls& calls) : calls_(calls) {}
 
 void TreeCopy::copy(const Entry& source, const Entry& target) {
     copied_.clear();
@@ -151,6 +151,7 @@ void TreeCopy::copyPiece(int from, int to, const std::string& path, off_t start,
         start += copied;
     }
     // Through this process when the kernel does not do it; that also tells why it failed.
+    if (start < end) buffer_.resize(bufferSize);
     while (start < end) {
         const auto wanted = std::min(static_cast<std::size_t>(end - start), buffer_.size());
         const ssize_t length = calls_.readAt(from, buffer_.data(), wanted, start);
