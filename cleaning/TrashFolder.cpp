@@ -109,8 +109,10 @@ void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operat
         if (stored->identity == adopted->identity) return mover_.removeAll(operation, scratch);
         if (stored->kind != FileKind::folder || !mover_.removeEmptyFolder(operation, name)) return;
     }
-    if (mover_.moveAtOnce(operation, scratch, operation, name)) return;
-    mover_.moveInSteps(operation, scratch, operation, name, scratch + "-adopted");
+    if (!mover_.moveAtOnce(operation, scratch, operation, name)) {
+        mover_.moveInSteps(operation, scratch, operation, name, scratch + "-adopted");
+    }
+    mover_.sync(operation);  // its old name is forgotten next
 }
 
 void TrashFolder::remove(const TrashItem& item) {

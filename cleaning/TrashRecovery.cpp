@@ -98,6 +98,7 @@ bool TrashRecovery::takeBackIf(const Operation& operation,
     std::erase_if(stuck.items, [&](const TrashItem& item) {
         return !isInTrash(item, *folder) || (mayGo(item) && moveBack(item, *folder));
     });
+    mover_.sync(*folder);  // what has gone back is there before its way back is forgotten
     folder_.removeOperationIfEmpty(operation.id);
     if (stuck.items.empty()) return false;
     record(std::move(stuck));

@@ -188,6 +188,8 @@ void ItemRemoval::removeWhole(const Target& target) const {
     const RemovalFolder staging = openRemovalFolder(platform_);
     const std::string identifier = newUUID();
     if (platform_.mover->moveAtOnce(*target.folder, target.name, *staging.handle, identifier)) {
+        reachDisk(*staging.handle);
+        reachDisk(*target.folder);
         removeAside({.folder = *staging.handle,
                      .folderPath = staging.path,
                      .name = identifier,
@@ -212,8 +214,21 @@ void ItemRemoval::removeWhole(const Target& target) const {
         forget(aside.record);
         throw;
     }
+    reachDisk(aside.folder);
     removeAside(aside, target);
+    reachDisk(aside.folder);
     forget(aside.record);
+}
+
+/// What is renamed is so on the disk before anything else happens to it: after a loss of power an
+/// item must not stand at its old place in part, nor be left with nothing that tells of it. On a
+/// disk that refuses, the removal goes on: the item was to go anyway.
+void ItemRemoval::reachDisk(const FolderHandle& folder) const {
+    try {
+        platform_.mover->sync(folder);
+    } catch (const FileError&) {
+        // See above.
+    }
 }
 
 void ItemRemoval::forget(const std::string& record) const {
@@ -301,6 +316,7 @@ void ItemRemoval::sweepRecord(const RemovalFolder& staging, const std::string& n
     try {
         const Target rest = admit(path);
         platform_.mover->removeAll(*rest.folder, rest.name);
+        reachDisk(*rest.folder);  // before the record goes, which alone tells of it
     } catch (const TrashError&) {
         // Nothing is there any more, or nothing that a removal would have put there.
     }

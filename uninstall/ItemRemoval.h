@@ -103,6 +103,7 @@ private:
     void removeAside(const Aside& aside, const Target& target) const;
     [[noreturn]] void giveBack(const Aside& aside, const Target& target) const;
     void forget(const std::string& record) const;
+    void reachDisk(const FolderHandle& folder) const;
     void sweepRecord(const RemovalFolder& staging, const std::string& name) const;
 
     const Platform& platform_;

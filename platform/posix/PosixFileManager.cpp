@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PosixFolder.h"
 #include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
 
@@ -29,6 +30,18 @@ void requireWholePath(const char* attempt, const std::string& path) {
 
 double seconds(const timespec& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+/// Makes a folder whose own name has reached the disk before anything is put into it. False with
+/// `errno` when it was not made.
+bool makeOne(FileCalls& calls, const std::string& path) {
+    if (calls.makeFolder(AT_FDCWD, path.c_str(), folderMode) != 0) return false;
+    const std::string_view whole(path.data(), path.find_last_not_of('/') + 1);
+    const std::string above(whole.substr(0, whole.find_last_of('/') + 1));
+    const Descriptor folder(calls.open(AT_FDCWD, above.empty() ? "." : above.c_str(),
+                                       passThrough | O_DIRECTORY | O_CLOEXEC, 0));
+    if (!folder.isOpen() || syncNames(calls, folder.number()) != 0) fail("create folder", path);
+    return true;
 }
 
 FileKind kindOf(mode_t mode) {
@@ -87,12 +100,12 @@ std::string PosixFileManager::read(const std::string& path, const ReadLimit& lim
 
 void PosixFileManager::createFolders(const std::string& path) {
     requireWholePath("create folder", path);
-    if (calls_.makeFolder(AT_FDCWD, path.c_str(), folderMode) == 0) return;
+    if (makeOne(calls_, path)) return;
     if (errno == ENOENT) {
         const std::size_t slash = path.find_last_of('/');
         if (slash == std::string::npos || slash == 0) fail("create folder", path);
         createFolders(path.substr(0, slash));
-        if (calls_.makeFolder(AT_FDCWD, path.c_str(), folderMode) == 0) return;
+        if (makeOne(calls_, path)) return;
     }
     // Something stands there: fine when it is a folder, or a link to one. Not every system says
     // EEXIST for it: a read-only volume and the root have their own answers.

@@ -58,6 +58,10 @@ bool isThere(FileCalls& calls, int folder, const char* name, struct stat& status
 /// The same of an entry; false when nothing stands there. Throws when it cannot be told.
 bool isThere(FileCalls& calls, const Entry& entry, struct stat& status, const char* attempt);
 
+/// Makes the names in an open folder reach the disk, where it may be read; the system writes
+/// out the rest in its own time. -1 and `errno`.
+int syncNames(FileCalls& calls, int folder);
+
 /// Opens a folder's names for reading and lists them. Throws.
 std::vector<std::string> namesIn(FileCalls& calls, int folder, const std::string& path,
                                  const char* attempt);

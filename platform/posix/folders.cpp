@@ -29,7 +29,11 @@ Descriptor openComponent(FileCalls& calls, int parent, const char* name, FolderP
     const int flags = how == FolderPath::throughLinks ? folderFlags & ~O_NOFOLLOW : folderFlags;
     Descriptor opened(calls.open(parent, name, passThrough | flags, 0));
     if (opened.isOpen() || how != FolderPath::createdWithoutLinks || errno != ENOENT) return opened;
-    if (calls.makeFolder(parent, name, folderMode) != 0 && errno != EEXIST) return opened;
+    if (calls.makeFolder(parent, name, folderMode) != 0) {
+        if (errno != EEXIST) return opened;
+    } else if (syncNames(calls, parent) != 0) {
+        return opened;  // what is put into a folder is lost with the folder's own name
+    }
     return Descriptor(calls.open(parent, name, passThrough | flags, 0));
 }
 
@@ -110,7 +114,8 @@ std::vector<std::string> PosixFileManager::list(const FolderHandle& folder) {
 
 void PosixFileManager::makeFolder(const FolderHandle& parent, const std::string& name) {
     const Entry entry(parent, name);
-    if (calls_.makeFolder(entry.folder(), entry.c_str(), folderMode) != 0) {
+    if (calls_.makeFolder(entry.folder(), entry.c_str(), folderMode) != 0 ||
+        syncNames(calls_, entry.folder()) != 0) {
         throw FileError("create folder", entry.path(), errno);
     }
 }
@@ -129,10 +134,7 @@ bool PosixFileManager::removeEmptyFolder(const FolderHandle& parent, const std::
 }
 
 void PosixFileManager::sync(const FolderHandle& folder) {
-    const Descriptor readable(calls_.open(number(folder), ".", O_RDONLY | folderFlags, 0));
-    // Only what may be read can be synced; the system writes the rest out in its own time.
-    if (!readable.isOpen() && errno == EACCES) return;
-    if (!readable.isOpen() || calls_.sync(readable.number()) != 0) {
+    if (syncNames(calls_, number(folder)) != 0) {
         throw FileError("sync", posix(folder).path, errno);
     }
 }
@@ -161,6 +163,12 @@ bool isThere(FileCalls& calls, const Entry& entry, struct stat& status, const ch
     if (isThere(calls, entry.folder(), entry.c_str(), status)) return true;
     if (errno == ENOENT) return false;
     throw FileError(attempt, entry.path(), errno);
+}
+
+int syncNames(FileCalls& calls, int folder) {
+    const Descriptor readable(calls.open(folder, ".", O_RDONLY | folderFlags, 0));
+    if (!readable.isOpen()) return errno == EACCES ? 0 : -1;
+    return calls.sync(readable.number());
 }
 
 std::vector<std::string> namesIn(FileCalls& calls, int folder, const std::string& path,

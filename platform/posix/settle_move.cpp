@@ -86,7 +86,7 @@ private:
     /// place, the copy is complete (it was before its original was put aside): forward.
     MoveState decide() {
         if (!source_.isThere) {
-            moveWithinVolume(calls_, aside_.entry, source_.entry);
+            putBack();
             clearCopy(files_, calls_, copy_.entry, source_.entry);
             return MoveState::atSource;
         }
@@ -107,12 +107,18 @@ private:
         if (hasArrived) {
             clearAway(files_, calls_, aside_.entry);
         } else if (!source_.isThere) {
-            moveWithinVolume(calls_, aside_.entry, source_.entry);
+            putBack();
             return MoveState::atSource;
         } else {
             leaveBehind(calls_, aside_.entry);  // all three are different things: all three stay
         }
         return target_.isThere ? MoveState::atTarget : MoveState::atSource;
+    }
+
+    /// On the disk before anybody forgets that it was put aside.
+    void putBack() {
+        moveWithinVolume(calls_, aside_.entry, source_.entry);
+        files_.sync(source_.entry.parent);
     }
 
     /// A second name must go before anything else is decided. The name alone: a folder that has
