@@ -78,8 +78,14 @@ private:
             } else {
                 if (calls_.remove(folder, name.c_str(), 0) == 0) return;
                 // What POSIX and Linux say of a file that has become a folder; the first also of
-                // one that may not be removed. ENOENT counts once another look has confirmed it.
-                if (errno != EPERM && errno != EISDIR && errno != ENOENT) break;
+                // one that may not be removed. ENOENT counts once another look has confirmed it,
+                // and so does any other failure of a call that was carried out.
+                const int reason = errno;
+                if (reason != EPERM && reason != EISDIR && reason != ENOENT) {
+                    if (!isThere(calls_, folder, name.c_str(), status) && errno == ENOENT) return;
+                    errno = reason;
+                    break;
+                }
             }
         }
         fail(name);
@@ -141,7 +147,7 @@ private:
         Level& level = levels_.back();
         const int parent = parentOfLast();
         const bool isGone = calls_.remove(parent, level.name.c_str(), AT_REMOVEDIR) == 0 ||
-                            (errno == ENOENT && !isStillThere(parent, level.name));
+                            isGoneAllTheSame(parent, level.name);
         if (isGone) {
             levels_.pop_back();
             return;
@@ -152,12 +158,14 @@ private:
         list();
     }
 
-    /// Of a name that is said to be gone. Keeps `errno` for when it is not.
-    bool isStillThere(int parent, const std::string& name) {
+    /// Of a name whose removal has failed: the answer may have been lost. Keeps `errno` for when it
+    /// is still there.
+    bool isGoneAllTheSame(int parent, const std::string& name) {
+        const int reason = errno;
         struct stat status;
-        const bool isStillThere = isThere(calls_, parent, name.c_str(), status);
-        errno = ENOENT;
-        return isStillThere;
+        const bool isGone = !isThere(calls_, parent, name.c_str(), status) && errno == ENOENT;
+        errno = reason;
+        return isGone;
     }
 
     int parentOfLast() {

@@ -114,21 +114,30 @@ TEST_P(CloudPassage, NothingIsLostWhereverTheProcessDies) {
     }
 }
 
-TEST_P(CloudPassage, NothingIsLostWhateverCallFails) {
+void failEverywhere(const Passage& passage, Action action, int reason) {
     for (int at = 0;; ++at) {
-        SCOPED_TRACE(testing::Message() << "call " << at);
-        Journey journey(GetParam());
+        SCOPED_TRACE(testing::Message() << "call " << at << ", reason " << reason);
+        Journey journey(passage);
         WatchedFileCalls calls;
-        calls.action = Action::fail;
+        calls.action = action;
         calls.at = at;
-        calls.error = ENOSPC;
+        calls.error = reason;
         const auto result = journey.travel(calls);
         PosixFileManager files;
         const std::string start = journey.passage.isOut ? journey.there : journey.origin;
         ASSERT_EQ(result.failed.empty(), !files.exists(start)) << "the answer is true";
         journey.prove();
-        if (HasFatalFailure() || calls.count <= at) break;
+        if (testing::Test::HasFatalFailure() || calls.count <= at) break;
     }
+}
+
+TEST_P(CloudPassage, NothingIsLostWhateverCallFails) {
+    failEverywhere(GetParam(), Action::fail, ENOSPC);
+}
+
+TEST_P(CloudPassage, NothingIsLostWhenADoneCallIsReportedAsFailed) {
+    for (const int reason : {EIO, ENOENT, EEXIST})
+        failEverywhere(GetParam(), Action::doThenFail, reason);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -6,13 +6,19 @@
 
 #include <cerrno>
 #include <cstring>
+#include <span>
 
 #include "trash_scenarios.h"
 
 namespace velto {
 namespace {
 
+using Action = WatchedFileCalls::Action;
+
 constexpr int reasons[] = {ENOSPC, EACCES, EBUSY, ENOENT, EROFS, ENAMETOOLONG};
+/// What a network volume answers to a call that it has carried out: the connection's own trouble,
+/// or what the call met when it was sent again and found its work done.
+constexpr int lostReplies[] = {EIO, ENOENT, EEXIST};
 
 enum class Outcome { done, refused, brokenOff };
 
@@ -38,7 +44,7 @@ struct Volumes {
 struct Fault {
     int at;
     int reason;
-    WatchedFileCalls::Action action;
+    Action action;
 };
 
 /// True when the call at which it should fail was made.
@@ -53,14 +59,14 @@ bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault
     process->calls.knowsExclusiveRename = volumes.knowsExclusiveRename;
     process->service.items();
     // From a call on that only looks is from the next change on.
-    process->calls.countsAll = fault.action == WatchedFileCalls::Action::fail;
+    process->calls.countsAll = fault.action == Action::fail;
     process->calls.count = 0;
     process->calls.at = fault.at;
     process->calls.error = fault.reason;
     process->calls.action = fault.action;
     const Outcome outcome = outcomeOf([&] { scenario.act(world, process->service); });
     const bool wasReached = process->calls.count > fault.at;
-    process->calls.action = WatchedFileCalls::Action::none;
+    process->calls.action = Action::none;
 
     const TrashWorld::Whereabouts found = world.prove(scenario.deleted);
     const bool saysDone = outcome == Outcome::done && scenario.deleted.empty();
@@ -68,8 +74,7 @@ bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault
         EXPECT_EQ(found.home, scenario.home) << "reported as done";
     }
     // What is deleted on a disk that takes no word of it is gone for the process that has done it.
-    const bool isUntold =
-        fault.action == WatchedFileCalls::Action::failOnwards && !scenario.deleted.empty();
+    const bool isUntold = fault.action == Action::failOnwards && !scenario.deleted.empty();
     if (!isUntold) {
         EXPECT_EQ(process->service.items(), world.process()->service.items())
             << "this process and the next do not agree";
@@ -79,10 +84,12 @@ bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault
 }
 
 void failEverywhere(const TrashScenario& scenario, const Volumes& volumes, int share,
-                    WatchedFileCalls::Action action = WatchedFileCalls::Action::fail) {
+                    Action action = Action::fail) {
     const int step = isExhaustive() ? 1 : share;
     int points = 0;
-    for (const int reason : reasons) {
+    const std::span<const int> all =
+        action == Action::doThenFail ? std::span<const int>(lostReplies) : reasons;
+    for (const int reason : all) {
         // Elsewhere for each reason and for each scenario.
         int at = (reason * 7 + static_cast<int>(std::strlen(scenario.name))) % step;
         for (bool wasReached = true; wasReached; at += step) {
@@ -113,20 +120,30 @@ TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplace) {
     failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 101);
 }
 
+TEST_P(TrashFault, NothingIsLostWhenADoneCallIsReportedAsFailed) {
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 13, Action::doThenFail);
+}
+
+TEST_P(TrashFault, NothingIsLostWhenADoneCallIsReportedAsFailedAndRenamingMayReplace) {
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 13, Action::doThenFail);
+}
+
+TEST_P(TrashFault, NothingIsLostBetweenVolumesWhenADoneCallIsReportedAsFailed) {
+    if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 61, Action::doThenFail);
+}
+
 TEST_P(TrashFault, NothingIsLostOnADiskThatFailsForGood) {
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 13,
-                   WatchedFileCalls::Action::failOnwards);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 13, Action::failOnwards);
 }
 
 TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplaceAndFailsForGood) {
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 17,
-                   WatchedFileCalls::Action::failOnwards);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 17, Action::failOnwards);
 }
 
 TEST_P(TrashFault, NothingIsLostBetweenVolumesThatFailForGood) {
     if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 61,
-                   WatchedFileCalls::Action::failOnwards);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 61, Action::failOnwards);
 }
 
 INSTANTIATE_TEST_SUITE_P(Changes, TrashFault, testing::ValuesIn(trashScenarios()),

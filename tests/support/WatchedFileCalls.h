@@ -5,20 +5,23 @@
 
 #include <cerrno>
 #include <functional>
+#include <string_view>
 
 #include "platform/posix/FileCalls.h"
 
 namespace velto {
 
-/// Lets the n-th system call of an operation fail, or ends the process just before, in the middle
-/// of or just after it. Unless every call is asked for, only those count that change something on
-/// the disk: dying before or after a call that only looks is dying after the change before it.
+/// Lets the n-th system call of an operation fail, done or not, or ends the process just before, in
+/// the middle of or just after it. Unless every call is asked for, only those count that change
+/// something on the disk: dying before or after a call that only looks is dying after the change
+/// before it.
 class WatchedFileCalls final : public FileCalls {
 public:
     enum class Action {
         none,
         fail,         // that call
         failOnwards,  // that one and every later one that changes something
+        doThenFail,   // that call is carried out and fails all the same: its answer was lost
         dieBefore,
         dieMidway,
         dieAfter,
@@ -193,6 +196,11 @@ private:
         }
         const auto result = call();
         if (action == Action::dieAfter) _exit(died);
+        if (action == Action::doThenFail && result >= 0) {
+            if (std::string_view(what) == "open") ::close(static_cast<int>(result));
+            errno = error;
+            return -1;
+        }
         return result;
     }
 };

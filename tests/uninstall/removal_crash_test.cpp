@@ -110,13 +110,13 @@ TEST(RemovalCrash, TheSameWhereTheRemovalFolderIsOnAnotherVolume) {
     dieEverywhere(buildVolume());
 }
 
-void failEverywhere(const std::string& elsewhere) {
-    for (const int error : {EIO, EACCES, EBUSY}) {
+void failEverywhere(const std::string& elsewhere, Action action, std::vector<int> errors) {
+    for (const int error : errors) {
         bool isComplete = false;
         for (int at = 0; !isComplete; ++at) {
             SCOPED_TRACE(testing::Message() << "error " << error << " at call " << at);
             RemovalWorld world(elsewhere);
-            world.calls.action = Action::fail;
+            world.calls.action = action;
             world.calls.error = error;
             world.calls.at = at;
             const auto result = world.run();
@@ -139,14 +139,25 @@ void failEverywhere(const std::string& elsewhere) {
 }
 
 TEST(RemovalFault, WhateverFailsEachItemIsWholeOrGoneAndTheResultNamesTheRest) {
-    failEverywhere("");
+    failEverywhere("", Action::fail, {EIO, EACCES, EBUSY});
+}
+
+TEST(RemovalFault, TheSameWhenADoneCallIsReportedAsFailed) {
+    failEverywhere("", Action::doThenFail, {EIO, ENOENT, EEXIST});
 }
 
 TEST(RemovalFault, TheSameWhereTheRemovalFolderIsOnAnotherVolume) {
     if (!UninstallWorld::hasTwoVolumes()) {
         GTEST_SKIP() << "memory and build folder are one volume here";
     }
-    failEverywhere(buildVolume());
+    failEverywhere(buildVolume(), Action::fail, {EIO, EACCES, EBUSY});
+}
+
+TEST(RemovalFault, TheSameWhenADoneCallIsReportedAsFailedOnAnotherVolume) {
+    if (!UninstallWorld::hasTwoVolumes()) {
+        GTEST_SKIP() << "memory and build folder are one volume here";
+    }
+    failEverywhere(buildVolume(), Action::doThenFail, {EIO, ENOENT, EEXIST});
 }
 
 TEST(RemovalSweep, ARecordThatNamesSomethingElseDeletesNothing) {

@@ -14,6 +14,8 @@ namespace {
 using Action = WatchedFileCalls::Action;
 
 constexpr int reasons[] = {ENOSPC, EACCES, EIO, EBUSY};
+/// Of a call that was carried out all the same; the last two, of one that a network sent again.
+constexpr int lostReplies[] = {EIO, ENOENT, EEXIST};
 
 bool isExhaustive() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 
@@ -40,13 +42,14 @@ void PrintTo(const Way& way, std::ostream* stream) { *stream << way.name; }
 class MoveFaults : public testing::TestWithParam<Way> {
 protected:
     /// False when the move has fewer calls than that.
-    static bool failAt(int call, int reason) {
-        MoveWorld world(buildVolume(), otherVolume());
+    static bool failAt(int call, int reason, Action action = Action::fail,
+                       const std::string& sourceVolume = buildVolume()) {
+        MoveWorld world(sourceVolume, otherVolume());
         makeItem(world.source, GetParam().isFolder);
         const std::string text = treeText(world.source.path("item"));
         world.calls.knowsExclusiveRename = GetParam().knowsExclusiveRename;
-        world.calls.countsAll = true;
-        world.calls.action = Action::fail;
+        world.calls.countsAll = action == Action::fail;
+        world.calls.action = action;
         world.calls.at = call;
         world.calls.error = reason;
         const int failure = world.move();
@@ -76,6 +79,18 @@ TEST_P(MoveFaults, LeaveTheItemWholeInOnePlace) {
         }
         if (!wasReached || HasFailure()) break;
         ASSERT_LT(call, 2'000);
+    }
+}
+
+TEST_P(MoveFaults, LeaveTheItemWholeInOnePlaceAlsoWhenTheCallWasCarriedOut) {
+    // Between volumes, and within one.
+    for (const std::string& sourceVolume : {buildVolume(), otherVolume()}) {
+        bool wasReached = true;
+        for (int call = 0; wasReached && !HasFailure(); ++call) {
+            for (const int reason : lostReplies)
+                wasReached = failAt(call, reason, Action::doThenFail, sourceVolume);
+            ASSERT_LT(call, 2'000);
+        }
     }
 }
 
