@@ -68,6 +68,10 @@ bool makeOwnFolder(const std::string& path, FileCalls& calls) {
 
     const bool isMade = calls.makeFolder(parent.number(), name.c_str(), ownMode) == 0;
     const int reason = isMade ? 0 : errno;
+    // What is put into it would be lost with its name.
+    if (isMade && syncNames(calls, parent.number()) != 0) {
+        throw FileError("create folder", path, errno);
+    }
     struct stat status;
     if (!isMade && calls.stat(parent.number(), name.c_str(), status) != 0) {
         throw FileError("create folder", path, reason);
