@@ -29,6 +29,8 @@ std::string scratchNameOf(const TrashItem& item) {
     return name;
 }
 
+std::string backScratchOf(const TrashItem& item) { return scratchNameOf(item) + "-back"; }
+
 bool isSound(const TrashItem& item) {
     return isComponent(item.opID) && isComponent(storedName(item));
 }
@@ -83,6 +85,13 @@ void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
     mover_.moveInSteps(operation, name, *target.folder, target.name, scratchNameOf(item));
 }
 
+void TrashFolder::moveBack(const TrashItem& item, const FolderHandle& operation,
+                           const HeldPlace& origin) {
+    const std::string name = storedName(item);
+    if (mover_.moveAtOnce(operation, name, *origin.folder, origin.name)) return;
+    mover_.moveInSteps(operation, name, *origin.folder, origin.name, backScratchOf(item));
+}
+
 MoveState TrashFolder::settleIn(const HeldPlace& source, const FolderHandle& operation,
                                 const TrashItem& item) {
     return mover_.settleMove(*source.folder, source.name, operation, storedName(item),
@@ -95,13 +104,32 @@ MoveState TrashFolder::settleOut(const TrashItem& item, const FolderHandle& oper
                              scratchNameOf(item));
 }
 
-bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operation) const {
-    return mover_.attributes(operation, scratchNameOf(item)).has_value();
+MoveState TrashFolder::settleBack(const TrashItem& item, const FolderHandle& operation,
+                                  const HeldPlace& origin) {
+    return mover_.settleMove(operation, storedName(item), *origin.folder, origin.name,
+                             backScratchOf(item));
 }
 
+bool TrashFolder::isOnWayBack(const TrashItem& item, const FolderHandle& operation,
+                              const HeldPlace& origin) const {
+    const std::string scratch = backScratchOf(item);
+    return mover_.attributes(operation, scratch) || mover_.attributes(*origin.folder, scratch);
+}
+
+bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operation) const {
+    return mover_.attributes(operation, scratchNameOf(item)) ||
+           mover_.attributes(operation, backScratchOf(item));
+}
+
+/// On its way back an item is whole until it has arrived; on its way in it may be a piece.
 void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
+    adopt(backScratchOf(item), item, operation);
+    adopt(scratchNameOf(item), item, operation);
+}
+
+void TrashFolder::adopt(const std::string& scratch, const TrashItem& item,
+                        const FolderHandle& operation) {
     const std::string name = storedName(item);
-    const std::string scratch = scratchNameOf(item);
     const auto adopted = mover_.attributes(operation, scratch);
     if (!adopted) return;
     if (const auto stored = mover_.attributes(operation, name)) {

@@ -42,14 +42,24 @@ public:
         const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
         const std::function<void()>& beforeSteps = [] {});
 
+    /// Moves an item that has just come in back to where it came from. Its scratch name is another
+    /// one: whoever finds it after a cut knows which way the item was on.
+    void moveBack(const TrashItem& item, const FolderHandle& operation, const HeldPlace& origin);
+
     /// Undoes or completes what a cut-off move has left (FileManager::settleMove). "Source" is
     /// where the move began.
     MoveState settleIn(const HeldPlace& source, const FolderHandle& operation,
                        const TrashItem& item);
     MoveState settleOut(const TrashItem& item, const FolderHandle& operation,
                         const HeldPlace& target);
+    MoveState settleBack(const TrashItem& item, const FolderHandle& operation,
+                         const HeldPlace& origin);
 
-    /// True when a move in several steps has left something under its scratch name.
+    /// True when `moveBack` was cut off in the middle of its steps.
+    bool isOnWayBack(const TrashItem& item, const FolderHandle& operation,
+                     const HeldPlace& origin) const;
+
+    /// True when a move in several steps has left something under a scratch name.
     bool holdsScratch(const TrashItem& item, const FolderHandle& operation) const;
 
     /// Gives that the item's own name unless another thing bears it; for a move whose other side is
@@ -71,6 +81,7 @@ private:
     static constexpr const char* manifestName = "manifest.json";
 
     std::unique_ptr<FolderHandle> openRoot() const;
+    void adopt(const std::string& scratch, const TrashItem& item, const FolderHandle& operation);
 
     FileMover& mover_;
     std::string path_;

@@ -120,7 +120,12 @@ std::optional<HeldPlace> TrashRecovery::openOrigin(const TrashItem& item) const 
 
 bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
     try {
-        if (const auto place = openOrigin(item)) folder_.settleIn(*place, operation, item);
+        if (const auto place = openOrigin(item)) {
+            if (folder_.isOnWayBack(item, operation, *place)) {
+                folder_.settleBack(item, operation, *place);
+            }
+            folder_.settleIn(*place, operation, item);
+        }
         // Not where the move has got to: something new may stand in the place that it came from.
         return folder_.attributes(&operation, item).has_value();
     } catch (const FileError& error) {
@@ -141,16 +146,16 @@ bool TrashRecovery::moveBack(const TrashItem& item, const FolderHandle& operatio
     try {
         place = openOrigin(item);
         if (!place) return false;
-        folder_.moveOut(item, operation, *place);
+        folder_.moveBack(item, operation, *place);
         return true;
     } catch (const FileError&) {
         // Nowhere to go back to, or the move itself failed and may have left something.
-        return place && folder_.settleOut(item, operation, *place) != MoveState::atSource;
+        return place && folder_.settleBack(item, operation, *place) != MoveState::atSource;
     }
 }
 
-/// The items that are out of the trash are forgotten. They are restored in order, so the first one
-/// that is still there ends the search.
+/// The items that are out of the trash are forgotten. They were restored in order, but a loss of
+/// power need not have kept it: each is looked for by itself.
 bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
     const std::vector<TrashItem> items = itemsOf(entry);
     if (items.empty()) return false;
@@ -161,8 +166,7 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
         if (folder && entry.steps && entry.steps->itemID == item.id) {
             settleSteps(item, *folder, entry.steps->target);
         }
-        if (folder_.attributes(folder.get(), item)) break;
-        restored.push_back(item.id);
+        if (!folder_.attributes(folder.get(), item)) restored.push_back(item.id);
     }
     if (restored.empty()) return false;
     forgetItems(lists_, restored);

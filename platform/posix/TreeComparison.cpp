@@ -41,8 +41,7 @@ bool isAlikeMode(const struct stat& left, const struct stat& right) {
 
 }  // namespace
 
-TreeComparison::TreeComparison(FileCalls& calls)
-    : calls_(calls), buffer_(bufferSize), wholeBuffer_(bufferSize) {}
+TreeComparison::TreeComparison(FileCalls& calls) : calls_(calls) {}
 
 bool TreeComparison::areAlike(const Entry& left, const Entry& right) {
     return compare(left, right, Likeness::same);
@@ -163,6 +162,9 @@ bool TreeComparison::compareLinks(const Descent& rest, const std::string& name,
 /// Where both have a hole nothing is read. A copy that was begun may have holes where the source
 /// has content.
 bool TreeComparison::compareContent(int rest, int whole, off_t size, const std::string& path) {
+    const auto most = static_cast<std::size_t>(std::min(size, static_cast<off_t>(bufferSize)));
+    if (buffer_.size() < most) buffer_.resize(most);
+    if (wholeBuffer_.size() < most) wholeBuffer_.resize(most);
     for (off_t position = 0; position < size;) {
         off_t start = nextData(rest, position, size);
         if (likeness_ != Likeness::begun) start = std::min(start, nextData(whole, position, size));

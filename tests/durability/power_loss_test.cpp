@@ -132,7 +132,7 @@ protected:
 
     DurableWorld world_;
     Bounds bounds_ = isExhaustive() ? Bounds{.states = 4'096, .nested = 64, .restarts = 3}
-                                    : Bounds{.states = 32, .nested = 8, .restarts = 20};
+                                    : Bounds{.states = 16, .nested = 8, .restarts = 20};
     std::mt19937_64 random_;
     std::mt19937_64::result_type seed_ = 0;
     std::unordered_set<std::string> seen_;

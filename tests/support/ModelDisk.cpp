@@ -148,6 +148,10 @@ int ModelDisk::rename(const Place& from, const Place& to) {
     const ModelInode& moved = live_.at(from.inode);
     if (moved.volume != live_.at(from.folder).volume) return fail(EBUSY);
     if (moved.volume != live_.at(to.folder).volume) return fail(EXDEV);
+    // Linux says this of a target that holds the source, whatever the two are.
+    if (to.inode != 0 && to.inode != from.inode && wouldEnclose(to.inode, from.folder)) {
+        return fail(ENOTEMPTY);
+    }
     if (!mayChange(from) || !mayChange(to)) return -1;
     if (moved.isFolder() && wouldEnclose(from.inode, to.folder)) return fail(EINVAL);
     if (from.inode == to.inode) return 0;

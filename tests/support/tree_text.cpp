@@ -72,7 +72,7 @@ void collect(const fs::path& folder, const std::string& below, std::set<std::str
     for (const auto& entry : fs::directory_iterator(folder)) {
         isEmpty = false;
         const std::string name = below + entry.path().filename().string();
-        if (entry.is_directory() && !entry.is_symlink()) {
+        if (entry.symlink_status().type() == fs::file_type::directory) {
             collect(entry.path(), name + "/", leaves);
         } else {
             leaves.insert(name);

@@ -25,7 +25,7 @@ protected:
         };
     }
 
-    std::string read(const std::string& path) const { return files.read(path); }
+    std::string read(const std::string& path) const { return files.read(path, anyFile(1'000)); }
 };
 
 TEST_F(LostReply, OfARenameTheItemIsAtItsTargetAndNoFailureIsTold) {
