@@ -119,6 +119,7 @@ TEST_P(DeletingRace, NothingBehindALinkIsDeleted) {
         if (HasFailure()) return;
         std::filesystem::remove_all(world.root.path("outside/" + item.opID));
         std::filesystem::remove(world.root.path("outside/" + stored));
+        world.lookOutside();
     }
     expectAllOnceAndNothingOutside();
 }
