@@ -39,7 +39,14 @@ void AnalysisLists::replace(const DiskState& analysis, Mark begun) {
 void AnalysisLists::forget() {
     files_.clear();
     groups_.clear();
+    cleanables_.clear();
     gone_.clear();
+}
+
+void AnalysisLists::replaceCleanables(const std::vector<Candidate>& found) {
+    cleanables_.clear();
+    for (const Candidate& candidate : found)
+        cleanables_[candidate.path] = candidate.gb;
 }
 
 void AnalysisLists::noteGone(const std::vector<std::string>& paths) {
@@ -90,7 +97,8 @@ std::optional<double> AnalysisLists::sizeOf(const std::string& path) const {
         if (copy == group.paths.end()) continue;
         return sizeIn(group, static_cast<std::size_t>(copy - group.paths.begin()));
     }
-    return std::nullopt;
+    const auto cleanable = cleanables_.find(path);
+    return cleanable == cleanables_.end() ? std::nullopt : std::optional(cleanable->second);
 }
 
 bool AnalysisLists::isGone(std::string path) const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/DiskState.h"
+#include "cleaning/CleaningRules.h"
 
 namespace velto {
 
@@ -27,6 +28,9 @@ public:
 
     void forget();
 
+    /// Takes what the cleaning rules have proposed last, for its sizes.
+    void replaceCleanables(const std::vector<Candidate>& found);
+
     /// The paths, with everything below them, are not at their place any more, or are again.
     void noteGone(const std::vector<std::string>& paths);
     void noteBack(const std::vector<std::string>& paths);
@@ -37,7 +41,7 @@ public:
     /// more. True when that is something else than it held.
     bool show(DiskState& state) const;
 
-    /// The size in GB that the analysis has found for a file.
+    /// The size in GB that the analysis, or else the cleaning rules, have found.
     std::optional<double> sizeOf(const std::string& path) const;
 
 private:
@@ -45,7 +49,8 @@ private:
 
     std::vector<BigFile> files_;
     std::vector<DupGroup> groups_;
-    std::map<std::string, Mark> gone_;  // standardised paths
+    std::map<std::string, double> cleanables_;  // GB by path
+    std::map<std::string, Mark> gone_;          // standardised paths
     Mark lastMark_ = 0;
 };
 

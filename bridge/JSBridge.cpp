@@ -4,6 +4,7 @@
 
 #include "bridge/AppsWork.h"
 #include "bridge/ScannerWithAccess.h"
+#include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
@@ -33,7 +34,13 @@ JSBridge::JSBridge(const BridgeContext& context)
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
       apps_(std::make_shared<AppsWork>(context.platform, context.usage)),
       cleanups_(context.cleanups),
-      uninstalls_(context.uninstalls) {
+      uninstalls_(context.uninstalls),
+      trashIntents_(std::make_shared<TrashIntents>(TrashIntents::Context{.link = *this,
+                                                                         .platform = platform_,
+                                                                         .settings = settings_,
+                                                                         .language = language_,
+                                                                         .shell = shell_,
+                                                                         .lists = lists_})) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include "analysis/ScanCache.h"
 #include "analysis/ScannerService.h"
 #include "bridge/AnalysisLists.h"
+#include "bridge/BridgeLink.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
 #include "bridge/payload.h"
@@ -42,16 +42,16 @@ struct BridgeContext {
     UninstallGate& uninstalls;
 };
 
-struct CleanupOutcome;
 struct AppsWork;
 struct UninstallRecord;
+class TrashIntents;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
 /// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
 ///
 /// Everything runs on the main thread. Work elsewhere holds the bridge weakly and comes back
 /// through the dispatcher. Make it with std::make_shared.
-class JSBridge : public std::enable_shared_from_this<JSBridge> {
+class JSBridge : public std::enable_shared_from_this<JSBridge>, private BridgeLink {
 public:
     /// An analysis as the page is given it.
     struct BootState {
@@ -61,7 +61,7 @@ public:
 
     /// Probes access and loads the saved analysis.
     explicit JSBridge(const BridgeContext& context);
-    ~JSBridge();
+    ~JSBridge() override;
     JSBridge(const JSBridge&) = delete;
     JSBridge& operator=(const JSBridge&) = delete;
 
@@ -106,7 +106,7 @@ private:
     friend struct IntentTable;
 
     // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp,
-    // trash_intents.cpp, cleaning_intents.cpp).
+    // cleaning_intents.cpp); those of the trash are in TrashIntents.
     void onSettings(const Payload& payload);
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
@@ -125,14 +125,6 @@ private:
     void onUninstall(const Payload& payload);  // uninstall_intent.cpp
     void onMaintenanceStatus(const Payload& payload);
     void onMeasureMaintenance(const Payload& payload);
-    void onDeleteFiles(const Payload& payload);
-    void onCleanPaths(const Payload& payload);
-    void onUndoLast(const Payload& payload);
-    void onRestoreItem(const Payload& payload);
-    void onRestoreItemTo(const Payload& payload);
-    void onPurgeItem(const Payload& payload);
-    void onPurgeTrash(const Payload& payload);
-    void onClearHistory(const Payload& payload);
     void onScanCleanables(const Payload& payload);
     void onMoveCloud(const Payload& payload);
 
@@ -144,8 +136,9 @@ private:
     void endSystemMonitor();
 
     // Events (JSBridge.cpp).
-    void evaluate(const std::string& script);
-    void toast(std::string_view titleEs, std::string_view titleEn, std::string_view detail);
+    void evaluate(const std::string& script) override;
+    void toast(std::string_view titleEs, std::string_view titleEn,
+               std::string_view detail) override;
     void pushState();
     void pushTrash();
     void finishBoot();
@@ -164,16 +157,14 @@ private:
 
     // Work on the trash, the history and the cloud folder (cleanup_work.cpp). `report` runs on the
     // main thread, before the page is told of the trash and the state.
-    using CleanupWork = std::function<void(CleanupServices&, CleanupOutcome&)>;
-    using CleanupReport = std::function<void(JSBridge&, const CleanupOutcome&)>;
-    void runCleanup(CleanupWork work, CleanupReport report);
-    void restoreTo(const std::string& itemID, const std::string& name, const std::string& folder);
+    using OwnReport = std::function<void(JSBridge&, const CleanupOutcome&)>;
+    void runCleanup(CleanupWork work, OwnReport report);
+    void enqueue(CleanupWork work, CleanupReport report) override;
+    const TrashItem* trashItem(const std::string& id) const override;
     void toastFailure(std::string_view titleEs, std::string_view titleEn,
-                      const CleanupOutcome& outcome);
-    void finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report);
+                      const CleanupOutcome& outcome) override;
+    void finishCleanup(const CleanupOutcome& outcome, const OwnReport& report);
     bool updateState(const CleanupOutcome& outcome);
-    void moveToTrash(const std::vector<std::string>& paths, const std::string& kind);
-    VeltoTrashService::KnownSizes knownSizes(const std::vector<std::string>& paths) const;
     void showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
     // Applications (apps_intents.cpp).
@@ -212,11 +203,11 @@ private:
     UninstallGate& uninstalls_;
     AnalysisLists lists_;
     AnalysisLists::Mark analysisBegun_ = 0;
-    std::map<std::string, double> cleanableSizes_;  // GB by path, of the last answer to the page
-    std::vector<HistoryEntry> history_;             // what the page knows
-    std::optional<std::vector<TrashItem>> trash_;   // the same; none until it has been read
-    bool isWaitingForTrash_ = false;                // the page has loaded first
-    int resetsAhead_ = 0;                           // asked for and not done yet
+    std::vector<HistoryEntry> history_;            // what the page knows
+    std::optional<std::vector<TrashItem>> trash_;  // the same; none until it has been read
+    bool isWaitingForTrash_ = false;               // the page has loaded first
+    int resetsAhead_ = 0;                          // asked for and not done yet
+    std::shared_ptr<TrashIntents> trashIntents_;
 };
 
 /// Takes the agent and all local data away; the part of a full reset that needs no page. A failure

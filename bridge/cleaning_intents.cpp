@@ -33,9 +33,7 @@ void JSBridge::showCleanables(std::vector<Candidate> found, AnalysisLists::Mark 
     std::erase_if(found, [&](const Candidate& candidate) {
         return lists_.hasGoneSince(candidate.path, begun);
     });
-    cleanableSizes_.clear();
-    for (const Candidate& candidate : found)
-        cleanableSizes_[candidate.path] = candidate.gb;
+    lists_.replaceCleanables(found);
     evaluate(events::cleanables(found));
 }
 

@@ -65,7 +65,7 @@ std::shared_ptr<const CleanupOutcome> carryOut(
     return outcome;
 }
 
-void JSBridge::runCleanup(CleanupWork work, CleanupReport report) {
+void JSBridge::runCleanup(CleanupWork work, OwnReport report) {
     const Platform& platform = platform_;
     cleanups_.run([&platform, weak = weak_from_this(), work = std::move(work),
                    report = std::move(report)](CleanupServices& services) {
@@ -77,14 +77,26 @@ void JSBridge::runCleanup(CleanupWork work, CleanupReport report) {
     });
 }
 
-/// In the user's language.
+void JSBridge::enqueue(CleanupWork work, CleanupReport report) {
+    runCleanup(std::move(work),
+               [report = std::move(report)](JSBridge&, const CleanupOutcome& outcome) {
+                   if (report) report(outcome);
+               });
+}
+
+const TrashItem* JSBridge::trashItem(const std::string& id) const {
+    if (!trash_) return nullptr;
+    const auto item = std::ranges::find(*trash_, id, &TrashItem::id);
+    return item == trash_->end() ? nullptr : &*item;
+}
+
 void JSBridge::toastFailure(std::string_view titleEs, std::string_view titleEn,
                             const CleanupOutcome& outcome) {
     toast(titleEs, titleEn, language_.text(outcome.failure->spanish, outcome.failure->english));
     if (outcome.blocked) evaluate(events::restoreBlocked(*outcome.blocked));
 }
 
-void JSBridge::finishCleanup(const CleanupOutcome& outcome, const CleanupReport& report) {
+void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& report) {
     lists_.noteGone(outcome.gone);
     lists_.noteBack(outcome.back);
     const bool isFirst = !trash_;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/JSBridge.h"
+#include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 
 namespace velto {
@@ -10,44 +11,53 @@ namespace velto {
 /// Every intent with its handler, in the order of comparison. A row without one is recognised and
 /// recorded; "webReady" has nothing to do, since the page has its first state already.
 struct IntentTable {
-    using Handler = void (JSBridge::*)(const Payload&);
+    using Handler = void (*)(JSBridge&, const Payload&);
     struct Row {
         std::string_view name;
         Handler handler;
     };
 
+    template <auto intent>
+    static void own(JSBridge& bridge, const Payload& payload) {
+        (bridge.*intent)(payload);
+    }
+    template <auto intent>
+    static void trash(JSBridge& bridge, const Payload& payload) {
+        (*bridge.trashIntents_.*intent)(payload);
+    }
+
     static constexpr std::array<Row, 31> rows{{
         {"webReady", nullptr},
-        {"settings", &JSBridge::onSettings},
-        {"setTheme", &JSBridge::onSetTheme},
-        {"scan", &JSBridge::onScan},
-        {"systemWatch", &JSBridge::onSystemWatch},
-        {"appsList", &JSBridge::onAppsList},
-        {"appAnalysis", &JSBridge::onAppAnalysis},
-        {"uninstall", &JSBridge::onUninstall},
-        {"revealPath", &JSBridge::onRevealPath},
-        {"deleteFiles", &JSBridge::onDeleteFiles},
-        {"undoLast", &JSBridge::onUndoLast},
-        {"restoreItem", &JSBridge::onRestoreItem},
-        {"purgeItem", &JSBridge::onPurgeItem},
-        {"purgeTrash", &JSBridge::onPurgeTrash},
-        {"clearHistory", &JSBridge::onClearHistory},
-        {"openFDASettings", &JSBridge::onOpenAccessSettings},
-        {"requestAccess", &JSBridge::onRequestAccess},
-        {"checkAccess", &JSBridge::onCheckAccess},
-        {"resetAccess", &JSBridge::onResetAccess},
-        {"addExclusion", &JSBridge::onAddExclusion},
-        {"scanCleanables", &JSBridge::onScanCleanables},
-        {"cleanPaths", &JSBridge::onCleanPaths},
-        {"moveCloud", &JSBridge::onMoveCloud},
-        {"resetVelto", &JSBridge::onResetVelto},
-        {"goView", &JSBridge::onGoView},
-        {"setAutoMaintenance", &JSBridge::onSettings},
-        {"exclusions", &JSBridge::onExclusions},
-        {"removeExclusion", &JSBridge::onRemoveExclusion},
-        {"maintenanceStatus", &JSBridge::onMaintenanceStatus},
-        {"measureMaintenance", &JSBridge::onMeasureMaintenance},
-        {"restoreItemTo", &JSBridge::onRestoreItemTo},
+        {"settings", own<&JSBridge::onSettings>},
+        {"setTheme", own<&JSBridge::onSetTheme>},
+        {"scan", own<&JSBridge::onScan>},
+        {"systemWatch", own<&JSBridge::onSystemWatch>},
+        {"appsList", own<&JSBridge::onAppsList>},
+        {"appAnalysis", own<&JSBridge::onAppAnalysis>},
+        {"uninstall", own<&JSBridge::onUninstall>},
+        {"revealPath", own<&JSBridge::onRevealPath>},
+        {"deleteFiles", trash<&TrashIntents::onDeleteFiles>},
+        {"undoLast", trash<&TrashIntents::onUndoLast>},
+        {"restoreItem", trash<&TrashIntents::onRestoreItem>},
+        {"purgeItem", trash<&TrashIntents::onPurgeItem>},
+        {"purgeTrash", trash<&TrashIntents::onPurgeTrash>},
+        {"clearHistory", trash<&TrashIntents::onClearHistory>},
+        {"openFDASettings", own<&JSBridge::onOpenAccessSettings>},
+        {"requestAccess", own<&JSBridge::onRequestAccess>},
+        {"checkAccess", own<&JSBridge::onCheckAccess>},
+        {"resetAccess", own<&JSBridge::onResetAccess>},
+        {"addExclusion", own<&JSBridge::onAddExclusion>},
+        {"scanCleanables", own<&JSBridge::onScanCleanables>},
+        {"cleanPaths", trash<&TrashIntents::onCleanPaths>},
+        {"moveCloud", own<&JSBridge::onMoveCloud>},
+        {"resetVelto", own<&JSBridge::onResetVelto>},
+        {"goView", own<&JSBridge::onGoView>},
+        {"setAutoMaintenance", own<&JSBridge::onSettings>},
+        {"exclusions", own<&JSBridge::onExclusions>},
+        {"removeExclusion", own<&JSBridge::onRemoveExclusion>},
+        {"maintenanceStatus", own<&JSBridge::onMaintenanceStatus>},
+        {"measureMaintenance", own<&JSBridge::onMeasureMaintenance>},
+        {"restoreItemTo", trash<&TrashIntents::onRestoreItemTo>},
     }};
 };
 
@@ -60,7 +70,7 @@ void JSBridge::handle(const std::string& type, const Payload& payload) {
     evaluate(events::intentEcho(type));
     for (const auto& row : IntentTable::rows) {
         if (row.name != type) continue;
-        if (row.handler != nullptr) (this->*row.handler)(payload);
+        if (row.handler != nullptr) row.handler(*this, payload);
         return;
     }
 }

@@ -74,7 +74,6 @@ void JSBridge::forgetLocalData() {
     exclusions_.clear();
     bootState.reset();
     lists_.forget();
-    cleanableSizes_.clear();
     evaluate(events::exclusions(exclusions_.paths()));
     toast("Velto restablecida", "Velto has been reset",
           language_.text("Se han eliminado el mantenimiento automático y todos los datos locales.",

@@ -1,0 +1,193 @@
+#include "bridge/TrashIntents.h"
+
+#include <fmt/format.h>
+
+#include "cleaning/folder_size.h"
+#include "platform/values/text.h"
+#include "platform/values/units.h"
+
+namespace velto {
+namespace {
+
+constexpr const char* cleanupKind = "wind";
+
+/// Adds the sizes of the folders that the page's lists say nothing about: the trash itself would
+/// only see the folders' own few bytes.
+void measureFolders(const std::vector<std::string>& paths, const Platform& platform,
+                    VeltoTrashService::KnownSizes& sizes) {
+    std::vector<std::string> folders;
+    for (const std::string& path : paths) {
+        if (sizes.contains(path)) continue;
+        const auto attributes = platform.files->attributes(path);
+        if (attributes && attributes->kind == FileKind::folder) folders.push_back(path);
+    }
+    const auto measured = folderSizes(*platform.directories, folders);
+    for (std::size_t index = 0; index < folders.size(); ++index) {
+        if (measured[index]) sizes[folders[index]] = gigabytes(*measured[index]);
+    }
+}
+
+}  // namespace
+
+TrashIntents::TrashIntents(const Context& context)
+    : link_(context.link),
+      platform_(context.platform),
+      settings_(context.settings),
+      language_(context.language),
+      shell_(context.shell),
+      lists_(context.lists) {}
+
+void TrashIntents::onDeleteFiles(const Payload& payload) {
+    const auto paths = payload::pathsMember(payload, "paths");
+    const bool hasKind = payload::member(payload, "kind") != nullptr;
+    const auto kind = hasKind ? payload::stringMember(payload, "kind") : cleanupKind;
+    if (paths && kind) moveToTrash(*paths, *kind);
+}
+
+void TrashIntents::onCleanPaths(const Payload& payload) {
+    if (const auto paths = payload::pathsMember(payload, "paths")) moveToTrash(*paths, cleanupKind);
+}
+
+void TrashIntents::moveToTrash(const std::vector<std::string>& paths, const std::string& kind) {
+    link_.enqueue(
+        [&platform = platform_, paths, kind, sizes = knownSizes(paths)](CleanupServices& services,
+                                                                        CleanupOutcome& outcome) {
+            // Before measuring: what may not be moved is not walked either.
+            for (const std::string& path : paths)
+                services.trash.validate(path);
+            auto allSizes = sizes;
+            measureFolders(paths, platform, allSizes);
+            const Operation operation = services.trash.moveToTrash(paths, kind, allSizes);
+            services.history.record(operation);
+            outcome.gb = operation.gb;
+        },
+        [this](const CleanupOutcome& outcome) { tellMoved(outcome); });
+}
+
+void TrashIntents::tellMoved(const CleanupOutcome& outcome) {
+    if (outcome.failure) {
+        link_.toastFailure("No se pudo eliminar", "Couldn't remove", outcome);
+        return;
+    }
+    const std::string gb = tenths(outcome.gb);
+    const auto days = settings_.retention();
+    link_.toast("Eliminado", "Removed",
+                language_.text(
+                    fmt::format("{} GB en la Papelera de Velto. Se conservan {} días.", gb, days),
+                    fmt::format("{} GB in Velto Trash. Kept for {} days.", gb, days)));
+}
+
+/// What the analysis and the cleaning rules have measured.
+VeltoTrashService::KnownSizes TrashIntents::knownSizes(
+    const std::vector<std::string>& paths) const {
+    VeltoTrashService::KnownSizes sizes;
+    for (const std::string& path : paths) {
+        if (const auto size = lists_.sizeOf(path)) sizes[path] = *size;
+    }
+    return sizes;
+}
+
+void TrashIntents::onUndoLast(const Payload&) {
+    link_.enqueue(
+        [](CleanupServices& services, CleanupOutcome& outcome) {
+            const auto& operations = services.trash.operations();
+            outcome.hasActed = !operations.empty();
+            if (!outcome.hasActed) return;
+            const std::string id = operations.front().id;
+            services.trash.undoOperation(id);
+            services.history.remove(id);
+        },
+        [this](const CleanupOutcome& outcome) {
+            if (!outcome.failure) return;
+            link_.toastFailure("No se pudo deshacer", "Couldn't undo", outcome);
+        });
+}
+
+void TrashIntents::onRestoreItem(const Payload& payload) {
+    const auto id = payload::string(payload);
+    if (!id) return;
+    link_.enqueue(
+        [id = *id](CleanupServices& services, CleanupOutcome&) { services.trash.restore(id); },
+        [this](const CleanupOutcome& outcome) {
+            if (!outcome.failure) return;
+            link_.toastFailure("No se pudo restaurar", "Couldn't restore", outcome);
+        });
+}
+
+/// For an item whose own place is blocked, or that is wanted elsewhere.
+void TrashIntents::onRestoreItemTo(const Payload& payload) {
+    const auto id = payload::stringMember(payload, "id");
+    const TrashItem* const item = id ? link_.trashItem(*id) : nullptr;
+    if (item == nullptr) return;
+    const std::string name = singleLine(item->name);
+    shell_.chooseFolder(
+        {.title = std::string(language_.text(fmt::format("Restaurar «{}» en otra carpeta", name),
+                                             fmt::format("Restore “{}” to another folder", name))),
+         .accept = std::string(language_.text("Restaurar aquí", "Restore here")),
+         .decline = std::string(language_.text("Cancelar", "Cancel")),
+         .startAt = platform_.layout.home},
+        [weak = weak_from_this(), id = *id, name](const std::optional<std::string>& folder) {
+            const auto self = weak.lock();
+            if (self && folder) self->restoreTo(id, name, *folder);
+        });
+}
+
+void TrashIntents::restoreTo(const std::string& itemID, const std::string& name,
+                             const std::string& folder) {
+    link_.enqueue([itemID, folder](CleanupServices& services,
+                                   CleanupOutcome&) { services.trash.restoreTo(itemID, folder); },
+                  [this, name, folder](const CleanupOutcome& outcome) {
+                      // Titles of their own: the page takes the others for answers to what it has
+                      // asked.
+                      if (outcome.failure) {
+                          link_.toastFailure("No se pudo restaurar ahí", "Couldn't restore there",
+                                             outcome);
+                          return;
+                      }
+                      const std::string place = shownPath(folder, platform_.layout.home);
+                      link_.toast("Restaurado", "Restored",
+                                  language_.text(fmt::format("«{}» está ahora en {}.", name, place),
+                                                 fmt::format("“{}” is in {} now.", name, place)));
+                  });
+}
+
+void TrashIntents::onPurgeItem(const Payload& payload) {
+    const auto id = payload::string(payload);
+    if (!id) return;
+    link_.enqueue([id = *id](CleanupServices& services,
+                             CleanupOutcome&) { services.trash.deletePermanently(id); },
+                  [this](const CleanupOutcome& outcome) {
+                      if (outcome.failure) {
+                          link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
+                      } else {
+                          link_.toast(
+                              "Eliminado", "Deleted",
+                              language_.text("Eliminado definitivamente.", "Deleted permanently."));
+                      }
+                  });
+}
+
+void TrashIntents::onPurgeTrash(const Payload&) {
+    link_.enqueue([](CleanupServices& services, CleanupOutcome&) { services.trash.emptyTrash(); },
+                  [this](const CleanupOutcome& outcome) {
+                      if (outcome.failure) {
+                          link_.toastFailure("No se pudo vaciar", "Couldn't empty Trash", outcome);
+                      } else {
+                          link_.toast("Papelera vaciada", "Trash emptied",
+                                      language_.text("Elementos eliminados definitivamente.",
+                                                     "Items deleted permanently."));
+                      }
+                  });
+}
+
+/// In its turn among the work on the trash, which writes the history too.
+void TrashIntents::onClearHistory(const Payload&) {
+    link_.enqueue(
+        [](CleanupServices& services, CleanupOutcome& outcome) {
+            outcome.hasActed = !services.history.entries().empty();
+            services.history.clear();
+        },
+        nullptr);
+}
+
+}  // namespace velto
