@@ -6,6 +6,7 @@
 
 #include "platform/Platform.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -20,7 +21,7 @@ ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
     : files_(files), folder_(layout.dataFolder) {
     try {
         const auto json = parseJson(files_.read(folder_ + fileName, limit));
-        if (json.is_array()) paths_ = json.get<std::vector<std::string>>();
+        if (json.is_array()) paths_ = pathsOfTexts(json.get<std::vector<std::string>>());
     } catch (const FileError&) {
         // Nothing was excluded yet.
     } catch (const nlohmann::json::exception&) {
@@ -54,11 +55,9 @@ void ExclusionService::remove(const std::string& path) {
 void ExclusionService::save() const {
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(folder_ + fileName, nlohmann::json(paths_).dump());
+        files_.writeAtomically(folder_ + fileName, nlohmann::json(pathTexts(paths_)).dump());
     } catch (const FileError&) {
         // The list stays in force for the life of the process.
-    } catch (const nlohmann::json::type_error&) {
-        // A path that is not UTF-8 cannot be written as JSON; the list stays in force in memory.
     }
 }
 

@@ -71,7 +71,7 @@ BigFile bigFile(const ScanWorker::BigFileFound& found, double now) {
     file.kind = row(found.category).bigFileKind;
     file.last = relativeTime(days);
     file.lastN = std::round(days);
-    file.path = validUtf8(found.path);
+    file.path = found.path;
     file.isProtected = isProtectedPath(found.path);
     return file;
 }

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/path_text.h"
 
 namespace velto {
 namespace {
@@ -33,7 +34,7 @@ json toJson(const BigFile& file) {
             {"kind", file.kind},
             {"last", file.last},
             {"lastN", file.lastN},
-            {"path", file.path},
+            {"path", pathText(file.path)},
             {"isProtected", file.isProtected}};
 }
 
@@ -41,7 +42,7 @@ json toJson(const DupGroup& group) {
     return {{"id", group.id},
             {"name", group.name},
             {"pairs", group.pairs},
-            {"paths", group.paths},
+            {"paths", pathTexts(group.paths)},
             {"recommended", group.recommended}};
 }
 
@@ -71,7 +72,7 @@ BigFile bigFileFrom(const json& object) {
             .kind = field<std::string>(object, "kind"),
             .last = field<std::string>(object, "last"),
             .lastN = field<double>(object, "lastN"),
-            .path = field<std::string>(object, "path"),
+            .path = pathBytes(field<std::string>(object, "path")),
             .isProtected = field<bool>(object, "isProtected")};
 }
 
@@ -79,7 +80,7 @@ DupGroup dupGroupFrom(const json& object) {
     return {.id = field<std::string>(object, "id"),
             .name = field<std::string>(object, "name"),
             .pairs = field<std::vector<std::vector<DupGroup::Pair>>>(object, "pairs"),
-            .paths = field<std::vector<std::string>>(object, "paths"),
+            .paths = pathsOfTexts(field<std::vector<std::string>>(object, "paths")),
             .recommended = field<std::int64_t>(object, "recommended")};
 }
 

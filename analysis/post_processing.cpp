@@ -38,7 +38,7 @@ DupGroup duplicateGroup(const DupFinder::Group& group, const FileManager& files,
             fewestDays = days;
             result.recommended = static_cast<std::int64_t>(index);
         }
-        result.paths.push_back(validUtf8(path));
+        result.paths.push_back(path);
         result.pairs.push_back({{validUtf8(lastPathComponent(path)), tenths(size)}});
     }
     return result;

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "bridge/events.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
@@ -30,7 +31,7 @@ std::string appAnalysis(const nlohmann::json& analysis) {
 }
 
 std::string leftoverLinks(const std::string& application, const nlohmann::json& links) {
-    return call("onLeftoverLinks", literal(application) + ", " + literal(links));
+    return call("onLeftoverLinks", literal(pathText(application)) + ", " + literal(links));
 }
 
 std::string uninstallProgress(std::string_view stage, double percent,

@@ -5,6 +5,7 @@
 #include "bridge/app_events.h"
 #include "bridge/events.h"
 #include "platform/parallel.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/Leftovers.h"
@@ -33,7 +34,7 @@ nlohmann::json sizesOf(const InstalledApps& apps, const std::vector<std::string>
     const auto bytes = apps.sizesOf(paths);
     nlohmann::json sizes = nlohmann::json::object();
     for (std::size_t index = 0; index < paths.size(); ++index) {
-        sizes[validUtf8(paths[index])] = roundedToThousandth(gigabytes(bytes[index]));
+        sizes[pathText(paths[index])] = roundedToThousandth(gigabytes(bytes[index]));
     }
     return sizes;
 }
@@ -50,7 +51,8 @@ std::vector<std::string> analysisScripts(const Platform& platform, AppsWork& wor
     AppRemover::ShownTargets shown;
     nlohmann::json links = nlohmann::json::array();
     for (const auto& [item, target] : Leftovers::linkTargets(platform, work.apps, analysis)) {
-        links.push_back({{"path", item}, {"target", target.path}, {"kept", target.isKept}});
+        links.push_back(
+            {{"path", pathText(item)}, {"target", pathText(target.path)}, {"kept", target.isKept}});
         shown[item] = target.path;
     }
     work.shown.remember(path, std::move(shown));
@@ -103,7 +105,7 @@ void JSBridge::measureApps(const std::vector<std::string>& paths) {
 }
 
 void JSBridge::onAppAnalysis(const Payload& payload) {
-    const auto path = payload::stringMember(payload, "path");
+    const auto path = payload::pathMember(payload, "path");
     if (!path) return;
     Dispatcher& dispatcher = *platform_.dispatcher;
     dispatcher.global(

@@ -6,6 +6,7 @@
 #include "analysis/disk_state_json.h"
 #include "bridge/CleanupOutcome.h"
 #include "cleaning/candidates_json.h"
+#include "platform/values/path_text.h"
 #include "platform/values/units.h"
 
 namespace velto::events {
@@ -56,7 +57,7 @@ std::string toast(std::string_view title, std::string_view detail) {
 }
 
 std::string exclusions(const std::vector<std::string>& paths) {
-    return call("onExclusions", literal(paths));
+    return call("onExclusions", literal(pathTexts(paths)));
 }
 
 std::string system(const nlohmann::ordered_json& sample) {
@@ -72,17 +73,18 @@ std::string trashState(const std::vector<TrashItem>& items) {
     auto list = nlohmann::json::array();
     for (const TrashItem& item : items) {
         list.push_back({{"id", item.id},
-                        {"name", item.name},
+                        {"name", pathText(item.name)},
                         {"gb", item.gb},
                         {"taken", item.taken},
-                        {"path", item.originalPath},
+                        {"path", pathText(item.originalPath)},
                         {"opID", item.opID}});
     }
     return call("onTrashState", literal(list));
 }
 
 std::string restoreBlocked(const RestoreBlock& block) {
-    return call("onRestoreBlocked", literal({{"id", block.itemID}, {"path", block.obstacle}}));
+    return call("onRestoreBlocked",
+                literal({{"id", block.itemID}, {"path", pathText(block.obstacle)}}));
 }
 
 std::string trashChanged(double gb) { return call("onTrashChanged", tenths(gb)); }
@@ -94,14 +96,15 @@ std::string cleanables(const std::vector<Candidate>& candidates) {
 std::string cleanableFacts(const FactsByPath& facts) {
     auto byPath = nlohmann::json::object();
     for (const auto& [path, fact] : facts)
-        byPath[path] = {{"certain", fact.isCertain()}, {"reason", word(fact.reason)}};
+        byPath[pathText(path)] = {{"certain", fact.isCertain()}, {"reason", word(fact.reason)}};
     return call("onCleanableFacts", literal(byPath));
 }
 
 std::string cloudMove(const std::vector<std::string>& moved, const std::vector<std::string>& failed,
                       std::string_view direction) {
-    return call("onCloudMove",
-                literal({{"moved", moved}, {"failed", failed}, {"direction", direction}}));
+    return call("onCloudMove", literal({{"moved", pathTexts(moved)},
+                                        {"failed", pathTexts(failed)},
+                                        {"direction", direction}}));
 }
 
 std::string goView(std::string_view name) {

@@ -87,11 +87,11 @@ void JSBridge::onSetTheme(const Payload& payload) {
 void JSBridge::onScan(const Payload&) { startAnalysis(); }
 
 void JSBridge::onRevealPath(const Payload& payload) {
-    if (const auto path = payload::string(payload)) platform_.workspace->reveal(*path);
+    if (const auto path = payload::path(payload)) platform_.workspace->reveal(*path);
 }
 
 void JSBridge::onAddExclusion(const Payload& payload) {
-    const auto path = payload::string(payload);
+    const auto path = payload::path(payload);
     if (!path) return;
     exclusions_.add(*path);
     toast("Excluido del análisis", "Excluded from the analysis", *path);
@@ -99,7 +99,7 @@ void JSBridge::onAddExclusion(const Payload& payload) {
 }
 
 void JSBridge::onRemoveExclusion(const Payload& payload) {
-    const auto path = payload::string(payload);
+    const auto path = payload::path(payload);
     if (!path) return;
     exclusions_.remove(*path);
     evaluate(events::exclusions(exclusions_.paths()));

@@ -2,10 +2,12 @@
 
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 
 namespace velto::payload {
@@ -59,6 +61,14 @@ std::string summary(const json& value, int depth) {
     return value.is_object() ? summaryOfObject(value, depth) : dump(value);
 }
 
+/// What no file can be called is no path.
+std::optional<std::string> pathOf(const std::optional<std::string>& text) {
+    if (!text) return std::nullopt;
+    std::string path = pathBytes(*text);
+    if (path.find('\0') != std::string::npos) return std::nullopt;
+    return path;
+}
+
 }  // namespace
 
 std::optional<std::string> string(const Payload& payload) {
@@ -95,8 +105,20 @@ std::optional<std::vector<std::string>> stringsMember(const Payload& payload, co
     return strings;
 }
 
+std::optional<std::string> path(const Payload& payload) { return pathOf(string(payload)); }
+
+std::optional<std::string> pathMember(const Payload& payload, const char* key) {
+    return pathOf(stringMember(payload, key));
+}
+
+std::optional<std::vector<std::string>> pathListMember(const Payload& payload, const char* key) {
+    auto texts = stringsMember(payload, key);
+    if (!texts) return std::nullopt;
+    return pathsOfTexts(std::move(*texts));
+}
+
 std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key) {
-    auto paths = stringsMember(payload, key);
+    auto paths = pathListMember(payload, key);
     if (paths && paths->empty()) return std::nullopt;
     return paths;
 }

@@ -29,6 +29,16 @@ std::optional<std::string> stringMember(const Payload& payload, const char* key)
 /// A list of strings and nothing else; it may be empty.
 std::optional<std::vector<std::string>> stringsMember(const Payload& payload, const char* key);
 
+// Paths come in the form of `pathText` and are given as their own bytes.
+
+/// Nothing for what no file can be called, as below.
+std::optional<std::string> path(const Payload& payload);
+std::optional<std::string> pathMember(const Payload& payload, const char* key);
+
+/// A list of paths and nothing else; it may be empty. Entries that no file can be called stay in
+/// it: they are refused where they are used, each by itself.
+std::optional<std::vector<std::string>> pathListMember(const Payload& payload, const char* key);
+
 /// The same, but an empty list gives nothing.
 std::optional<std::vector<std::string>> pathsMember(const Payload& payload, const char* key);
 

@@ -9,6 +9,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "bridge/app_events.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
 #include "uninstall/figures.h"
@@ -96,7 +97,7 @@ AppRemover::Result cutShort(const FileManager& files, const Request& request,
 
 /// The size that the page knows, in GB; 0 when it does not.
 double knownSize(const nlohmann::json& sizes, const std::string& path) {
-    const auto found = sizes.is_object() ? sizes.find(path) : sizes.end();
+    const auto found = sizes.is_object() ? sizes.find(pathText(path)) : sizes.end();
     if (found == sizes.end() || !found->is_number()) return 0;
     const double gb = found->get<double>();
     return std::isfinite(gb) && gb > 0 ? roundedToThousandth(gb) : 0;
@@ -112,7 +113,7 @@ Operation operationOf(const Platform& platform, const AppRemover::Result& result
                         .kind = "uninstall"};
     for (const std::string& path : result.gone) {
         TrashItem item;
-        item.name = validUtf8(lastPathComponent(path));
+        item.name = lastPathComponent(path);
         item.gb = knownSize(sizes, path);
         operation.items.push_back(std::move(item));
     }
@@ -144,8 +145,8 @@ Outcome uninstall(const Platform& platform, AppsWork& work, const Request& reque
 }  // namespace
 
 void JSBridge::onUninstall(const Payload& payload) {
-    const auto path = payload::stringMember(payload, "path");
-    const auto paths = payload::stringsMember(payload, "paths");
+    const auto path = payload::pathMember(payload, "path");
+    const auto paths = payload::pathListMember(payload, "paths");
     if (!path || !paths) return;
     const auto pass = uninstallRunning ? nullptr : uninstalls_.enter();
     if (!pass) {

@@ -242,9 +242,6 @@ std::vector<std::string> CleaningRules::names(const std::string& folder) const {
         // A home without this folder, or one we may not read, has nothing to clean there.
         return {};
     }
-    // The page knows paths as text. A name that is none would come back as another name, so that
-    // removing it could not work.
-    std::erase_if(entries, [](const std::string& name) { return !isValidUtf8(name); });
     std::sort(entries.begin(), entries.end());
     return entries;
 }

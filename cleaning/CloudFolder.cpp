@@ -9,6 +9,7 @@
 #include "platform/Platform.h"
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/path_text.h"
 #include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
@@ -256,11 +257,13 @@ CloudFolder::Index CloudFolder::read() const {
     if (file && file->kind == FileKind::symbolicLink) return index;
     try {
         const json object = parseJson(files_.read(indexPath(), indexLimit));
-        index.origins = object.at("origins").get<std::map<std::string, std::string>>();
+        const auto origins = object.at("origins").get<std::map<std::string, std::string>>();
+        for (const auto& [name, origin] : origins)
+            index.origins[pathBytes(name)] = pathBytes(origin);
         if (object.contains("move")) {
             const json& move = object["move"];
-            index.move = Move{.from = field<std::string>(move, "from"),
-                              .to = field<std::string>(move, "to"),
+            index.move = Move{.from = pathBytes(field<std::string>(move, "from")),
+                              .to = pathBytes(field<std::string>(move, "to")),
                               .scratch = field<std::string>(move, "scratch")};
         }
     } catch (const RefusedFile&) {
@@ -274,16 +277,15 @@ CloudFolder::Index CloudFolder::read() const {
 }
 
 void CloudFolder::save(const Index& index) {
-    json object{{"origins", index.origins}};
+    json object{{"origins", json::object()}};
+    for (const auto& [name, origin] : index.origins)
+        object["origins"][pathText(name)] = pathText(origin);
     if (index.move) {
         const Move& move = *index.move;
-        object["move"] = {{"from", move.from}, {"to", move.to}, {"scratch", move.scratch}};
+        object["move"] = {
+            {"from", pathText(move.from)}, {"to", pathText(move.to)}, {"scratch", move.scratch}};
     }
-    try {
-        files_.writeAtomically(indexPath(), object.dump());
-    } catch (const json::exception&) {
-        throw FileError("write", indexPath(), EILSEQ);  // a path that is not UTF-8
-    }
+    files_.writeAtomically(indexPath(), object.dump());
 }
 
 }  // namespace velto

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/path_text.h"
 
 namespace velto {
 
@@ -11,7 +12,7 @@ using nlohmann::json;
 json toJson(const HistoryEntry& entry) {
     json items = json::array();
     for (const HistoryItem& item : entry.items) {
-        items.push_back({{"name", item.name}, {"gb", item.gb}});
+        items.push_back({{"name", pathText(item.name)}, {"gb", item.gb}});
     }
     return {{"id", entry.id},
             {"ts", entry.ts},
@@ -22,7 +23,7 @@ json toJson(const HistoryEntry& entry) {
 
 HistoryEntry historyEntryFromJson(const json& object) {
     const auto item = [](const json& value) {
-        return HistoryItem{.name = field<std::string>(value, "name"),
+        return HistoryItem{.name = pathBytes(field<std::string>(value, "name")),
                            .gb = field<double>(value, "gb")};
     };
     return {.id = field<std::string>(object, "id"),

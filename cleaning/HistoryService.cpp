@@ -131,7 +131,7 @@ void HistoryService::save() {
     } catch (const FileError&) {
         // The list in memory stays in force.
     } catch (const nlohmann::json::type_error&) {
-        // A name that is not UTF-8 cannot be written as JSON.
+        // A text that is not UTF-8 cannot be written as JSON; no name is one.
     }
 }
 

@@ -11,14 +11,27 @@ namespace {
 
 constexpr std::size_t longestName = 255;  // bytes; what most file systems take
 
+/// Where `name` can be cut so that at most `length` bytes are left and no character is split. Bytes
+/// that are no text may be cut anywhere.
+std::size_t cutBefore(std::string_view name, std::size_t length) {
+    constexpr std::size_t longestCharacter = 4;
+    for (std::size_t back = 1; back < longestCharacter && back <= length; ++back) {
+        const std::size_t start = length - back;
+        for (std::size_t size = back + 1; size <= longestCharacter; ++size) {
+            if (start + size > name.size()) break;
+            const bool isOne =
+                isValidUtf8(name.substr(start, size)) && !isValidUtf8(name.substr(start, back));
+            if (isOne) return start;
+        }
+    }
+    return length;
+}
+
 /// The id, "-" and the item's name; a name that would be too long with the id before it is cut
 /// between two characters (the manifest holds it whole).
 std::string storedName(const TrashItem& item) {
     std::string name = item.id + "-" + item.name;
-    if (name.size() <= longestName) return name;
-    name.resize(longestName);
-    while (!isValidUtf8(name))
-        name.pop_back();
+    if (name.size() > longestName) name.resize(cutBefore(name, longestName));
     return name;
 }
 

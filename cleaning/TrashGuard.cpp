@@ -48,9 +48,8 @@ TrashGuard::Admitted TrashGuard::admit(const std::string& path,
         throw TrashError(Reason::outsideHome);
     }
     if (isProtectedPath(standardized)) throw TrashError(Reason::protected_);
-    // A name that is not UTF-8 could not be written into the manifest, and no name holds a NUL
-    // byte, even where ".." takes it away again.
-    const bool isName = isValidUtf8(path) && path.find('\0') == std::string::npos;
+    // No name holds a NUL byte, even where ".." takes it away again.
+    const bool isName = path.find('\0') == std::string::npos;
     if (!found || !isName) throw TrashError(Reason::notFound);
     refuseTrash(path, standardized, *found);
     return std::move(*found);

@@ -9,6 +9,7 @@
 
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/path_text.h"
 
 namespace velto {
 namespace {
@@ -33,7 +34,8 @@ nlohmann::ordered_json toJson(const JournalEntry& entry) {
     nlohmann::ordered_json object{
         {"kind", name->name}, {"operation", toJson(entry.operation)}, {"itemIDs", entry.itemIDs}};
     if (entry.steps) {
-        object["steps"] = {{"itemID", entry.steps->itemID}, {"target", entry.steps->target}};
+        object["steps"] = {{"itemID", entry.steps->itemID},
+                           {"target", pathText(entry.steps->target)}};
     }
     return object;
 }
@@ -49,7 +51,7 @@ std::optional<JournalEntry> entryFrom(const json& object) {
     if (object.contains("steps")) {
         const json& steps = object["steps"];
         entry.steps = {.itemID = field<std::string>(steps, "itemID"),
-                       .target = field<std::string>(steps, "target")};
+                       .target = pathBytes(field<std::string>(steps, "target"))};
     }
     return entry;
 }

@@ -6,6 +6,7 @@
 
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/path_text.h"
 
 namespace velto {
 namespace {
@@ -30,8 +31,8 @@ ordered toJson(const std::vector<TrashItem>& items) {
 TrashItem itemFrom(const json& object) {
     return {.id = field<std::string>(object, "id"),
             .opID = field<std::string>(object, "opID"),
-            .originalPath = field<std::string>(object, "originalPath"),
-            .name = field<std::string>(object, "name"),
+            .originalPath = pathBytes(field<std::string>(object, "originalPath")),
+            .name = pathBytes(field<std::string>(object, "name")),
             .gb = field<double>(object, "gb"),
             .taken = field<double>(object, "taken")};
 }
@@ -60,8 +61,12 @@ const char* TrashError::what() const noexcept {
 }
 
 ordered toJson(const TrashItem& item) {
-    return {{"id", item.id},     {"opID", item.opID},     {"originalPath", item.originalPath},
-            {"name", item.name}, {"gb", finite(item.gb)}, {"taken", finite(item.taken)}};
+    return {{"id", item.id},
+            {"opID", item.opID},
+            {"originalPath", pathText(item.originalPath)},
+            {"name", pathText(item.name)},
+            {"gb", finite(item.gb)},
+            {"taken", finite(item.taken)}};
 }
 
 ordered toJson(const Operation& operation) {

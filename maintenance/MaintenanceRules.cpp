@@ -100,7 +100,7 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::fromSystemTrash() const {
     std::vector<SystemTrash::Item> old = systemTrash_.items();
     std::erase_if(old, [&](const SystemTrash::Item& item) {
         const double days = std::trunc((now - item.since) / secondsPerDay);
-        return days <= longestInTrash || isProtectedPath(item.path) || !isValidUtf8(item.path);
+        return days <= longestInTrash || isProtectedPath(item.path);
     });
     std::vector<std::string> paths;
     for (const SystemTrash::Item& item : old)

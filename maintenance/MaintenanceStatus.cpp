@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "maintenance/next_run.h"
-#include "platform/values/text.h"
+#include "platform/values/path_text.h"
 
 namespace velto {
 namespace {
@@ -14,7 +14,7 @@ using nlohmann::json;
 std::vector<std::string> known(const std::vector<std::string>& places) {
     std::vector<std::string> known;
     for (const std::string& place : places) {
-        if (!place.empty()) known.push_back(validUtf8(place));
+        if (!place.empty()) known.push_back(pathText(place));
     }
     return known;
 }

@@ -128,8 +128,7 @@ std::vector<DuplicateCopy> duplicateCopies(const Platform& platform,
         const auto kept = std::ranges::find_if_not(distinct, isLeaving);
         if (kept == distinct.end()) continue;
         for (auto file = distinct.begin(); file != distinct.end(); ++file) {
-            // A name that is no text cannot be moved to the trash.
-            if (file == kept || !isValidUtf8(file->path)) continue;
+            if (file == kept) continue;
             copies.push_back({*file, *kept, group.gb});
         }
     }

@@ -9,6 +9,7 @@
 
 #include "cleaning/TrashRecords.h"
 #include "platform/values/PropertyList.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/figures.h"
@@ -219,8 +220,9 @@ void AppRemover::fail(const std::string& path, RemovalReason reason, Result& res
 nlohmann::json toJson(const AppRemover::Result& result) {
     nlohmann::json failures = nlohmann::json::array();
     for (const AppRemover::Failure& failure : result.failures) {
-        failures.push_back(
-            {{"name", failure.name}, {"path", failure.path}, {"reason", failure.reason}});
+        failures.push_back({{"name", pathText(failure.name)},
+                            {"path", pathText(failure.path)},
+                            {"reason", failure.reason}});
     }
     return {{"name", result.name},
             {"removed", result.removed},

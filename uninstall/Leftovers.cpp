@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/figures.h"
@@ -23,8 +24,8 @@ struct Item {
 
 nlohmann::json toJson(const Item& item) {
     return {{"id", item.id},
-            {"name", item.name},
-            {"path", item.what.path},
+            {"name", pathText(item.name)},
+            {"path", pathText(item.what.path)},
             {"gb", item.gb},
             {"conf", rawValue(item.what.conf)},
             {"admin", item.what.admin},
@@ -150,7 +151,7 @@ nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, cons
     const Totals totals = totalsOf(items);
     return {{"bid", entry.bid},
             {"name", entry.name},
-            {"path", entry.path},
+            {"path", pathText(entry.path)},
             {"version", entry.version},
             {"icon", apps.iconDataURL(entry.path, iconSize).value_or("")},
             {"gb", gb},
@@ -171,7 +172,7 @@ std::map<std::string, LinkTarget> linkTargets(const Platform& platform, const In
     std::map<std::string, LinkTarget> targets;
     for (const auto& group : analysis.at("groups")) {
         for (const auto& item : group.at("items")) {
-            const std::string path = item.at("path");
+            const std::string path = pathBytes(item.at("path").get<std::string>());
             if (auto target = removal.linkTarget(path)) targets.emplace(path, std::move(*target));
         }
     }

@@ -178,7 +178,7 @@ TEST_F(Scanner, ANameThatIsNotUtf8CountsAndShowsItsBadBytes) {
     file("Music/a\xFF.mp3", 300'000'000);
     scan();
     EXPECT_EQ(onlyBigFile().name, "a\xEF\xBF\xBD.mp3");
-    EXPECT_EQ(onlyBigFile().path, at("Music/a\xEF\xBF\xBD.mp3"));
+    EXPECT_EQ(onlyBigFile().path, at("Music/a\xFF.mp3")) << "and is acted on by all of them";
     ASSERT_THAT(scanner.fileList, SizeIs(1));
     EXPECT_EQ(scanner.fileList[0].path, at("Music/a\xFF.mp3"));
 }

@@ -156,7 +156,7 @@ TEST_F(DuplicateGroups, SizesHaveAPointInEveryLocale) {
 TEST_F(DuplicateGroups, ANameThatIsNotUtf8ShowsItsBadBytes) {
     const auto group = groups({copy("a\xFF.mov", 1, 1)})[0];
     EXPECT_EQ(group.name, "a\xEF\xBF\xBD.mov");
-    EXPECT_EQ(group.paths[0], machine.home.path("a\xEF\xBF\xBD.mov"));
+    EXPECT_EQ(group.paths[0], machine.home.path("a\xFF.mov")) << "and is acted on by all of them";
     EXPECT_EQ(group.pairs[0][0][0], "a\xEF\xBF\xBD.mov");
 }
 

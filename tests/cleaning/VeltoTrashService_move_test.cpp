@@ -238,11 +238,38 @@ TEST_F(TrashMoveTest, ALongNameIsCutBetweenCharactersInTheTrashAndWholeInItsPlac
     EXPECT_EQ(home.read(name), "content");
 }
 
-TEST_F(TrashMoveTest, ANameThatIsNoTextStaysWhereItIs) {
+TEST_F(TrashMoveTest, ANameThatIsNoTextIsMovedAndRestoredLikeAnyOther) {
     const std::string path = home.path("bad \xff name");
     write(path, "content");
-    EXPECT_EQ(refusal([&] { service.moveToTrash({path}, "wind"); }), Reason::notFound);
+    service.moveToTrash({path}, "wind");
+    EXPECT_FALSE(process.files.exists(path));
+    EXPECT_EQ(readByOthers(), lists());
+    EXPECT_EQ(service.items().at(0).originalPath, path);
+    service.restore(service.items().at(0).id);
     EXPECT_EQ(read(path), "content");
+}
+
+TEST_F(TrashMoveTest, ALongNameThatIsNoTextIsCutAndRestoredWhole) {
+    // With the id before it the cut comes after 244 of its bytes.
+    const std::string middle = "\xff日é\xe2\x82\xf0";
+    for (std::size_t before = 0; before <= middle.size(); ++before) {
+        std::string name = std::string(244 - before, '\xfe') + middle;
+        name.resize(255, 'x');
+        write(home.path(name), "content");
+        service.moveToTrash({home.path(name)}, "wind");
+        const TrashItem item = service.items().at(0);
+        const auto names = process.files.list(operationFolder(item.opID));
+        ASSERT_EQ(names.size(), 1u);
+        const std::string& stored = names[0];
+        EXPECT_GE(stored.size(), 253u) << "no more is cut than has to be";
+        EXPECT_LE(stored.size(), 255u);
+        EXPECT_TRUE((item.id + "-" + name).starts_with(stored));
+        const std::size_t cut = stored.size() - item.id.size() - 1;
+        EXPECT_THAT(cut - (244 - before), testing::Not(testing::AnyOf(2, 3, 5)))
+            << "within a character";
+        service.restore(item.id);
+        EXPECT_EQ(read(home.path(name)), "content");
+    }
 }
 
 TEST_F(TrashMoveTest, AKindThatIsNoTextDoesNotSpoilTheManifest) {

@@ -1,6 +1,8 @@
+import { readable } from './bytes.ts';
+
 /** Letters count alike with and without marks and capitals: "informacion" finds "Información". */
 export function folded(text: string): string {
-  return text.normalize('NFD').replace(/\p{Mn}/gu, '').toLowerCase();
+  return readable(text).normalize('NFD').replace(/\p{Mn}/gu, '').toLowerCase();
 }
 
 /** Every word of the search has to be found, in any order. */

@@ -1,3 +1,5 @@
+import { readable } from './bytes.ts';
+
 /**
  * Control and direction marks in a file's name are shown, not obeyed: a name must not be able to
  * turn itself around or hide a part of itself.
@@ -36,5 +38,5 @@ export function hasMarks(name: string): boolean {
 
 /** The name as one plain string, for tooltips and labels. */
 export function plainName(name: string): string {
-  return name.replace(marks, (mark) => `⟨${codePoint(mark)}⟩`);
+  return readable(name).replace(marks, (mark) => `⟨${codePoint(mark)}⟩`);
 }

@@ -48,8 +48,7 @@ export function list<Entry>(value: unknown, read: (fields: Fields) => Entry | nu
 }
 
 /**
- * Lists are shown and selected by path or id, so each may appear once. Two files can only share a
- * path here when bytes that are no text were replaced in it; neither could be acted on then.
+ * Lists are shown and selected by path or id, so each may appear once.
  */
 export function distinct<Entry>(entries: Entry[], key: (entry: Entry) => string): Entry[] {
   const seen = new Set<string>();

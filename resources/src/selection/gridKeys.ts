@@ -1,3 +1,5 @@
+import { hasStrayBytes } from '../names/bytes.ts';
+
 /**
  * Keys of a list with one tab stop. Rows carry `data-key`; the actions inside a row are reached
  * with the right arrow and left with the left one.
@@ -18,6 +20,14 @@ export interface ListActions {
 }
 
 const rowsPerPage = 10;
+
+/** The row of a key inside `list`. */
+export function rowWithKey(list: ParentNode | null | undefined, key: string): HTMLElement | null {
+  if (!list) return null;
+  // Selectors know no U+0000, which stands for a byte of a name that is no text.
+  if (!hasStrayBytes(key)) return list.querySelector<HTMLElement>(`[data-key="${CSS.escape(key)}"]`);
+  return [...list.querySelectorAll<HTMLElement>('[data-key]')].find((row) => row.dataset.key === key) ?? null;
+}
 
 function target(event: KeyboardEvent, index: number, count: number): number | null {
   switch (event.key) {

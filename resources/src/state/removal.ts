@@ -1,5 +1,6 @@
 /** The things a view can ask to have done with files. */
 import { language } from '../language/language.svelte.ts';
+import { fileUrl, hasStrayBytes } from '../names/bytes.ts';
 import { plainName } from '../names/marks.ts';
 import { shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
@@ -61,10 +62,13 @@ export function excludeFromAnalysis(path: string): void {
   send('addExclusion', path);
 }
 
-/** Puts the paths on the clipboard, one a line; works without the clipboard permission. */
+/**
+ * Puts the paths on the clipboard, one a line; works without the clipboard permission. A path that no
+ * text can say goes as a file URL.
+ */
 export function copyPaths(paths: string[]): void {
   const fill = (event: ClipboardEvent) => {
-    event.clipboardData?.setData('text/plain', paths.join('\n'));
+    event.clipboardData?.setData('text/plain', paths.map((path) => (hasStrayBytes(path) ? fileUrl(path) : path)).join('\n'));
     event.preventDefault();
     event.stopPropagation();
   };

@@ -1,4 +1,6 @@
 import { describe, expect, it } from 'vitest';
+import { fileUrl, readable } from '../../src/names/bytes.ts';
+import { createSearch } from '../../src/names/folded.ts';
 import { nameParts, plainName } from '../../src/names/marks.ts';
 import { folderOf, lastComponent, splitForMiddle } from '../../src/names/middle.ts';
 import { isProtectedPath } from '../../src/names/protectedPaths.ts';
@@ -85,4 +87,23 @@ describe('protected places', () => {
   it.each(['/Users/a/Movies/x.mov', '/Users/a/Documents/mail.txt', '/Users/a/Messages/x'])('not %s', (path) =>
     expect(isProtectedPath(path)).toBe(false),
   );
+});
+
+describe('names that are no text', () => {
+  const name = '/home/ana/caf\0e9 ñ\0ff.mov';
+
+  it('show a replacement character for each byte, and are no marks', () => {
+    expect(readable(name)).toBe('/home/ana/caf\ufffd ñ\ufffd.mov');
+    expect(plainName(name)).toBe('/home/ana/caf\ufffd ñ\ufffd.mov');
+    expect(readable('/a/b\\u0000ff')).toBe('/a/b\\u0000ff');
+  });
+
+  it('are found by what is seen of them', () => {
+    expect(createSearch('caf ñ')(name)).toBe(true);
+    expect(createSearch('e9')(name)).toBe(false);
+  });
+
+  it('have a file URL that says every byte', () => {
+    expect(fileUrl(name)).toBe('file:///home/ana/caf%E9%20%C3%B1%FF.mov');
+  });
 });

@@ -8,7 +8,7 @@
 #include "fuzz/engine/Target.h"
 #include "fuzz/engine/linux/ConfinedHome.h"
 #include "fuzz/engine/sections.h"
-#include "platform/values/text.h"
+#include "platform/values/path_text.h"
 #include "support/fakes.h"
 
 namespace velto::fuzz {
@@ -60,7 +60,8 @@ void judge(std::string_view input) {
     World world(sections);
     world.attempt([&] {
         for (const TrashItem& item : world.trash.items())
-            require(isValidUtf8(item.originalPath), "what is shown is UTF-8");
+            require(pathBytes(pathText(item.originalPath)) == item.originalPath,
+                    "what is shown comes back as it is");
     });
     const auto first = [&] {
         const auto& items = world.trash.items();

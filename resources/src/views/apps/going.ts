@@ -1,5 +1,6 @@
 /** Back from one application to the list, with the focus on the row it was opened from. */
 import { tick } from 'svelte';
+import { rowWithKey } from '../../selection/gridKeys.ts';
 import { leftovers } from '../../state/leftovers.svelte.ts';
 import { uninstalling } from '../../state/uninstalling.svelte.ts';
 import { navigation } from '../../state/navigation.svelte.ts';
@@ -11,7 +12,7 @@ export function backToList(): void {
   leftovers.close();
   choice.forget();
   void tick().then(() => {
-    const row = document.querySelector<HTMLElement>(`[data-region="list"] [data-key="${CSS.escape(path)}"]`);
+    const row = rowWithKey(document.querySelector('[data-region="list"]'), path);
     if (row) row.focus();
     else navigation.arrive('apps');
   });
