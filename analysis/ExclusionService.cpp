@@ -15,6 +15,9 @@ namespace {
 constexpr const char* fileName = "/exclusions.json";
 constexpr ReadLimit limit = ownFile(64 << 20);  // some hundred thousand paths
 
+/// An empty text would be above every path, and no walk ever meets a relative one.
+bool isAbsolute(const std::string& path) { return path.starts_with('/'); }
+
 }  // namespace
 
 ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
@@ -22,6 +25,7 @@ ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
     try {
         const auto json = parseJson(files_.read(folder_ + fileName, limit));
         if (json.is_array()) paths_ = pathsOfTexts(json.get<std::vector<std::string>>());
+        std::erase_if(paths_, [](const std::string& path) { return !isAbsolute(path); });
     } catch (const FileError&) {
         // Nothing was excluded yet.
     } catch (const nlohmann::json::exception&) {
@@ -40,7 +44,7 @@ bool ExclusionService::isExcluded(std::string_view path) const {
 }
 
 void ExclusionService::add(const std::string& path) {
-    if (isExcluded(path)) return;
+    if (!isAbsolute(path) || isExcluded(path)) return;
     paths_.push_back(path);
     save();
 }

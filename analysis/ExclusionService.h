@@ -22,7 +22,8 @@ public:
     /// True when the path equals an entry or lies below one. Exact comparison.
     bool isExcluded(std::string_view path) const;
 
-    /// Appends the path unless it is excluded already, and saves.
+    /// Appends the path unless it is excluded already, and saves. What is no absolute path excludes
+    /// nothing, here as in the stored list.
     void add(const std::string& path);
 
     /// Takes an entry back (exact match) and saves; an unknown one changes nothing.

@@ -92,7 +92,7 @@ void JSBridge::onRevealPath(const Payload& payload) {
 
 void JSBridge::onAddExclusion(const Payload& payload) {
     const auto path = payload::path(payload);
-    if (!path) return;
+    if (!path || !path->starts_with('/')) return;
     exclusions_.add(*path);
     toast("Excluido del análisis", "Excluded from the analysis", *path);
     evaluate(events::exclusions(exclusions_.paths()));

@@ -104,6 +104,16 @@ TEST_F(ExclusionTest, ADamagedListIsEmptyAndReplacedAtTheNextSave) {
     EXPECT_EQ(machine.home.read(exclusionsPath), "[\"/h/a\"]");
 }
 
+TEST_F(ExclusionTest, WhatIsNoAbsolutePathExcludesNothing) {
+    machine.home.text(exclusionsPath, R"(["","Music","/h/a","./b"])");
+    ExclusionService exclusions = make();
+    EXPECT_THAT(exclusions.paths(), ElementsAre("/h/a"));
+    EXPECT_FALSE(exclusions.isExcluded("/h/b"));
+    for (const char* path : {"", "Music", "~"})
+        exclusions.add(path);
+    EXPECT_THAT(exclusions.paths(), ElementsAre("/h/a"));
+}
+
 struct PermissionTest : testing::Test {
     TestPlatform machine;
     PermissionService permissions{machine.platform};
