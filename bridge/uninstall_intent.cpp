@@ -19,7 +19,7 @@ namespace velto {
 
 /// What an uninstall has taken away.
 struct UninstallRecord {
-    std::vector<std::string> gone;  // chosen paths at which nothing is any more
+    std::vector<std::string> gone;  // places at which nothing is any more, see `placesOf`
     bool hasChanged = false;        // at one of them something was when the removal began
     Operation operation;            // as the history shows it; no items, no entry
 };
@@ -42,6 +42,19 @@ std::vector<std::string> existing(const FileManager& files, const std::vector<st
     std::ranges::copy_if(paths, std::back_inserter(found),
                          [&](const std::string& path) { return files.exists(path); });
     return found;
+}
+
+/// The chosen paths, and where those lead that are links or lie behind one: the analysis lists what
+/// is there, and not what a link shows of it.
+std::vector<std::string> placesOf(const std::vector<std::string>& chosen,
+                                  const AppRemover::ShownTargets& shown) {
+    std::vector<std::string> places = chosen;
+    for (const std::string& path : chosen) {
+        if (const auto target = shown.find(path); target != shown.end()) {
+            places.push_back(target->second);
+        }
+    }
+    return places;
 }
 
 bool contains(const std::vector<std::string>& paths, const std::string& path) {
@@ -123,19 +136,22 @@ Operation operationOf(const Platform& platform, const AppRemover::Result& result
 Outcome uninstall(const Platform& platform, AppsWork& work, const Request& request,
                   const AppRemover::Progress& progress) {
     const FileManager& files = *platform.files;
-    const std::vector<std::string> before = existing(files, request.paths);
+    const AppRemover::ShownTargets shown = work.shown.of(request.path);
+    const std::vector<std::string> places = placesOf(request.paths, shown);
+    const std::vector<std::string> before = existing(files, places);
     Outcome outcome;
     try {
-        outcome.result =
-            work.remover.uninstall(entryAt(platform, work.apps, request.path), request.paths,
-                                   progress, work.shown.of(request.path));
+        outcome.result = work.remover.uninstall(entryAt(platform, work.apps, request.path),
+                                                request.paths, progress, shown);
     } catch (const std::exception& error) {
         platform.log->line("Velto ▶ desinstalador: interrumpida: " + singleLine(error.what()));
         outcome.result = cutShort(files, request, before);
     }
-    const std::vector<std::string> left = existing(files, request.paths);
-    for (const std::string& path : request.paths) {
-        if (!contains(left, path)) outcome.record.gone.push_back(path);
+    const std::vector<std::string> left = existing(files, places);
+    for (const std::string& place : places) {
+        // A link may be left that leads nowhere.
+        const bool isRemoved = contains(outcome.result.gone, place);
+        if (isRemoved || !contains(left, place)) outcome.record.gone.push_back(place);
     }
     outcome.record.hasChanged = before.size() != left.size();
     outcome.record.operation = operationOf(platform, outcome.result, request.sizes);

@@ -259,6 +259,23 @@ TEST_F(UninstallIntent, WhatIsGoneOnlyInPartIsNotOfferedAnyMore) {
     EXPECT_THAT(history.entries(), IsEmpty()) << "some of it is there yet";
 }
 
+TEST_F(UninstallIntent, WhatLayBehindAChosenLinkIsNotOfferedAnyMore) {
+    const std::string foo = application("Foo", "com.example.foo");
+    const std::string place = machine.home.folder("Documents/elsewhere");
+    showLargeFile(machine.home.text("Documents/elsewhere/large.bin", "x").path());
+    machine.home.link("Library/Caches/com.example.foo", place);
+    const std::string link = machine.home.path("Library/Caches/com.example.foo");
+    post("appAnalysis", {{"path", foo}});  // which shows where the link leads
+    machine.dispatcher.runAll();
+    page->scripts.clear();
+    post("uninstall", {{"path", foo}, {"paths", {link}}});
+    machine.dispatcher.runAll();
+    EXPECT_EQ(result()["removed"], 1) << result().dump();
+    EXPECT_FALSE(machine.home.exists("Documents/elsewhere"));
+    ASSERT_THAT(page->calls("setState"), testing::SizeIs(1));
+    EXPECT_THAT(page->calls("setState").back(), Not(HasSubstr("large.bin")));
+}
+
 TEST_F(UninstallIntent, AFolderOfApplicationsIsNoApplicationAndNothingInItIsQuit) {
     const std::string inHome = application("Foo", "com.example.foo");
     const HomeLayout& layout = machine.platform.layout;
