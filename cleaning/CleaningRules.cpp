@@ -89,6 +89,7 @@ std::vector<Candidate> CleaningRules::discoverAll() {
     for (const Rule& rule : rules()) {
         if (!access && readsDownloads(rule.id)) continue;
         for (const Candidate& candidate : candidatesOf(rule)) {
+            if (trashRefusal(platform_, candidate.path)) continue;
             const auto [place, isNew] = merged.try_emplace(candidate.path, candidate);
             if (!isNew && candidate.gb > place->second.gb) place->second = candidate;
         }

@@ -76,6 +76,12 @@ TEST_F(CleaningRulesCachesTest, NothingBehindALinkIsCountedOrProposed) {
     EXPECT_THAT(discoverAll(), IsEmpty());
 }
 
+TEST_F(CleaningRulesCachesTest, WhatTheTrashWouldRefuseIsNotProposed) {
+    folderOf("Library/Caches/com.example.MailClient", 900'000'000);  // a protected word
+    const std::string other = folderOf("Library/Caches/com.example.other", 60'000'000);
+    EXPECT_THAT(paths(discoverAll()), ElementsAre(other));
+}
+
 TEST_F(CleaningRulesCachesTest, ANameThatIsNoTextIsProposedLikeAnyOther) {
     if (!makeFolder("Library/Caches/caf\xE9")) {
         GTEST_SKIP() << "this file system has no such names";
