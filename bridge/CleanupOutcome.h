@@ -8,6 +8,7 @@
 
 #include "analysis/post_processing.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/Refusal.h"
 #include "bridge/failure_text.h"
 #include "cleaning/HistoryRecords.h"
 #include "cleaning/TrashRecords.h"
@@ -26,6 +27,7 @@ struct CleanupOutcome {
     bool hasActed = true;                 // false: it failed, or there was nothing to do
     std::optional<FailureText> failure;   // the reason; part of it may have been done all the same
     std::optional<RestoreBlock> blocked;  // set besides when an item could go to another folder
+    std::optional<Refusal> refusal;       // set besides when the trash's rules were the reason
     double gb = 0;                        // of the operation
 
     // Paths that have left their place, and paths that stand at it again.

@@ -1,5 +1,8 @@
 #include "bridge/TrashIntents.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "cleaning/folder_size.h"
@@ -24,6 +27,43 @@ void measureFolders(const std::vector<std::string>& paths, const Platform& platf
     const auto measured = folderSizes(*platform.directories, folders);
     for (std::size_t index = 0; index < folders.size(); ++index) {
         if (measured[index]) sizes[folders[index]] = gigabytes(*measured[index]);
+    }
+}
+
+/// One refused path stops the whole selection; which ones they are is found out at once.
+void requireAdmitted(VeltoTrashService& trash, const std::vector<std::string>& paths) {
+    Refusal refusal;
+    for (const std::string& path : paths) {
+        try {
+            trash.validate(path);
+            refusal.rest.push_back(path);
+        } catch (const TrashError& error) {
+            refusal.items.push_back({.path = path, .reason = error.reason()});
+        }
+    }
+    if (!refusal.items.empty()) throw RefusedSelection(std::move(refusal));
+}
+
+Operation moved(VeltoTrashService& trash, const std::vector<std::string>& paths,
+                const std::string& kind, const VeltoTrashService::KnownSizes& sizes) {
+    try {
+        return trash.moveToTrash(paths, kind, sizes);
+    } catch (const TrashError&) {
+        requireAdmitted(trash, paths);  // something has changed since the first look
+        throw;
+    }
+}
+
+/// Does something with an item; a refusal names it.
+template <typename Action>
+void withItem(VeltoTrashService& trash, const std::string& id, Action action) {
+    const auto& items = trash.items();
+    const auto found = std::ranges::find(items, id, &TrashItem::id);
+    const std::string path = found == items.end() ? std::string() : found->originalPath;
+    try {
+        action();
+    } catch (const TrashError& error) {
+        throw RefusedSelection({.items = {{.path = path, .reason = error.reason()}}, .rest = {}});
     }
 }
 
@@ -53,11 +93,10 @@ void TrashIntents::moveToTrash(const std::vector<std::string>& paths, const std:
         [&platform = platform_, paths, kind, sizes = knownSizes(paths)](CleanupServices& services,
                                                                         CleanupOutcome& outcome) {
             // Before measuring: what may not be moved is not walked either.
-            for (const std::string& path : paths)
-                services.trash.validate(path);
+            requireAdmitted(services.trash, paths);
             auto allSizes = sizes;
             measureFolders(paths, platform, allSizes);
-            const Operation operation = services.trash.moveToTrash(paths, kind, allSizes);
+            const Operation operation = moved(services.trash, paths, kind, allSizes);
             services.history.record(operation);
             outcome.gb = operation.gb;
         },
@@ -107,7 +146,9 @@ void TrashIntents::onRestoreItem(const Payload& payload) {
     const auto id = payload::string(payload);
     if (!id) return;
     link_.enqueue(
-        [id = *id](CleanupServices& services, CleanupOutcome&) { services.trash.restore(id); },
+        [id = *id](CleanupServices& services, CleanupOutcome&) {
+            withItem(services.trash, id, [&] { services.trash.restore(id); });
+        },
         [this](const CleanupOutcome& outcome) {
             if (!outcome.failure) return;
             link_.toastFailure("No se pudo restaurar", "Couldn't restore", outcome);
@@ -134,37 +175,39 @@ void TrashIntents::onRestoreItemTo(const Payload& payload) {
 
 void TrashIntents::restoreTo(const std::string& itemID, const std::string& name,
                              const std::string& folder) {
-    link_.enqueue([itemID, folder](CleanupServices& services,
-                                   CleanupOutcome&) { services.trash.restoreTo(itemID, folder); },
-                  [this, name, folder](const CleanupOutcome& outcome) {
-                      // Titles of their own: the page takes the others for answers to what it has
-                      // asked.
-                      if (outcome.failure) {
-                          link_.toastFailure("No se pudo restaurar ahí", "Couldn't restore there",
-                                             outcome);
-                          return;
-                      }
-                      const std::string place = shownPath(folder, platform_.layout.home);
-                      link_.toast("Restaurado", "Restored",
-                                  language_.text(fmt::format("«{}» está ahora en {}.", name, place),
-                                                 fmt::format("“{}” is in {} now.", name, place)));
-                  });
+    link_.enqueue(
+        [itemID, folder](CleanupServices& services, CleanupOutcome&) {
+            withItem(services.trash, itemID, [&] { services.trash.restoreTo(itemID, folder); });
+        },
+        [this, name, folder](const CleanupOutcome& outcome) {
+            // Titles of their own: the page takes the others for answers to what it has
+            // asked.
+            if (outcome.failure) {
+                link_.toastFailure("No se pudo restaurar ahí", "Couldn't restore there", outcome);
+                return;
+            }
+            const std::string place = shownPath(folder, platform_.layout.home);
+            link_.toast("Restaurado", "Restored",
+                        language_.text(fmt::format("«{}» está ahora en {}.", name, place),
+                                       fmt::format("“{}” is in {} now.", name, place)));
+        });
 }
 
 void TrashIntents::onPurgeItem(const Payload& payload) {
     const auto id = payload::string(payload);
     if (!id) return;
-    link_.enqueue([id = *id](CleanupServices& services,
-                             CleanupOutcome&) { services.trash.deletePermanently(id); },
-                  [this](const CleanupOutcome& outcome) {
-                      if (outcome.failure) {
-                          link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
-                      } else {
-                          link_.toast(
-                              "Eliminado", "Deleted",
-                              language_.text("Eliminado definitivamente.", "Deleted permanently."));
-                      }
-                  });
+    link_.enqueue(
+        [id = *id](CleanupServices& services, CleanupOutcome&) {
+            withItem(services.trash, id, [&] { services.trash.deletePermanently(id); });
+        },
+        [this](const CleanupOutcome& outcome) {
+            if (outcome.failure) {
+                link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
+            } else {
+                link_.toast("Eliminado", "Deleted",
+                            language_.text("Eliminado definitivamente.", "Deleted permanently."));
+            }
+        });
 }
 
 void TrashIntents::onPurgeTrash(const Payload&) {

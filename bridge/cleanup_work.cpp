@@ -5,6 +5,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
 #include "bridge/events.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -41,6 +42,15 @@ void noteMoves(const std::vector<TrashItem>& before, const std::vector<TrashItem
     }
 }
 
+std::optional<Refusal> refusalOf(const std::exception& error) {
+    if (const auto* selection = dynamic_cast<const RefusedSelection*>(&error)) {
+        return selection->refusal();
+    }
+    const auto* refused = dynamic_cast<const TrashError*>(&error);
+    if (refused == nullptr) return std::nullopt;
+    return Refusal{.items = {{.path = "", .reason = refused->reason()}}, .rest = {}};
+}
+
 }  // namespace
 
 std::shared_ptr<const CleanupOutcome> carryOut(
@@ -52,8 +62,10 @@ std::shared_ptr<const CleanupOutcome> carryOut(
     try {
         work(services, *outcome);
     } catch (const std::exception& error) {
+        platform.log->line("Velto ▶ no se pudo: " + singleLine(error.what()));
         outcome->hasActed = false;
-        outcome->failure = failureText(error, platform.layout.home);
+        outcome->failure = failureText(error, platform.layout);
+        outcome->refusal = refusalOf(error);
         if (const auto* blocked = dynamic_cast<const ReturnBlocked*>(&error)) {
             outcome->blocked = {.itemID = blocked->item().id, .obstacle = blocked->path()};
         }
@@ -92,6 +104,8 @@ const TrashItem* JSBridge::trashItem(const std::string& id) const {
 
 void JSBridge::toastFailure(std::string_view titleEs, std::string_view titleEn,
                             const CleanupOutcome& outcome) {
+    // First, so that the page has its own words ready for the message.
+    if (outcome.refusal) evaluate(events::refused(*outcome.refusal, platform_.layout.home));
     toast(titleEs, titleEn, language_.text(outcome.failure->spanish, outcome.failure->english));
     if (outcome.blocked) evaluate(events::restoreBlocked(*outcome.blocked));
 }

@@ -7,6 +7,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "cleaning/candidates_json.h"
 #include "platform/values/path_text.h"
+#include "platform/values/text.h"
 #include "platform/values/units.h"
 
 namespace velto::events {
@@ -19,6 +20,20 @@ std::string quoted(std::string_view text) {
         result += character;
     }
     return result + '"';
+}
+
+std::string_view reasonWord(const Refusal::Item& item, const std::string& home) {
+    switch (item.reason) {
+        case TrashError::Reason::outsideHome:
+            return standardizedPath(item.path).starts_with(home + "/") ? "link" : "outside";
+        case TrashError::Reason::protected_:
+            return "protected";
+        case TrashError::Reason::notFound:
+            return "gone";
+        case TrashError::Reason::alreadyInTrash:
+            break;
+    }
+    return "trash";
 }
 
 }  // namespace
@@ -80,6 +95,13 @@ std::string trashState(const std::vector<TrashItem>& items) {
                         {"opID", item.opID}});
     }
     return call("onTrashState", literal(list));
+}
+
+std::string refused(const Refusal& refusal, const std::string& home) {
+    auto items = nlohmann::json::array();
+    for (const Refusal::Item& item : refusal.items)
+        items.push_back({{"path", pathText(item.path)}, {"reason", reasonWord(item, home)}});
+    return call("onRefused", literal({{"refused", items}, {"rest", pathTexts(refusal.rest)}}));
 }
 
 std::string restoreBlocked(const RestoreBlock& block) {

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include "bridge/JSBridge.h"
+#include "bridge/failure_text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -60,8 +62,10 @@ void JSBridge::applyMaintenance(const std::string& frequencyBefore) {
         // frequency.
         settings_.setAutoMaintenance(scheduler_.isInstalled());
         if (scheduler_.isInstalled()) settings_.setFrequency(frequencyBefore);
+        log("Velto ▶ mantenimiento no configurado: " + singleLine(error.what()));
+        const FailureText reason = failureText(error, platform_.layout);
         toast("No se pudo configurar el mantenimiento", "Automatic maintenance couldn't be set up",
-              error.what());
+              language_.text(reason.spanish, reason.english));
     }
 }
 

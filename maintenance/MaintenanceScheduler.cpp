@@ -51,7 +51,8 @@ std::string launchAgentText(std::string_view executablePath, std::string_view fr
 void MaintenanceScheduler::install(std::string_view frequency) {
     const bool isAgent = platform_.layout.kind == HomeLayout::Kind::macOS;
     if (!isAgent && !canBeStartedByUnit(platform_.executablePath)) {
-        throw SchedulerError(fmt::format("systemd cannot start a program with this path: {}",
+        throw SchedulerError(SchedulerError::Reason::programPlace,
+                             fmt::format("systemd cannot start a program with this path: {}",
                                          platform_.executablePath));
     }
     const Installed before = installed();  // one that cannot be read is not replaced either
@@ -129,7 +130,8 @@ void MaintenanceScheduler::installAgent(std::string_view frequency) {
     platform_.tools->run(launchctl, {"unload", file});
     const ToolResult load = platform_.tools->run(launchctl, {"load", file});
     if (!load.started) {
-        throw SchedulerError(fmt::format("could not start {}: {}", launchctl, load.startError));
+        throw SchedulerError(SchedulerError::Reason::toolMissing,
+                             fmt::format("could not start {}: {}", launchctl, load.startError));
     }
 }
 
@@ -149,11 +151,13 @@ void MaintenanceScheduler::enableTimer() {
         const ToolResult result = systemctl(step);
         if (!result.started) {
             throw SchedulerError(
+                SchedulerError::Reason::toolMissing,
                 fmt::format("could not start {}: {}", systemctlPath, result.startError));
         }
         if (result.exitStatus != 0) {
             const std::string reason = singleLine(result.standardError);
             throw SchedulerError(
+                SchedulerError::Reason::toolRefused,
                 fmt::format("{} {}: {}", systemctlPath, step.front(),
                             reason.empty() ? fmt::format("status {}", result.exitStatus) : reason));
         }

@@ -11,10 +11,22 @@
 
 namespace velto {
 
-/// Why automatic maintenance could not be set up; the text is for the user.
+/// Why automatic maintenance could not be set up; the text is for the log.
 class SchedulerError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    enum class Reason {
+        programPlace,  // the program's own path cannot be told to the system
+        toolMissing,   // the system's tool could not be started
+        toolRefused,   // it did not do it
+    };
+
+    SchedulerError(Reason reason, const std::string& text)
+        : std::runtime_error(text), reason_(reason) {}
+
+    Reason reason() const { return reason_; }
+
+private:
+    Reason reason_;
 };
 
 /// Makes the unattended maintenance run happen on a schedule, by what the user's system has for

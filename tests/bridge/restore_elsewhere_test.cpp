@@ -140,27 +140,5 @@ TEST_F(RestoreElsewhere, ALinkInTheTrashsPlaceIsToldAndEmptyingLeavesWhatItLeads
     EXPECT_EQ(leavesBelow(machine.home.path("precious")), std::set<std::string>{"file"});
 }
 
-TEST(FailureText, OfATrashThatIsInUseIsInBothLanguages) {
-    const FailureText text = failureText(FileError("lock", "/h/Trash.lock", EWOULDBLOCK), "/h");
-    EXPECT_EQ(text.spanish,
-              "Otra copia de Velto está usando la Papelera. Inténtalo de nuevo en un momento.");
-    EXPECT_EQ(text.english, "Another Velto is using the trash. Try again in a moment.");
-}
-
-TEST(FailureText, OfAnythingElseIsItsOwn) {
-    const FileError error("move", "/h/a", EIO);
-    EXPECT_EQ(failureText(error, "/h").english, error.what());
-    EXPECT_EQ(failureText(error, "/h").spanish, error.what());
-    EXPECT_EQ(failureText(TrashError(TrashError::Reason::notFound), "/h").english,
-              "El archivo ya no existe.");
-}
-
-TEST(FailureText, PathsOfTheHomeAreShort) {
-    EXPECT_EQ(shownPath("/h/a/b", "/h"), "~/a/b");
-    EXPECT_EQ(shownPath("/h", "/h"), "/h");
-    EXPECT_EQ(shownPath("/home2/a", "/home"), "/home2/a");
-    EXPECT_EQ(shownPath("/h/\xff", "/h"), "~/\uFFFD");
-}
-
 }  // namespace
 }  // namespace velto

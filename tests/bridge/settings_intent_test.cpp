@@ -82,11 +82,15 @@ TEST_F(SettingsIntent, AFailedInstallationIsToldInTheUsersLanguage) {
     machine.tools.result = {.started = false, .startError = "No such file or directory"};
     post("settings", {{"enabled", true}});
     EXPECT_THAT(page->calls("toast").back(),
-                HasSubstr("\"Automatic maintenance couldn't be set up\", \"could not start "
-                          "/bin/launchctl: No such file or directory\""));
+                HasSubstr("\"Automatic maintenance couldn't be set up\", \"The part of the "
+                          "system that starts programs on time is missing.\""));
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ mantenimiento no configurado: could not start "
+                          "/bin/launchctl: No such file or directory"));
     post("settings", {{"enabled", true}, {"language", "es"}});
     EXPECT_THAT(page->calls("toast").back(),
-                HasSubstr("\"No se pudo configurar el mantenimiento\""));
+                HasSubstr("\"No se pudo configurar el mantenimiento\", \"Falta la parte del "
+                          "sistema que inicia programas a su hora.\""));
 }
 
 TEST_F(SettingsIntent, ARetentionBeyondAllNumbersIsTheLongestOne) {

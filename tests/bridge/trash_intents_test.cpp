@@ -110,6 +110,45 @@ TEST_F(TrashIntents, ARefusedPathMovesNothingAndSaysWhy) {
               toastScript("No se pudo eliminar", "El archivo ya no existe."));
 }
 
+TEST_F(TrashIntents, WhatWasRefusedAndWhatCouldGoIsToldBeforeTheMessage) {
+    const std::string mail = machine.home.text("Documents/MailMerge.docx", "x").path();
+    const std::string link = machine.home.path("linked");
+    machine.home.link("linked", machine.home.path("Movies"));
+    const std::string never = machine.home.path("never");
+    const std::string held = machine.home.text(dataFolder + "/Trash/x", "x").path();
+    remove({mail, film, link, never, held, archive, "/etc/hostname"});
+    EXPECT_TRUE(machine.home.exists("Movies/film.mov")) << "nothing is moved unasked";
+    EXPECT_EQ(lastArgument(*page, "onRefused"),
+              json({{"refused",
+                     {{{"path", mail}, {"reason", "protected"}},
+                      {{"path", link}, {"reason", "link"}},
+                      {{"path", never}, {"reason", "gone"}},
+                      {{"path", held}, {"reason", "trash"}},
+                      {{"path", "/etc/hostname"}, {"reason", "outside"}}}},
+                    {"rest", {film, archive}}}));
+    ASSERT_THAT(page->scripts, SizeIs(3));
+    EXPECT_THAT(page->scripts[1], HasSubstr("onRefused("));
+    EXPECT_THAT(page->scripts[2], HasSubstr("toast("));
+
+    remove({film, archive});
+    EXPECT_FALSE(machine.home.exists("Movies/film.mov"));
+}
+
+TEST_F(TrashIntents, ARefusalAboutAnItemNamesIt) {
+    remove({film});
+    const std::string id = trash.items().front().id;
+    machine.platform.files->removeAll(
+        machine.home.path(dataFolder + "/Trash/" + trash.items().front().opID));
+    for (const char* type : {"restoreItem", "purgeItem"}) {
+        ask(type, id);
+        EXPECT_EQ(
+            lastArgument(*page, "onRefused"),
+            json({{"refused", {{{"path", film}, {"reason", "gone"}}}}, {"rest", json::array()}}));
+    }
+    ask("restoreItem", "itNobody");
+    EXPECT_EQ(lastArgument(*page, "onRefused")["refused"][0]["path"], "");
+}
+
 TEST_F(TrashIntents, AReasonWithAFileNameNeverBecomesScript) {
     const std::string folder = "Documents/a\\\");alert(1);\n";
     remove({machine.home.text(folder + "/file", "x").path()});
@@ -245,14 +284,17 @@ TEST_F(TrashIntents, ATrashThatCannotBeEmptiedStays) {
     machine.home.folder(lock);  // nobody can lock that
     page->scripts.clear();
     ask("purgeTrash");
-    EXPECT_THAT(page->calls("toast").back(), HasSubstr("\"Couldn't empty Trash\", \"could not "));
+    EXPECT_THAT(page->calls("toast").back(),
+                HasSubstr("\"Couldn't empty Trash\", \"The system did not let "));
     EXPECT_THAT(trash.items(), SizeIs(1));
     EXPECT_EQ(count("onTrashState") + count("setState"), 0u) << "nothing has changed";
     language.setCode("es");
     ask("purgeTrash");
-    EXPECT_THAT(page->calls("toast").back(), HasSubstr("\"No se pudo vaciar\", \"could not "));
+    EXPECT_THAT(page->calls("toast").back(),
+                HasSubstr("\"No se pudo vaciar\", \"El sistema no dej"));
     ask("undoLast");
-    EXPECT_THAT(page->calls("toast").back(), HasSubstr("\"No se pudo deshacer\", \"could not "));
+    EXPECT_THAT(page->calls("toast").back(),
+                HasSubstr("\"No se pudo deshacer\", \"El sistema no dej"));
 }
 
 TEST_F(TrashIntents, ClearingTheHistoryLeavesTheTrash) {

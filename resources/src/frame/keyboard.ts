@@ -1,7 +1,7 @@
 /** Keys that work everywhere. Cmd/Ctrl+R belongs to the program's menu and is left alone. */
 import { undoLastCleanup } from '../state/putBack.ts';
 
-const regions = ['rail', 'list', 'actions'];
+const regions = ['rail', 'list', 'actions', 'offer'];
 
 function isTextField(target: EventTarget | null): boolean {
   return target instanceof HTMLElement && target.matches('input, textarea, [contenteditable]');
@@ -13,7 +13,7 @@ function entryOf(region: Element): HTMLElement | null {
   return wanted.map((selector) => region.querySelector<HTMLElement>(selector)).find(Boolean) ?? null;
 }
 
-/** From rail to list to action bar and round again; regions that are not there are passed over. */
+/** From rail to list to action bar to what a message offers, and round again; regions that are not there are passed over. */
 export function focusNextRegion(backwards: boolean): void {
   const present = regions.flatMap((name) => {
     const region = document.querySelector(`[data-region="${name}"]`);

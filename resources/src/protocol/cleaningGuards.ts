@@ -1,8 +1,8 @@
 /** Reads what arrives about cleaning, its trash and its schedule; see guards.ts. */
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
-import { cacheReasons, ruleIds } from './records.ts';
+import { cacheReasons, refusalReasons, ruleIds } from './records.ts';
 import type {
-  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, RestoreBlock, TrashItem,
+  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, TrashItem,
 } from './records.ts';
 
 export function trashItems(value: unknown): TrashItem[] {
@@ -20,6 +20,15 @@ export function trashItems(value: unknown): TrashItem[] {
 export function restoreBlock(value: unknown): RestoreBlock | null {
   const fields = fieldsOf(value);
   return fields && text(fields.id) ? { id: text(fields.id), path: text(fields.path) } : null;
+}
+
+export function refusal(value: unknown): Refusal | null {
+  const fields = fieldsOf(value);
+  const refused = list(fields?.refused, ({ path, reason }) => {
+    const known = refusalReasons.find((one) => one === reason);
+    return known ? { path: text(path), reason: known } : null;
+  });
+  return refused.length ? { refused, rest: [...new Set(texts(fields?.rest))] } : null;
 }
 
 /** An age that is missing counts as none at all here: only what is known to be old is preselected. */

@@ -48,7 +48,7 @@ const readers: Readers = {
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
-  'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress',
+  'onRefused', 'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress',
   'onUninstallResult', 'onSystem',
 ] as const satisfies readonly EventName[];
 

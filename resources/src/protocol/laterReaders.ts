@@ -13,6 +13,10 @@ export const laterReaders: LaterReaders = {
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
+  onRefused: ([value]) => {
+    const refusal = cleaningGuards.refusal(value);
+    return refusal && [refusal];
+  },
   onRestoreBlocked: ([value]) => {
     const block = cleaningGuards.restoreBlock(value);
     return block && [block];

@@ -4,7 +4,7 @@
  */
 import type {
   AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
-  MaintenanceStatus, Permissions, RestoreBlock, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
+  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -77,6 +77,7 @@ export interface Events {
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];
   onTrashChanged: [gb: number];
+  onRefused: [refusal: Refusal];
   onRestoreBlocked: [block: RestoreBlock];
   onCloudMove: [result: CloudMove];
   onApps: [apps: InstalledApp[]];

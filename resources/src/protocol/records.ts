@@ -124,6 +124,16 @@ export interface RestoreBlock {
   path: string;
 }
 
+/** Why the trash does not take something, or cannot give it back. "link": it is one, or lies behind one. */
+export const refusalReasons = ['link', 'outside', 'protected', 'gone', 'trash'] as const;
+export type RefusalReason = (typeof refusalReasons)[number];
+
+/** Nothing was moved because of `refused`; `rest` could go. An item that nobody knows has no path. */
+export interface Refusal {
+  refused: { path: string; reason: RefusalReason }[];
+  rest: string[];
+}
+
 export interface Cleanable {
   ruleID: string;
   path: string;

@@ -4,8 +4,9 @@ import { fileUrl, hasStrayBytes } from '../names/bytes.ts';
 import { plainName } from '../names/marks.ts';
 import { shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
-import type { DuplicateGroup } from '../protocol/protocol.ts';
+import type { DuplicateGroup, Refusal } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
+import { refusalSentences, takeRefusal } from './refusals.ts';
 import { requests, type RequestKind } from './requests.svelte.ts';
 import { session } from './session.svelte.ts';
 import { toasts } from './toasts.svelte.ts';
@@ -25,6 +26,7 @@ export async function moveToTrash(paths: string[], intent: 'deleteFiles' | 'clea
     toasts.show(words.everyCopyTitle, words.everyCopyText(shortInMiddle(plainName(group.name), 48)));
     return;
   }
+  toasts.dismissActions();
   const answer = requests.ask('remove', waiting);
   if (intent === 'cleanPaths') send('cleanPaths', { paths: waiting });
   else send('deleteFiles', { paths: waiting, kind: 'wind' });
@@ -34,17 +36,33 @@ export async function moveToTrash(paths: string[], intent: 'deleteFiles' | 'clea
 /** Shows a message of the program; what answers a request of the page says what that means. */
 export function showAnswer(title: string, detail: string): void {
   const answer = requests.answer(title);
+  const refusal = takeRefusal();
   if (!answer) {
-    toasts.show(title, detail);
+    toasts.show(title, refusal ? refusalSentences(refusal).join(' ') : detail);
     return;
   }
   const failed = answer.outcome === 'failed';
+  if (failed && refusal) {
+    showRefusal(title, answer.kind, refusal);
+    return;
+  }
   if (answer.kind === 'remove' && !failed) {
     toasts.dismissUndo();
     toasts.show(title, detail, { canUndo: true });
     return;
   }
   toasts.show(title, detail, { note: failed ? noteOnFailure(answer.kind) : '' });
+}
+
+/** Which items stopped it and, where others could go without them, the way to move those. */
+function showRefusal(title: string, kind: RequestKind, refusal: Refusal): void {
+  const { rest } = refusal;
+  const words = language.words.trash;
+  toasts.show(title, refusalSentences(refusal).join(' '), {
+    note: noteOnFailure(kind),
+    ...(kind === 'remove' &&
+      rest.length > 0 && { action: { label: words.moveRest(rest.length), run: () => void moveToTrash(rest) } }),
+  });
 }
 
 /** What did not happen, and that nothing was lost. */

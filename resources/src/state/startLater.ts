@@ -9,6 +9,7 @@ import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
 import { machine } from './machine.svelte.ts';
+import { holdRefusal } from './refusals.ts';
 import { showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
 import { session } from './session.svelte.ts';
@@ -29,6 +30,7 @@ export function startLater(): void {
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
       onTrashChanged: (gb) => (session.trashGb = gb),
+      onRefused: (refusal) => holdRefusal(refusal),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),

@@ -8,6 +8,20 @@ export interface Toast {
   note: string;
   /** The message reports something that can be taken back. */
   canUndo: boolean;
+  /** Something that the message offers; it stays until it is taken up, refused or out of date. */
+  action: ToastAction | null;
+}
+
+export interface ToastAction {
+  /** The verb on the button. */
+  label: string;
+  run: () => void;
+}
+
+interface Extras {
+  canUndo?: boolean;
+  note?: string;
+  action?: ToastAction | null;
 }
 
 const shownFor = 10_000;
@@ -19,11 +33,11 @@ class Toasts {
   private lastId = 0;
   private timers = new Map<number, ReturnType<typeof setTimeout>>();
 
-  show(title: string, detail: string, { canUndo = false, note = '' } = {}): void {
+  show(title: string, detail: string, { canUndo = false, note = '', action = null }: Extras = {}): void {
     // The same words again take the place of the first ones.
     const same = this.list.find((other) => !other.canUndo && other.title === title && other.detail === detail);
     if (same) this.dismiss(same.id);
-    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo };
+    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo, action };
     this.list = [...this.list, toast].slice(-mostAtOnce);
     this.resume(toast);
   }
@@ -43,6 +57,11 @@ class Toasts {
     for (const { id, canUndo } of this.list) if (canUndo) this.dismiss(id);
   }
 
+  /** What a message offers belongs to the selection as it was. */
+  dismissActions(): void {
+    for (const { id, action } of this.list) if (action) this.dismiss(id);
+  }
+
   pause(id: number): void {
     clearTimeout(this.timers.get(id));
     this.timers.delete(id);
@@ -50,6 +69,7 @@ class Toasts {
 
   resume(toast: Toast): void {
     this.pause(toast.id);
+    if (toast.action) return;
     const time = toast.canUndo ? shownForUndo : shownFor;
     this.timers.set(toast.id, setTimeout(() => this.dismiss(toast.id), time));
   }

@@ -4,6 +4,15 @@ const { plural, size } = formats.en;
 
 const items = { one: '# item', other: '# items' };
 
+/** The names in quotes, how many more there are, and what holds for one or for several. */
+function named(names: string[], more: number, one: string, several: string): string {
+  const parts = names.map((name) => `“${name}”`);
+  if (more > 0) parts.push(plural(more, { one: '# more', other: '# more' }));
+  return `${listed.format(parts)} ${parts.length === 1 ? one : several}.`;
+}
+
+const listed = new Intl.ListFormat('en', { type: 'conjunction' });
+
 export const trash = {
   label: 'Velto Trash, by cleanup',
   help: 'Arrow keys move, Enter puts an item or a whole cleanup back, Delete asks before it deletes an item for good, right arrow reaches the actions of a row.',
@@ -55,4 +64,20 @@ export const trash = {
   nothingMoved: 'Nothing was moved: everything is where it was.',
   notPutBack: 'What is not back in its place stays in Velto Trash.',
   notDeleted: 'What was not deleted stays in Velto Trash.',
+  refused: {
+    link: (names: string[], more: number) => named(names, more, 'is a link, or lies behind one', 'are links, or lie behind one'),
+    outside: (names: string[], more: number) => named(names, more, 'lies outside your home folder', 'lie outside your home folder'),
+    protected: (names: string[], more: number) =>
+      named(names, more, 'is protected: photos, mail and backups are not moved', 'are protected: photos, mail and backups are not moved'),
+    gone: (names: string[], more: number) => named(names, more, 'is not there any more', 'are not there any more'),
+    trash: (names: string[], more: number) => named(names, more, 'belongs to Velto Trash itself', 'belong to Velto Trash itself'),
+  },
+  refusedUnnamed: {
+    link: 'There is a link on the way.',
+    outside: 'Its place lies outside your home folder.',
+    protected: 'Its place is protected.',
+    gone: 'It is not in Velto Trash any more.',
+    trash: 'Its place belongs to Velto itself.',
+  },
+  moveRest: (count: number) => plural(count, { one: 'Move the other one', other: 'Move the other #' }),
 };

@@ -5,6 +5,15 @@ const { plural, size } = formats.es;
 
 const items = { one: '# elemento', many: '# de elementos', other: '# elementos' };
 
+/** The names in quotes, how many more there are, and what holds for one or for several. */
+function named(names: string[], more: number, one: string, several: string): string {
+  const parts = names.map((name) => `«${name}»`);
+  if (more > 0) parts.push(plural(more, { one: '# más', many: '# más', other: '# más' }));
+  return `${listed.format(parts)} ${parts.length === 1 ? one : several}.`;
+}
+
+const listed = new Intl.ListFormat('es', { type: 'conjunction' });
+
 export const trash: typeof english = {
   label: 'Papelera de Velto, por limpiezas',
   help: 'Las flechas mueven, Intro devuelve a su sitio un elemento o una limpieza entera, Suprimir pregunta antes de eliminar un elemento definitivamente, la flecha derecha llega a las acciones de la fila.',
@@ -59,4 +68,20 @@ export const trash: typeof english = {
   nothingMoved: 'No se ha movido nada: todo sigue donde estaba.',
   notPutBack: 'Lo que no ha vuelto a su sitio sigue en la Papelera de Velto.',
   notDeleted: 'Lo que no se ha eliminado sigue en la Papelera de Velto.',
+  refused: {
+    link: (names, more) => named(names, more, 'es un enlace o está detrás de uno', 'son enlaces o están detrás de uno'),
+    outside: (names, more) => named(names, more, 'está fuera de tu carpeta de usuario', 'están fuera de tu carpeta de usuario'),
+    protected: (names, more) =>
+      named(names, more, 'está protegido: las fotos, el correo y las copias no se mueven', 'están protegidos: las fotos, el correo y las copias no se mueven'),
+    gone: (names, more) => named(names, more, 'ya no está ahí', 'ya no están ahí'),
+    trash: (names, more) => named(names, more, 'es parte de la Papelera de Velto', 'son parte de la Papelera de Velto'),
+  },
+  refusedUnnamed: {
+    link: 'Hay un enlace en el camino.',
+    outside: 'Su sitio está fuera de tu carpeta de usuario.',
+    protected: 'Su sitio está protegido.',
+    gone: 'Ya no está en la Papelera de Velto.',
+    trash: 'Su sitio es de Velto.',
+  },
+  moveRest: (count) => plural(count, { one: 'Mover el otro', many: 'Mover los otros # de elementos', other: 'Mover los otros #' }),
 };
