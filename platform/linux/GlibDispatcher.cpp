@@ -157,15 +157,14 @@ public:
     }
 
     /// Drops what has not begun, and what is added from now on. What dropped work holds goes on a
-    /// thread of the pool, as one more piece of work: letting go of it may hang too.
+    /// thread of the pool, as one more piece of work: letting go of it may hang too. Once is enough:
+    /// a second time would drop that work, here.
     void drop() {
         auto dropped = std::make_shared<std::deque<Work>>();
-        {
-            const std::lock_guard lock(mutex_);
-            dropped->swap(waiting_);
-        }
-        add([dropped = std::move(dropped)] { dropped->clear(); });
         const std::lock_guard lock(mutex_);
+        if (!takesMore_ || pool_ == nullptr) return;
+        dropped->swap(waiting_);
+        push([dropped = std::move(dropped)] { dropped->clear(); });
         takesMore_ = false;
     }
 
@@ -185,14 +184,18 @@ public:
 
     void add(Work work) {
         const std::lock_guard lock(mutex_);
-        if (pool_ == nullptr || !takesMore_) return;
+        if (takesMore_ && pool_ != nullptr) push(std::move(work));
+    }
+
+private:
+    /// With the lock held, while there is a pool.
+    void push(Work work) {
         waiting_.push_back(std::move(work));
         passHandOver();
         // False means that no new thread could be made: the token then waits for a running one.
         g_thread_pool_push(pool_, this, nullptr);
     }
 
-private:
     static void runNext(gpointer, gpointer data) {
         passHandOver();
         static_cast<Pool*>(data)->runOne();
