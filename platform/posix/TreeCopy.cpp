@@ -151,14 +151,14 @@ void TreeCopy::copyPiece(int from, int to, const std::string& path, off_t start,
         start += copied;
     }
     // Through this process when the kernel does not do it; that also tells why it failed.
-    if (start < end) buffer_.resize(bufferSize);
+    if (start < end && !buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
     while (start < end) {
-        const auto wanted = std::min(static_cast<std::size_t>(end - start), buffer_.size());
-        const ssize_t length = calls_.readAt(from, buffer_.data(), wanted, start);
+        const auto wanted = std::min(static_cast<std::size_t>(end - start), bufferSize);
+        const ssize_t length = calls_.readAt(from, buffer_.get(), wanted, start);
         if (length < 0) fail(path);
         if (length == 0) fail(path, EBUSY);  // it has become shorter
         for (ssize_t written = 0; written < length;) {
-            const ssize_t part = calls_.writeAt(to, buffer_.data() + written,
+            const ssize_t part = calls_.writeAt(to, buffer_.get() + written,
                                                 static_cast<std::size_t>(length - written), start);
             if (part < 0) fail(path);
             written += part;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -54,7 +55,7 @@ private:
     FileCalls& calls_;
     Tree copied_;
     std::uint64_t mount_ = 0;  // of the folder that holds the source, and of all that is copied
-    std::vector<char> buffer_;
+    std::unique_ptr<char[]> buffer_;
 };
 
 }  // namespace velto
