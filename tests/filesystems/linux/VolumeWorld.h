@@ -72,6 +72,10 @@ public:
     /// All of what stands at a path, with its extended attributes.
     std::string textOf(const std::string& path) const;
 
+    /// A volume that came to grief in the middle may keep the empty folder of an operation, and a
+    /// whole copy of what was put back where it came from, since nobody can tell whose it is.
+    bool allowsSurplus = false;
+
     const VolumeKind kind;
     const bool tellsCaseApart;  // where the kept things lie
     std::string home;
