@@ -1,5 +1,6 @@
 #include "platform/linux/JsonUserDefaults.h"
 
+#include <cerrno>
 #include <limits>
 
 #include <fmt/format.h>
@@ -53,13 +54,14 @@ std::optional<FileAttributes> attributesOf(const FileManager& files, const std::
 bool isSameFile(const std::optional<FileAttributes>& left,
                 const std::optional<FileAttributes>& right) {
     if (!left || !right) return !left && !right;
-    return left->modified == right->modified && left->logicalSize == right->logicalSize;
+    return left->modified == right->modified && left->logicalSize == right->logicalSize &&
+           left->identity == right->identity;
 }
 
 }  // namespace
 
-JsonUserDefaults::JsonUserDefaults(FileManager& files, Log& log, std::string path)
-    : files_(files), log_(log), path_(std::move(path)) {}
+JsonUserDefaults::JsonUserDefaults(FileManager& files, FileMover* locks, Log& log, std::string path)
+    : files_(files), locks_(locks), log_(log), path_(std::move(path)) {}
 
 std::optional<DefaultsValue> JsonUserDefaults::value(const std::string& key) const {
     const std::lock_guard lock(mutex_);
@@ -83,14 +85,23 @@ void JsonUserDefaults::remove(const std::string& key) {
 
 void JsonUserDefaults::refresh() const {
     auto now = attributesOf(files_, path_);
-    if (isSameFile(now, seen_)) return;
+    if (isSameFile(now, seen_) && !unreadable_) return;
     seen_ = std::move(now);
+    readStored();
+}
+
+void JsonUserDefaults::readStored() const {
     stored_ = json::object();
+    unreadable_.reset();
     if (!seen_) return;
     try {
         stored_ = parseJson(files_.read(path_, limit));
-    } catch (const FileError&) {
-        return;  // cannot be read: counts as empty, as a damaged one does
+    } catch (const RefusedFile&) {
+        return;  // counts as damaged, and a damaged one as empty
+    } catch (const FileError& error) {
+        const bool leadsNowhere = error.code() == ENOENT || error.code() == ELOOP;
+        if (!leadsNowhere) unreadable_ = error;
+        return;
     } catch (const json::exception&) {
         return;
     }
@@ -98,7 +109,22 @@ void JsonUserDefaults::refresh() const {
 }
 
 void JsonUserDefaults::save() {
-    refresh();
+    try {
+        files_.createFolders(parentFolder(path_));
+        const auto lock = locks_ != nullptr ? locks_->lock(path_ + ".lock", true) : nullptr;
+        saveLocked();
+    } catch (const FileError& error) {
+        // The values stay in `unsaved_` for the life of the process; the next change tries again.
+        log_.line("Velto ▶ no se pudieron guardar los ajustes: " + singleLine(error.what()));
+    }
+}
+
+/// What another process has saved is read anew: neither time nor length tells for certain that
+/// nothing has changed.
+void JsonUserDefaults::saveLocked() {
+    seen_ = attributesOf(files_, path_);
+    readStored();
+    if (unreadable_) throw FileError(*unreadable_);
     json content = stored_;
     for (const auto& [key, value] : unsaved_) {
         if (value) {
@@ -107,21 +133,12 @@ void JsonUserDefaults::save() {
             content.erase(key);
         }
     }
-    if (content == stored_ && seen_) {
-        unsaved_.clear();
-        return;
-    }
-    try {
-        files_.createFolders(parentFolder(path_));
+    if (content != stored_ || !seen_) {
         files_.writeAtomically(path_,
                                content.dump(2, ' ', false, json::error_handler_t::replace) + "\n");
-    } catch (const FileError& error) {
-        // The values stay in `unsaved_` for the life of the process; the next change tries again.
-        log_.line("Velto ▶ no se pudieron guardar los ajustes: " + singleLine(error.what()));
-        return;
+        stored_ = std::move(content);
+        seen_ = attributesOf(files_, path_);
     }
-    stored_ = std::move(content);
-    seen_ = attributesOf(files_, path_);
     unsaved_.clear();
 }
 

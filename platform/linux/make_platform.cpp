@@ -148,8 +148,9 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
                                           ? platform->layout.configuration
                                           : configurationFolder(home, *platform->files);
     platform->settingsFolder = configuration + "/velto";
-    platform->defaults = std::make_unique<JsonUserDefaults>(
-        *platform->files, *platform->log, platform->settingsFolder + "/settings.json");
+    platform->defaults =
+        std::make_unique<JsonUserDefaults>(*platform->files, platform->mover.get(), *platform->log,
+                                           platform->settingsFolder + "/settings.json");
     platform->locale = std::make_unique<LinuxLocale>(environment);
     platform->tools = std::make_unique<PosixToolRunner>();
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);

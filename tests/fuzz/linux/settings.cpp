@@ -18,7 +18,7 @@ void judge(std::string_view input) {
     files.put(path, input);
     FakeLog log;
     FakeLocale locale;
-    JsonUserDefaults defaults(files, log, path);
+    JsonUserDefaults defaults(files, nullptr, log, path);
     VeltoSettings settings(defaults, locale);
     const Settings read = settings.record();
     require(read.retention >= 1 && read.retention <= 1'000'000, "a number of days");
@@ -33,7 +33,7 @@ void judge(std::string_view input) {
     settings.setRetention(7);
     settings.setRule("caches", false);
     settings.setFrequency("monthly");
-    JsonUserDefaults others(files, log, path);
+    JsonUserDefaults others(files, nullptr, log, path);
     Settings expected = read;
     expected.retention = 7;
     expected.frequency = "monthly";

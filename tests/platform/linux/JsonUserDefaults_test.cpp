@@ -19,13 +19,14 @@ using testing::SizeIs;
 
 class JsonUserDefaultsTest : public testing::Test {
 protected:
-    JsonUserDefaults store() { return {*files, log, home.path(file)}; }
+    JsonUserDefaults store() { return {*files, mover.get(), log, home.path(file)}; }
     std::optional<DefaultsValue> stored(const std::string& key) { return store().value(key); }
 
     static constexpr const char* file = ".config/velto/settings.json";
     TempHome home;
     FakeLog log;
     std::unique_ptr<FileManager> files = systemFileManager();
+    std::unique_ptr<FileMover> mover = systemFileMover();
 };
 
 TEST_F(JsonUserDefaultsTest, SettingsOfEveryKindAreThereAtTheNextStart) {
