@@ -1,6 +1,7 @@
 #include "analysis/ExclusionService.h"
 
 #include <algorithm>
+#include <memory>
 
 #include <nlohmann/json.hpp>
 
@@ -34,8 +35,11 @@ ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
 }
 
 ExclusionService& ExclusionService::shared() {
-    static ExclusionService instance(*processPlatform().files, processPlatform().layout);
-    return instance;
+    // Lives for ever, as the trash does: work may use it while the process ends.
+    static auto* const instance =
+        std::make_unique<ExclusionService>(*processPlatform().files, processPlatform().layout)
+            .release();
+    return *instance;
 }
 
 bool ExclusionService::isExcluded(std::string_view path) const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <memory>
 
 #include <nlohmann/json.hpp>
 
@@ -37,8 +38,11 @@ CloudFolder::CloudFolder(FileManager& files, FileMover& mover, Log& log, const H
 
 CloudFolder& CloudFolder::shared() {
     Platform& platform = processPlatform();
-    static CloudFolder instance(*platform.files, *platform.mover, *platform.log, platform.layout);
-    return instance;
+    // Lives for ever, as the trash does: work may use it while the process ends.
+    static auto* const instance = std::make_unique<CloudFolder>(*platform.files, *platform.mover,
+                                                                *platform.log, platform.layout)
+                                      .release();
+    return *instance;
 }
 
 CloudFolder::Result CloudFolder::moveTo(const std::vector<std::string>& paths) {

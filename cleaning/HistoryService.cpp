@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -29,9 +30,11 @@ HistoryService::HistoryService(FileManager& files, FileMover& mover, Log& log,
 
 HistoryService& HistoryService::shared() {
     Platform& platform = processPlatform();
-    static HistoryService instance(*platform.files, *platform.mover, *platform.log,
-                                   platform.layout);
-    return instance;
+    // Lives for ever, as the trash does: work may use it while the process ends.
+    static auto* const instance = std::make_unique<HistoryService>(*platform.files, *platform.mover,
+                                                                   *platform.log, platform.layout)
+                                      .release();
+    return *instance;
 }
 
 void HistoryService::record(const Operation& operation) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <memory>
 #include <unordered_set>
 
 #include <fmt/format.h>
@@ -41,9 +42,13 @@ VeltoTrashService::VeltoTrashService(FileManager& files, FileMover& mover, const
 
 VeltoTrashService& VeltoTrashService::shared() {
     Platform& platform = processPlatform();
-    static VeltoTrashService instance(*platform.files, *platform.mover, *platform.clock,
-                                      *platform.log, platform.layout);
-    return instance;
+    // Lives for ever: work may use it while the process ends, when the destructors of static
+    // objects have run already.
+    static auto* const instance =
+        std::make_unique<VeltoTrashService>(*platform.files, *platform.mover, *platform.clock,
+                                            *platform.log, platform.layout)
+            .release();
+    return *instance;
 }
 
 // Deleting for good
