@@ -24,7 +24,8 @@ VeltoApp::VeltoApp(Platform& platform)
       delegate_(platform, AppUsage::shared()),
       cleanups_(*platform.dispatcher, {.trash = VeltoTrashService::shared(),
                                        .history = HistoryService::shared(),
-                                       .cloud = CloudFolder::shared()}) {}
+                                       .cloud = CloudFolder::shared()}),
+      quit_(platform, language_, cleanups_, uninstalls_) {}
 
 VeltoApp::~VeltoApp() = default;
 
@@ -40,13 +41,18 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                                                        .cleanups = cleanups_,
                                                        .uninstalls = uninstalls_});
     bridge_->attach(webView);
+    quit_.setView(webView);
 }
 
 void VeltoApp::pageLoaded() {
     if (bridge_) bridge_->applyBootState();
+    quit_.pageLoaded();
 }
 
-void VeltoApp::windowClosed() { bridge_.reset(); }
+void VeltoApp::windowClosed() {
+    quit_.setView(nullptr);
+    bridge_.reset();
+}
 
 std::span<const AppCommand> VeltoApp::commands() { return commandTable; }
 

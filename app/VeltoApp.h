@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/AppDelegate.h"
+#include "app/OrderlyQuit.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
 #include "platform/ApplicationShell.h"
@@ -39,6 +40,9 @@ public:
     AppDelegate& delegate() { return delegate_; }
     AppLanguage& language() { return language_; }
 
+    /// To be asked before the program ends, and before it lets go of a window with which it ends.
+    OrderlyQuit& quit() { return quit_; }
+
     /// The shell outlives the application object's use.
     void setShell(ApplicationShell& shell);
 
@@ -63,6 +67,7 @@ private:
     AppDelegate delegate_;
     CleanupQueue cleanups_;
     UninstallGate uninstalls_;
+    OrderlyQuit quit_;
     ApplicationShell* shell_ = nullptr;
     std::shared_ptr<JSBridge> bridge_;
 };

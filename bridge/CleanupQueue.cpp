@@ -16,6 +16,11 @@ struct CleanupQueue::Line {
         return !std::exchange(isWorkedOn, true);
     }
 
+    bool isBusy() {
+        const std::lock_guard guard(lock);
+        return isWorkedOn;
+    }
+
     Work next() {
         const std::lock_guard guard(lock);
         if (waiting.empty()) {
@@ -44,5 +49,7 @@ void CleanupQueue::run(Work work) {
             next(line->services);
     });
 }
+
+bool CleanupQueue::isBusy() const { return line_->isBusy(); }
 
 }  // namespace velto

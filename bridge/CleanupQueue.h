@@ -30,6 +30,9 @@ public:
     using Work = std::function<void(CleanupServices&)>;
     void run(Work work);
 
+    /// True while work runs or waits. Safe from every thread.
+    bool isBusy() const;
+
 private:
     struct Line;
 

@@ -35,6 +35,9 @@ public:
         return isTaken_->exchange(true) ? nullptr : std::make_shared<Pass>(isTaken_);
     }
 
+    /// True while an uninstall is inside. Safe from every thread.
+    bool isTaken() const { return *isTaken_; }
+
 private:
     State isTaken_ = std::make_shared<std::atomic<bool>>(false);
 };

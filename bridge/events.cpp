@@ -133,6 +133,10 @@ std::string goView(std::string_view name) {
     return fmt::format("try {{ go('{}') }} catch(e) {{ console.warn(e) }}", name);
 }
 
+std::string quitting(std::string_view running) {
+    return call("onQuitting", literal({{"running", running}}));
+}
+
 std::string intentEcho(std::string_view name) {
     return fmt::format("console.info('[velto] intención recibida: {}');", name);
 }

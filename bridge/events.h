@@ -69,6 +69,9 @@ std::string system(const nlohmann::ordered_json& sample);
 /// Shows a view of the page. The name goes in as it is.
 std::string goView(std::string_view name);
 
+/// The program ends as soon as what runs is done: "uninstall" or "cleanup".
+std::string quitting(std::string_view running);
+
 /// Lets the page's own console show a received intent.
 std::string intentEcho(std::string_view name);
 

@@ -74,10 +74,10 @@ private:
             g_unix_signal_add(
                 signal,
                 +[](gpointer self) -> gboolean {
-                    g_application_quit(G_APPLICATION(self));
+                    of(self).quitInOrder();
                     return G_SOURCE_CONTINUE;
                 },
-                application);
+                this);
         }
         running_ = std::make_unique<Running>(app_, platform_, application_.get(), newPage());
         running_->appearance.onChange([this] { showAppearance(); });
@@ -98,20 +98,34 @@ private:
                               .platform = platform_,
                               .application = application_.get(),
                               .menu = running_->menu},
-                std::move(page), running_->appearance.current(), [this] { windowClosed(); });
+                std::move(page), running_->appearance.current(), [this] { windowAskedToClose(); });
         }
         running_->window->present();
     }
 
+    /// The window with which the program ends stays until what runs is done.
+    void windowAskedToClose() {
+        if (!app_.delegate().applicationShouldTerminateAfterLastWindowClosed()) {
+            return closeWindow();
+        }
+        quitInOrder();
+    }
+
+    void quitInOrder() {
+        if (app_.quit().request([this] { quit(); })) quit();
+    }
+
+    void quit() {
+        if (running_ && running_->window) closeWindow();
+        g_application_quit(G_APPLICATION(application_.get()));
+    }
+
     /// Called by the window itself, which therefore has to stand a moment longer.
-    void windowClosed() {
+    void closeWindow() {
         running_->closing = std::move(running_->window);
         platform_.dispatcher->main([this] {
             if (running_) running_->closing.reset();
         });
-        if (app_.delegate().applicationShouldTerminateAfterLastWindowClosed()) {
-            g_application_quit(G_APPLICATION(application_.get()));
-        }
     }
 
     void shutDown() { running_.reset(); }

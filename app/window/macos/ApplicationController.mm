@@ -80,6 +80,13 @@ NSWindow* makeWindow() {
     return _app->delegate().applicationShouldTerminateAfterLastWindowClosed();
 }
 
+// The system waits for the reply, and runs the loop meanwhile.
+- (NSApplicationTerminateReply)applicationShouldTerminate:(NSApplication*)sender {
+    const bool mayEnd =
+        _app->quit().request([sender] { [sender replyToApplicationShouldTerminate:YES]; });
+    return mayEnd ? NSTerminateNow : NSTerminateLater;
+}
+
 // The process ends when this returns, from inside the system's own code: the window, which quitting
 // leaves open, goes first, then the work.
 - (void)applicationWillTerminate:(NSNotification*)notification {
@@ -122,6 +129,13 @@ NSWindow* makeWindow() {
     _host.frame = content.bounds;
     _host.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
     [content addSubview:_host];
+}
+
+// The window with which the program ends stays until what runs is done.
+- (BOOL)windowShouldClose:(NSWindow*)sender {
+    if (!_app->delegate().applicationShouldTerminateAfterLastWindowClosed()) return YES;
+    __weak NSWindow* weakWindow = sender;
+    return _app->quit().request([weakWindow] { [weakWindow close]; });
 }
 
 - (void)windowWillClose:(NSNotification*)notification {

@@ -49,7 +49,7 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onRefused', 'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress',
-  'onUninstallResult', 'onSystem',
+  'onUninstallResult', 'onSystem', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

@@ -36,6 +36,7 @@ export const laterReaders: LaterReaders = {
     const result = appGuards.uninstallResult(value);
     return result && [result];
   },
+  onQuitting: ([value]) => [guards.fieldsOf(value)?.running === 'uninstall' ? 'uninstall' : 'cleanup'],
   onSystem: ([value]) => {
     const sample = systemSample(value);
     return sample && [sample];

@@ -4,7 +4,8 @@
  */
 import type {
   AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
-  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, SystemSample, TrashItem, UninstallResult, UninstallStage,
+  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemSample, TrashItem, UninstallResult,
+  UninstallStage,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -87,6 +88,8 @@ export interface Events {
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
   onSystem: [sample: SystemSample];
+  /** The program ends as soon as what runs is done. */
+  onQuitting: [running: Running];
 }
 
 export type EventName = keyof Events;

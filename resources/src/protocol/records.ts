@@ -222,6 +222,9 @@ export interface AppAnalysis {
 }
 
 export const uninstallStages = ['stop', 'files', 'clean', 'done'] as const;
+/** What the program finishes before it ends. */
+export type Running = 'uninstall' | 'cleanup';
+
 export type UninstallStage = (typeof uninstallStages)[number];
 export const failureReasons = ['admin', 'perm', 'busy', 'gone', 'protected', 'other'] as const;
 export type FailureReason = (typeof failureReasons)[number];

@@ -1,5 +1,5 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
-import type { DiskState, MaintenanceStatus, SettingsChange, TrashItem } from '../protocol/protocol.ts';
+import type { DiskState, MaintenanceStatus, Running, SettingsChange, TrashItem } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
@@ -29,6 +29,9 @@ class Session {
   trash = $state.raw<TrashItem[] | null>(null);
   /** Items that could not go back to their place, by id: what stands on the way there. */
   blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
+
+  /** The program ends as soon as this is done; null while nobody has asked it to. */
+  quitting = $state<Running | null>(null);
 
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);

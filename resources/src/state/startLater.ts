@@ -39,6 +39,7 @@ export function startLater(): void {
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
       onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),
       onSystem: (sample) => machine.receive(sample),
+      onQuitting: (running) => (session.quitting = running),
     } satisfies LaterListeners,
     laterReaders,
   );
