@@ -35,7 +35,7 @@ void leaveBehind(FileCalls& calls, const Entry& rest) {
     std::random_device source;
     const std::string name = fmt::format("{}-{:08x}", rest.name, source());
     try {
-        moveWithinVolume(calls, rest, Entry(rest.parent, name));
+        moveAside(calls, rest, Entry(rest.parent, name));
     } catch (const FileError&) {
         // It is gone but for the syncing, or it keeps its name too.
     }

@@ -52,7 +52,7 @@ private:
         TreeCopy tree(calls_);
         tree.copy(source_, copy_);
         tree.requireUnchanged(source_, false);
-        moveWithinVolume(calls_, source_, aside_);
+        moveAside(calls_, source_, aside_);
         progress_ = Progress::aside;
         files_.sync(source_.parent);
         tree.requireUnchanged(aside_, true);
@@ -64,7 +64,7 @@ private:
     void bringBack() {
         try {
             if (progress_ == Progress::begun) return;
-            if (progress_ == Progress::inPlace) moveWithinVolume(calls_, target_, copy_);
+            if (progress_ == Progress::inPlace) moveAside(calls_, target_, copy_);
             if (progress_ != Progress::copying) moveWithinVolume(calls_, aside_, source_);
             // At the target it was there for all to use; before, it was this move's alone.
             if (progress_ == Progress::inPlace) return clearCopy(files_, calls_, copy_, source_);
@@ -111,7 +111,7 @@ void PosixFileManager::moveInSteps(const FolderHandle& from, const std::string& 
         if (isAtOrBelow(to, moved)) fail(source, EINVAL);
     }
     if (mountOf(calls_, target.folder(), "", "move", target.path()) == mount &&
-        moveStepwise(calls_, source, target)) {
+        moveStepwise(calls_, source, target, Entry(source.parent, scratch))) {
         return;
     }
     MoveBetweenVolumes(*this, calls_, source, target, scratch).run();

@@ -73,13 +73,16 @@ private:
 
     void removePlaceholder(Found& found) {
         if (!found.isPlaceholder()) return;
-        if (files_.removeEmptyFolder(found.entry.parent, found.entry.name)) found.isThere = false;
+        if (!files_.removeEmptyFolder(found.entry.parent, found.entry.name)) return;
+        found.isThere = false;
+        files_.sync(found.entry.parent);  // nobody would know it for what it is later
     }
 
     /// A file that has its new name already and its old one besides.
     void removeSecondNames() {
         if (aside_.isSecondNameOf(source_)) remove(aside_);
         if (copy_.isSecondNameOf(target_)) remove(copy_);
+        if (aside_.isSecondNameOf(target_)) remove(aside_);
     }
 
     /// The copy is not in its place yet: back to how it was. Where something new has taken that
@@ -128,6 +131,7 @@ private:
             throw FileError("remove", found.entry.path(), errno);
         }
         found.isThere = false;
+        files_.sync(found.entry.parent);
     }
 
     PosixFileManager& files_;

@@ -37,32 +37,81 @@ Bearer bearerOf(FileCalls& calls, const Entry& entry, const struct stat& wanted)
     return bearer;
 }
 
-/// A file gets its new name before it loses the old one; either name is the whole file. When a
-/// program saves the file in between, by renaming a new version over it, the version that was to be
-/// moved is at its target already and the new one stays where it is. No system can unlink a name
-/// only if it still stands for a certain file: a save within the few microseconds between the last
-/// look and the removal would still lose its name.
-bool moveByNames(FileCalls& calls, const Entry& from, const Entry& to, const struct stat& moved) {
+/// A file gets its new name before it loses the old one; either name is the whole file. Tells which
+/// file that was. False when the volume gives no second names.
+bool addSecondName(FileCalls& calls, const Entry& from, const Entry& to, struct stat& moved) {
     // Of a file with several names another one may stand there: that is not ours to take.
     if (bearerOf(calls, to, moved) == Bearer::wanted) fail(to, EEXIST);
-    if (calls.addName(from.folder(), from.c_str(), to.folder(), to.c_str()) != 0 &&
-        bearerOf(calls, to, moved) != Bearer::wanted) {
-        if (isUnsupported(errno) || errno == EPERM || errno == EMLINK) return false;
-        fail(from);
+    if (calls.addName(from.folder(), from.c_str(), to.folder(), to.c_str()) != 0) {
+        if (bearerOf(calls, to, moved) != Bearer::wanted) {
+            if (isUnsupported(errno) || errno == EPERM || errno == EMLINK) return false;
+            fail(from);
+        }
     }
-    if (bearerOf(calls, from, moved) == Bearer::another) return true;
-    // Without a journal of the volume's own a loss of power could keep the removal alone.
-    if (syncNames(calls, to.folder()) == 0 && calls.remove(from.folder(), from.c_str(), 0) == 0) {
-        return true;
-    }
-    const int reason = errno;
-    const Bearer left = bearerOf(calls, from, moved);
-    if (left == Bearer::nobody || left == Bearer::another) return true;
-    // Only while the old name is known to be whole may the new one go.
-    if (left == Bearer::wanted && bearerOf(calls, to, moved) == Bearer::wanted) {
+    // It may have been saved anew since it was looked at.
+    struct stat named;
+    if (isThere(calls, to.folder(), to.c_str(), named)) moved = named;
+    return true;
+}
+
+/// Ends a move by names that cannot go on: the new name goes while the old one is known to be
+/// whole.
+[[noreturn]] void takeNewNameBack(FileCalls& calls, const Entry& from, const Entry& to,
+                                  const struct stat& moved, int reason) {
+    if (bearerOf(calls, from, moved) == Bearer::wanted &&
+        bearerOf(calls, to, moved) == Bearer::wanted) {
         calls.remove(to.folder(), to.c_str(), 0);
     }
     fail(from, reason);
+}
+
+/// True when the name is gone, whatever was reported, or stands for something else by now.
+bool dropName(FileCalls& calls, const Entry& entry, const struct stat& moved) {
+    if (calls.remove(entry.folder(), entry.c_str(), 0) == 0) return true;
+    const Bearer left = bearerOf(calls, entry, moved);
+    return left == Bearer::nobody || left == Bearer::another;
+}
+
+/// Of a file whose old name nobody else uses.
+bool moveByNames(FileCalls& calls, const Entry& from, const Entry& to, struct stat& moved) {
+    if (!addSecondName(calls, from, to, moved)) return false;
+    // Without a journal of the volume's own a loss of power could keep the removal alone.
+    if (syncNames(calls, to.folder()) != 0 || !dropName(calls, from, moved)) {
+        takeNewNameBack(calls, from, to, moved, errno);
+    }
+    return true;
+}
+
+/// Of any file. No system removes a name only if it still stands for a certain file, and a program
+/// may save the file just now by renaming a new version over it. So the old name is not removed but
+/// renamed to one that nobody else uses, and goes once it is seen what it stands for; a new version
+/// gets its name back.
+bool moveByNames(FileCalls& calls, const Entry& from, const Entry& to, const Entry& aside,
+                 struct stat& moved) {
+    // After a loss of power an earlier move's name may be back.
+    const bool isSecondName = moved.st_nlink > 1 && bearerOf(calls, aside, moved) == Bearer::wanted;
+    if (isSecondName && !dropName(calls, aside, moved)) fail(aside);
+    struct stat held;
+    if (isThere(calls, aside, held, "move")) fail(aside, EEXIST);
+    if (!addSecondName(calls, from, to, moved)) return false;
+    if (syncNames(calls, to.folder()) != 0) takeNewNameBack(calls, from, to, moved, errno);
+    const bool isReplaced =
+        calls.replace(from.folder(), from.c_str(), aside.folder(), aside.c_str()) == 0;
+    const int reason = errno;
+    switch (bearerOf(calls, aside, moved)) {
+        case Bearer::wanted:
+            if (!dropName(calls, aside, moved)) fail(aside);
+            return true;
+        case Bearer::another:
+            moveWithinVolume(calls, aside, from);
+            return true;
+        case Bearer::nobody:
+            if (isReplaced || bearerOf(calls, from, moved) != Bearer::wanted) return true;
+            takeNewNameBack(calls, from, to, moved, reason);
+        case Bearer::unknown:
+            break;
+    }
+    fail(from, isReplaced ? errno : reason);
 }
 
 /// A folder takes the place of an empty one that was made for it.
@@ -101,15 +150,33 @@ bool moveOnce(FileCalls& calls, const Entry& from, const Entry& to) {
     fail(from);
 }
 
-bool moveStepwise(FileCalls& calls, const Entry& from, const Entry& to) {
+bool moveStepwise(FileCalls& calls, const Entry& from, const Entry& to, const Entry& aside) {
     struct stat status;
     if (!isThere(calls, from, status, "move")) fail(from, ENOENT);
     return S_ISDIR(status.st_mode) ? moveOntoPlaceholder(calls, from, to, status)
-                                   : moveByNames(calls, from, to, status);
+                                   : moveByNames(calls, from, to, aside, status);
+}
+
+void moveAside(FileCalls& calls, const Entry& from, const Entry& to) {
+    struct stat moved;
+    if (!isThere(calls, from, moved, "move")) fail(from, ENOENT);
+    if (moveOnce(calls, from, to)) return;
+    struct stat held;
+    if (isThere(calls, to, held, "move")) fail(to, EEXIST);
+    if (calls.replace(from.folder(), from.c_str(), to.folder(), to.c_str()) == 0) return;
+    const int reason = errno;
+    const Bearer arrived = bearerOf(calls, to, moved);
+    if (arrived == Bearer::wanted || arrived == Bearer::another) return;
+    fail(from, isUnsupported(reason) ? ENOTSUP : reason);
 }
 
 void moveWithinVolume(FileCalls& calls, const Entry& from, const Entry& to) {
-    if (!moveOnce(calls, from, to) && !moveStepwise(calls, from, to)) fail(from, ENOTSUP);
+    if (moveOnce(calls, from, to)) return;
+    struct stat status;
+    if (!isThere(calls, from, status, "move")) fail(from, ENOENT);
+    const bool isMoved = S_ISDIR(status.st_mode) ? moveOntoPlaceholder(calls, from, to, status)
+                                                 : moveByNames(calls, from, to, status);
+    if (!isMoved) fail(from, ENOTSUP);
 }
 
 }  // namespace velto

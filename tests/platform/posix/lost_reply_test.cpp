@@ -82,6 +82,23 @@ TEST_F(LostReply, ASecondNameThatTheUserHasMadeIsNotTakenForTheMove) {
     EXPECT_EQ(names(), (std::set<std::string>{"source/item", "target/moved"}));
 }
 
+TEST_F(LostReply, ASecondNameThatAnEarlierMoveHasLeftIsInNobodysWay) {
+    source.text("item", "content");
+    std::filesystem::create_hard_link(source.path("item"), source.path(scratch));
+    calls.knowsExclusiveRename = false;
+    EXPECT_EQ(move(), 0);
+    EXPECT_TRUE(isOnlyAtTarget());
+}
+
+TEST_F(LostReply, AnotherFileUnderTheScratchNameStaysAndSoDoesTheItem) {
+    source.text("item", "content");
+    source.text(scratch, "another");
+    calls.knowsExclusiveRename = false;
+    EXPECT_EQ(move(), EEXIST);
+    EXPECT_EQ(read(source.path("item")), "content");
+    EXPECT_EQ(read(source.path(scratch)), "another");
+}
+
 TEST_F(LostReply, AVersionSavedBetweenTheTwoNamesStaysWhereItWasSaved) {
     source.text("item", "old version");
     calls.knowsExclusiveRename = false;
@@ -99,6 +116,90 @@ TEST_F(LostReply, AVersionSavedBetweenTheTwoNamesStaysWhereItWasSaved) {
         return 0;
     };
     EXPECT_EQ(move(), 0);
+    EXPECT_EQ(names(), (std::set<std::string>{"source/item", "target/moved"}));
+    EXPECT_EQ(read(source.path("item")), "new version");
+    EXPECT_EQ(read(target.path("moved")), "old version");
+}
+
+/// A program saves a file by renaming a new version over it, just before a call of the move.
+class SavedMeanwhile : public LostReply {
+protected:
+    SavedMeanwhile() {
+        source.text("item", "old version");
+        calls.knowsExclusiveRename = false;
+    }
+
+    void save(const std::string& content) {
+        source.text(".saving", content);
+        std::filesystem::rename(source.path(".saving"), source.path("item"));
+    }
+
+    /// Once, when the call is made for the n-th time.
+    void saveBefore(const std::string& call, int time, const std::string& content) {
+        calls.before = [=, this, made = 0](const char* what, const char*) mutable {
+            if (what == call && ++made == time) save(content);
+        };
+    }
+};
+
+TEST_F(SavedMeanwhile, WhileTheNewNameIsSyncedTheNewVersionStays) {
+    saveBefore("sync", 1, "new version");
+    EXPECT_EQ(move(), 0);
+    EXPECT_EQ(names(), (std::set<std::string>{"source/item", "target/moved"}));
+    EXPECT_EQ(read(source.path("item")), "new version");
+    EXPECT_EQ(read(target.path("moved")), "old version");
+}
+
+TEST_F(SavedMeanwhile, BeforeTheCallThatTakesTheOldNameAwayTheNewVersionStays) {
+    for (const char* call : {"replace", "remove"}) {
+        save("old version");
+        saveBefore(call, 1, "new version");
+        EXPECT_EQ(move(), 0);
+        calls.before = nullptr;
+        ASSERT_EQ(names(), (std::set<std::string>{"source/item", "target/moved"})) << call;
+        EXPECT_EQ(read(source.path("item")), "new version") << call;
+        EXPECT_EQ(read(target.path("moved")), "old version") << call;
+        files.removeAll(target.path("moved"));
+    }
+}
+
+TEST_F(SavedMeanwhile, BeforeTheNewNameIsGivenTheNewVersionIsTheOneThatMoves) {
+    saveBefore("addName", 1, "new version");
+    EXPECT_EQ(move(), 0);
+    EXPECT_TRUE(isOnlyAtTarget());
+    EXPECT_EQ(read(target.path("moved")), "new version");
+}
+
+TEST_F(SavedMeanwhile, TwiceAllVersionsStay) {
+    calls.before = [&, added = 0](const char* call, const char*) mutable {
+        const bool takesNameAway = std::string(call) == "replace";
+        if (takesNameAway) save("second version");
+        if (std::string(call) == "addName" && ++added == 2) save("third version");
+    };
+    EXPECT_EQ(move(), EEXIST);
+    calls.before = nullptr;
+    EXPECT_EQ(settle(), MoveState::atTarget);
+    EXPECT_EQ(read(source.path("item")), "third version");
+    EXPECT_EQ(read(target.path("moved")), "old version");
+    std::string kept;
+    for (const std::string& name : names()) {
+        if (name.starts_with("source/.scratch-")) kept = name.substr(7);
+    }
+    ASSERT_FALSE(kept.empty());
+    EXPECT_EQ(read(source.path(kept)), "second version");
+}
+
+TEST_F(SavedMeanwhile, ANewVersionThatCannotGoBackAtOnceIsBroughtBackBySettling) {
+    calls.before = [&, added = 0](const char* call, const char*) mutable {
+        if (std::string(call) == "replace") save("new version");
+        if (std::string(call) == "addName" && ++added == 2) {
+            calls.action = Action::fail;
+            calls.at = calls.count;
+        }
+    };
+    EXPECT_EQ(move(), EIO);
+    calls.before = nullptr;
+    settle();
     EXPECT_EQ(names(), (std::set<std::string>{"source/item", "target/moved"}));
     EXPECT_EQ(read(source.path("item")), "new version");
     EXPECT_EQ(read(target.path("moved")), "old version");
