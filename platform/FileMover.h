@@ -92,14 +92,17 @@ public:
                             const FolderHandle& to, const std::string& newName) = 0;
 
     /// Moves in several steps, copying where the volumes differ: content, permissions, times,
-    /// extended attributes, links as links; owner and group as far as allowed. Hard links among the
-    /// files of a folder become files of their own, and sockets, devices and mounted volumes are
-    /// refused. Never replaces. An item that changes while it is copied stays where it is (EBUSY).
-    /// `scratch` is a name that nothing but moves of this item uses in either folder. On failure
-    /// the item is at its source, or where `settleMove` with the same arguments brings it, which
-    /// also restores order after a process that died in the middle. The item counts as moved once
-    /// it is whole at its target; what cannot be removed of its source then stays in the source
-    /// folder under a name that begins with the scratch name and is in no later move's way. Throws.
+    /// extended attributes, links as links; owner and group as far as allowed, and the time at
+    /// which a file was made where the system can give one (a Mac; Linux has no way). Before the
+    /// original goes, the copy is read from the disk and compared with it (EIO). Hard links among
+    /// the files of a folder become files of their own, and sockets, devices and mounted volumes
+    /// are refused. Never replaces. An item that changes while it is copied stays where it is
+    /// (EBUSY). `scratch` is a name that nothing but moves of this item uses in either folder. On
+    /// failure the item is at its source, or where `settleMove` with the same arguments brings it,
+    /// which also restores order after a process that died in the middle. The item counts as moved
+    /// once it is whole at its target; what cannot be removed of its source then stays in the
+    /// source folder under a name that begins with the scratch name and is in no later move's way.
+    /// Throws.
     virtual void moveInSteps(const FolderHandle& from, const std::string& name,
                              const FolderHandle& to, const std::string& newName,
                              const std::string& scratch) = 0;

@@ -169,4 +169,15 @@ int FileCalls::copyAccess(int from, int to) {
     return 0;
 }
 
+// Its file systems keep one, but there is no call to set it.
+int FileCalls::copyBirthTime(int, int) { return 0; }
+
+bool FileCalls::knowsHoles() { return true; }
+
+int FileCalls::dropCache(int file) {
+    const int reason = ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
+    if (reason != 0) errno = reason;
+    return reason == 0 ? 0 : -1;
+}
+
 }  // namespace velto

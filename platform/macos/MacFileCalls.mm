@@ -1,8 +1,10 @@
 #include <copyfile.h>
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/attr.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -109,5 +111,24 @@ int FileCalls::copyAccess(int from, int to) {
     if (flags == 0 || ::fchflags(to, flags) == 0 || errno == ENOTSUP) return 0;
     return -1;
 }
+
+int FileCalls::copyBirthTime(int from, int to) {
+    struct __attribute__((packed, aligned(4))) {
+        uint32_t length;
+        struct timespec born;
+    } found = {};
+    struct attrlist list = {};
+    list.bitmapcount = ATTR_BIT_MAP_COUNT;
+    list.commonattr = ATTR_CMN_CRTIME;
+    if (::fgetattrlist(from, &list, &found, sizeof found, 0) != 0) return -1;
+    struct timespec born = found.born;
+    if (born.tv_sec <= 0) return 0;  // a volume that keeps none
+    return ::fsetattrlist(to, &list, &born, sizeof born, 0);
+}
+
+// Disk images have been seen to call a hole what had content that was not written out yet.
+bool FileCalls::knowsHoles() { return false; }
+
+int FileCalls::dropCache(int file) { return ::fcntl(file, F_NOCACHE, 1); }
 
 }  // namespace velto

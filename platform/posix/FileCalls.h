@@ -76,6 +76,14 @@ public:
     /// Copies access lists and, where files have some, the user's flags (hidden and the like): what
     /// may forbid to change the file any further. System.
     virtual int copyAccess(int from, int to);
+    /// Gives a file the time at which another one was made, where files have one that can be given
+    /// (not on Linux). To be called after `setTimes`, which may change it. System.
+    virtual int copyBirthTime(int from, int to);
+    /// Whether what `seek` says of holes can be believed. System.
+    virtual bool knowsHoles();
+    /// What memory holds of a synced file is given up, as far as the system does that, so that the
+    /// next to be read of it is what the disk has. System.
+    virtual int dropCache(int file);
     virtual int lock(int file, int operation);  // flock
 };
 

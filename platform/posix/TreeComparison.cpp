@@ -159,21 +159,17 @@ bool TreeComparison::compareLinks(const Descent& rest, const std::string& name,
     return target == wholeTarget;
 }
 
-/// Where both have a hole nothing is read. A copy that was begun may have holes where the source
-/// has content.
+/// All is read: what is said of holes is no proof of what is there.
 bool TreeComparison::compareContent(int rest, int whole, off_t size, const std::string& path) {
     const auto most = static_cast<std::size_t>(std::min(size, static_cast<off_t>(bufferSize)));
     if (buffer_.size() < most) buffer_.resize(most);
     if (wholeBuffer_.size() < most) wholeBuffer_.resize(most);
-    for (off_t position = 0; position < size;) {
-        off_t start = nextData(rest, position, size);
-        if (likeness_ != Likeness::begun) start = std::min(start, nextData(whole, position, size));
-        if (start >= size) break;
+    for (off_t start = 0; start < size;) {
         const auto length = std::min(static_cast<std::size_t>(size - start), bufferSize);
         readWhole(rest, buffer_, length, start, path);
         readWhole(whole, wholeBuffer_, length, start, path);
         if (!areBytesAlike(length)) return false;
-        position = start + static_cast<off_t>(length);
+        start += static_cast<off_t>(length);
     }
     return true;
 }
@@ -197,12 +193,6 @@ void TreeComparison::readWhole(int file, std::vector<char>& buffer, std::size_t 
         if (part == 0) fail(path, EBUSY);
         filled += static_cast<std::size_t>(part);
     }
-}
-
-off_t TreeComparison::nextData(int file, off_t position, off_t size) {
-    const off_t found = calls_.seek(file, position, SEEK_DATA);
-    if (found >= 0) return found;
-    return errno == ENXIO ? size : position;  // a hole up to the end, or holes are not known here
 }
 
 bool TreeComparison::hasAttributesOf(int rest, int whole, const std::string& path) {

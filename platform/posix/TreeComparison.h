@@ -46,7 +46,6 @@ private:
     bool areBytesAlike(std::size_t length) const;
     void readWhole(int file, std::vector<char>& buffer, std::size_t length, off_t offset,
                    const std::string& path);
-    off_t nextData(int file, off_t position, off_t size);
     bool hasAttributesOf(int rest, int whole, const std::string& path);
     bool isKeptAlike(const struct stat& rest, const struct stat& whole) const;
 

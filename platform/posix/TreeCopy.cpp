@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "platform/posix/mounts.h"
@@ -14,11 +15,12 @@ namespace velto {
 namespace {
 
 constexpr std::size_t bufferSize = 1024 * 1024;
+constexpr std::size_t zeroBlock = 64 * 1024;   // left out where all of it is zero
 constexpr off_t pieceSize = 64 * 1024 * 1024;  // copied between two looks at the result
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateFolder = 0700;
 constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-constexpr int createFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+constexpr int createFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
 
 [[noreturn]] void fail(const std::string& path, int reason = errno) {
     throw FileError("copy", path, reason);
@@ -97,6 +99,7 @@ void TreeCopy::copyFile(const Descent& from, const std::string& name, const Desc
     if (!target.isOpen()) fail(to.path(newName));
     copyContent(source.number(), target.number(), from.path(name), status.st_size);
     finish(source.number(), target.number(), to.path(newName), status, from.depth() == 0);
+    requireSameContent(source.number(), target.number(), from.path(name), status);
 }
 
 void TreeCopy::enterFolder(Descent& from, const std::string& name, Descent& to,
@@ -131,6 +134,7 @@ void TreeCopy::copyLink(const Descent& from, const std::string& name, const Desc
 
 /// Holes stay holes where both sides know them.
 void TreeCopy::copyContent(int from, int to, const std::string& path, off_t size) {
+    if (!calls_.knowsHoles()) return copyWithoutHoles(from, to, path, size);
     for (off_t position = 0; position < size;) {
         off_t start = calls_.seek(from, position, SEEK_DATA);
         if (start < 0 && errno == ENXIO) break;  // nothing but a hole up to the end
@@ -151,19 +155,81 @@ void TreeCopy::copyPiece(int from, int to, const std::string& path, off_t start,
         start += copied;
     }
     // Through this process when the kernel does not do it; that also tells why it failed.
-    if (start < end && !buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferSize);
     while (start < end) {
-        const auto wanted = std::min(static_cast<std::size_t>(end - start), bufferSize);
-        const ssize_t length = calls_.readAt(from, buffer_.get(), wanted, start);
-        if (length < 0) fail(path);
-        if (length == 0) fail(path, EBUSY);  // it has become shorter
-        for (ssize_t written = 0; written < length;) {
-            const ssize_t part = calls_.writeAt(to, buffer_.get() + written,
-                                                static_cast<std::size_t>(length - written), start);
-            if (part < 0) fail(path);
-            written += part;
-            start += part;
+        const std::size_t length = fill(buffer_, from, path, start, end);
+        writeWhole(to, path, {buffer_.data(), length}, start);
+        start += static_cast<off_t>(length);
+    }
+}
+
+/// Where nothing that is said of holes can be believed, all is read, and what is nothing but zeros
+/// is not written.
+void TreeCopy::copyWithoutHoles(int from, int to, const std::string& path, off_t size) {
+    for (off_t start = 0; start < size;) {
+        const std::size_t length = fill(buffer_, from, path, start, size);
+        for (std::size_t block = 0; block < length; block += zeroBlock) {
+            const std::size_t end = std::min(block + zeroBlock, length);
+            const char* bytes = buffer_.data() + block;
+            const bool isZero = *bytes == 0 && std::memcmp(bytes, bytes + 1, end - block - 1) == 0;
+            if (isZero) continue;
+            writeWhole(to, path, {bytes, end - block}, start + static_cast<off_t>(block));
         }
+        start += static_cast<off_t>(length);
+    }
+    if (calls_.resize(to, size) != 0) fail(path);
+}
+
+/// Reads on from `start`, at most to `end` or as much as the buffer takes. Throws EBUSY when the
+/// file has become shorter.
+std::size_t TreeCopy::fill(std::vector<char>& buffer, int file, const std::string& path,
+                           off_t start, off_t end) {
+    const auto wanted = std::min(static_cast<std::size_t>(end - start), bufferSize);
+    if (buffer.size() < wanted) buffer.resize(wanted);
+    std::size_t filled = 0;
+    while (filled < wanted) {
+        const ssize_t length = calls_.readAt(file, buffer.data() + filled, wanted - filled,
+                                             start + static_cast<off_t>(filled));
+        if (length < 0) fail(path);
+        if (length == 0) fail(path, EBUSY);
+        filled += static_cast<std::size_t>(length);
+    }
+    return filled;
+}
+
+void TreeCopy::writeWhole(int to, const std::string& path, std::string_view content, off_t start) {
+    while (!content.empty()) {
+        const ssize_t length = calls_.writeAt(to, content.data(), content.size(), start);
+        if (length < 0) fail(path);
+        content.remove_prefix(static_cast<std::size_t>(length));
+        start += length;
+    }
+}
+
+/// The copy of a file is about to be all that is left of it. It has been synced; a hole that is
+/// none, a block that was lost on the way or a kernel that copies something else shows here.
+void TreeCopy::requireSameContent(int from, int to, const std::string& path,
+                                  const struct stat& status) {
+    struct stat copy;
+    if (calls_.status(to, copy) != 0) fail(path);
+    calls_.dropCache(to);  // at worst it is compared with what memory holds
+    bool isSame = copy.st_size == status.st_size;
+    for (off_t start = 0; isSame && start < status.st_size;) {
+        const std::size_t length = fill(buffer_, from, path, start, status.st_size);
+        const off_t end = start + static_cast<off_t>(length);
+        isSame = fill(copyBuffer_, to, path, start, end) == length &&
+                 std::memcmp(buffer_.data(), copyBuffer_.data(), length) == 0;
+        start = end;
+    }
+    if (!isSame) {
+        struct stat now;
+        const bool isUnchanged = calls_.status(from, now) == 0 && isSameState(status, now);
+        if (!isUnchanged) fail(path, EBUSY);
+        throw FileError("copy", path, EIO, "the copy does not hold the same");
+    }
+    // Reading it is no use of it. What keeps the time from being put back keeps nobody from moving.
+    const timespec times[2] = {accessedTime(status), modifiedTime(status)};
+    if (calls_.status(to, copy) == 0 && !isSameTime(accessedTime(copy), times[0])) {
+        calls_.setTimes(to, times);
     }
 }
 
@@ -178,10 +244,9 @@ void TreeCopy::finish(int from, int to, const std::string& path, const struct st
         mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
     }
     const timespec times[2] = {accessedTime(status), modifiedTime(status)};
-    if (calls_.changeMode(to, mode) != 0 || calls_.setTimes(to, times) != 0 ||
-        calls_.copyAccess(from, to) != 0) {
-        fail(path);
-    }
+    if (calls_.changeMode(to, mode) != 0 || calls_.setTimes(to, times) != 0) fail(path);
+    calls_.copyBirthTime(from, to);  // not every volume keeps one, and none is worth a failure
+    if (calls_.copyAccess(from, to) != 0) fail(path);
     // What the drive itself holds back need be written out only once, at the end.
     if ((isLast ? calls_.sync(to) : calls_.flush(to)) != 0) fail(path);
 }

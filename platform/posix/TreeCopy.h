@@ -4,8 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/posix/Descent.h"
@@ -13,14 +13,16 @@
 
 namespace velto {
 
-/// The copy of one file, link or folder onto another volume, and the proof that its source has not
-/// changed since. Works in a loop, so that no depth is too much. What it throws is FileError.
+/// The copy of one file, link or folder onto another volume, and the proof that it holds the same
+/// and that its source has not changed since. Works in a loop, so that no depth is too much. What
+/// it throws is FileError.
 class TreeCopy {
 public:
     explicit TreeCopy(FileCalls& calls);
 
-    /// Copies the source to a name that must be free, and syncs it whole. On failure what was made
-    /// so far stays at the target.
+    /// Copies the source to a name that must be free, and syncs it whole. Every file of the copy is
+    /// then read again from the disk, as far as the system lets it, and compared; throws EIO when
+    /// it differs. On failure what was made so far stays at the target.
     void copy(const Entry& source, const Entry& target);
 
     /// Throws EBUSY unless the tree at `source` is what was copied, entry by entry. After the tree
@@ -47,6 +49,11 @@ private:
                   const std::string& newName, const struct stat& status);
     void copyContent(int from, int to, const std::string& path, off_t size);
     void copyPiece(int from, int to, const std::string& path, off_t start, off_t end);
+    void copyWithoutHoles(int from, int to, const std::string& path, off_t size);
+    void writeWhole(int to, const std::string& path, std::string_view content, off_t start);
+    void requireSameContent(int from, int to, const std::string& path, const struct stat& status);
+    std::size_t fill(std::vector<char>& buffer, int file, const std::string& path, off_t start,
+                     off_t end);
     void finish(int from, int to, const std::string& path, const struct stat& status, bool isLast);
     Tree look(const Entry& root);
     void requireRemovable(const Descent& from, const std::string& name,
@@ -55,7 +62,8 @@ private:
     FileCalls& calls_;
     Tree copied_;
     std::uint64_t mount_ = 0;  // of the folder that holds the source, and of all that is copied
-    std::unique_ptr<char[]> buffer_;
+    std::vector<char> buffer_;
+    std::vector<char> copyBuffer_;
 };
 
 }  // namespace velto

@@ -224,6 +224,10 @@ int ModelFileCalls::holdsAttributes(int from, int to) {
 
 int ModelFileCalls::copyAccess(int from, int to) { return copyAttributes(from, to); }
 
+int ModelFileCalls::copyBirthTime(int from, int to) { return copyAttributes(from, to); }
+
+int ModelFileCalls::dropCache(int file) { return handle(file) == nullptr ? -1 : 0; }
+
 int ModelFileCalls::lock(int file, int) { return handle(file) == nullptr ? -1 : 0; }
 
 }  // namespace velto

@@ -49,6 +49,8 @@ public:
     int copyAttributes(int from, int to) override;
     int holdsAttributes(int from, int to) override;
     int copyAccess(int from, int to) override;
+    int copyBirthTime(int from, int to) override;
+    int dropCache(int file) override;
     int lock(int file, int operation) override;
 
 private:

@@ -155,6 +155,12 @@ public:
     int copyAccess(int from, int to) override {
         return run(true, "copyAccess", "", [&] { return FileCalls::copyAccess(from, to); });
     }
+    int copyBirthTime(int from, int to) override {
+        return run(true, "copyBirthTime", "", [&] { return FileCalls::copyBirthTime(from, to); });
+    }
+    int dropCache(int file) override {
+        return run(false, "dropCache", "", [&] { return FileCalls::dropCache(file); });
+    }
     int lock(int file, int operation) override {
         return run(false, "lock", "", [&] { return FileCalls::lock(file, operation); });
     }
