@@ -11,7 +11,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'removal', 'monitor', 'apps'];
+const partNames = ['walk', 'memory', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -198,6 +198,27 @@ function removal() {
     `ratio ${(deletion / rm).toFixed(2)}`);
 }
 
+/** The move also waits for the disk and removes its source; the tools do neither. */
+function copy() {
+  const other = process.platform === 'darwin' ? process.env.VELTO_OTHER_VOLUME ?? '' : '/dev/shm';
+  mkdirSync(data, { recursive: true });
+  if (!existsSync(other) || lstatSync(other).dev === lstatSync(data).dev) {
+    console.log('\nLeft out: copying needs a second volume');
+    return;
+  }
+  const folders = [join(data, 'copy'), join(other, `velto-bench-${process.pid}`)];
+  console.log('\nA move to another volume, in one process');
+  for (const [way, [from, to]] of [['to memory', folders], ['to the disk', folders.toReversed()]]) {
+    const lines = output([program('bench_copy'), from, to, String(runs + 1)])
+      .trim().split('\n').slice(1).map((line) => line.split(' ').map(Number));
+    const [file, cmp, folder, diff] = [0, 1, 2, 3].map((column) =>
+      median(lines.map((line) => line[column])));
+    console.log(`${way}: 256 MiB ${file.toFixed(0)} ms, cp and cmp ${cmp.toFixed(0)} ms, ` +
+      `ratio ${(file / cmp).toFixed(2)}; 2,000 files of 16 KiB ${folder.toFixed(0)} ms, ` +
+      `cp and diff ${diff.toFixed(0)} ms, ratio ${(folder / diff).toFixed(2)} (target: at most 2.20)`);
+  }
+}
+
 /** The mean over the samples has the first one in it and each that makes the process map anew. */
 function monitor() {
   console.log('\nSystem monitor: processor time of a sample beside 2,000 sleeping processes, and of one ps');
@@ -230,13 +251,13 @@ if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
   console.log('The walk and the discovery are measured on Linux only.');
-  for (const part of [duplicates, trash, removal]) {
+  for (const part of [duplicates, trash, removal, copy]) {
     if (only === '' || only === part.name) part();
   }
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates, trash, removal, monitor, apps]) {
+  for (const part of [walk, memory, cleanables, duplicates, trash, removal, copy, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }
