@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -66,6 +67,15 @@ public:
     /// True when `folder` belongs to this user, or to the same one as `other`: a volume may show
     /// everything on it as somebody else's.
     virtual bool isOwnFolder(const FolderHandle& folder, const FolderHandle& other) = 0;
+
+    /// A text that tells the volume on which an open folder lies (and the part of it that is
+    /// mounted there) from all others, also after it was taken out and put in again or the machine
+    /// was started anew. Empty when the system does not say.
+    virtual std::string volumeOf(const FolderHandle& folder) = 0;
+
+    /// The most bytes that a name in the folder may have, as far as the volume tells: one that
+    /// counts in other units may still refuse a shorter one (ENAMETOOLONG).
+    virtual std::size_t longestName(const FolderHandle& folder) = 0;
 
     /// True when `folder` is `ancestor` or lies below it, by identity.
     virtual bool isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) = 0;

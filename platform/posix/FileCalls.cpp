@@ -26,6 +26,8 @@ int FileCalls::statTarget(const char* path, struct stat& status) { return ::stat
 
 int FileCalls::status(int file, struct stat& status) { return ::fstat(file, &status); }
 
+long FileCalls::longestName(int folder) { return ::fpathconf(folder, _PC_NAME_MAX); }
+
 int FileCalls::resolve(const char* path, std::string& real) {
     const std::unique_ptr<char, decltype(&std::free)> found(::realpath(path, nullptr), &std::free);
     if (!found) return -1;

@@ -33,6 +33,12 @@ public:
     /// Whether anything could be mounted on a name or below it, by the system's own list: false only
     /// when nothing is. Looking through a whole tree is needed only where it says yes. System.
     virtual bool mayHoldMount(int folder, const char* name);
+    /// A text that tells the volume of an open folder, and the part of it that is mounted there,
+    /// from all others, also after it was taken out and put in again. Empty when nothing is known
+    /// that stays the same. System.
+    virtual int volume(int folder, std::string& identity);
+    /// The most bytes that a name in an open folder may have, as the volume tells.
+    virtual long longestName(int folder);
     /// An absolute path without links, "." and "..".
     virtual int resolve(const char* path, std::string& real);
     /// The names in a folder that was opened for reading, without "." and ".."; closes it.

@@ -37,6 +37,8 @@ public:
     std::unique_ptr<FolderHandle> openFolder(const FolderHandle& parent,
                                              const std::string& name) override;
     bool isOwnFolder(const FolderHandle& folder, const FolderHandle& other) override;
+    std::string volumeOf(const FolderHandle& folder) override;
+    std::size_t longestName(const FolderHandle& folder) override;
     bool isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) override;
     std::optional<FileAttributes> attributes(const FolderHandle& folder,
                                              const std::string& name) override;

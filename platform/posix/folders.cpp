@@ -82,6 +82,17 @@ bool PosixFileManager::isOwnFolder(const FolderHandle& folder, const FolderHandl
     return status.st_uid == ::geteuid() || status.st_uid == likewise.st_uid;
 }
 
+std::string PosixFileManager::volumeOf(const FolderHandle& folder) {
+    std::string identity;
+    return calls_.volume(number(folder), identity) == 0 ? identity : std::string();
+}
+
+std::size_t PosixFileManager::longestName(const FolderHandle& folder) {
+    constexpr std::size_t usual = 255;  // what most file systems take
+    const long longest = calls_.longestName(number(folder));
+    return longest > 0 ? static_cast<std::size_t>(longest) : usual;
+}
+
 bool PosixFileManager::isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) {
     const auto fail = [&] { throw FileError("examine", posix(folder).path, errno); };
     struct stat wanted;

@@ -145,6 +145,15 @@ int ModelFileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
     return 0;
 }
 
+int ModelFileCalls::volume(int folder, std::string& identity) {
+    std::uint64_t number = 0;
+    if (mount(folder, "", number) != 0) return -1;
+    identity = "volume " + std::to_string(number);
+    return 0;
+}
+
+long ModelFileCalls::longestName(int) { return 255; }
+
 int ModelFileCalls::resolve(const char* path, std::string& real) {
     ModelDisk::Place place;
     if (!reach(AT_FDCWD, path, true, place)) return -1;

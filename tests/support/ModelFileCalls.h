@@ -23,6 +23,8 @@ public:
     int status(int file, struct stat& status) override;
     int mount(int folder, const char* name, std::uint64_t& mount) override;
     bool mayHoldMount(int, const char*) override { return true; }
+    int volume(int folder, std::string& identity) override;
+    long longestName(int folder) override;
     int resolve(const char* path, std::string& real) override;
     int names(Descriptor folder, std::vector<std::string>& names) override;
     ssize_t read(int file, void* buffer, std::size_t size) override;

@@ -61,6 +61,12 @@ public:
     int mount(int folder, const char* name, std::uint64_t& mount) override {
         return run(false, "mount", name, [&] { return FileCalls::mount(folder, name, mount); });
     }
+    int volume(int folder, std::string& identity) override {
+        return run(false, "volume", "", [&] { return FileCalls::volume(folder, identity); });
+    }
+    long longestName(int folder) override {
+        return run(false, "longestName", "", [&] { return FileCalls::longestName(folder); });
+    }
     ssize_t read(int file, void* buffer, std::size_t size) override {
         return run(false, "read", "", [&] { return FileCalls::read(file, buffer, size); });
     }
