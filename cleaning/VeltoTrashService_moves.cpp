@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <exception>
@@ -38,6 +39,16 @@ double sizeOf(const std::string& path, const FileAttributes& attributes,
 
 /// What keeps an item from a folder that it could go to otherwise.
 bool isBlocked(const FileError& error) { return error.code() == ELOOP || error.code() == ENOTDIR; }
+
+/// The next lower one of the limits that volumes have: most of them, and those that encrypt names.
+/// False when there is none.
+bool shortenLimit(std::size_t& longest) {
+    constexpr std::array<std::size_t, 2> limits{255, 143};
+    const auto lower = std::ranges::find_if(limits, [&](std::size_t one) { return one < longest; });
+    if (lower == limits.end()) return false;
+    longest = *lower;
+    return true;
+}
 
 }  // namespace
 
@@ -208,18 +219,24 @@ void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* op
     }
     HeldPlace place = openReturn(item, target, destination);
     const std::string wanted = place.name;
-    for (int number = 0;; ++number) {
-        place.name = number == 0 ? wanted : restoredName(wanted, number);
-        if (mover_.attributes(*place.folder, place.name)) continue;
+    std::size_t longest = mover_.longestName(*place.folder);
+    for (int number = 0;;) {
+        place.name = number == 0 ? wanted : restoredName(wanted, number, longest);
         try {
+            if (mover_.attributes(*place.folder, place.name)) {
+                ++number;
+                continue;
+            }
             const std::string path = target.substr(0, target.rfind('/') + 1) + place.name;
             moveOut(item, *operation, place, path, entry, change);
             return;
         } catch (const FileError& error) {
-            // Somebody was faster: the next name, then. But the journal tells of one place only.
-            const bool isTaken = error.code() == EEXIST && !change.unsettled &&
-                                 mover_.attributes(*place.folder, place.name);
-            if (!isTaken) throw;
+            if (change.unsettled) throw;  // the journal tells of one place only
+            // The volume counts in other units than bytes, or says more than it takes.
+            if (error.code() == ENAMETOOLONG && number > 0 && shortenLimit(longest)) continue;
+            // Somebody was faster: the next name, then.
+            if (error.code() != EEXIST || !mover_.attributes(*place.folder, place.name)) throw;
+            ++number;
         }
     }
 }

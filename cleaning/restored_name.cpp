@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include "platform/values/text.h"
+
 namespace velto {
 namespace {
 
@@ -19,25 +21,53 @@ Split split(std::string_view name) {
     return {name.substr(0, stop), name.substr(stop)};
 }
 
+/// At most that many bytes of a text, cut between two characters.
+std::string_view beginning(std::string_view text, std::size_t most) {
+    text = text.substr(0, most);
+    while (!isValidUtf8(text))
+        text.remove_suffix(1);
+    return text;
+}
+
+std::string numbered(const Split& parts, int number) {
+    return fmt::format("{} (restaurado {}){}", parts.stem, number, parts.extension);
+}
+
+/// Whether a candidate is the number behind this stem, or behind the beginning of it.
+bool isNumbered(std::string_view candidate, const Split& parts, bool mayBeCut) {
+    constexpr std::string_view opening = " (restaurado ";
+    const std::string end = fmt::format("){}", parts.extension);
+    if (!candidate.ends_with(end)) return false;
+    candidate.remove_suffix(end.size());
+    const std::size_t open = candidate.rfind(opening);
+    if (open == std::string_view::npos) return false;
+    const std::string_view stem = candidate.substr(0, open);
+    const std::string_view number = candidate.substr(open + opening.size());
+    const bool isStem = stem == parts.stem || (mayBeCut && parts.stem.starts_with(stem));
+    return isStem && !number.empty() &&
+           std::ranges::all_of(number, [](char digit) { return digit >= '0' && digit <= '9'; });
+}
+
 }  // namespace
 
-std::string restoredName(std::string_view name, int number) {
-    const auto [stem, extension] = split(name);
-    return fmt::format("{} (restaurado {}){}", stem, number, extension);
+std::string restoredName(std::string_view name, int number, std::size_t longest) {
+    Split parts = split(name);
+    std::string whole = numbered(parts, number);
+    if (whole.size() <= longest) return whole;
+    std::size_t excess = whole.size() - longest;
+    if (parts.stem.size() <= excess) {
+        parts = {name, ""};
+        excess = numbered(parts, number).size() - longest;
+    }
+    parts.stem = beginning(parts.stem, parts.stem.size() - std::min(parts.stem.size(), excess));
+    return numbered(parts, number);
 }
 
 bool isRestoredName(std::string_view candidate, std::string_view name) {
-    if (candidate == name) return true;
-    const auto [stem, extension] = split(name);
-    const std::string start = fmt::format("{} (restaurado ", stem);
-    const std::string end = fmt::format("){}", extension);
-    if (candidate.size() <= start.size() + end.size() || !candidate.starts_with(start) ||
-        !candidate.ends_with(end)) {
-        return false;
-    }
-    candidate.remove_prefix(start.size());
-    candidate.remove_suffix(end.size());
-    return std::ranges::all_of(candidate, [](char digit) { return digit >= '0' && digit <= '9'; });
+    constexpr std::size_t shortestCut = 64;  // no volume that is in use has a lower limit
+    const bool mayBeCut = candidate.size() >= shortestCut;
+    return candidate == name || isNumbered(candidate, split(name), mayBeCut) ||
+           (mayBeCut && isNumbered(candidate, {name, ""}, true));
 }
 
 }  // namespace velto

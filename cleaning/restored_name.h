@@ -1,13 +1,16 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace velto {
 
 /// The name that a restored item gets when its own is taken: "Informe.pdf" becomes "Informe
-/// (restaurado 1).pdf". Spanish in every language.
-std::string restoredName(std::string_view name, int number);
+/// (restaurado 1).pdf". Spanish in every language. One of more than `longest` bytes loses the end
+/// of its stem, between two characters, and of an extension that leaves no room for a stem the end
+/// too.
+std::string restoredName(std::string_view name, int number, std::size_t longest);
 
 /// True for `name` itself and for each name that `restoredName` makes of it.
 bool isRestoredName(std::string_view candidate, std::string_view name);

@@ -1,5 +1,8 @@
 // Bringing back: single items, and whole operations.
 
+#include <cerrno>
+#include <cstring>
+
 #include "TrashFixture.h"
 
 namespace velto {
@@ -217,6 +220,46 @@ TEST_F(TrashUndoTest, NothingIsLogged) {
     process.log.clear();
     service.undoOperation(operation.id);
     EXPECT_TRUE(process.log.lines().empty());
+}
+
+TEST_F(TrashRestoreTest, ALongNameIsShortenedWhereItsPlaceIsTaken) {
+    for (const std::string& name :
+         {std::string(240, 'n') + ".pdf", std::string(255, 'n'), std::string(251, 'n') + ".pdf",
+          "é" + std::string(120, 'x') + std::string(60, 'y') + "ññññññññññññññññññññññññññññññññ",
+          "a." + std::string(253, 'e')}) {
+        SCOPED_TRACE(name);
+        ASSERT_LE(name.size(), 255U);
+        for (const char* content : {"first", "second"}) {
+            const TrashItem item = trashed("long/" + name, content);
+            file("long/" + name, "taken");
+            service.restore(item.id);
+        }
+        std::vector<std::string> contents;
+        for (const std::string& one : process.files.list(home.path("long"))) {
+            EXPECT_TRUE(isValidUtf8(one)) << one;
+            contents.push_back(read(home.path("long/" + one)));
+        }
+        EXPECT_THAT(contents, testing::UnorderedElementsAre("taken", "first", "second"));
+        process.files.removeAll(home.path("long"));
+    }
+}
+
+TEST_F(TrashRestoreTest, AVolumeMayTakeShorterNamesThanItSays) {
+    const std::string name = std::string(140, 'n') + ".pdf";
+    const TrashItem item = trashed("long/" + name, "mine");
+    file("long/" + name, "taken");
+    process.calls.refuses = [](const char*, const char* about) {
+        return std::strlen(about) > 143 + 1 && !std::string_view(about).contains('/') &&
+                       !std::string_view(about).starts_with("it")
+                   ? ENAMETOOLONG
+                   : 0;
+    };
+    service.restore(item.id);
+    process.calls.refuses = nullptr;
+    std::vector<std::string> contents;
+    for (const std::string& one : process.files.list(home.path("long")))
+        contents.push_back(read(home.path("long/" + one)));
+    EXPECT_THAT(contents, testing::UnorderedElementsAre("taken", "mine"));
 }
 
 }  // namespace

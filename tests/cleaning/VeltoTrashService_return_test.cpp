@@ -159,7 +159,18 @@ TEST(RestoredName, IsKnownAgain) {
          {"a.txt", "a", ".hidden", "x (restaurado 1).txt", "año.año", "a.tar.gz"}) {
         EXPECT_TRUE(isRestoredName(name, name));
         for (const int number : {1, 2, 10, 1234})
-            EXPECT_TRUE(isRestoredName(restoredName(name, number), name)) << name;
+            EXPECT_TRUE(isRestoredName(restoredName(name, number, 255), name)) << name;
+    }
+    for (const std::size_t longest : {255U, 143U, 100U}) {
+        for (const std::string& name :
+             {std::string(longest - 4, 'n') + ".pdf", std::string(longest, 'n'),
+              "a." + std::string(longest - 2, 'e'), std::string(longest / 2, 'n') + "ñññññ.pdf"}) {
+            for (const int number : {1, 12}) {
+                const std::string restored = restoredName(name, number, longest);
+                EXPECT_LE(restored.size(), longest);
+                EXPECT_TRUE(isRestoredName(restored, name)) << restored;
+            }
+        }
     }
     for (const char* other :
          {"b.txt", "a (restaurado ).txt", "a (restaurado x).txt", "a (restaurado 1)", "",
