@@ -177,6 +177,18 @@ FailureText schedulerText(const SchedulerError& error) {
             "The system did not accept the schedule of the maintenance."};
 }
 
+FailureText waitsText(const ItemWaits& error, const std::string& home) {
+    const std::string name = validUtf8(error.item().name);
+    const std::string place = shownPath(error.path(), home);
+    return {
+        fmt::format("«{}» espera a que se pueda llegar otra vez a «{}»: un movimiento entre los "
+                    "dos sitios quedó interrumpido. No se ha perdido nada.",
+                    name, place),
+        fmt::format("“{}” waits until “{}” can be reached again: a move between the two places "
+                    "was cut off. Nothing is lost.",
+                    name, place)};
+}
+
 }  // namespace
 
 std::string shownPath(const std::string& path, const std::string& home) {
@@ -187,6 +199,9 @@ std::string shownPath(const std::string& path, const std::string& home) {
 FailureText failureText(const std::exception& error, const HomeLayout& layout) {
     if (const auto* blocked = dynamic_cast<const ReturnBlocked*>(&error)) {
         return blockedText(*blocked, layout.home);
+    }
+    if (const auto* waits = dynamic_cast<const ItemWaits*>(&error)) {
+        return waitsText(*waits, layout.home);
     }
     if (const auto* file = dynamic_cast<const FileError*>(&error)) return fileText(*file, layout);
     if (const auto* schedule = dynamic_cast<const SchedulerError*>(&error)) {

@@ -1,6 +1,7 @@
 #include "cleaning/TrashFolder.h"
 
 #include <cerrno>
+#include <unordered_set>
 
 #include "cleaning/own_folder.h"
 #include "platform/values/scratch_name.h"
@@ -43,6 +44,8 @@ std::string scratchNameOf(const TrashItem& item) {
 }
 
 std::string backScratchOf(const TrashItem& item) { return scratchNameOf(item) + "-back"; }
+/// The name of a folder that is being deleted.
+std::string begunNameOf(const TrashItem& item) { return scratchNameOf(item) + "-deleting"; }
 
 bool isSound(const TrashItem& item) {
     return isComponent(item.opID) && isComponent(storedName(item));
@@ -53,6 +56,8 @@ bool isAbsence(const FileError& error) {
 }
 
 }  // namespace
+
+bool isForMount(const FileError& error) { return error.code() == EXDEV || error.code() == EBUSY; }
 
 std::unique_ptr<FolderHandle> TrashFolder::openRoot() const { return openOwnFolder(mover_, path_); }
 
@@ -86,14 +91,20 @@ std::optional<FileAttributes> TrashFolder::attributes(const FolderHandle* operat
 void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
                          const TrashItem& item) {
     const std::string name = storedName(item);
-    if (mover_.moveAtOnce(*source.folder, source.name, operation, name)) return;
+    const auto once = [&] {
+        return mover_.moveAtOnce(*source.folder, source.name, operation, name);
+    };
+    if (once()) return;
     mover_.moveInSteps(*source.folder, source.name, operation, name, scratchNameOf(item));
 }
 
 void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
                           const HeldPlace& target, const std::function<void()>& beforeSteps) {
     const std::string name = storedName(item);
-    if (mover_.moveAtOnce(operation, name, *target.folder, target.name)) return;
+    const auto once = [&] {
+        return mover_.moveAtOnce(operation, name, *target.folder, target.name);
+    };
+    if (once()) return;
     beforeSteps();
     mover_.moveInSteps(operation, name, *target.folder, target.name, scratchNameOf(item));
 }
@@ -134,6 +145,19 @@ bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operat
            mover_.attributes(operation, backScratchOf(item));
 }
 
+bool TrashFolder::isUnderWay(const TrashItem& item, const FolderHandle* operation) const {
+    // Of a made-up id there is no scratch name.
+    if (operation == nullptr || !isScratchName(scratchName(item.id))) return false;
+    return holdsScratch(item, *operation) && !attributes(operation, item);
+}
+
+std::string TrashFolder::volume() const {
+    const auto root = openRoot();
+    const auto folder = root ? nullptr : openFolderAbove(mover_, path_);
+    if (!root && !folder) return {};
+    return mover_.volumeOf(root ? *root : *folder);
+}
+
 /// On its way back an item is whole until it has arrived; on its way in it may be a piece.
 void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
     adopt(backScratchOf(item), item, operation);
@@ -158,7 +182,57 @@ void TrashFolder::adopt(const std::string& scratch, const TrashItem& item,
 
 void TrashFolder::remove(const TrashItem& item) {
     const auto operation = openOperation(item.opID);
-    if (operation && isSound(item)) mover_.removeAll(*operation, storedName(item));
+    if (!operation || !isSound(item)) return;
+    const std::string name = storedName(item);
+    const auto found = mover_.attributes(*operation, name);
+    if (!found) return;
+    // A file goes in one step. So does what bears an id of which no name can be made.
+    if (found->kind != FileKind::folder || !isScratchName(scratchName(item.id))) {
+        return mover_.removeAll(*operation, name);
+    }
+    const std::string begun = begunNameOf(item);
+    mover_.removeAll(*operation, begun);
+    try {
+        rename(*operation, item, name, begun);
+    } catch (const FileError& error) {
+        // Even a new name may need room, and what is to be deleted makes some.
+        if (error.code() != ENOSPC && error.code() != EDQUOT) throw;
+        return mover_.removeAll(*operation, name);
+    }
+    removeBegun(*operation, item);
+}
+
+bool TrashFolder::isBegun(const TrashItem& item) const {
+    const auto operation = openOperation(item.opID);
+    return operation && isScratchName(scratchName(item.id)) &&
+           mover_.attributes(*operation, begunNameOf(item)).has_value();
+}
+
+void TrashFolder::finishRemoval(const TrashItem& item) {
+    if (const auto operation = openOperation(item.opID)) removeBegun(*operation, item);
+}
+
+/// What resists is the item again.
+void TrashFolder::removeBegun(const FolderHandle& operation, const TrashItem& item) {
+    const std::string begun = begunNameOf(item);
+    try {
+        mover_.sync(operation);  // or a loss of power could leave the item under its
+                                 // name, in part
+        mover_.removeAll(operation, begun);
+    } catch (const FileError&) {
+        try {
+            rename(operation, item, begun, storedName(item));
+        } catch (const FileError&) {
+            // `isBegun` tells.
+        }
+        throw;
+    }
+}
+
+void TrashFolder::rename(const FolderHandle& operation, const TrashItem& item,
+                         const std::string& from, const std::string& to) {
+    if (mover_.moveAtOnce(operation, from, operation, to)) return;
+    mover_.moveInSteps(operation, from, operation, to, scratchNameOf(item));
 }
 
 void TrashFolder::removeOperationIfEmpty(const std::string& operationID) {
@@ -170,13 +244,43 @@ void TrashFolder::removeOperationIfEmpty(const std::string& operationID) {
     }
 }
 
-void TrashFolder::removeEverything() {
+/// Removes an operation's folder but for what waits in it. True when nothing did.
+bool TrashFolder::clearOperation(const FolderHandle& root, const std::string& name,
+                                 const std::vector<TrashItem>& waiting) {
+    std::unordered_set<std::string> kept;
+    for (const TrashItem& item : waiting) {
+        if (item.opID != name) continue;
+        kept.insert(scratchNameOf(item));
+        kept.insert(backScratchOf(item));
+    }
+    const auto operation = kept.empty() ? nullptr : openOperation(name);
+    if (!operation) {
+        mover_.removeAll(root, name);
+        return true;
+    }
+    bool isCleared = true;
+    for (const std::string& entry : mover_.list(*operation)) {
+        if (kept.contains(entry))
+            isCleared = false;
+        else
+            mover_.removeAll(*operation, entry);
+    }
+    if (isCleared) mover_.removeEmptyFolder(root, name);
+    return isCleared;
+}
+
+void TrashFolder::removeEverything(const std::vector<TrashItem>& waiting) {
     const auto root = openRoot();
     if (!root) return;
+    bool isCleared = true;
     for (const std::string& name : mover_.list(*root)) {
-        if (name != manifestName) mover_.removeAll(*root, name);
+        if (name != manifestName && !clearOperation(*root, name, waiting)) isCleared = false;
     }
     mover_.removeAll(*root, manifestName);
+    if (isCleared) removeRoot();
+}
+
+void TrashFolder::removeRoot() {
     try {
         const auto above = openFolderAbove(mover_, path_);
         if (above) mover_.removeEmptyFolder(*above, std::string(lastPathComponent(path_)));

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cleaning/TrashGuard.h"
 #include "cleaning/TrashRecords.h"
@@ -10,6 +11,10 @@
 #include "platform/HomeLayout.h"
 
 namespace velto {
+
+/// True when something was not removed because something else is mounted on it or inside it. Then
+/// it is whole.
+bool isForMount(const FileError& error);
 
 /// The files of the trash: one folder per operation, in it each item under its id, "-" and its
 /// name. Knows nothing of the manifest but its name. Trash and operations are real folders of the
@@ -62,26 +67,48 @@ public:
     /// True when a move in several steps has left something under a scratch name.
     bool holdsScratch(const TrashItem& item, const FolderHandle& operation) const;
 
+    /// True when that is all that the trash has of an item: what it is shows when the move is
+    /// settled.
+    bool isUnderWay(const TrashItem& item, const FolderHandle* operation) const;
+
+    /// The volume that holds the trash, or will hold it (FileMover::volumeOf).
+    std::string volume() const;
+
     /// Gives that the item's own name unless another thing bears it; for a move whose other side is
     /// gone.
     void adoptScratch(const TrashItem& item, const FolderHandle& operation);
 
-    /// Removes an item's file for good; one that is not there is fine.
+    /// Removes an item's file for good; one that is not there is fine. A folder gets a name of its
+    /// own first, by which it is known later that its removal was begun. When that fails it has its
+    /// old name again, unless `isBegun`.
     void remove(const TrashItem& item);
+
+    /// True when the removal of an item was begun and cut off.
+    bool isBegun(const TrashItem& item) const;
+
+    /// Ends such a removal. Fails as `remove`.
+    void finishRemoval(const TrashItem& item);
 
     /// Removes an operation's folder unless something is in it. Errors are ignored: an empty folder
     /// harms nobody.
     void removeOperationIfEmpty(const std::string& operationID);
 
     /// Removes the trash folder with everything in it, the manifest last: what remains after a
-    /// failure is still listed. What is put into it meanwhile stays.
-    void removeEverything();
+    /// failure is still listed. What is put into it meanwhile stays, and what a move that waits has
+    /// of one of these items.
+    void removeEverything(const std::vector<TrashItem>& waiting = {});
 
 private:
     static constexpr const char* manifestName = "manifest.json";
 
     std::unique_ptr<FolderHandle> openRoot() const;
     void adopt(const std::string& scratch, const TrashItem& item, const FolderHandle& operation);
+    void removeBegun(const FolderHandle& operation, const TrashItem& item);
+    void rename(const FolderHandle& operation, const TrashItem& item, const std::string& from,
+                const std::string& to);
+    void removeRoot();
+    bool clearOperation(const FolderHandle& root, const std::string& name,
+                        const std::vector<TrashItem>& waiting);
 
     FileMover& mover_;
     std::string path_;

@@ -21,12 +21,13 @@ struct KindName {
     Kind kind;
     std::string_view name;
 };
-constexpr std::array<KindName, 5> kindNames{{
+constexpr std::array<KindName, 6> kindNames{{
     {Kind::move, "move"},
     {Kind::restore, "restore"},
     {Kind::remove, "remove"},
     {Kind::purge, "purge"},
     {Kind::empty, "empty"},
+    {Kind::rest, "rest"},
 }};
 
 nlohmann::ordered_json toJson(const JournalEntry& entry) {
@@ -36,7 +37,9 @@ nlohmann::ordered_json toJson(const JournalEntry& entry) {
     if (entry.steps) {
         object["steps"] = {{"itemID", entry.steps->itemID},
                            {"target", pathText(entry.steps->target)}};
+        if (!entry.steps->volume.empty()) object["steps"]["volume"] = entry.steps->volume;
     }
+    if (!entry.volumes.empty()) object["volumes"] = entry.volumes;
     return object;
 }
 
@@ -47,31 +50,62 @@ std::optional<JournalEntry> entryFrom(const json& object) {
     JournalEntry entry{.kind = kind->kind,
                        .operation = operationFromJson(object.at("operation")),
                        .itemIDs = field<std::vector<std::string>>(object, "itemIDs"),
-                       .steps = std::nullopt};
+                       .steps = std::nullopt,
+                       .volumes = {}};
     if (object.contains("steps")) {
         const json& steps = object["steps"];
-        entry.steps = {.itemID = field<std::string>(steps, "itemID"),
-                       .target = pathBytes(field<std::string>(steps, "target"))};
+        entry.steps = {
+            .itemID = field<std::string>(steps, "itemID"),
+            .target = pathBytes(field<std::string>(steps, "target")),
+            .volume = steps.contains("volume") ? field<std::string>(steps, "volume") : ""};
+    }
+    if (object.contains("volumes")) {
+        entry.volumes = field<std::map<std::string, std::string>>(object, "volumes");
     }
     return entry;
 }
 
 }  // namespace
 
-std::optional<JournalEntry> TrashJournal::read() const {
+/// The file's content; nothing when there is none or when it is none of ours.
+std::optional<json> TrashJournal::readFile(const std::string& path) const {
     // A link leads to what somebody else has written.
-    const auto file = files_.attributes(path_);
+    const auto file = files_.attributes(path);
     if (file && file->kind == FileKind::symbolicLink) return std::nullopt;
     try {
-        return entryFrom(parseJson(files_.read(path_, trashRecordsLimit)));
+        return parseJson(files_.read(path, trashRecordsLimit));
     } catch (const RefusedFile&) {
         return std::nullopt;  // nor is this ours
     } catch (const FileError& error) {
-        if (files_.exists(path_)) throw;
+        if (files_.exists(path)) throw;
         return std::nullopt;
     } catch (const json::exception&) {
         return std::nullopt;  // not ours: it is written whole or not at all
     }
+}
+
+std::optional<JournalEntry> TrashJournal::read() const {
+    const auto content = readFile(path_);
+    if (!content) return std::nullopt;
+    try {
+        return entryFrom(*content);
+    } catch (const json::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::vector<JournalEntry> TrashJournal::readWaiting() const {
+    const auto content = readFile(waitingPath_);
+    if (!content) return {};
+    std::vector<JournalEntry> entries;
+    try {
+        for (const auto& entry : listFrom(*content, "entries", entryFrom)) {
+            if (entry) entries.push_back(*entry);
+        }
+    } catch (const json::exception&) {
+        return {};
+    }
+    return entries;
 }
 
 void TrashJournal::write(const JournalEntry& entry) {
@@ -79,6 +113,18 @@ void TrashJournal::write(const JournalEntry& entry) {
         files_.writeAtomically(path_, toJson(entry).dump());
     } catch (const json::exception&) {
         throw FileError("write", path_, EILSEQ);  // a text that is not UTF-8
+    }
+}
+
+void TrashJournal::writeWaiting(const std::vector<JournalEntry>& entries) {
+    if (entries.empty()) return files_.removeAll(waitingPath_);
+    auto list = nlohmann::ordered_json::array();
+    for (const JournalEntry& entry : entries)
+        list.push_back(toJson(entry));
+    try {
+        files_.writeAtomically(waitingPath_, nlohmann::ordered_json{{"entries", list}}.dump());
+    } catch (const json::exception&) {
+        throw FileError("write", waitingPath_, EILSEQ);
     }
 }
 

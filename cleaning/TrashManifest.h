@@ -35,8 +35,10 @@ public:
     /// in the place of that folder is not written through.
     std::optional<FileError> save(const Manifest& lists);
 
-    /// False while the last save has failed: the lists know more than the file.
+    /// False while the lists know more than the file: the last save has failed, or there was none
+    /// since `noteChange`.
     bool isSaved() const { return isSaved_; }
+    void noteChange() { isSaved_ = false; }
 
 private:
     bool tryToRead(Manifest& lists);

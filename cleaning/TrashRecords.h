@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <exception>
 #include <string>
 #include <vector>
@@ -68,6 +69,20 @@ class ReturnBlocked : public FileError {
 public:
     ReturnBlocked(const TrashItem& item, const FileError& reason)
         : FileError(reason.attempt(), reason.path(), reason.code()), item_(item) {}
+
+    const TrashItem& item() const { return item_; }
+
+private:
+    TrashItem item_;
+};
+
+/// An item is not to be had for now: a move of it was cut off, and the volume or the folder of its
+/// other side, `path()`, is out of reach. It is settled once that is back.
+class ItemWaits : public FileError {
+public:
+    ItemWaits(const TrashItem& item, const std::string& otherSide)
+        : FileError("move", otherSide, EBUSY, "out of reach while an item waits for it"),
+          item_(item) {}
 
     const TrashItem& item() const { return item_; }
 

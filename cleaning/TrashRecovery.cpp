@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cmath>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "cleaning/restored_name.h"
@@ -15,7 +16,7 @@
 namespace velto {
 namespace {
 
-bool isAbsence(const FileError& error) { return error.code() == ENOENT || error.code() == ENOTDIR; }
+using Kind = JournalEntry::Kind;
 
 }  // namespace
 
@@ -29,38 +30,120 @@ void forgetItems(Manifest& lists, const std::vector<std::string>& itemIDs) {
                   [](const Operation& operation) { return operation.items.empty(); });
 }
 
-bool TrashRecovery::recover(const JournalEntry& entry) {
+std::vector<TrashItem> inOrderOfReturn(const std::vector<TrashItem>& items) {
+    std::unordered_map<std::string, std::size_t> places;
+    for (std::size_t index = 0; index < items.size(); ++index)
+        places.emplace(standardizedPath(items[index].originalPath), index);
+    std::vector<TrashItem> ordered;
+    std::vector<bool> isTaken(items.size());
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        std::vector<std::size_t> chain{index};  // the item and the folders above it, upwards
+        std::string above = parentFolder(standardizedPath(items[index].originalPath));
+        for (; above.size() > 1; above = parentFolder(above)) {
+            if (const auto found = places.find(above); found != places.end())
+                chain.push_back(found->second);
+        }
+        for (; !chain.empty(); chain.pop_back()) {
+            if (isTaken[chain.back()]) continue;
+            isTaken[chain.back()] = true;
+            ordered.push_back(items[chain.back()]);
+        }
+    }
+    return ordered;
+}
+
+bool TrashRecovery::recover(const JournalEntry& entry, Waiting& waiting) {
     extraRoots_.clear();
     switch (entry.kind) {
-        case JournalEntry::Kind::move:
-            return recoverMove(entry.operation);
-        case JournalEntry::Kind::restore:
-            return recoverRestore(entry);
-        case JournalEntry::Kind::remove:
-        case JournalEntry::Kind::purge:
+        case Kind::move:
+            return recoverMove(entry, waiting);
+        case Kind::restore:
+            return recoverRestore(entry, waiting);
+        case Kind::remove:
+        case Kind::purge:
+        case Kind::empty:
             return recoverRemoval(entry);
-        case JournalEntry::Kind::empty:
-            return recoverEmptying(entry);
+        case Kind::rest:
+            return false;  // only waits
     }
     return false;
 }
 
-/// A move that had brought everything in is finished; any other is taken back.
-bool TrashRecovery::recoverMove(const Operation& operation) {
-    const bool isRecorded = std::ranges::find(lists_.operations, operation.id, &Operation::id) !=
-                            lists_.operations.end();
-    if (isRecorded || !isConsistent(operation)) return false;
-    const auto folder = folder_.openOperation(operation.id);
-    if (!folder) return false;
-    const bool isComplete =
-        !operation.items.empty() && std::ranges::all_of(operation.items, [&](const auto& item) {
-            return isInTrash(item, *folder);
-        });
-    if (!isComplete) {
-        return takeBackIf(operation, [&](const TrashItem& item) { return !startsByItself(item); });
+bool TrashRecovery::recoverWaiting(const JournalEntry& entry, Waiting& waiting) {
+    extraRoots_.clear();
+    try {
+        if (entry.kind == Kind::move) return recoverWaitingMove(entry, waiting);
+        if (entry.kind == Kind::restore) return recoverRestore(entry, waiting);
+        if (entry.kind == Kind::rest) return recoverRest(entry, waiting);
+    } catch (const FileError&) {
+        waiting.push_back(entry);
     }
-    record(operation);
+    return false;
+}
+
+/// A move that had brought everything in is finished; any other is taken back. What the lists hold
+/// already was settled before.
+bool TrashRecovery::recoverMove(const JournalEntry& entry, Waiting& waiting) {
+    JournalEntry open = entry;
+    std::erase_if(open.operation.items, [&](const TrashItem& item) { return isListed(item); });
+    const bool isRecorded = std::ranges::find(lists_.operations, entry.operation.id,
+                                              &Operation::id) != lists_.operations.end();
+    const bool isNew = !isRecorded && open.operation.items.size() == entry.operation.items.size();
+    if (!isNew && open.operation.items.empty()) return false;
+    if (!isConsistent(open.operation)) return false;
+    const auto folder = folder_.openOperation(open.operation.id);
+    if (!folder) return false;
+    open.operation = presentOf(open, *folder, waiting);
+    const std::size_t present = open.operation.items.size();
+    const bool isComplete = present > 0 && present == entry.operation.items.size();
+    if (isNew && !isComplete) {
+        return takeBackIf(
+            open, *folder, [&](const TrashItem& item) { return !startsByItself(item); }, waiting);
+    }
+    if (present == 0) return false;
+    record(std::move(open.operation));
     return true;
+}
+
+/// It was not known where the item is. When it turns out to be in the trash it stays there, for the
+/// user to put back.
+bool TrashRecovery::recoverWaitingMove(const JournalEntry& entry, Waiting& waiting) {
+    if (entry.operation.items.empty() || isListed(entry.operation.items.front())) return false;
+    if (!isConsistent(entry.operation)) return false;
+    const auto folder = folder_.openOperation(entry.operation.id);
+    if (!folder) return false;
+    Operation present = presentOf(entry, *folder, waiting);
+    folder_.removeOperationIfEmpty(entry.operation.id);
+    if (present.items.empty()) return false;
+    record(std::move(present));
+    return true;
+}
+
+/// An item that came from another volume has its original still there, put aside. It goes once it
+/// can be compared with the item; when that has left the trash meanwhile, nobody can.
+bool TrashRecovery::recoverRest(const JournalEntry& entry, Waiting& waiting) {
+    if (entry.operation.items.empty()) return false;
+    const TrashItem& named = entry.operation.items.front();
+    const auto item = std::ranges::find(lists_.items, named.id, &TrashItem::id);
+    if (item == lists_.items.end() || !isScratchName(scratchName(named.id))) return false;
+    const auto folder = folder_.openOperation(item->opID);
+    if (!folder || !folder_.attributes(folder.get(), *item)) return false;
+    const auto origin = originOf(*item);
+    const std::string volume = volumeIn(entry, named);
+    if (!origin || volume.empty()) return false;
+    const Side side = reach(*origin, volume);
+    if (side.reach == Side::Reach::gone) return false;
+    if (side.reach == Side::Reach::hidden || folder_.holdsScratch(*item, *folder)) {
+        waiting.push_back(entry);
+    } else {
+        settleBack(*item, *folder, *side.place);
+        folder_.settleIn(*side.place, *folder, *item);
+    }
+    return false;
+}
+
+bool TrashRecovery::isListed(const TrashItem& item) const {
+    return std::ranges::find(lists_.items, item.id, &TrashItem::id) != lists_.items.end();
 }
 
 /// As this program writes an operation that is not recorded yet.
@@ -84,89 +167,80 @@ bool TrashRecovery::startsByItself(const TrashItem& item) const {
         [&](const std::string* folder) { return !folder->empty() && isAtOrBelow(path, *folder); });
 }
 
-bool TrashRecovery::takeBack(const Operation& operation,
-                             const std::vector<std::string>& extraRoots) {
+bool TrashRecovery::takeBack(const JournalEntry& entry, const std::vector<std::string>& extraRoots,
+                             Waiting& waiting) {
     extraRoots_ = extraRoots;
-    return takeBackIf(operation, [](const TrashItem&) { return true; });
-}
-
-bool TrashRecovery::takeBackIf(const Operation& operation,
-                               const std::function<bool(const TrashItem&)>& mayGo) {
-    const auto folder = folder_.openOperation(operation.id);
+    const auto folder = folder_.openOperation(entry.operation.id);
     if (!folder) return false;
-    Operation stuck = operation;
-    std::erase_if(stuck.items, [&](const TrashItem& item) {
-        return !isInTrash(item, *folder) || (mayGo(item) && moveBack(item, *folder));
+    JournalEntry present = entry;
+    present.operation = presentOf(entry, *folder, waiting);
+    return takeBackIf(
+        present, *folder, [](const TrashItem&) { return true; }, waiting);
+}
+
+std::string TrashRecovery::volumeIn(const JournalEntry& entry, const TrashItem& item) {
+    const auto known = entry.volumes.find(item.id);
+    return known == entry.volumes.end() ? std::string() : known->second;
+}
+
+/// The operation with those of its items that are in the trash. What nobody can tell of waits.
+Operation TrashRecovery::presentOf(const JournalEntry& entry, const FolderHandle& folder,
+                                   Waiting& waiting) {
+    Operation present = entry.operation;
+    std::erase_if(present.items, [&](const TrashItem& item) {
+        const std::string known = volumeIn(entry, item);
+        const std::size_t before = waiting.size();
+        const Whereabouts where = whereIs(item, folder, known, waiting);
+        if (waiting.size() > before) {
+            JournalEntry& one = waiting.back();
+            one.operation = entry.operation;
+            one.operation.items = {item};
+            if (!known.empty()) one.volumes[item.id] = known;
+        }
+        return where != Whereabouts::inTrash;
     });
-    mover_.sync(*folder);  // what has gone back is there before its way back is forgotten
-    folder_.removeOperationIfEmpty(operation.id);
-    if (stuck.items.empty()) return false;
-    record(std::move(stuck));
+    return present;
+}
+
+/// Of items that are in the trash.
+bool TrashRecovery::takeBackIf(const JournalEntry& entry, const FolderHandle& folder,
+                               const std::function<bool(const TrashItem&)>& mayGo,
+                               Waiting& waiting) {
+    Operation present = entry.operation;
+    std::unordered_set<std::string> back;
+    for (const TrashItem& item : inOrderOfReturn(present.items)) {
+        const bool isBack = mayGo(item) && moveBack(item, folder, volumeIn(entry, item), waiting);
+        if (isBack) back.insert(item.id);
+    }
+    std::erase_if(present.items, [&](const TrashItem& item) { return back.contains(item.id); });
+    mover_.sync(folder);  // what has gone back is there before its way back is forgotten
+    folder_.removeOperationIfEmpty(present.id);
+    if (present.items.empty()) return false;
+    record(std::move(present));
     return true;
-}
-
-/// Where an item came from. Nothing when the item cannot have come from there. A link that has got
-/// into the path since is not followed. Throws FileError.
-std::optional<HeldPlace> TrashRecovery::openOrigin(const TrashItem& item) const {
-    try {
-        HeldPlace place =
-            openPlace(mover_, guard_.formerPath(item, extraRoots_), FolderPath::withoutLinks);
-        guard_.refuseOwnData(*place.folder);
-        return place;
-    } catch (const TrashError&) {
-        return std::nullopt;
-    }
-}
-
-bool TrashRecovery::isInTrash(const TrashItem& item, const FolderHandle& operation) {
-    try {
-        if (const auto place = openOrigin(item)) {
-            if (folder_.isOnWayBack(item, operation, *place)) {
-                folder_.settleBack(item, operation, *place);
-            }
-            folder_.settleIn(*place, operation, item);
-        }
-        // Not where the move has got to: something new may stand in the place that it came from.
-        return folder_.attributes(&operation, item).has_value();
-    } catch (const FileError& error) {
-        // EEXIST: both places are taken and nothing may be replaced; all pieces stay. In all other
-        // cases the place that it came from is out of reach. Without a scratch name nothing is
-        // under way: the item is in the trash, or it never came.
-        if (error.code() == EEXIST || !folder_.holdsScratch(item, operation)) {
-            return folder_.attributes(&operation, item).has_value();
-        }
-        if (!isAbsence(error)) throw;  // the original may be there, put aside
-        folder_.adoptScratch(item, operation);
-        return true;
-    }
-}
-
-bool TrashRecovery::moveBack(const TrashItem& item, const FolderHandle& operation) {
-    std::optional<HeldPlace> place;
-    try {
-        place = openOrigin(item);
-        if (!place) return false;
-        folder_.moveBack(item, operation, *place);
-        return true;
-    } catch (const FileError&) {
-        // Nowhere to go back to, or the move itself failed and may have left something.
-        return place && folder_.settleBack(item, operation, *place) != MoveState::atSource;
-    }
 }
 
 /// The items that are out of the trash are forgotten. They were restored in order, but a loss of
 /// power need not have kept it: each is looked for by itself.
-bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
-    const std::vector<TrashItem> items = itemsOf(entry);
+bool TrashRecovery::recoverRestore(const JournalEntry& entry, Waiting& waiting) {
+    const std::vector<TrashItem> items = inOrderOfReturn(itemsOf(entry));
     if (items.empty()) return false;
     const std::string operationID = items.front().opID;
     const auto folder = folder_.openOperation(operationID);
     std::vector<std::string> restored;
     for (const TrashItem& item : items) {
-        if (folder && entry.steps && entry.steps->itemID == item.id) {
-            settleSteps(item, *folder, entry.steps->target);
+        const bool isStepped = folder && entry.steps && entry.steps->itemID == item.id;
+        const bool isSettled = !isStepped || settleSteps(item, *folder, *entry.steps);
+        const bool isThere = folder_.attributes(folder.get(), item).has_value();
+        const bool isUnderWay = folder_.isUnderWay(item, folder.get());
+        if (!isSettled && (isThere || isUnderWay)) {
+            waiting.push_back({.kind = Kind::restore,
+                               .operation = {},
+                               .itemIDs = {item.id},
+                               .steps = entry.steps,
+                               .volumes = {}});
         }
-        if (!folder_.attributes(folder.get(), item)) restored.push_back(item.id);
+        if (!isThere && !isUnderWay) restored.push_back(item.id);
     }
     if (restored.empty()) return false;
     forgetItems(lists_, restored);
@@ -174,21 +248,24 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry) {
     return true;
 }
 
-void TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
-                                const std::string& target) {
-    std::optional<HeldPlace> place;
+/// False when the place that the item went to is out of reach.
+bool TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
+                                const JournalEntry::Steps& steps) {
     try {
-        if (!isStepsTarget(item, target)) return;
-        place = openPlace(mover_, target, FolderPath::withoutLinks);
-        guard_.refuseOwnData(*place->folder);
+        if (!isStepsTarget(item, steps.target)) return true;
+        const Side side = reach(steps.target, steps.volume);
+        // Gone for good: what was put aside is the item again.
+        if (side.reach == Side::Reach::gone) folder_.adoptScratch(item, operation);
+        if (side.place) {
+            settleBack(item, operation, *side.place);
+            folder_.settleOut(item, operation, *side.place);
+        }
+        return side.reach != Side::Reach::hidden;
     } catch (const TrashError&) {
-        return;
+        return true;  // no place that anything goes to
     } catch (const FileError&) {
-        // The place that it went to is out of reach: what was put aside is the item again.
-        folder_.adoptScratch(item, operation);
-        return;
+        return false;
     }
-    folder_.settleOut(item, operation, *place);
 }
 
 /// Its own name, or the one beside a taken place, where something may come back to: the place that
@@ -199,18 +276,24 @@ bool TrashRecovery::isStepsTarget(const TrashItem& item, const std::string& targ
            isRestoredName(lastPathComponent(target), item.name);
 }
 
-/// Only what the lists hold, each by its id: an entry that names nothing means nothing.
+/// Only what the lists hold, each by its id: an entry that names nothing means nothing. What was
+/// half deleted is finished. What stands whole stays, listed: the one who ended the program may
+/// have wanted to stop it, and can ask again.
 bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {
-    std::vector<std::string> gone;
     if (entry.itemIDs.empty()) return false;
     const std::vector<TrashItem> items = itemsOf(entry);
+    std::vector<std::string> gone;
     for (const TrashItem& item : items) {
         try {
-            folder_.remove(item);
-            gone.push_back(item.id);
-        } catch (const FileError&) {
-            if (entry.kind == JournalEntry::Kind::purge) gone.push_back(item.id);
+            if (folder_.isBegun(item)) folder_.finishRemoval(item);
+        } catch (const FileError& error) {
+            if (folder_.isBegun(item)) throw;
+            if (entry.kind == Kind::purge && !isForMount(error)) gone.push_back(item.id);
+            continue;
         }
+        const auto operation = folder_.openOperation(item.opID);
+        const bool isThere = folder_.attributes(operation.get(), item).has_value();
+        if (!isThere && !folder_.isUnderWay(item, operation.get())) gone.push_back(item.id);
     }
     if (gone.empty()) return false;
     forgetItems(lists_, gone);
@@ -219,28 +302,18 @@ bool TrashRecovery::recoverRemoval(const JournalEntry& entry) {
     return true;
 }
 
-/// Emptying names all that it deletes. What the lists hold besides was not meant.
-bool TrashRecovery::recoverEmptying(const JournalEntry& entry) {
-    const std::unordered_set<std::string> named(entry.itemIDs.begin(), entry.itemIDs.end());
-    const bool isMeant =
-        !lists_.items.empty() && std::ranges::all_of(lists_.items, [&](const TrashItem& item) {
-            return named.contains(item.id);
-        });
-    if (!isMeant) return false;
-    try {
-        folder_.removeEverything();
-    } catch (const FileError&) {
-        return false;  // what resists stays listed, as when emptying fails
-    }
-    lists_ = {};
-    return true;
-}
-
+/// One of which a part was recorded before gets the rest.
 void TrashRecovery::record(Operation operation) {
-    const double total = roundedToTenth(sumOf(operation.items));
-    operation.gb = std::isfinite(total) ? total : 0;
     lists_.items.insert(lists_.items.end(), operation.items.begin(), operation.items.end());
-    lists_.operations.insert(lists_.operations.begin(), std::move(operation));
+    auto recorded = std::ranges::find(lists_.operations, operation.id, &Operation::id);
+    if (recorded == lists_.operations.end()) {
+        recorded = lists_.operations.insert(lists_.operations.begin(), std::move(operation));
+    } else {
+        recorded->items.insert(recorded->items.end(), operation.items.begin(),
+                               operation.items.end());
+    }
+    const double total = roundedToTenth(sumOf(recorded->items));
+    recorded->gb = std::isfinite(total) ? total : 0;
 }
 
 std::vector<TrashItem> TrashRecovery::itemsOf(const JournalEntry& entry) const {

@@ -15,11 +15,19 @@ namespace velto {
 /// Removes items from the list and from their operations, and operations without items.
 void forgetItems(Manifest& lists, const std::vector<std::string>& itemIDs);
 
+/// Items in an order in which they can go back: a folder before what was taken out of it. As they
+/// were otherwise.
+std::vector<TrashItem> inOrderOfReturn(const std::vector<TrashItem>& items);
+
 /// Puts files and lists in order after a change that was cut off, so that every file is in one
-/// place and, when that is the trash, listed. Throws FileError when the file system does not let
-/// it; the journal then has to stay.
+/// place and, when that is the trash, listed. Throws FileError when the trash itself does not let
+/// it; the journal then has to stay. Where only the other side of one item's move is out of reach
+/// (its volume is not there, or another one is; a folder refuses, or is a link now) that item alone
+/// waits: its entry is added to `waiting`.
 class TrashRecovery {
 public:
+    using Waiting = std::vector<JournalEntry>;
+
     /// All outlive the recovery.
     TrashRecovery(FileMover& mover, const TrashGuard& guard, const HomeLayout& layout,
                   TrashFolder& folder, Manifest& lists)
@@ -28,27 +36,56 @@ public:
     /// Finishes or takes back what the entry tells of. The entry comes from a file that somebody
     /// may have tampered with: it is carried out only as far as it agrees with the lists and with
     /// what this program writes. True when the lists have changed.
-    bool recover(const JournalEntry& entry);
+    bool recover(const JournalEntry& entry, Waiting& waiting);
 
-    /// Brings back what a move has brought in, in the order in which it was moved. Whatever cannot
-    /// go back is recorded as an operation, so that it is in the trash for all to see. True when
-    /// the lists have changed. `extraRoots` as they were given to the move.
-    bool takeBack(const Operation& operation, const std::vector<std::string>& extraRoots);
+    /// The same of an entry that has waited, one item's. Unless it can be settled now it is added
+    /// to `waiting` again. Never throws.
+    bool recoverWaiting(const JournalEntry& entry, Waiting& waiting);
+
+    /// Brings back what a move has brought in, a folder before what was taken out of it, else in
+    /// the order in which it was moved. Whatever cannot go back is recorded as an operation, so
+    /// that it is in the trash for all to see. True when the lists have changed. `extraRoots` as
+    /// they were given to the move.
+    bool takeBack(const JournalEntry& entry, const std::vector<std::string>& extraRoots,
+                  Waiting& waiting);
 
 private:
-    bool recoverMove(const Operation& operation);
-    bool recoverRestore(const JournalEntry& entry);
-    bool recoverRemoval(const JournalEntry& entry);
-    bool recoverEmptying(const JournalEntry& entry);
+    /// The other side of a move, as far as it can be seen.
+    struct Side {
+        enum class Reach {
+            visible,  // `place`
+            gone,     // the volume is there, the folder is not
+            hidden,   // nobody can tell
+        };
+        Reach reach = Reach::hidden;
+        std::optional<HeldPlace> place{};
+    };
+    enum class Whereabouts { inTrash, elsewhere, unknown };
 
+    bool recoverMove(const JournalEntry& entry, Waiting& waiting);
+    bool recoverRestore(const JournalEntry& entry, Waiting& waiting);
+    bool recoverRemoval(const JournalEntry& entry);
+    bool recoverWaitingMove(const JournalEntry& entry, Waiting& waiting);
+    bool recoverRest(const JournalEntry& entry, Waiting& waiting);
+
+    /// The volume that an item came from; empty when it is not known.
+    static std::string volumeIn(const JournalEntry& entry, const TrashItem& item);
+    bool isListed(const TrashItem& item) const;
     bool isConsistent(const Operation& operation) const;
     bool startsByItself(const TrashItem& item) const;
-    std::optional<HeldPlace> openOrigin(const TrashItem& item) const;
-    bool takeBackIf(const Operation& operation, const std::function<bool(const TrashItem&)>& mayGo);
-    bool isInTrash(const TrashItem& item, const FolderHandle& operation);
-    bool moveBack(const TrashItem& item, const FolderHandle& operation);
-    void settleSteps(const TrashItem& item, const FolderHandle& operation,
-                     const std::string& target);
+    Operation presentOf(const JournalEntry& entry, const FolderHandle& folder, Waiting& waiting);
+    bool takeBackIf(const JournalEntry& entry, const FolderHandle& folder,
+                    const std::function<bool(const TrashItem&)>& mayGo, Waiting& waiting);
+    std::optional<std::string> originOf(const TrashItem& item) const;
+    Side reach(const std::string& path, const std::string& volume) const;
+    bool isVolumeThere(const std::string& path, const std::string& volume) const;
+    Whereabouts whereIs(const TrashItem& item, const FolderHandle& operation,
+                        const std::string& volume, Waiting& waiting);
+    void settleBack(const TrashItem& item, const FolderHandle& operation, const HeldPlace& origin);
+    bool moveBack(const TrashItem& item, const FolderHandle& operation, const std::string& volume,
+                  Waiting& waiting);
+    bool settleSteps(const TrashItem& item, const FolderHandle& operation,
+                     const JournalEntry::Steps& steps);
     bool isStepsTarget(const TrashItem& item, const std::string& target) const;
     void record(Operation operation);
     std::vector<TrashItem> itemsOf(const JournalEntry& entry) const;

@@ -57,31 +57,44 @@ void VeltoTrashService::deletePermanently(const std::string itemID) {
     const Change change = begin();
     const TrashItem item = itemWith(itemID);
     const auto operation = folder_.openOperation(item.opID);
+    requireSettled(item, operation.get());
     if (!folder_.attributes(operation.get(), item)) throw TrashError(Reason::notFound);
     announce({.kind = Kind::remove, .operation = {}, .itemIDs = {itemID}, .steps = {}}, change);
+    removeItem(item, change);
+    forget({item});
+    saveAndSettle(change);
+}
+
+/// One that fails ends the change, and the item is as it was; or the journal tells that its removal
+/// was begun.
+void VeltoTrashService::removeItem(const TrashItem& item, const Change& change) {
     try {
         folder_.remove(item);
     } catch (const FileError&) {
-        if (!change.unsettled) journal_.clear();
+        if (!change.unsettled && !folder_.isBegun(item)) journal_.clear();
         throw;
     }
-    forget({item});
-    saveAndSettle(change);
 }
 
 void VeltoTrashService::emptyTrash() {
     const Change change = begin();
     // What an earlier change has left unsettled may be the only copy of a file.
     if (change.unsettled && !change.isOnlyUnsaved) throw FileError(*change.unsettled);
-    announce({.kind = Kind::empty, .operation = {}, .itemIDs = idsOf(lists_.items), .steps = {}},
-             change);
+    const std::vector<TrashItem> kept = itemsUnderWay();
+    std::vector<TrashItem> items = lists_.items;
+    std::erase_if(items, [&](const TrashItem& item) {
+        return std::ranges::find(kept, item.id, &TrashItem::id) != kept.end();
+    });
+    announce({.kind = Kind::empty, .operation = {}, .itemIDs = idsOf(items), .steps = {}}, change);
+    for (const TrashItem& item : items)
+        removeItem(item, change);
     try {
-        folder_.removeEverything();
+        folder_.removeEverything(kept);
     } catch (const FileError&) {
         if (!change.unsettled) journal_.clear();
         throw;
     }
-    lists_ = {};
+    forgetItems(lists_, idsOf(items));
     saveAndSettle(change);
 }
 
@@ -96,26 +109,38 @@ double VeltoTrashService::purgeExpired(std::int64_t retentionDays) {
 double VeltoTrashService::purge(double cutoff) {
     const Change change = begin();
     std::vector<TrashItem> expired;
-    std::ranges::copy_if(lists_.items, std::back_inserter(expired),
-                         [&](const TrashItem& item) { return item.taken < cutoff; });
+    std::ranges::copy_if(lists_.items, std::back_inserter(expired), [&](const TrashItem& item) {
+        return item.taken < cutoff &&
+               !folder_.isUnderWay(item, folder_.openOperation(item.opID).get());
+    });
     if (expired.empty()) return 0;
     announce({.kind = Kind::purge, .operation = {}, .itemIDs = idsOf(expired), .steps = {}},
              change);
     double freed = 0;
+    std::vector<TrashItem> gone;
     for (const TrashItem& item : expired) {
+        double size = 0;
         try {
             const auto operation = folder_.openOperation(item.opID);
             const auto attributes = folder_.attributes(operation.get(), item);
-            if (attributes) freed += gigabytes(attributes->allocatedSize);
+            if (attributes) size = gigabytes(attributes->allocatedSize);
             folder_.remove(item);
-        } catch (const FileError&) {
-            // Forgotten all the same: the retention period has ended.
+        } catch (const FileError& error) {
+            // Forgotten all the same, as the retention period has ended; but what is mounted inside
+            // has kept it whole, and then it stays listed.
+            if (isForMount(error)) continue;
         }
+        freed += size;
+        gone.push_back(item);
     }
-    forget(expired);
+    if (gone.empty()) {
+        if (!change.unsettled) journal_.clear();
+        return 0;
+    }
+    forget(gone);
     saveAndSettle(change);
     log_.line(
-        fmt::format("Velto ▶ purga: {} elementos, {} GB liberados", expired.size(), tenths(freed)));
+        fmt::format("Velto ▶ purga: {} elementos, {} GB liberados", gone.size(), tenths(freed)));
     return freed;
 }
 
@@ -158,7 +183,8 @@ VeltoTrashService::Change VeltoTrashService::begin() {
     files_.createFolders(layout_.dataFolder);
     Change change;
     change.lock = mover_.lock(lockPath(), true);
-    openOwnFolder(mover_, layout_.trashFolder);  // for its refusal of what is no folder of ours
+    openOwnFolder(mover_,
+                  layout_.trashFolder);  // for its refusal of what is no folder of ours
     if (!refresh()) throw FileError("read", folder_.manifestPath(), EIO);
     settleEarlierChange(change);
     return change;
@@ -180,24 +206,11 @@ bool VeltoTrashService::refresh() {
     return manifest_.refresh(lists_);
 }
 
-void VeltoTrashService::settleEarlierChange(Change& change) {
-    try {
-        const auto entry = journal_.read();
-        if (!entry) return;
-        const bool hasChanged = recovery_.recover(*entry);
-        if (hasChanged || !manifest_.isSaved()) change.unsettled = manifest_.save(lists_);
-        change.isOnlyUnsaved = change.unsettled.has_value();
-        leftJournal_ = change.isOnlyUnsaved;
-        if (!change.unsettled) journal_.clear();
-    } catch (const FileError& error) {
-        change.unsettled = error;
-    }
-}
-
 /// For reading alone: never waits for another process, and settles what it has left only when it is
 /// not at work.
 void VeltoTrashService::ensureLoaded() {
-    if (manifest_.isCurrent() && !journal_.exists() && !leftJournal_) return;
+    const bool isSettled = !journal_.exists() && !journal_.hasWaiting() && !leftJournal_;
+    if (manifest_.isCurrent() && isSettled) return;
     Change change;
     try {
         if (files_.exists(layout_.dataFolder)) change.lock = mover_.lock(lockPath(), false);

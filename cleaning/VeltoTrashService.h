@@ -86,6 +86,11 @@ public:
     const std::vector<TrashItem>& items();       // oldest first
     const std::vector<Operation>& operations();  // newest first
 
+    /// What waits for a volume or a folder that is out of reach, because a move of it was cut off.
+    /// Where it is shows when that is back; until then no function touches it, and those that are
+    /// asked for it throw ItemWaits. Only what was on its way out is among `items` too.
+    std::vector<TrashItem> waitingItems();
+
     /// Throws unless the path may enter the trash.
     void validate(const std::string& path, const std::vector<std::string>& extraRoots = {});
 
@@ -101,16 +106,20 @@ private:
     Change begin();
     Change beginStrictly();  // throws when an earlier change is not settled
     void settleEarlierChange(Change& change);
+    void keepWaiting(std::vector<JournalEntry> waiting);
+    void stopWaiting(const std::string& itemID);
+    void requireSettled(const TrashItem& item, const FolderHandle* operation) const;
+    std::vector<TrashItem> itemsUnderWay() const;
     void ensureLoaded();
     bool refresh();
     void announce(const JournalEntry& entry, const Change& change);
     void saveAndSettle(const Change& change);
 
-    Operation plannedOperation(const std::vector<std::string>& paths, const std::string& kind,
-                               const KnownSizes& knownSizes,
-                               const std::vector<std::string>& extraRoots);
+    JournalEntry plannedMove(const std::vector<std::string>& paths, const std::string& kind,
+                             const KnownSizes& knownSizes,
+                             const std::vector<std::string>& extraRoots);
     void moveIn(const Operation& operation, const std::vector<std::string>& extraRoots);
-    void takeBack(const Operation& operation, const Change& change,
+    void takeBack(const JournalEntry& entry, const Change& change,
                   const std::vector<std::string>& extraRoots);
 
     /// Where items go back to.
@@ -125,10 +134,11 @@ private:
     void restoreOne(const TrashItem& item, const FolderHandle* operation, Destination& destination,
                     JournalEntry& entry, Change& change);
     HeldPlace openReturn(const TrashItem& item, const std::string& target,
-                         Destination& destination) const;
+                         Destination& destination);
     void moveOut(const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
                  const std::string& targetPath, JournalEntry& entry, Change& change);
 
+    void removeItem(const TrashItem& item, const Change& change);
     double purge(double cutoff);
     const TrashItem& itemWith(const std::string& id) const;
     void forget(const std::vector<TrashItem>& gone);
@@ -145,6 +155,7 @@ private:
     TrashManifest manifest_;
     Manifest lists_;
     TrashRecovery recovery_;
+    std::vector<JournalEntry> waiting_;  // as they were read or written last
     bool leftJournal_ = false;  // the lists could not be saved; the journal tells of the change
 };
 

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cmath>
 #include <exception>
+#include <unordered_map>
 #include <unordered_set>
 
 #include <fmt/format.h>
@@ -58,12 +59,13 @@ Operation VeltoTrashService::moveToTrash(const std::vector<std::string>& paths,
                                          const std::string& kind, const KnownSizes& knownSizes,
                                          const std::vector<std::string>& extraRoots) {
     const Change change = beginStrictly();
-    Operation operation = plannedOperation(paths, kind, knownSizes, extraRoots);
-    journal_.write({.kind = Kind::move, .operation = operation, .itemIDs = {}, .steps = {}});
+    const JournalEntry planned = plannedMove(paths, kind, knownSizes, extraRoots);
+    journal_.write(planned);
+    Operation operation = planned.operation;
     try {
         moveIn(operation, extraRoots);
     } catch (...) {
-        takeBack(operation, change, extraRoots);
+        takeBack(planned, change, extraRoots);
         throw;
     }
     operation.ts = clock_.now();
@@ -76,14 +78,20 @@ Operation VeltoTrashService::moveToTrash(const std::vector<std::string>& paths,
 }
 
 /// Validates every path and describes the items as they will stand in the trash.
-Operation VeltoTrashService::plannedOperation(const std::vector<std::string>& paths,
-                                              const std::string& kind, const KnownSizes& knownSizes,
-                                              const std::vector<std::string>& extraRoots) {
-    Operation operation{
-        .id = "op" + newUUID(), .ts = clock_.now(), .gb = 0, .items = {}, .kind = validUtf8(kind)};
+JournalEntry VeltoTrashService::plannedMove(const std::vector<std::string>& paths,
+                                            const std::string& kind, const KnownSizes& knownSizes,
+                                            const std::vector<std::string>& extraRoots) {
+    JournalEntry entry{
+        .kind = Kind::move, .operation = {}, .itemIDs = {}, .steps = {}, .volumes = {}};
+    Operation& operation = entry.operation;
+    operation.id = "op" + newUUID();
+    operation.ts = clock_.now();
+    operation.kind = validUtf8(kind);
     std::unordered_set<std::string> ids;
     for (const TrashItem& item : lists_.items)
         ids.insert(item.id);
+    const std::string ownVolume = folder_.volume();
+    std::unordered_map<std::string, std::string> volumes;  // by the folders that hold the items
     for (const std::string& path : withoutRepetitions(paths)) {
         const auto admitted = guard_.admit(path, extraRoots);
         TrashItem item{.id = "",
@@ -95,11 +103,14 @@ Operation VeltoTrashService::plannedOperation(const std::vector<std::string>& pa
         do {  // eight digits are few once a trash holds many thousand items
             item.id = "it" + newUUID().substr(0, idLength);
         } while (!ids.insert(item.id).second);
+        const auto [volume, isNew] = volumes.try_emplace(parentFolder(standardizedPath(path)));
+        if (isNew) volume->second = mover_.volumeOf(*admitted.place.folder);
+        if (volume->second != ownVolume) entry.volumes[item.id] = volume->second;
         operation.items.push_back(std::move(item));
     }
     const double total = roundedToTenth(sumOf(operation.items));
     operation.gb = std::isfinite(total) ? total : 0;
-    return operation;
+    return entry;
 }
 
 void VeltoTrashService::moveIn(const Operation& operation,
@@ -114,14 +125,17 @@ void VeltoTrashService::moveIn(const Operation& operation,
     mover_.sync(*folder);
 }
 
-void VeltoTrashService::takeBack(const Operation& operation, const Change& change,
+void VeltoTrashService::takeBack(const JournalEntry& entry, const Change& change,
                                  const std::vector<std::string>& extraRoots) {
     try {
-        if (recovery_.takeBack(operation, extraRoots)) {
+        std::vector<JournalEntry> waiting = waiting_;
+        const bool hasChanged = recovery_.takeBack(entry, extraRoots, waiting);
+        if (hasChanged) manifest_.noteChange();
+        keepWaiting(std::move(waiting));
+        if (hasChanged)
             saveAndSettle(change);
-        } else {
+        else
             journal_.clear();
-        }
     } catch (const FileError&) {
         // The journal stays, and the next use of the trash goes on from there; the caller is told
         // of the error that came first.
@@ -166,10 +180,12 @@ void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalE
     journal_.write(entry);
     std::vector<TrashItem> restored;
     std::exception_ptr failure;
-    for (const TrashItem& item : items) {
+    for (const TrashItem& item : inOrderOfReturn(items)) {
         try {
             restoreOne(item, operation.get(), destination, entry, change);
             restored.push_back(item);
+        } catch (const ItemWaits&) {
+            failure = std::current_exception();  // the others need not wait for it
         } catch (...) {
             failure = std::current_exception();
             break;
@@ -192,7 +208,7 @@ void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalE
 /// The place for a target, which is judged: through no link, and with missing folders made again
 /// unless the user has chosen the folder.
 HeldPlace VeltoTrashService::openReturn(const TrashItem& item, const std::string& target,
-                                        Destination& destination) const {
+                                        Destination& destination) {
     const auto how =
         destination.chosen ? FolderPath::withoutLinks : FolderPath::createdWithoutLinks;
     try {
@@ -209,6 +225,7 @@ HeldPlace VeltoTrashService::openReturn(const TrashItem& item, const std::string
 
 void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* operation,
                                    Destination& destination, JournalEntry& entry, Change& change) {
+    requireSettled(item, operation);
     if (!folder_.attributes(operation, item)) throw TrashError(Reason::notFound);
     const std::string target = destination.chosen
                                    ? standardizedPath(*destination.chosen + "/" + item.name)
@@ -246,11 +263,14 @@ void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& opera
                                 JournalEntry& entry, Change& change) {
     bool inSteps = false;
     try {
-        folder_.moveOut(item, operation, target, [&] {
-            entry.steps = {.itemID = item.id, .target = targetPath};
+        const auto announceSteps = [&] {
+            entry.steps = {
+                .itemID = item.id, .target = targetPath, .volume = mover_.volumeOf(*target.folder)};
+            stopWaiting(item.id);
             journal_.write(entry);
             inSteps = true;
-        });
+        };
+        folder_.moveOut(item, operation, target, announceSteps);
     } catch (const FileError&) {
         if (!inSteps) throw;
         try {

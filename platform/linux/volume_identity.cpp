@@ -15,6 +15,7 @@
 
 #include "platform/linux/kernel_file.h"
 #include "platform/posix/FileCalls.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -98,7 +99,7 @@ int FileCalls::volume(int folder, std::string& identity) {
     if (identifier.empty()) identifier = identifierOfFileSystem(folder);
     if (identifier.empty())
         identifier = mounted->source;  // of a network volume, where it comes from
-    identity = fmt::format("{} {} {}", mounted->type, identifier, mounted->root);
+    identity = validUtf8(fmt::format("{} {} {}", mounted->type, identifier, mounted->root));
     return 0;
 }
 

@@ -85,7 +85,7 @@ TEST_F(TrashEmptyTest, AnEmptyTrashCanBeEmptied) {
 TEST_F(TrashEmptyTest, AFailureLeavesTheListsAsTheyWere) {
     const Operation operation = refusing.moveToTrash({file("a"), file("b")}, "wind");
     const std::string text = manifest();
-    files.resisting = operation.id;
+    files.resisting = "-a";
     EXPECT_EQ(failure([&] { refusing.emptyTrash(); }), EACCES);
     EXPECT_EQ(refusing.items(), operation.items);
     EXPECT_EQ(refusing.operations().size(), 1u);

@@ -262,5 +262,22 @@ TEST_F(TrashRestoreTest, AVolumeMayTakeShorterNamesThanItSays) {
     EXPECT_THAT(contents, testing::UnorderedElementsAre("taken", "mine"));
 }
 
+TEST_F(TrashRestoreTest, AnItemAndTheFolderThatHeldItComeBackAsTheyWere) {
+    file("outer/inside/deep", "deep");
+    file("outer/inside/more/deeper", "deeper");
+    file("outer/beside", "beside");
+    const Operation operation =
+        service.moveToTrash({home.path("outer/inside/more"), home.path("outer/inside"),
+                             file("else"), home.path("outer")},
+                            "wind");
+    service.undoOperation(operation.id);
+    EXPECT_EQ(home.read("outer/inside/deep"), "deep");
+    EXPECT_EQ(home.read("outer/inside/more/deeper"), "deeper");
+    EXPECT_EQ(home.read("outer/beside"), "beside");
+    EXPECT_EQ(home.read("else"), "content");
+    EXPECT_FALSE(home.exists("outer (restaurado 1)"));
+    EXPECT_TRUE(service.items().empty());
+}
+
 }  // namespace
 }  // namespace velto

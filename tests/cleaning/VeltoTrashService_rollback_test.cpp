@@ -95,5 +95,18 @@ TEST_F(TrashRollbackTest, WithoutAJournalNothingIsTouched) {
     EXPECT_TRUE(operationFolders().empty());
 }
 
+TEST_F(TrashRollbackTest, AnItemGoesBackIntoTheFolderThatFollowedIt) {
+    file("outer/inside/deep", "deep");
+    file("outer/beside", "beside");
+    const std::vector<std::string> paths{home.path("outer/inside"), home.path("outer"),
+                                         file("bad")};
+    files.refused = "-bad";
+    EXPECT_EQ(failure([&] { refusing.moveToTrash(paths, "wind"); }), EBUSY);
+    EXPECT_EQ(home.read("outer/inside/deep"), "deep");
+    EXPECT_EQ(home.read("outer/beside"), "beside");
+    EXPECT_TRUE(refusing.items().empty());
+    EXPECT_TRUE(operationFolders().empty());
+}
+
 }  // namespace
 }  // namespace velto

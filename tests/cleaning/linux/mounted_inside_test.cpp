@@ -56,8 +56,25 @@ TEST_F(MountedInsideTheTrash, ThePurgeEmptiesNothingOfIt) {
     withBound([&] {
         const TrashItem item = service.moveToTrash({home.path("item")}, "wind").items.front();
         clock.time += 100_days;
-        service.purgeExpired(30);
+        EXPECT_EQ(service.purgeExpired(30), 0) << "nothing was freed";
         expectWhole(stored(item));
+        EXPECT_EQ(service.items(), std::vector{item}) << "it is still there";
+        EXPECT_EQ(readByOthers().items, std::vector{item});
+        EXPECT_TRUE(process.log.lines().empty() || !process.log.lines().back().contains("purga"));
+        return true;
+    });
+}
+
+TEST_F(MountedInsideTheTrash, ThePurgeThatWasCutOffForgetsNothingOfIt) {
+    withBound([&] {
+        const TrashItem item = service.moveToTrash({home.path("item")}, "wind").items.front();
+        for (const auto kind :
+             {JournalEntry::Kind::purge, JournalEntry::Kind::remove, JournalEntry::Kind::empty}) {
+            TrashJournal(process.files, layout)
+                .write({.kind = kind, .operation = {}, .itemIDs = {item.id}, .steps = {}});
+            EXPECT_EQ(readByOthers().items, std::vector{item});
+            expectWhole(stored(item));
+        }
         return true;
     });
 }
