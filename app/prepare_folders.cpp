@@ -15,9 +15,9 @@ using Reason = UnsafeFolder::Reason;
 
 // What the trash, the history and the cloud folder cannot do without. In the place of any other
 // file a folder only means that nothing is remembered.
-constexpr std::array<std::string_view, 6> neededPlaces{"Trash.lock",        "Trash.journal",
-                                                       "Trash.waiting",     "Trash/manifest.json",
-                                                       "history.json.lock", "cloud.json.lock"};
+constexpr std::array<std::string_view, 7> neededPlaces{
+    "Trash.lock",          "Trash.journal",     "Trash.waiting",  "Trash.reserve",
+    "Trash/manifest.json", "history.json.lock", "cloud.json.lock"};
 
 std::string targetOf(const FileManager& files, const std::string& link) {
     try {

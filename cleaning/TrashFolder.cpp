@@ -89,22 +89,23 @@ std::optional<FileAttributes> TrashFolder::attributes(const FolderHandle* operat
 }
 
 void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
-                         const TrashItem& item) {
+                         const TrashItem& item, TrashReserve& reserve) {
     const std::string name = storedName(item);
     const auto once = [&] {
         return mover_.moveAtOnce(*source.folder, source.name, operation, name);
     };
-    if (once()) return;
+    if (reserve.sparing(once)) return;
     mover_.moveInSteps(*source.folder, source.name, operation, name, scratchNameOf(item));
 }
 
 void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
-                          const HeldPlace& target, const std::function<void()>& beforeSteps) {
+                          const HeldPlace& target, const std::function<void()>& beforeSteps,
+                          TrashReserve* reserve) {
     const std::string name = storedName(item);
     const auto once = [&] {
         return mover_.moveAtOnce(operation, name, *target.folder, target.name);
     };
-    if (once()) return;
+    if (reserve != nullptr ? reserve->sparing(once) : once()) return;
     beforeSteps();
     mover_.moveInSteps(operation, name, *target.folder, target.name, scratchNameOf(item));
 }
@@ -196,7 +197,7 @@ void TrashFolder::remove(const TrashItem& item) {
         rename(*operation, item, name, begun);
     } catch (const FileError& error) {
         // Even a new name may need room, and what is to be deleted makes some.
-        if (error.code() != ENOSPC && error.code() != EDQUOT) throw;
+        if (!isForSpace(error)) throw;
         return mover_.removeAll(*operation, name);
     }
     removeBegun(*operation, item);

@@ -7,6 +7,7 @@
 
 #include "cleaning/TrashGuard.h"
 #include "cleaning/TrashRecords.h"
+#include "cleaning/TrashReserve.h"
 #include "platform/FileMover.h"
 #include "platform/HomeLayout.h"
 
@@ -39,13 +40,15 @@ public:
     std::optional<FileAttributes> attributes(const FolderHandle* operation,
                                              const TrashItem& item) const;
 
-    void moveIn(const HeldPlace& source, const FolderHandle& operation, const TrashItem& item);
+    /// A single step may need room for a name: `reserve` gives it.
+    void moveIn(const HeldPlace& source, const FolderHandle& operation, const TrashItem& item,
+                TrashReserve& reserve);
 
     /// Moves an item out to a name that must be free. `beforeSteps` runs when it takes several
     /// steps.
     void moveOut(
         const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
-        const std::function<void()>& beforeSteps = [] {});
+        const std::function<void()>& beforeSteps = [] {}, TrashReserve* reserve = nullptr);
 
     /// Moves an item that has just come in back to where it came from. Its scratch name is another
     /// one: whoever finds it after a cut knows which way the item was on.

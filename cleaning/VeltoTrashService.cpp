@@ -37,6 +37,7 @@ VeltoTrashService::VeltoTrashService(FileManager& files, FileMover& mover, const
       guard_(files, mover, layout),
       folder_(mover, layout),
       journal_(files, layout),
+      reserve_(files, layout),
       manifest_(files, mover, folder_.manifestPath()),
       recovery_(mover, guard_, layout, folder_, lists_) {}
 
@@ -180,9 +181,10 @@ void VeltoTrashService::forget(const std::vector<TrashItem>& gone) {
 // One change at a time
 
 VeltoTrashService::Change VeltoTrashService::begin() {
-    files_.createFolders(layout_.dataFolder);
+    reserve_.sparing([&] { files_.createFolders(layout_.dataFolder); });
     Change change;
-    change.lock = mover_.lock(lockPath(), true);
+    change.lock = reserve_.sparing([&] { return mover_.lock(lockPath(), true); });
+    change.reserve.reset(this);
     openOwnFolder(mover_,
                   layout_.trashFolder);  // for its refusal of what is no folder of ours
     if (!refresh()) throw FileError("read", folder_.manifestPath(), EIO);
@@ -225,15 +227,27 @@ void VeltoTrashService::ensureLoaded() {
 void VeltoTrashService::announce(const JournalEntry& entry, const Change& change) {
     if (change.unsettled) return;
     try {
-        journal_.write(entry);
+        reserve_.sparing([&] { journal_.write(entry); });
     } catch (const FileError&) {
         // Cut off now, an item could be found half deleted; it was to go anyway.
     }
 }
 
+std::optional<FileError> VeltoTrashService::saveLists() {
+    auto failure = manifest_.save(lists_);
+    if (failure && isForSpace(*failure) && reserve_.release()) failure = manifest_.save(lists_);
+    return failure;
+}
+
+void VeltoTrashService::keepReserve() {
+    const auto manifest = files_.attributes(folder_.manifestPath());
+    // A reset has taken the folder away, or it never came into being.
+    if (manifest) reserve_.keep(manifest->logicalSize);
+}
+
 /// Saves the lists, silently when that fails: they stay in force, and so does the journal.
 void VeltoTrashService::saveAndSettle(const Change& change) {
-    const bool isSaved = !manifest_.save(lists_).has_value();
+    const bool isSaved = !saveLists().has_value();
     leftJournal_ = !isSaved && journal_.exists();
     if (isSaved && (!change.unsettled || change.isOnlyUnsaved)) journal_.clear();
 }

@@ -12,6 +12,7 @@
 #include "cleaning/TrashManifest.h"
 #include "cleaning/TrashRecords.h"
 #include "cleaning/TrashRecovery.h"
+#include "cleaning/TrashReserve.h"
 #include "platform/Clock.h"
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
@@ -95,9 +96,15 @@ public:
     void validate(const std::string& path, const std::vector<std::string>& extraRoots = {});
 
 private:
+    struct KeepReserve {
+        void operator()(VeltoTrashService* service) const { service->keepReserve(); }
+    };
+
     /// The trash during one change: nobody else changes it, the lists are up to date.
     struct Change {
         std::unique_ptr<FileLock> lock;
+        /// At its end, before others may take the room.
+        std::unique_ptr<VeltoTrashService, KeepReserve> reserve{};
         /// Why an earlier change could not be settled; its entry in the journal must stay.
         std::optional<FileError> unsettled;
         bool isOnlyUnsaved = false;  // all is settled but for the manifest
@@ -110,6 +117,8 @@ private:
     void stopWaiting(const std::string& itemID);
     void requireSettled(const TrashItem& item, const FolderHandle* operation) const;
     std::vector<TrashItem> itemsUnderWay() const;
+    std::optional<FileError> saveLists();
+    void keepReserve();
     void ensureLoaded();
     bool refresh();
     void announce(const JournalEntry& entry, const Change& change);
@@ -152,6 +161,7 @@ private:
     TrashGuard guard_;
     TrashFolder folder_;
     TrashJournal journal_;
+    TrashReserve reserve_;
     TrashManifest manifest_;
     Manifest lists_;
     TrashRecovery recovery_;

@@ -60,7 +60,7 @@ Operation VeltoTrashService::moveToTrash(const std::vector<std::string>& paths,
                                          const std::vector<std::string>& extraRoots) {
     const Change change = beginStrictly();
     const JournalEntry planned = plannedMove(paths, kind, knownSizes, extraRoots);
-    journal_.write(planned);
+    reserve_.sparing([&] { journal_.write(planned); });
     Operation operation = planned.operation;
     try {
         moveIn(operation, extraRoots);
@@ -115,12 +115,12 @@ JournalEntry VeltoTrashService::plannedMove(const std::vector<std::string>& path
 
 void VeltoTrashService::moveIn(const Operation& operation,
                                const std::vector<std::string>& extraRoots) {
-    const auto folder = folder_.makeOperation(operation.id);
+    const auto folder = reserve_.sparing([&] { return folder_.makeOperation(operation.id); });
     for (const TrashItem& item : operation.items) {
         // Once more, and through this very folder: what was a folder at the first look may be a
         // link by now.
         const auto admitted = guard_.admit(item.originalPath, extraRoots);
-        folder_.moveIn(admitted.place, *folder, item);
+        folder_.moveIn(admitted.place, *folder, item, reserve_);
     }
     mover_.sync(*folder);
 }
@@ -177,7 +177,7 @@ void VeltoTrashService::undoOperation(const std::string operationID,
 void VeltoTrashService::restoreAll(const std::vector<TrashItem>& items, JournalEntry entry,
                                    Destination destination, Change& change) {
     const auto operation = folder_.openOperation(items.front().opID);
-    journal_.write(entry);
+    reserve_.sparing([&] { journal_.write(entry); });
     std::vector<TrashItem> restored;
     std::exception_ptr failure;
     for (const TrashItem& item : inOrderOfReturn(items)) {
@@ -212,7 +212,7 @@ HeldPlace VeltoTrashService::openReturn(const TrashItem& item, const std::string
     const auto how =
         destination.chosen ? FolderPath::withoutLinks : FolderPath::createdWithoutLinks;
     try {
-        HeldPlace place = openPlace(mover_, target, how);
+        HeldPlace place = reserve_.sparing([&] { return openPlace(mover_, target, how); });
         const std::string folder = parentFolder(target);
         if (destination.judged != folder) guard_.refuseOwnData(*place.folder);
         destination.judged = folder;
@@ -267,10 +267,10 @@ void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& opera
             entry.steps = {
                 .itemID = item.id, .target = targetPath, .volume = mover_.volumeOf(*target.folder)};
             stopWaiting(item.id);
-            journal_.write(entry);
+            reserve_.sparing([&] { journal_.write(entry); });
             inSteps = true;
         };
-        folder_.moveOut(item, operation, target, announceSteps);
+        folder_.moveOut(item, operation, target, announceSteps, &reserve_);
     } catch (const FileError&) {
         if (!inSteps) throw;
         try {

@@ -28,7 +28,7 @@ void VeltoTrashService::settleEarlierChange(Change& change) {
         std::vector<JournalEntry> all = waiting_;
         all.insert(all.end(), waiting.begin(), waiting.end());
         keepWaiting(all);
-        if (!manifest_.isSaved()) change.unsettled = manifest_.save(lists_);
+        if (!manifest_.isSaved()) change.unsettled = saveLists();
         change.isOnlyUnsaved = change.unsettled.has_value();
         leftJournal_ = change.isOnlyUnsaved;
         if (change.unsettled) return;
@@ -45,7 +45,7 @@ void VeltoTrashService::keepWaiting(std::vector<JournalEntry> waiting) {
         if (std::ranges::find(once, entry) == once.end()) once.push_back(std::move(entry));
     }
     if (once == waiting_) return;
-    journal_.writeWaiting(once);
+    reserve_.sparing([&] { journal_.writeWaiting(once); });
     if (once.size() > waiting_.size()) {
         log_.line(
             fmt::format("Velto ▶ Papelera: {} movimientos interrumpidos esperan a su disco o "

@@ -1,0 +1,65 @@
+#include "cleaning/TrashReserve.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <random>
+
+namespace velto {
+namespace {
+
+constexpr std::int64_t usualSize = 1 << 18;  // journal and manifest of some hundred items
+// On a disk that is nearly full.
+constexpr std::array<std::int64_t, 3> smallerSizes{1 << 16, 1 << 14, 1 << 12};
+
+/// Bytes that no file system stores in less space than they are.
+std::string randomBytes(std::int64_t size) {
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    std::random_device device;
+    std::uint64_t state = std::uint64_t{device()} << 32 | device();
+    for (std::size_t at = 0; at + sizeof state <= bytes.size(); at += sizeof state) {
+        state += 0x9E3779B97F4A7C15;  // splitmix64, by Sebastiano Vigna; public domain
+        std::uint64_t mixed = (state ^ (state >> 30)) * 0xBF58476D1CE4E5B9;
+        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EB;
+        mixed ^= mixed >> 31;
+        std::memcpy(&bytes[at], &mixed, sizeof mixed);
+    }
+    return bytes;
+}
+
+}  // namespace
+
+bool isForSpace(const FileError& error) { return error.code() == ENOSPC || error.code() == EDQUOT; }
+
+bool TrashReserve::release() {
+    try {
+        const auto kept = files_.attributes(path_);
+        if (!kept || kept->kind != FileKind::regular) return false;
+        files_.removeAll(path_);
+        return true;
+    } catch (const FileError&) {
+        return false;
+    }
+}
+
+void TrashReserve::keep(std::int64_t records) {
+    // A new version of both files stands beside the old one for a moment.
+    const std::int64_t wanted = std::max(usualSize, 2 * records);
+    const auto kept = files_.attributes(path_);
+    const std::int64_t size = kept ? kept->logicalSize : 0;
+    if (size >= std::max(usualSize, wanted / 2)) return;
+    const auto hasKept = [&](std::int64_t bytes) {
+        try {
+            files_.writeAtomically(path_, randomBytes(bytes));
+            return true;
+        } catch (const FileError&) {
+            return false;
+        }
+    };
+    if (hasKept(wanted)) return;
+    std::ranges::any_of(smallerSizes,
+                        [&](std::int64_t smaller) { return smaller <= size || hasKept(smaller); });
+}
+
+}  // namespace velto
