@@ -30,7 +30,9 @@ bool wantsDetailedLog(const std::vector<std::string>& arguments) {
 }
 
 int runReset(Platform& platform) {
-    resetLocalData(platform);
+    VeltoTrashService trash(*platform.files, *platform.mover, *platform.clock, *platform.log,
+                            platform.layout);
+    resetLocalData(platform, trash);  // tells the log of what stays
     return 0;
 }
 

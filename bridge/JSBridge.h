@@ -16,6 +16,7 @@
 #include "bridge/BridgeLink.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
+#include "bridge/failure_text.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
 #include "maintenance/MaintenanceScheduler.h"
@@ -175,7 +176,7 @@ private:
                                 const std::weak_ptr<JSBridge>& weak, const UninstallRecord& record);
 
     // Reset (reset.cpp).
-    void forgetLocalData();
+    void forgetLocalData(const std::optional<FailureText>& remains);
 
     // Full Disk Access (access.cpp).
     void openAccessSettings();
@@ -210,8 +211,9 @@ private:
     std::shared_ptr<TrashIntents> trashIntents_;
 };
 
-/// Takes the agent and all local data away; the part of a full reset that needs no page. A failure
-/// is ignored: what could be removed is gone.
-void resetLocalData(Platform& platform);
+/// Takes the agent and all local data away, the trash with its lock held; the part of a full reset
+/// that needs no page. A failure ends nothing: what can be removed is gone. Returns what stays, one
+/// sentence for the user; nothing when nothing does.
+std::optional<FailureText> resetLocalData(Platform& platform, VeltoTrashService& trash);
 
 }  // namespace velto

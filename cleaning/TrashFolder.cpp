@@ -281,6 +281,47 @@ void TrashFolder::removeEverything(const std::vector<TrashItem>& waiting) {
     if (isCleared) removeRoot();
 }
 
+std::vector<FileError> TrashFolder::removeWhatGoes() {
+    std::vector<FileError> failures;
+    try {
+        const auto root = openRoot();
+        if (!root) return failures;
+        for (const std::string& name : mover_.list(*root)) {
+            if (name != manifestName) removeWhatGoes(*root, name, failures);
+        }
+        if (!failures.empty()) return failures;
+        mover_.removeAll(*root, manifestName);
+        removeRoot();
+    } catch (const FileError& error) {
+        failures.push_back(error);
+    }
+    return failures;
+}
+
+/// What resists in an operation's folder saves nothing beside it.
+void TrashFolder::removeWhatGoes(const FolderHandle& root, const std::string& name,
+                                 std::vector<FileError>& failures) {
+    try {
+        return mover_.removeAll(root, name);
+    } catch (const FileError& error) {
+        const auto operation = openOperation(name);
+        // A folder that something is mounted on shows what is not ours.
+        const bool isMounted = isForMount(error) && lastPathComponent(error.path()) == name;
+        if (!operation || isMounted) return failures.push_back(error);
+        const std::size_t before = failures.size();
+        for (const std::string& entry : mover_.list(*operation)) {
+            try {
+                mover_.removeAll(*operation, entry);
+            } catch (const FileError& failure) {
+                failures.push_back(failure);
+            }
+        }
+        if (failures.size() == before && !mover_.removeEmptyFolder(root, name)) {
+            failures.push_back(error);
+        }
+    }
+}
+
 void TrashFolder::removeRoot() {
     try {
         const auto above = openFolderAbove(mover_, path_);

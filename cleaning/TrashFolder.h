@@ -101,6 +101,10 @@ public:
     /// of one of these items.
     void removeEverything(const std::vector<TrashItem>& waiting = {});
 
+    /// Removes all that lets itself be removed, one after another, the manifest excepted. Returns
+    /// what stood in the way; when nothing did the trash folder is gone too, with the manifest.
+    std::vector<FileError> removeWhatGoes();
+
 private:
     static constexpr const char* manifestName = "manifest.json";
 
@@ -109,6 +113,8 @@ private:
     void removeBegun(const FolderHandle& operation, const TrashItem& item);
     void rename(const FolderHandle& operation, const TrashItem& item, const std::string& from,
                 const std::string& to);
+    void removeWhatGoes(const FolderHandle& root, const std::string& name,
+                        std::vector<FileError>& failures);
     void removeRoot();
     bool clearOperation(const FolderHandle& root, const std::string& name,
                         const std::vector<TrashItem>& waiting);

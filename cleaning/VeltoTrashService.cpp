@@ -99,6 +99,31 @@ void VeltoTrashService::emptyTrash() {
     saveAndSettle(change);
 }
 
+std::vector<FileError> VeltoTrashService::erase(const std::function<void(bool isGone)>& alongside) {
+    std::unique_ptr<FileLock> lock;
+    if (files_.exists(layout_.dataFolder)) lock = mover_.lock(lockPath(), true);
+    refresh();
+    const std::vector<FileError> failures = folder_.removeWhatGoes();
+    waiting_.clear();
+    leftJournal_ = false;
+    if (failures.empty()) {
+        lists_ = {};
+    } else {
+        std::vector<TrashItem> gone = lists_.items;
+        std::erase_if(gone, [&](const TrashItem& item) {
+            try {
+                return folder_.attributes(folder_.openOperation(item.opID).get(), item).has_value();
+            } catch (const FileError&) {
+                return true;  // out of reach, but not gone
+            }
+        });
+        forgetItems(lists_, idsOf(gone));
+        saveLists();
+    }
+    alongside(failures.empty());
+    return failures;
+}
+
 double VeltoTrashService::purgeExpired(std::int64_t retentionDays) {
     try {
         return purge(clock_.now() - static_cast<double>(retentionDays) * secondsPerDay);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -74,6 +75,12 @@ public:
 
     /// Deletes the whole trash for good.
     void emptyTrash();
+
+    /// Deletes the trash for good with all of its records, as far as it lets itself be deleted,
+    /// also what waits. Returns what stood in the way; that stays listed. `alongside` is called at
+    /// the end, told whether anything stays, while nobody else can use the trash. Throws FileError
+    /// when another process goes on using it: then nothing was done.
+    std::vector<FileError> erase(const std::function<void(bool isGone)>& alongside);
 
     /// Deletes for good what was moved in more than that many days ago, and returns the GB freed
     /// (as the disk counts them, not rounded). What resists is forgotten all the same. Never

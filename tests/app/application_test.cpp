@@ -96,7 +96,9 @@ TEST_F(ApplicationTest, ClosingTheWindowKeepsRunningWhileMaintenanceIsInstalled)
     EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
     machine.home.text(agent, "x");
     EXPECT_FALSE(delegate.applicationShouldTerminateAfterLastWindowClosed());
-    resetLocalData(machine.platform);
+    VeltoTrashService trash{*machine.platform.files, *machine.platform.mover, machine.clock,
+                            machine.log, machine.platform.layout};
+    resetLocalData(machine.platform, trash);
     EXPECT_TRUE(delegate.applicationShouldTerminateAfterLastWindowClosed());
 }
 
