@@ -48,6 +48,8 @@ target_link_libraries(load PRIVATE Threads::Threads velto_options)
 velto_system_package(GTK gtk4)
 add_executable(drag_source e2e/support/drag_source.cpp)
 target_link_libraries(drag_source PRIVATE PkgConfig::GTK velto_options)
+add_executable(clipboard_text e2e/support/clipboard_text.cpp)
+target_link_libraries(clipboard_text PRIVATE PkgConfig::GTK velto_options)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
@@ -56,7 +58,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
-        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>")
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>;CLIPBOARD_TEXT=$<TARGET_FILE:clipboard_text>")
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)

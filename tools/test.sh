@@ -7,7 +7,7 @@ run_tests() {
     build_page
     compile asan unit_tests
     compile tsan unit_tests
-    compile release velto notification_service load drag_source
+    compile release velto notification_service load drag_source clipboard_text
     combine_tests asan tsan release
     say "Testing"
     # ctest's closing lines come last. The whole log is kept.

@@ -72,7 +72,7 @@ export const trash: typeof english = {
     link: (names, more) => named(names, more, 'es un enlace o está detrás de uno', 'son enlaces o están detrás de uno'),
     outside: (names, more) => named(names, more, 'está fuera de tu carpeta de usuario', 'están fuera de tu carpeta de usuario'),
     protected: (names, more) =>
-      named(names, more, 'está protegido: las fotos, el correo y las copias no se mueven', 'están protegidos: las fotos, el correo y las copias no se mueven'),
+      named(names, more, 'está protegido: las fotos, el correo y las copias de seguridad no se mueven', 'están protegidos: las fotos, el correo y las copias de seguridad no se mueven'),
     gone: (names, more) => named(names, more, 'ya no está ahí', 'ya no están ahí'),
     trash: (names, more) => named(names, more, 'es parte de la Papelera de Velto', 'son parte de la Papelera de Velto'),
   },
