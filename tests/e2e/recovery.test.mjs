@@ -67,6 +67,23 @@ test('a large file is removed from its view and from the next start', async (t) 
   assert.ok(home.has('Music/concert.wav') && !home.has('Desktop/archive.zip'));
 });
 
+test('of a selection with something refused in it the rest goes only when asked', async (t) => {
+  const home = furnishedHome(t).withAccess();
+  const page = await openGuided(t, home);
+  await page.click('Large files');
+  await page.tick(home.at('Desktop/archive.zip'));
+  await page.tick(home.at('Music/concert.wav'));
+  renameSync(home.at('Music/concert.wav'), home.at('Music/elsewhere.wav'));
+  symlinkSync(home.at('Music/elsewhere.wav'), home.at('Music/concert.wav'));
+  await page.click('Move to Velto Trash');
+  await page.sees("Couldn't remove “concert.wav” is a link, or lies behind one. Nothing was moved");
+  assert.ok(home.has('Desktop/archive.zip') && home.has('Music/concert.wav'));
+  await page.click('Move the other one');
+  await page.sees(/Removed 0\.6 GB in Velto Trash/);
+  assert.ok(!home.has('Desktop/archive.zip'));
+  assert.ok(home.has('Music/concert.wav') && home.has('Music/elsewhere.wav'));
+});
+
 test('extra copies go, but never all of them', async (t) => {
   const home = twins(furnishedHome(t).withAccess());
   const page = await openGuided(t, home);
