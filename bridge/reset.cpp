@@ -101,10 +101,10 @@ void tell(Log& log, const Remains& remains, const std::string& folder) {
     if (remains.isNothing()) log.line("Velto ▶ reset completo: LaunchAgent y datos eliminados");
 }
 
-FailureText dataText(const std::vector<FileError>& failures, const std::string& home) {
+FailureText dataText(const std::vector<FileError>& failures, const HomeLayout& layout) {
     const FileError& first = failures.front();
-    if (first.code() == EWOULDBLOCK) return failureText(first, home);
-    const std::string path = singleLine(shownPath(first.path(), home));
+    if (first.code() == EWOULDBLOCK) return failureText(first, layout);
+    const std::string path = singleLine(shownPath(first.path(), layout.home));
     const std::size_t others = failures.size() - 1;
     return {fmt::format("No se ha podido borrar «{}»{}.", path,
                         others > 0 ? fmt::format(" (y {} más)", others) : ""),
@@ -112,7 +112,7 @@ FailureText dataText(const std::vector<FileError>& failures, const std::string& 
                         others > 0 ? fmt::format(" (and {} more)", others) : "")};
 }
 
-std::optional<FailureText> textOf(const Remains& remains, const std::string& home) {
+std::optional<FailureText> textOf(const Remains& remains, const HomeLayout& layout) {
     if (remains.isNothing()) return std::nullopt;
     FailureText text;
     const auto add = [&](const FailureText& more) {
@@ -123,9 +123,9 @@ std::optional<FailureText> textOf(const Remains& remains, const std::string& hom
         add({"El mantenimiento automático sigue instalado.",
              "Automatic maintenance is still installed."});
     }
-    if (!remains.data.empty()) add(dataText(remains.data, home));
+    if (!remains.data.empty()) add(dataText(remains.data, layout));
     if (!remains.elsewhere.empty()) {
-        const std::string place = singleLine(shownPath(remains.elsewhere, home));
+        const std::string place = singleLine(shownPath(remains.elsewhere, layout.home));
         add({fmt::format("Los datos siguen en «{}», a donde llevaba un enlace.", place),
              fmt::format("The data are still in “{}”, where a link led.", place)});
     }
@@ -149,7 +149,7 @@ std::optional<FailureText> resetLocalData(Platform& platform, VeltoTrashService&
     remains.data = removeData(platform, trash, isLink);
     if (remains.data.empty()) remains.elsewhere = elsewhere;
     tell(log, remains, platform.layout.dataFolder);
-    return textOf(remains, platform.layout.home);
+    return textOf(remains, platform.layout);
 }
 
 /// In its turn among the work on the trash: nothing is on its way into a folder that goes, and what
