@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include "platform/values/text.h"
-
 namespace velto {
 namespace {
 
@@ -23,10 +21,14 @@ Split split(std::string_view name) {
 
 /// At most that many bytes of a text, cut between two characters.
 std::string_view beginning(std::string_view text, std::size_t most) {
-    text = text.substr(0, most);
-    while (!isValidUtf8(text))
-        text.remove_suffix(1);
-    return text;
+    std::size_t end = std::min(most, text.size());
+    const auto isInside = [&](std::size_t at) {
+        return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
+    };
+    // No character has more than three bytes after its first; a name may be no UTF-8 at all.
+    for (int bytes = 0; bytes < 3 && end > 0 && isInside(end); ++bytes)
+        --end;
+    return text.substr(0, end);
 }
 
 std::string numbered(const Split& parts, int number) {

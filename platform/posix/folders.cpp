@@ -7,6 +7,7 @@
 
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixFolder.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -84,7 +85,8 @@ bool PosixFileManager::isOwnFolder(const FolderHandle& folder, const FolderHandl
 
 std::string PosixFileManager::volumeOf(const FolderHandle& folder) {
     std::string identity;
-    return calls_.volume(number(folder), identity) == 0 ? identity : std::string();
+    // The place that a network volume comes from may have any bytes.
+    return calls_.volume(number(folder), identity) == 0 ? validUtf8(identity) : std::string();
 }
 
 std::size_t PosixFileManager::longestName(const FolderHandle& folder) {
