@@ -139,11 +139,11 @@ protected:
     std::optional<PassingVolume> volume;
 };
 
-TEST_P(FaultyVolume, WithHomeAndTrashLosesNothing) { surviveEverywhere(Placed::everything, 193); }
+TEST_P(FaultyVolume, WithHomeAndTrashLosesNothing) { surviveEverywhere(Placed::everything, 389); }
 
-TEST_P(FaultyVolume, InsideTheHomeLosesNothing) { surviveEverywhere(Placed::diskInHome, 257); }
+TEST_P(FaultyVolume, InsideTheHomeLosesNothing) { surviveEverywhere(Placed::diskInHome, 521); }
 
-TEST_P(FaultyVolume, WithTheTrashLosesNothing) { surviveEverywhere(Placed::trash, 257); }
+TEST_P(FaultyVolume, WithTheTrashLosesNothing) { surviveEverywhere(Placed::trash, 521); }
 
 INSTANTIATE_TEST_SUITE_P(
     Faults, FaultyVolume,
