@@ -264,6 +264,8 @@ void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& opera
     bool inSteps = false;
     try {
         const auto announceSteps = [&] {
+            // What the steps of the item before put aside is gone before they are forgotten.
+            if (entry.steps) mover_.sync(operation);
             entry.steps = {
                 .itemID = item.id, .target = targetPath, .volume = mover_.volumeOf(*target.folder)};
             stopWaiting(item.id);

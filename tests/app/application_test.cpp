@@ -1,12 +1,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
 #include "app/VeltoApp.h"
 #include "app/run_modes.h"
 #include "bridge/JSBridge.h"
+#include "platform/posix/PosixFileManager.h"
 #include "support/FakeWebView.h"
 #include "support/TestPlatform.h"
-#include "support/WatchedFiles.h"
 
 namespace velto {
 namespace {
@@ -71,10 +75,17 @@ TEST(RunModes, AResetOfALinkedDataFolderTakesTheLinkAloneAndSaysSo) {
 TEST(RunModes, AResetThatCannotDeleteEverythingSaysSoAndIsNoFailure) {
     TestPlatform machine;
     machine.home.text("Library/Application Support/Velto/lastScan.json", "{}");
-    auto files = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
-    files->unremovable = {machine.platform.layout.dataFolder};
-    machine.platform.files = std::move(files);
+    class Refusing final : public FileCalls {
+        int remove(int folder, const char* name, int flags) override {
+            if (std::string_view(name) != "lastScan.json")
+                return FileCalls::remove(folder, name, flags);
+            errno = EBUSY;
+            return -1;
+        }
+    } calls;
+    machine.platform.mover = std::make_unique<PosixFileManager>(calls);
     EXPECT_EQ(runReset(machine.platform), 0);
+    EXPECT_TRUE(machine.home.exists("Library/Application Support/Velto/lastScan.json"));
     EXPECT_FALSE(machine.log.holds("Velto ▶ reset completo: LaunchAgent y datos eliminados"));
     EXPECT_TRUE(machine.log.holds("Velto ▶ reset incompleto: quedan datos en " +
                                   machine.platform.layout.dataFolder));
