@@ -16,7 +16,7 @@
 namespace velto {
 struct Refusal;
 struct RestoreBlock;
-}
+}  // namespace velto
 
 /// The exact script of each event that the page receives. Pure: no bridge, no web view.
 namespace velto::events {

@@ -157,8 +157,8 @@ public:
     }
 
     /// Drops what has not begun, and what is added from now on. What dropped work holds goes on a
-    /// thread of the pool, as one more piece of work: letting go of it may hang too. Once is enough:
-    /// a second time would drop that work, here.
+    /// thread of the pool, as one more piece of work: letting go of it may hang too. Once is
+    /// enough: a second time would drop that work, here.
     void drop() {
         auto dropped = std::make_shared<std::deque<Work>>();
         const std::lock_guard lock(mutex_);

@@ -64,9 +64,7 @@ int FileCalls::mount(int folder, const char* name, std::uint64_t& mount) {
 }
 
 // The list of mounts spells a place in one of several ways (firmlinks): no place is ruled out.
-bool FileCalls::mayHoldMount(int, const char*) {
-    return true;
-}
+bool FileCalls::mayHoldMount(int, const char*) { return true; }
 
 int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {
     return ::renameatx_np(fromFolder, from, toFolder, to, RENAME_EXCL);

@@ -30,8 +30,8 @@ public:
     /// folder. A folder that was bound to another place is a mount of its own on the same volume,
     /// and a file system that numbers its parts as several volumes is one. System.
     virtual int mount(int folder, const char* name, std::uint64_t& mount);
-    /// Whether anything could be mounted on a name or below it, by the system's own list: false only
-    /// when nothing is. Looking through a whole tree is needed only where it says yes. System.
+    /// Whether anything could be mounted on a name or below it, by the system's own list: false
+    /// only when nothing is. Looking through a whole tree is needed only where it says yes. System.
     virtual bool mayHoldMount(int folder, const char* name);
     /// A text that tells the volume of an open folder, and the part of it that is mounted there,
     /// from all others, also after it was taken out and put in again. Empty when nothing is known
