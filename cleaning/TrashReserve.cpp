@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <random>
 
@@ -16,14 +17,10 @@ constexpr std::array<std::int64_t, 3> smallerSizes{1 << 16, 1 << 14, 1 << 12};
 /// Bytes that no file system stores in less space than they are.
 std::string randomBytes(std::int64_t size) {
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    std::random_device device;
-    std::uint64_t state = std::uint64_t{device()} << 32 | device();
-    for (std::size_t at = 0; at + sizeof state <= bytes.size(); at += sizeof state) {
-        state += 0x9E3779B97F4A7C15;  // splitmix64, by Sebastiano Vigna; public domain
-        std::uint64_t mixed = (state ^ (state >> 30)) * 0xBF58476D1CE4E5B9;
-        mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EB;
-        mixed ^= mixed >> 31;
-        std::memcpy(&bytes[at], &mixed, sizeof mixed);
+    std::mt19937_64 random(std::random_device{}());
+    for (std::size_t at = 0; at < bytes.size(); at += sizeof(std::uint64_t)) {
+        const std::uint64_t word = random();
+        std::memcpy(&bytes[at], &word, std::min(sizeof word, bytes.size() - at));
     }
     return bytes;
 }
