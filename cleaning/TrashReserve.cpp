@@ -11,6 +11,7 @@ namespace velto {
 namespace {
 
 constexpr std::int64_t usualSize = 1 << 18;  // journal and manifest of some hundred items
+constexpr std::int64_t mostKept = 1 << 27;   // of some hundred thousand
 // On a disk that is nearly full.
 constexpr std::array<std::int64_t, 3> smallerSizes{1 << 16, 1 << 14, 1 << 12};
 
@@ -42,7 +43,7 @@ bool TrashReserve::release() {
 
 void TrashReserve::keep(std::int64_t records) {
     // A new version of both files stands beside the old one for a moment.
-    const std::int64_t wanted = std::max(usualSize, 2 * records);
+    const std::int64_t wanted = std::clamp(records, usualSize / 2, mostKept / 2) * 2;
     const auto kept = files_.attributes(path_);
     const std::int64_t size = kept ? kept->logicalSize : 0;
     if (size >= std::max(usualSize, wanted / 2)) return;

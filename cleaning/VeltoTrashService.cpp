@@ -267,7 +267,10 @@ std::optional<FileError> VeltoTrashService::saveLists() {
 void VeltoTrashService::keepReserve() {
     const auto manifest = files_.attributes(folder_.manifestPath());
     // A reset has taken the folder away, or it never came into being.
-    if (manifest) reserve_.keep(manifest->logicalSize);
+    if (!manifest) return;
+    // One that is too long to be one counts as empty.
+    const bool isOne = manifest->logicalSize <= trashRecordsLimit.bytes;
+    reserve_.keep(isOne ? manifest->logicalSize : 0);
 }
 
 /// Saves the lists, silently when that fails: they stay in force, and so does the journal.

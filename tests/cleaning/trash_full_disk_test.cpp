@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "TrashWorld.h"
 #include "support/FullDisk.h"
 #include "support/tree_text.h"
@@ -93,6 +95,20 @@ TEST_P(TrashOnFullDisk, WithoutAReserveNothingIsTouchedAndTheReasonIsTold) {
     }
     EXPECT_EQ(reason, GetParam());
     EXPECT_TRUE(world.home.exists("d/0/inside"));
+}
+
+TEST(TrashReserve, AManifestOfAnImpossibleLengthReservesNoSuchSpace) {
+    TrashWorld world{TrashWorld::fastVolume()};
+    PosixFileManager files;
+    FakeLog log;
+    files.createFolders(world.layout.trashFolder);
+    files.writeAtomically(world.layout.trashFolder + "/manifest.json", "");
+    std::filesystem::resize_file(world.layout.trashFolder + "/manifest.json", 1LL << 40);
+    VeltoTrashService trash(files, files, world.clock, log, world.layout);
+    EXPECT_EQ(trash.purgeExpired(30), 0);
+    const auto reserve = files.attributes(world.layout.trashFolder + ".reserve");
+    ASSERT_TRUE(reserve);
+    EXPECT_EQ(reserve->logicalSize, 1 << 18);
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, TrashOnFullDisk, testing::Values(ENOSPC, EDQUOT),
