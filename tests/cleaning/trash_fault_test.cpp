@@ -121,16 +121,16 @@ TEST_P(TrashFault, NothingIsLostWhereRenamingMayReplace) {
 }
 
 TEST_P(TrashFault, NothingIsLostWhenADoneCallIsReportedAsFailed) {
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 13, Action::doThenFail);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), ""}, 29, Action::doThenFail);
 }
 
 TEST_P(TrashFault, NothingIsLostWhenADoneCallIsReportedAsFailedAndRenamingMayReplace) {
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 13, Action::doThenFail);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), "", false}, 29, Action::doThenFail);
 }
 
 TEST_P(TrashFault, NothingIsLostBetweenVolumesWhenADoneCallIsReportedAsFailed) {
     if (!TrashWorld::hasTwoVolumes()) GTEST_SKIP() << "memory and build folder are one volume here";
-    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 61, Action::doThenFail);
+    failEverywhere(GetParam(), {TrashWorld::fastVolume(), buildVolume()}, 127, Action::doThenFail);
 }
 
 TEST_P(TrashFault, NothingIsLostOnADiskThatFailsForGood) {
