@@ -37,9 +37,9 @@ struct TrashReturnTest : TrashTest {
 };
 
 TEST_F(TrashReturnTest, ALinkInTheFormerFoldersPlaceIsNamedAndNotFollowed) {
-    const TrashItem item = trashed("Shared/work/a.desktop");
+    const TrashItem item = trashed("Shared/team/a.desktop");
     home.folder("Library/LaunchAgents");
-    for (const char* place : {"Shared/work", "Shared"}) {
+    for (const char* place : {"Shared/team", "Shared"}) {
         fs::remove_all(home.path(place));
         link(place, home.path("Library/LaunchAgents"));
         EXPECT_EQ(obstacle([&] { service.restore(item.id); }, "a.desktop"), home.path(place));
@@ -50,7 +50,7 @@ TEST_F(TrashReturnTest, ALinkInTheFormerFoldersPlaceIsNamedAndNotFollowed) {
         fs::remove(home.path(place));
     }
     service.restore(item.id);
-    EXPECT_EQ(home.read("Shared/work/a.desktop"), "content");
+    EXPECT_EQ(home.read("Shared/team/a.desktop"), "content");
 }
 
 TEST_F(TrashReturnTest, AFileInTheFormerFoldersPlaceIsNamed) {

@@ -143,13 +143,14 @@ TEST(XdgFolders, AHostileBaseFolderCountsAsUnsetWhateverItsRole) {
 
 TEST(XdgFolders, AFolderThatTheUserNamedIsTheUsersOwn) {
     const std::string userDirs =
-        "XDG_DOCUMENTS_DIR=\"$HOME/work/papers\"\nXDG_PROJECTS_DIR=\"$HOME/code\"\n";
+        "XDG_DOCUMENTS_DIR=\"$HOME/studio/papers\"\nXDG_PROJECTS_DIR=\"$HOME/code\"\n";
     for (const Role& role : baseRoles) {
-        for (const char* value : {"/home/ana/work", "/home/ana/work/papers", "/home/ana/code"}) {
+        for (const char* value :
+             {"/home/ana/studio", "/home/ana/studio/papers", "/home/ana/code"}) {
             SCOPED_TRACE(std::string(role.variable) + "=" + value);
             const HomeLayout layout = layoutOf({{role.variable, value}}, userDirs);
             EXPECT_EQ(layout.*role.folder, home + role.standard);
-            EXPECT_EQ(layout.documents, home + "/work/papers");
+            EXPECT_EQ(layout.documents, home + "/studio/papers");
             expectHarmless(layout);
         }
     }
@@ -272,11 +273,11 @@ TEST(XdgFolders, AnHonestUserFolderCounts) {
 TEST(XdgFolders, DownloadsAreNoFolderOfAnotherRole) {
     // What lies in them unused for a year is moved away.
     for (const char* value :
-         {"$HOME/Documents", "$HOME/Desktop", "$HOME/Templates", "$HOME/work"}) {
+         {"$HOME/Documents", "$HOME/Desktop", "$HOME/Templates", "$HOME/studio"}) {
         SCOPED_TRACE(value);
         const HomeLayout layout =
             layoutOf({},
-                     "XDG_TEMPLATES_DIR=\"$HOME/Templates\"\nXDG_MUSIC_DIR=\"$HOME/work/music\"\n"
+                     "XDG_TEMPLATES_DIR=\"$HOME/Templates\"\nXDG_MUSIC_DIR=\"$HOME/studio/music\"\n"
                      "XDG_DOWNLOAD_DIR=\"" +
                          std::string(value) + "\"\n");
         EXPECT_EQ(layout.downloads, home + "/Downloads");
