@@ -48,11 +48,11 @@ std::string maintenance(const nlohmann::json& status);
 
 /// The trash's items, oldest first; the page knows an item's place as `path`.
 std::string trashState(const std::vector<TrashItem>& items);
-/// An item could not be restored: `path` is what stands on the way to its place.
 /// What the trash has refused, and what it would take without that. `home` tells a link inside it
 /// from a place outside.
 std::string refused(const Refusal& refusal, const std::string& home);
 
+/// An item could not be restored: `path` is what stands on the way to its place.
 std::string restoreBlocked(const RestoreBlock& block);
 std::string trashChanged(double gb);  // GB in the trash, with one decimal
 std::string cleanables(const std::vector<Candidate>& candidates);

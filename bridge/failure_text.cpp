@@ -80,6 +80,13 @@ constexpr std::array rows{
          "The system is overloaded right now. Try again later."}},
 };
 
+constexpr Row mounted{
+    {},
+    {"«{}» tiene otro disco o carpeta montados dentro. No se ha borrado ni movido.",
+     "Hay otro disco o carpeta montados en medio. No se ha borrado ni movido nada."},
+    {"Another disk or folder is mounted inside “{}”. It was neither deleted nor moved.",
+     "Another disk or folder is mounted in between. Nothing was deleted or moved."}};
+
 /// What hardly anybody meets; the number helps whoever is asked for help.
 FailureText anythingElse(const std::optional<std::string>& file, int code) {
     if (!file) {
@@ -152,6 +159,9 @@ FailureText fileText(const FileError& error, const HomeLayout& layout) {
                 fmt::format("“{}” is a link and is not followed. Nothing was touched.", path)};
     }
     const auto file = fileOfUser(error.path(), layout);
+    if (dynamic_cast<const SomethingMounted*>(&error) != nullptr) {
+        return {filled(mounted.spanish, file), filled(mounted.english, file)};
+    }
     const auto row = std::ranges::find_if(rows, [&](const Row& each) {
         return error.code() != 0 && std::ranges::find(each.codes, error.code()) != each.codes.end();
     });

@@ -93,8 +93,7 @@ void tell(Log& log, const Remains& remains, const std::string& folder) {
     if (!remains.elsewhere.empty()) {
         // What a link leads to is not the program's to erase.
         log.line(
-            "Velto ▶ reset incompleto: la carpeta de datos era un enlace, que "
-            "se ha quitado; "
+            "Velto ▶ reset incompleto: la carpeta de datos era un enlace, que se ha quitado; "
             "los datos siguen en " +
             singleLine(remains.elsewhere));
     }
@@ -181,8 +180,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
         return;
     }
     toast("Velto restablecida", "Velto has been reset",
-          language_.text("Se han eliminado el mantenimiento automático y todos los datos "
-                         "locales.",
+          language_.text("Se han eliminado el mantenimiento automático y todos los datos locales.",
                          "Automatic maintenance and all local data have been removed."));
 }
 

@@ -44,6 +44,7 @@ std::string scratchNameOf(const TrashItem& item) {
 }
 
 std::string backScratchOf(const TrashItem& item) { return scratchNameOf(item) + "-back"; }
+
 /// The name of a folder that is being deleted.
 std::string begunNameOf(const TrashItem& item) { return scratchNameOf(item) + "-deleting"; }
 
@@ -100,12 +101,12 @@ void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
 
 void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
                           const HeldPlace& target, const std::function<void()>& beforeSteps,
-                          TrashReserve* reserve) {
+                          TrashReserve& reserve) {
     const std::string name = storedName(item);
     const auto once = [&] {
         return mover_.moveAtOnce(operation, name, *target.folder, target.name);
     };
-    if (reserve != nullptr ? reserve->sparing(once) : once()) return;
+    if (reserve.sparing(once)) return;
     beforeSteps();
     mover_.moveInSteps(operation, name, *target.folder, target.name, scratchNameOf(item));
 }
@@ -152,11 +153,9 @@ bool TrashFolder::isUnderWay(const TrashItem& item, const FolderHandle* operatio
     return holdsScratch(item, *operation) && !attributes(operation, item);
 }
 
-std::string TrashFolder::volume() const {
-    const auto root = openRoot();
-    const auto folder = root ? nullptr : openFolderAbove(mover_, path_);
-    if (!root && !folder) return {};
-    return mover_.volumeOf(root ? *root : *folder);
+std::unique_ptr<FolderHandle> TrashFolder::openPlaceOfTrash() const {
+    auto root = openRoot();
+    return root ? std::move(root) : openFolderAbove(mover_, path_);
 }
 
 /// On its way back an item is whole until it has arrived; on its way in it may be a piece.
@@ -181,26 +180,25 @@ void TrashFolder::adopt(const std::string& scratch, const TrashItem& item,
     mover_.sync(operation);  // its old name is forgotten next
 }
 
-void TrashFolder::remove(const TrashItem& item) {
-    const auto operation = openOperation(item.opID);
-    if (!operation || !isSound(item)) return;
+void TrashFolder::remove(const FolderHandle& operation, const TrashItem& item) {
+    if (!isSound(item)) return;
     const std::string name = storedName(item);
-    const auto found = mover_.attributes(*operation, name);
+    const auto found = mover_.attributes(operation, name);
     if (!found) return;
     // A file goes in one step. So does what bears an id of which no name can be made.
     if (found->kind != FileKind::folder || !isScratchName(scratchName(item.id))) {
-        return mover_.removeAll(*operation, name);
+        return mover_.removeAll(operation, name);
     }
     const std::string begun = begunNameOf(item);
-    mover_.removeAll(*operation, begun);
+    mover_.removeAll(operation, begun);
     try {
-        rename(*operation, item, name, begun);
+        rename(operation, item, name, begun);
     } catch (const FileError& error) {
         // Even a new name may need room, and what is to be deleted makes some.
         if (!isForSpace(error)) throw;
-        return mover_.removeAll(*operation, name);
+        return mover_.removeAll(operation, name);
     }
-    removeBegun(*operation, item);
+    removeBegun(operation, item);
 }
 
 bool TrashFolder::isBegun(const TrashItem& item) const {
@@ -217,8 +215,8 @@ void TrashFolder::finishRemoval(const TrashItem& item) {
 void TrashFolder::removeBegun(const FolderHandle& operation, const TrashItem& item) {
     const std::string begun = begunNameOf(item);
     try {
-        mover_.sync(operation);  // or a loss of power could leave the item under its
-                                 // name, in part
+        // Or a loss of power could leave the item under its name, in part.
+        mover_.sync(operation);
         mover_.removeAll(operation, begun);
     } catch (const FileError&) {
         try {

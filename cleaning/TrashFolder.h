@@ -46,9 +46,8 @@ public:
 
     /// Moves an item out to a name that must be free. `beforeSteps` runs when it takes several
     /// steps.
-    void moveOut(
-        const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
-        const std::function<void()>& beforeSteps = [] {}, TrashReserve* reserve = nullptr);
+    void moveOut(const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
+                 const std::function<void()>& beforeSteps, TrashReserve& reserve);
 
     /// Moves an item that has just come in back to where it came from. Its scratch name is another
     /// one: whoever finds it after a cut knows which way the item was on.
@@ -74,8 +73,8 @@ public:
     /// settled.
     bool isUnderWay(const TrashItem& item, const FolderHandle* operation) const;
 
-    /// The volume that holds the trash, or will hold it (FileMover::volumeOf).
-    std::string volume() const;
+    /// The trash, or the folder that it will be made in; null when there is neither.
+    std::unique_ptr<FolderHandle> openPlaceOfTrash() const;
 
     /// Gives that the item's own name unless another thing bears it; for a move whose other side is
     /// gone.
@@ -84,7 +83,7 @@ public:
     /// Removes an item's file for good; one that is not there is fine. A folder gets a name of its
     /// own first, by which it is known later that its removal was begun. When that fails it has its
     /// old name again, unless `isBegun`.
-    void remove(const TrashItem& item);
+    void remove(const FolderHandle& operation, const TrashItem& item);
 
     /// True when the removal of an item was begun and cut off.
     bool isBegun(const TrashItem& item) const;

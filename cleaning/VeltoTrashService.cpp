@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <memory>
 #include <unordered_set>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -61,16 +62,17 @@ void VeltoTrashService::deletePermanently(const std::string itemID) {
     requireSettled(item, operation.get());
     if (!folder_.attributes(operation.get(), item)) throw TrashError(Reason::notFound);
     announce({.kind = Kind::remove, .operation = {}, .itemIDs = {itemID}, .steps = {}}, change);
-    removeItem(item, change);
+    removeItem(*operation, item, change);
     forget({item});
     saveAndSettle(change);
 }
 
 /// One that fails ends the change, and the item is as it was; or the journal tells that its removal
 /// was begun.
-void VeltoTrashService::removeItem(const TrashItem& item, const Change& change) {
+void VeltoTrashService::removeItem(const FolderHandle& operation, const TrashItem& item,
+                                   const Change& change) {
     try {
-        folder_.remove(item);
+        folder_.remove(operation, item);
     } catch (const FileError&) {
         if (!change.unsettled && !folder_.isBegun(item)) journal_.clear();
         throw;
@@ -87,8 +89,14 @@ void VeltoTrashService::emptyTrash() {
         return std::ranges::find(kept, item.id, &TrashItem::id) != kept.end();
     });
     announce({.kind = Kind::empty, .operation = {}, .itemIDs = idsOf(items), .steps = {}}, change);
-    for (const TrashItem& item : items)
-        removeItem(item, change);
+    std::unique_ptr<FolderHandle> operation;
+    std::string opened;
+    for (const TrashItem& item : items) {
+        if (item.opID != std::exchange(opened, item.opID)) {
+            operation = folder_.openOperation(item.opID);
+        }
+        if (operation) removeItem(*operation, item, change);
+    }
     try {
         folder_.removeEverything(kept);
     } catch (const FileError&) {
@@ -150,7 +158,7 @@ double VeltoTrashService::purge(double cutoff) {
             const auto operation = folder_.openOperation(item.opID);
             const auto attributes = folder_.attributes(operation.get(), item);
             if (attributes) size = gigabytes(attributes->allocatedSize);
-            folder_.remove(item);
+            if (operation) folder_.remove(*operation, item);
         } catch (const FileError& error) {
             // Forgotten all the same, as the retention period has ended; but what is mounted inside
             // has kept it whole, and then it stays listed.
@@ -210,8 +218,7 @@ VeltoTrashService::Change VeltoTrashService::begin() {
     Change change;
     change.lock = reserve_.sparing([&] { return mover_.lock(lockPath(), true); });
     change.reserve.reset(this);
-    openOwnFolder(mover_,
-                  layout_.trashFolder);  // for its refusal of what is no folder of ours
+    openOwnFolder(mover_, layout_.trashFolder);  // for its refusal of what is no folder of ours
     if (!refresh()) throw FileError("read", folder_.manifestPath(), EIO);
     settleEarlierChange(change);
     return change;

@@ -154,7 +154,7 @@ private:
     void moveOut(const TrashItem& item, const FolderHandle& operation, const HeldPlace& target,
                  const std::string& targetPath, JournalEntry& entry, Change& change);
 
-    void removeItem(const TrashItem& item, const Change& change);
+    void removeItem(const FolderHandle& operation, const TrashItem& item, const Change& change);
     double purge(double cutoff);
     const TrashItem& itemWith(const std::string& id) const;
     void forget(const std::vector<TrashItem>& gone);

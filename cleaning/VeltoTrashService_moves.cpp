@@ -90,7 +90,8 @@ JournalEntry VeltoTrashService::plannedMove(const std::vector<std::string>& path
     std::unordered_set<std::string> ids;
     for (const TrashItem& item : lists_.items)
         ids.insert(item.id);
-    const std::string ownVolume = folder_.volume();
+    const auto own = folder_.openPlaceOfTrash();
+    const std::string ownVolume = own ? mover_.volumeOf(*own) : "";
     std::unordered_map<std::string, std::string> volumes;  // by the folders that hold the items
     for (const std::string& path : withoutRepetitions(paths)) {
         const auto admitted = guard_.admit(path, extraRoots);
@@ -104,7 +105,11 @@ JournalEntry VeltoTrashService::plannedMove(const std::vector<std::string>& path
             item.id = "it" + newUUID().substr(0, idLength);
         } while (!ids.insert(item.id).second);
         const auto [volume, isNew] = volumes.try_emplace(parentFolder(standardizedPath(path)));
-        if (isNew) volume->second = mover_.volumeOf(*admitted.place.folder);
+        if (isNew) {
+            const FolderHandle& folder = *admitted.place.folder;
+            const bool isOwn = own && mover_.areOnOneMount(*own, folder);
+            volume->second = isOwn ? ownVolume : mover_.volumeOf(folder);
+        }
         if (volume->second != ownVolume) entry.volumes[item.id] = volume->second;
         operation.items.push_back(std::move(item));
     }
@@ -272,7 +277,7 @@ void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& opera
             reserve_.sparing([&] { journal_.write(entry); });
             inSteps = true;
         };
-        folder_.moveOut(item, operation, target, announceSteps, &reserve_);
+        folder_.moveOut(item, operation, target, announceSteps, reserve_);
     } catch (const FileError&) {
         if (!inSteps) throw;
         try {

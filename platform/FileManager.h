@@ -35,6 +35,13 @@ public:
     using FileError::FileError;
 };
 
+/// Something else is mounted at the path, which therefore neither goes nor is moved.
+class SomethingMounted : public FileError {
+public:
+    SomethingMounted(const std::string& attempt, const std::string& path, int code)
+        : FileError(attempt, path, code, "something else is mounted there") {}
+};
+
 /// Which files may be read.
 enum class ReadFrom {
     ownFile,         // what the program has written: a text of the user's own; a link is refused

@@ -73,6 +73,10 @@ public:
     /// was started anew. Empty when the system does not say.
     virtual std::string volumeOf(const FolderHandle& folder) = 0;
 
+    /// True when two open folders lie on one mount, and so on one volume. Costs less than telling
+    /// which that is.
+    virtual bool areOnOneMount(const FolderHandle& one, const FolderHandle& other) = 0;
+
     /// The most bytes that a name in the folder may have, as far as the volume tells: one that
     /// counts in other units may still refuse a shorter one (ENAMETOOLONG).
     virtual std::size_t longestName(const FolderHandle& folder) = 0;

@@ -1,7 +1,8 @@
 #include "uninstall/AppEntry.h"
-#include "platform/values/path_text.h"
 
 #include <nlohmann/json.hpp>
+
+#include "platform/values/path_text.h"
 
 namespace velto {
 

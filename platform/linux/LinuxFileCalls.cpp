@@ -9,23 +9,18 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstddef>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
 
 #include "platform/linux/mount_table.h"
 #include "platform/posix/FileCalls.h"
-#include "platform/posix/foreign_file.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
 namespace {
-
-constexpr std::size_t longestTable = 16 << 20;  // in bytes; a machine has tens of mounts
 
 /// Those that mount a further part of themselves when it is entered (linux/magic.h).
 constexpr std::array<unsigned, 5> mountingFileSystems{
@@ -96,9 +91,8 @@ bool FileCalls::mayHoldMount(int folder, const char* name) {
     const std::string place =
         std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(folder), error);
     if (error || !place.starts_with('/') || place.ends_with(" (deleted)")) return true;
-    const std::optional<std::string> table = readForeignFile("/proc/self/mountinfo", longestTable);
-    if (!table) return true;
-    return holdsMount(*table, (place == "/" ? "" : place) + "/" + name);
+    const auto mounts = systemMounts();
+    return !mounts || holdsMount(*mounts, (place == "/" ? "" : place) + "/" + name);
 }
 
 int FileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {

@@ -1,12 +1,15 @@
 #include "platform/linux/mount_table.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <string>
+
+#include "platform/linux/kernel_file.h"
+#include "platform/posix/foreign_file.h"
 
 namespace velto {
 namespace {
 
-constexpr int fieldsBefore = 4;  // number, parent, device, root
+constexpr std::size_t longestTable = 16 << 20;  // in bytes; a machine has tens of mounts
 
 bool isOctal(char digit) { return digit >= '0' && digit <= '7'; }
 
@@ -27,29 +30,42 @@ std::string unescaped(std::string_view field) {
     return text;
 }
 
-/// Empty when the line is none of the table.
-std::string mountPoint(std::string_view line) {
-    for (int field = 0; field < fieldsBefore; ++field) {
-        const std::size_t blank = line.find(' ');
-        if (blank == std::string_view::npos) return {};
-        line.remove_prefix(blank + 1);
+Mount mountIn(std::string_view line) {
+    Mount mount;
+    mount.number = unsignedNumber(nextWord(line));
+    nextWord(line);  // the mount above
+    mount.device = nextWord(line);
+    mount.root = nextWord(line);
+    mount.place = unescaped(nextWord(line));
+    // A hyphen by itself ends the fields whose number varies.
+    while (!line.empty() && nextWord(line) != "-") {
     }
-    return unescaped(line.substr(0, line.find(' ')));
+    mount.type = nextWord(line);
+    mount.source = nextWord(line);
+    return mount;
 }
 
 }  // namespace
 
-bool holdsMount(std::string_view table, std::string_view path) {
+std::optional<std::vector<Mount>> mountsIn(std::string_view table) {
+    std::vector<Mount> mounts;
     while (!table.empty()) {
-        const std::size_t end = table.find('\n');
-        const std::string place = mountPoint(table.substr(0, end));
-        if (!place.starts_with('/')) return true;
-        if (place.starts_with(path) && (place.size() == path.size() || place[path.size()] == '/')) {
-            return true;
-        }
-        table.remove_prefix(end == std::string_view::npos ? table.size() : end + 1);
+        mounts.push_back(mountIn(nextLine(table)));
+        if (!mounts.back().place.starts_with('/')) return std::nullopt;
     }
-    return false;
+    return mounts;
+}
+
+std::optional<std::vector<Mount>> systemMounts() {
+    const auto table = readForeignFile("/proc/self/mountinfo", longestTable);
+    return table ? mountsIn(*table) : std::nullopt;
+}
+
+bool holdsMount(const std::vector<Mount>& mounts, std::string_view path) {
+    return std::ranges::any_of(mounts, [&](const Mount& mount) {
+        return mount.place.starts_with(path) &&
+               (mount.place.size() == path.size() || mount.place[path.size()] == '/');
+    });
 }
 
 }  // namespace velto

@@ -3,51 +3,22 @@
 #include <sys/sysmacros.h>
 #include <sys/vfs.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <fmt/format.h>
 
 #include "platform/linux/kernel_file.h"
+#include "platform/linux/mount_table.h"
 #include "platform/posix/FileCalls.h"
-#include "platform/values/text.h"
 
 namespace velto {
 namespace {
-
-/// What proc(5) tells of one mount, as it spells it.
-struct Mount {
-    std::string device;  // "8:1"
-    std::string root;    // the part of the volume that is mounted
-    std::string type;
-    std::string source;
-};
-
-std::optional<Mount> mountWith(std::uint64_t number) {
-    const auto text = kernelText("/proc/self/mountinfo");
-    if (!text) return std::nullopt;
-    for (std::string_view rest = *text; !rest.empty();) {
-        std::string_view line = nextLine(rest);
-        const std::string_view id = nextWord(line);
-        if (id.empty() || unsignedNumber(id) != number) continue;
-        Mount mount;
-        nextWord(line);  // the mount above
-        mount.device = nextWord(line);
-        mount.root = nextWord(line);
-        // A hyphen by itself ends the fields whose number varies.
-        while (!line.empty() && nextWord(line) != "-") {
-        }
-        mount.type = nextWord(line);
-        mount.source = nextWord(line);
-        return mount;
-    }
-    return std::nullopt;
-}
 
 /// The device that the volume is stored on: of file systems with parts, which number each one as a
 /// device of its own, by its file.
@@ -90,16 +61,17 @@ std::string identifierOfFileSystem(int folder) {
 int FileCalls::volume(int folder, std::string& identity) {
     std::uint64_t number = 0;
     if (mount(folder, "", number) != 0) return -1;
-    const auto mounted = mountWith(number);
-    if (!mounted) {
+    const auto mounts = systemMounts().value_or(std::vector<Mount>());
+    const auto mounted = std::ranges::find(mounts, number, &Mount::number);
+    if (mounted == mounts.end()) {
         errno = ENOENT;
         return -1;
     }
     std::string identifier = storedIdentifier(storageOf(*mounted));
     if (identifier.empty()) identifier = identifierOfFileSystem(folder);
-    if (identifier.empty())
-        identifier = mounted->source;  // of a network volume, where it comes from
-    identity = validUtf8(fmt::format("{} {} {}", mounted->type, identifier, mounted->root));
+    // Of a network volume, where it comes from.
+    if (identifier.empty()) identifier = mounted->source;
+    identity = fmt::format("{} {} {}", mounted->type, identifier, mounted->root);
     return 0;
 }
 

@@ -38,6 +38,7 @@ public:
                                              const std::string& name) override;
     bool isOwnFolder(const FolderHandle& folder, const FolderHandle& other) override;
     std::string volumeOf(const FolderHandle& folder) override;
+    bool areOnOneMount(const FolderHandle& one, const FolderHandle& other) override;
     std::size_t longestName(const FolderHandle& folder) override;
     bool isAtOrBelow(const FolderHandle& folder, const FolderHandle& ancestor) override;
     std::optional<FileAttributes> attributes(const FolderHandle& folder,

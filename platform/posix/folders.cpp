@@ -89,6 +89,13 @@ std::string PosixFileManager::volumeOf(const FolderHandle& folder) {
     return calls_.volume(number(folder), identity) == 0 ? validUtf8(identity) : std::string();
 }
 
+bool PosixFileManager::areOnOneMount(const FolderHandle& one, const FolderHandle& other) {
+    std::uint64_t mount = 0;
+    std::uint64_t otherMount = 0;
+    return calls_.mount(number(one), "", mount) == 0 &&
+           calls_.mount(number(other), "", otherMount) == 0 && mount == otherMount;
+}
+
 std::size_t PosixFileManager::longestName(const FolderHandle& folder) {
     constexpr std::size_t usual = 255;  // what most file systems take
     const long longest = calls_.longestName(number(folder));

@@ -14,7 +14,7 @@ std::uint64_t mountOf(FileCalls& calls, int folder, const std::string& name, con
 }
 
 void failMounted(const char* attempt, const std::string& path, int code) {
-    throw FileError(attempt, path, code, "something else is mounted there");
+    throw SomethingMounted(attempt, path, code);
 }
 
 }  // namespace velto

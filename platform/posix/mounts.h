@@ -12,7 +12,7 @@ namespace velto {
 std::uint64_t mountOf(FileCalls& calls, int folder, const std::string& name, const char* attempt,
                       const std::string& path);
 
-/// Throws a FileError that says that something else is mounted at the path.
+/// Throws SomethingMounted.
 [[noreturn]] void failMounted(const char* attempt, const std::string& path, int code);
 
 /// Throws EXDEV when anything is mounted on a name of an open folder or inside it, before anybody

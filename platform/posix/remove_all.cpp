@@ -47,7 +47,10 @@ public:
     void run(const std::string& name) {
         // All of it or nothing: what is mounted inside would stop the removal half-way.
         const int parent = levels_.front().folder.number();
-        if (calls_.mayHoldMount(parent, name.c_str())) {
+        struct stat status;
+        const bool isFolder =
+            isThere(calls_, parent, name.c_str(), status) && S_ISDIR(status.st_mode);
+        if (!isFolder || calls_.mayHoldMount(parent, name.c_str())) {
             requireNoMounts(calls_, parent, name, parentFolder(path_));
         }
         removeEntry(name);

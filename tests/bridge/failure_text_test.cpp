@@ -51,6 +51,19 @@ void judge(const FailureText& text) {
     }
 }
 
+TEST(FailureText, AMountIsNoCopyToAnotherDiskAndNothingThatIsInUse) {
+    const std::string stored = layout.trashFolder + "/opAAAA/itA1B2C3D4-chroot/home";
+    for (const int code : {EXDEV, EBUSY}) {
+        const FailureText named = failureText(SomethingMounted("remove", stored, code), layout);
+        EXPECT_EQ(named.english,
+                  "Another disk or folder is mounted inside “chroot”. It was neither deleted nor "
+                  "moved.");
+        EXPECT_THAT(named.spanish, HasSubstr("montados dentro"));
+        judge(named);
+        judge(failureText(SomethingMounted("remove", layout.trashFolder, code), layout));
+    }
+}
+
 TEST(FailureText, EveryReasonOfTheSystemIsInBothLanguagesAndNamesNothingInternal) {
     const std::string places[] = {
         "/h/Foto uno.mov",

@@ -221,10 +221,10 @@ export interface AppAnalysis {
   count: number;
 }
 
-export const uninstallStages = ['stop', 'files', 'clean', 'done'] as const;
 /** What the program finishes before it ends. */
 export type Running = 'uninstall' | 'cleanup';
 
+export const uninstallStages = ['stop', 'files', 'clean', 'done'] as const;
 export type UninstallStage = (typeof uninstallStages)[number];
 export const failureReasons = ['admin', 'perm', 'busy', 'gone', 'protected', 'other'] as const;
 export type FailureReason = (typeof failureReasons)[number];

@@ -69,6 +69,7 @@ protected:
                 attempt();
                 ADD_FAILURE() << "removed";
             } catch (const FileError& error) {
+                EXPECT_NE(dynamic_cast<const SomethingMounted*>(&error), nullptr);
                 EXPECT_EQ(error.code(), code);
                 EXPECT_EQ(error.path(), place);
                 EXPECT_EQ(error.what(),
