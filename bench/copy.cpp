@@ -2,9 +2,9 @@
 // folders on different volumes. Prints one line a round, in milliseconds: moving one large file,
 // cp and cmp of it, moving a folder of small files, cp and diff of it. Both folders are emptied
 // before and after.
+#include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 
 #include "platform/posix/PosixFileManager.h"
+#include "rounds.h"
 #include "stopwatch.h"
 
 namespace {
@@ -93,23 +94,18 @@ private:
 
 }  // namespace
 
-int main(int count, char** arguments) try {
+int main(int count, char** arguments) {
     if (count != 4) {
         fmt::print(stderr, "usage: bench_copy FOLDER OTHER ROUNDS\n");
         return 2;
     }
-    for (int rounds = std::atoi(arguments[3]); rounds > 0; --rounds) {
+    return velto::printRounds(arguments[3], [&] {
         Bench bench(arguments[1], arguments[2]);
         bench.makeFile();
         const double fileTools = bench.copyAndCompare("cmp");
         const double fileMove = bench.move();
         bench.makeFolder();
         const double folderTools = bench.copyAndCompare("diff -r");
-        const double folderMove = bench.move();
-        fmt::print("{:.2f} {:.2f} {:.2f} {:.2f}\n", fileMove, fileTools, folderMove, folderTools);
-        std::fflush(stdout);
-    }
-} catch (const std::exception& error) {
-    fmt::print(stderr, "bench_copy: {}\n", error.what());
-    return 1;
+        return std::array{fileMove, fileTools, bench.move(), folderTools};
+    });
 }

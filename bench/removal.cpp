@@ -4,8 +4,6 @@
 // folder is emptied before and after.
 #include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -18,6 +16,7 @@
 #include "cleaning/VeltoTrashService.h"
 #include "platform/Clock.h"
 #include "platform/posix/PosixFileManager.h"
+#include "rounds.h"
 #include "stopwatch.h"
 
 namespace {
@@ -27,11 +26,6 @@ namespace fs = std::filesystem;
 constexpr int moved = 1'000;
 constexpr int folders = 250;
 constexpr int filesInFolder = 20;
-
-class SilentLog final : public velto::Log {
-public:
-    void line(std::string_view) override {}
-};
 
 void makeFile(const std::string& path) {
     std::FILE* const file = std::fopen(path.c_str(), "w");
@@ -122,26 +116,21 @@ private:
     velto::HomeLayout layout_ = velto::HomeLayout::macOS(folder_);
     velto::PosixFileManager files_;
     velto::SystemClock clock_;
-    SilentLog log_;
+    velto::SilentLog log_;
 };
 
 }  // namespace
 
-int main(int count, char** arguments) try {
+int main(int count, char** arguments) {
     if (count != 3) {
         fmt::print(stderr, "usage: bench_removal FOLDER ROUNDS\n");
         return 2;
     }
-    for (int rounds = std::atoi(arguments[2]); rounds > 0; --rounds) {
+    return velto::printRounds(arguments[2], [&] {
         Bench bench(arguments[1]);
         const double move = bench.moveToTrash();
         const double rename = bench.rename();
         const double deletion = bench.deleteForGood();
-        const double rm = bench.rm();
-        fmt::print("{:.2f} {:.2f} {:.2f} {:.2f}\n", move, rename, deletion, rm);
-        std::fflush(stdout);
-    }
-} catch (const std::exception& error) {
-    fmt::print(stderr, "bench_removal: {}\n", error.what());
-    return 1;
+        return std::array{move, rename, deletion, bench.rm()};
+    });
 }

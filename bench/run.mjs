@@ -171,26 +171,28 @@ function duplicates() {
   table(results, 'velto');
 }
 
-/** The medians of the four columns that `name` prints in the folder of its own, after one line. */
-function medians(name) {
-  const lines = output([program(`bench_${name}`), join(data, name), String(runs + 1)])
-    .trim().split('\n').slice(1);
-  return [0, 1, 2, 3].map((column) => median(lines.map((line) => Number(line.split(' ')[column]))));
+/** The medians of the columns that `name` prints for its folders, after one line. */
+function medians(name, ...folders) {
+  const lines = output([program(`bench_${name}`), ...folders, String(runs + 1)])
+    .trim().split('\n').slice(1).map((line) => line.split(' ').map(Number));
+  return lines[0].map((_, column) => median(lines.map((line) => line[column])));
 }
 
 const milliseconds = (time) => `${time.toFixed(1)} ms`;
 
 function trash() {
-  const [few, many, load, parse] = medians('trash');
+  const [few, many, emptyFew, emptyMany, load, parse] = medians('trash', join(data, 'trash'));
   console.log('\nThe trash, in one process');
   console.log(`undoing an operation: ${milliseconds(few)} with 1,000 files, ` +
     `${milliseconds(many)} with 10,000, ratio ${(many / few).toFixed(1)} (target: at most 12)`);
+  console.log(`emptying: ${milliseconds(emptyFew)} with 1,000 files, ${milliseconds(emptyMany)} ` +
+    `with 10,000, ratio ${(emptyMany / emptyFew).toFixed(1)} (target: at most 12)`);
   console.log(`loading 100,000 items: ${milliseconds(load)}, parsing them alone ` +
     `${milliseconds(parse)}, ratio ${(load / parse).toFixed(2)} (target: at most 1 s)`);
 }
 
 function removal() {
-  const [move, rename, deletion, rm] = medians('removal');
+  const [move, rename, deletion, rm] = medians('removal', join(data, 'removal'));
   console.log('\nRemoving, in one process');
   console.log(`1,000 files to the trash: ${milliseconds(move)}, renaming them alone ` +
     `${milliseconds(rename)}, ratio ${(move / rename).toFixed(2)}`);
@@ -209,10 +211,7 @@ function copy() {
   const folders = [join(data, 'copy'), join(other, `velto-bench-${process.pid}`)];
   console.log('\nA move to another volume, in one process');
   for (const [way, [from, to]] of [['to memory', folders], ['to the disk', folders.toReversed()]]) {
-    const lines = output([program('bench_copy'), from, to, String(runs + 1)])
-      .trim().split('\n').slice(1).map((line) => line.split(' ').map(Number));
-    const [file, cmp, folder, diff] = [0, 1, 2, 3].map((column) =>
-      median(lines.map((line) => line[column])));
+    const [file, cmp, folder, diff] = medians('copy', from, to);
     console.log(`${way}: 256 MiB ${file.toFixed(0)} ms, cp and cmp ${cmp.toFixed(0)} ms, ` +
       `ratio ${(file / cmp).toFixed(2)}; 2,000 files of 16 KiB ${folder.toFixed(0)} ms, ` +
       `cp and diff ${diff.toFixed(0)} ms, ratio ${(folder / diff).toFixed(2)} (target: at most 2.20)`);

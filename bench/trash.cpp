@@ -1,9 +1,9 @@
 // The trash: `bench_trash FOLDER ROUNDS`. Prints one line a round, in milliseconds: undoing an
-// operation of 1,000 files, undoing one of 10,000, loading a trash of 100,000 items, and parsing
-// that trash's manifest into a JSON value and no further. The folder is emptied before and after.
+// operation of 1,000 files, undoing one of 10,000, emptying the trash of as many files, loading a
+// trash of 100,000 items, and parsing that trash's manifest into a JSON value and no further. The
+// folder is emptied before and after.
+#include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -14,16 +14,12 @@
 #include "cleaning/VeltoTrashService.h"
 #include "platform/Clock.h"
 #include "platform/posix/PosixFileManager.h"
+#include "rounds.h"
 #include "stopwatch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-class SilentLog final : public velto::Log {
-public:
-    void line(std::string_view) override {}
-};
 
 class Bench {
 public:
@@ -34,18 +30,21 @@ public:
 
     /// Undoing takes a service that has read the trash, as the window's has.
     double undo(int count) {
-        fs::create_directories(folder_ + "/Downloads");
-        std::vector<std::string> paths;
-        for (int number = 0; number < count; ++number) {
-            paths.push_back(fmt::format("{}/Downloads/file {}.txt", folder_, number));
-            std::fclose(std::fopen(paths.back().c_str(), "w"));
-        }
+        const std::vector<std::string> paths = makeFiles(count);
         Trash trash(layout_);
         const velto::Operation operation = trash.service.moveToTrash(paths, "wind");
         const double time = velto::milliseconds([&] { trash.service.undoOperation(operation.id); });
         for (const std::string& path : paths) {
             if (!fs::remove(path)) throw std::runtime_error("not undone: " + path);
         }
+        return time;
+    }
+
+    double empty(int count) {
+        Trash trash(layout_);
+        trash.service.moveToTrash(makeFiles(count), "wind");
+        const double time = velto::milliseconds([&] { trash.service.emptyTrash(); });
+        if (!trash.service.items().empty()) throw std::runtime_error("not emptied");
         return time;
     }
 
@@ -96,9 +95,19 @@ private:
 
         velto::PosixFileManager files;
         velto::SystemClock clock;
-        SilentLog log;
+        velto::SilentLog log;
         velto::VeltoTrashService service;
     };
+
+    std::vector<std::string> makeFiles(int count) const {
+        fs::create_directories(folder_ + "/Downloads");
+        std::vector<std::string> paths;
+        for (int number = 0; number < count; ++number) {
+            paths.push_back(fmt::format("{}/Downloads/file {}.txt", folder_, number));
+            std::fclose(std::fopen(paths.back().c_str(), "w"));
+        }
+        return paths;
+    }
 
     std::string manifestPath() const { return layout_.trashFolder + "/manifest.json"; }
 
@@ -109,7 +118,7 @@ private:
 
 }  // namespace
 
-int main(int count, char** arguments) try {
+int main(int count, char** arguments) {
     if (count != 3) {
         fmt::print(stderr, "usage: bench_trash FOLDER ROUNDS\n");
         return 2;
@@ -117,17 +126,14 @@ int main(int count, char** arguments) try {
     constexpr int few = 1'000;
     constexpr int many = 10'000;
     constexpr int all = 100'000;
-    for (int rounds = std::atoi(arguments[2]); rounds > 0; --rounds) {
+    return velto::printRounds(arguments[2], [&] {
         Bench bench(arguments[1]);
         const double undoFew = bench.undo(few);
         const double undoMany = bench.undo(many);
+        const double emptyFew = bench.empty(few);
+        const double emptyMany = bench.empty(many);
         bench.makeManifest(all);
         const double load = bench.load(all);
-        const double parse = bench.parse();
-        fmt::print("{:.2f} {:.2f} {:.2f} {:.2f}\n", undoFew, undoMany, load, parse);
-        std::fflush(stdout);
-    }
-} catch (const std::exception& error) {
-    fmt::print(stderr, "bench_trash: {}\n", error.what());
-    return 1;
+        return std::array{undoFew, undoMany, emptyFew, emptyMany, load, bench.parse()};
+    });
 }

@@ -79,6 +79,20 @@ std::string mountPassing(const std::string& folder, const std::string& scratch,
 
 void PrintTo(const VolumeKind& kind, std::ostream* stream) { *stream << kind.name; }
 
+namespace {
+
+VolumeKind likeFat(const char* name) {
+    return {.name = name,
+            .keepsLinks = false,
+            .keepsModes = false,
+            .keepsAttributes = false,
+            .keepsHoles = false,
+            .keepsAnyName = false,
+            .tellsCaseApart = false};
+}
+
+}  // namespace
+
 const std::vector<VolumeKind>& volumeKinds() {
     static const std::vector<VolumeKind> kinds{
         {.name = "tmpfs"},
@@ -87,24 +101,12 @@ const std::vector<VolumeKind>& volumeKinds() {
         {.name = "btrfs"},
         {.name = "overlay"},
         {.name = "bound"},
-        {.name = "vfat",
-         .keepsLinks = false,
-         .keepsModes = false,
-         .keepsAttributes = false,
-         .keepsHoles = false,
-         .keepsAnyName = false,
-         .tellsCaseApart = false},
+        likeFat("vfat"),
         {.name = "ext4_casefold", .tellsCaseApart = false},
         {.name = "fuse", .keepsHoles = false},
         {.name = "fuse_plain_rename", .keepsHoles = false},
         {.name = "fuse_ignoring_case", .keepsHoles = false, .tellsCaseApart = false},
-        {.name = "fuse_like_fat",
-         .keepsLinks = false,
-         .keepsModes = false,
-         .keepsAttributes = false,
-         .keepsHoles = false,
-         .keepsAnyName = false,
-         .tellsCaseApart = false},
+        likeFat("fuse_like_fat"),
     };
     return kinds;
 }
