@@ -1,0 +1,11 @@
+#pragma once
+
+#include "app/window/linux/gtk.h"
+
+namespace velto::window {
+
+/// Takes the developer entries out of a menu and its submenus, and the separators that would then
+/// stand at an end or beside another one.
+void removeDeveloperItems(WebKitContextMenu* menu);
+
+}  // namespace velto::window
