@@ -38,7 +38,8 @@ endif()
 # What the tests of the real program need besides it.
 velto_system_package(GIO gio-unix-2.0)
 add_executable(notification_service
-    e2e/support/notification_service.cpp platform/linux/NotificationService.cpp)
+    e2e/support/notification_service.cpp platform/linux/NotificationService.cpp
+    platform/linux/ServiceOnBus.cpp)
 target_link_libraries(notification_service
     PRIVATE PkgConfig::GIO nlohmann_json::nlohmann_json velto_options)
 # Processes that the live view has to show.

@@ -1,16 +1,13 @@
 #pragma once
 
-#include <gio/gio.h>
-
-#include <atomic>
 #include <functional>
 #include <string>
-#include <thread>
+
+#include "ServiceOnBus.h"
 
 namespace velto {
 
-/// The desktop's notification service on a session bus, on a thread and a connection of its own.
-/// Its numbers begin with 42.
+/// The desktop's notification service on a session bus. Its numbers begin with 42.
 class NotificationService {
 public:
     struct Notification {
@@ -24,20 +21,13 @@ public:
 
     /// Returns when it is reachable. The handlers are called on the service's thread.
     NotificationService(const char* busAddress, Handlers handlers);
-    ~NotificationService();
-    NotificationService(const NotificationService&) = delete;
-    NotificationService& operator=(const NotificationService&) = delete;
 
 private:
-    void serve(const char* busAddress);
     void answer(const std::string& method, GVariant* arguments, GDBusMethodInvocation* invocation);
 
     Handlers handlers_;
-    GMainContext* context_;
-    GMainLoop* loop_;
     std::uint32_t number_ = 41;
-    std::atomic<bool> isReady_ = false;
-    std::thread thread_;
+    ServiceOnBus service_;  // last: it calls the above
 };
 
 }  // namespace velto
