@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/AppsWork.h"
+#include "bridge/PackageIntents.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
@@ -40,7 +41,13 @@ JSBridge::JSBridge(const BridgeContext& context)
                                                                          .settings = settings_,
                                                                          .language = language_,
                                                                          .shell = shell_,
-                                                                         .lists = lists_})) {
+                                                                         .lists = lists_})),
+      packageIntents_(
+          std::make_shared<PackageIntents>(PackageIntents::Context{.link = *this,
+                                                                   .platform = platform_,
+                                                                   .language = language_,
+                                                                   .uninstalls = uninstalls_,
+                                                                   .work = apps_})) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {

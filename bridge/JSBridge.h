@@ -45,6 +45,7 @@ struct BridgeContext {
 
 struct AppsWork;
 struct UninstallRecord;
+class PackageIntents;
 class TrashIntents;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
@@ -107,7 +108,7 @@ private:
     friend struct IntentTable;
 
     // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp,
-    // cleaning_intents.cpp); those of the trash are in TrashIntents.
+    // cleaning_intents.cpp); the others have classes of their own.
     void onSettings(const Payload& payload);
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
@@ -209,6 +210,7 @@ private:
     bool isWaitingForTrash_ = false;               // the page has loaded first
     int resetsAhead_ = 0;                          // asked for and not done yet
     std::shared_ptr<TrashIntents> trashIntents_;
+    std::shared_ptr<PackageIntents> packageIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -20,6 +20,38 @@ std::string inQuotes(std::string_view text) {
     return result + '"';
 }
 
+const char* nameOf(PackageKeeper keeper) {
+    switch (keeper) {
+        case PackageKeeper::flatpak:
+            return "flatpak";
+        case PackageKeeper::snap:
+            return "snap";
+        case PackageKeeper::distribution:
+            break;
+    }
+    return "distribution";
+}
+
+const char* nameOf(PackageError::Reason reason) {
+    switch (reason) {
+        case PackageError::Reason::unavailable:
+            return "unavailable";
+        case PackageError::Reason::refused:
+            return "refused";
+        case PackageError::Reason::missing:
+            return "missing";
+        case PackageError::Reason::busy:
+            return "busy";
+        case PackageError::Reason::changed:
+            return "changed";
+        case PackageError::Reason::kept:
+            return "kept";
+        case PackageError::Reason::failed:
+            break;
+    }
+    return "failed";
+}
+
 }  // namespace
 
 std::string apps(const nlohmann::json& list) { return call("onApps", literal(list)); }
@@ -39,6 +71,27 @@ std::string uninstallProgress(std::string_view stage, double percent,
     std::string arguments = inQuotes(stage) + ", " + tenths(percent);
     if (detail) arguments += ", " + inQuotes(*detail);
     return call("onUninstallProgress", arguments);
+}
+
+std::string appPackage(const std::string& application, const std::optional<PackagePlan>& plan) {
+    nlohmann::json record;
+    if (plan) {
+        record = {{"keeper", nameOf(plan->keeper)},
+                  {"name", plan->name},
+                  {"others", plan->others},
+                  {"kept", plan->kept},
+                  {"command", plan->command}};
+    }
+    return call("onAppPackage", literal(pathText(application)) + ", " + literal(record));
+}
+
+std::string packageRemoval(const std::string& application,
+                           const std::optional<PackageError::Reason>& failure,
+                           const std::string& detail) {
+    const nlohmann::json record{{"done", !failure},
+                                {"reason", failure ? nameOf(*failure) : ""},
+                                {"detail", singleLine(detail)}};
+    return call("onPackageRemoval", literal(pathText(application)) + ", " + literal(record));
 }
 
 std::string uninstallResult(const nlohmann::json& result) {

@@ -6,6 +6,8 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include "uninstall/PackageRemoval.h"
+
 /// The scripts of the uninstaller's events. Pure, like those of events.h.
 namespace velto::events {
 
@@ -25,6 +27,16 @@ std::string leftoverLinks(const std::string& application, const nlohmann::json& 
 /// and quotes are escaped, and what would break the line becomes a space.
 std::string uninstallProgress(std::string_view stage, double percent,
                               const std::optional<std::string>& detail);
+
+/// How an application goes that the system has installed: a record of `keeper` ("distribution",
+/// "flatpak", "snap"), `name`, `others`, `kept` and `command`; null for one that is no package.
+std::string appPackage(const std::string& application, const std::optional<PackagePlan>& plan);
+
+/// The end of a package's removal: a record of `done`, `reason` ("" when done; else "unavailable",
+/// "refused", "missing", "busy", "changed", "kept" or "failed") and `detail`, the system's words.
+std::string packageRemoval(const std::string& application,
+                           const std::optional<PackageError::Reason>& failure,
+                           const std::string& detail);
 
 std::string uninstallResult(const nlohmann::json& result);
 

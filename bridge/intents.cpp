@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/JSBridge.h"
+#include "bridge/PackageIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 
@@ -26,7 +27,12 @@ struct IntentTable {
         (*bridge.trashIntents_.*intent)(payload);
     }
 
-    static constexpr std::array<Row, 31> rows{{
+    template <auto intent>
+    static void packages(JSBridge& bridge, const Payload& payload) {
+        (*bridge.packageIntents_.*intent)(payload);
+    }
+
+    static constexpr std::array<Row, 33> rows{{
         {"webReady", nullptr},
         {"settings", own<&JSBridge::onSettings>},
         {"setTheme", own<&JSBridge::onSetTheme>},
@@ -58,6 +64,8 @@ struct IntentTable {
         {"maintenanceStatus", own<&JSBridge::onMaintenanceStatus>},
         {"measureMaintenance", own<&JSBridge::onMeasureMaintenance>},
         {"restoreItemTo", trash<&TrashIntents::onRestoreItemTo>},
+        {"appPackage", packages<&PackageIntents::onAppPackage>},
+        {"removePackage", packages<&PackageIntents::onRemovePackage>},
     }};
 };
 

@@ -25,6 +25,8 @@ public:
         refused,      // the user said no, or may not
         missing,      // there is no such package
         busy,         // another one installs or removes something
+        changed,      // more would go than the user has seen
+        kept,         // something would go that must stay
         failed        // what() tells, in the keeper's own words
     };
 

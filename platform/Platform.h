@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "platform/ApplicationActivity.h"
 #include "platform/Clock.h"
@@ -17,6 +18,7 @@
 #include "platform/Locale.h"
 #include "platform/Log.h"
 #include "platform/Notifications.h"
+#include "platform/PackageService.h"
 #include "platform/ProcessTable.h"
 #include "platform/RunningApplications.h"
 #include "platform/SerialQueue.h"
@@ -47,6 +49,8 @@ struct Platform {
     std::unique_ptr<Workspace> workspace;
     std::unique_ptr<Notifications> notifications;
     std::unique_ptr<Icons> icons;
+    std::vector<std::unique_ptr<PackageService>>
+        packages;  // in the order to be asked; none on a Mac
     std::unique_ptr<RunningApplications> running;
     std::unique_ptr<SystemCounters> counters;
     std::unique_ptr<ProcessTable> processes;

@@ -20,6 +20,9 @@
 #include "platform/linux/LinuxVolumeInfo.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/installed_applications.h"
+#include "platform/linux/packages/PackageKit.h"
+#include "platform/linux/packages/Snapd.h"
+#include "platform/linux/packages/SystemFlatpaks.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
 #include "platform/values/text.h"
@@ -153,6 +156,10 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
                                            platform->settingsFolder + "/settings.json");
     platform->locale = std::make_unique<LinuxLocale>(environment);
     platform->tools = std::make_unique<PosixToolRunner>();
+    platform->packages.push_back(
+        std::make_unique<SystemFlatpaks>(*platform->files, *platform->tools));
+    platform->packages.push_back(std::make_unique<Snapd>());
+    platform->packages.push_back(std::make_unique<PackageKit>());
     platform->workspace = std::make_unique<LinuxWorkspace>(*platform->log);
     platform->notifications = std::make_unique<LinuxNotifications>(
         *platform->files, *platform->log, platform->layout.dataFolder + "/notification.json");

@@ -203,6 +203,37 @@ public:
     std::vector<std::vector<std::string>> commands;
 };
 
+/// Owns one entry.
+class FakePackageService final : public PackageService {
+public:
+    PackageKeeper keeper() const override { return kind; }
+    std::optional<Package> owner(const std::string& desktopEntry) override {
+        fail();
+        return desktopEntry == entry ? std::optional(package) : std::nullopt;
+    }
+    std::vector<Package> removedWith(const Package&) override {
+        fail();
+        return others;
+    }
+    void remove(const Package& gone, bool withOthers) override {
+        removed.push_back(gone.identifier + (withOthers ? " and others" : ""));
+        if (refusal) throw PackageError(*refusal, "in its own words");
+    }
+
+    PackageKeeper kind = PackageKeeper::distribution;
+    std::string entry = "/usr/share/applications/org.example.Maps.desktop";
+    Package package{"example-maps", "example-maps;1.0;amd64;installed"};
+    std::vector<Package> others;
+    std::optional<PackageError::Reason> failure;  // of looking
+    std::optional<PackageError::Reason> refusal;  // of removing
+    std::vector<std::string> removed;
+
+private:
+    void fail() const {
+        if (failure) throw PackageError(*failure, "in its own words");
+    }
+};
+
 class FakeWorkspace final : public Workspace {
 public:
     void openURL(const std::string& url) override { openedURLs.push_back(url); }

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "bridge/AppsWork.h"
+#include "bridge/BridgeLink.h"
+#include "bridge/UninstallGate.h"
+#include "bridge/payload.h"
+#include "platform/Platform.h"
+#include "settings/AppLanguage.h"
+
+namespace velto {
+
+/// The intents for applications that the system has installed and removes. Main thread. Make it
+/// with std::make_shared.
+class PackageIntents : public std::enable_shared_from_this<PackageIntents> {
+public:
+    /// Everything but `work` outlives the object, which belongs to the bridge behind `link`.
+    struct Context {
+        BridgeLink& link;
+        const Platform& platform;
+        const AppLanguage& language;
+        UninstallGate& uninstalls;
+        std::shared_ptr<AppsWork> work;
+    };
+
+    explicit PackageIntents(Context context) : context_(std::move(context)) {}
+
+    void onAppPackage(const Payload& payload);
+    void onRemovePackage(const Payload& payload);
+
+private:
+    Context context_;
+};
+
+}  // namespace velto

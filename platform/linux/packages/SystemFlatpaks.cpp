@@ -1,0 +1,47 @@
+#include "platform/linux/packages/SystemFlatpaks.h"
+
+#include "platform/DesktopEntry.h"
+#include "platform/values/text.h"
+
+namespace velto {
+namespace {
+
+using Reason = PackageError::Reason;
+
+constexpr const char* flatpak = "/usr/bin/flatpak";
+
+}  // namespace
+
+bool SystemFlatpaks::isInstalled(const std::string& identifier) const {
+    const bool isName = !identifier.empty() && identifier.front() != '-' &&
+                        identifier.front() != '.' && identifier.find('/') == std::string::npos;
+    return isName && files_.exists(installation_ + "/app/" + identifier);
+}
+
+std::optional<Package> SystemFlatpaks::owner(const std::string& desktopEntry) {
+    if (parentFolder(desktopEntry) != installation_ + "/exports/share/applications") {
+        return std::nullopt;
+    }
+    const auto entry = readDesktopEntry(desktopEntry);
+    if (!entry || !isInstalled(entry->flatpak)) return std::nullopt;
+    return Package{entry->flatpak, entry->flatpak};
+}
+
+std::vector<Package> SystemFlatpaks::removedWith(const Package&) {
+    return {};  // an application is needed by none; runtimes stay until they are asked for
+}
+
+void SystemFlatpaks::remove(const Package& package, bool) {
+    if (!isInstalled(package.identifier)) {
+        throw PackageError(Reason::missing, "not installed: " + package.identifier);
+    }
+    const ToolResult ended = tools_.run(flatpak, {"uninstall", "--system", "--noninteractive",
+                                                  "--assumeyes", "--", package.identifier});
+    if (!ended.started) throw PackageError(Reason::unavailable, ended.startError);
+    if (ended.exitStatus == 0) return;
+    // The tool's words for what polkit has not allowed.
+    const bool isRefused = ended.standardError.find("not allowed") != std::string::npos;
+    throw PackageError(isRefused ? Reason::refused : Reason::failed, ended.standardError);
+}
+
+}  // namespace velto
