@@ -153,6 +153,21 @@ bool TrashFolder::isUnderWay(const TrashItem& item, const FolderHandle* operatio
     return holdsScratch(item, *operation) && !attributes(operation, item);
 }
 
+bool TrashFolder::isScratchWhole(const TrashItem& item, const FolderHandle& operation,
+                                 bool isOnWayOut) const {
+    auto scratch = mover_.attributes(operation, backScratchOf(item));
+    if (!scratch && isOnWayOut) scratch = mover_.attributes(operation, scratchNameOf(item));
+    return scratch && scratch->kind != FileKind::folder;
+}
+
+void TrashFolder::putOriginalBack(const TrashItem& item, const HeldPlace& origin) {
+    const auto beside = openPlaceOfTrash();
+    if (!beside) throw FileError("open", path_, ENOENT);
+    // A move to a target that nothing has reached is taken back.
+    const std::string scratch = scratchNameOf(item);
+    mover_.settleMove(*origin.folder, origin.name, *beside, scratch + "-nowhere", scratch);
+}
+
 std::unique_ptr<FolderHandle> TrashFolder::openPlaceOfTrash() const {
     auto root = openRoot();
     return root ? std::move(root) : openFolderAbove(mover_, path_);

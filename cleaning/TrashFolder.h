@@ -73,6 +73,16 @@ public:
     /// settled.
     bool isUnderWay(const TrashItem& item, const FolderHandle* operation) const;
 
+    /// True when that is known to be all of the item: a file that was whole in the trash until it
+    /// was put aside there. Anything else may be a piece: a copy that was still being made, or a
+    /// folder that was being removed. `isOnWayOut`: the cut-off move led out of the trash.
+    bool isScratchWhole(const TrashItem& item, const FolderHandle& operation,
+                        bool isOnWayOut) const;
+
+    /// Gives an original that a move of the item into the trash has put aside its name again. Where
+    /// something else bears that by now, both stay.
+    void putOriginalBack(const TrashItem& item, const HeldPlace& origin);
+
     /// The trash, or the folder that it will be made in; null when there is neither.
     std::unique_ptr<FolderHandle> openPlaceOfTrash() const;
 

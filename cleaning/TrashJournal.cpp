@@ -21,13 +21,15 @@ struct KindName {
     Kind kind;
     std::string_view name;
 };
-constexpr std::array<KindName, 6> kindNames{{
+constexpr std::array<KindName, 8> kindNames{{
     {Kind::move, "move"},
     {Kind::restore, "restore"},
     {Kind::remove, "remove"},
     {Kind::purge, "purge"},
     {Kind::empty, "empty"},
     {Kind::rest, "rest"},
+    {Kind::keep, "keep"},
+    {Kind::putBack, "putBack"},
 }};
 
 nlohmann::ordered_json toJson(const JournalEntry& entry) {

@@ -23,6 +23,8 @@ struct JournalEntry {
         purge,    // `itemIDs`: for good; an item that resists is forgotten all the same
         empty,    // `itemIDs`, which is all that is listed: for good
         rest,     // `operation`: its item is in the trash; its original is still to be cleared
+        keep,     // `operation`: what the trash has of its item, given up, is listed as this item
+        putBack,  // `operation`: the move of its item was given up; its original belongs in place
     };
 
     Kind kind = Kind::move;
@@ -45,7 +47,7 @@ struct JournalEntry {
 
 /// The file "Trash.journal" beside the trash folder: one entry, or nothing. Beside it, in
 /// "Trash.waiting", what was cut off and cannot be settled before a volume or a folder is back:
-/// entries of one item each. Used under the trash's lock.
+/// entries of one item each (`move`, `restore`, `rest`, `putBack`). Used under the trash's lock.
 class TrashJournal {
 public:
     TrashJournal(FileManager& files, const HomeLayout& layout)

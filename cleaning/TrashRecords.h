@@ -27,6 +27,25 @@ struct TrashItem {
     bool operator==(const TrashItem&) const = default;
 };
 
+/// An item that waits because a move of it to or from another volume was cut off. It is finished,
+/// or taken back, once the folder of its other side can be used.
+struct WaitingItem {
+    enum class Way { in, out };  // of the trash
+    enum class Reason {
+        absent,     // the disk of that folder is not connected, or another one is
+        refused,    // the folder cannot be reached as it is: no permission, a link, a fault
+        unsettled,  // it is there, and what stands there does not let the move be finished
+    };
+
+    TrashItem item;  // what went into the trash, or was taken out of it
+    Way way = Way::in;
+    std::string folder;  // absolute path
+    Reason reason = Reason::absent;
+    bool isWhole = false;  // what stands in the trash is known to be all of it
+
+    bool operator==(const WaitingItem&) const = default;
+};
+
 /// One user action that moved items into the trash.
 struct Operation {
     std::string id;                // "op" and a whole UUID

@@ -63,20 +63,11 @@ bool TrashRecovery::recover(const JournalEntry& entry, Waiting& waiting) {
         case Kind::purge:
         case Kind::empty:
             return recoverRemoval(entry);
+        case Kind::keep:
+            return keep(entry);
         case Kind::rest:
-            return false;  // only waits
-    }
-    return false;
-}
-
-bool TrashRecovery::recoverWaiting(const JournalEntry& entry, Waiting& waiting) {
-    extraRoots_.clear();
-    try {
-        if (entry.kind == Kind::move) return recoverWaitingMove(entry, waiting);
-        if (entry.kind == Kind::restore) return recoverRestore(entry, waiting);
-        if (entry.kind == Kind::rest) return recoverRest(entry, waiting);
-    } catch (const FileError&) {
-        waiting.push_back(entry);
+        case Kind::putBack:
+            return false;  // only wait
     }
     return false;
 }
@@ -103,43 +94,6 @@ bool TrashRecovery::recoverMove(const JournalEntry& entry, Waiting& waiting) {
     if (present == 0) return false;
     record(std::move(open.operation));
     return true;
-}
-
-/// It was not known where the item is. When it turns out to be in the trash it stays there, for the
-/// user to put back.
-bool TrashRecovery::recoverWaitingMove(const JournalEntry& entry, Waiting& waiting) {
-    if (entry.operation.items.empty() || isListed(entry.operation.items.front())) return false;
-    if (!isConsistent(entry.operation)) return false;
-    const auto folder = folder_.openOperation(entry.operation.id);
-    if (!folder) return false;
-    Operation present = presentOf(entry, *folder, waiting);
-    folder_.removeOperationIfEmpty(entry.operation.id);
-    if (present.items.empty()) return false;
-    record(std::move(present));
-    return true;
-}
-
-/// An item that came from another volume has its original still there, put aside. It goes once it
-/// can be compared with the item; when that has left the trash meanwhile, nobody can.
-bool TrashRecovery::recoverRest(const JournalEntry& entry, Waiting& waiting) {
-    if (entry.operation.items.empty()) return false;
-    const TrashItem& named = entry.operation.items.front();
-    const auto item = std::ranges::find(lists_.items, named.id, &TrashItem::id);
-    if (item == lists_.items.end() || !isScratchName(scratchName(named.id))) return false;
-    const auto folder = folder_.openOperation(item->opID);
-    if (!folder || !folder_.attributes(folder.get(), *item)) return false;
-    const auto origin = originOf(*item);
-    const std::string volume = volumeIn(entry, named);
-    if (!origin || volume.empty()) return false;
-    const Side side = reach(*origin, volume);
-    if (side.reach == Side::Reach::gone) return false;
-    if (side.reach == Side::Reach::hidden || folder_.holdsScratch(*item, *folder)) {
-        waiting.push_back(entry);
-    } else {
-        settleBack(*item, *folder, *side.place);
-        folder_.settleIn(*side.place, *folder, *item);
-    }
-    return false;
 }
 
 bool TrashRecovery::isListed(const TrashItem& item) const {
@@ -230,12 +184,12 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry, Waiting& waiting) 
     std::vector<std::string> restored;
     for (const TrashItem& item : items) {
         const bool isStepped = folder && entry.steps && entry.steps->itemID == item.id;
-        const bool isSettled = !isStepped || settleSteps(item, *folder, *entry.steps);
+        const bool isSettled = !isStepped || settleSteps(item, *folder, entry);
         const bool isThere = folder_.attributes(folder.get(), item).has_value();
         const bool isUnderWay = folder_.isUnderWay(item, folder.get());
         if (!isSettled && (isThere || isUnderWay)) {
             waiting.push_back({.kind = Kind::restore,
-                               .operation = {},
+                               .operation = entry.operation,
                                .itemIDs = {item.id},
                                .steps = entry.steps,
                                .volumes = {}});
@@ -250,9 +204,10 @@ bool TrashRecovery::recoverRestore(const JournalEntry& entry, Waiting& waiting) 
 
 /// False when the place that the item went to is out of reach.
 bool TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& operation,
-                                const JournalEntry::Steps& steps) {
+                                const JournalEntry& entry) {
+    const JournalEntry::Steps& steps = *entry.steps;
     try {
-        if (!isStepsTarget(item, steps.target)) return true;
+        if (!isStepsTarget(nameBefore(item, entry), item.id, steps.target)) return true;
         const Side side = reach(steps.target, steps.volume);
         // Gone for good: what was put aside is the item again.
         if (side.reach == Side::Reach::gone) folder_.adoptScratch(item, operation);
@@ -270,10 +225,10 @@ bool TrashRecovery::settleSteps(const TrashItem& item, const FolderHandle& opera
 
 /// Its own name, or the one beside a taken place, where something may come back to: the place that
 /// it came from, or one that the user has chosen.
-bool TrashRecovery::isStepsTarget(const TrashItem& item, const std::string& target) const {
+bool TrashRecovery::isStepsTarget(const std::string& name, const std::string& itemID,
+                                  const std::string& target) const {
     guard_.judgeReturn(target);
-    return isScratchName(scratchName(item.id)) &&
-           isRestoredName(lastPathComponent(target), item.name);
+    return isScratchName(scratchName(itemID)) && isRestoredName(lastPathComponent(target), name);
 }
 
 /// Only what the lists hold, each by its id: an entry that names nothing means nothing. What was

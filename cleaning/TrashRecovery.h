@@ -42,6 +42,14 @@ public:
     /// to `waiting` again. Never throws.
     bool recoverWaiting(const JournalEntry& entry, Waiting& waiting);
 
+    /// What is told of an item that waits because of the entry.
+    WaitingItem describe(const JournalEntry& entry, const TrashItem& item) const;
+
+    /// The entry, for `recover`, that makes what the trash has of an item that waits an item as any
+    /// other: under its own name when it is known to be whole, else under one that says so.
+    /// `now` is when it counts as moved in.
+    JournalEntry planToKeep(const JournalEntry& entry, const TrashItem& item, double now) const;
+
     /// Brings back what a move has brought in, a folder before what was taken out of it, else in
     /// the order in which it was moved. Whatever cannot go back is recorded as an operation, so
     /// that it is in the trash for all to see. True when the lists have changed. `extraRoots` as
@@ -67,6 +75,8 @@ private:
     bool recoverRemoval(const JournalEntry& entry);
     bool recoverWaitingMove(const JournalEntry& entry, Waiting& waiting);
     bool recoverRest(const JournalEntry& entry, Waiting& waiting);
+    bool recoverPutBack(const JournalEntry& entry, Waiting& waiting);
+    bool keep(const JournalEntry& entry);
 
     /// The volume that an item came from; empty when it is not known.
     static std::string volumeIn(const JournalEntry& entry, const TrashItem& item);
@@ -85,8 +95,12 @@ private:
     bool moveBack(const TrashItem& item, const FolderHandle& operation, const std::string& volume,
                   Waiting& waiting);
     bool settleSteps(const TrashItem& item, const FolderHandle& operation,
-                     const JournalEntry::Steps& steps);
-    bool isStepsTarget(const TrashItem& item, const std::string& target) const;
+                     const JournalEntry& entry);
+    bool isStepsTarget(const std::string& name, const std::string& itemID,
+                       const std::string& target) const;
+    static std::string nameBefore(const TrashItem& item, const JournalEntry& entry);
+    static bool isItOrUnfinished(const TrashItem& kept, const TrashItem& listed);
+    WaitingItem::Reason whyItWaits(const std::string& path, const std::string& volume) const;
     void record(Operation operation);
     std::vector<TrashItem> itemsOf(const JournalEntry& entry) const;
 

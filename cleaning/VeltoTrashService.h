@@ -97,7 +97,13 @@ public:
     /// What waits for a volume or a folder that is out of reach, because a move of it was cut off.
     /// Where it is shows when that is back; until then no function touches it, and those that are
     /// asked for it throw ItemWaits. Only what was on its way out is among `items` too.
-    std::vector<TrashItem> waitingItems();
+    std::vector<WaitingItem> waitingItems();
+
+    /// Ends the waiting of an item: what the trash has of it is an item as any other from now on,
+    /// under its own name when it is known to be whole, else under one that tells it from that.
+    /// Nothing is deleted; an original that was put aside goes back to its place once that can be
+    /// reached. False when the item does not wait any more.
+    bool giveUpWaiting(std::string itemID);
 
     /// Throws unless the path may enter the trash.
     void validate(const std::string& path, const std::vector<std::string>& extraRoots = {});
@@ -121,7 +127,13 @@ private:
     Change beginStrictly();  // throws when an earlier change is not settled
     void settleEarlierChange(Change& change);
     void keepWaiting(std::vector<JournalEntry> waiting);
-    void stopWaiting(const std::string& itemID);
+    void stopWaiting(const JournalEntry::Steps& steps);
+    /// An item that waits, and why.
+    struct Waiter {
+        JournalEntry entry;
+        TrashItem item;
+    };
+    std::vector<Waiter> waiters() const;
     void requireSettled(const TrashItem& item, const FolderHandle* operation) const;
     std::vector<TrashItem> itemsUnderWay() const;
     std::optional<FileError> saveLists();

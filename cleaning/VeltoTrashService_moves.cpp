@@ -273,7 +273,7 @@ void VeltoTrashService::moveOut(const TrashItem& item, const FolderHandle& opera
             if (entry.steps) mover_.sync(operation);
             entry.steps = {
                 .itemID = item.id, .target = targetPath, .volume = mover_.volumeOf(*target.folder)};
-            stopWaiting(item.id);
+            stopWaiting(*entry.steps);
             reserve_.sparing([&] { journal_.write(entry); });
             inSteps = true;
         };

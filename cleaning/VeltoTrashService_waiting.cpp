@@ -10,8 +10,25 @@
 namespace velto {
 
 namespace {
+
 using Kind = JournalEntry::Kind;
+
+bool isAbout(const JournalEntry& entry, const std::string& itemID) {
+    const auto& items = entry.operation.items;
+    return std::ranges::find(entry.itemIDs, itemID) != entry.itemIDs.end() ||
+           std::ranges::find(items, itemID, &TrashItem::id) != items.end();
 }
+
+/// What is left to be done elsewhere once the waiting of an item was given up: an original goes
+/// back to its place, a copy that was begun there goes.
+JournalEntry afterwards(const JournalEntry& entry, const TrashItem& item) {
+    JournalEntry rest = entry;
+    rest.operation.items = {item};
+    if (entry.kind == Kind::move) rest.kind = Kind::putBack;
+    return rest;
+}
+
+}  // namespace
 
 void VeltoTrashService::settleEarlierChange(Change& change) {
     try {
@@ -55,13 +72,18 @@ void VeltoTrashService::keepWaiting(std::vector<JournalEntry> waiting) {
     waiting_ = std::move(once);
 }
 
-/// A new move of an item is in the way of what an earlier one has left elsewhere: that stays.
-void VeltoTrashService::stopWaiting(const std::string& itemID) {
+/// A new move of an item is in the way of what an earlier one has left elsewhere: that stays. What
+/// it leaves has names of its own only on another volume.
+void VeltoTrashService::stopWaiting(const JournalEntry::Steps& steps) {
     std::vector<JournalEntry> others = waiting_;
     std::erase_if(others, [&](const JournalEntry& entry) {
-        const auto& items = entry.operation.items;
-        return std::ranges::find(entry.itemIDs, itemID) != entry.itemIDs.end() ||
-               std::ranges::find(items, itemID, &TrashItem::id) != items.end();
+        if (entry.kind == Kind::putBack) {
+            const auto volume = entry.volumes.find(steps.itemID);
+            const bool isApart = volume != entry.volumes.end() && !steps.volume.empty() &&
+                                 volume->second != steps.volume;
+            if (isApart) return false;
+        }
+        return isAbout(entry, steps.itemID);
     });
     keepWaiting(std::move(others));
 }
@@ -76,26 +98,66 @@ void VeltoTrashService::requireSettled(const TrashItem& item, const FolderHandle
     throw ItemWaits(item, parentFolder(item.originalPath));
 }
 
-std::vector<TrashItem> VeltoTrashService::itemsUnderWay() const {
-    std::vector<TrashItem> items;
-    const auto add = [&](const TrashItem& item) {
-        const bool isKnown = std::ranges::find(items, item.id, &TrashItem::id) != items.end();
+std::vector<VeltoTrashService::Waiter> VeltoTrashService::waiters() const {
+    std::vector<Waiter> found;
+    const auto add = [&](const JournalEntry& entry, const TrashItem& item) {
+        const bool isKnown = std::ranges::any_of(
+            found, [&](const Waiter& known) { return known.item.id == item.id; });
         if (isKnown) return;
         const auto operation = folder_.openOperation(item.opID);
-        if (folder_.isUnderWay(item, operation.get())) items.push_back(item);
+        if (folder_.isUnderWay(item, operation.get())) found.push_back({entry, item});
     };
     for (const JournalEntry& entry : waiting_) {
-        if (entry.kind == Kind::move) std::ranges::for_each(entry.operation.items, add);
-        for (const TrashItem& item : lists_.items) {
-            if (std::ranges::find(entry.itemIDs, item.id) != entry.itemIDs.end()) add(item);
+        if (entry.kind == Kind::move) {
+            for (const TrashItem& item : entry.operation.items)
+                add(entry, item);
         }
+        for (const TrashItem& item : lists_.items) {
+            if (std::ranges::find(entry.itemIDs, item.id) != entry.itemIDs.end()) add(entry, item);
+        }
+    }
+    return found;
+}
+
+std::vector<TrashItem> VeltoTrashService::itemsUnderWay() const {
+    std::vector<TrashItem> items;
+    for (const Waiter& waiter : waiters())
+        items.push_back(waiter.item);
+    return items;
+}
+
+std::vector<WaitingItem> VeltoTrashService::waitingItems() {
+    ensureLoaded();
+    std::vector<WaitingItem> items;
+    try {
+        for (const Waiter& waiter : waiters())
+            items.push_back(recovery_.describe(waiter.entry, waiter.item));
+    } catch (const FileError&) {
+        // The trash itself is out of reach, and nobody can tell what is in it.
     }
     return items;
 }
 
-std::vector<TrashItem> VeltoTrashService::waitingItems() {
-    ensureLoaded();
-    return itemsUnderWay();
+bool VeltoTrashService::giveUpWaiting(const std::string itemID) {
+    const Change change = beginStrictly();
+    const std::vector<Waiter> all = waiters();
+    const auto waiter =
+        std::ranges::find_if(all, [&](const Waiter& one) { return one.item.id == itemID; });
+    if (waiter == all.end()) return false;
+    const JournalEntry plan = recovery_.planToKeep(waiter->entry, waiter->item, clock_.now());
+    // Noted before anything is forgotten: whoever finds both does no harm by either.
+    std::vector<JournalEntry> waiting = waiting_;
+    waiting.push_back(afterwards(waiter->entry, waiter->item));
+    keepWaiting(waiting);
+    reserve_.sparing([&] { journal_.write(plan); });
+    std::vector<JournalEntry> none;
+    recovery_.recover(plan, none);
+    saveAndSettle(change);
+    std::erase(waiting, waiter->entry);
+    keepWaiting(std::move(waiting));
+    log_.line(fmt::format("Velto ▶ Papelera: «{}» ya no espera a su disco o carpeta",
+                          singleLine(validUtf8(waiter->item.name))));
+    return true;
 }
 
 }  // namespace velto

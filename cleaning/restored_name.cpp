@@ -31,8 +31,22 @@ std::string_view beginning(std::string_view text, std::size_t most) {
     return text.substr(0, end);
 }
 
-std::string numbered(const Split& parts, int number) {
-    return fmt::format("{} (restaurado {}){}", parts.stem, number, parts.extension);
+std::string marked(const Split& parts, std::string_view mark) {
+    return fmt::format("{} ({}){}", parts.stem, mark, parts.extension);
+}
+
+/// Cuts the name so that it has at most `longest` bytes with the mark in it.
+std::string marked(std::string_view name, std::string_view mark, std::size_t longest) {
+    Split parts = split(name);
+    std::string whole = marked(parts, mark);
+    if (whole.size() <= longest) return whole;
+    std::size_t excess = whole.size() - longest;
+    if (parts.stem.size() <= excess) {
+        parts = {name, ""};
+        excess = marked(parts, mark).size() - longest;
+    }
+    parts.stem = beginning(parts.stem, parts.stem.size() - std::min(parts.stem.size(), excess));
+    return marked(parts, mark);
 }
 
 /// Whether a candidate is the number behind this stem, or behind the beginning of it.
@@ -53,16 +67,15 @@ bool isNumbered(std::string_view candidate, const Split& parts, bool mayBeCut) {
 }  // namespace
 
 std::string restoredName(std::string_view name, int number, std::size_t longest) {
-    Split parts = split(name);
-    std::string whole = numbered(parts, number);
-    if (whole.size() <= longest) return whole;
-    std::size_t excess = whole.size() - longest;
-    if (parts.stem.size() <= excess) {
-        parts = {name, ""};
-        excess = numbered(parts, number).size() - longest;
-    }
-    parts.stem = beginning(parts.stem, parts.stem.size() - std::min(parts.stem.size(), excess));
-    return numbered(parts, number);
+    return marked(name, fmt::format("restaurado {}", number), longest);
+}
+
+std::string unfinishedName(std::string_view name) {
+    // What volumes take, those that encrypt names among them.
+    constexpr std::size_t longest = 255;
+    constexpr std::size_t longestEncrypted = 143;
+    return marked(name, "copia sin terminar",
+                  name.size() <= longestEncrypted ? longestEncrypted : longest);
 }
 
 bool isRestoredName(std::string_view candidate, std::string_view name) {
