@@ -36,6 +36,7 @@ struct CleanupOutcome {
 
     // As all is when the item ends.
     std::vector<TrashItem> trash;  // oldest first
+    std::vector<WaitingItem> waiting;
     std::vector<HistoryEntry> history;
     VolumeFigures volume;
 };

@@ -101,7 +101,7 @@ void JSBridge::applyBootState() {
 /// The page knows the state; the trash and the rest come in this order.
 void JSBridge::finishBoot() {
     isWaitingForTrash_ = false;
-    evaluate(events::trashState(*trash_));
+    tellTrash();
     if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
     if (needsFirstScan) startAnalysis();
 }

@@ -143,6 +143,7 @@ private:
                std::string_view detail) override;
     void pushState();
     void pushTrash();
+    void tellTrash();
     void finishBoot();
 
     // Settings (settings_intent.cpp).
@@ -207,6 +208,7 @@ private:
     AnalysisLists::Mark analysisBegun_ = 0;
     std::vector<HistoryEntry> history_;            // what the page knows
     std::optional<std::vector<TrashItem>> trash_;  // the same; none until it has been read
+    std::vector<WaitingItem> waiting_;             // the same of what waits for a disk
     bool isWaitingForTrash_ = false;               // the page has loaded first
     int resetsAhead_ = 0;                          // asked for and not done yet
     std::shared_ptr<TrashIntents> trashIntents_;

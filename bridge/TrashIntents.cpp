@@ -193,6 +193,25 @@ void TrashIntents::restoreTo(const std::string& itemID, const std::string& name,
         });
 }
 
+/// Of an item that does not wait any more nothing is said: the page is told where it is.
+void TrashIntents::onGiveUpWaiting(const Payload& payload) {
+    const auto id = payload::stringMember(payload, "id");
+    if (!id) return;
+    link_.enqueue(
+        [id = *id](CleanupServices& services, CleanupOutcome& outcome) {
+            outcome.hasActed = services.trash.giveUpWaiting(id);
+        },
+        [this](const CleanupOutcome& outcome) {
+            if (outcome.failure) {
+                link_.toastFailure("No se pudo dejar de esperar", "Couldn't stop waiting", outcome);
+            } else if (outcome.hasActed) {
+                link_.toast("Ya no se espera", "No longer waiting",
+                            language_.text("Lo que hay del elemento está en la Papelera de Velto.",
+                                           "What there is of the item is in Velto Trash."));
+            }
+        });
+}
+
 void TrashIntents::onPurgeItem(const Payload& payload) {
     const auto id = payload::string(payload);
     if (!id) return;

@@ -35,6 +35,7 @@ public:
     void onUndoLast(const Payload& payload);
     void onRestoreItem(const Payload& payload);
     void onRestoreItemTo(const Payload& payload);
+    void onGiveUpWaiting(const Payload& payload);
     void onPurgeItem(const Payload& payload);
     void onPurgeTrash(const Payload& payload);
     void onClearHistory(const Payload& payload);

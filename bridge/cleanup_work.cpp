@@ -71,6 +71,7 @@ std::shared_ptr<const CleanupOutcome> carryOut(
         }
     }
     outcome->trash = services.trash.items();
+    outcome->waiting = services.trash.waitingItems();
     outcome->history = services.history.entries();
     outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
     noteMoves(before, homeless, *outcome, *platform.files);
@@ -114,9 +115,10 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     lists_.noteGone(outcome.gone);
     lists_.noteBack(outcome.back);
     const bool isFirst = !trash_;
-    const bool hasTrashChanged = isFirst || outcome.trash != *trash_;
+    const bool hasTrashChanged = isFirst || outcome.trash != *trash_ || outcome.waiting != waiting_;
     const bool hasHistoryChanged = outcome.history != history_;
     trash_ = outcome.trash;
+    waiting_ = outcome.waiting;
     history_ = outcome.history;
     if (report) report(*this, outcome);
     const bool hasStateChanged = updateState(outcome) || hasHistoryChanged || outcome.hasActed;
@@ -151,6 +153,12 @@ bool JSBridge::updateState(const CleanupOutcome& outcome) {
 
 void JSBridge::pushTrash() {
     evaluate(events::trashChanged(sumOf(*trash_)));
+    tellTrash();
+}
+
+/// What waits first: the page does not list that as what can be put back.
+void JSBridge::tellTrash() {
+    evaluate(events::trashWaiting(waiting_));
     evaluate(events::trashState(*trash_));
 }
 

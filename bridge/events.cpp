@@ -36,6 +36,18 @@ std::string_view reasonWord(const Refusal::Item& item, const std::string& home) 
     return "trash";
 }
 
+std::string_view waitWord(WaitingItem::Reason reason) {
+    switch (reason) {
+        case WaitingItem::Reason::refused:
+            return "refused";
+        case WaitingItem::Reason::unsettled:
+            return "unsettled";
+        case WaitingItem::Reason::absent:
+            break;
+    }
+    return "absent";
+}
+
 }  // namespace
 
 std::string call(std::string_view callback, std::string_view arguments) {
@@ -95,6 +107,21 @@ std::string trashState(const std::vector<TrashItem>& items) {
                         {"opID", item.opID}});
     }
     return call("onTrashState", literal(list));
+}
+
+std::string trashWaiting(const std::vector<WaitingItem>& items) {
+    auto list = nlohmann::json::array();
+    for (const WaitingItem& waiting : items) {
+        list.push_back({{"id", waiting.item.id},
+                        {"name", pathText(waiting.item.name)},
+                        {"gb", waiting.item.gb},
+                        {"path", pathText(waiting.item.originalPath)},
+                        {"folder", pathText(waiting.folder)},
+                        {"way", waiting.way == WaitingItem::Way::out ? "out" : "in"},
+                        {"reason", waitWord(waiting.reason)},
+                        {"whole", waiting.isWhole}});
+    }
+    return call("onTrashWaiting", literal(list));
 }
 
 std::string refused(const Refusal& refusal, const std::string& home) {

@@ -48,6 +48,10 @@ std::string maintenance(const nlohmann::json& status);
 
 /// The trash's items, oldest first; the page knows an item's place as `path`.
 std::string trashState(const std::vector<TrashItem>& items);
+/// What waits because a move of it was cut off: `path` is its place outside the trash, `folder`
+/// what it waits for, `way` "in" or "out" of the trash, `reason` "absent", "refused" or
+/// "unsettled".
+std::string trashWaiting(const std::vector<WaitingItem>& items);
 /// What the trash has refused, and what it would take without that. `home` tells a link inside it
 /// from a place outside.
 std::string refused(const Refusal& refusal, const std::string& home);

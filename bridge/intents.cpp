@@ -32,7 +32,7 @@ struct IntentTable {
         (*bridge.packageIntents_.*intent)(payload);
     }
 
-    static constexpr std::array<Row, 33> rows{{
+    static constexpr std::array<Row, 34> rows{{
         {"webReady", nullptr},
         {"settings", own<&JSBridge::onSettings>},
         {"setTheme", own<&JSBridge::onSetTheme>},
@@ -66,6 +66,7 @@ struct IntentTable {
         {"restoreItemTo", trash<&TrashIntents::onRestoreItemTo>},
         {"appPackage", packages<&PackageIntents::onAppPackage>},
         {"removePackage", packages<&PackageIntents::onRemovePackage>},
+        {"giveUpWaiting", trash<&TrashIntents::onGiveUpWaiting>},
     }};
 };
 

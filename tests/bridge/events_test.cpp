@@ -56,6 +56,23 @@ TEST(Events, PermissionsAndListsAreJson) {
               "window.velto && window.velto.onTrashState && window.velto.onTrashState([{\"gb\":1.2,"
               "\"id\":\"itA1B2C3D4\",\"name\":\"a \\\"b\\\".mov\",\"opID\":\"op1\","
               "\"path\":\"/h/a \\\"b\\\".mov\",\"taken\":1700000000.5}]);");
+    EXPECT_EQ(events::trashWaiting({}),
+              "window.velto && window.velto.onTrashWaiting && window.velto.onTrashWaiting([]);");
+    EXPECT_EQ(events::trashWaiting({{.item = {.id = "itA1B2C3D4",
+                                              .opID = "op1",
+                                              .originalPath = "/h/disk/a \"b\".mov",
+                                              .name = "a \"b\".mov",
+                                              .gb = 1.2,
+                                              .taken = 1700000000.5},
+                                     .way = WaitingItem::Way::out,
+                                     .folder = "/h/disk",
+                                     .reason = WaitingItem::Reason::refused,
+                                     .isWhole = true}}),
+              "window.velto && window.velto.onTrashWaiting && "
+              "window.velto.onTrashWaiting([{\"folder\":\"/h/disk\",\"gb\":1.2,"
+              "\"id\":\"itA1B2C3D4\",\"name\":\"a \\\"b\\\".mov\","
+              "\"path\":\"/h/disk/a \\\"b\\\".mov\",\"reason\":\"refused\","
+              "\"way\":\"out\",\"whole\":true}]);");
     EXPECT_EQ(events::trashChanged(2.25),
               "window.velto && window.velto.onTrashChanged && "
               "window.velto.onTrashChanged(2.2);");
