@@ -4,6 +4,8 @@ export interface Question {
   paragraphs: string[];
   /** The verb on the button. */
   confirm: string;
+  /** Nothing is deleted by it. */
+  harmless?: boolean;
 }
 
 class Questions {

@@ -21,6 +21,8 @@ describe('the program that is about to quit', () => {
     await page.keyboard.press('Escape');
     await page.keyboard.press('Escape');
     expect(await notice.isVisible()).toBe(true);
+    // There is nothing to press in it.
+    expect(await notice.evaluate((one) => getComputedStyle(one).outlineStyle)).toBe('none');
     const blocked = await page.evaluate(() => !document.elementFromPoint(30, 300)?.closest('nav, main'));
     expect(blocked).toBe(true);
     await close();

@@ -35,7 +35,7 @@ describe('a selection of which something was refused', () => {
     const sent = await during(async () => {
       await refuse(tell, [{ path: first, reason: 'link' }], [second!, third!]);
       await tell('toast', "Couldn't remove", 'La ruta está fuera de tu carpeta de usuario.');
-      await page.waitForTimeout(100);
+      await page.getByRole('button', { name: 'Move the other 2' }).waitFor();
     });
     expect(sent).toEqual([]);
     expect(await text(opened)).toMatch(/“Islandia.*…?.*60 fps\)\.mov” is a link, or lies behind one\./);
