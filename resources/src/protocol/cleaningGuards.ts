@@ -1,8 +1,8 @@
 /** Reads what arrives about cleaning, its trash and its schedule; see guards.ts. */
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
-import { cacheReasons, refusalReasons, ruleIds } from './records.ts';
+import { cacheReasons, refusalReasons, ruleIds, waitReasons } from './records.ts';
 import type {
-  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, TrashItem,
+  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, TrashItem, WaitingItem,
 } from './records.ts';
 
 export function trashItems(value: unknown): TrashItem[] {
@@ -11,6 +11,19 @@ export function trashItems(value: unknown): TrashItem[] {
       ? {
           id: text(fields.id), name: text(fields.name), gb: size(fields.gb), taken: number(fields.taken),
           path: text(fields.path), opID: text(fields.opID),
+        }
+      : null,
+  );
+  return distinct(items, ({ id }) => id);
+}
+
+export function waitingItems(value: unknown): WaitingItem[] {
+  const items = list(value, (fields): WaitingItem | null =>
+    text(fields.id)
+      ? {
+          id: text(fields.id), name: text(fields.name), gb: size(fields.gb), path: text(fields.path),
+          folder: text(fields.folder), way: fields.way === 'out' ? 'out' : 'in',
+          reason: waitReasons.find((known) => known === fields.reason) ?? 'unsettled', whole: fields.whole === true,
         }
       : null,
   );

@@ -48,8 +48,8 @@ const readers: Readers = {
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
-  'onRefused', 'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress',
-  'onUninstallResult', 'onSystem', 'onQuitting',
+  'onTrashWaiting', 'onRefused', 'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis',
+  'onUninstallProgress', 'onUninstallResult', 'onSystem', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

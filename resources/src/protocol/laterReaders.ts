@@ -12,6 +12,7 @@ export const laterReaders: LaterReaders = {
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
+  onTrashWaiting: ([items]) => [cleaningGuards.waitingItems(items)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
   onRefused: ([value]) => {
     const refusal = cleaningGuards.refusal(value);

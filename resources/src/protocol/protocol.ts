@@ -5,7 +5,7 @@
 import type {
   AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
   MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemSample, TrashItem, UninstallResult,
-  UninstallStage,
+  UninstallStage, WaitingItem,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -41,6 +41,7 @@ export interface Intents {
   undoLast: void;
   restoreItem: string;
   restoreItemTo: { id: string };
+  giveUpWaiting: { id: string };
   purgeItem: string;
   purgeTrash: void;
   clearHistory: void;
@@ -77,6 +78,8 @@ export interface Events {
   onCleanables: [candidates: Cleanable[]];
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];
+  /** Comes before the `onTrashState` that may hold some of the same items. */
+  onTrashWaiting: [items: WaitingItem[]];
   onTrashChanged: [gb: number];
   onRefused: [refusal: Refusal];
   onRestoreBlocked: [block: RestoreBlock];

@@ -118,6 +118,24 @@ export interface TrashItem {
   opID: string;
 }
 
+export const waitReasons = ['absent', 'refused', 'unsettled'] as const;
+export type WaitReason = (typeof waitReasons)[number];
+
+/** An item whose move to or from another disk was cut off; it is finished once `folder` can be used. */
+export interface WaitingItem {
+  id: string;
+  name: string;
+  gb: number;
+  /** Its place outside Velto Trash: where it came from. */
+  path: string;
+  folder: string;
+  /** Into Velto Trash, or out of it. */
+  way: 'in' | 'out';
+  reason: WaitReason;
+  /** What lies in Velto Trash is known to be all of it. */
+  whole: boolean;
+}
+
 /** An item that could not go back; `path` is what stands on the way to its place. */
 export interface RestoreBlock {
   id: string;

@@ -3,7 +3,7 @@ import { language } from '../language/language.svelte.ts';
 import { plainName } from '../names/marks.ts';
 import { folderOf, shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
-import type { TrashItem } from '../protocol/protocol.ts';
+import type { TrashItem, WaitingItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { operationsOf, totalGb, type Operation } from './operations.ts';
 import { questions } from './questions.svelte.ts';
@@ -101,6 +101,25 @@ export async function purge(item: TrashItem): Promise<void> {
   toasts.withdrawUndo();
   void requests.ask('purge', [item.id]);
   send('purgeItem', item.id);
+}
+
+/** What there is of an item that waits stays in Velto Trash, as an item like any other. */
+export async function giveUpWaiting(item: WaitingItem): Promise<void> {
+  const words = language.words.trash;
+  const confirmed = await questions.ask({
+    title: words.giveUpTitle(shortInMiddle(plainName(item.name), 48)),
+    paragraphs: [
+      item.whole ? words.giveUpWhole : words.giveUpPart,
+      item.way === 'in' ? words.giveUpIn : words.giveUpOut,
+      words.giveUpSafe,
+    ],
+    confirm: words.giveUpConfirm,
+    harmless: true,
+  });
+  // Its disk may have come while the question stood.
+  if (!confirmed || !session.waiting.some(({ id }) => id === item.id)) return;
+  toasts.withdrawUndo();
+  send('giveUpWaiting', { id: item.id });
 }
 
 export async function emptyTrash(): Promise<void> {

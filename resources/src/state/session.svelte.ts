@@ -1,5 +1,5 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
-import type { DiskState, MaintenanceStatus, Running, SettingsChange, TrashItem } from '../protocol/protocol.ts';
+import type { DiskState, MaintenanceStatus, Running, SettingsChange, TrashItem, WaitingItem } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
@@ -25,8 +25,10 @@ class Session {
   /** What the rules of maintenance would move is being measured. */
   measuring = $state(false);
   trashGb = $state(0);
-  /** What lies in Velto Trash, in the order it arrived there; null until the program has said so. */
+  /** What lies in Velto Trash, in the order it arrived there, without what waits; null until the program has said so. */
   trash = $state.raw<TrashItem[] | null>(null);
+  /** What is on its way to or from a disk that is away; not to be put back or deleted for now. */
+  waiting = $state.raw<WaitingItem[]>([]);
   /** Items that could not go back to their place, by id: what stands on the way there. */
   blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
 

@@ -1,7 +1,7 @@
 import { afterEach, beforeEach, describe, expect, it, vi } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
 import { connect, isHosted, listenLater, publish, release, send } from '../../src/protocol/connection.ts';
-import { trashItems } from '../../src/protocol/cleaningGuards.ts';
+import { trashItems, waitingItems } from '../../src/protocol/cleaningGuards.ts';
 import { diskState, permissions, texts } from '../../src/protocol/guards.ts';
 import { laterReaders } from '../../src/protocol/laterReaders.ts';
 import { fullState } from '../support/states.ts';
@@ -218,6 +218,14 @@ describe('reading the smaller records', () => {
     expect(texts('x')).toEqual([]);
     expect(trashItems([{ id: 'it1', name: 'a', gb: 1.2, taken: 5, path: '/a', opID: 'op1' }, {}])).toEqual([
       { id: 'it1', name: 'a', gb: 1.2, taken: 5, path: '/a', opID: 'op1' },
+    ]);
+  });
+
+  it('of what waits nothing is promised that was not said', () => {
+    const whole = { id: 'it1', name: 'a', gb: 1.2, path: '/d/a', folder: '/d', way: 'out', reason: 'absent', whole: true };
+    expect(waitingItems([whole, { ...whole, name: 'again' }, { name: 'b' }, 7])).toEqual([whole]);
+    expect(waitingItems([{ id: 'it2', reason: 'x', way: 'x', whole: 'yes' }])).toEqual([
+      { id: 'it2', name: '', gb: 0, path: '', folder: '', way: 'in', reason: 'unsettled', whole: false },
     ]);
   });
 });

@@ -3,7 +3,7 @@ import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
 import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
-import { tellCleaning, withHistory } from '../support/cleaning.ts';
+import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
 import { bareSample, someSample } from '../support/system.ts';
 
@@ -51,6 +51,10 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
       await tell('onPermissions', { fda: false });
       await tell('onCleanables', []);
       await tell('onTrashState', []);
+    });
+    await check({ saved: translate(fullState()) }, ['papelera'], async ({ tell }) => {
+      await tell('onTrashWaiting', someWaiting());
+      await tell('onTrashState', someTrash());
     });
     await check({ saved: translate(fullState()) }, ['papelera'], async (opened) => {
       await tellCleaning(opened);

@@ -1,5 +1,5 @@
 /** Made-up cleaning candidates, trash contents and histories, as the program would describe them. */
-import type { CacheReason, Cleanable, DiskState, HistoryEntry, TrashItem } from '../../src/protocol/protocol.ts';
+import type { CacheReason, Cleanable, DiskState, HistoryEntry, TrashItem, WaitingItem } from '../../src/protocol/protocol.ts';
 import type { OpenPage } from './page.ts';
 import { home, hostileNames } from './states.ts';
 
@@ -69,6 +69,23 @@ export function someTrash(now?: number): TrashItem[] {
     ...Array.from({ length: 9 }, (_, index) =>
       trashItem('opA', `Library/Caches/com.example.App${index + 1}`, 0.4 + index / 10, daysAgo(0.1, now)),
     ),
+  ];
+}
+
+export function someWaiting(): WaitingItem[] {
+  return [
+    {
+      id: 'it0000000a', name: 'Boda de Clara.raw', gb: 12, path: `${home}/Disco de fotos/2024/Boda de Clara.raw`,
+      folder: `${home}/Disco de fotos/2024`, way: 'in', reason: 'absent', whole: false,
+    },
+    {
+      id: 'it0000000b', name: 'Acta.pdf', gb: 0.1, path: `${home}/Documents/Acta.pdf`,
+      folder: `${home}/Copias`, way: 'out', reason: 'absent', whole: true,
+    },
+    {
+      id: 'it0000000c', name: 'Presupuestos', gb: 0, path: `${home}/Oficina/Presupuestos`,
+      folder: `${home}/Oficina`, way: 'in', reason: 'refused', whole: false,
+    },
   ];
 }
 
