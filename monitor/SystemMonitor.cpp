@@ -93,7 +93,7 @@ void SystemMonitor::addDisk(sampling::Dictionary& sample) {
 void SystemMonitor::addNetwork(sampling::Dictionary& sample, double elapsed) {
     const auto interfaces = context_.counters.interfaces();
     auto sums = interfaces ? std::optional(sampling::sumOf(*interfaces)) : std::nullopt;
-    if (sums && prevNet && elapsed > 0) {
+    if (sums && prevNet && elapsed > 0 && !sampling::hasBegunAnew(*prevNet, *sums)) {
         sample["net"] = sampling::networkDictionary(*prevNet, *sums, elapsed);
     }
     prevNet = std::move(sums);

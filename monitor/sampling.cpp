@@ -119,13 +119,24 @@ NetworkSums sumOf(const std::vector<InterfaceCounters>& interfaces) {
         sums.inBytes += one.received;
         sums.outBytes += one.sent;
         sums.names.push_back(one.name);
+        if (one.isWide) sums.wide.push_back(one);
         const std::uint64_t traffic = one.received + one.sent;
         if (!sums.busiest.empty() && traffic <= most) continue;
         sums.busiest = one.name;
         most = traffic;
     }
     std::sort(sums.names.begin(), sums.names.end());
+    std::ranges::sort(sums.wide, {}, &InterfaceCounters::name);
     return sums;
+}
+
+bool hasBegunAnew(const NetworkSums& before, const NetworkSums& now) {
+    return std::ranges::any_of(now.wide, [&](const InterfaceCounters& one) {
+        const auto old =
+            std::ranges::lower_bound(before.wide, one.name, {}, &InterfaceCounters::name);
+        return old != before.wide.end() && old->name == one.name &&
+               (one.received < old->received || one.sent < old->sent);
+    });
 }
 
 Dictionary networkDictionary(const NetworkSums& before, const NetworkSums& now, double elapsed) {

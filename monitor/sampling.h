@@ -40,13 +40,18 @@ Dictionary batteryDictionary(const std::optional<BatteryCounters>& battery);
 struct NetworkSums {
     std::uint64_t inBytes = 0;
     std::uint64_t outBytes = 0;
-    std::string busiest;             // the interface with the largest traffic so far
-    std::vector<std::string> names;  // of all of them, in order
+    std::string busiest;                  // the interface with the largest traffic so far
+    std::vector<std::string> names;       // of all of them, in order
+    std::vector<InterfaceCounters> wide;  // those whose counters never wrap around, by name
 };
 NetworkSums sumOf(const std::vector<InterfaceCounters>& interfaces);
 
 /// Rates in bytes per second; `elapsed` is above 0. Sums over different interfaces say nothing
 /// about traffic: when one came or went, this once nothing has passed.
+///
+/// A wide counter that has gone back has begun anew; then nothing is known of the traffic, which
+/// `hasBegunAnew` tells.
 Dictionary networkDictionary(const NetworkSums& before, const NetworkSums& now, double elapsed);
+bool hasBegunAnew(const NetworkSums& before, const NetworkSums& now);
 
 }  // namespace velto::sampling

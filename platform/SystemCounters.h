@@ -50,8 +50,40 @@ struct BatteryCounters {
 /// Cumulative bytes of one network interface.
 struct InterfaceCounters {
     std::string name;
-    std::uint64_t received = 0;  // on macOS a 32-bit counter that wraps around
+    std::uint64_t received = 0;
     std::uint64_t sent = 0;
+    // 64 bits, which never wrap around: a smaller one has begun anew. A Mac's wrap at 32 bits.
+    bool isWide = false;
+};
+
+/// Cumulative bytes that have passed between memory and one disk that is a piece of hardware.
+struct DiskCounters {
+    std::string name;
+    std::uint64_t read = 0;
+    std::uint64_t written = 0;
+};
+
+/// How hot something in the machine is.
+struct Temperature {
+    enum class Part { processor, graphics, disk, machine };
+
+    double celsius = 0;
+    Part part = Part::machine;
+};
+
+/// What one user of a graphics processor has had of one of its engines so far.
+struct EngineTime {
+    std::string device;  // which graphics processor
+    std::string engine;
+    std::uint64_t client = 0;       // tells the device's users apart
+    std::uint64_t nanoseconds = 0;  // all units of the engine together
+    int units = 1;                  // of this engine that the device has
+};
+
+/// How busy the graphics processors are.
+struct GraphicsCounters {
+    std::optional<double> busy;       // percent of the busiest one, where its driver says so
+    std::vector<EngineTime> engines;  // where it does not: of those users that may be asked
 };
 
 /// Raw counters of the machine. Nothing is computed from them here. Blocking for milliseconds at
@@ -70,12 +102,23 @@ public:
     virtual ThermalState thermalState() = 0;
     virtual bool isLowPowerModeOn() = 0;
 
+    /// Of what the thermal state is about; the processor's while nothing is hot. Nothing where no
+    /// sensor can be read.
+    virtual std::optional<Temperature> temperature() = 0;
+
     /// Nothing on a machine without a battery.
     virtual std::optional<BatteryCounters> battery() = 0;
 
     /// The interfaces through which the machine talks to others. What passes through several of
     /// them is counted at one. Nothing when the counters cannot be read.
     virtual std::optional<std::vector<InterfaceCounters>> interfaces() = 0;
+
+    /// The disks themselves, not their partitions nor what is made of several. Nothing when the
+    /// counters cannot be read, empty where there is no disk.
+    virtual std::optional<std::vector<DiskCounters>> disks() = 0;
+
+    /// Both parts empty where nothing tells.
+    virtual GraphicsCounters graphics() = 0;
 };
 
 }  // namespace velto

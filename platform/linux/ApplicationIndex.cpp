@@ -102,7 +102,10 @@ std::string applicationInControlGroup(std::string_view controlGroup) {
 ApplicationIndex::ApplicationIndex(const std::vector<ListedApplication>& applications) {
     for (const ListedApplication& listed : applications) {
         const auto& app = applications_.emplace_back(std::make_unique<const RunningApp>(
-            RunningApp{.name = listed.name, .bundle = listed.identifier, .path = listed.path}));
+            RunningApp{.name = listed.name,
+                       .bundle = listed.identifier,
+                       .path = listed.path,
+                       .isForPeople = true}));  // only entries that are shown are listed
         identifiers_.emplace(listed.identifier, app.get());
         if (listed.startsAnything || listed.executable.empty()) continue;
         executables_.emplace(listed.executable, app.get());

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -58,6 +59,9 @@ struct LinuxProcessTable::Process {
     std::uint64_t footprint = 0;
     std::uint64_t faults = 0;
     std::uint64_t resident = 0;
+    std::optional<ProcessTraffic> traffic;
+    bool isOwn = false;
+    bool isDesktops = false;  // runs in the session's own part of the control groups
     bool isKnown = false;
     bool isListed = false;
 };
@@ -101,6 +105,9 @@ bool LinuxProcessTable::update(std::int32_t number, Process& process) {
     if (process.isKnown && status->start != process.start) return false;
     process.start = status->start;
     process.parent = status->parent;
+    // Whoever moves bytes uses the processor or touches pages.
+    const bool hasWorked =
+        !process.isKnown || status->ticks != process.ticks || status->faults != process.faults;
     process.ticks = status->ticks;
     if (process.command != status->command) {
         process.command = status->command;
@@ -114,21 +121,32 @@ bool LinuxProcessTable::update(std::int32_t number, Process& process) {
         process.resident = status->resident;
         process.footprint = footprintIn(kernelText(folderOf(number) + "/status").value_or(""));
     }
+    if (hasWorked) readTraffic(number, process);
     process.isKnown = true;
     return true;
 }
 
+void LinuxProcessTable::readTraffic(std::int32_t number, Process& process) const {
+    if (!process.isOwn) return;
+    const auto text = kernelText(folderOf(number) + "/io");
+    process.traffic = text ? processTrafficIn(*text) : std::nullopt;
+}
+
 void LinuxProcessTable::identify(std::int32_t number, Process& process) {
     const std::string folder = folderOf(number);
+    struct stat attributes {};
+    process.isOwn = ::stat(folder.c_str(), &attributes) == 0 && attributes.st_uid == ::geteuid();
     process.executable = executableOfProcess(folder);
     process.name = fullName(process.command, process.executable);
     if (std::string image = appImageOfProcess(folder, process.executable); !image.empty()) {
         process.executable = std::move(image);
     }
     process.application = nullptr;
+    process.isDesktops = false;
     if (index_) {
-        const auto group = kernelText(folder + "/cgroup");
-        process.application = index_->find(group.value_or(""), process.executable);
+        const std::string group = kernelText(folder + "/cgroup").value_or("");
+        process.application = index_->find(group, process.executable);
+        process.isDesktops = group.find("/session.slice/") != std::string::npos;
     }
     if (process.application == nullptr) process.application = bundleApp(process.executable);
 }
@@ -143,6 +161,7 @@ const RunningApp* LinuxProcessTable::bundleApp(const std::string& executable) {
     if (known) return known.get();
     RunningApp app = sources_.bundle(path);
     app.path = path;
+    app.isForPeople = true;
     // Every process of a bundle is known to be its, so that without an identifier its processes
     // would be as many applications.
     if (app.bundle.empty()) app.bundle = path;
@@ -201,7 +220,10 @@ std::map<std::int32_t, ProcInfo> LinuxProcessTable::list() {
 
     std::map<std::int32_t, ProcInfo> infos;
     for (const auto& [number, process] : processes_) {
-        infos.emplace(number, ProcInfo{.ppid = parentOf(process), .name = process.name});
+        infos.emplace(number, ProcInfo{.ppid = parentOf(process),
+                                       .name = process.name,
+                                       .isOwn = process.isOwn,
+                                       .start = process.start});
     }
     return infos;
 }
@@ -216,7 +238,15 @@ std::optional<ProcessUsage> LinuxProcessTable::usage(std::int32_t number) {
     }
     return ProcessUsage{.time = static_cast<std::uint64_t>(static_cast<double>(process.ticks) *
                                                            nanosecondsPerTick_),
-                        .footprint = process.footprint};
+                        .footprint = process.footprint,
+                        .traffic = process.traffic};
+}
+
+std::optional<std::uint64_t> LinuxProcessTable::startOf(std::int32_t number) const {
+    const auto text = kernelText(folderOf(number) + "/stat");
+    const auto status = text ? processStatusIn(*text) : std::nullopt;
+    if (!status || status->hasEnded()) return std::nullopt;
+    return status->start;
 }
 
 std::string LinuxProcessTable::executablePath(std::int32_t number) {
@@ -227,7 +257,9 @@ std::string LinuxProcessTable::executablePath(std::int32_t number) {
 std::map<std::int32_t, RunningApp> LinuxProcessTable::runningApps() {
     std::map<std::int32_t, RunningApp> apps;
     for (const auto& [number, process] : processes_) {
-        if (process.application != nullptr) apps.emplace(number, *process.application);
+        if (process.application == nullptr) continue;
+        RunningApp& app = apps.emplace(number, *process.application).first->second;
+        if (process.isDesktops) app.isForPeople = false;
     }
     return apps;
 }

@@ -19,7 +19,8 @@ namespace velto {
 ///
 /// The `stat` file of a process is read at every sample and kept open between them, which halves
 /// the cost (see docs/monitor.md), for as many processes as leave the program most of its
-/// descriptors. Memory is read again only when something about it has changed.
+/// descriptors. Memory is read again only when something about it has changed, and traffic with the
+/// disks, which only the user's own processes tell, only when the process has done anything.
 ///
 /// A process is an application's when a desktop entry or a bundle (`.app` in its path) says so. The
 /// first process of an application counts as started by nobody, as on a Mac, so that it does not
@@ -47,6 +48,8 @@ public:
     std::optional<ProcessUsage> usage(std::int32_t process) override;
     std::string executablePath(std::int32_t process) override;
     std::map<std::int32_t, RunningApp> runningApps() override;
+    std::int32_t ownProcess() const override { return sources_.ownProcess; }
+    std::optional<std::uint64_t> startOf(std::int32_t process) const override;
 
     /// How many files are kept open; for tests.
     std::size_t openFiles() const { return openFiles_; }
@@ -58,6 +61,7 @@ private:
     std::string folderOf(std::int32_t number) const;
     std::optional<ProcessStatus> readStatus(std::int32_t number, Process& process);
     bool update(std::int32_t number, Process& process);
+    void readTraffic(std::int32_t number, Process& process) const;
     void identify(std::int32_t number, Process& process);
     const RunningApp* bundleApp(const std::string& executable);
     void forgetUnusedBundles();

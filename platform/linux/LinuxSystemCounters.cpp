@@ -90,7 +90,9 @@ std::optional<MemoryCounters> LinuxSystemCounters::memory() {
     return memory;
 }
 
-ThermalState LinuxSystemCounters::thermalState() { return thermalStateIn(sys_); }
+ThermalState LinuxSystemCounters::thermalState() { return sensors_.state(); }
+
+std::optional<Temperature> LinuxSystemCounters::temperature() { return sensors_.temperature(); }
 
 bool LinuxSystemCounters::isLowPowerModeOn() { return isPowerSaved(sys_); }
 
@@ -101,5 +103,13 @@ std::optional<std::vector<InterfaceCounters>> LinuxSystemCounters::interfaces() 
     if (!text) return std::nullopt;
     return choice_.of(interfacesIn(*text));
 }
+
+std::optional<std::vector<DiskCounters>> LinuxSystemCounters::disks() {
+    const auto text = kernelText(proc_ + "/diskstats");
+    if (!text) return std::nullopt;
+    return disks_.of(disksIn(*text));
+}
+
+GraphicsCounters LinuxSystemCounters::graphics() { return graphics_.read(); }
 
 }  // namespace velto

@@ -41,12 +41,11 @@ private:
     std::unordered_map<std::string_view, std::int64_t> bytes_;
 };
 
-/// What can be had without swapping. Kernels before 3.14 do not say; then it is what is free and
-/// what belongs to files.
-std::int64_t availableIn(const Fields& fields) {
-    if (fields.has("MemAvailable")) return fields["MemAvailable"];
-    return fields["MemFree"] + fields["Buffers"] + fields["Cached"] + fields["SReclaimable"] -
-           fields["Shmem"];
+/// Files in memory and what the kernel remembers of them, which it gives back when asked. `Cached`
+/// holds shared memory too, which it cannot.
+std::int64_t reclaimableIn(const Fields& fields) {
+    return fields["Buffers"] + std::max<std::int64_t>(fields["Cached"] - fields["Shmem"], 0) +
+           fields["SReclaimable"];
 }
 
 /// The ten-second average of the line that begins with `kind`.
@@ -73,14 +72,15 @@ std::optional<MemoryCounters> memoryFrom(std::string_view meminfo, std::int64_t 
     const std::int64_t total = fields["MemTotal"];
     if (total <= 0) return std::nullopt;
     const std::int64_t free = std::clamp<std::int64_t>(fields["MemFree"], 0, total);
-    const std::int64_t used = total - std::clamp<std::int64_t>(availableIn(fields), 0, total);
 
     MemoryCounters memory{.physical = total};
+    memory.cached = std::clamp<std::int64_t>(reclaimableIn(fields), 0, total - free);
+    const std::int64_t used = total - free - memory.cached;
     memory.compressed = std::clamp<std::int64_t>(fields["Zswap"] + zram, 0, used);
     memory.internal = std::clamp<std::int64_t>(fields["AnonPages"] + fields["Shmem"], 0,
                                                used - memory.compressed);
+    // No list of the kernel's own fields is complete: what drivers hold has none.
     memory.wired = used - memory.compressed - memory.internal;
-    memory.cached = std::max<std::int64_t>(total - used - free, 0);
     memory.swapTotal = fields["SwapTotal"];
     memory.swapUsed = std::max<std::int64_t>(memory.swapTotal - fields["SwapFree"], 0);
     return memory;

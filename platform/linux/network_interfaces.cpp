@@ -39,7 +39,7 @@ std::vector<InterfaceCounters> interfacesIn(std::string_view netDev) {
         if (colon == std::string_view::npos) continue;
         std::string_view name = line.substr(0, colon);
         line.remove_prefix(colon + 1);
-        InterfaceCounters one{.name = std::string(nextWord(name))};
+        InterfaceCounters one{.name = std::string(nextWord(name)), .isWide = true};
         one.received = unsignedNumber(nextWord(line));
         for (int field = 1; field < fieldsUntilSent; ++field)
             nextWord(line);

@@ -62,4 +62,17 @@ std::uint64_t footprintIn(std::string_view status) {
     return (isSplit ? anonymous : resident) + swapped;
 }
 
+std::optional<ProcessTraffic> processTrafficIn(std::string_view io) {
+    ProcessTraffic traffic;
+    int found = 0;
+    while (!io.empty()) {
+        std::string_view line = nextLine(io);
+        const std::string_view name = nextWord(line);
+        if (name != "read_bytes:" && name != "write_bytes:") continue;
+        (name == "read_bytes:" ? traffic.read : traffic.written) = unsignedNumber(nextWord(line));
+        ++found;
+    }
+    return found == 2 ? std::optional(traffic) : std::nullopt;
+}
+
 }  // namespace velto

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ProcessTable.h"
+
 namespace velto {
 
 /// What /proc/<pid>/stat tells of a process (proc_pid_stat(5)).
@@ -26,5 +28,9 @@ std::optional<ProcessStatus> processStatusIn(std::string_view text);
 /// Bytes that would be free without the process, from /proc/<pid>/status: its own memory, in place
 /// and swapped out, without files and without what it shares. 0 for a thread of the kernel.
 std::uint64_t footprintIn(std::string_view status);
+
+/// What a process had the disks read and write, from /proc/<pid>/io (proc_pid_io(5)); nothing when
+/// the text has no such lines.
+std::optional<ProcessTraffic> processTrafficIn(std::string_view io);
 
 }  // namespace velto

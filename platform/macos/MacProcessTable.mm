@@ -36,6 +36,23 @@ std::string textIn(const char (&field)[size]) {
         std::string_view(field, size).substr(0, std::string_view(field, size).find('\0')));
 }
 
+std::optional<proc_bsdinfo> informationOf(pid_t process) {
+    proc_bsdinfo information{};
+    const int size = proc_pidinfo(process, PROC_PIDTBSDINFO, 0, &information, sizeof information);
+    return size == static_cast<int>(sizeof information) ? std::optional(information) : std::nullopt;
+}
+
+std::uint64_t startIn(const proc_bsdinfo& information) {
+    constexpr std::uint64_t microsecondsPerSecond = 1'000'000;
+    return information.pbi_start_tvsec * microsecondsPerSecond + information.pbi_start_tvusec;
+}
+
+/// It has windows and a place in the Dock, and is no part of the desktop itself, as the Finder is.
+bool isForPeople(NSRunningApplication* application) {
+    return application.activationPolicy == NSApplicationActivationPolicyRegular &&
+           !pathOf(application.bundleURL).starts_with("/System/Library/CoreServices/");
+}
+
 std::string nameOf(NSRunningApplication* application) {
     if (application.localizedName != nil) return utf8(application.localizedName);
     return utf8(application.bundleURL.lastPathComponent.stringByDeletingPathExtension);
@@ -48,14 +65,14 @@ std::map<std::int32_t, ProcInfo> MacProcessTable::list() {
     const pid_t own = getpid();
     for (const pid_t process : allProcesses()) {
         if (process < 1 || process == own) continue;
-        proc_bsdinfo information{};
-        const int size =
-            proc_pidinfo(process, PROC_PIDTBSDINFO, 0, &information, sizeof information);
-        if (size != static_cast<int>(sizeof information)) continue;
-        std::string name = textIn(information.pbi_name);
-        if (name.empty()) name = textIn(information.pbi_comm);
-        infos.emplace(process, ProcInfo{.ppid = static_cast<std::int32_t>(information.pbi_ppid),
-                                        .name = std::move(name)});
+        const auto information = informationOf(process);
+        if (!information) continue;
+        std::string name = textIn(information->pbi_name);
+        if (name.empty()) name = textIn(information->pbi_comm);
+        infos.emplace(process, ProcInfo{.ppid = static_cast<std::int32_t>(information->pbi_ppid),
+                                        .name = std::move(name),
+                                        .isOwn = information->pbi_uid == getuid(),
+                                        .start = startIn(*information)});
     }
     return infos;
 }
@@ -67,7 +84,16 @@ std::optional<ProcessUsage> MacProcessTable::usage(std::int32_t process) {
         return std::nullopt;
     }
     return ProcessUsage{.time = used.ri_user_time + used.ri_system_time,
-                        .footprint = used.ri_phys_footprint};
+                        .footprint = used.ri_phys_footprint,
+                        .traffic = ProcessTraffic{.read = used.ri_diskio_bytesread,
+                                                  .written = used.ri_diskio_byteswritten}};
+}
+
+std::int32_t MacProcessTable::ownProcess() const { return getpid(); }
+
+std::optional<std::uint64_t> MacProcessTable::startOf(std::int32_t process) const {
+    const auto information = informationOf(process);
+    return information ? std::optional(startIn(*information)) : std::nullopt;
 }
 
 std::string MacProcessTable::executablePath(std::int32_t process) {
@@ -83,7 +109,8 @@ std::map<std::int32_t, RunningApp> MacProcessTable::runningApps() {
             apps.emplace(application.processIdentifier,
                          RunningApp{.name = nameOf(application),
                                     .bundle = utf8(application.bundleIdentifier),
-                                    .path = pathOf(application.bundleURL)});
+                                    .path = pathOf(application.bundleURL),
+                                    .isForPeople = isForPeople(application)});
         }
         return apps;
     }

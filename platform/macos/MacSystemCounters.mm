@@ -130,6 +130,10 @@ ThermalState MacSystemCounters::thermalState() {
 
 bool MacSystemCounters::isLowPowerModeOn() { return NSProcessInfo.processInfo.lowPowerModeEnabled; }
 
+std::optional<Temperature> MacSystemCounters::temperature() { return std::nullopt; }
+
+GraphicsCounters MacSystemCounters::graphics() { return {}; }
+
 std::optional<std::vector<InterfaceCounters>> MacSystemCounters::interfaces() {
     ifaddrs* first = nullptr;
     if (getifaddrs(&first) != 0) return std::nullopt;

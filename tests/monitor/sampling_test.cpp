@@ -169,6 +169,18 @@ TEST(Network, AWideCounterThatLosesMoreThanAWrapShowsNoPeak) {
     EXPECT_EQ(bytesBetween(std::uint64_t{1} << 40, 5), 0u);
 }
 
+TEST(Network, AWideCounterThatGoesBackHasBegunAnewAndOneThatGrowsHasNot) {
+    const auto sums = [](std::uint64_t received, std::uint64_t sent) {
+        return sumOf({{"wlan0", received, sent, true}, {"eth0", 3'000'000'000, 7, true}});
+    };
+    EXPECT_FALSE(hasBegunAnew(sums(4'294'967'000, 50), sums(4'294'999'000, 50)));
+    // A driver that was loaded again. As a counter of 32 bits it would have moved 2 GB.
+    EXPECT_TRUE(hasBegunAnew(sums(2'200'000'000, 50), sums(1'000, 50)));
+    EXPECT_TRUE(hasBegunAnew(sums(2'200'000'000, 50), sums(2'200'000'000, 0)));
+    EXPECT_FALSE(hasBegunAnew(sumOf({{"eth1", 500, 5, true}}), sums(1, 1)));
+    EXPECT_FALSE(hasBegunAnew(sumOf({{"en0", 4'294'967'000, 9}}), sumOf({{"en0", 104, 1}})));
+}
+
 TEST(Network, AMachineWithoutAnInterfaceSaysSo) {
     EXPECT_EQ(networkDictionary(sumOf({}), sumOf({}), 1).dump(), R"({"avail":false})");
 }

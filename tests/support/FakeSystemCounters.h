@@ -19,6 +19,9 @@ public:
     bool isLowPowerModeOn() override { return lowPower; }
     std::optional<BatteryCounters> battery() override { return batteryCounters; }
     std::optional<std::vector<InterfaceCounters>> interfaces() override { return links; }
+    std::optional<Temperature> temperature() override { return heat; }
+    std::optional<std::vector<DiskCounters>> disks() override { return drives; }
+    GraphicsCounters graphics() override { return graphicsCounters; }
 
     std::optional<ProcessorTicks> ticks = ProcessorTicks{100, 50, 800, 50};
     int cores = 4;
@@ -34,6 +37,9 @@ public:
     std::optional<BatteryCounters> batteryCounters;
     std::optional<std::vector<InterfaceCounters>> links =
         std::vector<InterfaceCounters>{{"en0", 1'000, 500}};
+    std::optional<Temperature> heat;
+    std::optional<std::vector<DiskCounters>> drives;
+    GraphicsCounters graphicsCounters;
 };
 
 /// A made table of processes.
@@ -63,6 +69,12 @@ public:
         return found == processes.end() ? std::string() : found->second.executable;
     }
     std::map<std::int32_t, RunningApp> runningApps() override { return apps; }
+    std::int32_t ownProcess() const override { return 77; }
+    std::optional<std::uint64_t> startOf(std::int32_t process) const override {
+        const auto found = processes.find(process);
+        if (found == processes.end()) return std::nullopt;
+        return found->second.info.start;
+    }
 
     /// A process with so many mebibytes.
     Process& add(std::int32_t process, std::int32_t parent, const std::string& name,

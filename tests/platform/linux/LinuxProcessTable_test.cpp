@@ -67,6 +67,49 @@ TEST_F(ProcessTableTest, AProcessHasItsParentNameTimeAndMemory) {
     EXPECT_EQ(table->executablePath(100), "/usr/bin/worker");
 }
 
+/// Lines of proc_pid_io(5).
+std::string io(std::uint64_t read, std::uint64_t written) {
+    return fmt::format(
+        "rchar: 323934931\nwchar: 323929600\nsyscr: 632687\nsyscw: 632675\n"
+        "read_bytes: {}\nwrite_bytes: {}\ncancelled_write_bytes: 0\n",
+        read, written);
+}
+
+TEST_F(ProcessTableTest, ItsTrafficIsReadWhenTheProcessHasDoneAnything) {
+    record({.pid = 100, .ticks = 10});
+    proc.text("100/io", io(4096, 512));
+    EXPECT_TRUE(table->list().at(100).isOwn);
+    EXPECT_EQ(table->usage(100)->traffic, (ProcessTraffic{4096, 512}));
+    proc.text("100/io", io(8192, 1024));
+    EXPECT_EQ(table->usage(100)->traffic, (ProcessTraffic{4096, 512}));
+    record({.pid = 100, .ticks = 11});
+    EXPECT_EQ(table->usage(100)->traffic, (ProcessTraffic{8192, 1024}));
+    proc.text("100/io", io(8192, 2048));
+    record({.pid = 100, .ticks = 11, .faults = 11});
+    EXPECT_EQ(table->usage(100)->traffic, (ProcessTraffic{8192, 2048}));
+}
+
+TEST_F(ProcessTableTest, AKernelThatDoesNotTellTheTrafficIsNoFailure) {
+    record({.pid = 100});
+    table->list();
+    EXPECT_FALSE(table->usage(100)->traffic);
+    record({.pid = 101});
+    proc.text("101/io", "rchar: 1\nread_bytes: 5\n");
+    table->list();
+    EXPECT_FALSE(table->usage(101)->traffic);
+}
+
+TEST_F(ProcessTableTest, AProcessIsKnownAgainByItsStart) {
+    record({.pid = 100, .start = 4711});
+    EXPECT_EQ(table->list().at(100).start, 4711u);
+    EXPECT_EQ(table->startOf(100), 4711u);
+    record({.pid = 100, .start = 4712});  // the number is another one's by now
+    EXPECT_EQ(table->startOf(100), 4712u);
+    record({.pid = 100, .start = 4712, .state = 'Z'});
+    EXPECT_FALSE(table->startOf(100));
+    EXPECT_FALSE(table->startOf(101));
+}
+
 TEST_F(ProcessTableTest, AThreadOfTheKernelHasNoMemoryAndNoProgram) {
     record({.pid = 2, .parent = 0, .command = "kthreadd", .executable = ""});
     proc.text("2/status", "Name:\tkthreadd\n");

@@ -75,6 +75,129 @@ TEST_F(PowerSupply, WithoutAFlowThereIsNoEstimate) {
     EXPECT_EQ(battery()->minutesToEmpty, -1);
 }
 
+/// A ThinkPad (T450s and its like) away from the wall once the first battery is used up; the
+/// figures of github.com/jaor/xmobar/issues/315, where the second one's are as its model's.
+TEST_F(PowerSupply, OfTwoBatteriesTheLevelIsThatOfBothTogetherAndOneThatRunsEmptyCounts) {
+    supply("AC", {{"type", "Mains"}, {"online", "0"}});
+    supply("BAT0", {{"type", "Battery"},
+                    {"present", "1"},
+                    {"status", "Unknown"},
+                    {"capacity", "5"},
+                    {"energy_now", "1410000"},
+                    {"energy_full", "25860000"},
+                    {"power_now", "0"},
+                    {"cycle_count", "5"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"present", "1"},
+                    {"status", "Discharging"},
+                    {"capacity", "90"},
+                    {"energy_now", "60840000"},
+                    {"energy_full", "67600000"},
+                    {"power_now", "8300000"},
+                    {"cycle_count", "41"}});
+    const auto found = battery();
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->current, 1410000 + 60840000);
+    EXPECT_EQ(found->maximum, 25860000 + 67600000);
+    EXPECT_FALSE(found->isCharged);
+    EXPECT_FALSE(found->isCharging);
+    EXPECT_EQ(found->powerSource, "Battery Power");
+    EXPECT_EQ(found->minutesToEmpty, 450);  // what both hold, at the pace of the one
+    EXPECT_EQ(found->cycles, 41);
+}
+
+/// The same machine at the wall: it charges one battery at a time. An empty one says "Unknown"
+/// meanwhile (github.com/enkore/i3pystatus/issues/156).
+TEST_F(PowerSupply, OfTwoBatteriesOneThatChargesMeansCharging) {
+    supply("AC", {{"type", "Mains"}, {"online", "1"}});
+    supply("BAT0", {{"type", "Battery"},
+                    {"status", "Charging"},
+                    {"energy_now", "10000000"},
+                    {"energy_full", "25000000"},
+                    {"power_now", "15000000"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"status", "Unknown"},
+                    {"energy_now", "0"},
+                    {"energy_full", "30380000"},
+                    {"power_now", "0"}});
+    const auto found = battery();
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(found->isCharging);
+    EXPECT_EQ(found->minutesToFull, 182);  // 45.38 Wh at 15 W
+    EXPECT_EQ(found->powerSource, "AC Power");
+}
+
+TEST_F(PowerSupply, TwoBatteriesAreChargedOnlyWhenBothAre) {
+    supply("AC", {{"type", "Mains"}, {"online", "1"}});
+    supply("BAT0", {{"type", "Battery"},
+                    {"status", "Full"},
+                    {"charge_now", "3000000"},
+                    {"charge_full", "3000000"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"status", "Not charging"},
+                    {"charge_now", "4000000"},
+                    {"charge_full", "5000000"}});
+    EXPECT_FALSE(battery()->isCharged);
+    EXPECT_EQ(battery()->current, 7000000);
+    EXPECT_EQ(battery()->maximum, 8000000);
+    EXPECT_EQ(battery()->powerSource, "AC Power");
+    supply("BAT1", {{"status", "Full"}});
+    EXPECT_TRUE(battery()->isCharged);
+}
+
+TEST_F(PowerSupply, TwoBatteriesThatCountInDifferentUnitsAreWeighedByTheirVoltage) {
+    supply("BAT0", {{"type", "Battery"},
+                    {"status", "Discharging"},
+                    {"energy_now", "30000000"},
+                    {"energy_full", "30000000"},
+                    {"power_now", "10000000"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"status", "Discharging"},
+                    {"charge_now", "1000000"},
+                    {"charge_full", "3000000"},
+                    {"current_now", "-500000"},
+                    {"voltage_min_design", "10000000"}});
+    const auto found = battery();
+    EXPECT_EQ(found->current, 40000000);
+    EXPECT_EQ(found->maximum, 60000000);
+    EXPECT_EQ(found->minutesToEmpty, 160);  // 40 Wh at 15 W
+}
+
+TEST_F(PowerSupply, TwoBatteriesThatTellOnlyPercentWeighTheSame) {
+    supply("BAT0", {{"type", "Battery"}, {"status", "Discharging"}, {"capacity", "80"}});
+    supply("BAT1", {{"type", "Battery"},
+                    {"status", "Discharging"},
+                    {"capacity", "30"},
+                    {"energy_now", "3000000"},
+                    {"energy_full", "10000000"}});
+    EXPECT_EQ(battery()->current, 110);
+    EXPECT_EQ(battery()->maximum, 200);
+    EXPECT_EQ(battery()->minutesToEmpty, -1);
+}
+
+/// A charge threshold at the wall, and a charger that is too weak or has just been unplugged.
+TEST_F(PowerSupply, OneThatIsNotChargingIsOnTheAdapterOnlyWhenThereIsOne) {
+    supply("BAT0", {{"type", "Battery"}, {"status", "Not charging"}, {"capacity", "80"}});
+    EXPECT_EQ(battery()->powerSource, "AC Power");  // no adapter could say anything else
+    supply("AC", {{"type", "Mains"}, {"online", "0"}});
+    EXPECT_EQ(battery()->powerSource, "Battery Power");
+    supply("AC", {{"online", "1"}});
+    EXPECT_EQ(battery()->powerSource, "AC Power");
+}
+
+/// The ports of a laptop that charges by USB-C, as ucsi_acpi names them. A supply whose voltage is
+/// negotiated says 2 (Documentation/ABI/testing/sysfs-class-power of the kernel).
+TEST_F(PowerSupply, AUsbChargerIsAnAdapterAndAPortThatFeedsSomethingIsNot) {
+    supply("BAT0", {{"type", "Battery"}, {"status", "Not charging"}, {"capacity", "80"}});
+    supply("ucsi-source-psy-USBC000:001", {{"type", "USB"}, {"scope", "Device"}, {"online", "1"}});
+    supply("ucsi-source-psy-USBC000:002", {{"type", "USB"}, {"scope", "System"}, {"online", "0"}});
+    EXPECT_EQ(battery()->powerSource, "Battery Power");
+    supply("ucsi-source-psy-USBC000:002", {{"online", "2"}});
+    EXPECT_EQ(battery()->powerSource, "AC Power");
+    supply("ucsi-source-psy-USBC000:002", {{"type", "USB_PD"}, {"online", "1"}});
+    EXPECT_EQ(battery()->powerSource, "AC Power");
+}
+
 TEST_F(PowerSupply, AFullOneAndOneThatOnlyWaitsAreOnTheAdapter) {
     supply("AC", {{"type", "Mains"}, {"online", "1"}});
     supply("BAT0", {{"type", "Battery"}, {"status", "Full"}, {"capacity", "100"}});
@@ -96,6 +219,7 @@ TEST_F(PowerSupply, TheBatteryOfAMouseIsNotTheMachines) {
     EXPECT_FALSE(battery());
     supply("cw2015", {{"type", "Battery"}, {"capacity", "55"}});
     EXPECT_EQ(battery()->current, 55);
+    EXPECT_EQ(battery()->maximum, 100);  // the mouse's is not in it
 }
 
 TEST_F(PowerSupply, ThePowerProfileOfFirmwareOrProcessor) {
@@ -111,53 +235,23 @@ TEST_F(PowerSupply, ThePowerProfileOfFirmwareOrProcessor) {
     EXPECT_FALSE(isPowerSaved(machine.path()));
 }
 
-struct Thermal : PowerSupply {
-    void zone(const std::string& name, int temperature,
-              const std::vector<std::pair<std::string, int>>& trips) {
-        const std::string folder = "class/thermal/" + name + "/";
-        machine.text(folder + "temp", std::to_string(temperature) + "\n");
-        for (std::size_t i = 0; i < trips.size(); ++i) {
-            const std::string start = folder + "trip_point_" + std::to_string(i);
-            machine.text(start + "_type", trips[i].first + "\n");
-            machine.text(start + "_temp", std::to_string(trips[i].second) + "\n");
-        }
-    }
-    ThermalState state() { return thermalStateIn(machine.path()); }
-};
-
-TEST_F(Thermal, TheStateFollowsTheLimitsOfTheZone) {
-    const auto at = [&](int temperature) {
-        zone("thermal_zone0", temperature, {{"critical", 105'000}, {"passive", 90'000}});
-        return state();
+/// The choices of laptops of several makers: github.com/linrunner/TLP/issues/563,
+/// github.com/PXDiv/Div-Acer-Manager-Max/issues/24, and the driver hp-wmi of the kernel.
+TEST_F(PowerSupply, AQuietProfileSavesPowerWhereThereIsNoneThatIsMadeForIt) {
+    const auto saved = [&](const char* choices, const char* profile) {
+        machine.text("firmware/acpi/platform_profile_choices", std::string(choices) + "\n");
+        machine.text("firmware/acpi/platform_profile", std::string(profile) + "\n");
+        return isPowerSaved(machine.path());
     };
-    EXPECT_EQ(at(60'000), ThermalState::nominal);
-    EXPECT_EQ(at(79'999), ThermalState::nominal);
-    EXPECT_EQ(at(80'000), ThermalState::fair);
-    EXPECT_EQ(at(90'000), ThermalState::serious);
-    EXPECT_EQ(at(100'000), ThermalState::critical);
-}
-
-TEST_F(Thermal, AZoneThatOnlyTurnsTheMachineOffWarnsBeforeThat) {
-    const auto at = [&](int temperature) {
-        zone("thermal_zone0", temperature, {{"critical", 100'000}});
-        return state();
-    };
-    EXPECT_EQ(at(70'000), ThermalState::nominal);
-    EXPECT_EQ(at(80'000), ThermalState::fair);
-    EXPECT_EQ(at(86'000), ThermalState::serious);
-    EXPECT_EQ(at(95'000), ThermalState::critical);
-}
-
-TEST_F(Thermal, TheHottestZoneCountsAndOneWithoutLimitsSaysNothing) {
-    zone("thermal_zone0", 40'000, {{"passive", 90'000}});
-    zone("thermal_zone1", 99'000, {});
-    zone("thermal_zone2", 120'000, {{"passive", -274'000}, {"active", 50'000}});
-    zone("cooling_device0", 99'000, {{"passive", 10'000}});
-    EXPECT_EQ(state(), ThermalState::nominal);
-    zone("thermal_zone3", 92'000, {{"hot", 90'000}});
-    EXPECT_EQ(state(), ThermalState::serious);
-    machine.text("class/thermal/thermal_zone3/mode", "disabled\n");
-    EXPECT_EQ(state(), ThermalState::nominal);
+    const char* const withQuiet = "low-power quiet balanced balanced-performance performance";
+    EXPECT_TRUE(saved(withQuiet, "low-power"));
+    EXPECT_FALSE(saved(withQuiet, "quiet"));
+    EXPECT_FALSE(saved("cool low-power balanced", "cool"));
+    const char* const withoutLowPower = "cool quiet balanced performance";
+    EXPECT_TRUE(saved(withoutLowPower, "cool"));
+    EXPECT_TRUE(saved(withoutLowPower, "quiet"));
+    EXPECT_FALSE(saved(withoutLowPower, "balanced"));
+    EXPECT_FALSE(saved("low-power balanced performance", "performance"));
 }
 
 }  // namespace

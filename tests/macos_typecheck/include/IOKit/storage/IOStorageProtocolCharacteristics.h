@@ -1,0 +1,5 @@
+#pragma once
+
+#define kIOPropertyProtocolCharacteristicsKey "Protocol Characteristics"
+#define kIOPropertyPhysicalInterconnectTypeKey "Physical Interconnect"
+#define kIOPropertyPhysicalInterconnectTypeVirtual "Virtual Interface"
