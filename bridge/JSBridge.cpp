@@ -4,6 +4,7 @@
 
 #include "bridge/AppsWork.h"
 #include "bridge/PackageIntents.h"
+#include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
@@ -47,7 +48,9 @@ JSBridge::JSBridge(const BridgeContext& context)
                                                                    .platform = platform_,
                                                                    .language = language_,
                                                                    .uninstalls = uninstalls_,
-                                                                   .work = apps_})) {
+                                                                   .work = apps_})),
+      quitIntents_(std::make_shared<QuitIntents>(
+          QuitIntents::Context{.link = *this, .platform = platform_, .language = language_})) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {

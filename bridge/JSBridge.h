@@ -46,6 +46,7 @@ struct BridgeContext {
 struct AppsWork;
 struct UninstallRecord;
 class PackageIntents;
+class QuitIntents;
 class TrashIntents;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
@@ -213,6 +214,7 @@ private:
     int resetsAhead_ = 0;                          // asked for and not done yet
     std::shared_ptr<TrashIntents> trashIntents_;
     std::shared_ptr<PackageIntents> packageIntents_;
+    std::shared_ptr<QuitIntents> quitIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

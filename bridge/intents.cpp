@@ -4,6 +4,7 @@
 
 #include "bridge/JSBridge.h"
 #include "bridge/PackageIntents.h"
+#include "bridge/QuitIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 
@@ -22,17 +23,15 @@ struct IntentTable {
     static void own(JSBridge& bridge, const Payload& payload) {
         (bridge.*intent)(payload);
     }
-    template <auto intent>
-    static void trash(JSBridge& bridge, const Payload& payload) {
-        (*bridge.trashIntents_.*intent)(payload);
+    template <auto intents, auto intent>
+    static void at(JSBridge& bridge, const Payload& payload) {
+        (*(bridge.*intents).*intent)(payload);
     }
+    static constexpr auto trash = &JSBridge::trashIntents_;
+    static constexpr auto packages = &JSBridge::packageIntents_;
+    static constexpr auto quitting = &JSBridge::quitIntents_;
 
-    template <auto intent>
-    static void packages(JSBridge& bridge, const Payload& payload) {
-        (*bridge.packageIntents_.*intent)(payload);
-    }
-
-    static constexpr std::array<Row, 34> rows{{
+    static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
         {"settings", own<&JSBridge::onSettings>},
         {"setTheme", own<&JSBridge::onSetTheme>},
@@ -42,19 +41,19 @@ struct IntentTable {
         {"appAnalysis", own<&JSBridge::onAppAnalysis>},
         {"uninstall", own<&JSBridge::onUninstall>},
         {"revealPath", own<&JSBridge::onRevealPath>},
-        {"deleteFiles", trash<&TrashIntents::onDeleteFiles>},
-        {"undoLast", trash<&TrashIntents::onUndoLast>},
-        {"restoreItem", trash<&TrashIntents::onRestoreItem>},
-        {"purgeItem", trash<&TrashIntents::onPurgeItem>},
-        {"purgeTrash", trash<&TrashIntents::onPurgeTrash>},
-        {"clearHistory", trash<&TrashIntents::onClearHistory>},
+        {"deleteFiles", at<trash, &TrashIntents::onDeleteFiles>},
+        {"undoLast", at<trash, &TrashIntents::onUndoLast>},
+        {"restoreItem", at<trash, &TrashIntents::onRestoreItem>},
+        {"purgeItem", at<trash, &TrashIntents::onPurgeItem>},
+        {"purgeTrash", at<trash, &TrashIntents::onPurgeTrash>},
+        {"clearHistory", at<trash, &TrashIntents::onClearHistory>},
         {"openFDASettings", own<&JSBridge::onOpenAccessSettings>},
         {"requestAccess", own<&JSBridge::onRequestAccess>},
         {"checkAccess", own<&JSBridge::onCheckAccess>},
         {"resetAccess", own<&JSBridge::onResetAccess>},
         {"addExclusion", own<&JSBridge::onAddExclusion>},
         {"scanCleanables", own<&JSBridge::onScanCleanables>},
-        {"cleanPaths", trash<&TrashIntents::onCleanPaths>},
+        {"cleanPaths", at<trash, &TrashIntents::onCleanPaths>},
         {"moveCloud", own<&JSBridge::onMoveCloud>},
         {"resetVelto", own<&JSBridge::onResetVelto>},
         {"goView", own<&JSBridge::onGoView>},
@@ -63,11 +62,13 @@ struct IntentTable {
         {"removeExclusion", own<&JSBridge::onRemoveExclusion>},
         {"maintenanceStatus", own<&JSBridge::onMaintenanceStatus>},
         {"measureMaintenance", own<&JSBridge::onMeasureMaintenance>},
-        {"restoreItemTo", trash<&TrashIntents::onRestoreItemTo>},
-        {"appPackage", packages<&PackageIntents::onAppPackage>},
-        {"removePackage", packages<&PackageIntents::onRemovePackage>},
-        {"giveUpWaiting", trash<&TrashIntents::onGiveUpWaiting>},
-    }};
+        {"restoreItemTo", at<trash, &TrashIntents::onRestoreItemTo>},
+        {"appPackage", at<packages, &PackageIntents::onAppPackage>},
+        {"removePackage", at<packages, &PackageIntents::onRemovePackage>},
+        {"giveUpWaiting", at<trash, &TrashIntents::onGiveUpWaiting>},
+        {"quitApplication", at<quitting, &QuitIntents::onQuitApplication>},
+        {"endApplication", at<quitting, &QuitIntents::onEndApplication>},
+    });
 };
 
 void JSBridge::handle(const std::string& type, const Payload& payload) {

@@ -1,5 +1,7 @@
 #include "bridge/JSBridge.h"
+#include "bridge/QuitIntents.h"
 #include "bridge/events.h"
+#include "bridge/system_events.h"
 
 namespace velto {
 
@@ -15,7 +17,8 @@ std::unique_ptr<SystemMonitor> JSBridge::makeSystemMonitor() {
             .startupVolume = platform.layout.home,
             .icon = [&platform](const std::string& path,
                                 int points) { return platform.icons->pngDataURL(path, points); },
-            .turn = &platform.sampling},
+            .turn = &platform.sampling,
+            .ownIdentifier = platform.bundleIdentifier},
         platform.makeQueue(SystemMonitor::queueLabel));
 }
 
@@ -35,6 +38,15 @@ void JSBridge::sendSamples() {
         platform.dispatcher->main([weak, script = events::system(sample)] {
             if (const auto bridge = weak.lock()) bridge->evaluate(script);
         });
+    };
+    system->onActivity = [&platform = platform_, weak = weak_from_this()](const Activity& now) {
+        platform.dispatcher->main(
+            [weak, script = events::systemActivity(now.record), quittable = now.quittable] {
+                const auto bridge = weak.lock();
+                if (!bridge) return;
+                bridge->quitIntents_->know(quittable);
+                bridge->evaluate(script);
+            });
     };
 }
 

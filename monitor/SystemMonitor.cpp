@@ -39,6 +39,7 @@ void SystemMonitor::startOrStop() {
     }
     timer = queue_.repeat(firstDeadline, period, [this] {
         const sampling::Dictionary taken = sampleInTurn();
+        if (onActivity) onActivity(activity_);
         if (onSample) onSample(taken);
     });
 }
@@ -53,6 +54,7 @@ sampling::Dictionary SystemMonitor::sample() {
     const double now = context_.clock.monotonic();
     const double elapsed = prevStamp ? now - *prevStamp : 0;
     sampling::Dictionary taken = sampling::Dictionary::object();
+    activity_ = {.record = sampling::Dictionary::object(), .quittable = {}};
     addProcessor(taken);
     addMemory(taken);
     addDisk(taken);
@@ -60,6 +62,11 @@ sampling::Dictionary SystemMonitor::sample() {
                                                    context_.counters.isLowPowerModeOn());
     taken["battery"] = sampling::batteryDictionary(context_.counters.battery());
     addNetwork(taken, elapsed);
+    if (const auto heat = context_.counters.temperature()) {
+        activity_.record["temperature"] = sampling::temperatureDictionary(*heat);
+    }
+    addDisks(elapsed);
+    addGraphics(elapsed);
     refreshProcessMap();
     taken["procs"] = groups(processMap, prevProcCPU, elapsed);
     prevStamp = now;
@@ -99,6 +106,26 @@ void SystemMonitor::addNetwork(sampling::Dictionary& sample, double elapsed) {
     prevNet = std::move(sums);
 }
 
+void SystemMonitor::addDisks(double elapsed) {
+    auto disks = context_.counters.disks();
+    if (disks && !disks->empty() && prevDisks && elapsed > 0) {
+        if (const auto rates = sampling::diskRates(*prevDisks, *disks, elapsed)) {
+            activity_.record["disk"] = {{"read", rates->read}, {"written", rates->written}};
+        }
+    }
+    prevDisks = std::move(disks);
+}
+
+void SystemMonitor::addGraphics(double elapsed) {
+    GraphicsCounters graphics = context_.counters.graphics();
+    if (elapsed > 0) {
+        if (const auto load = sampling::graphicsLoad(prevGraphics, graphics, elapsed)) {
+            activity_.record["gpu"] = {{"pct", *load}};
+        }
+    }
+    prevGraphics = std::move(graphics);
+}
+
 void SystemMonitor::refreshProcessMap() {
     const double now = context_.clock.monotonic();
     if (processMapStamp && now - *processMapStamp < processMapAge) return;
@@ -108,36 +135,70 @@ void SystemMonitor::refreshProcessMap() {
 
 RunningApps SystemMonitor::runningApps() { return context_.processes.runningApps(); }
 
-std::vector<sampling::Dictionary> SystemMonitor::groups(const ProcessMap& processes,
-                                                        const ProcessTimes& previousTimes,
-                                                        double elapsedSeconds) {
+Groups SystemMonitor::gather(const ProcessMap& processes, const ProcessTimes& previousTimes,
+                             double elapsedSeconds) {
     constexpr double mebibytesPerByte = 9.5367431640625e-7;
     const RunningApps apps = runningApps();
+    const OwnProgram own{context_.processes.ownProcess(), context_.ownIdentifier};
     ProcessTimes times;
     times.reserve(processes.size());
+    ProcessTraffics traffics;
     Groups gathered;
     for (const auto& [process, info] : processes) {
         const std::optional<ProcessUsage> usage = context_.processes.usage(process);
         if (!usage) continue;
         times.emplace(process, usage->time);
+        if (usage->traffic) traffics.emplace(process, *usage->traffic);
         // What the system calls a process that is being taken away.
         if (info.name.empty() || info.name == "deleted") continue;
 
         const auto before = previousTimes.find(process);
         const auto previous =
             before == previousTimes.end() ? std::nullopt : std::optional(before->second);
-        auto [key, fresh] = groupOf(process, info, ownerOf(process, processes, apps), apps);
+        const auto owner = ownerOf(process, processes, apps);
+        auto [key, fresh] = groupOf(process, info, owner, apps);
         const auto [found, isNew] = gathered.try_emplace(std::move(key), std::move(fresh));
         Group& group = found->second;
         if (!isNew) ++group.procs;
         group.cpu += processorPercent(usage->time, previous, elapsedSeconds);
         group.mem += static_cast<double>(usage->footprint) * mebibytesPerByte;
         if (group.path.empty()) group.path = bundleOf(context_.processes.executablePath(process));
+        if (owner == process) addRoot(group, {process, info.start}, processes, apps, own);
+        const auto moved = prevTraffic.find(process);
+        if (moved == prevTraffic.end()) continue;
+        if (const auto traffic = trafficSince(moved->second, usage->traffic)) {
+            ProcessTraffic& sum = group.traffic ? *group.traffic : group.traffic.emplace();
+            sum.read += traffic->read;
+            sum.written += traffic->written;
+        }
     }
     prevProcCPU = std::move(times);
+    prevTraffic = std::move(traffics);
+    return gathered;
+}
 
+void SystemMonitor::tellGroup(const Group& group, double elapsed) {
+    sampling::Dictionary told{{"pid", group.pid}};
+    if (group.traffic && elapsed > 0) {
+        told["read"] = static_cast<double>(group.traffic->read) / elapsed;
+        told["written"] = static_cast<double>(group.traffic->written) / elapsed;
+    }
+    if (group.canQuit && !group.roots.empty()) {
+        told["canQuit"] = true;
+        activity_.quittable.push_back({group.pid, group.name, group.roots});
+    }
+    activity_.record["procs"].push_back(std::move(told));
+}
+
+std::vector<sampling::Dictionary> SystemMonitor::groups(const ProcessMap& processes,
+                                                        const ProcessTimes& previousTimes,
+                                                        double elapsedSeconds) {
+    const Groups gathered = gather(processes, previousTimes, elapsedSeconds);
+    activity_.record["procs"] = sampling::Dictionary::array();
+    activity_.quittable.clear();
     std::vector<sampling::Dictionary> result;
     for (const Group* group : heaviest(gathered)) {
+        tellGroup(*group, elapsedSeconds);
         result.push_back({{"name", group->name},
                           {"pid", group->pid},
                           {"kind", group->kind},

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "monitor/activity.h"
 #include "monitor/process_groups.h"
 #include "monitor/sampling.h"
 #include "platform/ApplicationActivity.h"
@@ -37,6 +38,7 @@ struct MonitorContext {
     // Held while a sample is taken, by monitors that look at the same machine: one that is going
     // away may still be at its last. None where there is no other.
     std::mutex* turn = nullptr;
+    std::string ownIdentifier;  // of this program
 };
 
 /// A live picture of the machine: one sample every two seconds while the page wants it and the
@@ -69,11 +71,17 @@ public:
     /// Receives each sample, on the queue. Set once, before the first `watch`.
     std::function<void(const sampling::Dictionary&)> onSample;
 
+    /// Receives what there is to tell beside a sample, right before it, on the queue. May be empty.
+    std::function<void(const Activity&)> onActivity;
+
     /// The page wants live samples, or no longer. Safe from every thread.
     void watch(bool on);
 
     /// One sample now. On the queue.
     sampling::Dictionary sample();
+
+    /// What there is to tell beside the last sample. On the queue.
+    const Activity& activity() const { return activity_; }
 
     /// The heaviest groups of the processes in the map, and their times for the next call.
     /// `elapsedSeconds` is 0 when there is nothing to compare with. On the queue.
@@ -104,6 +112,9 @@ public:
     std::optional<ProcessorTicks> prevCPUTicks;
     std::optional<sampling::NetworkSums> prevNet;
     ProcessTimes prevProcCPU;
+    std::optional<std::vector<DiskCounters>> prevDisks;
+    GraphicsCounters prevGraphics;
+    ProcessTraffics prevTraffic;
     std::optional<double> prevStamp;  // seconds of the monotonic clock
     ProcessMap processMap;
     std::optional<double> processMapStamp;
@@ -117,6 +128,13 @@ private:
     void addMemory(sampling::Dictionary& sample);
     void addDisk(sampling::Dictionary& sample);
     void addNetwork(sampling::Dictionary& sample, double elapsed);
+    void addDisks(double elapsed);
+    void addGraphics(double elapsed);
+    Groups gather(const ProcessMap& processes, const ProcessTimes& previousTimes,
+                  double elapsedSeconds);
+    void tellGroup(const Group& group, double elapsed);
+
+    Activity activity_;
 };
 
 }  // namespace velto

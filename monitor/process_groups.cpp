@@ -21,6 +21,18 @@ std::vector<const Group*> largest(std::vector<const Group*> all, Measure measure
     return all;
 }
 
+/// In the tree of processes; `ancestor` itself need not be listed.
+bool isBelow(std::int32_t process, std::int32_t ancestor, const ProcessMap& processes) {
+    constexpr int longestChain = 64;  // a listing that contradicts itself may go round in circles
+    for (int step = 0; step < longestChain; ++step) {
+        const auto found = processes.find(process);
+        if (found == processes.end()) return false;
+        process = found->second.ppid;
+        if (process == ancestor) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 std::optional<std::int32_t> ownerOf(std::int32_t process, const ProcessMap& processes,
@@ -50,6 +62,29 @@ std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info
     const std::string key =
         app.bundle.empty() ? "app:" + std::to_string(*owner) : "svc:" + app.bundle + "#" + app.name;
     return {key, {.name = app.name, .procs = 1, .kind = "app", .pid = *owner, .path = app.path}};
+}
+
+std::optional<ProcessTraffic> trafficSince(const std::optional<ProcessTraffic>& previous,
+                                           const std::optional<ProcessTraffic>& now) {
+    if (!previous || !now) return std::nullopt;
+    const auto since = [](std::uint64_t old, std::uint64_t current) {
+        return current > old ? current - old : 0;
+    };
+    return ProcessTraffic{.read = since(previous->read, now->read),
+                          .written = since(previous->written, now->written)};
+}
+
+void addRoot(Group& group, ProcessBeginning process, const ProcessMap& processes,
+             const RunningApps& apps, const OwnProgram& own) {
+    const auto app = apps.find(process.process);
+    if (app == apps.end()) return;
+    group.roots.push_back(process);
+    const auto info = processes.find(process.process);
+    const bool isOwnPart =
+        app->second.bundle == own.identifier || isBelow(process.process, own.process, processes);
+    if (info == processes.end() || !info->second.isOwn || !app->second.isForPeople || isOwnPart) {
+        group.canQuit = false;
+    }
 }
 
 std::string bundleOf(const std::string& executable) {

@@ -17,6 +17,16 @@ using RunningApps = std::map<std::int32_t, RunningApp>;
 /// Cumulative processor time in nanoseconds by process.
 using ProcessTimes = std::unordered_map<std::int32_t, std::uint64_t>;
 
+using ProcessTraffics = std::unordered_map<std::int32_t, ProcessTraffic>;
+
+/// A process, and when it began: another one that has its number later began later.
+struct ProcessBeginning {
+    std::int32_t process = 0;
+    std::uint64_t start = 0;
+
+    bool operator==(const ProcessBeginning&) const = default;
+};
+
 /// Processes that belong together.
 struct Group {
     std::string name;
@@ -26,8 +36,18 @@ struct Group {
     std::string kind;  // "app" or "other"
     std::int32_t pid = 0;
     std::string path;  // of the bundle whose icon stands for it; may be empty
+
+    std::optional<ProcessTraffic> traffic;  // bytes since the last look, as far as they are told
+    std::vector<ProcessBeginning> roots;    // its applications' first processes
+    bool canQuit = true;                    // each of these may be asked to, if there is one
 };
 using Groups = std::map<std::string, Group>;
+
+/// This program.
+struct OwnProgram {
+    std::int32_t process = 0;
+    std::string identifier;
+};
 
 /// The process of the application to which a process belongs: the nearest of its eight nearest
 /// ancestors that is an application, else the process itself; nothing when neither is one.
@@ -41,6 +61,17 @@ double processorPercent(std::uint64_t time, std::optional<std::uint64_t> previou
 /// A group's key and a group with this one process in it, without `cpu` and `mem`.
 std::pair<std::string, Group> groupOf(std::int32_t process, const ProcInfo& info,
                                       std::optional<std::int32_t> owner, const RunningApps& apps);
+
+/// What has passed since the last look; nothing when nothing is known from before. A smaller
+/// counter has moved nothing.
+std::optional<ProcessTraffic> trafficSince(const std::optional<ProcessTraffic>& previous,
+                                           const std::optional<ProcessTraffic>& now);
+
+/// Counts the process in among the group's first processes when it is one: an application's, and no
+/// application has started it. Only the user's own applications may be asked to quit, and never
+/// this program, whose process and identifier are given, nor what belongs to it.
+void addRoot(Group& group, ProcessBeginning process, const ProcessMap& processes,
+             const RunningApps& apps, const OwnProgram& own);
 
 /// The outermost bundle that holds an executable; empty when none does.
 std::string bundleOf(const std::string& executable);

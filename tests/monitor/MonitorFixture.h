@@ -35,7 +35,8 @@ struct MonitorFixture : testing::Test {
                                    return path.find("faceless") == std::string::npos
                                               ? std::optional("icon:" + std::to_string(points))
                                               : std::nullopt;
-                               }},
+                               },
+                           .ownIdentifier = "app.velto"},
             std::make_unique<FakeSerialQueue>(queue));
         made->onSample = [this](const sampling::Dictionary& sample) { samples.push_back(sample); };
         return made;
