@@ -68,7 +68,7 @@ TEST_F(QuitIntentsTest, OneThatStaysOpenIsLeftAloneAndTheUserHearsWhy) {
     EXPECT_NE(lastAnswer().find(open_), std::string::npos) << lastAnswer();
     EXPECT_NE(lastToast().find("“Editor” is still open. It may be waiting"), std::string::npos)
         << lastToast();
-    settings.setLanguage("es");
+    post("settings", {{"language", "es"}});
     ask("quitApplication");
     EXPECT_NE(lastToast().find("«Editor» sigue abierta."), std::string::npos) << lastToast();
 }

@@ -48,8 +48,9 @@ const readers: Readers = {
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
-  'onTrashWaiting', 'onRefused', 'onRestoreBlocked', 'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis',
-  'onUninstallProgress', 'onUninstallResult', 'onSystem', 'onQuitting',
+  'onTrashWaiting', 'onRefused', 'onRestoreBlocked',
+  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress', 'onUninstallResult',
+  'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

@@ -3,7 +3,7 @@ import * as appGuards from './appGuards.ts';
 import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
 import * as guards from './guards.ts';
-import { systemSample } from './systemGuards.ts';
+import { systemActivity, systemSample } from './systemGuards.ts';
 
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
@@ -38,6 +38,14 @@ export const laterReaders: LaterReaders = {
     return result && [result];
   },
   onQuitting: ([value]) => [guards.fieldsOf(value)?.running === 'uninstall' ? 'uninstall' : 'cleanup'],
+  onSystemActivity: ([value]) => {
+    const activity = systemActivity(value);
+    return activity && [activity];
+  },
+  onApplicationStopped: ([value]) => {
+    const fields = guards.fieldsOf(value);
+    return fields && [guards.number(fields.pid), fields.ended === true];
+  },
   onSystem: ([value]) => {
     const sample = systemSample(value);
     return sample && [sample];

@@ -4,8 +4,8 @@
  */
 import type {
   AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
-  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemSample, TrashItem, UninstallResult,
-  UninstallStage, WaitingItem,
+  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem,
+  UninstallResult, UninstallStage, WaitingItem,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -33,6 +33,8 @@ export interface Intents {
   setTheme: { theme: 'light' | 'dark' };
   scan: void;
   systemWatch: { on: boolean };
+  quitApplication: { pid: number };
+  endApplication: { pid: number };
   appsList: void;
   appAnalysis: { path: string };
   uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
@@ -90,7 +92,9 @@ export interface Events {
   onAppAnalysis: [analysis: AppAnalysis];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
+  onSystemActivity: [activity: SystemActivity];
   onSystem: [sample: SystemSample];
+  onApplicationStopped: [pid: number, ended: boolean];
   /** The program ends as soon as what runs is done. */
   onQuitting: [running: Running];
 }

@@ -293,3 +293,26 @@ export interface SystemSample {
   net?: { avail: boolean; iface: string; down: number; up: number };
   procs?: ProcessGroup[];
 }
+
+export const heatedParts = ['processor', 'graphics', 'disk', 'machine'] as const;
+
+/** What there is to know of a group of processes beside its weight. */
+export interface GroupActivity {
+  /** The process of the group. */
+  pid: number;
+  /** Bytes a second to and from the disks, of those processes that may be asked. */
+  read?: number;
+  written?: number;
+  /** It is an application of the user's own. */
+  canQuit: boolean;
+}
+
+/** What there is to tell beside the sample that follows; what is not known is left out. */
+export interface SystemActivity {
+  /** Bytes a second, of all disks together. */
+  disk?: { read: number; written: number };
+  temperature?: { celsius: number; part: (typeof heatedParts)[number] };
+  /** Percent of the busiest graphics processor. */
+  gpu?: { pct: number };
+  procs: GroupActivity[];
+}

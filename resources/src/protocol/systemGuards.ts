@@ -1,8 +1,8 @@
 /** Reads the samples of the machine. A source that is missing stays missing: nothing is made up. */
 import { icon, percent } from './appGuards.ts';
 import { fieldsOf, list, number, size, text } from './guards.ts';
-import { batteryStates, pressures, thermalStates } from './records.ts';
-import type { ProcessGroup, SystemSample } from './records.ts';
+import { batteryStates, heatedParts, pressures, thermalStates } from './records.ts';
+import type { GroupActivity, ProcessGroup, SystemActivity, SystemSample } from './records.ts';
 
 type Fields = Record<string, unknown>;
 
@@ -56,6 +56,43 @@ function process(fields: Fields): ProcessGroup | null {
   return {
     name: text(fields.name), pid: Math.trunc(number(fields.pid)), kind: fields.kind === 'app' ? 'app' : 'other',
     procs: Math.max(1, Math.trunc(number(fields.procs))), cpu: size(fields.cpu), mem: size(fields.mem), icon: icon(fields.icon),
+  };
+}
+
+function groupActivity(fields: Fields): GroupActivity | null {
+  if (!isNumber(fields.pid)) return null;
+  const isKnown = isNumber(fields.read) && isNumber(fields.written);
+  return {
+    pid: Math.trunc(fields.pid),
+    ...(isKnown && { read: size(fields.read), written: size(fields.written) }),
+    canQuit: fields.canQuit === true,
+  };
+}
+
+/** No part of a computer that runs is colder or hotter. */
+const coldest = 1;
+const hottest = 150;
+
+function temperature(fields: Fields): SystemActivity['temperature'] {
+  const { celsius } = fields;
+  if (!isNumber(celsius) || celsius < coldest || celsius > hottest) return undefined;
+  return { celsius, part: heatedParts.find((known) => known === fields.part) ?? 'machine' };
+}
+
+export function systemActivity(value: unknown): SystemActivity | null {
+  const fields = fieldsOf(value);
+  if (!fields) return null;
+  const disk = fieldsOf(fields.disk);
+  const heat = fieldsOf(fields.temperature);
+  const degrees = heat && temperature(heat);
+  const gpu = fieldsOf(fields.gpu);
+  return {
+    ...(disk && isNumber(disk.read) && isNumber(disk.written) && {
+      disk: { read: size(disk.read), written: size(disk.written) },
+    }),
+    ...(degrees && { temperature: degrees }),
+    ...(gpu && isNumber(gpu.pct) && { gpu: { pct: percent(gpu.pct) } }),
+    procs: list(fields.procs, groupActivity),
   };
 }
 

@@ -1,6 +1,7 @@
 /** The live samples of the machine: asked for while somebody looks at them, and not otherwise. */
 import { send } from '../protocol/connection.ts';
-import type { SystemSample } from '../protocol/protocol.ts';
+import type { SystemActivity, SystemSample } from '../protocol/protocol.ts';
+import { quitting } from './quitting.svelte.ts';
 import { Timeline } from './timeline.ts';
 
 /** Seconds without a sample after which what is shown is no longer now. */
@@ -9,12 +10,16 @@ const late = 7;
 class Machine {
   /** The latest one; null until one has come. */
   sample = $state.raw<SystemSample | null>(null);
+  /** What was told beside it; null where nothing was. */
+  activity = $state.raw<SystemActivity | null>(null);
   /** Grows with every sample; the timeline itself is not watched. */
   count = $state(0);
   paused = $state(false);
   /** Samples have been asked for and do not come. */
   late = $state(false);
   readonly timeline = new Timeline(['cpu', 'mem', 'down', 'up']);
+  /** Comes before the sample it belongs to, so that both are shown at once. */
+  private coming: SystemActivity | null = null;
   private shown = false;
   private watching = false;
   private heardAt = -Infinity;
@@ -46,8 +51,15 @@ class Machine {
     this.update();
   }
 
+  receiveActivity(activity: SystemActivity): void {
+    if (this.watching) this.coming = activity;
+  }
+
   receive(sample: SystemSample): void {
     if (!this.watching) return; // one that was on its way
+    this.activity = this.coming;
+    this.coming = null;
+    quitting.keep(new Set(sample.procs?.map(({ pid }) => pid)));
     this.heardAt = performance.now();
     this.timeline.add(this.heardAt / 1000, {
       cpu: sample.cpu?.pct ?? null,

@@ -9,6 +9,7 @@ import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
 import { machine } from './machine.svelte.ts';
+import { quitting } from './quitting.svelte.ts';
 import { holdRefusal } from './refusals.ts';
 import { showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
@@ -39,6 +40,8 @@ export function startLater(): void {
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
       onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),
+      onSystemActivity: (activity) => machine.receiveActivity(activity),
+      onApplicationStopped: (pid, ended) => quitting.receive(pid, ended),
       onSystem: (sample) => machine.receive(sample),
       onQuitting: (running) => (session.quitting = running),
     } satisfies LaterListeners,

@@ -4,8 +4,8 @@ import { memory, rate } from '../../src/language/measures.ts';
 import { span, Timeline } from '../../src/state/timeline.ts';
 import { memoryParts } from '../../src/views/sistema/memoryParts.ts';
 import { nextTop, roundUp } from '../../src/views/sistema/scale.ts';
-import { busiestFirst, keyed, nextProcessOrder, SteadyRows } from '../../src/views/sistema/steadyRows.ts';
-import { group, someGroups, someSample } from '../support/system.ts';
+import { busiestFirst, keyed, nextProcessOrder, sortRows, SteadyRows, withActivity } from '../../src/views/sistema/steadyRows.ts';
+import { group, someActivity, someGroups, someSample } from '../support/system.ts';
 
 const { compare } = formats.en;
 const plain = (text: string) => text.replaceAll('\u00a0', ' ');
@@ -132,6 +132,25 @@ describe('the heaviest applications', () => {
     expect(first!.key).toBe(again!.key);
     const keys = keyed([...someGroups(), ...someGroups()]).map(({ key }) => key);
     expect(new Set(keys).size).toBe(keys.length);
+  });
+});
+
+describe('what is told beside a group', () => {
+  it('is its traffic and whether it can be quit, by its process', () => {
+    const rows = withActivity(someGroups(), someActivity().procs);
+    expect(rows.map(({ disk }) => disk)).toEqual([1_240_000, 0, 52_000, undefined, undefined, undefined, undefined, undefined]);
+    expect(rows.map(({ canQuit }) => canQuit === true)).toEqual([true, true, false, false, false, false, false, false]);
+  });
+
+  it('never makes anything but an application one that can be quit', () => {
+    const [row] = withActivity([group('servicio', 1, 1, { kind: 'other', pid: 5 })], [{ pid: 5, canQuit: true }]);
+    expect(row!.canQuit).toBeUndefined();
+  });
+
+  it('puts what nobody knows after everything known', () => {
+    const rows = keyed(withActivity(someGroups(), someActivity().procs));
+    const sorted = sortRows(rows, { column: 'disk', direction: 'descending' }, compare);
+    expect(sorted.slice(0, 3).map(({ name }) => name)).toEqual(['Borealis', 'indexador', 'Acme Studio']);
   });
 });
 

@@ -2,7 +2,7 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open, type OpenPage } from '../support/page.ts';
 import { fullState } from '../support/states.ts';
-import { bareSample, firstSample, group, hostileSample, someGroups, someSample } from '../support/system.ts';
+import { bareSample, firstSample, group, hostileSample, someActivity, someGroups, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -165,6 +165,118 @@ describe('the figures', () => {
       await opened.tell('onSystem', someSample({ net: { avail: true, iface: 'en0', down: 880_000_000, up: 0 } }));
       expect(plain(await card(opened, 'Network').locator('.scale').textContent())).toContain('1 GB/s');
       expect(await box()).toEqual(before);
+    });
+  });
+});
+
+describe('what is told beside a sample', () => {
+  const show = async (opened: OpenPage, activity: unknown, sample: unknown = someSample()) => {
+    await opened.tell('onSystemActivity', activity);
+    await opened.tell('onSystem', sample);
+  };
+
+  it('is shown with it: disk traffic, degrees and graphics', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await show(opened, someActivity());
+      expect(await textOf(opened, 'Disk')).toContain('Reading 3.4 MB/s Writing 96 KB/s');
+      expect(await textOf(opened, 'Temperature')).toContain('Normal 54 °C Nothing is slowed down. Measured at the processor.');
+      expect(await textOf(opened, 'Processor')).toContain('graphics 12%');
+      const row = opened.page.locator('[data-key="app:Borealis"]');
+      expect(plain(await row.locator('.disk').textContent())).toBe('1.2 MB/s');
+      expect(plain(await opened.page.locator('[data-key="pid:310:servidor-de-sonido"] .disk').textContent())).toBe('–');
+    });
+  });
+
+  it('goes again when nobody tells it any more, and nothing is made up', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await show(opened, someActivity());
+      await opened.tell('onSystem', someSample());
+      expect(await textOf(opened, 'Disk')).not.toContain('Reading');
+      expect(await textOf(opened, 'Temperature')).not.toContain('°C');
+      expect(await textOf(opened, 'Processor')).not.toContain('graphics');
+      await show(opened, {
+        disk: { read: 'many' }, temperature: { celsius: 4000 }, gpu: [], procs: [{ pid: 'x', canQuit: true }, null],
+      });
+      expect(await textOf(opened, 'Disk')).not.toContain('Reading');
+      expect(await textOf(opened, 'Temperature')).not.toContain('°C');
+      expect(await opened.page.getByRole('button', { name: /^Quit/ }).count()).toBe(0);
+    });
+  });
+
+  it('a gap in the network is measured on, not missing', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystem', someSample());
+      await opened.tell('onSystem', someSample({ net: undefined }));
+      expect(await textOf(opened, 'Network')).toContain('Measuring…');
+      expect(await textOf(opened, 'Network')).not.toContain('Not reported');
+    });
+  });
+});
+
+describe('an application that is asked to quit', () => {
+  const begin = async (opened: OpenPage) => {
+    await opened.go('sistema');
+    await opened.tell('onSystemActivity', someActivity());
+    await opened.tell('onSystem', someSample());
+  };
+  const button = ({ page }: OpenPage, name: string | RegExp) => page.getByRole('button', { name, exact: true });
+
+  it('is one of the user\'s own, and asked once', async () => {
+    await withPage(async (opened) => {
+      await begin(opened);
+      expect(await opened.page.getByRole('grid').getByRole('button', { name: /^Quit / }).count()).toBe(2);
+      expect(await opened.during(() => button(opened, 'Quit Borealis').click())).toEqual([
+        { type: 'quitApplication', payload: { pid: 501 } },
+      ]);
+      expect(await opened.during(() => button(opened, 'Quitting…').dispatchEvent('click'))).toEqual([]);
+      await opened.tell('onApplicationStopped', { pid: 501, ended: true });
+      expect(await button(opened, /Quitting…|Quit Borealis/).count()).toBe(0);
+    });
+  });
+
+  it('can be ended when it stays open, after a question', async () => {
+    await withPage(async (opened) => {
+      await begin(opened);
+      await button(opened, 'Quit Borealis').click();
+      await opened.tell('onApplicationStopped', { pid: 501, ended: false });
+      expect(await opened.during(() => button(opened, 'End Borealis…').click())).toEqual([]);
+      expect(await opened.page.getByRole('dialog').textContent()).toContain('End “Borealis”?');
+      expect(await opened.during(() => button(opened, 'Cancel').click())).toEqual([]);
+      await button(opened, 'End Borealis…').click();
+      expect(await opened.during(() => button(opened, 'End').click())).toEqual([
+        { type: 'endApplication', payload: { pid: 501 } },
+      ]);
+      await opened.tell('onApplicationStopped', { pid: 501, ended: false });
+      expect(await button(opened, 'End Borealis…').count()).toBe(1);
+    });
+  });
+
+  it('is asked by keyboard from its row', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      await begin(opened);
+      await page.locator('[data-key]').first().focus();
+      await page.keyboard.press('Tab');
+      expect(await page.evaluate(() => document.activeElement?.getAttribute('aria-label'))).toBe('Quit Borealis');
+      expect(await opened.during(() => page.keyboard.press('Enter'))).toEqual([
+        { type: 'quitApplication', payload: { pid: 501 } },
+      ]);
+    });
+  });
+
+  it('has forgotten it when another one has its number', async () => {
+    await withPage(async (opened) => {
+      await begin(opened);
+      await button(opened, 'Quit Borealis').click();
+      await opened.tell('onApplicationStopped', { pid: 501, ended: true });
+      await opened.tell('onSystem', someSample({ procs: someGroups().slice(1) }));
+      await begin(opened);
+      await opened.tell('onSystemActivity', someActivity());
+      await opened.tell('onSystem', someSample());
+      expect(await button(opened, 'Quit Borealis').count()).toBe(1);
     });
   });
 });

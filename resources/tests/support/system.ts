@@ -1,5 +1,5 @@
 /** Made-up samples of a machine, as the program would send them. */
-import type { ProcessGroup, SystemSample } from '../../src/protocol/protocol.ts';
+import type { ProcessGroup, SystemActivity, SystemSample } from '../../src/protocol/protocol.ts';
 import { picture } from './pictures.ts';
 import { hostileNames } from './states.ts';
 
@@ -32,6 +32,22 @@ export function someSample(change: Partial<SystemSample> = {}): SystemSample {
     battery: { avail: true, pct: 81, state: 'discharging', minutes: 312, cycles: 77 },
     net: { avail: true, iface: 'en0', down: 1_240_000, up: 84_000 },
     procs: someGroups(),
+    ...change,
+  };
+}
+
+/** What comes before such a sample: two applications of the user's own. */
+export function someActivity(change: Partial<SystemActivity> = {}): SystemActivity {
+  return {
+    disk: { read: 3_400_000, written: 96_000 },
+    temperature: { celsius: 54, part: 'processor' },
+    gpu: { pct: 12.4 },
+    procs: [
+      { pid: 501, read: 1_200_000, written: 40_000, canQuit: true },
+      { pid: 612, read: 0, written: 0, canQuit: true },
+      { pid: 77, read: 52_000, written: 0, canQuit: false },
+      { pid: 310, canQuit: false },
+    ],
     ...change,
   };
 }

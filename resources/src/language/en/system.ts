@@ -1,6 +1,6 @@
 import { formats } from '../formats.ts';
 
-const { plural, size, share, duration } = formats.en;
+const { plural, size, share, duration, number } = formats.en;
 
 /** The live view of the machine. */
 export const systemWords = {
@@ -22,6 +22,7 @@ export const systemWords = {
   measuring: 'Measuring…',
   cores: (count: number) => plural(count, { one: '# core', other: '# cores' }),
   load: (load: string) => `load ${load}`,
+  graphics: (share: string) => `graphics ${share}`,
   usedOf: (used: number, total: number) => `${size(used)} of ${size(total)} in use`,
   down: 'Receiving',
   up: 'Sending',
@@ -54,6 +55,8 @@ export const systemWords = {
   swap: (used: number, total: number) => `${size(used)} of ${size(total)} swapped out to the disk`,
   swapNone: 'Nothing swapped out to the disk',
   diskFree: (free: number, total: number) => `${size(free)} free of ${size(total)}`,
+  reading: 'Reading',
+  writing: 'Writing',
   diskLabel: (pct: number) => `${share(pct / 100)} of the disk in use`,
   noBattery: 'None',
   noBatteryText: 'This computer runs without one.',
@@ -81,6 +84,12 @@ export const systemWords = {
     critical: 'The system slows down a lot to cool off.',
     unknown: 'This computer does not report it.',
   },
+  degrees: (celsius: number) => `${number(celsius)}\u00a0°C`,
+  measuredAt: {
+    processor: 'Measured at the processor.',
+    graphics: 'Measured at the graphics processor.',
+    disk: 'Measured at the disk.',
+  },
   lowPower: 'Low power mode is on.',
   notReported: 'Not reported by this computer.',
   processesTitle: 'What weighs most',
@@ -89,7 +98,16 @@ export const systemWords = {
   processesLabel: 'Heaviest applications',
   processesHelp: 'Arrow keys move, up from the first row the column headers. The order stands still while the focus is on a row.',
   processesEmpty: 'The list comes with the next figures.',
-  columns: { icon: 'Icon', name: 'Application', procs: 'Processes', cpu: 'Processor', mem: 'Memory' },
+  columns: { icon: 'Icon', name: 'Application', procs: 'Processes', cpu: 'Processor', mem: 'Memory', disk: 'Disk', quit: 'Quit' },
   background: 'Background',
+  quit: 'Quit',
+  quitLabel: (name: string) => `Quit ${name}`,
+  quittingNow: 'Quitting…',
+  end: 'End',
+  endMore: 'End…',
+  endLabel: (name: string) => `End ${name}…`,
+  endingNow: 'Ending…',
+  endTitle: (name: string) => `End “${name}”?`,
+  endText: 'It has not quit by itself. What is not saved in it will be lost.',
   gone: 'No longer among the heaviest',
 };

@@ -1,7 +1,7 @@
 import type { systemWords as english } from '../en/system.ts';
 import { formats } from '../formats.ts';
 
-const { plural, size, share, duration } = formats.es;
+const { plural, size, share, duration, number } = formats.es;
 
 export const systemWords: typeof english = {
   live: 'En directo, cada dos segundos',
@@ -22,6 +22,7 @@ export const systemWords: typeof english = {
   measuring: 'Midiendo…',
   cores: (count) => plural(count, { one: '# núcleo', many: '# de núcleos', other: '# núcleos' }),
   load: (load) => `carga ${load}`,
+  graphics: (share) => `gráficos ${share}`,
   usedOf: (used, total) => `${size(used)} de ${size(total)} en uso`,
   down: 'Recibe',
   up: 'Envía',
@@ -54,6 +55,8 @@ export const systemWords: typeof english = {
   swap: (used, total) => `${size(used)} de ${size(total)} pasados al disco`,
   swapNone: 'Nada pasado al disco',
   diskFree: (free, total) => `${size(free)} libres de ${size(total)}`,
+  reading: 'Lee',
+  writing: 'Escribe',
   diskLabel: (pct) => `${share(pct / 100)} del disco en uso`,
   noBattery: 'No tiene',
   noBatteryText: 'Este ordenador funciona sin ella.',
@@ -81,6 +84,12 @@ export const systemWords: typeof english = {
     critical: 'El sistema va mucho más lento para enfriarse.',
     unknown: 'Este ordenador no la comunica.',
   },
+  degrees: (celsius) => `${number(celsius)}\u00a0°C`,
+  measuredAt: {
+    processor: 'Medida en el procesador.',
+    graphics: 'Medida en el procesador gráfico.',
+    disk: 'Medida en el disco.',
+  },
   lowPower: 'El modo de bajo consumo está activado.',
   notReported: 'Este ordenador no lo comunica.',
   processesTitle: 'Lo que más pesa',
@@ -89,7 +98,16 @@ export const systemWords: typeof english = {
   processesLabel: 'Aplicaciones que más pesan',
   processesHelp: 'Las flechas mueven y, desde la primera fila, la flecha arriba llega a los encabezados. El orden no cambia mientras el foco está en una fila.',
   processesEmpty: 'La lista llega con los próximos datos.',
-  columns: { icon: 'Icono', name: 'Aplicación', procs: 'Procesos', cpu: 'Procesador', mem: 'Memoria' },
+  columns: { icon: 'Icono', name: 'Aplicación', procs: 'Procesos', cpu: 'Procesador', mem: 'Memoria', disk: 'Disco', quit: 'Cerrar' },
   background: 'Segundo plano',
+  quit: 'Cerrar',
+  quitLabel: (name) => `Cerrar ${name}`,
+  quittingNow: 'Cerrando…',
+  end: 'Terminar',
+  endMore: 'Terminar…',
+  endLabel: (name) => `Terminar ${name}…`,
+  endingNow: 'Terminando…',
+  endTitle: (name) => `¿Terminar «${name}»?`,
+  endText: 'No se ha cerrado por sí sola. Lo que no esté guardado en ella se perderá.',
   gone: 'Ya no está entre las que más pesan',
 };

@@ -2,7 +2,7 @@
 import { untrack } from 'svelte';
 import { language } from '../../language/language.svelte.ts';
 import { machine } from '../../state/machine.svelte.ts';
-import { busiestFirst, nextProcessOrder, SteadyRows, type ProcessColumn, type ProcessOrder, type ProcessRow } from './steadyRows.ts';
+import { busiestFirst, nextProcessOrder, SteadyRows, withActivity, type ProcessColumn, type ProcessOrder, type ProcessRow } from './steadyRows.ts';
 
 class Processes {
   rows = $state.raw<ProcessRow[]>([]);
@@ -17,7 +17,9 @@ class Processes {
   follow(): void {
     const { sample } = machine;
     untrack(() => {
-      if (sample?.procs) this.rows = this.steady.take(sample.procs, this.order, language.formats.compare, this.held);
+      if (!sample?.procs) return;
+      const groups = withActivity(sample.procs, machine.activity?.procs ?? []);
+      this.rows = this.steady.take(groups, this.order, language.formats.compare, this.held);
     });
   }
 

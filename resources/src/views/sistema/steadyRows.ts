@@ -2,16 +2,23 @@
  * The heaviest applications as rows that can be read: figures change with every sample, places at
  * most with every other one, and not at all while the pointer or the focus is on one of them.
  */
-import type { ProcessGroup } from '../../protocol/protocol.ts';
+import type { GroupActivity, ProcessGroup } from '../../protocol/protocol.ts';
 
-export type ProcessColumn = 'name' | 'procs' | 'cpu' | 'mem';
+export type ProcessColumn = 'name' | 'procs' | 'cpu' | 'mem' | 'disk';
 
 export interface ProcessOrder {
   column: ProcessColumn;
   direction: 'ascending' | 'descending';
 }
 
-export interface ProcessRow extends ProcessGroup {
+/** A group with what was told beside it. */
+export interface HeavyGroup extends ProcessGroup {
+  /** Bytes a second, read and written together; left out when nobody knows. */
+  disk?: number;
+  canQuit?: boolean;
+}
+
+export interface ProcessRow extends HeavyGroup {
   key: string;
   /** No longer among the heaviest: its place is kept until places may change. */
   gone: boolean;
@@ -22,10 +29,24 @@ export const busiestFirst: ProcessOrder = { column: 'cpu', direction: 'descendin
 /** While places are held, rows that are gone would gather without end. */
 const mostRows = 24;
 
+export function withActivity(groups: readonly ProcessGroup[], activity: readonly GroupActivity[]): HeavyGroup[] {
+  const byPid = new Map(activity.map((each) => [each.pid, each]));
+  return groups.map((group) => {
+    const told = byPid.get(group.pid);
+    if (!told) return group;
+    const { read, written, canQuit } = told;
+    return {
+      ...group,
+      ...(read !== undefined && written !== undefined && { disk: read + written }),
+      ...(canQuit && group.kind === 'app' && { canQuit }),
+    };
+  });
+}
+
 type Compare = (left: string, right: string) => number;
 
 /** An application keeps its row when the process that stands for it changes; two of one name have two rows. */
-export function keyed(groups: readonly ProcessGroup[]): ProcessRow[] {
+export function keyed(groups: readonly HeavyGroup[]): ProcessRow[] {
   const seen = new Map<string, number>();
   return groups.map((group) => {
     const key = group.kind === 'app' ? `app:${group.name}` : `pid:${group.pid}:${group.name}`;
@@ -35,10 +56,15 @@ export function keyed(groups: readonly ProcessGroup[]): ProcessRow[] {
   });
 }
 
+/** What nobody knows comes after everything known. */
+function figure(row: ProcessRow, column: Exclude<ProcessColumn, 'name'>): number {
+  return row[column] ?? -1;
+}
+
 export function sortRows(rows: readonly ProcessRow[], { column, direction }: ProcessOrder, compare: Compare): ProcessRow[] {
   const sign = direction === 'ascending' ? 1 : -1;
   const by = (left: ProcessRow, right: ProcessRow) =>
-    column === 'name' ? compare(left.name, right.name) : left[column] - right[column];
+    column === 'name' ? compare(left.name, right.name) : figure(left, column) - figure(right, column);
   return [...rows].sort((left, right) => sign * by(left, right) || compare(left.name, right.name) || left.pid - right.pid);
 }
 
@@ -54,7 +80,7 @@ export class SteadyRows {
   private samples = 0;
 
   /** Takes a sample in; places change only with every other one, and never while they are held. */
-  take(groups: readonly ProcessGroup[], order: ProcessOrder, compare: Compare, held: boolean): ProcessRow[] {
+  take(groups: readonly HeavyGroup[], order: ProcessOrder, compare: Compare, held: boolean): ProcessRow[] {
     const fresh = keyed(groups);
     const turn = this.samples % 2 === 0;
     this.samples += 1;
