@@ -180,7 +180,7 @@ describe('what is told beside a sample', () => {
       await opened.go('sistema');
       await show(opened, someActivity());
       expect(await textOf(opened, 'Disk')).toContain('Reading 3.4 MB/s Writing 96 KB/s');
-      expect(await textOf(opened, 'Temperature')).toContain('Normal 54 °C Nothing is slowed down. Measured at the processor.');
+      expect(await textOf(opened, 'Temperature')).toContain('54 °C Normal Nothing is slowed down. Measured at the processor.');
       expect(await textOf(opened, 'Processor')).toContain('graphics 12%');
       const row = opened.page.locator('[data-key="app:Borealis"]');
       expect(plain(await row.locator('.disk').textContent())).toBe('1.2 MB/s');
