@@ -16,6 +16,12 @@ struct RunningApplication {
     std::string bundleIdentifier;  // empty when it has none
     std::string bundlePath;        // the innermost bundle, absolute; empty when there is none
     std::string executable;        // absolute
+
+    // What Linux tells of a process beside its program; empty where it tells nothing.
+    std::string script;   // the file that an interpreter runs, absolute, links not resolved
+    std::string entry;    // id of the desktop entry whose unit it runs in
+    std::string flatpak;  // identifier of the Flatpak whose sandbox it runs in
+    std::string snap;     // (instance) name of the Snap that it runs in
 };
 
 /// Ends one process. It stays that process: a number that the system gives to another one later is

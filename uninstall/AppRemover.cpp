@@ -13,13 +13,11 @@
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/figures.h"
+#include "uninstall/quit_processes.h"
 #include "uninstall/tool_names.h"
 
 namespace velto {
 namespace {
-
-constexpr double secondsToQuit = 2.0;
-constexpr std::int64_t microsecondsBetweenLooks = 150'000;
 
 constexpr const char* launchctl = "/bin/launchctl";
 constexpr const char* systemctl = "/usr/bin/systemctl";
@@ -85,39 +83,13 @@ AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
 
 // Quitting
 
-bool AppRemover::belongsTo(const RunningApplication& application, const AppEntry& entry) const {
-    if (application.executable == platform_.executablePath) return false;  // this program
-    if (!entry.bid.empty() && application.bundleIdentifier == entry.bid) return true;
-    if (entry.path.empty()) return false;
-    if (isAtOrBelow(application.bundlePath, entry.path)) return true;
-    return platform_.layout.kind == HomeLayout::Kind::freedesktop &&
-           isAtOrBelow(application.executable, entry.path);
-}
-
 int AppRemover::quitApp(const AppEntry& entry) {
-    std::vector<std::unique_ptr<ProcessControl>> processes;
-    for (const RunningApplication& application : platform_.running->list()) {
-        if (!belongsTo(application, entry)) continue;
-        if (auto process = platform_.running->control(application)) {
-            processes.push_back(std::move(process));
-        }
+    const int count = quitProcesses(platform_, apps_.processesOf(entry));
+    if (count > 0) {
+        platform_.log->line(fmt::format("Velto ▶ desinstalador: {} procesos de {} cerrados", count,
+                                        singleLine(entry.name)));
     }
-    if (processes.empty()) return 0;
-    for (const auto& process : processes)
-        process->terminate();
-    const auto haveEnded = [&] {
-        return std::ranges::all_of(processes, [](const auto& one) { return one->isTerminated(); });
-    };
-    const double deadline = platform_.clock->monotonic() + secondsToQuit;
-    while (!haveEnded() && platform_.clock->monotonic() < deadline) {
-        platform_.sleeper->sleep(microsecondsBetweenLooks);
-    }
-    for (const auto& process : processes) {
-        if (!process->isTerminated()) process->forceTerminate();
-    }
-    platform_.log->line(fmt::format("Velto ▶ desinstalador: {} procesos de {} cerrados",
-                                    processes.size(), singleLine(entry.name)));
-    return static_cast<int>(processes.size());
+    return count;
 }
 
 // Agents

@@ -62,8 +62,8 @@ public:
     Result uninstall(const AppEntry& entry, const std::vector<std::string>& paths,
                      const Progress& progress = {}, const ShownTargets& shown = {});
 
-    /// Asks every process of the application to quit, helpers inside the bundle too, waits two
-    /// seconds at most and ends the rest by force. Returns how many there were.
+    /// Asks every process of the application to quit, helpers inside the bundle or the sandbox too,
+    /// waits two seconds at most and ends the rest by force. Returns how many there were.
     int quitApp(const AppEntry& entry);
 
     /// Unloads each launch agent and daemon among the paths that names itself. What cannot be read
@@ -71,7 +71,6 @@ public:
     void unloadAgents(const std::vector<std::string>& paths);
 
 private:
-    bool belongsTo(const RunningApplication& application, const AppEntry& entry) const;
     void unloadLaunchdAgent(const std::string& path);
     void unloadUserUnit(const std::string& path);
     void removeOne(const std::string& path, const AppEntry& entry, const ShownTargets& shown,

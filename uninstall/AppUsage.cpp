@@ -38,7 +38,7 @@ void AppUsage::start() {
     }
     // Which program is which application stands in many small files: not on the main thread.
     platform_.dispatcher->global(QualityOfService::utility, [this] {
-        learnExecutables();
+        learnOwners();
         platform_.dispatcher->main([this] { recordRunning(); });
     });
 }
@@ -48,13 +48,7 @@ void AppUsage::recordRunning() {
         recordIfInstalled(application);
 }
 
-void AppUsage::learnExecutables() {
-    std::map<std::string, std::string> identifiers;
-    for (const DesktopApplication& application : desktopApplications(platform_)) {
-        if (application.isIdentified) identifiers[application.executable] = application.entry.bid;
-    }
-    knowExecutables(std::move(identifiers));
-}
+void AppUsage::learnOwners() { knowOwners(ProcessOwners(desktopApplications(platform_))); }
 
 void AppUsage::record(const std::string& bundleID, double time) {
     if (bundleID.empty() || bundleID == platform_.bundleIdentifier || !(time > 0)) return;
@@ -76,9 +70,9 @@ void AppUsage::forget() {
     launches_.clear();
 }
 
-void AppUsage::knowExecutables(std::map<std::string, std::string> identifiers) {
+void AppUsage::knowOwners(ProcessOwners owners) {
     const std::lock_guard guard(lock_);
-    executables_ = std::move(identifiers);
+    owners_ = std::move(owners);
 }
 
 std::optional<std::string> AppUsage::installedIdentifier(
@@ -86,8 +80,8 @@ std::optional<std::string> AppUsage::installedIdentifier(
     const HomeLayout& layout = platform_.layout;
     if (layout.kind == HomeLayout::Kind::freedesktop) {
         const std::lock_guard guard(lock_);
-        const auto found = executables_.find(application.executable);
-        return found == executables_.end() ? std::nullopt : std::optional(found->second);
+        const ProcessOwners::Match match = owners_.of(application);
+        return match.owner == nullptr ? std::nullopt : std::optional(match.owner->bid);
     }
     const std::string& path = application.bundlePath;
     const bool isInstalled = path.starts_with(layout.systemApplications + "/") ||

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/Platform.h"
+#include "uninstall/ProcessOwners.h"
 
 namespace velto {
 
@@ -36,15 +37,15 @@ public:
     /// Forgets every use; the file is for whoever resets the data folder to remove.
     void forget();
 
-    /// On a home without bundles: which programs are which applications, by the executable's path.
-    void knowExecutables(std::map<std::string, std::string> identifiers);
+    /// On a home without bundles: which processes are whose.
+    void knowOwners(ProcessOwners owners);
 
     bool observing = false;  // `start` was called
 
 private:
     std::optional<std::string> installedIdentifier(const RunningApplication& application) const;
     void recordRunning();
-    void learnExecutables();
+    void learnOwners();
     void recordIfInstalled(const RunningApplication& application);
     void load();
     void save() const;
@@ -52,7 +53,7 @@ private:
     Platform& platform_;
     mutable std::mutex lock_;
     std::map<std::string, double> launches_;
-    std::map<std::string, std::string> executables_;
+    ProcessOwners owners_;
 };
 
 }  // namespace velto

@@ -6,6 +6,7 @@
 #include "platform/DesktopEntry.h"
 #include "platform/parallel.h"
 #include "platform/values/text.h"
+#include "uninstall/ProcessOwners.h"
 #include "uninstall/bundle_information.h"
 #include "uninstall/desktop_applications.h"
 #include "uninstall/disk_usage.h"
@@ -89,13 +90,13 @@ std::vector<AppEntry> InstalledApps::listBundles() const {
 
 std::vector<AppEntry> InstalledApps::listDesktopApplications() {
     std::vector<AppEntry> found;
-    std::map<std::string, std::string> identifiers, icons;
-    for (DesktopApplication& application : desktopApplications(platform_)) {
-        if (application.isIdentified) identifiers[application.executable] = application.entry.bid;
+    std::map<std::string, std::string> icons;
+    std::vector<DesktopApplication> applications = desktopApplications(platform_);
+    usage_.knowOwners(ProcessOwners(applications));
+    for (DesktopApplication& application : applications) {
         icons[application.entry.path] = std::move(application.icon);
         found.push_back(std::move(application.entry));
     }
-    usage_.knowExecutables(std::move(identifiers));
     const auto launches = usage_.launches();
     const LastUseEstimate estimate(platform_);
     for (AppEntry& entry : found)
@@ -180,6 +181,27 @@ bool InstalledApps::isRunning(const AppEntry& entry) const {
         return read && read->running;
     }
     return runningIdentifiers(*platform_.running).contains(entry.bid);
+}
+
+std::vector<RunningApplication> InstalledApps::processesOf(const AppEntry& entry) const {
+    const bool isDesktop = platform_.layout.kind == HomeLayout::Kind::freedesktop;
+    const ProcessOwners owners =
+        isDesktop ? ProcessOwners(desktopApplications(platform_)) : ProcessOwners();
+    const auto isInside = [&](const std::string& path) {
+        return !entry.path.empty() && isAtOrBelow(path, entry.path);
+    };
+    std::vector<RunningApplication> found = platform_.running->list();
+    std::erase_if(found, [&](const RunningApplication& process) {
+        if (process.executable == platform_.executablePath) return true;  // this program
+        if (!entry.bid.empty() && process.bundleIdentifier == entry.bid) return false;
+        if (isInside(process.bundlePath)) return false;
+        if (!isDesktop) return true;
+        const ProcessOwners::Match match = owners.of(process, *platform_.files);
+        const bool isIts =
+            match.owner != nullptr && match.isCertain && match.owner->path == entry.path;
+        return !isIts && !isInside(process.executable);
+    });
+    return found;
 }
 
 std::int64_t InstalledApps::sizeOf(const std::string& path) const {

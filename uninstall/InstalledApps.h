@@ -33,6 +33,10 @@ public:
     /// True when an application with the identifier of the entry runs now.
     bool isRunning(const AppEntry& entry) const;
 
+    /// What runs now and is this application and nothing else: helpers inside its bundle or folder,
+    /// on a Linux home also in its sandbox or unit. Never this program.
+    std::vector<RunningApplication> processesOf(const AppEntry& entry) const;
+
     /// Bytes on disk, with everything below; 0 where nothing is.
     std::int64_t sizeOf(const std::string& path) const;
     std::vector<std::int64_t> sizesOf(const std::vector<std::string>& paths) const;

@@ -1,10 +1,15 @@
 #include "uninstall/desktop_applications.h"
 
+#include <algorithm>
+#include <iterator>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include "platform/DesktopEntry.h"
 #include "platform/values/text.h"
+#include "uninstall/ProcessOwners.h"
+#include "uninstall/app_images.h"
 #include "uninstall/removal_rules.h"
 #include "uninstall/tool_names.h"
 #include "uninstall/words.h"
@@ -50,14 +55,23 @@ std::string removablePath(const Platform& platform, const DesktopEntryFile& file
 DesktopApplication describe(const Platform& platform, const DesktopEntryFile& file,
                             const DesktopEntry& read) {
     const HomeLayout& layout = platform.layout;
-    DesktopApplication application{.executable = read.executable, .icon = read.icon};
+    DesktopApplication application;
+    application.id = file.id;
+    application.file = file.path;
+    application.executable = read.executable;
+    application.script = read.script;
+    application.flatpak = read.flatpak;
+    application.snap = snapOfEntry(file, read);
+    application.arguments = read.arguments;
+    application.icon = read.icon;
     AppEntry& entry = application.entry;
     entry.bid = validUtf8(file.id);
     entry.name = read.name.empty() ? entry.bid : read.name;
     entry.version = read.version;
-    entry.exec = stemOf(lastPathComponent(read.executable));
     entry.path = file.path;
-    application.isIdentified = !read.startsScript && read.flatpak.empty() && !read.isSnap;
+    const bool isSnap = !application.snap.empty() || file.origin == entryOrigin::snap;
+    application.isIdentified = !read.startsScript && read.flatpak.empty() && !isSnap;
+    if (application.isIdentified) entry.exec = stemOf(lastPathComponent(read.executable));
 
     const std::string userFlatpak = layout.userFlatpaks + "/" + read.flatpak;
     if (!read.flatpak.empty()) {
@@ -67,7 +81,7 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
             entry.bid = read.flatpak;
             if (platform.files->exists(userFlatpak)) entry.path = userFlatpak;
         }
-    } else if (read.isSnap || file.origin == entryOrigin::snap) {
+    } else if (isSnap) {
         entry.store = true;
     } else if (read.executable.starts_with(layout.home + "/") && !read.startsScript) {
         entry.path = removablePath(platform, file, read.executable);
@@ -79,36 +93,94 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
     return application;
 }
 
-/// What tells one application from another, whatever the number of its entries.
-std::string identityOf(const DesktopApplication& application, const std::string& file) {
-    if (application.entry.path != file) return application.entry.path;
-    return application.isIdentified ? application.executable : application.entry.bid;
+using Group = std::vector<DesktopApplication*>;
+
+/// The one that is the program itself: it is started without a word, or there is no other.
+/// Null where each is something else that the program does: then it is a launcher.
+const DesktopApplication* programItself(const Group& group) {
+    const auto plain = std::ranges::find_if(
+        group, [](const DesktopApplication* one) { return one->arguments.empty(); });
+    if (plain != group.end()) return *plain;
+    const bool areTheSame = std::ranges::all_of(group, [&](const DesktopApplication* one) {
+        return one->arguments == group.front()->arguments;
+    });
+    const bool isImage = lowerCaseExtension(group.front()->executable) == "appimage";
+    return areTheSame || isImage ? group.front() : nullptr;
 }
 
-void markRunning(RunningApplications& running, std::vector<DesktopApplication>& applications) {
-    std::unordered_set<std::string> executables;
-    for (RunningApplication& application : running.list())
-        executables.insert(std::move(application.executable));
-    for (DesktopApplication& application : applications) {
-        application.entry.running =
-            application.isIdentified && executables.contains(application.executable);
+/// Of the applications that share a program one is the program; the others are what their entries
+/// are, and go with these alone. Says which of them are the same once more.
+std::unordered_set<const DesktopApplication*> shareProgram(const Group& group) {
+    std::unordered_set<const DesktopApplication*> repeated;
+    const DesktopApplication* const itself = programItself(group);
+    for (DesktopApplication* one : group) {
+        if (one == itself) continue;
+        const bool goesWithProgram = one->entry.path != one->file;
+        if (itself != nullptr && goesWithProgram && one->arguments == itself->arguments) {
+            repeated.insert(one);
+            continue;
+        }
+        one->entry.path = one->file;
+        one->entry.exec.clear();
+        one->isIdentified = false;
     }
+    return repeated;
+}
+
+void shareAmong(std::vector<DesktopApplication>& applications) {
+    std::unordered_map<std::string, Group> byProgram;
+    std::unordered_set<std::string> flatpaks;  // of the user, by their folder
+    std::unordered_set<const DesktopApplication*> repeated;
+    for (DesktopApplication& application : applications) {
+        if (application.isIdentified) byProgram[application.executable].push_back(&application);
+        const bool isUserFlatpak =
+            !application.flatpak.empty() && application.entry.path != application.file;
+        if (isUserFlatpak && !flatpaks.insert(application.entry.path).second) {
+            repeated.insert(&application);
+        }
+    }
+    for (const auto& [program, group] : byProgram)
+        repeated.merge(shareProgram(group));
+    std::erase_if(applications, [&](const DesktopApplication& application) {
+        return repeated.contains(&application);
+    });
+}
+
+/// Two programs may lie in one folder that goes as a whole.
+void keepPathsApart(std::vector<DesktopApplication>& applications) {
+    std::unordered_set<std::string> paths;
+    for (DesktopApplication& application : applications) {
+        if (paths.insert(application.entry.path).second) continue;
+        application.entry.path = application.file;
+        paths.insert(application.file);
+    }
+}
+
+void markRunning(const Platform& platform, std::vector<DesktopApplication>& applications) {
+    const ProcessOwners owners(applications);
+    std::unordered_set<std::string> running;  // paths
+    for (const RunningApplication& process : platform.running->list()) {
+        const ProcessOwners::Match match = owners.of(process, *platform.files);
+        if (match.owner != nullptr) running.insert(match.owner->path);
+    }
+    for (DesktopApplication& application : applications)
+        application.entry.running = running.contains(application.entry.path);
 }
 
 }  // namespace
 
 std::vector<DesktopApplication> desktopApplications(const Platform& platform) {
     std::vector<DesktopApplication> found;
-    std::unordered_set<std::string> seen;
     for (const DesktopEntryFile& file :
          desktopEntryFiles(*platform.files, platform.layout.desktopEntries)) {
         const auto read = readDesktopEntry(file.path);
         if (!read || !read->isShown) continue;
-        DesktopApplication application = describe(platform, file, *read);
-        if (!seen.insert(identityOf(application, file.path)).second) continue;
-        found.push_back(std::move(application));
+        found.push_back(describe(platform, file, *read));
     }
-    markRunning(*platform.running, found);
+    shareAmong(found);
+    keepPathsApart(found);
+    std::ranges::move(appImagesWithoutEntry(platform, found), std::back_inserter(found));
+    markRunning(platform, found);
     return found;
 }
 

@@ -17,6 +17,8 @@ struct ListedApplication {
     std::string path;             // of the entry
     std::string executable;       // absolute, links resolved; empty when it is not known
     bool startsAnything = false;  // `executable` only runs something else: a shell, a launcher
+    std::string script;           // what an interpreter is told to run, absolute; else empty
+    std::string flatpak, snap;    // what it is called there; empty when it is none
 };
 
 /// Tells to which installed application a process belongs. Immutable.
@@ -25,24 +27,25 @@ public:
     explicit ApplicationIndex(const std::vector<ListedApplication>& applications);
 
     /// By the unit under which the desktop started the process (its control group, as
-    /// /proc/<pid>/cgroup has it), else by what it runs; null when it is no application's. The
-    /// result lives as long as the index.
-    const RunningApp* find(std::string_view controlGroup, const std::string& executable) const;
+    /// /proc/<pid>/cgroup has it), else by what it runs, be it a script; null when it is no
+    /// application's. The result lives as long as the index.
+    const RunningApp* find(std::string_view controlGroup, const std::string& executable,
+                           const std::string& script = {}) const;
+
+    /// By the id of its desktop entry, and by that of the Flatpak; null when it is not installed.
+    const RunningApp* identified(const std::string& identifier) const;
+    const RunningApp* ofFlatpak(const std::string& identifier) const;
 
 private:
+    using Table = std::unordered_map<std::string, const RunningApp*>;
+
+    static const RunningApp* lookUp(const Table& table, const std::string& key);
     const RunningApp* byFolder(const std::string& executable) const;
 
     std::vector<std::unique_ptr<const RunningApp>> applications_;
-    std::unordered_map<std::string, const RunningApp*> identifiers_;
-    std::unordered_map<std::string, const RunningApp*> executables_;
-    std::unordered_map<std::string, const RunningApp*> folders_;  // all that runs from here is its
+    Table identifiers_, flatpaks_, snaps_;
+    Table executables_;  // and scripts
+    Table folders_;      // all that runs from here is its
 };
-
-/// The identifier of the application in the name of the unit that a desktop started it under (the
-/// systemd project's rules for desktop environments: "app-<launcher>-<identifier>-<number>.scope"
-/// and "app-<launcher>-<identifier>@<number>.service"; Snap's
-/// "snap.<name>.<command>-<number>.scope" gives "<name>_<command>", as its entry is called). Empty
-/// when the text holds no such unit.
-std::string applicationInControlGroup(std::string_view controlGroup);
 
 }  // namespace velto

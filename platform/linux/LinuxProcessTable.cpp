@@ -22,6 +22,7 @@ namespace {
 constexpr std::size_t longestCommand = 15;   // what the kernel keeps of a name
 constexpr std::size_t longestStatus = 1024;  // of a stat file: a name and fifty numbers
 constexpr std::uint64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr int mostAncestors = 16;  // looked at, of one process
 
 /// A quarter of what the program may open.
 std::size_t shareOfDescriptors() {
@@ -52,6 +53,7 @@ struct LinuxProcessTable::Process {
     std::string name;
     std::string executable;
     const RunningApp* application = nullptr;
+    bool isKnownByOwnUnit = false;  // only in that this program runs under the same unit
     std::int32_t parent = 0;
     std::uint64_t start = 0;
     std::uint64_t ticks = 0;
@@ -143,10 +145,14 @@ void LinuxProcessTable::identify(std::int32_t number, Process& process) {
     }
     process.application = nullptr;
     process.isDesktops = false;
+    process.isKnownByOwnUnit = false;
     if (index_) {
         const std::string group = kernelText(folder + "/cgroup").value_or("");
-        process.application = index_->find(group, process.executable);
+        const std::string script = scriptOfProcess(folder, process.executable);
+        process.application = index_->find(group, process.executable, script);
         process.isDesktops = group.find("/session.slice/") != std::string::npos;
+        process.isKnownByOwnUnit = !group.empty() && group == ownControlGroup_ &&
+                                   index_->find("", process.executable, script) == nullptr;
     }
     if (process.application == nullptr) process.application = bundleApp(process.executable);
 }
@@ -183,6 +189,27 @@ void LinuxProcessTable::forget(Processes::iterator place) {
     processes_.erase(place);
 }
 
+/// This program as its desktop entry shows it, where one is installed.
+RunningApp LinuxProcessTable::ownApp() const {
+    const RunningApp* const listed = index_ ? index_->identified(sources_.own.bundle) : nullptr;
+    return listed == nullptr ? sources_.own : *listed;
+}
+
+/// What the web view has started to show the page, what draws the icons, and so on: all that runs
+/// below this program and is not an application by itself.
+bool LinuxProcessTable::isStartedByThisProgram(const Process& process) const {
+    if (sources_.ownProcess == 0) return false;
+    const Process* current = &process;
+    for (int step = 0; step < mostAncestors; ++step) {
+        if (current->application != nullptr && !current->isKnownByOwnUnit) return false;
+        if (current->parent == sources_.ownProcess) return true;
+        const auto parent = processes_.find(current->parent);
+        if (parent == processes_.end()) return false;
+        current = &parent->second;
+    }
+    return false;
+}
+
 /// 1 for the first process of an application.
 std::int32_t LinuxProcessTable::parentOf(const Process& process) const {
     if (process.application == nullptr) return process.parent;
@@ -198,6 +225,9 @@ std::map<std::int32_t, ProcInfo> LinuxProcessTable::list() {
     for (auto& [number, process] : processes_)
         process.isListed = false;
     const auto before = std::exchange(index_, index);  // until nothing points into it any more
+    if (sources_.ownProcess != 0) {
+        ownControlGroup_ = kernelText(folderOf(sources_.ownProcess) + "/cgroup").value_or("");
+    }
 
     for (const std::string& name : kernelNames(sources_.proc)) {
         const auto number = processNumber(name);
@@ -256,10 +286,14 @@ std::string LinuxProcessTable::executablePath(std::int32_t number) {
 
 std::map<std::int32_t, RunningApp> LinuxProcessTable::runningApps() {
     std::map<std::int32_t, RunningApp> apps;
+    const RunningApp own = ownApp();
     for (const auto& [number, process] : processes_) {
-        if (process.application == nullptr) continue;
-        RunningApp& app = apps.emplace(number, *process.application).first->second;
-        if (process.isDesktops) app.isForPeople = false;
+        if (isStartedByThisProgram(process)) {
+            apps.emplace(number, own);
+        } else if (process.application != nullptr) {
+            RunningApp& app = apps.emplace(number, *process.application).first->second;
+            if (process.isDesktops) app.isForPeople = false;
+        }
     }
     return apps;
 }

@@ -22,14 +22,16 @@ namespace velto {
 /// descriptors. Memory is read again only when something about it has changed, and traffic with the
 /// disks, which only the user's own processes tell, only when the process has done anything.
 ///
-/// A process is an application's when a desktop entry or a bundle (`.app` in its path) says so. The
+/// A process is an application's when a desktop entry or a bundle (`.app` in its path) says so, or
+/// this program's when that has started it (the web view's processes, among others). The
 /// first process of an application counts as started by nobody, as on a Mac, so that it does not
 /// become part of the file manager or the terminal that started it.
 class LinuxProcessTable final : public ProcessTable {
 public:
     struct Sources {
         std::string proc = "/proc";
-        std::int32_t ownProcess = 0;  // left out
+        std::int32_t ownProcess = 0;  // left out; what it has started is `own`
+        RunningApp own{.name = "Velto", .bundle = "app.velto", .path = {}};
 
         /// The installed applications as they are now; the same object as long as nothing
         /// changes. May be empty, or give null: then there are only bundles.
@@ -66,11 +68,14 @@ private:
     const RunningApp* bundleApp(const std::string& executable);
     void forgetUnusedBundles();
     void forget(Processes::iterator place);
+    RunningApp ownApp() const;
+    bool isStartedByThisProgram(const Process& process) const;
     std::int32_t parentOf(const Process& process) const;
 
     Sources sources_;
     std::size_t mostOpenFiles_;
     std::size_t openFiles_ = 0;
+    std::string ownControlGroup_;
     double nanosecondsPerTick_;
     std::shared_ptr<const ApplicationIndex> index_;
     std::unordered_map<std::string, std::unique_ptr<const RunningApp>> bundles_;

@@ -9,9 +9,11 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdlib>
+#include <optional>
 #include <set>
 
-#include "platform/linux/bundle_application.h"
+#include "platform/linux/ProcessDescriber.h"
 #include "platform/linux/process_program.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/names_in_folder.h"
@@ -19,9 +21,11 @@
 namespace velto {
 namespace {
 
+constexpr const char* proc = "/proc";
+
 std::vector<std::int64_t> processes() {
     std::vector<std::int64_t> numbers;
-    const auto names = namesInFolder(Descriptor(::open("/proc", O_RDONLY | O_CLOEXEC)));
+    const auto names = namesInFolder(Descriptor(::open(proc, O_RDONLY | O_CLOEXEC)));
     if (!names) return numbers;
     for (const std::string& name : *names) {
         std::int64_t number = 0;
@@ -31,21 +35,14 @@ std::vector<std::int64_t> processes() {
     return numbers;
 }
 
-std::string folderOf(std::int64_t process) { return "/proc/" + std::to_string(process); }
+std::string executableOf(std::int64_t process) {
+    return executableOfProcess(proc + ("/" + std::to_string(process)));
+}
 
-std::string executableOf(std::int64_t process) { return executableOfProcess(folderOf(process)); }
-
-RunningApplication describe(std::int64_t process, std::string executable) {
-    RunningApplication application{.process = process, .executable = std::move(executable)};
-    const std::size_t end = application.executable.rfind(".app/");
-    if (end != std::string::npos) {
-        application.bundlePath = application.executable.substr(0, end + 4);
-        application.bundleIdentifier = bundleApplication(application.bundlePath).bundle;
-    } else if (std::string image = appImageOfProcess(folderOf(process), application.executable);
-               !image.empty()) {
-        application.executable = std::move(image);
-    }
-    return application;
+/// Knows what runs now.
+ProcessDescriber describer() {
+    const char* const runtime = std::getenv("XDG_RUNTIME_DIR");
+    return {proc, runtime == nullptr ? "" : runtime};
 }
 
 /// Holds the process itself where the kernel can (pidfd_open(2), Linux 5.3); elsewhere its number,
@@ -82,10 +79,11 @@ private:
 }  // namespace
 
 std::vector<RunningApplication> LinuxRunningApplications::list() {
+    const ProcessDescriber now = describer();
     std::vector<RunningApplication> running;
     for (std::int64_t process : processes()) {
         std::string executable = executableOf(process);
-        if (!executable.empty()) running.push_back(describe(process, std::move(executable)));
+        if (!executable.empty()) running.push_back(now.describe(process, std::move(executable)));
     }
     return running;
 }
@@ -98,7 +96,8 @@ std::unique_ptr<ProcessControl> LinuxRunningApplications::control(
     // Looked at after the handle was taken: if it still is that program, the handle is its.
     std::string executable = executableOf(application.process);
     if (executable.empty()) return nullptr;
-    if (describe(application.process, executable).executable != application.executable) {
+    const ProcessDescriber now(proc, "");
+    if (now.describeProgram(application.process, executable).executable != application.executable) {
         return nullptr;
     }
     return std::make_unique<Control>(application.process, std::move(handle), std::move(executable));
@@ -132,11 +131,16 @@ void LinuxRunningApplications::look() {
         if (!known->second.executable.empty()) used_(known->second);
         known = seen_.erase(known);
     }
+    std::optional<ProcessDescriber> describes;  // made for something new alone
     for (std::int64_t process : now) {
         if (seen_.contains(process)) continue;
+        if (!describes) describes.emplace(describer());
+        std::string executable = executableOf(process);
+        RunningApplication application;
+        if (!executable.empty()) application = describes->describe(process, std::move(executable));
         // Kernel threads and other users' processes are remembered too, so as not to be asked
         // again.
-        const auto added = seen_.emplace(process, describe(process, executableOf(process))).first;
+        const auto added = seen_.emplace(process, std::move(application)).first;
         if (!added->second.executable.empty()) used_(added->second);
     }
 }

@@ -2,9 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <utility>
-
-#include "platform/linux/kernel_file.h"
 
 namespace velto {
 namespace {
@@ -17,8 +16,6 @@ std::int64_t changeOf(const std::string& folder) {
     return attributes.st_mtim.tv_sec * nanosecondsPerSecond + attributes.st_mtim.tv_nsec;
 }
 
-constexpr int mostSubfolders = 200;  // of a folder of entries
-
 std::vector<std::int64_t> changesOf(const std::vector<std::string>& folders) {
     std::vector<std::int64_t> times;
     times.reserve(folders.size());
@@ -27,27 +24,13 @@ std::vector<std::int64_t> changesOf(const std::vector<std::string>& folders) {
     return times;
 }
 
-bool isFolder(const std::string& path) {
-    struct stat attributes {};
-    return ::stat(path.c_str(), &attributes) == 0 && S_ISDIR(attributes.st_mode);
-}
-
 }  // namespace
 
-/// With their subfolders, also the empty ones: an entry may come.
+/// With their subfolders, and with those that are not there: an entry may come.
 std::vector<std::string> InstalledApplications::foldersWithEntries() const {
-    std::vector<std::string> found;
+    std::vector<std::string> found = desktopEntryFolders(files_, folders_);
     for (const NamedLocation& folder : folders_) {
-        found.push_back(folder.path);
-        int left = mostSubfolders;
-        for (const std::string& name : kernelNames(folder.path)) {
-            if (left == 0) break;
-            if (name.ends_with(desktopEntryExtension)) continue;
-            if (std::string path = folder.path + "/" + name; isFolder(path)) {
-                found.push_back(std::move(path));
-                --left;
-            }
-        }
+        if (std::ranges::find(found, folder.path) == found.end()) found.push_back(folder.path);
     }
     return found;
 }
@@ -57,11 +40,15 @@ std::vector<ListedApplication> InstalledApplications::readAll() const {
     for (DesktopEntryFile& file : desktopEntryFiles(files_, folders_)) {
         std::optional<DesktopEntry> entry = read_(file.path);
         if (!entry || !entry->isShown) continue;
+        std::string snap = snapOfEntry(file, *entry);
         found.push_back({.identifier = std::move(file.id),
                          .name = std::move(entry->name),
                          .path = std::move(file.path),
                          .executable = std::move(entry->executable),
-                         .startsAnything = entry->startsScript});
+                         .startsAnything = entry->startsScript,
+                         .script = std::move(entry->script),
+                         .flatpak = std::move(entry->flatpak),
+                         .snap = std::move(snap)});
         if (found.back().name.empty()) found.back().name = found.back().identifier;
     }
     return found;

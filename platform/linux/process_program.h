@@ -13,4 +13,9 @@ std::string executableOfProcess(const std::string& folder);
 /// path in the environment. Empty for everything else. Never throws.
 std::string appImageOfProcess(const std::string& folder, const std::string& executable);
 
+/// The script that the process runs when `executable` is an interpreter: absolute, as its command
+/// line has it (links and whether it is there are not looked at). Empty for everything else. Never
+/// throws.
+std::string scriptOfProcess(const std::string& folder, const std::string& executable);
+
 }  // namespace velto

@@ -1,10 +1,13 @@
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 
-#include <array>
+#include <algorithm>
+#include <string_view>
+#include <utility>
 
 #include "platform/DesktopEntry.h"
 #include "platform/linux/glib_pointers.h"
+#include "platform/linux/launchers.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/foreign_file.h"
 #include "platform/values/text.h"
@@ -25,29 +28,32 @@ struct FreeKeyFile {
 };
 using KeyFile = std::unique_ptr<GKeyFile, FreeKeyFile>;
 
-// Programs that stand for whatever they are told to run.
-constexpr std::array<std::string_view, 12> launchers{"env",  "sh",      "bash", "dash",
-                                                     "zsh",  "perl",    "java", "gjs",
-                                                     "wine", "flatpak", "snap", "xdg-open"};
-constexpr std::array<std::string_view, 3> versionedLaunchers{"python", "ruby", "electron"};
-
-bool isLauncher(std::string_view name) {
-    for (std::string_view one : launchers) {
-        if (name == one) return true;
-    }
-    for (std::string_view one : versionedLaunchers) {
-        if (name.starts_with(one)) return true;
-    }
-    return false;
-}
-
 std::string text(GDesktopAppInfo* information, const char* key) {
     const GlibText value(g_desktop_app_info_get_string(information, key));
     return value ? validUtf8(value.get()) : std::string();
 }
 
-/// The program of a command line, past `env` and its assignments; empty when there is none.
-std::string programOf(const char* commandLine) {
+struct Command {
+    std::string program;                 // empty when there is none
+    std::vector<std::string> arguments;  // literal ones
+};
+
+std::string resolvedOrSame(const char* path) {
+    try {
+        return PosixFileManager().resolved(path);
+    } catch (const FileError&) {
+        return path;
+    }
+}
+
+/// True for "%U" and its like, and for Flatpak's marks around them ("@@u", "@@").
+bool standsForFiles(std::string_view argument) {
+    return (argument.size() == 2 && argument.front() == '%' && argument != "%%") ||
+           (argument.starts_with("@@") && argument.size() <= 3);
+}
+
+/// A command line, past `env` and its assignments.
+Command commandOf(const char* commandLine) {
     int count = 0;
     char** parsed = nullptr;
     if (commandLine == nullptr ||
@@ -64,11 +70,19 @@ std::string programOf(const char* commandLine) {
     }
     const GlibText found(g_find_program_in_path(parsed[index]));
     if (!found) return {};
-    try {
-        return PosixFileManager().resolved(found.get());
-    } catch (const FileError&) {
-        return found.get();
+    Command command{.program = resolvedOrSame(found.get()), .arguments = {}};
+    while (++index < count) {
+        if (!standsForFiles(parsed[index])) command.arguments.push_back(validUtf8(parsed[index]));
     }
+    return command;
+}
+
+/// What an interpreter runs. Relative paths depend on where the desktop starts it.
+std::string scriptOf(const Command& command) {
+    if (!isInterpreter(lastPathComponent(command.program))) return {};
+    const auto script = std::ranges::find_if(
+        command.arguments, [](const std::string& argument) { return argument.starts_with('/'); });
+    return script == command.arguments.end() ? std::string() : resolvedOrSame(script->c_str());
 }
 
 /// Read here and not by GIO, which waits for whatever is at the path to be written.
@@ -98,12 +112,15 @@ std::optional<DesktopEntry> readDesktopEntry(const std::string& path) {
     GAppInfo* const information = G_APP_INFO(entry.get());
     DesktopEntry read;
     if (const char* name = g_app_info_get_display_name(information)) read.name = validUtf8(name);
-    read.executable = programOf(g_app_info_get_commandline(information));
-    if (read.executable.empty()) return std::nullopt;
+    Command command = commandOf(g_app_info_get_commandline(information));
+    if (command.program.empty()) return std::nullopt;
+    read.script = scriptOf(command);
+    read.executable = std::move(command.program);
+    read.arguments = std::move(command.arguments);
     read.icon = iconOf(information);
     read.version = text(entry.get(), "X-AppImage-Version");
     read.flatpak = text(entry.get(), "X-Flatpak");
-    read.isSnap = !text(entry.get(), "X-SnapInstanceName").empty();
+    read.snap = text(entry.get(), "X-SnapInstanceName");
     read.isShown = g_app_info_should_show(information) != FALSE;
     read.startsScript = isLauncher(lastPathComponent(read.executable));
     return read;

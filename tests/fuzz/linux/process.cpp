@@ -3,6 +3,7 @@
 #include "fuzz/engine/Target.h"
 #include "fuzz/engine/sections.h"
 #include "platform/linux/ApplicationIndex.h"
+#include "platform/linux/application_unit.h"
 
 namespace velto::fuzz {
 namespace {
@@ -24,7 +25,7 @@ void judge(std::string_view input) {
     }
     footprintIn(sectionOf(sections, "status"));
     const std::string group = sectionOf(sections, "cgroup");
-    const std::string application = applicationInControlGroup(group);
+    const std::string application = applicationUnitIn(group).entry;
     require(application.size() <= group.size(), "a unit's name is a part of the text");
     const ListedApplication listed{.identifier = application, .name = "Una", .path = "/a.desktop"};
     const ApplicationIndex index(std::vector{listed});

@@ -11,9 +11,10 @@ const std::vector<ListedApplication> installed{
     {"chromium", "Chromium", "/usr/share/applications/chromium.desktop", "/usr/bin/chromium",
      false},
     {"org.gnome.TextEditor", "Text Editor", "/e", "/usr/bin/gnome-text-editor", false},
-    {"org.gimp.GIMP", "GIMP", "/g", "/usr/bin/flatpak", true},
-    {"snapped_snapped", "Snapped", "/s", "/usr/bin/snap", true},
-    {"script-thing", "Script", "/p", "/usr/bin/python3.11", true},
+    {"org.gimp.GIMP", "GIMP", "/g", "/usr/bin/flatpak", true, "", "org.gimp.GIMP", ""},
+    {"snapped_snapped", "Snapped", "/s", "/usr/bin/snap", true, "", "", "snapped"},
+    {"script-thing", "Script", "/p", "/usr/bin/python3.11", true, "/home/me/thing/main.py", "", ""},
+    {"tweaks", "Tweaks", "/w", "/usr/bin/gnome-tweaks", false},
     {"tool", "Tool", "/t", "/home/me/Downloads/tool", false},
     {"own", "Own", "/o", "/home/me/apps/own/own", false},
 };
@@ -21,8 +22,9 @@ const std::vector<ListedApplication> installed{
 struct ApplicationIndexTest : testing::Test {
     ApplicationIndex index{installed};
 
-    std::string find(std::string_view group, const std::string& executable) {
-        const RunningApp* found = index.find(group, executable);
+    std::string find(std::string_view group, const std::string& executable,
+                     const std::string& script = {}) {
+        const RunningApp* found = index.find(group, executable, script);
         return found == nullptr ? "" : found->name;
     }
 };
@@ -70,24 +72,30 @@ TEST_F(ApplicationIndexTest, TheDesktopsUnitTellsWhatTheProgramDoesNot) {
     EXPECT_EQ(find("0::/a/app-gnome-unknown-1.scope\n", "/usr/lib/firefox/firefox"), "Firefox");
 }
 
+TEST_F(ApplicationIndexTest, AllThatRunsInASnapIsItsApplication) {
+    const std::string inside = "/snap/snapped/4259/usr/lib/snapped/snapped";
+    const std::string uuid = "77218fe2-ab29-4bc5-a7be-30a9d58bbaf2";
+    EXPECT_EQ(find("0::/user.slice/snap.snapped.snapped-" + uuid + ".scope\n", inside), "Snapped");
+    EXPECT_EQ(find("0::/user.slice/snap.snapped.snapped." + uuid + ".scope\n", inside), "Snapped");
+    EXPECT_EQ(find("0::/user.slice/snap.snapped.helper-" + uuid + ".scope\n", "/usr/bin/x"),
+              "Snapped");
+    EXPECT_EQ(find("0::/user.slice/session-2.scope\n", inside), "Snapped");
+    EXPECT_EQ(find("", "/var/lib/snapd/snap/snapped/12/bin/x"), "Snapped");
+    EXPECT_EQ(find("", "/snap/snappedlike/12/bin/x"), "");
+    EXPECT_EQ(find("", "/snap/bin/snapped"), "");
+}
+
+TEST_F(ApplicationIndexTest, AScriptIsItsApplicationAndItsInterpreterIsNot) {
+    EXPECT_EQ(find("", "/usr/bin/python3.12", "/usr/bin/gnome-tweaks"), "Tweaks");
+    EXPECT_EQ(find("", "/usr/bin/python3.12", "/usr/share/gnome-tweaks/main.py"), "Tweaks");
+    EXPECT_EQ(find("", "/usr/bin/python3.12", "/home/me/thing/main.py"), "Script");
+    EXPECT_EQ(find("", "/usr/bin/python3.12", "/home/me/thing/other.py"), "");
+    EXPECT_EQ(find("", "/usr/bin/python3.12"), "");
+}
+
 TEST_F(ApplicationIndexTest, AProcessOfNoApplicationIsNobodys) {
     EXPECT_EQ(find("0::/init.scope\n", ""), "");
     EXPECT_EQ(find("garbage", "relative"), "");
-}
-
-TEST(ApplicationInControlGroup, ReadsEachFormOfUnit) {
-    const auto id = [](std::string_view unit) {
-        return applicationInControlGroup("12:pids:/x\n0::/user.slice/" + std::string(unit) + "\n");
-    };
-    EXPECT_EQ(id("app-firefox-1234.scope"), "firefox");
-    EXPECT_EQ(id("app-KDE-org.kde.kate-1234.scope"), "org.kde.kate");
-    EXPECT_EQ(id("app-gnome-a\\x2db@autostart.service"), "a-b");
-    EXPECT_EQ(id("app-org.gnome.Terminal.slice/vte-spawn-1234.scope"), "");
-    EXPECT_EQ(id("app-gnome-x-1.scope/inner.service"), "x");
-    EXPECT_EQ(id("session-2.scope"), "");
-    EXPECT_EQ(id("app-.scope"), "");
-    EXPECT_EQ(id("app-gnome-bad\\xzz-1.scope"), "bad\\xzz");
-    EXPECT_EQ(id(""), "");
 }
 
 }  // namespace

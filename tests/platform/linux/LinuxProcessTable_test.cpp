@@ -228,6 +228,96 @@ TEST_F(ProcessTableTest, ABrowserOfThirtyProcessesIsOneApplicationAndNotItsStart
     EXPECT_EQ(apps.at(50).name, "Files");
 }
 
+// A Snap as Ubuntu runs it; its helpers have no program that could be looked at.
+TEST_F(ProcessTableTest, ABrowserThatIsASnapIsOneApplication) {
+    index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
+        {.identifier = "firefox_firefox",
+         .name = "Firefox",
+         .path = "/var/lib/snapd/desktop/applications/firefox_firefox.desktop",
+         .executable = "/usr/bin/snap",
+         .startsAnything = true,
+         .script = "",
+         .flatpak = "",
+         .snap = "firefox"}});
+    const std::string slice = "0::/user.slice/user-1000.slice/user@1000.service/app.slice/";
+    const std::string uuid = "77218fe2-ab29-4bc5-a7be-30a9d58bbaf2";
+    record({.pid = 100,
+            .command = "firefox",
+            .executable = "/snap/firefox/4793/usr/lib/firefox/firefox",
+            .group = slice + "snap.firefox.firefox." + uuid + ".scope\n"});
+    record({.pid = 101,
+            .parent = 100,
+            .command = "Web Content",
+            .executable = "",
+            .group = slice + "snap.firefox.firefox-" + uuid + ".scope\n"});
+    record({.pid = 102,
+            .command = "geckodriver",
+            .executable = "/snap/firefox/4793/usr/lib/firefox/geckodriver",
+            .group = slice + "snap.firefox.geckodriver-" + uuid + ".scope\n"});
+    record({.pid = 103,
+            .command = "helper",
+            .executable = "/snap/firefox/4793/usr/lib/firefox/helper",
+            .group = "0::/user.slice/user-1000.slice/session-2.scope\n"});
+    table->list();
+    const auto apps = table->runningApps();
+    ASSERT_EQ(apps.size(), 4u);
+    for (const auto& [process, app] : apps)
+        EXPECT_EQ(app.bundle, "firefox_firefox") << process;
+}
+
+TEST_F(ProcessTableTest, WhatTheWebViewStartsIsThisProgramsAlsoInsideASandboxOfItsOwn) {
+    const std::string engine = "/usr/lib/x86_64-linux-gnu/webkitgtk-6.0/";
+    record({.pid = 77, .command = "velto", .executable = "/usr/bin/velto"});
+    record({.pid = 100,
+            .parent = 77,
+            .command = "WebKitNetworkProcess",
+            .executable = engine + "WebKitNetworkProcess"});
+    record({.pid = 101, .parent = 77, .command = "bwrap", .executable = "/usr/bin/bwrap"});
+    record({.pid = 102, .parent = 101, .command = "bwrap", .executable = "/usr/bin/bwrap"});
+    record({.pid = 103,
+            .parent = 102,
+            .command = "WebKitWebProces",
+            .executable = engine + "WebKitWebProcess"});
+    record({.pid = 104, .parent = 77, .command = "velto-icons", .executable = "/x/velto-icons"});
+    record({.pid = 105,
+            .parent = 1,
+            .command = "WebKitWebProces",
+            .executable = engine + "WebKitWebProcess"});  // another program's
+    table->list();
+    const auto apps = table->runningApps();
+    EXPECT_EQ(apps.size(), 5u);
+    for (int process : {100, 101, 102, 103, 104}) {
+        ASSERT_TRUE(apps.contains(process)) << process;
+        EXPECT_EQ(apps.at(process).bundle, "app.velto");
+        EXPECT_EQ(apps.at(process).name, "Velto");
+    }
+}
+
+TEST_F(ProcessTableTest, StartedInATerminalTheEngineIsThisProgramsAndTheBrowserItOpensIsNot) {
+    index = std::make_shared<const ApplicationIndex>(std::vector<ListedApplication>{
+        firefox(),
+        {"org.kde.konsole", "Konsole", "/k", "/usr/bin/konsole", false},
+        {"app.velto", "Velto (desktop)", "/v.desktop", "/usr/bin/velto", false}});
+    const std::string group = "0::/user.slice/app.slice/app-org.kde.konsole-4558.scope\n";
+    record({.pid = 77, .command = "velto", .executable = "/usr/bin/velto", .group = group});
+    record({.pid = 90, .command = "bash", .executable = "/usr/bin/bash", .group = group});
+    record({.pid = 100,
+            .parent = 77,
+            .command = "WebKitWebProces",
+            .executable = "/usr/lib/webkitgtk-6.0/WebKitWebProcess",
+            .group = group});
+    record({.pid = 101,
+            .parent = 77,
+            .command = "firefox",
+            .executable = "/usr/lib/firefox/firefox",
+            .group = group});
+    table->list();
+    const auto apps = table->runningApps();
+    EXPECT_EQ(apps.at(90).name, "Konsole");
+    EXPECT_EQ(apps.at(100).name, "Velto (desktop)");
+    EXPECT_NE(apps.at(101).name, "Velto (desktop)");
+}
+
 TEST_F(ProcessTableTest, AnApplicationThatIsInstalledLaterIsRecognised) {
     record({.pid = 100, .command = "firefox", .executable = "/usr/lib/firefox/firefox (deleted)"});
     table->list();

@@ -176,16 +176,98 @@ TEST_F(DesktopTest, AUsersEntryTakesThePlaceOfTheSystemsWithTheSameName) {
     EXPECT_THAT(listedNames(), IsEmpty());
 }
 
-TEST_F(DesktopTest, SeveralEntriesOfOneApplicationCountOnce) {
+TEST_F(DesktopTest, EveryEntryIsAnApplicationWhateverProgramItSharesWithOthers) {
     systemEntry("office", "Office", "/bin/sleep");
     systemEntry("office-calc", "Office Calc", "/bin/sleep --calc");
-    put(disk.path("usr/share/applications/kde/office-more.desktop"),
-        "[Desktop Entry]\nType=Application\nName=More\nExec=/bin/sleep\n");
-    EXPECT_THAT(listedNames(), ElementsAre("Office"));
-    // What only runs something else tells nothing about which application it is.
     systemEntry("one", "One", "sh -c one");
     systemEntry("two", "Two", "sh -c two");
-    EXPECT_THAT(listedNames(), ElementsAre("Office", "One", "Two"));
+    // As browsers, Steam, Wine and Distrobox write them for what they start.
+    userEntry("chrome-abc-Default", "Web App", "/bin/cat --profile-directory=Default --app-id=abc");
+    userEntry("chrome-def-Default", "Web App 2", "/bin/cat --profile-directory=Default --app-id=d");
+    userEntry("Some Game", "Some Game", "/bin/tee steam://rungameid/4000");
+    userEntry("Other Game", "Other Game", "/bin/tee steam://rungameid/4001");
+    const std::string box = program(".local/bin/distrobox-enter");
+    userEntry("box-editor", "Editor in a box", box + " -n box -- editor %F");
+    userEntry("box-player", "Player in a box", box + " -n box -- player");
+    EXPECT_THAT(listedNames(),
+                ElementsAre("Editor in a box", "Office", "Office Calc", "One", "Other Game",
+                            "Player in a box", "Some Game", "Two", "Web App", "Web App 2"));
+    for (const AppEntry& entry : apps.listApps())
+        EXPECT_NE(entry.path, box) << entry.name << ": what all of them share goes with none";
+}
+
+// The form of the file's path is Wine's own (share/applications/wine/Programs/...).
+TEST_F(DesktopTest, EntriesInFoldersOfFoldersAreListedByTheirStandardId) {
+    entry(home.path(".local/share/applications/wine/Programs/Maker/Tool.desktop"), "Tool",
+          "env WINEPREFIX=/home/me/.wine /bin/sh 'C:\\\\Tool.exe'");
+    entry(disk.path("usr/share/applications/kde/foo.desktop"), "Foo", "/bin/sleep");
+    entry(disk.path("usr/share/applications/kde-foo.desktop"), "Foo again", "/bin/sleep");
+    ASSERT_TRUE(listed("Tool"));
+    EXPECT_EQ(listed("Tool")->bid, "wine-Programs-Maker-Tool");
+    EXPECT_NE(listed("Foo").has_value(), listed("Foo again").has_value()) << "one id, one entry";
+    // The user's file of that id stands before both.
+    userEntry("kde-foo", "Mine", "/bin/sleep", "Hidden=true\n");
+    EXPECT_THAT(listedNames(), ElementsAre("Tool"));
+}
+
+TEST_F(DesktopTest, AFolderOfEntriesThatLeadsIntoItselfIsReadOnce) {
+    systemEntry("a", "A", "/bin/sleep");
+    std::filesystem::create_directory_symlink(".", disk.path("usr/share/applications/again"));
+    EXPECT_THAT(listedNames(), ElementsAre("A"));
+}
+
+TEST_F(DesktopTest, OneOfTheEntriesOfAProgramOfTheHomeIsTheProgramAndTheOthersAreThemselves) {
+    const std::string path = program("apps/foobar/foobar");
+    userEntry("foobar-page", "Foobar Page", path + " --app=https://example.com");
+    userEntry("foobar", "Foobar", path + " %U");
+    userEntry("foobar-handler", "Foobar Handler", path + " %u");
+    EXPECT_THAT(listedNames(), ElementsAre("Foobar", "Foobar Page"));
+    EXPECT_EQ(listed("Foobar")->path, home.path("apps/foobar"));
+    EXPECT_EQ(listed("Foobar Page")->path,
+              home.path(".local/share/applications/foobar-page.desktop"));
+    auto& process = machine.running.add({.executable = path});
+    EXPECT_TRUE(listed("Foobar")->running);
+    EXPECT_FALSE(listed("Foobar Page")->running);
+    EXPECT_EQ(remover.quitApp(*listed("Foobar Page")), 0);
+    EXPECT_FALSE(process.terminated);
+    EXPECT_EQ(remover.quitApp(*listed("Foobar")), 1);
+}
+
+TEST_F(DesktopTest, SeveralEntriesOfAUsersFlatpakAreOneApplication) {
+    home.folder(".local/share/flatpak/app/org.acme.Office");
+    for (const char* part : {"", ".calc", ".writer"}) {
+        entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Office" +
+                        std::string(part) + ".desktop"),
+              "Office" + std::string(part), "/bin/true run org.acme.Office",
+              "X-Flatpak=org.acme.Office\n");
+    }
+    EXPECT_THAT(listedNames(), ElementsAre("Office"));
+    EXPECT_EQ(listed("Office")->path, home.path(".local/share/flatpak/app/org.acme.Office"));
+    EXPECT_EQ(listed("Office")->exec, "") << "flatpak itself is not the application";
+}
+
+TEST_F(DesktopTest, AnAppImageWithoutAnEntryIsListedByItsPath) {
+    const std::string first = program("Applications/Foo_Bar-1.2.3-x86_64.AppImage");
+    const std::string second = program("Downloads/obsidian-v1.5.appimage");
+    const std::string third = program(".local/bin/nvim.appimage");
+    const std::string listedOne = program("Applications/Known.AppImage");
+    userEntry("known", "Known", listedOne + " %U");
+    home.link("Applications/link.AppImage", "Known.AppImage");
+    home.folder("Applications/Folder.AppImage");
+    program("Applications/deeper/Deep.AppImage");
+    program("Applications/Velto-1.0.AppImage");
+    EXPECT_THAT(listedNames(), ElementsAre("Foo_Bar", "Known", "nvim", "obsidian"));
+    const auto found = apps.readApp(first);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->bid, first);
+    EXPECT_EQ(found->version, "1.2.3");
+    EXPECT_FALSE(found->apple || found->store || found->running);
+    machine.running.add({.executable = first});
+    EXPECT_TRUE(apps.readApp(first)->running);
+    EXPECT_FALSE(apps.readApp(second)->running);
+    EXPECT_EQ(remover.uninstall(*apps.readApp(first), {first}).removed, 1);
+    EXPECT_FALSE(isThere(first));
+    EXPECT_TRUE(isThere(second) && isThere(third));
 }
 
 TEST_F(DesktopTest, AProgramThatRunsIsAnApplicationThatRuns) {
@@ -197,6 +279,101 @@ TEST_F(DesktopTest, AProgramThatRunsIsAnApplicationThatRuns) {
     EXPECT_TRUE(found->running);
     EXPECT_EQ(found->last, machine.clock.time);
     EXPECT_EQ(usage.launches().at("foobar"), machine.clock.time);
+}
+
+TEST_F(DesktopTest, AFlatpakOrSnapThatRunsIsSeenToRun) {
+    home.folder(".local/share/flatpak/app/org.acme.Mine");
+    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
+          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
+    entry(disk.path("snap/applications/office_writer.desktop"), "Writer", "/bin/true",
+          "X-SnapInstanceName=office\n");
+    entry(disk.path("snap/applications/office_calc.desktop"), "Calc", "/bin/true",
+          "X-SnapInstanceName=office\n");
+    EXPECT_FALSE(listed("Mine")->running || listed("Writer")->running || listed("Calc")->running);
+    machine.running.add({.executable = "/app/bin/mine", .flatpak = "org.acme.Mine"});
+    machine.running.add(
+        {.executable = "/snap/office/9/writer", .entry = "office_writer", .snap = "office"});
+    EXPECT_TRUE(listed("Mine")->running && listed("Writer")->running);
+    EXPECT_FALSE(listed("Calc")->running);
+    EXPECT_TRUE(usage.launches().contains("org.acme.Mine"));
+    EXPECT_TRUE(usage.launches().contains("office_writer"));
+}
+
+TEST_F(DesktopTest, WhatRunsInASandboxIsNotTakenForAProgramOfTheSystem) {
+    systemEntry("sleeper", "Sleeper", "/bin/sleep");
+    const std::string sleeper = std::filesystem::canonical("/bin/sleep");
+    machine.running.add({.executable = sleeper, .flatpak = "org.acme.Other"});
+    EXPECT_FALSE(listed("Sleeper")->running);
+    machine.running.add({.executable = sleeper});
+    EXPECT_TRUE(listed("Sleeper")->running);
+}
+
+TEST_F(DesktopTest, AProgramThatAnInterpreterRunsIsSeenToRunByItsScriptOrItsUnit) {
+    const std::string script = program("apps/notes/notes");
+    const std::string python = "/usr/bin/python3.12";
+    home.link("notes-link", "apps/notes/notes");
+    userEntry("notes", "Notes", script);
+    userEntry("told", "Told", "sh " + program("scripts/told.py"));
+    systemEntry("org.acme.Weather", "Weather", "sh -c weather");
+    machine.running.add({.executable = python, .script = "/usr/lib/other.py"});
+    EXPECT_FALSE(listed("Notes")->running || listed("Told")->running || listed("Weather")->running);
+    machine.running.add({.executable = python, .script = home.path("notes-link")});
+    EXPECT_TRUE(listed("Notes")->running);
+    machine.running.processes.back()->application.script = home.path("apps/notes/lib/window.py");
+    EXPECT_TRUE(listed("Notes")->running);
+    machine.running.add({.executable = python, .script = home.path("scripts/told.py")});
+    EXPECT_TRUE(listed("Told")->running);
+    machine.running.add({.executable = "/usr/bin/gjs-console", .entry = "org.acme.Weather"});
+    EXPECT_TRUE(listed("Weather")->running);
+    EXPECT_EQ(remover.quitApp(*listed("Notes")), 1);
+    EXPECT_EQ(remover.quitApp(*listed("Told")), 1);
+    EXPECT_EQ(remover.quitApp(*listed("Weather")), 1);
+    EXPECT_FALSE(machine.running.processes.front()->terminated);
+}
+
+TEST_F(DesktopTest, AFlatpakIsAskedToQuitAndNotItsSandbox) {
+    const std::string path = home.folder(".local/share/flatpak/app/org.acme.Mine");
+    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
+          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
+    const auto add = [&](const std::string& executable) -> FakeRunningApplications::Process& {
+        return machine.running.add({.executable = executable, .flatpak = "org.acme.Mine"});
+    };
+    auto& outer = add("/usr/bin/bwrap");
+    auto& proxy = add("/usr/bin/xdg-dbus-proxy");
+    auto& window = add("/app/bin/mine");
+    auto& helper = add("/app/lib/helper");
+    auto& other = machine.running.add({.executable = "/app/bin/mine", .flatpak = "org.acme.Two"});
+    // The sandbox goes when nothing is left in it.
+    machine.sleeper.onSleep = [&] { outer.terminated = proxy.terminated = true; };
+    EXPECT_EQ(remover.quitApp(*apps.readApp(path)), 4);
+    EXPECT_EQ(window.asked, 1);
+    EXPECT_EQ(helper.asked, 1);
+    EXPECT_EQ(outer.asked + proxy.asked, 0);
+    EXPECT_EQ(outer.forced + proxy.forced + window.forced + helper.forced, 0);
+    EXPECT_FALSE(other.terminated);
+}
+
+TEST_F(DesktopTest, AFlatpakThatDoesNotListenIsEndedWithItsSandboxAfterTwoSeconds) {
+    const std::string path = home.folder(".local/share/flatpak/app/org.acme.Mine");
+    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
+          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
+    auto& outer = machine.running.add({.executable = "/usr/bin/bwrap", .flatpak = "org.acme.Mine"});
+    auto& window = machine.running.add({.executable = "/app/bin/m", .flatpak = "org.acme.Mine"});
+    window.ignoresTerminate = true;
+    const double start = machine.clock.time;
+    EXPECT_EQ(remover.quitApp(*apps.readApp(path)), 2);
+    EXPECT_GE(machine.clock.time - start, 2.0);
+    EXPECT_EQ(window.forced, 1);
+    EXPECT_EQ(outer.forced, 1);
+}
+
+TEST_F(DesktopTest, WhatOnlyMayBeTheApplicationIsNotEnded) {
+    // Programs in a folder that several applications share, and what a terminal runs.
+    entry(disk.path("usr/share/applications/top.desktop"), "Top", "/bin/sleep -e /bin/cat");
+    auto& process = machine.running.add({.executable = std::filesystem::canonical("/bin/sleep")});
+    EXPECT_TRUE(listed("Top")->running);
+    EXPECT_EQ(remover.quitApp(*listed("Top")), 0);
+    EXPECT_FALSE(process.terminated);
 }
 
 TEST_F(DesktopTest, TheUseOfListedApplicationsIsRecordedAndOfNoOthers) {
