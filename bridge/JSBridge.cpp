@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/AppsWork.h"
+#include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
@@ -50,7 +51,9 @@ JSBridge::JSBridge(const BridgeContext& context)
                                                                    .uninstalls = uninstalls_,
                                                                    .work = apps_})),
       quitIntents_(std::make_shared<QuitIntents>(
-          QuitIntents::Context{.link = *this, .platform = platform_, .language = language_})) {
+          QuitIntents::Context{.link = *this, .platform = platform_, .language = language_})),
+      leftBehindIntent_(std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{
+          .link = *this, .platform = platform_, .exclusions = exclusions_})) {
     system = makeSystemMonitor();
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {

@@ -45,6 +45,7 @@ struct BridgeContext {
 
 struct AppsWork;
 struct UninstallRecord;
+class LeftBehindIntent;
 class PackageIntents;
 class QuitIntents;
 class TrashIntents;
@@ -215,6 +216,7 @@ private:
     std::shared_ptr<TrashIntents> trashIntents_;
     std::shared_ptr<PackageIntents> packageIntents_;
     std::shared_ptr<QuitIntents> quitIntents_;
+    std::shared_ptr<LeftBehindIntent> leftBehindIntent_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

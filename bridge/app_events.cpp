@@ -66,6 +66,8 @@ std::string leftoverLinks(const std::string& application, const nlohmann::json& 
     return call("onLeftoverLinks", literal(pathText(application)) + ", " + literal(links));
 }
 
+std::string leftBehind(const nlohmann::json& items) { return call("onLeftBehind", literal(items)); }
+
 std::string uninstallProgress(std::string_view stage, double percent,
                               const std::optional<std::string>& detail) {
     std::string arguments = inQuotes(stage) + ", " + tenths(percent);

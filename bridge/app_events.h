@@ -23,6 +23,9 @@ std::string appAnalysis(const nlohmann::json& analysis);
 /// and `kept` (only the link goes). Goes before the analysis that lists them.
 std::string leftoverLinks(const std::string& application, const nlohmann::json& links);
 
+/// Records as `LeftBehind` has them.
+std::string leftBehind(const nlohmann::json& items);
+
 /// `percent` is written with one decimal. In the detail, which may be any file's name, backslashes
 /// and quotes are escaped, and what would break the line becomes a space.
 std::string uninstallProgress(std::string_view stage, double percent,

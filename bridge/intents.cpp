@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/JSBridge.h"
+#include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/TrashIntents.h"
@@ -30,6 +31,7 @@ struct IntentTable {
     static constexpr auto trash = &JSBridge::trashIntents_;
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
+    static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -68,6 +70,7 @@ struct IntentTable {
         {"giveUpWaiting", at<trash, &TrashIntents::onGiveUpWaiting>},
         {"quitApplication", at<quitting, &QuitIntents::onQuitApplication>},
         {"endApplication", at<quitting, &QuitIntents::onEndApplication>},
+        {"leftBehind", at<leftovers, &LeftBehindIntent::onLeftBehind>},
     });
 };
 

@@ -1,8 +1,8 @@
 /** Reads what arrives about installed applications, what they left behind and their removal. */
 import { distinct, fieldsOf, list, number, size, text } from './guards.ts';
-import { failureReasons, leftoverKeys, uninstallStages } from './records.ts';
+import { failureReasons, leftBehindReasons, leftoverKeys, uninstallStages } from './records.ts';
 import type {
-  AppAnalysis, FailureReason, InstalledApp, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
+  AppAnalysis, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
   UninstallStage,
 } from './records.ts';
 
@@ -46,6 +46,17 @@ export function leftoverLinks(value: unknown): LeftoverLink[] {
   return list(value, ({ path, target, kept }) =>
     text(path) && text(target) ? { path: text(path), target: text(target), kept: kept === true } : null,
   );
+}
+
+/** Without a reason that is known nothing is offered. */
+export function leftBehind(value: unknown): LeftBehindItem[] {
+  const items = list(value, ({ path, identifier, why, gb, last }) => {
+    const reason = leftBehindReasons.find((known) => known === why);
+    return text(path) && text(identifier) && reason
+      ? { path: text(path), identifier: text(identifier), why: reason, gb: size(gb), last: size(last) }
+      : null;
+  });
+  return distinct(items, ({ path }) => path);
 }
 
 export function appAnalysis(value: unknown): AppAnalysis | null {

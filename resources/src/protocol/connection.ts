@@ -49,8 +49,8 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onRestoreBlocked',
-  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onUninstallProgress', 'onUninstallResult',
-  'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
+  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onLeftBehind', 'onUninstallProgress',
+  'onUninstallResult', 'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

@@ -29,6 +29,7 @@ export const laterReaders: LaterReaders = {
     const analysis = appGuards.appAnalysis(value);
     return analysis && [analysis];
   },
+  onLeftBehind: ([items]) => [appGuards.leftBehind(items)],
   onUninstallProgress: ([word, percent, detail]) => {
     const stage = appGuards.uninstallStage(word);
     return stage && [stage, appGuards.percent(percent), guards.text(detail)];

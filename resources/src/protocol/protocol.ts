@@ -3,9 +3,9 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftoverLink,
-  MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem,
-  UninstallResult, UninstallStage, WaitingItem,
+  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftBehindItem,
+  LeftoverLink, MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity, SystemSample,
+  TrashItem, UninstallResult, UninstallStage, WaitingItem,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -37,6 +37,7 @@ export interface Intents {
   endApplication: { pid: number };
   appsList: void;
   appAnalysis: { path: string };
+  leftBehind: void;
   uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
   revealPath: string;
   deleteFiles: { paths: string[]; kind: string };
@@ -90,6 +91,7 @@ export interface Events {
   onAppSizes: [sizes: Record<string, number>];
   onLeftoverLinks: [application: string, links: LeftoverLink[]];
   onAppAnalysis: [analysis: AppAnalysis];
+  onLeftBehind: [items: LeftBehindItem[]];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
   onSystemActivity: [activity: SystemActivity];

@@ -221,6 +221,21 @@ export interface LeftoverLink {
   kept: boolean;
 }
 
+/** What says that the application is gone: no such Flatpak, nothing of that identifier, no such package. */
+export const leftBehindReasons = ['flatpak', 'identifier', 'package'] as const;
+export type LeftBehindReason = (typeof leftBehindReasons)[number];
+
+/** The data of an application that is not installed any more. */
+export interface LeftBehindItem {
+  path: string;
+  /** Of the application, or the name of its package. */
+  identifier: string;
+  why: LeftBehindReason;
+  gb: number;
+  /** The last change, seconds since 1970; 0 when unknown. */
+  last: number;
+}
+
 export interface AppAnalysis {
   bid: string;
   name: string;

@@ -7,6 +7,7 @@ import type { TrashItem, WaitingItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { operationsOf, totalGb, type Operation } from './operations.ts';
 import { questions } from './questions.svelte.ts';
+import { leftBehind } from './leftBehind.svelte.ts';
 import { requests, type Outcome } from './requests.svelte.ts';
 import { session } from './session.svelte.ts';
 import { toasts } from './toasts.svelte.ts';
@@ -16,6 +17,7 @@ const idsOf = (items: readonly TrashItem[]) => items.map(({ id }) => id);
 function sayPutBack(items: readonly TrashItem[]): void {
   const words = language.words.trash;
   cleanables.outdated = cleanables.list !== null;
+  leftBehind.outdated = leftBehind.hasAnswered;
   const [only] = items;
   toasts.show(
     words.putBackDone,

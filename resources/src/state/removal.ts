@@ -6,6 +6,7 @@ import { shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
 import type { DuplicateGroup, Refusal } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
+import { leftBehind } from './leftBehind.svelte.ts';
 import { refusalSentences, takeRefusal } from './refusals.ts';
 import { requests, type RequestKind } from './requests.svelte.ts';
 import { session } from './session.svelte.ts';
@@ -30,7 +31,9 @@ export async function moveToTrash(paths: string[], intent: 'deleteFiles' | 'clea
   const answer = requests.ask('remove', waiting);
   if (intent === 'cleanPaths') send('cleanPaths', { paths: waiting });
   else send('deleteFiles', { paths: waiting, kind: 'wind' });
-  if ((await answer) === 'done') cleanables.forget(waiting);
+  if ((await answer) !== 'done') return;
+  cleanables.forget(waiting);
+  leftBehind.forget(waiting);
 }
 
 /** Shows a message of the program; what answers a request of the page says what that means. */

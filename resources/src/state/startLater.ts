@@ -7,6 +7,7 @@ import { laterReaders } from '../protocol/laterReaders.ts';
 import type { TrashItem, WaitingItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
+import { leftBehind } from './leftBehind.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
 import { machine } from './machine.svelte.ts';
 import { quitting } from './quitting.svelte.ts';
@@ -38,6 +39,7 @@ export function startLater(): void {
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
+      onLeftBehind: (items) => leftBehind.receive(items),
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
       onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),
       onSystemActivity: (activity) => machine.receiveActivity(activity),

@@ -42,6 +42,19 @@ export const appWords = {
   noMatchText: 'No application fits the search.',
   clearSearch: 'Show all applications',
 
+  leftBehind: {
+    title: 'Left behind by apps that are gone',
+    text: 'Data of applications that Velto does not find on this computer any more. Nothing is selected to begin with: look first, because settings and documents of an application may be among it.',
+    help: 'Arrow keys move, Space selects, Shift extends, Delete moves the selection to Velto Trash, Enter shows an item in its folder.',
+    summary: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
+    changed: (ago: string) => `Last change ${ago}`,
+    why: {
+      flatpak: 'No Flatpak of this name is installed, and nothing else uses this folder.',
+      identifier: 'No application, package or service of this name is installed.',
+      package: 'It is not installed as a package, Flatpak, Snap or program.',
+    },
+  },
+
   back: 'Back to all applications',
   uninstallTitle: (name: string) => `Uninstall ${name}`,
   analysingTitle: (name: string) => `Looking for what ${name} left behind`,

@@ -41,6 +41,19 @@ export const appWords: typeof english = {
   noMatchText: 'Ninguna aplicación cumple la búsqueda.',
   clearSearch: 'Ver todas las aplicaciones',
 
+  leftBehind: {
+    title: 'Restos de apps que ya no están',
+    text: 'Datos de aplicaciones que Velto ya no encuentra en este ordenador. Al principio no hay nada seleccionado: míralos antes, porque entre ellos puede haber ajustes y documentos.',
+    help: 'Las flechas mueven, Espacio selecciona, Mayúsculas extiende, Suprimir mueve la selección a la Papelera de Velto, Intro muestra un elemento en su carpeta.',
+    summary: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
+    changed: (ago) => `Último cambio ${ago}`,
+    why: {
+      flatpak: 'No hay instalado ningún Flatpak con este nombre, y nada más usa esta carpeta.',
+      identifier: 'No hay instalada ninguna aplicación, paquete ni servicio con este nombre.',
+      package: 'No está instalada como paquete, Flatpak, Snap ni programa.',
+    },
+  },
+
   back: 'Volver a todas las aplicaciones',
   uninstallTitle: (name) => `Desinstalar ${name}`,
   analysingTitle: (name) => `Buscando qué ha dejado ${name}`,
