@@ -68,6 +68,10 @@ std::string leftoverLinks(const std::string& application, const nlohmann::json& 
 
 std::string leftBehind(const nlohmann::json& items) { return call("onLeftBehind", literal(items)); }
 
+std::string appRemoval(const std::string& application, const nlohmann::json& removal) {
+    return call("onAppRemoval", literal(pathText(application)) + ", " + literal(removal));
+}
+
 std::string uninstallProgress(std::string_view stage, double percent,
                               const std::optional<std::string>& detail) {
     std::string arguments = inQuotes(stage) + ", " + tenths(percent);

@@ -26,6 +26,10 @@ std::string leftoverLinks(const std::string& application, const nlohmann::json& 
 /// Records as `LeftBehind` has them.
 std::string leftBehind(const nlohmann::json& items);
 
+/// Whether an application itself can be removed from here: `stays` (why not, empty when it can) and
+/// `folder` (what stays of one that goes as a single file). Goes before its analysis.
+std::string appRemoval(const std::string& application, const nlohmann::json& removal);
+
 /// `percent` is written with one decimal. In the detail, which may be any file's name, backslashes
 /// and quotes are escaped, and what would break the line becomes a space.
 std::string uninstallProgress(std::string_view stage, double percent,

@@ -9,6 +9,7 @@
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 #include "uninstall/Leftovers.h"
+#include "uninstall/app_removal.h"
 #include "uninstall/figures.h"
 
 namespace velto {
@@ -40,7 +41,8 @@ nlohmann::json sizesOf(const InstalledApps& apps, const std::vector<std::string>
 }
 
 /// Looks for what one application has left. Whatever is a link, or lies behind one, is told first
-/// and remembered: a removal goes by what was shown. Nothing when there is no such application.
+/// and remembered: a removal goes by what was shown. So is whether the application itself can go.
+/// Nothing when there is no such application.
 std::vector<std::string> analysisScripts(const Platform& platform, AppsWork& work,
                                          const std::string& path) {
     auto entry = work.apps.readApp(path);
@@ -58,6 +60,10 @@ std::vector<std::string> analysisScripts(const Platform& platform, AppsWork& wor
     work.shown.remember(path, std::move(shown));
     std::vector<std::string> scripts;
     if (!links.empty()) scripts.push_back(events::leftoverLinks(path, links));
+    if (const auto removal = appRemoval(platform, work.apps, *entry)) {
+        scripts.push_back(events::appRemoval(
+            path, {{"stays", removal->stays}, {"folder", pathText(removal->folder)}}));
+    }
     scripts.push_back(events::appAnalysis(analysis));
     return scripts;
 }

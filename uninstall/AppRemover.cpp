@@ -12,7 +12,9 @@
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
+#include "uninstall/desktop_leftovers.h"
 #include "uninstall/figures.h"
+#include "uninstall/kept_places.h"
 #include "uninstall/quit_processes.h"
 #include "uninstall/tool_names.h"
 
@@ -38,6 +40,25 @@ std::vector<std::string> inOrderOfRemoval(const std::vector<std::string>& paths,
     return ordered;
 }
 
+/// The hidden folders of a Linux home that are named like the application.
+Claims claimsOf(const AppEntry& entry, const HomeLayout& home) {
+    Claims claims;
+    if (home.kind != HomeLayout::Kind::freedesktop) return claims;
+    for (Leftovers::Candidate& folder : Leftovers::dotFolders(entry, home))
+        claims.push_back(std::move(folder.path));
+    return claims;
+}
+
+/// True for what stays whichever application is meant, and for the profile of another browser, also
+/// where a link leads into one.
+bool isKeptFor(const std::string& path, const AppEntry& entry,
+               const AppRemover::ShownTargets& shown, const HomeLayout& home) {
+    if (isKept(standardizedPath(path), home, entry.bid)) return true;
+    const auto target = shown.find(path);
+    return target != shown.end() && isProfile(target->second, home) &&
+           isKept(target->second, home, entry.bid);
+}
+
 }  // namespace
 
 AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
@@ -48,14 +69,17 @@ AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
         if (progress) progress(stage, item, percent);
     };
     Result result{.name = entry.name};
+    const HomeLayout& layout = platform_.layout;
+    const Claims claims = claimsOf(entry, layout);
     std::vector<std::string> chosen;
     for (const std::string& path : inOrderOfRemoval(paths, entry.path)) {
-        if (isSafeToRemove(path, entry.path, platform_.layout)) {
+        const bool isKeptHere = isKeptFor(path, entry, shown, layout);
+        if (!isKeptHere && isSafeToRemove(path, entry.path, layout, claims)) {
             chosen.push_back(path);
         } else {
             fail(path,
-                 isProtectedPlace(path, platform_.layout) ? RemovalReason::protected_
-                                                          : RemovalReason::admin,
+                 isKeptHere || isProtectedPlace(path, layout, claims) ? RemovalReason::protected_
+                                                                      : RemovalReason::admin,
                  result);
         }
     }
@@ -73,7 +97,7 @@ AppRemover::Result AppRemover::uninstall(const AppEntry& entry,
     for (std::size_t index = 0; index < chosen.size(); ++index) {
         const Item item{std::string(lastPathComponent(chosen[index])), chosen[index]};
         report("files", 40 + 48 * (static_cast<double>(index) / count), item);
-        removeOne(chosen[index], entry, shown, result, bytes);
+        removeOne(chosen[index], entry, {.shown = shown, .claims = claims}, result, bytes);
     }
     report("clean", 92);
     result.freed = roundedToThousandth(gigabytes(bytes));
@@ -143,17 +167,19 @@ bool AppRemover::isUserFlatpak(const std::string& path, const AppEntry& entry) c
     return !attributes || attributes->kind != FileKind::symbolicLink;
 }
 
-void AppRemover::removeOne(const std::string& path, const AppEntry& entry,
-                           const ShownTargets& shown, Result& result, std::int64_t& bytes) {
-    const auto target = shown.find(path);
+void AppRemover::removeOne(const std::string& path, const AppEntry& entry, const Terms& terms,
+                           Result& result, std::int64_t& bytes) {
+    const auto target = terms.shown.find(path);
     std::string place = path;
     RemovalReason reason = RemovalReason::other;
     std::string why;
     try {
         bytes += isUserFlatpak(path, entry)
                      ? removeFlatpak(entry)
-                     : removal_.remove(path, target == shown.end() ? std::nullopt
-                                                                   : std::optional(target->second));
+                     : removal_.remove(path,
+                                       target == terms.shown.end() ? std::nullopt
+                                                                   : std::optional(target->second),
+                                       terms.claims);
         ++result.removed;
         result.gone.push_back(path);
         return;

@@ -73,7 +73,11 @@ public:
 private:
     void unloadLaunchdAgent(const std::string& path);
     void unloadUserUnit(const std::string& path);
-    void removeOne(const std::string& path, const AppEntry& entry, const ShownTargets& shown,
+    struct Terms {
+        const ShownTargets& shown;
+        const Claims& claims;
+    };
+    void removeOne(const std::string& path, const AppEntry& entry, const Terms& terms,
                    Result& result, std::int64_t& bytes);
     bool isUserFlatpak(const std::string& path, const AppEntry& entry) const;
     std::int64_t removeFlatpak(const AppEntry& entry);

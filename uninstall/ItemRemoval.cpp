@@ -28,9 +28,9 @@ bool meansGone(const FileError& error) {
 
 }  // namespace
 
-std::int64_t ItemRemoval::remove(const std::string& path,
-                                 const std::optional<std::string>& shown) const {
-    const Target target = judged(path);
+std::int64_t ItemRemoval::remove(const std::string& path, const std::optional<std::string>& shown,
+                                 const Claims& claims) const {
+    const Target target = judged(path, claims);
     // Nothing but what stood before the user is deleted.
     if (isBehindLink(standardizedPath(path), target.place) && target.reached != shown) {
         throw FileError("remove", path, ELOOP);
@@ -55,7 +55,7 @@ std::optional<LinkTarget> ItemRemoval::linkTarget(const std::string& path) const
 }
 
 /// What the path leads to, judged, and what is deleted for it, judged as well and held.
-ItemRemoval::Target ItemRemoval::judged(const std::string& path) const {
+ItemRemoval::Target ItemRemoval::judged(const std::string& path, const Claims& claims) const {
     const std::string standard = standardizedPath(path);
     const std::string reached = resolved(path);
     const std::string place = placeOf(standard, reached);
@@ -65,8 +65,8 @@ ItemRemoval::Target ItemRemoval::judged(const std::string& path) const {
     for (const std::string* one : {&reached, &place, &standard}) {
         if (isProtectedPath(*one)) throw TrashError(Reason::protected_);
     }
-    Target target = admit(reached);
-    if (place != reached) target = admit(place);
+    Target target = admit(reached, claims);
+    if (place != reached) target = admit(place, claims);
     target.reached = reached;
     return target;
 }
@@ -112,7 +112,7 @@ std::string ItemRemoval::resolved(const std::string& path) const {
 }
 
 /// Opens the folder that holds the item and judges the item through it.
-ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
+ItemRemoval::Target ItemRemoval::admit(const std::string& path, const Claims& claims) const {
     try {
         Target target{
             .place = path,
@@ -123,7 +123,7 @@ ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
         const auto attributes = platform_.mover->attributes(*target.folder, target.name);
         if (!attributes) throw TrashError(Reason::notFound);
         target.attributes = *attributes;
-        if (isProtected(path, *attributes)) throw TrashError(Reason::protected_);
+        if (isProtected(path, *attributes, claims)) throw TrashError(Reason::protected_);
         return target;
     } catch (const FileError& error) {
         if (meansGone(error)) throw TrashError(Reason::notFound);
@@ -131,9 +131,15 @@ ItemRemoval::Target ItemRemoval::admit(const std::string& path) const {
     }
 }
 
-std::optional<std::string> ItemRemoval::placeOf(const std::string& path) const {
+void ItemRemoval::requireRemovable(const std::string& path) const {
+    const Target target = judged(path, {});
+    velto::requireRemovable(*target.folder, target.name);
+}
+
+std::optional<std::string> ItemRemoval::placeOf(const std::string& path,
+                                                const Claims& claims) const {
     try {
-        return judged(path).place;
+        return judged(path, claims).place;
     } catch (const TrashError&) {
         return std::nullopt;
     } catch (const FileError&) {
@@ -170,9 +176,10 @@ bool ItemRemoval::isOwn(const std::string& path, const FileAttributes& attribute
 
 /// A shared folder, the user's own ones, what holds one of them, and all that belongs to this
 /// program.
-bool ItemRemoval::isProtected(const std::string& path, const FileAttributes& attributes) const {
+bool ItemRemoval::isProtected(const std::string& path, const FileAttributes& attributes,
+                              const Claims& claims) const {
     const HomeLayout& layout = platform_.layout;
-    if (isProtectedPlace(path, layout) || isOwn(path, attributes)) return true;
+    if (isProtectedPlace(path, layout, claims) || isOwn(path, attributes)) return true;
     std::vector<std::string> kept{layout.home,    layout.pictures,   layout.movies,
                                   layout.music,   layout.downloads,  layout.documents,
                                   layout.desktop, layout.cloudDrive, layout.systemTrash};
@@ -184,7 +191,7 @@ bool ItemRemoval::isProtected(const std::string& path, const FileAttributes& att
 }
 
 void ItemRemoval::removeWhole(const Target& target) const {
-    requireRemovable(*target.folder, target.name);
+    velto::requireRemovable(*target.folder, target.name);
     const RemovalFolder staging = openRemovalFolder(platform_);
     const std::string identifier = newUUID();
     if (platform_.mover->moveAtOnce(*target.folder, target.name, *staging.handle, identifier)) {
@@ -314,7 +321,7 @@ void ItemRemoval::sweepRecord(const RemovalFolder& staging, const std::string& n
     if (lastPathComponent(path) != std::string(asidePrefix) + identifier) return;
     if (!path.starts_with(platform_.layout.home + "/")) return;
     try {
-        const Target rest = admit(path);
+        const Target rest = admit(path, {path});  // hidden, wherever the item was
         platform_.mover->removeAll(*rest.folder, rest.name);
         reachDisk(*rest.folder);  // before the record goes, which alone tells of it
     } catch (const TrashError&) {

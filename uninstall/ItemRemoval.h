@@ -11,6 +11,7 @@
 #include "platform/Platform.h"
 #include "uninstall/InstalledApps.h"
 #include "uninstall/removal_folder.h"
+#include "uninstall/removal_rules.h"
 
 namespace velto {
 
@@ -52,16 +53,21 @@ public:
     /// link goes by itself and what it leads to stays. What lies behind a link is deleted only
     /// where `shown`, which the user has seen beside the path, says so. Throws TrashError for what
     /// the rules refuse or what is not there, FileError for what the system refuses (ELOOP for what
-    /// was not shown), UnfinishedRemoval when something is left of it.
+    /// was not shown), UnfinishedRemoval when something is left of it. Of the hidden places of a
+    /// Linux home that no rule names only those go that `claims` names.
     std::int64_t remove(const std::string& path,
-                        const std::optional<std::string>& shown = std::nullopt) const;
+                        const std::optional<std::string>& shown = std::nullopt,
+                        const Claims& claims = {}) const;
 
     /// Where the path leads when it is not its own place; nothing when it is, or leads nowhere.
     std::optional<LinkTarget> linkTarget(const std::string& path) const;
 
     /// What `remove` would delete once it was shown; nothing when the rules refuse it or nothing is
     /// there.
-    std::optional<std::string> placeOf(const std::string& path) const;
+    std::optional<std::string> placeOf(const std::string& path, const Claims& claims = {}) const;
+
+    /// Throws what `remove` would, as far as that can be told without changing anything.
+    void requireRemovable(const std::string& path) const;
 
     /// True for what belongs to this program (its data, its maintenance agent or timer) or holds
     /// some of it, by whatever path.
@@ -90,14 +96,15 @@ private:
         std::string path() const { return folderPath + "/" + name; }
     };
 
-    Target judged(const std::string& path) const;
+    Target judged(const std::string& path, const Claims& claims) const;
     std::string resolved(const std::string& path) const;
     std::string placeOf(const std::string& standard, const std::string& reached) const;
     bool isBehindLink(const std::string& standard, const std::string& place) const;
-    Target admit(const std::string& path) const;
+    Target admit(const std::string& path, const Claims& claims) const;
     bool isSame(const std::string& place, const FileAttributes& attributes) const;
     bool isOwn(const std::string& path, const FileAttributes& attributes) const;
-    bool isProtected(const std::string& path, const FileAttributes& attributes) const;
+    bool isProtected(const std::string& path, const FileAttributes& attributes,
+                     const Claims& claims) const;
     void removeWhole(const Target& target) const;
     bool isJudged(const Aside& aside, const Target& target) const;
     void removeAside(const Aside& aside, const Target& target) const;

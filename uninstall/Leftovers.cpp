@@ -7,6 +7,7 @@
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
+#include "uninstall/desktop_leftovers.h"
 #include "uninstall/figures.h"
 
 namespace velto::Leftovers {
@@ -46,25 +47,30 @@ bool exists(const FileManager& files, const std::string& path) {
     }
 }
 
-/// The roots of the search by name with their categories.
+/// The roots of the search by name of a Mac's home, with their categories.
 std::vector<std::pair<std::string, std::string>> searchRoots(const HomeLayout& home) {
-    if (home.kind == HomeLayout::Kind::freedesktop) {
-        return {{home.applicationSupport, "support"},
-                {home.caches, "caches"},
-                {home.configuration, "prefs"}};
-    }
     return {{home.userLibrary + "/Application Support", "support"},
             {home.userLibrary + "/Caches", "caches"},
             {home.userLibrary + "/Logs", "logs"}};
 }
 
+std::vector<Candidate> searched(const Platform& platform, const AppEntry& entry) {
+    if (platform.layout.kind == HomeLayout::Kind::freedesktop) {
+        return desktopFindings(platform, entry);
+    }
+    std::vector<Candidate> all;
+    for (const auto& [root, cat] : searchRoots(platform.layout)) {
+        const auto found = searchByName(*platform.files, *platform.locale, entry.name, {root}, cat);
+        all.insert(all.end(), found.begin(), found.end());
+    }
+    return all;
+}
+
 std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& entry) {
     auto candidates =
         buildCandidates(entry.bid, entry.name, entry.exec, entry.path, entry.team, platform.layout);
-    for (const auto& [root, cat] : searchRoots(platform.layout)) {
-        const auto found = searchByName(*platform.files, *platform.locale, entry.name, {root}, cat);
-        candidates.insert(candidates.end(), found.begin(), found.end());
-    }
+    const auto found = searched(platform, entry);
+    candidates.insert(candidates.end(), found.begin(), found.end());
     return candidates;
 }
 
@@ -169,10 +175,16 @@ nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, cons
 std::map<std::string, LinkTarget> linkTargets(const Platform& platform, const InstalledApps& apps,
                                               const nlohmann::json& analysis) {
     const ItemRemoval removal(platform, apps);
+    const std::string application = pathBytes(analysis.at("path").get<std::string>());
+    const auto isPart = [&](const std::string& path) {
+        return platform.layout.kind == HomeLayout::Kind::freedesktop &&
+               leadsInto(*platform.files, path, application);
+    };
     std::map<std::string, LinkTarget> targets;
     for (const auto& group : analysis.at("groups")) {
         for (const auto& item : group.at("items")) {
             const std::string path = pathBytes(item.at("path").get<std::string>());
+            if (isPart(path)) continue;
             if (auto target = removal.linkTarget(path)) targets.emplace(path, std::move(*target));
         }
     }

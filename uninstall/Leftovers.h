@@ -71,7 +71,8 @@ nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, cons
                        const Progress& progress = {});
 
 /// Where each path of an analysis leads that is a link or lies behind one, by path: beside what
-/// `analyze` has found the user has to see what a removal would really reach.
+/// `analyze` has found the user has to see what a removal would really reach. On a Linux home a
+/// command that leads into the application itself is a part of it and left out.
 std::map<std::string, LinkTarget> linkTargets(const Platform& platform, const InstalledApps& apps,
                                               const nlohmann::json& analysis);
 

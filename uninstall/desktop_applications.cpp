@@ -36,6 +36,7 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
     entry.path = file.path;
     const bool isSnap = !application.snap.empty() || file.origin == entryOrigin::snap;
     application.isIdentified = !read.startsScript && read.flatpak.empty() && !isSnap;
+    // What runs many applications is the name of none of them.
     if (application.isIdentified) entry.exec = stemOf(lastPathComponent(read.executable));
 
     const std::string userFlatpak = layout.userFlatpaks + "/" + read.flatpak;

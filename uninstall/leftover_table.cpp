@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "uninstall/Leftovers.h"
+#include "uninstall/desktop_leftovers.h"
 #include "uninstall/words.h"
 
 namespace velto::Leftovers {
@@ -60,26 +61,6 @@ constexpr std::array<Row, 31> macTable{{
     {Base::bundle, "/Contents/Library/LaunchServices/", Key::bundle, "", "app", certain, true},
 }};
 
-/// The places of a Linux home.
-struct PlaceRow {
-    std::string HomeLayout::*folder;
-    std::string_view below;
-    std::string_view suffix;
-    std::string_view cat;
-};
-
-constexpr std::array<PlaceRow, 9> desktopPlaces{{
-    {&HomeLayout::configuration, "/", "", "prefs"},
-    {&HomeLayout::caches, "/", "", "caches"},
-    {&HomeLayout::applicationSupport, "/", "", "support"},
-    {&HomeLayout::applicationState, "/", "", "state"},
-    {&HomeLayout::sandboxes, "/", "", "containers"},
-    {&HomeLayout::autostart, "/", ".desktop", "agents"},
-    {&HomeLayout::agentsFolder, "/", ".service", "agents"},
-    {&HomeLayout::agentsFolder, "/", ".timer", "agents"},
-    {&HomeLayout::applicationSupport, "/applications/", ".desktop", "support"},
-}};
-
 /// What the rows are filled in with; nothing for a key that leaves its rows out.
 struct Identity {
     std::optional<std::string> identifier, name, executable, team, teamAndIdentifier;
@@ -111,31 +92,15 @@ struct Identity {
     }
 };
 
-std::vector<Candidate> desktopCandidates(const Identity& identity, const HomeLayout& home) {
-    std::vector<Candidate> candidates;
-    const auto add = [&](const std::optional<std::string>& key, Conf conf) {
-        if (!key) return;
-        for (const PlaceRow& row : desktopPlaces) {
-            if ((home.*row.folder).empty()) continue;  // a role that this home lacks
-            candidates.push_back(
-                {.path = home.*row.folder + std::string(row.below) + *key + std::string(row.suffix),
-                 .cat = std::string(row.cat),
-                 .conf = conf});
-        }
-    };
-    add(identity.identifier, certain);
-    add(identity.name, possible);
-    add(identity.executable, possible);
-    return candidates;
-}
-
 }  // namespace
 
 std::vector<Candidate> buildCandidates(const std::string& bid, const std::string& name,
                                        const std::string& exec, const std::string& bundlePath,
                                        const std::string& team, const HomeLayout& home) {
+    if (home.kind == HomeLayout::Kind::freedesktop) {
+        return desktopCandidates(bid, name, exec, bundlePath, home);
+    }
     const Identity identity(bid, name, exec, team);
-    if (home.kind == HomeLayout::Kind::freedesktop) return desktopCandidates(identity, home);
     const auto base = [&](Base which) {
         switch (which) {
             case Base::home:

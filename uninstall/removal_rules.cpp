@@ -7,6 +7,7 @@
 #include "cleaning/TrashRecords.h"
 #include "platform/FileManager.h"
 #include "platform/values/text.h"
+#include "uninstall/kept_places.h"
 
 namespace velto {
 namespace {
@@ -40,8 +41,12 @@ bool isInApplicationFolder(const std::string& path, const HomeLayout& home) {
                                [&](const std::string& root) { return isBelow(path, root); });
 }
 
-bool isHiddenPlace(const std::string& path, const HomeLayout& home) {
-    return path.size() > home.home.size() + 1 && path[home.home.size() + 1] == '.';
+/// A hidden place of the home in which no rule lets anything go.
+bool isHiddenPlace(const std::string& path, const HomeLayout& home, const Claims& claims) {
+    if (path.size() <= home.home.size() + 1 || path[home.home.size() + 1] != '.') return false;
+    const auto isClaimed = [&](const std::string& place) { return isAtOrBelow(path, place); };
+    return !isInApplicationFolder(path, home) && !isInProgramFolder(path, home) &&
+           std::ranges::none_of(claims, isClaimed);
 }
 
 RemovalReason permission(const std::string& path, const HomeLayout& home) {
@@ -94,15 +99,15 @@ RemovalReason classifyCocoa(int code, const std::string& path, const HomeLayout&
 
 std::string_view code(RemovalReason reason) { return codes[static_cast<std::size_t>(reason)]; }
 
-bool isSafeToRemove(const std::string& path, const std::string& bundlePath,
-                    const HomeLayout& home) {
+bool isSafeToRemove(const std::string& path, const std::string& bundlePath, const HomeLayout& home,
+                    const Claims& claims) {
     const std::string wanted = standardizedPath(path);
     if (wanted.empty()) return false;
     if (wanted == standardizedPath(bundlePath)) return true;
     if (wanted == home.home) return false;
     if (home.kind == HomeLayout::Kind::freedesktop) {
         if (!isBelow(wanted, home.home) && !isInApplicationFolder(wanted, home)) return false;
-        if (isHiddenPlace(wanted, home) && !isInApplicationFolder(wanted, home)) return false;
+        if (isHiddenPlace(wanted, home, claims) || isKeptFromAll(wanted, home)) return false;
         return !isNeverRemoved(wanted, home);
     }
     const bool isInReach = isBelow(wanted, home.home) || isBelow(wanted, home.systemApplications) ||
@@ -110,13 +115,13 @@ bool isSafeToRemove(const std::string& path, const std::string& bundlePath,
     return isInReach && !isNeverRemoved(wanted, home);
 }
 
-bool isProtectedPlace(const std::string& path, const HomeLayout& home) {
+bool isProtectedPlace(const std::string& path, const HomeLayout& home, const Claims& claims) {
     const std::string wanted = standardizedPath(path);
     if (wanted.empty()) return true;
     if (!isAtOrBelow(wanted, home.home)) return false;
     if (isNeverRemoved(wanted, home) || isProtectedPath(wanted)) return true;
-    return home.kind == HomeLayout::Kind::freedesktop && isHiddenPlace(wanted, home) &&
-           !isInApplicationFolder(wanted, home);
+    if (isKeptFromAll(wanted, home)) return true;
+    return home.kind == HomeLayout::Kind::freedesktop && isHiddenPlace(wanted, home, claims);
 }
 
 RemovalError removalError(const std::exception& error) {

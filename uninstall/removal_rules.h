@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/HomeLayout.h"
 
@@ -21,14 +22,19 @@ enum class RemovalReason {
 /// "admin", "perm", "busy", "gone", "protected", "other".
 std::string_view code(RemovalReason reason);
 
+/// Hidden places of a home that the rules name for the application at hand.
+using Claims = std::vector<std::string>;
+
 /// True when the path may be acted on at all. By the text alone, after standardising; what the path
 /// leads to is judged again when it is deleted. On a home that is no Mac's, folders shared by
-/// applications and hidden places that no rule names are out of bounds as well.
-bool isSafeToRemove(const std::string& path, const std::string& bundlePath, const HomeLayout& home);
+/// applications, what is kept from every uninstall (kept_places.h) and hidden places that no rule
+/// names and nothing claims are out of bounds as well.
+bool isSafeToRemove(const std::string& path, const std::string& bundlePath, const HomeLayout& home,
+                    const Claims& claims = {});
 
 /// True for what `isSafeToRemove` refuses because it is, or may lie in, a protected place of the
 /// home; false for everything outside the home, which is out of reach whatever it is.
-bool isProtectedPlace(const std::string& path, const HomeLayout& home);
+bool isProtectedPlace(const std::string& path, const HomeLayout& home, const Claims& claims = {});
 
 /// An error as a system or a service states it.
 struct RemovalError {

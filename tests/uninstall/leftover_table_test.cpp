@@ -154,10 +154,16 @@ TEST(LeftoverTable, ALinuxHomeHasATableOfItsOwn) {
     has("/home/ana/.config/systemd/user/org.acme.Foo.service", "agents", Conf::certain);
     has("/home/ana/.config/systemd/user/org.acme.Foo.timer", "agents", Conf::certain);
     has("/home/ana/.local/share/applications/org.acme.Foo.desktop", "support", Conf::certain);
+    has("/home/ana/.config/systemd/user/org.acme.Foo.socket", "agents", Conf::certain);
+    has("/home/ana/.local/share/dbus-1/services/org.acme.Foo.service", "agents", Conf::certain);
+    has("/home/ana/.local/share/metainfo/org.acme.Foo.metainfo.xml", "support", Conf::certain);
+    has("/home/ana/.local/share/metainfo/org.acme.Foo.appdata.xml", "support", Conf::certain);
+    has("/home/ana/.local/share/appdata/org.acme.Foo.appdata.xml", "support", Conf::certain);
+    has("/home/ana/.local/share/mime/packages/org.acme.Foo.xml", "support", Conf::certain);
     has("/home/ana/.config/Foobar", "prefs", Conf::possible);
     has("/home/ana/.cache/foo-bin", "caches", Conf::possible);
-    EXPECT_EQ(candidates.size(), 27u);
-    EXPECT_EQ(buildCandidates("org.acme.Foo", "Music", "fo", "", "", layout).size(), 9u);
+    EXPECT_EQ(candidates.size(), 34u);
+    EXPECT_EQ(buildCandidates("org.acme.Foo", "Music", "fo", "", "", layout).size(), 16u);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 /** Reads what arrives about installed applications, what they left behind and their removal. */
 import { distinct, fieldsOf, list, number, size, text } from './guards.ts';
-import { failureReasons, leftBehindReasons, leftoverKeys, uninstallStages } from './records.ts';
+import { failureReasons, leftBehindReasons, leftoverKeys, stayReasons, uninstallStages } from './records.ts';
 import type {
-  AppAnalysis, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
+  AppAnalysis, AppRemoval, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
   UninstallStage,
 } from './records.ts';
 
@@ -57,6 +57,16 @@ export function leftBehind(value: unknown): LeftBehindItem[] {
       : null;
   });
   return distinct(items, ({ path }) => path);
+}
+
+/** A reason that is not known is one all the same: the application counts as one that stays. */
+export function appRemoval(value: unknown): AppRemoval {
+  const fields = fieldsOf(value);
+  const stays = text(fields?.stays);
+  return {
+    stays: stays ? (stayReasons.find((known) => known === stays) ?? 'admin') : null,
+    folder: text(fields?.folder),
+  };
 }
 
 export function appAnalysis(value: unknown): AppAnalysis | null {

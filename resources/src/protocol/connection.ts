@@ -49,7 +49,7 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onRestoreBlocked',
-  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppAnalysis', 'onLeftBehind', 'onUninstallProgress',
+  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind', 'onUninstallProgress',
   'onUninstallResult', 'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 

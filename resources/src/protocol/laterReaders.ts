@@ -25,6 +25,7 @@ export const laterReaders: LaterReaders = {
   onApps: ([apps]) => [appGuards.installedApps(apps)],
   onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],
   onLeftoverLinks: ([application, links]) => [guards.text(application), appGuards.leftoverLinks(links)],
+  onAppRemoval: ([application, removal]) => [guards.text(application), appGuards.appRemoval(removal)],
   onAppAnalysis: ([value]) => {
     const analysis = appGuards.appAnalysis(value);
     return analysis && [analysis];

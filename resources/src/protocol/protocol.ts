@@ -3,9 +3,9 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode, LeftBehindItem,
-  LeftoverLink, MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity, SystemSample,
-  TrashItem, UninstallResult, UninstallStage, WaitingItem,
+  AppAnalysis, AppRemoval, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode,
+  LeftBehindItem, LeftoverLink, MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity,
+  SystemSample, TrashItem, UninstallResult, UninstallStage, WaitingItem,
 } from './records.ts';
 
 export type * from './records.ts';
@@ -90,6 +90,7 @@ export interface Events {
   onApps: [apps: InstalledApp[]];
   onAppSizes: [sizes: Record<string, number>];
   onLeftoverLinks: [application: string, links: LeftoverLink[]];
+  onAppRemoval: [application: string, removal: AppRemoval];
   onAppAnalysis: [analysis: AppAnalysis];
   onLeftBehind: [items: LeftBehindItem[]];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];

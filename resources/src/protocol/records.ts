@@ -236,6 +236,18 @@ export interface LeftBehindItem {
   last: number;
 }
 
+/** Why an application itself stays. "entry": only its entry in the menu can go. */
+export const stayReasons = ['admin', 'system', 'shared', 'protected', 'entry'] as const;
+export type StayReason = (typeof stayReasons)[number];
+
+/** Whether an application itself can be removed, told before its analysis. */
+export interface AppRemoval {
+  /** Null when it can. */
+  stays: StayReason | null;
+  /** Of a program that goes as a single file: its folder, which stays; else empty. */
+  folder: string;
+}
+
 export interface AppAnalysis {
   bid: string;
   name: string;

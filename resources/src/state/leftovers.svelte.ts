@@ -1,6 +1,6 @@
 /** The one application that is looked at, and what the program found of it. */
 import { send } from '../protocol/connection.ts';
-import type { AppAnalysis, InstalledApp, LeftoverLink } from '../protocol/protocol.ts';
+import type { AppAnalysis, AppRemoval, InstalledApp, LeftoverLink } from '../protocol/protocol.ts';
 import type { LookPhase } from './cleanables.svelte.ts';
 
 const late = 15_000;
@@ -13,6 +13,8 @@ class Leftovers {
   analysis = $state.raw<AppAnalysis | null>(null);
   /** Which of the leftovers are links, or lie behind one, by path. */
   links = $state.raw<ReadonlyMap<string, LeftoverLink>>(new Map());
+  /** Whether the application itself can go; null as long as nothing is said of it. */
+  removal = $state.raw<AppRemoval | null>(null);
   phase = $state<LookPhase>('idle');
   /** Why it failed, in the program's words; may be empty. */
   failure = $state('');
@@ -38,6 +40,7 @@ class Leftovers {
     this.app = null;
     this.analysis = null;
     this.links = new Map();
+    this.removal = null;
     this.phase = 'idle';
   }
 
@@ -46,6 +49,7 @@ class Leftovers {
     this.stopTimers();
     this.analysis = null;
     this.links = new Map();
+    this.removal = null;
     this.failure = '';
     this.phase = 'looking';
     this.timers = [
@@ -61,6 +65,11 @@ class Leftovers {
   /** Comes before the analysis, so that no link is ever shown as anything else. */
   receiveLinks(application: string, links: readonly LeftoverLink[]): void {
     if (application === this.app?.path) this.links = new Map(links.map((link) => [link.path, link]));
+  }
+
+  /** Comes before the analysis as well: what can be selected goes by it. */
+  receiveRemoval(application: string, removal: AppRemoval): void {
+    if (application === this.app?.path) this.removal = removal;
   }
 
   receive(analysis: AppAnalysis): void {

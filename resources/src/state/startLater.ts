@@ -38,6 +38,7 @@ export function startLater(): void {
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
+      onAppRemoval: (application, removal) => leftovers.receiveRemoval(application, removal),
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
       onLeftBehind: (items) => leftBehind.receive(items),
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),

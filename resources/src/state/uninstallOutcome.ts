@@ -10,9 +10,10 @@ import { toasts } from './toasts.svelte.ts';
 import type { Outcome } from './uninstalling.svelte.ts';
 
 export function outcomeTitle(outcome: Outcome, words: Dictionary['apps']): string {
-  const { removed, failures, appGone } = outcome;
+  const { removed, failures, appGone, known } = outcome;
   const name = shortInMiddle(plainName(outcome.name), 48);
-  if (appGone) return words.doneTitle(name);
+  if (appGone && known?.stays === 'entry') return words.entryGoneTitle(name);
+  if (appGone) return known?.folder ? words.programGoneTitle(name) : words.doneTitle(name);
   if (removed === 0) return words.noneTitle;
   return failures.length ? words.partTitle(name) : words.doneTitleKept(name);
 }

@@ -1,10 +1,10 @@
 /** What an application left behind, by how certain it is that it belongs to it, then by kind. */
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { AppAnalysis, InstalledApp, LeftoverGroupKey, LeftoverItem, LeftoverLink } from '../../protocol/protocol.ts';
+import type { AppAnalysis, AppRemoval, InstalledApp, LeftoverGroupKey, LeftoverItem, LeftoverLink } from '../../protocol/protocol.ts';
 import { totalGb } from '../../state/operations.ts';
 
 export type SectionName = 'certain' | 'possible' | 'stays';
-export type StaysBecause = 'admin' | 'nested' | 'protected';
+export type StaysBecause = 'admin' | 'nested' | 'protected' | 'system' | 'shared';
 
 export interface SectionItem extends LeftoverItem {
   /** The first of its kind within the section. */
@@ -34,11 +34,20 @@ function sectionOf({ stays, link, conf }: Omit<SectionItem, 'leads'>): SectionNa
   return link ? 'possible' : conf;
 }
 
-export function sectionsOf({ groups }: AppAnalysis, links: ReadonlyMap<string, LeftoverLink> = new Map()): Section[] {
+/** The application itself, when it was said that it cannot go; its entry in the menu can. */
+function appStays(removal: AppRemoval | null): StaysBecause | null {
+  return removal?.stays === 'entry' ? null : (removal?.stays ?? null);
+}
+
+export function sectionsOf(
+  { groups, path: app }: AppAnalysis,
+  links: ReadonlyMap<string, LeftoverLink> = new Map(),
+  removal: AppRemoval | null = null,
+): Section[] {
   const items = groups.flatMap((group) => group.items);
   return names.flatMap((name) => {
     const own = items
-      .map((item) => ({ ...item, stays: staysBecause(item), link: links.get(item.path) ?? null }))
+      .map((item) => ({ ...item, stays: (item.path === app && appStays(removal)) || staysBecause(item), link: links.get(item.path) ?? null }))
       .filter((item) => sectionOf(item) === name);
     const leading = new Set<LeftoverGroupKey>();
     const marked = own.map((item) => {
@@ -50,8 +59,12 @@ export function sectionsOf({ groups }: AppAnalysis, links: ReadonlyMap<string, L
   });
 }
 
-/** What belongs to the application for certain, the application itself included. */
-export function preselectedOf(sections: readonly Section[]): Set<string> {
+/**
+ * What belongs to the application for certain, the application itself included. Of one that stays nothing: it goes on
+ * using what it has.
+ */
+export function preselectedOf(sections: readonly Section[], removal: AppRemoval | null = null): Set<string> {
+  if (removal?.stays) return new Set();
   const certain = sections.find(({ name }) => name === 'certain');
   return new Set(certain?.items.map(({ path }) => path));
 }

@@ -59,7 +59,7 @@ class LeftoverChoice {
   /** Null until the user has chosen anything for the analysis at hand. */
   private chosen = $state.raw<{ path: string; selection: Selection } | null>(null);
 
-  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis, leftovers.links) : []);
+  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis, leftovers.links, leftovers.removal) : []);
   readonly items: SectionItem[] = $derived(this.sections.flatMap(({ items }) => items));
   readonly keys: string[] = $derived(
     this.sections.flatMap(({ name, items }) => [sectionKey(name), ...items.map(({ path }) => path)]),
@@ -68,12 +68,12 @@ class LeftoverChoice {
   private readonly selectable = (path: string): boolean => this.selectablePaths.includes(path);
   readonly selection: Selection = $derived.by(() => {
     const chosen = this.chosen?.path === leftovers.analysis?.path ? this.chosen?.selection : null;
-    return keepShown(chosen ?? { selected: preselectedOf(this.sections), anchor: null }, this.selectablePaths);
+    return keepShown(chosen ?? { selected: preselectedOf(this.sections, leftovers.removal), anchor: null }, this.selectablePaths);
   });
   readonly selected: SectionItem[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selected));
   readonly plan: Plan | null = $derived(
-    leftovers.analysis && planOf(leftovers.analysis, this.sections, this.selection.selected),
+    leftovers.analysis && planOf(leftovers.analysis, this.sections, this.selection.selected, leftovers.removal),
   );
 
   private choose(selection: Selection): void {

@@ -14,18 +14,21 @@ export async function askAndUninstall(): Promise<void> {
   if (!analysis || !plan || !selected.length || uninstalling.run) return;
   const words = language.words.apps;
   const name = shortInMiddle(plainName(analysis.name), 48);
+  const keeps = plan.app === 'kept' || plan.app === 'entry';
   const confirmed = await questions.ask({
-    title: plan.app === 'kept' ? words.questionTitleKept(name) : words.questionTitle(name),
+    title: keeps ? words.questionTitleKept(name) : words.questionTitle(name),
     paragraphs: [
       ...(plan.closes ? [words.planCloses(name)] : []),
       ...(plan.count ? [words.questionText(plan.count, plan.gb)] : []),
+      ...(plan.because ? [words.appStays[plan.because](name)] : []),
+      ...(plan.restsIn ? [words.planFolderStays(shortInMiddle(plainName(plan.restsIn), 64))] : []),
       ...(plan.app === 'out of reach' ? [words.planOutOfReach] : []),
       words.questionNothingElse,
     ],
-    confirm: plan.app === 'kept' ? words.questionConfirmKept : words.questionConfirm,
+    confirm: keeps ? words.questionConfirmKept : words.questionConfirm,
   });
   // Another removal, or another application, may have come while the question stood.
   if (!confirmed || uninstalling.run || leftovers.analysis !== analysis) return;
-  uninstalling.begin(analysis.path, analysis.name, selected);
+  uninstalling.begin(analysis.path, analysis.name, selected, leftovers.removal);
   navigation.arrive('apps');
 }
