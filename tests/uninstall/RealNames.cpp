@@ -263,11 +263,13 @@ H|P|.wine,.PlayOnLinux,.steam,.cargo,.rustup,.npm,.nvm,.pyenv,.gradle,.m2,.java,
 H|P|.emacs.d,.gitconfig,.bitcoin,.electrum,VirtualBox VMs,.vagrant.d,.gramps,.zotero,Zotero;
 H|P|Calibre Library,.minecraft,.jupyter,.ipython,.face,.Xauthority,.xsession,.calcurse,.gajim;
 H|P|.weechat,.irssi,.texmf,.conda,.dotnet,.cups; H|profile|.librewolf,.waterfox,.zen;
-H|-|Documents,Downloads,Pictures,Projects,bin,src,games,.vscode,.designer,.netbeans;
+H|-|Documents,Downloads,Pictures,Projects,bin,src,games,.vscode,.designer;
 H|-|.arduino15,.Skype,.swt,.matplotlib,.nv,.cmake,.lyx,.FBReader,.gnubg,.gimp-2.8,.hplip;
 H|-|.openoffice,.adobe,.macromedia,.audacity-data; H|filezilla|.filezilla;
 H|wireshark|.wireshark; H|octave|.octave; H|tuxpaint|.tuxpaint; H|dosbox|.dosbox;
-H|hedgewars|.hedgewars; H|amule|.amule; H|freemind|.freemind; H|josm|.josm; H|gqrx|.gqrx; C|discord|discord; C|obsidian|obsidian; H|eclipse|.eclipse; H|netbeans|.netbeans; K|winetricks|winetricks;
+H|hedgewars|.hedgewars; H|amule|.amule; H|freemind|.freemind; H|josm|.josm; H|gqrx|.gqrx;
+C|discord|discord; C|obsidian|obsidian; H|eclipse|.eclipse; H|netbeans|.netbeans;
+K|winetricks|winetricks;
 H|wesnoth|.wesnoth; H|celestia|.celestia; H|scummvm|.scummvm; H|stellarium|.stellarium;
 H|lmms|.lmms; H|xonotic|.xonotic
 )";

@@ -162,6 +162,61 @@ describe('one application', () => {
     });
   });
 
+  it('that cannot be removed itself says why beforehand, and nothing of it is preselected', async () => {
+    const system = { ...borealis, path: '/usr/share/applications/borealis.desktop' };
+    await withApps(async (opened) => {
+      const { page } = opened;
+      await page.locator(`[data-key="${system.path}"]`).click();
+      await opened.tell('onAppRemoval', 'another', { stays: '', folder: '' });
+      await opened.tell('onAppRemoval', system.path, { stays: 'admin', folder: '' });
+      await opened.tell('onAppAnalysis', analysisOf(system, someLeftovers()));
+      expect(await page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(0);
+      expect(await page.locator(`[data-key="${system.path}"]`).getAttribute('aria-selected')).toBeNull();
+      expect(plain(await page.locator('.plan').textContent())).toContain('Borealis itself stays: it is installed for all users');
+      expect(await page.getByText('Selected to begin with.', { exact: false }).filter({ hasNotText: 'Not selected' }).count()).toBe(0);
+      // Asked for all the same, it is told first.
+      await page.locator(`[data-key="${home}/Library/Caches/org.example.Borealis"] [role="gridcell"]`).first().click();
+      await page.getByRole('button', { name: 'Remove what is selected…' }).click();
+      const question = plain(await page.getByRole('dialog').textContent());
+      expect(question).toContain('Remove what Borealis left behind?');
+      expect(question).toContain('Borealis itself stays');
+      const [intent] = await opened.during(() => page.getByRole('button', { name: 'Remove for good' }).click());
+      expect((intent!.payload as { paths: string[] }).paths).toEqual([`${home}/Library/Caches/org.example.Borealis`]);
+    }, [system]);
+  });
+
+  it('of which only the program file goes is not called uninstalled', async () => {
+    const run = { ...borealis, path: `${home}/apps/thing/run` };
+    await withApps(async (opened) => {
+      const { page } = opened;
+      await page.locator(`[data-key="${run.path}"]`).click();
+      await opened.tell('onAppRemoval', run.path, { stays: '', folder: `${home}/apps/thing` });
+      await opened.tell('onAppAnalysis', analysisOf(run, []));
+      expect(plain(await page.locator('.plan').textContent())).toContain(`its folder ${home}/apps/thing stays`);
+      await uninstall(opened);
+      await opened.tell('onUninstallResult', someResult({ removed: 1, freed: 0.1 }));
+      expect(await title(opened)).toBe('The program file of Borealis is removed');
+      expect(plain(await page.locator('.outcome').textContent())).toContain(`Its folder stays: ${home}/apps/thing`);
+    }, [run]);
+  });
+
+  it('of which only the menu entry can go says so, before and after', async () => {
+    const entry = { ...borealis, path: `${home}/.local/share/applications/page.desktop` };
+    await withApps(async (opened) => {
+      const { page } = opened;
+      await page.locator(`[data-key="${entry.path}"]`).click();
+      await opened.tell('onAppRemoval', entry.path, { stays: 'entry', folder: '' });
+      await opened.tell('onAppAnalysis', analysisOf(entry, []));
+      expect(await page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(0);
+      await page.locator(`[data-key="${entry.path}"] [role="gridcell"]`).first().click();
+      await page.getByRole('button', { name: 'Remove what is selected…' }).click();
+      expect(plain(await page.getByRole('dialog').textContent())).toContain('only its entry in the menu can be removed');
+      await page.getByRole('button', { name: 'Remove for good' }).click();
+      await opened.tell('onUninstallResult', someResult({ removed: 1, freed: 0 }));
+      expect(await title(opened)).toBe('The menu entry of Borealis is removed');
+    }, [entry]);
+  });
+
   it('is uninstalled with what was chosen, after a question with the focus on Cancel', async () => {
     await withApps(async (opened) => {
       const { page } = opened;
