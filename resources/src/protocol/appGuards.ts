@@ -1,8 +1,11 @@
 /** Reads what arrives about installed applications, what they left behind and their removal. */
-import { distinct, fieldsOf, list, number, size, text } from './guards.ts';
-import { failureReasons, leftBehindReasons, leftoverKeys, stayReasons, uninstallStages } from './records.ts';
+import { distinct, fieldsOf, list, number, size, text, texts } from './guards.ts';
+import {
+  failureReasons, leftBehindReasons, leftoverKeys, packageKeepers, packageReasons, stayReasons, uninstallStages,
+} from './records.ts';
 import type {
-  AppAnalysis, AppRemoval, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink, UninstallResult,
+  AppAnalysis, AppRemoval, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink,
+  PackageEnd, PackagePlan, UninstallResult,
   UninstallStage,
 } from './records.ts';
 
@@ -57,6 +60,28 @@ export function leftBehind(value: unknown): LeftBehindItem[] {
       : null;
   });
   return distinct(items, ({ path }) => path);
+}
+
+/** A plan of a keeper that is not known is none. */
+export function packagePlan(value: unknown): PackagePlan | null {
+  const fields = fieldsOf(value);
+  const keeper = packageKeepers.find((known) => known === fields?.keeper);
+  if (!fields || !keeper) return null;
+  return {
+    keeper,
+    name: text(fields.name),
+    others: [...new Set(texts(fields.others))],
+    kept: text(fields.kept),
+    command: text(fields.command),
+  };
+}
+
+/** What is not said to be done has failed. */
+export function packageEnd(value: unknown): PackageEnd {
+  const fields = fieldsOf(value);
+  const done = fields?.done === true;
+  const reason = packageReasons.find((known) => known === fields?.reason) ?? 'failed';
+  return { done, reason: done ? '' : reason, detail: text(fields?.detail) };
 }
 
 /** A reason that is not known is one all the same: the application counts as one that stays. */

@@ -49,8 +49,9 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onRestoreBlocked',
-  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind', 'onUninstallProgress',
-  'onUninstallResult', 'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
+  'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
+  'onAppPackage', 'onPackageRemoval', 'onUninstallProgress', 'onUninstallResult',
+  'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

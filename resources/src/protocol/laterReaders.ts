@@ -30,6 +30,8 @@ export const laterReaders: LaterReaders = {
     const analysis = appGuards.appAnalysis(value);
     return analysis && [analysis];
   },
+  onAppPackage: ([application, plan]) => [guards.text(application), appGuards.packagePlan(plan)],
+  onPackageRemoval: ([application, end]) => [guards.text(application), appGuards.packageEnd(end)],
   onLeftBehind: ([items]) => [appGuards.leftBehind(items)],
   onUninstallProgress: ([word, percent, detail]) => {
     const stage = appGuards.uninstallStage(word);

@@ -4,7 +4,7 @@
  */
 import type {
   AppAnalysis, AppRemoval, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode,
-  LeftBehindItem, LeftoverLink, MaintenanceStatus, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity,
+  LeftBehindItem, LeftoverLink, MaintenanceStatus, PackageEnd, PackagePlan, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity,
   SystemSample, TrashItem, UninstallResult, UninstallStage, WaitingItem,
 } from './records.ts';
 
@@ -38,6 +38,8 @@ export interface Intents {
   appsList: void;
   appAnalysis: { path: string };
   leftBehind: void;
+  appPackage: { path: string };
+  removePackage: { path: string; others: string[] };
   uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
   revealPath: string;
   deleteFiles: { paths: string[]; kind: string };
@@ -93,6 +95,8 @@ export interface Events {
   onAppRemoval: [application: string, removal: AppRemoval];
   onAppAnalysis: [analysis: AppAnalysis];
   onLeftBehind: [items: LeftBehindItem[]];
+  onAppPackage: [application: string, plan: PackagePlan | null];
+  onPackageRemoval: [application: string, end: PackageEnd];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
   onSystemActivity: [activity: SystemActivity];

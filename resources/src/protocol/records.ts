@@ -236,6 +236,35 @@ export interface LeftBehindItem {
   last: number;
 }
 
+/** Who has installed an application for all users. */
+export const packageKeepers = ['distribution', 'flatpak', 'snap'] as const;
+export type PackageKeeper = (typeof packageKeepers)[number];
+
+/** How an application goes that the system has installed. */
+export interface PackagePlan {
+  keeper: PackageKeeper;
+  /** Of the package; empty when nobody can tell. */
+  name: string;
+  /** The packages that would go with it. */
+  others: string[];
+  /** The one among them all that must stay, so that nothing goes; else empty. */
+  kept: string;
+  /** What to type where nobody answers; else empty. */
+  command: string;
+}
+
+export const packageReasons = ['unavailable', 'refused', 'missing', 'busy', 'changed', 'kept', 'failed'] as const;
+export type PackageReason = (typeof packageReasons)[number];
+
+/** The end of a package's removal. */
+export interface PackageEnd {
+  done: boolean;
+  /** Empty when it is done. */
+  reason: PackageReason | '';
+  /** In the system's words; may be empty. */
+  detail: string;
+}
+
 /** Why an application itself stays. "entry": only its entry in the menu can go. */
 export const stayReasons = ['admin', 'system', 'shared', 'protected', 'entry'] as const;
 export type StayReason = (typeof stayReasons)[number];

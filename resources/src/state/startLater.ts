@@ -9,6 +9,7 @@ import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
+import { packages } from './packages.svelte.ts';
 import { machine } from './machine.svelte.ts';
 import { quitting } from './quitting.svelte.ts';
 import { holdRefusal } from './refusals.ts';
@@ -38,6 +39,8 @@ export function startLater(): void {
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
+      onAppPackage: (application, plan) => packages.receivePlan(application, plan),
+      onPackageRemoval: (application, end) => packages.receiveEnd(application, end),
       onAppRemoval: (application, removal) => leftovers.receiveRemoval(application, removal),
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
       onLeftBehind: (items) => leftBehind.receive(items),

@@ -55,6 +55,38 @@ export const appWords = {
     },
   },
 
+  package: {
+    label: 'How it was installed',
+    asking: 'Asking the system how it was installed…',
+    keepers: {
+      distribution: (name: string) => `Installed for all users as the package “${name}” of your distribution.`,
+      flatpak: (name: string) => `Installed for all users as the Flatpak “${name}”.`,
+      snap: (name: string) => `Installed as the Snap “${name}”. The system keeps a copy of its data for a while.`,
+    },
+    others: (count: number, names: string, more: number) =>
+      `${plural(count, { one: '# other package goes with it', other: '# other packages go with it' })}: ${names}${more > 0 ? plural(more, { one: ' and # more', other: ' and # more' }) : ''}.`,
+    isKept: 'The computer needs it: it is not removed from here.',
+    kept: (name: string) => `“${name}” would go with it, and the computer needs that: it is not removed from here.`,
+    nobody: 'The service that removes packages does not answer. This removes it in a terminal:',
+    leave: 'The system does the removing and may ask for an administrator’s password. What the application left behind in your home stays until you remove it below.',
+    remove: 'Remove with the system…',
+    questionTitle: (name: string) => `Remove ${name} for all users?`,
+    questionConfirm: 'Remove',
+    removing: (name: string) => `The system is removing ${name}. It may ask for a password.`,
+    gone: (name: string) => `The system has removed ${name}.`,
+    goneRest: 'What it left behind is listed below.',
+    details: 'Details',
+    failures: {
+      unavailable: 'The service that removes packages does not answer. Nothing was removed.',
+      refused: 'It was not allowed. Nothing was removed.',
+      missing: 'The system does not know this package any more.',
+      busy: 'Something else is being installed or removed. Try again in a moment.',
+      changed: 'More would go than was shown. Nothing was removed: look once more.',
+      kept: 'Something would go that the computer needs. Nothing was removed.',
+      failed: 'The system could not remove it.',
+    },
+  },
+
   back: 'Back to all applications',
   uninstallTitle: (name: string) => `Uninstall ${name}`,
   analysingTitle: (name: string) => `Looking for what ${name} left behind`,

@@ -54,6 +54,38 @@ export const appWords: typeof english = {
     },
   },
 
+  package: {
+    label: 'Cómo se instaló',
+    asking: 'Preguntando al sistema cómo se instaló…',
+    keepers: {
+      distribution: (name) => `Instalada para todos los usuarios como el paquete «${name}» de tu distribución.`,
+      flatpak: (name) => `Instalada para todos los usuarios como el Flatpak «${name}».`,
+      snap: (name) => `Instalada como el Snap «${name}». El sistema guarda una copia de sus datos durante un tiempo.`,
+    },
+    others: (count, names, more) =>
+      `${plural(count, { one: 'Con ella se va # paquete más', many: 'Con ella se van # de paquetes más', other: 'Con ella se van # paquetes más' })}: ${names}${more > 0 ? plural(more, { one: ' y # más', many: ' y # más', other: ' y # más' }) : ''}.`,
+    isKept: 'El ordenador la necesita: no se quita desde aquí.',
+    kept: (name) => `Con ella se iría «${name}», que el ordenador necesita: no se quita desde aquí.`,
+    nobody: 'El servicio que quita paquetes no responde. Esto la quita en una terminal:',
+    leave: 'La quita el sistema, que puede pedir la contraseña de un administrador. Lo que la aplicación ha dejado en tu carpeta se queda hasta que lo quites abajo.',
+    remove: 'Quitar con el sistema…',
+    questionTitle: (name) => `¿Quitar ${name} para todos los usuarios?`,
+    questionConfirm: 'Quitar',
+    removing: (name) => `El sistema está quitando ${name}. Puede pedir una contraseña.`,
+    gone: (name) => `El sistema ha quitado ${name}.`,
+    goneRest: 'Abajo está lo que ha dejado.',
+    details: 'Detalles',
+    failures: {
+      unavailable: 'El servicio que quita paquetes no responde. No se ha quitado nada.',
+      refused: 'No se ha permitido. No se ha quitado nada.',
+      missing: 'El sistema ya no conoce este paquete.',
+      busy: 'Se está instalando o quitando otra cosa. Prueba dentro de un momento.',
+      changed: 'Se iría más de lo que se mostraba. No se ha quitado nada: míralo otra vez.',
+      kept: 'Se iría algo que el ordenador necesita. No se ha quitado nada.',
+      failed: 'El sistema no ha podido quitarla.',
+    },
+  },
+
   back: 'Volver a todas las aplicaciones',
   uninstallTitle: (name) => `Desinstalar ${name}`,
   analysingTitle: (name) => `Buscando qué ha dejado ${name}`,

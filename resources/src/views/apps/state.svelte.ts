@@ -4,6 +4,7 @@ import type { InstalledApp } from '../../protocol/protocol.ts';
 import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { installedApps } from '../../state/installedApps.svelte.ts';
 import { leftovers } from '../../state/leftovers.svelte.ts';
+import { packages } from '../../state/packages.svelte.ts';
 import { totalGb } from '../../state/operations.ts';
 import { byName, findApps, sortApps, type AppOrder } from './ordering.ts';
 import { planOf, type Plan } from './plan.ts';
@@ -59,7 +60,9 @@ class LeftoverChoice {
   /** Null until the user has chosen anything for the analysis at hand. */
   private chosen = $state.raw<{ path: string; selection: Selection } | null>(null);
 
-  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis, leftovers.links, leftovers.removal) : []);
+  /** Nothing keeps what was left behind by an application that the system has just removed. */
+  private readonly removal = $derived(packages.isGone(leftovers.app?.path) ? null : leftovers.removal);
+  readonly sections: Section[] = $derived(leftovers.analysis ? sectionsOf(leftovers.analysis, leftovers.links, this.removal) : []);
   readonly items: SectionItem[] = $derived(this.sections.flatMap(({ items }) => items));
   readonly keys: string[] = $derived(
     this.sections.flatMap(({ name, items }) => [sectionKey(name), ...items.map(({ path }) => path)]),
@@ -68,12 +71,12 @@ class LeftoverChoice {
   private readonly selectable = (path: string): boolean => this.selectablePaths.includes(path);
   readonly selection: Selection = $derived.by(() => {
     const chosen = this.chosen?.path === leftovers.analysis?.path ? this.chosen?.selection : null;
-    return keepShown(chosen ?? { selected: preselectedOf(this.sections, leftovers.removal), anchor: null }, this.selectablePaths);
+    return keepShown(chosen ?? { selected: preselectedOf(this.sections, this.removal), anchor: null }, this.selectablePaths);
   });
   readonly selected: SectionItem[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selected));
   readonly plan: Plan | null = $derived(
-    leftovers.analysis && planOf(leftovers.analysis, this.sections, this.selection.selected, leftovers.removal),
+    leftovers.analysis && planOf(leftovers.analysis, this.sections, this.selection.selected, this.removal),
   );
 
   private choose(selection: Selection): void {
