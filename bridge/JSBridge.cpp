@@ -107,7 +107,8 @@ void JSBridge::applyBootState() {
 /// The page knows the state; the trash and the rest come in this order.
 void JSBridge::finishBoot() {
     isWaitingForTrash_ = false;
-    tellTrash();
+    if (!waiting_.empty()) evaluate(events::trashWaiting(waiting_));
+    evaluate(events::trashState(*trash_));
     if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
     if (needsFirstScan) startAnalysis();
 }

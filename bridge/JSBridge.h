@@ -145,7 +145,6 @@ private:
                std::string_view detail) override;
     void pushState();
     void pushTrash();
-    void tellTrash();
     void finishBoot();
 
     // Settings (settings_intent.cpp).

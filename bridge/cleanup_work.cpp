@@ -118,6 +118,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     const bool hasTrashChanged = isFirst || outcome.trash != *trash_ || outcome.waiting != waiting_;
     const bool hasHistoryChanged = outcome.history != history_;
     trash_ = outcome.trash;
+    const bool hadWaiting = !waiting_.empty();
     waiting_ = outcome.waiting;
     history_ = outcome.history;
     if (report) report(*this, outcome);
@@ -128,7 +129,11 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
         if (isWaitingForTrash_) finishBoot();
         return;
     }
-    if (hasTrashChanged || outcome.hasActed) pushTrash();
+    if (hasTrashChanged || outcome.hasActed) {
+        // First: the page does not list what waits among what can be put back.
+        if (hadWaiting || !waiting_.empty()) evaluate(events::trashWaiting(waiting_));
+        pushTrash();
+    }
     if (hasTrashChanged || hasStateChanged) pushState();
 }
 
@@ -153,12 +158,6 @@ bool JSBridge::updateState(const CleanupOutcome& outcome) {
 
 void JSBridge::pushTrash() {
     evaluate(events::trashChanged(sumOf(*trash_)));
-    tellTrash();
-}
-
-/// What waits first: the page does not list that as what can be put back.
-void JSBridge::tellTrash() {
-    evaluate(events::trashWaiting(waiting_));
     evaluate(events::trashState(*trash_));
 }
 

@@ -30,12 +30,12 @@ function sayPutBack(items: readonly TrashItem[]): void {
 /** Undoes what the program knows as the last cleanup. */
 export async function undoLastCleanup(): Promise<void> {
   toasts.withdrawUndo();
-  if (session.trash?.length === 0 && requests.moving === 0) {
+  if (session.listed?.length === 0 && requests.moving === 0) {
     const words = language.words.trash;
     toasts.show(words.nothingToUndo, words.nothingToUndoText);
     return;
   }
-  const [last] = operationsOf(session.trash ?? []);
+  const [last] = operationsOf(session.listed ?? []);
   // While something is still on its way into the trash, that is what will be undone.
   if (!last || requests.moving > 0) {
     send('undoLast');
@@ -78,7 +78,8 @@ export async function putBack(item: TrashItem): Promise<void> {
  */
 export async function putBackAll(operation: Operation): Promise<void> {
   if (operation.items.some(({ id }) => requests.busy.has(id))) return;
-  if (operationsOf(session.trash ?? [])[0]?.id === operation.id && requests.moving === 0) return undoLastCleanup();
+  // The program's last operation may hold what waits, too.
+  if (operationsOf(session.listed ?? [])[0]?.id === operation.id && requests.moving === 0) return undoLastCleanup();
   toasts.withdrawUndo();
   const release = requests.hold(idsOf(operation.items));
   const back: TrashItem[] = [];

@@ -25,10 +25,12 @@ class Session {
   /** What the rules of maintenance would move is being measured. */
   measuring = $state(false);
   trashGb = $state(0);
-  /** What lies in Velto Trash, in the order it arrived there, without what waits; null until the program has said so. */
-  trash = $state.raw<TrashItem[] | null>(null);
+  /** What the program lists of Velto Trash, in the order it arrived there; null until it has said so. */
+  listed = $state.raw<TrashItem[] | null>(null);
   /** What is on its way to or from a disk that is away; not to be put back or deleted for now. */
   waiting = $state.raw<WaitingItem[]>([]);
+  /** What of the list is really there: what waits has a list of its own. */
+  readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.listed));
   /** Items that could not go back to their place, by id: what stands on the way there. */
   blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
 
@@ -38,6 +40,12 @@ class Session {
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);
   scanning = $derived(this.scanPhase === 'running');
+
+  private withoutWaiting(items: TrashItem[] | null): TrashItem[] | null {
+    if (!items || this.waiting.length === 0) return items;
+    const waiting = new Set(this.waiting.map(({ id }) => id));
+    return items.filter(({ id }) => !waiting.has(id));
+  }
 
   startScan(): void {
     if (!this.scanning) send('scan');

@@ -4,7 +4,7 @@ import { laterEs } from '../language/es/later.ts';
 import { language } from '../language/language.svelte.ts';
 import { listenLater, type LaterListeners } from '../protocol/connection.ts';
 import { laterReaders } from '../protocol/laterReaders.ts';
-import type { TrashItem, WaitingItem } from '../protocol/protocol.ts';
+import type { TrashItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
@@ -32,7 +32,7 @@ export function startLater(): void {
       onCleanables: (candidates) => cleanables.receive(candidates),
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
-      onTrashWaiting: (items) => showWaiting(items),
+      onTrashWaiting: (items) => (session.waiting = items),
       onTrashChanged: (gb) => (session.trashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
@@ -55,23 +55,8 @@ export function startLater(): void {
   );
 }
 
-/** As the program has told last. */
-let told: TrashItem[] | null = null;
-
-function showWaiting(items: WaitingItem[]): void {
-  session.waiting = items;
-  if (told) showHeld(told);
-}
-
-/** What waits stands in a list of its own: nothing can be done with it. */
-function showHeld(items: TrashItem[]): void {
-  const waiting = new Set(session.waiting.map(({ id }) => id));
-  session.trash = items.filter(({ id }) => !waiting.has(id));
-}
-
 function showTrash(items: TrashItem[]): void {
-  told = items;
-  showHeld(items);
+  session.listed = items;
   session.trashGb = items.reduce((sum, item) => sum + item.gb, 0);
   const ids = new Set(items.map(({ id }) => id));
   session.blocked = new Map([...session.blocked].filter(([id]) => ids.has(id)));

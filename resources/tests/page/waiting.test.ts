@@ -43,6 +43,13 @@ describe('what waits for a disk', () => {
     const last = await rows.last().boundingBox();
     expect(box!.y + box!.height).toBeGreaterThanOrEqual(last!.y + last!.height);
     expect(await page.locator(`[data-key="${out.id}"]`).count()).toBe(0);
+    // What the program would undo is the operation of what waits.
+    const newest = { ...out, opID: 'opW', taken: Date.now() / 1000 + 60 };
+    await tell('onTrashState', [...trash, newest]);
+    const [sent] = await opened.during(() => page.getByRole('button', { name: /^Put all back/ }).first().click());
+    expect(sent!.type).toBe('restoreItem');
+    await tell('toast', "Couldn't restore", 'no');
+    await tell('onTrashState', [...trash, out]);
     await page.getByRole('button', { name: 'Empty trash…' }).click();
     expect(plain(await page.getByRole('dialog').textContent())).toContain('12 items are deleted for good. About 23 GB become free.');
     await page.keyboard.press('Escape');
