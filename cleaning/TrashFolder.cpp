@@ -3,54 +3,13 @@
 #include <cerrno>
 #include <unordered_set>
 
+#include "cleaning/names_in_trash.h"
 #include "cleaning/own_folder.h"
 #include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 
 namespace velto {
 namespace {
-
-constexpr std::size_t longestName = 255;  // bytes; what most file systems take
-
-/// Where `name` can be cut so that at most `length` bytes are left and no character is split. Bytes
-/// that are no text may be cut anywhere.
-std::size_t cutBefore(std::string_view name, std::size_t length) {
-    constexpr std::size_t longestCharacter = 4;
-    for (std::size_t back = 1; back < longestCharacter && back <= length; ++back) {
-        const std::size_t start = length - back;
-        for (std::size_t size = back + 1; size <= longestCharacter; ++size) {
-            if (start + size > name.size()) break;
-            const bool isOne =
-                isValidUtf8(name.substr(start, size)) && !isValidUtf8(name.substr(start, back));
-            if (isOne) return start;
-        }
-    }
-    return length;
-}
-
-/// The id, "-" and the item's name; a name that would be too long with the id before it is cut
-/// between two characters (the manifest holds it whole).
-std::string storedName(const TrashItem& item) {
-    std::string name = item.id + "-" + item.name;
-    if (name.size() > longestName) name.resize(cutBefore(name, longestName));
-    return name;
-}
-
-/// An id that makes no scratch name was made up by somebody else.
-std::string scratchNameOf(const TrashItem& item) {
-    std::string name = scratchName(item.id);
-    if (!isScratchName(name)) throw FileError("move in steps", item.id, EINVAL);
-    return name;
-}
-
-std::string backScratchOf(const TrashItem& item) { return scratchNameOf(item) + "-back"; }
-
-/// The name of a folder that is being deleted.
-std::string begunNameOf(const TrashItem& item) { return scratchNameOf(item) + "-deleting"; }
-
-bool isSound(const TrashItem& item) {
-    return isComponent(item.opID) && isComponent(storedName(item));
-}
 
 bool isAbsence(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ELOOP;
@@ -86,12 +45,12 @@ std::unique_ptr<FolderHandle> TrashFolder::openOperation(const std::string& oper
 std::optional<FileAttributes> TrashFolder::attributes(const FolderHandle* operation,
                                                       const TrashItem& item) const {
     if (operation == nullptr || !isSound(item)) return std::nullopt;
-    return mover_.attributes(*operation, storedName(item));
+    return mover_.attributes(*operation, storedName(mover_, *operation, item));
 }
 
 void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
                          const TrashItem& item, TrashReserve& reserve) {
-    const std::string name = storedName(item);
+    const std::string name = storedName(mover_, operation, item);
     const auto once = [&] {
         return mover_.moveAtOnce(*source.folder, source.name, operation, name);
     };
@@ -102,7 +61,7 @@ void TrashFolder::moveIn(const HeldPlace& source, const FolderHandle& operation,
 void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
                           const HeldPlace& target, const std::function<void()>& beforeSteps,
                           TrashReserve& reserve) {
-    const std::string name = storedName(item);
+    const std::string name = storedName(mover_, operation, item);
     const auto once = [&] {
         return mover_.moveAtOnce(operation, name, *target.folder, target.name);
     };
@@ -113,59 +72,9 @@ void TrashFolder::moveOut(const TrashItem& item, const FolderHandle& operation,
 
 void TrashFolder::moveBack(const TrashItem& item, const FolderHandle& operation,
                            const HeldPlace& origin) {
-    const std::string name = storedName(item);
+    const std::string name = storedName(mover_, operation, item);
     if (mover_.moveAtOnce(operation, name, *origin.folder, origin.name)) return;
     mover_.moveInSteps(operation, name, *origin.folder, origin.name, backScratchOf(item));
-}
-
-MoveState TrashFolder::settleIn(const HeldPlace& source, const FolderHandle& operation,
-                                const TrashItem& item) {
-    return mover_.settleMove(*source.folder, source.name, operation, storedName(item),
-                             scratchNameOf(item));
-}
-
-MoveState TrashFolder::settleOut(const TrashItem& item, const FolderHandle& operation,
-                                 const HeldPlace& target) {
-    return mover_.settleMove(operation, storedName(item), *target.folder, target.name,
-                             scratchNameOf(item));
-}
-
-MoveState TrashFolder::settleBack(const TrashItem& item, const FolderHandle& operation,
-                                  const HeldPlace& origin) {
-    return mover_.settleMove(operation, storedName(item), *origin.folder, origin.name,
-                             backScratchOf(item));
-}
-
-bool TrashFolder::isOnWayBack(const TrashItem& item, const FolderHandle& operation,
-                              const HeldPlace& origin) const {
-    const std::string scratch = backScratchOf(item);
-    return mover_.attributes(operation, scratch) || mover_.attributes(*origin.folder, scratch);
-}
-
-bool TrashFolder::holdsScratch(const TrashItem& item, const FolderHandle& operation) const {
-    return mover_.attributes(operation, scratchNameOf(item)) ||
-           mover_.attributes(operation, backScratchOf(item));
-}
-
-bool TrashFolder::isUnderWay(const TrashItem& item, const FolderHandle* operation) const {
-    // Of a made-up id there is no scratch name.
-    if (operation == nullptr || !isScratchName(scratchName(item.id))) return false;
-    return holdsScratch(item, *operation) && !attributes(operation, item);
-}
-
-bool TrashFolder::isScratchWhole(const TrashItem& item, const FolderHandle& operation,
-                                 bool isOnWayOut) const {
-    auto scratch = mover_.attributes(operation, backScratchOf(item));
-    if (!scratch && isOnWayOut) scratch = mover_.attributes(operation, scratchNameOf(item));
-    return scratch && scratch->kind != FileKind::folder;
-}
-
-void TrashFolder::putOriginalBack(const TrashItem& item, const HeldPlace& origin) {
-    const auto beside = openPlaceOfTrash();
-    if (!beside) throw FileError("open", path_, ENOENT);
-    // A move to a target that nothing has reached is taken back.
-    const std::string scratch = scratchNameOf(item);
-    mover_.settleMove(*origin.folder, origin.name, *beside, scratch + "-nowhere", scratch);
 }
 
 std::unique_ptr<FolderHandle> TrashFolder::openPlaceOfTrash() const {
@@ -173,31 +82,9 @@ std::unique_ptr<FolderHandle> TrashFolder::openPlaceOfTrash() const {
     return root ? std::move(root) : openFolderAbove(mover_, path_);
 }
 
-/// On its way back an item is whole until it has arrived; on its way in it may be a piece.
-void TrashFolder::adoptScratch(const TrashItem& item, const FolderHandle& operation) {
-    adopt(backScratchOf(item), item, operation);
-    adopt(scratchNameOf(item), item, operation);
-}
-
-void TrashFolder::adopt(const std::string& scratch, const TrashItem& item,
-                        const FolderHandle& operation) {
-    const std::string name = storedName(item);
-    const auto adopted = mover_.attributes(operation, scratch);
-    if (!adopted) return;
-    if (const auto stored = mover_.attributes(operation, name)) {
-        // A folder that holds the name for it, or a second name of it. All else stays.
-        if (stored->identity == adopted->identity) return mover_.removeAll(operation, scratch);
-        if (stored->kind != FileKind::folder || !mover_.removeEmptyFolder(operation, name)) return;
-    }
-    if (!mover_.moveAtOnce(operation, scratch, operation, name)) {
-        mover_.moveInSteps(operation, scratch, operation, name, scratch + "-adopted");
-    }
-    mover_.sync(operation);  // its old name is forgotten next
-}
-
 void TrashFolder::remove(const FolderHandle& operation, const TrashItem& item) {
     if (!isSound(item)) return;
-    const std::string name = storedName(item);
+    const std::string name = storedName(mover_, operation, item);
     const auto found = mover_.attributes(operation, name);
     if (!found) return;
     // A file goes in one step. So does what bears an id of which no name can be made.
@@ -235,7 +122,7 @@ void TrashFolder::removeBegun(const FolderHandle& operation, const TrashItem& it
         mover_.removeAll(operation, begun);
     } catch (const FileError&) {
         try {
-            rename(operation, item, begun, storedName(item));
+            rename(operation, item, begun, storedName(mover_, operation, item));
         } catch (const FileError&) {
             // `isBegun` tells.
         }

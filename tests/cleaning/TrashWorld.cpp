@@ -4,28 +4,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
 
+#include "support/stored_path.h"
 #include "support/tree_text.h"
 
 namespace velto {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// What lies in an item's place in the trash, found by its id alone.
-std::string storedPath(const std::string& trash, const TrashItem& item) {
-    std::error_code noFolder;
-    for (const auto& entry : fs::directory_iterator(trash + "/" + item.opID, noFolder)) {
-        if (entry.path().filename().string().starts_with(item.id + "-")) return entry.path();
-    }
-    return {};
 }
-
-}  // namespace
 
 void PrintTo(const TrashItem& item, std::ostream* stream) {
     *stream << item.id << " of " << item.opID << ": " << testing::PrintToString(item.originalPath);
@@ -34,8 +24,6 @@ void PrintTo(const TrashItem& item, std::ostream* stream) {
 void PrintTo(const Operation& operation, std::ostream* stream) {
     *stream << operation.id << ": " << testing::PrintToString(operation.items);
 }
-
-bool isExhaustive() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 
 std::string TrashWorld::fastVolume() {
     return fs::is_directory("/dev/shm") && access("/dev/shm", W_OK) == 0

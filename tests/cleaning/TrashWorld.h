@@ -12,6 +12,7 @@
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
 #include "support/WatchedFileCalls.h"
+#include "support/exhaustive.h"
 #include "support/fakes.h"
 #include "support/volumes.h"
 
@@ -87,9 +88,5 @@ public:
 private:
     std::map<std::string, std::string> kept_;  // relative path to its text
 };
-
-/// True when the tests are to go through everything, not only through a share (the environment
-/// names VELTO_EXHAUSTIVE; ./dev check does).
-bool isExhaustive();
 
 }  // namespace velto
