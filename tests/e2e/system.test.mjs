@@ -70,6 +70,33 @@ test('what the machine sends to itself is work of a program, and no traffic of t
   assert.doesNotMatch(page.text(), /Receiving [\d.,]+ GB\/s/);
 });
 
+test('an application is quit from the list, and one that stays open is ended only after a question', async (t) => {
+  const home = new Home(t, { layout: 'freedesktop' });
+  const keeper = install(home, 'keeper', 'Archive Keeper', '#E88F0C');
+  const clinger = install(home, 'clinger', 'Clinger', '#7C3AED');
+  const megabytes = moreThanAnyOther();
+  const willing = await run(t, keeper, 'hold', megabytes);
+  const stubborn = await run(t, clinger, 'stubborn', megabytes);
+  const hasEnded = ({ exitCode, signalCode }) => exitCode !== null || signalCode !== null;
+  const page = await openGuided(t, home);
+  await page.click('System');
+
+  await page.click('Quit Archive Keeper');
+  await willing.ended;
+  await page.lists('the row of what has quit without a button', () => !page.has('Quit Archive Keeper'));
+  assert.equal(page.intents('endApplication'), 0);
+
+  await page.click('Quit Clinger');
+  await page.sees('“Clinger” is still open.');
+  assert.ok(!hasEnded(stubborn));
+  await page.click('End Clinger…');
+  await page.sees('End “Clinger”?');
+  assert.ok(!hasEnded(stubborn));
+  await page.click('End');
+  await stubborn.ended;
+  assert.equal(page.intents('endApplication'), 1);
+});
+
 test('samples are asked for by the view that shows them, and stopped when it is left', async (t) => {
   const page = await openGuided(t, new Home(t, { layout: 'freedesktop' }));
   const told = (payload) => page.velto.waitFor(line.intent('systemWatch') + JSON.stringify(payload));

@@ -1,6 +1,7 @@
 // Something for the live view to show: `load busy PROCESSES` computes in as many processes,
 // `load hold MEGABYTES` fills that much memory, `load talk` sends bytes to itself over the loopback
-// interface as fast as it can. Writes "ready" once it does, and goes on until it is ended.
+// interface as fast as it can, `load stubborn MEGABYTES` holds memory too and does not end when it is
+// asked to. Writes "ready" once it does, and goes on until it is ended.
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <signal.h>
@@ -79,7 +80,11 @@ int main(int count, char** arguments) {
     const std::string_view kind = count > 1 ? arguments[1] : "";
     if (kind == "busy" && count == 3) compute(std::atoi(arguments[2]));
     if (kind == "hold" && count == 3) hold(std::strtoul(arguments[2], nullptr, 10));
+    if (kind == "stubborn" && count == 3) {
+        signal(SIGTERM, SIG_IGN);
+        hold(std::strtoul(arguments[2], nullptr, 10));
+    }
     if (kind == "talk") return talk();
-    std::fputs("usage: load busy PROCESSES | hold MEGABYTES | talk\n", stderr);
+    std::fputs("usage: load busy PROCESSES | hold MEGABYTES | stubborn MEGABYTES | talk\n", stderr);
     return 2;
 }

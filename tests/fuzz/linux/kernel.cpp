@@ -4,6 +4,7 @@
 #include "fuzz/engine/Target.h"
 #include "fuzz/engine/linux/ConfinedHome.h"
 #include "fuzz/engine/sections.h"
+#include "monitor/activity.h"
 #include "monitor/sampling.h"
 #include "platform/linux/LinuxSystemCounters.h"
 #include "platform/values/json_fields.h"
@@ -48,6 +49,17 @@ void judge(std::string_view input) {
     }
     proveShare(sampling::thermalDictionary(counters.thermalState(), counters.isLowPowerModeOn()));
     sampling::batteryDictionary(counters.battery());
+    if (const auto heat = counters.temperature()) {
+        require(heat->celsius >= 1 && heat->celsius <= 150, "a temperature that can be");
+    }
+    if (const auto disks = counters.disks()) {
+        const auto rates = sampling::diskRates({}, *disks, 2);
+        require(rates && std::isfinite(rates->read), "disks that have just come");
+        for (const DiskCounters& one : *disks)
+            require(!one.name.empty(), "a disk has a name");
+    }
+    const auto load = sampling::graphicsLoad({}, counters.graphics(), 2);
+    require(!load || (*load >= 0 && *load <= 100), "a share of the graphics processors");
     if (const auto interfaces = counters.interfaces()) {
         const auto sums = sampling::sumOf(*interfaces);
         proveShare(sampling::networkDictionary(sums, sums, 2));

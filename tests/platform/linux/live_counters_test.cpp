@@ -1,8 +1,11 @@
 // Our figures beside those of the system itself, on the machine that runs the test.
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <signal.h>
+#include <sys/statfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -245,6 +248,27 @@ TEST(LiveProcesses, AChildIsSeenWithItsParentAndGoneWhenItEnds) {
     child.end();
     EXPECT_FALSE(table.usage(process));
     EXPECT_FALSE(table.list().contains(process));
+}
+
+TEST(LiveProcesses, WhatAProcessHasWrittenToADiskIsCounted) {
+    TempHome home;
+    struct statfs volume {};
+    ASSERT_EQ(::statfs(home.path().c_str(), &volume), 0);
+    LinuxProcessTable table({});
+    table.list();
+    const auto before = table.usage(::getpid())->traffic;
+    if (volume.f_type == TMPFS_MAGIC || !before) GTEST_SKIP() << "no disk, or not accounted";
+    constexpr std::size_t bytes = 8'000'000;
+    home.text("written", std::string(bytes, 'w'));
+    const int file = ::open(home.path("written").c_str(), O_RDONLY | O_CLOEXEC);
+    ::fsync(file);
+    ::close(file);
+    // Only what has used the processor is read again.
+    std::optional<ProcessTraffic> after = before;
+    while (after == before)
+        after = table.usage(::getpid())->traffic;
+    EXPECT_GE(after->written - before->written, bytes);
+    EXPECT_LE(after->written - before->written, 2 * bytes);
 }
 
 TEST(LiveProcesses, ABusyChildsTimeGrowsAsTheSystemCountsIt) {
