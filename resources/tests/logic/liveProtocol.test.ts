@@ -2,9 +2,9 @@ import { beforeEach, describe, expect, it, vi } from 'vitest';
 import { appAnalysis, appSizes, installedApps, leftoverLinks, uninstallResult } from '../../src/protocol/appGuards.ts';
 import { connect, listenLater } from '../../src/protocol/connection.ts';
 import { laterReaders } from '../../src/protocol/laterReaders.ts';
-import { systemSample } from '../../src/protocol/systemGuards.ts';
+import { systemActivity, systemSample } from '../../src/protocol/systemGuards.ts';
 import { analysisOf, app, someApps, someLeftovers, someResult } from '../support/apps.ts';
-import { bareSample, firstSample, hostileSample, someSample } from '../support/system.ts';
+import { bareSample, firstSample, hostileSample, someActivity, someSample } from '../support/system.ts';
 
 const page = globalThis as unknown as { velto?: Record<string, (...values: unknown[]) => void> };
 const again = <Value>(value: Value): unknown => JSON.parse(JSON.stringify(value));
@@ -103,5 +103,22 @@ describe('reading samples', () => {
     const read = systemSample(hostileSample())!;
     expect(read.battery).toEqual({ avail: true, pct: 100, cycles: 1e9 });
     expect(read.procs!.every(({ icon }) => icon === '')).toBe(true);
+  });
+});
+
+describe('reading what is told beside a sample', () => {
+  it('passes complete records through unchanged', () => {
+    expect(systemActivity(again(someActivity()))).toEqual(someActivity());
+  });
+
+  it('leaves out what is missing or cannot be', () => {
+    expect(systemActivity({})).toEqual({ procs: [] });
+    expect(systemActivity('x')).toBeNull();
+    for (const celsius of [0, -273, 151, '54', null]) {
+      expect(systemActivity({ temperature: { celsius, part: 'disk' } })).toEqual({ procs: [] });
+    }
+    expect(systemActivity({ temperature: { celsius: 40, part: 'fridge' } })!.temperature!.part).toBe('machine');
+    expect(systemActivity({ disk: { read: 5 }, gpu: { pct: 400 } })).toEqual({ gpu: { pct: 100 }, procs: [] });
+    expect(systemActivity({ procs: [{ pid: 7, read: 1, canQuit: 'yes' }, { pid: '8' }, 4] })!.procs).toEqual([{ pid: 7, canQuit: false }]);
   });
 });

@@ -5,7 +5,7 @@ import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
 import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
 import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
-import { bareSample, someSample } from '../support/system.ts';
+import { bareSample, someActivity, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -98,6 +98,7 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
     const saved = translate(fullState());
     await check({ saved }, ['sistema'], async ({ tell }) => {
       await tell('onSystem', someSample());
+      await tell('onSystemActivity', someActivity());
       await tell('onSystem', someSample());
     });
     await check({ saved }, ['sistema'], ({ tell }) => tell('onSystem', bareSample()));

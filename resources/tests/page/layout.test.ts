@@ -4,7 +4,7 @@ import { launch, open } from '../support/page.ts';
 import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
-import { hostileSample, someSample } from '../support/system.ts';
+import { hostileActivity, hostileSample, someActivity, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -69,7 +69,13 @@ describe.each(sizes)('$name, applications and system', ({ width, height, zoom })
       const { page } = opened;
       await page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
       await opened.go('sistema');
-      for (let sample = 0; sample < 2; sample += 1) await opened.tell('onSystem', hostile ? hostileSample() : someSample());
+      for (let sample = 0; sample < 2; sample += 1) {
+        await opened.tell('onSystemActivity', hostile ? hostileActivity() : someActivity());
+        await opened.tell('onSystem', hostile ? hostileSample() : someSample());
+      }
+      // Applications that stay open have the longest words.
+      for (const button of await page.locator('.quit button').all()) await button.dispatchEvent('click');
+      for (const { pid } of someActivity().procs) await opened.tell('onApplicationStopped', { pid, ended: false });
       await page.waitForTimeout(80);
       expect(await sticksOut(page), 'sistema').toEqual([]);
       await opened.go('apps');

@@ -67,6 +67,14 @@ export function bareSample(): unknown {
   };
 }
 
+/** Figures as large as they can be, and a button on every row. */
+export function hostileActivity(): unknown {
+  return {
+    ...someActivity({ disk: { read: 9e12, written: 9e12 }, gpu: { pct: 100 }, temperature: { celsius: 149, part: 'graphics' } }),
+    procs: Array.from({ length: 50 }, (_, pid) => ({ pid, read: 9e12, written: 9e12, canQuit: true })),
+  };
+}
+
 export function hostileSample(): unknown {
   return {
     ...someSample({ net: { avail: true, iface: hostileNames[2]!, down: 9e12, up: 0 } }),
