@@ -36,10 +36,11 @@ void AppUsage::start() {
         recordRunning();
         return;
     }
-    // Which program is which application stands in many small files: not on the main thread.
+    // Which program is which application stands in many small files, and what runs tells it when it
+    // likes to: not on the main thread.
     platform_.dispatcher->global(QualityOfService::utility, [this] {
         learnOwners();
-        platform_.dispatcher->main([this] { recordRunning(); });
+        recordRunning();
     });
 }
 

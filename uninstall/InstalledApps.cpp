@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "platform/DesktopEntry.h"
 #include "platform/parallel.h"
 #include "platform/values/text.h"
 #include "uninstall/ProcessOwners.h"
@@ -90,11 +89,11 @@ std::vector<AppEntry> InstalledApps::listBundles() const {
 
 std::vector<AppEntry> InstalledApps::listDesktopApplications() {
     std::vector<AppEntry> found;
-    std::map<std::string, std::string> icons;
+    std::map<std::string, std::string> entries;
     std::vector<DesktopApplication> applications = desktopApplications(platform_);
     usage_.knowOwners(ProcessOwners(applications));
     for (DesktopApplication& application : applications) {
-        icons[application.entry.path] = std::move(application.icon);
+        entries[application.entry.path] = std::move(application.file);
         found.push_back(std::move(application.entry));
     }
     const auto launches = usage_.launches();
@@ -102,7 +101,7 @@ std::vector<AppEntry> InstalledApps::listDesktopApplications() {
     for (AppEntry& entry : found)
         entry.last = lastUse(entry.bid, launches, estimate);
     const std::lock_guard guard(lock_);
-    iconNames_ = std::move(icons);
+    entries_ = std::move(entries);
     return found;
 }
 
@@ -151,7 +150,7 @@ std::optional<AppEntry> InstalledApps::readApp(const std::string& path) const {
         for (DesktopApplication& application : desktopApplications(platform_)) {
             if (application.entry.path != path) continue;
             const std::lock_guard guard(lock_);
-            iconNames_[path] = application.icon;
+            entries_[path] = application.file;
             return std::move(application.entry);
         }
         return std::nullopt;
@@ -216,15 +215,12 @@ std::optional<std::string> InstalledApps::iconDataURL(const std::string& path, i
     if (platform_.layout.kind == HomeLayout::Kind::macOS) {
         return platform_.icons->pngDataURL(path, size);
     }
-    std::string name;
+    std::string file;
     {
         const std::lock_guard guard(lock_);
-        const auto found = iconNames_.find(path);
-        if (found == iconNames_.end()) return std::nullopt;
-        name = found->second;
+        const auto found = entries_.find(path);
+        if (found != entries_.end()) file = found->second;
     }
-    const std::string file =
-        desktopIconFile(*platform_.files, platform_.layout.desktopEntries, name);
     return file.empty() ? std::nullopt : platform_.icons->pngDataURL(file, size);
 }
 

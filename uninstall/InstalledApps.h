@@ -60,7 +60,7 @@ private:
     AppUsage& usage_;
     // Where a desktop entry and not the application itself names the icon.
     mutable std::mutex lock_;
-    mutable std::map<std::string, std::string> iconNames_;  // by the application's path
+    mutable std::map<std::string, std::string> entries_;  // by the application's path
 };
 
 }  // namespace velto

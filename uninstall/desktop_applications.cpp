@@ -28,7 +28,6 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
     application.flatpak = read.flatpak;
     application.snap = snapOfEntry(file, read);
     application.arguments = read.arguments;
-    application.icon = read.icon;
     AppEntry& entry = application.entry;
     entry.bid = validUtf8(file.id);
     entry.name = read.name.empty() ? entry.bid : read.name;

@@ -18,7 +18,6 @@ struct DesktopApplication {
     std::string flatpak;     // identifier of the Flatpak that it starts, else empty
     std::string snap;        // (instance) name of the Snap that it starts, else empty
     std::vector<std::string> arguments{};  // of the executable, without opened files
-    std::string icon;                      // as the desktop entry names it
     bool isIdentified = false;             // a process that runs `executable` is this application
 };
 

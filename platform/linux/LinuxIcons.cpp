@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "platform/DesktopEntry.h"
+#include "platform/icon_theme.h"
 #include "platform/linux/glib_pointers.h"
 #include "platform/linux/icon_protocol.h"
 #include "platform/posix/foreign_file.h"
@@ -32,7 +33,7 @@ std::string dataURL(std::string_view png) {
 
 std::optional<std::string> LinuxIcons::pngDataURL(const std::string& path, int pixels) {
     if (pixels <= 0) return std::nullopt;
-    const std::string file = iconFile(path);
+    const std::string file = iconFile(path, pixels);
     if (file.empty()) return std::nullopt;
     const auto bytes = readForeignFile(file, longestPicture);
     if (!bytes || (isDrawing(*bytes) && bytes->size() > longestDrawing)) return std::nullopt;
@@ -41,11 +42,25 @@ std::optional<std::string> LinuxIcons::pngDataURL(const std::string& path, int p
     return png ? std::optional(dataURL(*png)) : std::nullopt;
 }
 
+/// Of an icon as a desktop entry names it.
+std::string LinuxIcons::pictureOf(const std::string& icon, int pixels) {
+    std::call_once(isThemeKnown_, [this] { theme_ = themeName_ ? themeName_() : std::string(); });
+    if (!theme_.empty()) {
+        std::vector<std::string> folders;
+        folders.reserve(entries_.size());
+        for (const NamedLocation& entries : entries_)
+            folders.push_back(parentFolder(entries.path).append("/icons"));
+        std::string file = themedIconFile(files_, folders, theme_, icon, pixels);
+        if (!file.empty()) return file;
+    }
+    return desktopIconFile(files_, entries_, icon);
+}
+
 /// Where the picture for `path` is; empty when it has none.
-std::string LinuxIcons::iconFile(const std::string& path) const {
+std::string LinuxIcons::iconFile(const std::string& path, int pixels) {
     if (path.ends_with(desktopEntryExtension)) {
         const auto entry = readDesktopEntry(path);
-        return entry ? desktopIconFile(files_, entries_, entry->icon) : std::string();
+        return entry ? pictureOf(entry->icon, pixels) : std::string();
     }
     const auto attributes = files_.attributes(path);
     if (!attributes) return {};

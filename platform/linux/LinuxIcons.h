@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -12,22 +14,32 @@
 namespace velto {
 
 /// Icons drawn by `velto-icons`: the `.icns` of an application bundle, as its Info.plist names it,
-/// the picture that a desktop entry names, or a picture file itself.
+/// the picture that a desktop entry names in the desktop's theme, or a picture file itself.
 class LinuxIcons final : public Icons {
 public:
+    using ThemeName = std::function<std::string()>;
+
     /// `worker` is the file of `velto-icons`, `entries` are the folders of desktop entries, beside
-    /// which their icons lie. The file manager outlives the object.
+    /// which their icons lie, and `theme` says which theme the desktop uses; it is asked once, on
+    /// any thread. The file manager outlives the object.
     LinuxIcons(const FileManager& files, std::string worker,
-               std::vector<NamedLocation> entries = {})
-        : files_(files), entries_(std::move(entries)), workers_(std::move(worker)) {}
+               std::vector<NamedLocation> entries = {}, ThemeName theme = {})
+        : files_(files),
+          entries_(std::move(entries)),
+          themeName_(std::move(theme)),
+          workers_(std::move(worker)) {}
 
     std::optional<std::string> pngDataURL(const std::string& path, int pixels) override;
 
 private:
-    std::string iconFile(const std::string& path) const;
+    std::string iconFile(const std::string& path, int pixels);
+    std::string pictureOf(const std::string& icon, int pixels);
 
     const FileManager& files_;
     std::vector<NamedLocation> entries_;
+    ThemeName themeName_;
+    std::once_flag isThemeKnown_;
+    std::string theme_;
     IconWorkers workers_;
 };
 

@@ -36,7 +36,7 @@ std::vector<std::int64_t> processes() {
 }
 
 std::string executableOf(std::int64_t process) {
-    return executableOfProcess(proc + ("/" + std::to_string(process)));
+    return executableOfProcess(std::string(proc).append("/").append(std::to_string(process)));
 }
 
 /// Knows what runs now.
@@ -105,9 +105,7 @@ std::unique_ptr<ProcessControl> LinuxRunningApplications::control(
 
 void LinuxRunningApplications::observe(std::function<void(const RunningApplication&)> used) {
     used_ = std::move(used);
-    for (RunningApplication& application : list()) {
-        seen_.emplace(application.process, std::move(application));
-    }
+    lookThrough(processes(), [](const RunningApplication&) {});
     lookLater();
 }
 
@@ -131,17 +129,26 @@ void LinuxRunningApplications::look() {
         if (!known->second.executable.empty()) used_(known->second);
         known = seen_.erase(known);
     }
+    lookThrough(numbers, used_);
+}
+
+/// Tells of what was not there at the last look. The main thread's: a process is not asked for what
+/// it may be slow to give.
+void LinuxRunningApplications::lookThrough(
+    const std::vector<std::int64_t>& numbers,
+    const std::function<void(const RunningApplication&)>& tell) {
     std::optional<ProcessDescriber> describes;  // made for something new alone
-    for (std::int64_t process : now) {
+    for (std::int64_t process : numbers) {
         if (seen_.contains(process)) continue;
         if (!describes) describes.emplace(describer());
         std::string executable = executableOf(process);
         RunningApplication application;
-        if (!executable.empty()) application = describes->describe(process, std::move(executable));
+        if (!executable.empty())
+            application = describes->describeAtOnce(process, std::move(executable));
         // Kernel threads and other users' processes are remembered too, so as not to be asked
         // again.
         const auto added = seen_.emplace(process, std::move(application)).first;
-        if (!added->second.executable.empty()) used_(added->second);
+        if (!added->second.executable.empty()) tell(added->second);
     }
 }
 

@@ -25,6 +25,8 @@ public:
 
 private:
     void lookLater();
+    void lookThrough(const std::vector<std::int64_t>& numbers,
+                     const std::function<void(const RunningApplication&)>& tell);
 
     Dispatcher& dispatcher_;
     std::function<void(const RunningApplication&)> used_;

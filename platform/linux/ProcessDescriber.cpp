@@ -37,9 +37,15 @@ RunningApplication ProcessDescriber::describeProgram(std::int64_t process,
 }
 
 RunningApplication ProcessDescriber::describe(std::int64_t process, std::string executable) const {
+    RunningApplication application = describeAtOnce(process, std::move(executable));
+    application.script = scriptOfProcess(folderOf(process), application.executable);
+    return application;
+}
+
+RunningApplication ProcessDescriber::describeAtOnce(std::int64_t process,
+                                                    std::string executable) const {
     RunningApplication application = describeProgram(process, std::move(executable));
     const std::string folder = folderOf(process);
-    application.script = scriptOfProcess(folder, application.executable);
     const std::string group = kernelText(folder + "/cgroup").value_or("");
     // What was started in this program's own unit (a terminal's, say) is told apart by no unit.
     if (!group.empty() && group != ownControlGroup_) {

@@ -19,6 +19,7 @@
 #include "platform/linux/LinuxSystemCounters.h"
 #include "platform/linux/LinuxVolumeInfo.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/icon_theme_name.h"
 #include "platform/linux/installed_applications.h"
 #include "platform/linux/packages/PackageKit.h"
 #include "platform/linux/packages/Snapd.h"
@@ -166,7 +167,8 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->executablePath = executablePath(*platform->files, programPath);
     platform->icons = std::make_unique<LinuxIcons>(
         *platform->files, parentFolder(platform->executablePath) + "/velto-icons",
-        platform->layout.desktopEntries);
+        platform->layout.desktopEntries,
+        [&files = *platform->files, configuration] { return iconThemeName(files, configuration); });
     platform->running = std::make_unique<LinuxRunningApplications>(*platform->dispatcher);
     platform->counters = std::make_unique<LinuxSystemCounters>();
     platform->processes = makeProcessTable(*platform->files, platform->layout);

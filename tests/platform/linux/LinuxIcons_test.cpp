@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <random>
 
+#include "platform/linux/icon_theme_name.h"
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
 #include "support/linux/icon_worker.h"
@@ -40,6 +41,34 @@ TEST_F(LinuxIconsTest, TheIconOfABundleIsShown) {
     EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}))));
     EXPECT_TRUE(hasIcon(bundle(iconFile(oldIconEntries(red)))));
     EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}), "Icon.icns")));
+}
+
+TEST_F(LinuxIconsTest, TheIconOfAnEntryIsThatOfTheDesktopsTheme) {
+    home.text("share/applications/a.desktop",
+              "[Desktop Entry]\nType=Application\nName=A\nExec=/bin/sleep\nIcon=a\n");
+    home.text("share/icons/hicolor/48x48/apps/a.png", pngPicture(48, 48, red));
+    home.text("share/icons/Mine/index.theme",
+              "[Icon Theme]\nDirectories=apps/48\n[apps/48]\nSize=48\n");
+    const std::string entry = home.path("share/applications/a.desktop");
+    const auto plain = icons.pngDataURL(entry, 32);
+    ASSERT_TRUE(plain);
+    LinuxIcons themed{
+        files, iconWorker, {{"user", home.path("share/applications")}}, [] { return "Mine"; }};
+    EXPECT_EQ(themed.pngDataURL(entry, 32), plain) << "the theme has none";
+    home.text("share/icons/Mine/apps/48/a.png", pngPicture(48, 48, {0, 0, 9}));
+    const auto own = themed.pngDataURL(entry, 32);
+    ASSERT_TRUE(own);
+    EXPECT_NE(own, plain);
+}
+
+TEST(IconThemeName, IsWhatTheToolkitsSettingsSay) {
+    TempHome home;
+    PosixFileManager files;
+    home.text("gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=breeze-dark\n");
+    EXPECT_EQ(iconThemeName(files, home.path()), "breeze-dark");
+    home.text("gtk-4.0/settings.ini",
+              "[Settings]\ngtk-theme-name=x\ngtk-icon-theme-name = Papirus\n");
+    EXPECT_EQ(iconThemeName(files, home.path()), "Papirus");
 }
 
 TEST_F(LinuxIconsTest, OneColourOfOneSizeIsThePicture) {

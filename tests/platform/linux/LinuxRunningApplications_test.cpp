@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <optional>
 
 #include "support/FakeDispatcher.h"
@@ -92,6 +93,23 @@ TEST_F(RunningTest, AnUnpackedAppImageCountsAsTheAppImage) {
                 {"APPIMAGE=/home/ana/Applications/Foo.AppImage"});
     ASSERT_TRUE(find(child.process()));
     EXPECT_EQ(find(child.process())->executable, "/home/ana/Applications/Foo.AppImage");
+}
+
+TEST_F(RunningTest, AScriptIsSeenBehindTheProgramThatRunsIt) {
+    const std::string script = home.text("apps/notes/notes", "#!/bin/sh\nread line\n").path();
+    // The shell becomes the one that runs the script, which waits for the end of its input.
+    FILE* const pipe = ::popen(("exec /bin/sh " + script).c_str(), "w");
+    ASSERT_NE(pipe, nullptr);
+    std::optional<RunningApplication> found;
+    for (int tries = 0; tries < 5'000 && !found; ++tries) {
+        for (RunningApplication& application : running.list()) {
+            if (application.script == script) found = std::move(application);
+        }
+    }
+    ASSERT_TRUE(found);
+    EXPECT_TRUE(running.control(*found));
+    ::pclose(pipe);
+    EXPECT_FALSE(running.control(*found));
 }
 
 TEST_F(RunningTest, AStartAndAnEndAreNoticed) {

@@ -390,7 +390,8 @@ TEST_F(DesktopTest, TheUseOfListedApplicationsIsRecordedAndOfNoOthers) {
 }
 
 TEST_F(DesktopTest, TheIconIsThatOfTheTheme) {
-    machine.platform.icons = std::make_unique<LinuxIcons>(*machine.platform.files, iconWorker);
+    machine.platform.icons = std::make_unique<LinuxIcons>(*machine.platform.files, iconWorker,
+                                                          machine.platform.layout.desktopEntries);
     const std::string path = program("Applications/Foobar.AppImage");
     userEntry("foobar", "Foobar", path, "Icon=foobar\n");
     EXPECT_EQ(apps.iconDataURL(listed("Foobar")->path, 32), std::nullopt);
