@@ -223,6 +223,11 @@ std::vector<Candidate> desktopCandidates(const std::string& bid, const std::stri
                                          const HomeLayout& home) {
     Found found(home, bid);
     if (isEntryName(bid) && !bid.starts_with('.')) {
+        if (confOf(bid) != Conf::certain && !home.applicationSupport.empty()) {
+            // However common its name is: it is the entry by which the application is known.
+            found.add(home.applicationSupport + "/applications/" + bid + ".desktop", "support",
+                      Conf::certain);
+        }
         found.add(namedPlaces, bid, confOf(bid));
         found.add(registeredPlaces, bid, confOf(bid));
     }

@@ -107,7 +107,26 @@ TEST_F(AppsIntentsTest, AnAnalysisWithoutLinksSpeaksOfNone) {
     post("appAnalysis", {{"path", foo}});
     machine.dispatcher.runAll();
     EXPECT_EQ(count("onLeftoverLinks"), 0u);
+    EXPECT_EQ(count("onAppRemoval"), 0u) << "a Mac's home needs none";
     EXPECT_EQ(count("onAppAnalysis"), 1u);
+}
+
+TEST_F(AppsIntentsTest, OnALinuxHomeWhetherTheApplicationCanGoIsToldBeforeTheAnalysis) {
+    machine.platform.layout = HomeLayout::freedesktop(
+        machine.home.path(), [](const std::string&) { return std::nullopt; }, "");
+    const std::string entry = machine.home.path(".local/share/applications/thing.desktop");
+    machine.home.text(".local/share/applications/thing.desktop",
+                      "[Desktop Entry]\nType=Application\nName=Thing\nExec=/bin/sh -c thing\n");
+    post("appAnalysis", {{"path", entry}});
+    machine.dispatcher.runAll();
+    ASSERT_EQ(count("onAppRemoval"), 1u);
+    const auto arguments = nlohmann::json::parse("[" + calls("onAppRemoval").front() + "]");
+    EXPECT_EQ(arguments[0], entry);
+    EXPECT_NE(arguments[1]["stays"], "");
+    EXPECT_EQ(arguments[1]["folder"], "");
+    EXPECT_EQ(arguments[1].size(), 2u);
+    EXPECT_THAT(page->scripts.back(), HasSubstr("onAppAnalysis"));
+    EXPECT_THAT(*(page->scripts.end() - 2), HasSubstr("onAppRemoval"));
 }
 
 TEST_F(AppsIntentsTest, AnApplicationThatIsGoneCannotBeAnalysed) {

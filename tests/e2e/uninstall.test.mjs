@@ -1,7 +1,7 @@
 // Uninstalling by clicking in the page: what is listed, what is found, what is gone from the disk
 // afterwards and what is still there.
 import assert from 'node:assert/strict';
-import { lstatSync, readdirSync, rmSync, symlinkSync } from 'node:fs';
+import { chmodSync, lstatSync, readdirSync, rmSync, symlinkSync } from 'node:fs';
 import { test } from 'node:test';
 import { Home, MB } from './support/home.mjs';
 import { openGuided } from './support/guided_page.mjs';
@@ -201,7 +201,8 @@ test('a link among the leftovers of a Linux home goes alone, when it was chosen'
   const page = await openGuided(t, home);
   await page.click('Applications');
   await page.click('Look at what Harbour left behind');
-  await page.sees('2 of 4 items selected');
+  await page.sees('3 of 5 items selected');
+  await page.sees(`leads to ${home.at('Projects')}`);
   await page.sees('Only the link goes; what it leads to stays.');
   await page.tick('section:possible');
   await page.click('Uninstall…');
@@ -235,6 +236,7 @@ test('an AppImage of a Linux home goes with its entry and what it left behind', 
     '.cache/com.example.Harbour',
     '.local/share/com.example.Harbour',
     '.config/autostart/com.example.Harbour.desktop',
+    '.local/share/icons/hicolor/128x128/apps/com.example.Harbour.png',
   ]) {
     assert.ok(!home.has(path), `${path} is still there`);
   }
@@ -245,4 +247,63 @@ test('an AppImage of a Linux home goes with its entry and what it left behind', 
   await page.click('Back to all applications');
   await page.sees('that came with the system');
   assert.ok(!page.has('Look at what Harbour left behind'));
+});
+
+test('an unpacked application goes with its folder and its command; of a lone program file the folder stays', async (t) => {
+  const home = new Home(t, { layout: 'freedesktop' });
+  const unpacked = 'apps/VSCode-linux-x64';
+  const lone = 'apps/thing';
+  for (const [id, path, name] of [['code', `${unpacked}/code`, 'Visual Studio Code'], ['run', `${lone}/run`, 'Runner']]) {
+    home.text(path, '#!/bin/sh\n');
+    chmodSync(home.at(path), 0o755);
+    desktopEntry(home, id, path, { name });
+  }
+  home.allocated(`${unpacked}/resources/data`, 50 * MB).text(`${lone}/thesis`, 'years of work').folder('.local/bin');
+  symlinkSync(home.at(`${unpacked}/code`), home.at('.local/bin/code'));
+  const page = await openGuided(t, home);
+  await page.click('Applications');
+  await page.click('Look at what Visual Studio Code left behind');
+  await page.sees('2 of 3 items selected');
+  await page.click('Uninstall…');
+  await page.click('Uninstall');
+  await page.sees('Visual Studio Code is uninstalled');
+  await page.sees(/50.MB became free/);
+  assert.ok(!home.has(unpacked));
+  assert.ok(!existsAsLink(home.at('.local/bin/code')));
+
+  await page.click('Back to all applications');
+  await page.click('Look at what Runner left behind');
+  await page.sees(`its folder ${home.at(lone)} stays`);
+  await page.click('Uninstall…');
+  await page.click('Uninstall');
+  await page.sees('The program file of Runner is removed');
+  await page.sees(`Its folder stays: ${home.at(lone)}`);
+  assert.ok(!home.has(`${lone}/run`));
+  assert.equal(home.read(`${lone}/thesis`), 'years of work');
+});
+
+test('an application for all users stays with what it has, and the window says so first', async (t) => {
+  const home = linuxHome(t);
+  const outside = new Home(t, { layout: 'freedesktop' }).text('opt/beacon/beacon', '#!/bin/sh\n');
+  chmodSync(outside.at('opt/beacon/beacon'), 0o755);
+  home
+    .text(
+      '.local/share/applications/com.example.Beacon.desktop',
+      `[Desktop Entry]\nType=Application\nName=Beacon\nExec=${outside.at('opt/beacon/beacon')}\n`,
+    )
+    .text('.config/com.example.Beacon/settings', 'mine')
+    .text('.local/share/keyrings/login.keyring', 'passwords');
+  const page = await openGuided(t, home);
+  await page.click('Applications');
+  await page.click('Look at what Beacon left behind');
+  await page.sees('Beacon itself stays: it is installed for all users');
+  await page.sees('Nothing is selected, so nothing is deleted.');
+  await page.tick(home.at('.config/com.example.Beacon'));
+  await page.click('Remove what is selected…');
+  await page.sees(/Remove what Beacon left behind\? Beacon itself stays/);
+  await page.click('Remove for good');
+  await page.sees('What Beacon left behind is removed');
+  assert.ok(!home.has('.config/com.example.Beacon'));
+  assert.ok(outside.has('opt/beacon/beacon'));
+  assert.ok(home.has('.local/share/keyrings/login.keyring'));
 });

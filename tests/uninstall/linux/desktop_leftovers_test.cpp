@@ -139,6 +139,15 @@ TEST_F(DesktopLeftovers, WhatIsCalledLikeAPlaceOfOthersIsOfferedNoneOfIt) {
     }
 }
 
+TEST_F(DesktopLeftovers, TheEntryOfAnApplicationIsItsOwnHoweverCommonItsNameIs) {
+    home.text(".config/notes/diary", "x");
+    userEntry("notes", "Notes", program("apps/scribbler/scribbler"));
+    const AppEntry entry = listed("Notes");
+    EXPECT_THAT(leftoversOf(entry, "certain"),
+                UnorderedElementsAre(".local/share/applications/notes.desktop"));
+    EXPECT_THAT(leftoversOf(entry, "possible"), UnorderedElementsAre(".config/notes"));
+}
+
 TEST_F(DesktopLeftovers, TheSearchByNameGoesPastHiddenEntriesAndEverySharedFolder) {
     const AppEntry entry = foobar();
     // More folders than the search of a Mac's home opens, and hidden ones among them.
