@@ -10,6 +10,7 @@
 #include "platform/values/text.h"
 #include "uninstall/ProcessOwners.h"
 #include "uninstall/app_images.h"
+#include "uninstall/desktop_parts.h"
 #include "uninstall/removable_path.h"
 #include "uninstall/removal_rules.h"
 #include "uninstall/tool_names.h"
@@ -51,9 +52,7 @@ DesktopApplication describe(const Platform& platform, const DesktopEntryFile& fi
     } else if (read.executable.starts_with(layout.home + "/") && !read.startsScript) {
         entry.path = removablePath(platform, file, read);
     } else {
-        entry.apple =
-            file.origin == entryOrigin::system ||
-            (isAtOrBelow(read.executable, "/usr") && !isAtOrBelow(read.executable, "/usr/local"));
+        entry.apple = file.origin == entryOrigin::system && isPartOfDesktop(file.id);
     }
     return application;
 }

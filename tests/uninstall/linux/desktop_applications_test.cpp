@@ -137,12 +137,19 @@ TEST_F(DesktopTest, TheProgramsOwnTimerAndServiceStay) {
     EXPECT_TRUE(machine.platform.files->exists(layout.agentService));
 }
 
-TEST_F(DesktopTest, WhatBelongsToTheSystemsPackagesIsMarked) {
+TEST_F(DesktopTest, WhatAPackageHasInstalledIsAnApplicationLikeOthers) {
     systemEntry("sleeper", "Sleeper", "/bin/sleep 1");
     const auto found = listed("Sleeper");
     ASSERT_TRUE(found);
-    EXPECT_TRUE(found->apple);
+    EXPECT_FALSE(found->apple);
     EXPECT_EQ(found->path, disk.path("usr/share/applications/sleeper.desktop"));
+}
+
+TEST_F(DesktopTest, OnlyThePartsOfADesktopCameWithTheSystem) {
+    systemEntry("org.gnome.Nautilus", "Files", "/bin/sleep 2");
+    userEntry("thunar", "My Thunar", program("Applications/Thunar/thunar"));
+    EXPECT_TRUE(listed("Files")->apple);
+    EXPECT_FALSE(listed("My Thunar")->apple) << "the user's own";
 }
 
 TEST_F(DesktopTest, FlatpaksAndSnapsComeFromAStore) {

@@ -104,7 +104,7 @@ TEST_F(RemovablePath, WhatOneProgramFileLeavesAroundItIsKnown) {
 
 TEST_F(RemovablePath, WhyAnApplicationStaysIsKnownBeforehand) {
     entry(disk.path("usr/share/applications/sleeper.desktop"), "Sleeper", "/bin/sleep 1");
-    EXPECT_EQ(removalOf(listed("Sleeper")).stays, "system");
+    EXPECT_EQ(removalOf(listed("Sleeper")).stays, "admin");
     entry(disk.path("flatpak/share/applications/org.acme.All.desktop"), "All", "/bin/true",
           "X-Flatpak=org.acme.All\n");
     EXPECT_EQ(removalOf(listed("All")).stays, "admin");
