@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include "bridge/app_events.h"
 #include "platform/values/text.h"
 #include "uninstall/PackageRemoval.h"
+#include "uninstall/unused_runtimes.h"
 
 namespace velto {
 namespace {
@@ -62,6 +64,25 @@ void PackageIntents::onRemovePackage(const Payload& payload) {
     const auto path = payload::pathMember(payload, "path");
     const auto others = payload::stringsMember(payload, "others");
     if (!path || !others) return;
+    removeAlone([&platform = context_.platform, work = context_.work, path = *path,
+                 others = *others] { return removalScript(platform, *work, path, others); });
+}
+
+void PackageIntents::onRemoveUnusedRuntimes(const Payload& payload) {
+    const auto ofAllUsers = payload::boolMember(payload, "ofAllUsers");
+    if (!ofAllUsers) return;
+    removeAlone([&platform = context_.platform, ofAllUsers = *ofAllUsers] {
+        try {
+            removeUnusedRuntimes(*platform.tools, ofAllUsers);
+            return events::unusedRuntimes(std::nullopt, {});
+        } catch (const PackageError& error) {
+            logFailure(platform, "flatpak --unused", error);
+            return events::unusedRuntimes(error.reason(), error.what());
+        }
+    });
+}
+
+void PackageIntents::removeAlone(std::function<std::string()> work) {
     const auto pass = context_.uninstalls.enter();
     if (!pass) {
         context_.link.toast(
@@ -69,14 +90,13 @@ void PackageIntents::onRemovePackage(const Payload& payload) {
             context_.language.text("Espera a que termine.", "Wait for it to finish."));
         return;
     }
-    const Platform& platform = context_.platform;
-    platform.dispatcher->change([&platform, work = context_.work, path = *path, others = *others,
-                                 pass, weak = weak_from_this()] {
+    Dispatcher& dispatcher = *context_.platform.dispatcher;
+    dispatcher.change([&dispatcher, work = std::move(work), pass, weak = weak_from_this()] {
         if (weak.expired()) return;
-        const std::string script = removalScript(platform, *work, path, others);
+        const std::string script = work();
         // Before the page knows of the end, which is when it asks for what was left behind.
         pass->end();
-        platform.dispatcher->main([weak, script] {
+        dispatcher.main([weak, script] {
             if (const auto self = weak.lock()) self->context_.link.evaluate(script);
         });
     });

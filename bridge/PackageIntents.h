@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -29,8 +30,12 @@ public:
 
     void onAppPackage(const Payload& payload);
     void onRemovePackage(const Payload& payload);
+    void onRemoveUnusedRuntimes(const Payload& payload);
 
 private:
+    /// Runs work that removes, while no other removal runs; its script is for the page.
+    void removeAlone(std::function<std::string()> work);
+
     Context context_;
 };
 

@@ -52,6 +52,13 @@ const char* nameOf(PackageError::Reason reason) {
     return "failed";
 }
 
+nlohmann::json endOf(const std::optional<PackageError::Reason>& failure,
+                     const std::string& detail) {
+    return {{"done", !failure},
+            {"reason", failure ? nameOf(*failure) : ""},
+            {"detail", singleLine(detail)}};
+}
+
 }  // namespace
 
 std::string apps(const nlohmann::json& list) { return call("onApps", literal(list)); }
@@ -94,10 +101,13 @@ std::string appPackage(const std::string& application, const std::optional<Packa
 std::string packageRemoval(const std::string& application,
                            const std::optional<PackageError::Reason>& failure,
                            const std::string& detail) {
-    const nlohmann::json record{{"done", !failure},
-                                {"reason", failure ? nameOf(*failure) : ""},
-                                {"detail", singleLine(detail)}};
-    return call("onPackageRemoval", literal(pathText(application)) + ", " + literal(record));
+    return call("onPackageRemoval",
+                literal(pathText(application)) + ", " + literal(endOf(failure, detail)));
+}
+
+std::string unusedRuntimes(const std::optional<PackageError::Reason>& failure,
+                           const std::string& detail) {
+    return call("onUnusedRuntimes", literal(endOf(failure, detail)));
 }
 
 std::string uninstallResult(const nlohmann::json& result) {

@@ -45,6 +45,10 @@ std::string packageRemoval(const std::string& application,
                            const std::optional<PackageError::Reason>& failure,
                            const std::string& detail);
 
+/// The end of removing runtimes that nothing uses; the record of `packageRemoval`.
+std::string unusedRuntimes(const std::optional<PackageError::Reason>& failure,
+                           const std::string& detail);
+
 std::string uninstallResult(const nlohmann::json& result);
 
 }  // namespace velto::events

@@ -67,6 +67,7 @@ struct IntentTable {
         {"restoreItemTo", at<trash, &TrashIntents::onRestoreItemTo>},
         {"appPackage", at<packages, &PackageIntents::onAppPackage>},
         {"removePackage", at<packages, &PackageIntents::onRemovePackage>},
+        {"removeUnusedRuntimes", at<packages, &PackageIntents::onRemoveUnusedRuntimes>},
         {"giveUpWaiting", at<trash, &TrashIntents::onGiveUpWaiting>},
         {"quitApplication", at<quitting, &QuitIntents::onQuitApplication>},
         {"endApplication", at<quitting, &QuitIntents::onEndApplication>},

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/ToolRunner.h"
+
 namespace velto {
 
 /// Who has installed an application for all users and keeps the record of it.
@@ -38,6 +40,9 @@ public:
 private:
     Reason reason_;
 };
+
+/// Throws PackageError unless the flatpak tool has done what it was asked.
+void requireFlatpaksSuccess(const ToolResult& ended);
 
 /// What one keeper knows of its packages, and removes. The keeper itself asks the user for leave;
 /// this program never has any of its own. Blocking, on any thread but the main one; every function

@@ -103,8 +103,28 @@ TEST_F(PackageIntentsTest, OneRemovalAtATime) {
     EXPECT_EQ(service->removed.size(), 2U) << "the first one has left";
 }
 
+TEST_F(PackageIntentsTest, RuntimesThatNothingUsesGoWithFlatpak) {
+    for (const auto& [ofAllUsers, whose] :
+         {std::pair(true, "--system"), std::pair(false, "--user")}) {
+        post("removeUnusedRuntimes", {{"ofAllUsers", ofAllUsers}});
+        machine.dispatcher.runAll();
+        EXPECT_THAT(machine.tools.commands.back(),
+                    ElementsAre("/usr/bin/flatpak", "uninstall", "--unused", whose,
+                                "--noninteractive", "--assumeyes"));
+        EXPECT_THAT(page->calls("onUnusedRuntimes").back(),
+                    HasSubstr(R"(onUnusedRuntimes({"detail":"","done":true,"reason":""}))"));
+    }
+    machine.tools.result = {.started = true,
+                            .startError = "",
+                            .exitStatus = 1,
+                            .standardError = "error: Uninstall not allowed for user"};
+    post("removeUnusedRuntimes", {{"ofAllUsers", true}});
+    machine.dispatcher.runAll();
+    EXPECT_THAT(page->calls("onUnusedRuntimes").back(), HasSubstr(R"("reason":"refused")"));
+}
+
 TEST_F(PackageIntentsTest, AMessageThatMakesNoSenseDoesNothing) {
-    for (const char* type : {"appPackage", "removePackage"}) {
+    for (const char* type : {"appPackage", "removePackage", "removeUnusedRuntimes"}) {
         post(type);
         post(type, {{"path", 7}, {"others", {1}}});
     }
@@ -112,6 +132,7 @@ TEST_F(PackageIntentsTest, AMessageThatMakesNoSenseDoesNothing) {
     machine.dispatcher.runAll();
     EXPECT_EQ(count("onAppPackage") + count("onPackageRemoval"), 0U);
     EXPECT_THAT(service->removed, IsEmpty());
+    EXPECT_THAT(machine.tools.commands, IsEmpty());
 }
 
 TEST_F(PackageIntentsTest, AWindowThatIsGoneIsToldNothing) {

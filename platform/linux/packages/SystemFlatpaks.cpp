@@ -35,13 +35,8 @@ void SystemFlatpaks::remove(const Package& package, bool) {
     if (!isInstalled(package.identifier)) {
         throw PackageError(Reason::missing, "not installed: " + package.identifier);
     }
-    const ToolResult ended = tools_.run(flatpak, {"uninstall", "--system", "--noninteractive",
-                                                  "--assumeyes", "--", package.identifier});
-    if (!ended.started) throw PackageError(Reason::unavailable, ended.startError);
-    if (ended.exitStatus == 0) return;
-    // The tool's words for what polkit has not allowed.
-    const bool isRefused = ended.standardError.find("not allowed") != std::string::npos;
-    throw PackageError(isRefused ? Reason::refused : Reason::failed, ended.standardError);
+    requireFlatpaksSuccess(tools_.run(flatpak, {"uninstall", "--system", "--noninteractive",
+                                                "--assumeyes", "--", package.identifier}));
 }
 
 }  // namespace velto

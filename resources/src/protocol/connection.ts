@@ -50,7 +50,7 @@ const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onRestoreBlocked',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
-  'onAppPackage', 'onPackageRemoval', 'onUninstallProgress', 'onUninstallResult',
+  'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',
   'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 

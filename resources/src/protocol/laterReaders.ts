@@ -32,6 +32,7 @@ export const laterReaders: LaterReaders = {
   },
   onAppPackage: ([application, plan]) => [guards.text(application), appGuards.packagePlan(plan)],
   onPackageRemoval: ([application, end]) => [guards.text(application), appGuards.packageEnd(end)],
+  onUnusedRuntimes: ([end]) => [appGuards.packageEnd(end)],
   onLeftBehind: ([items]) => [appGuards.leftBehind(items)],
   onUninstallProgress: ([word, percent, detail]) => {
     const stage = appGuards.uninstallStage(word);

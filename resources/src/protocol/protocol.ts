@@ -40,6 +40,7 @@ export interface Intents {
   leftBehind: void;
   appPackage: { path: string };
   removePackage: { path: string; others: string[] };
+  removeUnusedRuntimes: { ofAllUsers: boolean };
   uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
   revealPath: string;
   deleteFiles: { paths: string[]; kind: string };
@@ -97,6 +98,7 @@ export interface Events {
   onLeftBehind: [items: LeftBehindItem[]];
   onAppPackage: [application: string, plan: PackagePlan | null];
   onPackageRemoval: [application: string, end: PackageEnd];
+  onUnusedRuntimes: [end: PackageEnd];
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
   onSystemActivity: [activity: SystemActivity];

@@ -16,6 +16,7 @@ class Packages {
   /** An entry of the menu that is not the user's own stands for a package. */
   look(path: string): void {
     if (this.phase === 'removing') return;
+    runtimes.forget();
     const isEntry = !onMac() && path.endsWith('.desktop') && !path.includes('/.local/share/');
     this.end = null;
     this.plan = null;
@@ -55,3 +56,28 @@ class Packages {
 }
 
 export const packages = new Packages();
+
+/** The runtimes that no Flatpak uses any more, once one has gone. */
+class Runtimes {
+  removing = $state(false);
+  end = $state.raw<PackageEnd | null>(null);
+
+  remove(ofAllUsers: boolean): void {
+    if (this.removing) return;
+    this.removing = true;
+    this.end = null;
+    send('removeUnusedRuntimes', { ofAllUsers });
+  }
+
+  receiveEnd(end: PackageEnd): void {
+    this.removing = false;
+    this.end = end;
+  }
+
+  /** Another application may leave others behind. */
+  forget(): void {
+    if (!this.removing) this.end = null;
+  }
+}
+
+export const runtimes = new Runtimes();

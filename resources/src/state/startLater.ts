@@ -9,7 +9,7 @@ import { cleanables } from './cleanables.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
-import { packages } from './packages.svelte.ts';
+import { packages, runtimes } from './packages.svelte.ts';
 import { machine } from './machine.svelte.ts';
 import { quitting } from './quitting.svelte.ts';
 import { holdRefusal } from './refusals.ts';
@@ -41,6 +41,7 @@ export function startLater(): void {
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),
       onAppPackage: (application, plan) => packages.receivePlan(application, plan),
       onPackageRemoval: (application, end) => packages.receiveEnd(application, end),
+      onUnusedRuntimes: (end) => runtimes.receiveEnd(end),
       onAppRemoval: (application, removal) => leftovers.receiveRemoval(application, removal),
       onAppAnalysis: (analysis) => leftovers.receive(analysis),
       onLeftBehind: (items) => leftBehind.receive(items),

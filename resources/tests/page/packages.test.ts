@@ -118,6 +118,24 @@ describe('an application that the system has installed', () => {
     });
   });
 
+  it('leaves runtimes that nothing uses to be removed, when it was a Flatpak', async () => {
+    await known(async (opened) => {
+      await removed(opened);
+      await opened.tell('onPackageRemoval', path, { done: true, reason: '', detail: '' });
+      const offer = opened.page.getByRole('button', { name: 'Remove unused runtimes…' });
+      const agree = () => opened.page.getByRole('dialog').getByRole('button', { name: 'Remove' });
+      await offer.click();
+      expect(await opened.during(() => agree().click())).toEqual([{ type: 'removeUnusedRuntimes', payload: { ofAllUsers: true } }]);
+      await opened.tell('onUnusedRuntimes', { done: false, reason: 'refused', detail: '' });
+      expect(await panel(opened).textContent()).toContain('It was not allowed');
+      await offer.click();
+      await agree().click();
+      await opened.tell('onUnusedRuntimes', { done: true, reason: '', detail: '' });
+      expect(await panel(opened).textContent()).toContain('Flatpak has removed what nothing uses.');
+      expect(await offer.count()).toBe(0);
+    }, { keeper: 'flatpak', others: [] });
+  });
+
   it('is not offered where the computer needs it, or nobody answers', async () => {
     await known(async (opened) => {
       expect(await panel(opened).textContent()).toContain('“gnome-shell” would go with it');

@@ -75,6 +75,10 @@ export const appWords = {
     removing: (name: string) => `The system is removing ${name}. It may ask for a password.`,
     gone: (name: string) => `The system has removed ${name}.`,
     goneRest: 'What it left behind is listed below.',
+    runtimes: 'Remove unused runtimes…',
+    runtimesTitle: 'Remove runtimes that nothing uses?',
+    runtimesText: 'Flatpaks share large runtimes. Flatpak removes those that no installed application uses any more, and gets one again when an application needs it.',
+    runtimesGone: 'Flatpak has removed what nothing uses.',
     details: 'Details',
     failures: {
       unavailable: 'The service that removes packages does not answer. Nothing was removed.',

@@ -74,6 +74,10 @@ export const appWords: typeof english = {
     removing: (name) => `El sistema está quitando ${name}. Puede pedir una contraseña.`,
     gone: (name) => `El sistema ha quitado ${name}.`,
     goneRest: 'Abajo está lo que ha dejado.',
+    runtimes: 'Quitar entornos sin usar…',
+    runtimesTitle: '¿Quitar los entornos que nada usa?',
+    runtimesText: 'Los Flatpak comparten entornos grandes. Flatpak quita los que ya no usa ninguna aplicación instalada y vuelve a traer uno cuando hace falta.',
+    runtimesGone: 'Flatpak ha quitado lo que nada usa.',
     details: 'Detalles',
     failures: {
       unavailable: 'El servicio que quita paquetes no responde. No se ha quitado nada.',
