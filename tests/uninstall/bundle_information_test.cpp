@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <random>
 
 #include <nlohmann/json.hpp>
 
 #include "UninstallWorld.h"
+#include "support/exhaustive.h"
 #include "support/made_property_list.h"
 
 namespace velto {
@@ -80,7 +80,7 @@ TEST(BundleInformation, TheQuickWayNeverSaysAnythingElseThanTheParser) {
                                   "</key>",       "<string>",  "</string>", "<true/>",  "<!--",
                                   "-->",          "&lt;",      "<string/>", "\n",       " ",
                                   "CFBundleName", "<![CDATA[", "]]>",       "</plist>", "x"};
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 4'000 : 100'000;
+    const int rounds = isExhaustive() ? 100'000 : 4'000;
     std::mt19937 random(20240505);
     int answered = 0;
     for (int round = 0; round < rounds; ++round) {
@@ -131,7 +131,7 @@ protected:
 TEST_F(ReadAppTest, ADamagedPropertyListIsNeverTheProgramsEnd) {
     const std::string originals[] = {xmlPropertyList(information()),
                                      binaryPropertyList(information())};
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 2'000 : 200'000;
+    const int rounds = isExhaustive() ? 200'000 : 2'000;
     std::mt19937 random(20240612);
     int read = 0;
     for (int round = 0; round < rounds; ++round) {

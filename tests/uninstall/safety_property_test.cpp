@@ -3,13 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <optional>
 #include <random>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "support/exhaustive.h"
 #include "uninstall/removal_rules.h"
 
 namespace velto {
@@ -109,7 +109,7 @@ bool ruleOfLinux(const std::string& path) {
 template <std::size_t count>
 void compare(const HomeLayout& layout, const std::string& own, bool (*rule)(const std::string&),
              const char* const (&pieces)[count]) {
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 20'000 : 2'000'000;
+    const int rounds = isExhaustive() ? 2'000'000 : 20'000;
     std::mt19937 random(20240311);
     int allowed = 0;
     for (int round = 0; round < rounds; ++round) {

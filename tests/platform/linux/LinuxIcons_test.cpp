@@ -2,12 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 
 #include "platform/linux/icon_theme_name.h"
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
+#include "support/exhaustive.h"
 #include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
 #include "support/made_property_list.h"
@@ -106,7 +106,7 @@ TEST_F(LinuxIconsTest, ADamagedIconIsNeverTheProgramsEnd) {
     entries.emplace_back("ic07", pngPicture(128, 128, red));
     const std::string original = iconFile(entries);
     const std::string png = pngPicture(64, 64, red);
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 300 : 20'000;
+    const int rounds = isExhaustive() ? 20'000 : 300;
     std::mt19937 random(20240718);
     int shown = 0;
     for (int round = 0; round < rounds; ++round) {

@@ -3,10 +3,10 @@
 
 #include <sys/wait.h>
 
-#include <cstdlib>
 #include <ostream>
 
 #include "platform/posix/MoveWorld.h"
+#include "support/exhaustive.h"
 
 namespace velto {
 namespace {
@@ -16,8 +16,6 @@ using Action = WatchedFileCalls::Action;
 constexpr int reasons[] = {ENOSPC, EACCES, EIO, EBUSY};
 /// Of a call that was carried out all the same; the last two, of one that a network sent again.
 constexpr int lostReplies[] = {EIO, ENOENT, EEXIST};
-
-bool isExhaustive() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 
 void makeItem(TempHome& home, bool isFolder) {
     if (!isFolder) {

@@ -5,11 +5,11 @@
 
 #include <fmt/format.h>
 
-#include <cstdlib>
 #include <initializer_list>
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/MoveWorld.h"
+#include "support/exhaustive.h"
 #include "support/extended_attributes.h"
 
 namespace velto {
@@ -189,7 +189,7 @@ TEST_F(MovedTree, NamesOfEveryKindStayByteForByte) {
 }
 
 TEST_F(MovedTree, ManyFilesInOneFolderAllArrive) {
-    const int count = std::getenv("VELTO_EXHAUSTIVE") != nullptr ? 20'000 : 2'000;
+    const int count = isExhaustive() ? 20'000 : 2'000;
     source.folder("item");
     for (int index = 0; index < count; ++index) {
         const std::string path = source.path(fmt::format("item/{}", index));
@@ -240,7 +240,7 @@ TEST_F(MovedTree, AFileGetsNoAccessListFromTheFolderThatItIsMovedTo) {
 }
 
 TEST_F(MovedTree, ATreeDeeperThanDescriptorsGoArrivesWhole) {
-    const int levels = std::getenv("VELTO_EXHAUSTIVE") != nullptr ? 2'000 : 500;
+    const int levels = isExhaustive() ? 2'000 : 500;
     const auto descend = [levels](const std::string& home, const char* root, auto at) {
         Descriptor folder(open(home.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         const char* name = root;

@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <random>
 
 #include "platform/posix/MoveWorld.h"
+#include "support/exhaustive.h"
 #include "support/extended_attributes.h"
 
 namespace velto {
@@ -86,7 +86,7 @@ private:
 using RandomMoves = MoveBetweenVolumes;
 
 TEST_F(RandomMoves, ATreeComesBackAsItWas) {
-    const unsigned seeds = std::getenv("VELTO_EXHAUSTIVE") != nullptr ? 1'000 : 15;
+    const unsigned seeds = isExhaustive() ? 1'000 : 15;
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         RandomTree(source, seed).make("item", 4);
         const std::string text = sourceText();

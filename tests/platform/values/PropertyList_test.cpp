@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 
+#include "support/exhaustive.h"
 #include "support/made_property_list.h"
 
 namespace velto {
@@ -146,7 +146,7 @@ TEST(PropertyList, DamagedBytesNeverEndTheProgram) {
                                            {"CFBundleNäme", "Ein Näme"},
                                            {"CFBundleName", "An application of some length"}}))};
     std::mt19937 random(20240229);
-    const int rounds = std::getenv("VELTO_EXHAUSTIVE") == nullptr ? 4'000 : 400'000;
+    const int rounds = isExhaustive() ? 400'000 : 4'000;
     int read = 0;
     for (int round = 0; round < rounds; ++round) {
         std::string bytes = originals[round % 2];
