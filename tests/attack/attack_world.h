@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -13,6 +12,7 @@
 #include "cleaning/VeltoTrashService.h"
 #include "platform/posix/PosixFileManager.h"
 #include "support/TempHome.h"
+#include "support/exhaustive.h"
 #include "support/fakes.h"
 #include "support/tree_text.h"
 #include "support/volumes.h"
@@ -80,8 +80,6 @@ struct AttackWorld {
     FakeLog log;
     PosixFileManager files{systemFileCalls(), {.limit = std::chrono::milliseconds(200)}};
 };
-
-inline bool isThorough() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 
 /// Runs something that may be refused, but in no other way than by these errors.
 template <typename Action>

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <ostream>
@@ -16,6 +15,7 @@
 
 #include "support/ModelFileCalls.h"
 #include "support/TempHome.h"
+#include "support/exhaustive.h"
 #include "support/tree_text.h"
 
 namespace velto {
@@ -135,7 +135,7 @@ protected:
 };
 
 TEST_F(Twins, TheModelAnswersLikeTheSystem) {
-    const unsigned rounds = std::getenv("VELTO_EXHAUSTIVE") != nullptr ? 2'000 : 40;
+    const unsigned rounds = isExhaustive() ? 2'000 : 40;
     const mode_t mask = ::umask(0);
     for (unsigned seed = 0; seed < rounds && !HasFailure(); ++seed) {
         random_.seed(seed);

@@ -5,16 +5,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <ostream>
 #include <unordered_set>
 
 #include "scenarios.h"
+#include "support/exhaustive.h"
 
 namespace velto {
 namespace {
-
-bool isExhaustive() { return std::getenv("VELTO_EXHAUSTIVE") != nullptr; }
 
 struct Case {
     DurableScenario scenario;

@@ -10,7 +10,7 @@
 namespace velto {
 namespace {
 
-int rounds() { return isThorough() ? 3'000 : 150; }
+int rounds() { return isExhaustive() ? 3'000 : 150; }
 
 class Race : public testing::Test {
 protected:

@@ -12,7 +12,7 @@
 namespace velto {
 namespace {
 
-int rounds() { return isThorough() ? 1'000 : 60; }
+int rounds() { return isExhaustive() ? 1'000 : 60; }
 
 TEST(UninstallRace, NothingBehindALinkIsRemoved) {
     AttackWorld world;

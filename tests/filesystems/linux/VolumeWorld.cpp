@@ -10,6 +10,7 @@
 
 #include "support/extended_attributes.h"
 #include "support/linux/private_mounts.h"
+#include "support/stored_path.h"
 #include "support/tree_text.h"
 
 namespace velto {
@@ -33,15 +34,6 @@ void removeTree(const std::string& path) {
     PosixFileManager files;
     files.removeAll(*files.openFolder(path.substr(0, path.rfind('/')), FolderPath::withoutLinks),
                     path.substr(path.rfind('/') + 1));
-}
-
-/// What lies in an item's place in the trash, found by its id alone.
-std::string storedPath(const std::string& trash, const TrashItem& item) {
-    std::error_code noFolder;
-    for (const auto& entry : fs::directory_iterator(trash + "/" + item.opID, noFolder)) {
-        if (entry.path().filename().string().starts_with(item.id + "-")) return entry.path();
-    }
-    return {};
 }
 
 }  // namespace
