@@ -16,8 +16,8 @@ using Kind = JournalEntry::Kind;
 
 /// Answers of the system that mean that a disk is not there.
 bool meansDiskAbsent(const FileError& error) {
-    constexpr std::array reasons{ENOENT,   ENOTDIR,   ENODEV,    ENXIO,    ESTALE,
-                                 ENOTCONN, EHOSTDOWN, ETIMEDOUT};
+    constexpr std::array reasons{ENOENT, ENOTDIR,  ENODEV,    ENXIO,
+                                 ESTALE, ENOTCONN, EHOSTDOWN, ETIMEDOUT};
     return std::ranges::find(reasons, error.code()) != reasons.end();
 }
 
