@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 #include "platform/Platform.h"
 #include "platform/linux/GlibDispatcher.h"
@@ -113,8 +114,10 @@ HomeLayout layoutOf(const std::string& home, const FileManager& files) {
 /// With the applications that desktop entries start, where the home has such, and all bundles.
 std::unique_ptr<ProcessTable> makeProcessTable(const FileManager& files, const HomeLayout& layout) {
     const auto installed = std::make_shared<InstalledApplications>(files, layout.desktopEntries);
-    return std::make_unique<LinuxProcessTable>(LinuxProcessTable::Sources{
-        .ownProcess = getpid(), .applications = [installed] { return installed->index(); }});
+    LinuxProcessTable::Sources sources;
+    sources.ownProcess = getpid();
+    sources.applications = [installed] { return installed->index(); };
+    return std::make_unique<LinuxProcessTable>(std::move(sources));
 }
 
 std::string executablePath(const FileManager& files, const std::string& programPath) {
