@@ -14,6 +14,9 @@ constexpr const char* service = "org.freedesktop.PackageKit";
 constexpr const char* object = "/org/freedesktop/PackageKit";
 constexpr const char* transactionInterface = "org.freedesktop.PackageKit.Transaction";
 constexpr int timeToStart = 30'000;  // milliseconds; the service is started by the first call
+constexpr int mostAttempts = 5;      // to get a transaction that is there
+constexpr int mostLooks = 25;        // for each
+constexpr gulong microsecondsBetweenLooks = 20'000;
 
 // Of PkErrorEnum and PkExitEnum.
 constexpr std::uint32_t errorCancelled = 17;
@@ -56,10 +59,25 @@ bool isMissing(const GError& error) {
            g_error_matches(&error, G_DBUS_ERROR, G_DBUS_ERROR_SPAWN_SERVICE_NOT_FOUND) != FALSE;
 }
 
+bool isNotThereYet(const GError& error) {
+    return g_error_matches(&error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_METHOD) != FALSE ||
+           g_error_matches(&error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT) != FALSE;
+}
+
 }  // namespace
 
 PackageKitTransaction::PackageKitTransaction(const std::string& busAddress)
     : bus_(connect(busAddress)) {
+    // The service gives a transaction's path away before it has put the transaction on the bus, and
+    // now and then never does: then another one is asked for.
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        create();
+        if (setHints()) break;
+    }
+    subscribe();
+}
+
+void PackageKitTransaction::create() {
     GError* error = nullptr;
     const Variant made(g_dbus_connection_call_sync(
         bus_.get(), service, object, service, "CreateTransaction", nullptr, G_VARIANT_TYPE("(o)"),
@@ -68,8 +86,6 @@ PackageKitTransaction::PackageKitTransaction(const std::string& busAddress)
     const char* path = nullptr;
     g_variant_get(made.get(), "(&o)", &path);
     path_ = path;
-    subscribe();
-    setHints();
 }
 
 PackageKitTransaction::~PackageKitTransaction() {
@@ -80,17 +96,24 @@ PackageKitTransaction::~PackageKitTransaction() {
     }
 }
 
-/// A question may be asked on the screen, in the user's language. A service that knows less of this
-/// works all the same.
-void PackageKitTransaction::setHints() {
+/// A question may be asked on the screen, in the user's language. False when there is no such
+/// transaction.
+bool PackageKitTransaction::setHints() {
     const char* const locale = std::setlocale(LC_MESSAGES, nullptr);
     const std::string language = std::string("locale=") + (locale == nullptr ? "C" : locale);
     const std::array<const char*, 4> hints{language.c_str(), "interactive=true", "background=false",
                                            nullptr};
-    const Variant answer(
-        g_dbus_connection_call_sync(bus_.get(), service, path_.c_str(), transactionInterface,
-                                    "SetHints", g_variant_new("(^as)", hints.data()), nullptr,
-                                    G_DBUS_CALL_FLAGS_NONE, timeToStart, nullptr, nullptr));
+    for (int look = 0; look < mostLooks; ++look) {
+        GError* error = nullptr;
+        const Variant answer(
+            g_dbus_connection_call_sync(bus_.get(), service, path_.c_str(), transactionInterface,
+                                        "SetHints", g_variant_new("(^as)", hints.data()), nullptr,
+                                        G_DBUS_CALL_FLAGS_NONE, timeToStart, nullptr, &error));
+        const GlibError reason(error);
+        if (!reason || !isNotThereYet(*reason)) return true;  // one that knows less works as well
+        g_usleep(microsecondsBetweenLooks);
+    }
+    return false;
 }
 
 void PackageKitTransaction::subscribe() {

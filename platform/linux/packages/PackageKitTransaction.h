@@ -40,7 +40,8 @@ private:
         std::string text;         // of the failure
     };
 
-    void setHints();
+    void create();
+    bool setHints();
     void subscribe();
     void take(const char* signal, GVariant* values);
     void end(const GError& error);

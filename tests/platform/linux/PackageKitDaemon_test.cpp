@@ -17,6 +17,7 @@
 
 #include "platform/linux/packages/PackageKit.h"
 #include "platform/linux/packages/PackageKitTransaction.h"
+#include "support/exhaustive.h"
 #include "support/linux/private_mounts.h"
 
 namespace velto {
@@ -99,6 +100,8 @@ void askTheRealService() {
 }
 
 TEST(PackageKitDaemonTest, TheRealServiceTellsOwnersAndWhatWouldGo) {
+    // Version 1.2.6 now and then never ends what it was asked: nothing for every run.
+    if (!isExhaustive()) GTEST_SKIP() << "asked for with VELTO_EXHAUSTIVE=1";
     for (const char* file : {busProgram, authority, daemonProgram, "/var/lib/apt/lists"}) {
         if (!std::filesystem::exists(file)) GTEST_SKIP() << "not here: " << file;
     }
