@@ -148,7 +148,7 @@ const Installed installedInSomeWay[] = {
     {"a program", "usr/bin/obsidian", "", ".config/obsidian"},
     {"a program of the home", "~/.local/bin/codium", "", ".config/VSCodium"},
     {"a program of the last word", "usr/bin/foo", "", ".config/org.acme.Foo"},
-    {"a folder of programs", "opt/Signal", "/", ".config/Signal"},
+    {"a folder of programs", "opt/Slack", "/", ".config/Slack"},
     {"an AppImage", "~/Applications/Obsidian-1.5.3.AppImage", "", ".config/obsidian"},
     {"a description", "usr/share/metainfo/org.acme.Foo.metainfo.xml", "", ".cache/org.acme.Foo"},
     {"a service", "dbus-1/services/org.acme.Foo.service", "", ".cache/org.acme.Foo"},
