@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -56,7 +57,10 @@ public:
                   answer(method, arguments, invocation);
               }) {}
 
-    void on(const std::string& method, Answer answer) { answers_[method] = std::move(answer); }
+    void on(const std::string& method, Answer answer) {
+        const std::lock_guard lock(mutex_);
+        answers_[method] = std::move(answer);
+    }
 
     void tell(std::uint32_t info, const char* identifier) {
         service_.emit(place, transaction, "Package",
@@ -88,8 +92,7 @@ private:
             g_dbus_method_invocation_return_value(invocation, g_variant_new("(o)", place));
             return;
         }
-        const auto found = answers_.find(method);
-        if (found != answers_.end()) found->second(*this);
+        if (const Answer given = answerTo(method)) given(*this);
         if (refuses_ && method != "SetHints") {
             g_dbus_method_invocation_return_dbus_error(
                 invocation, "org.freedesktop.PackageKit.Transaction.RefusedByPolicy",
@@ -99,10 +102,15 @@ private:
         g_dbus_method_invocation_return_value(invocation, nullptr);
     }
 
+    Answer answerTo(const std::string& method) {
+        const std::lock_guard lock(mutex_);
+        return answers_[method];
+    }
+
     mutable std::mutex mutex_;
     std::vector<std::string> calls_;
     std::map<std::string, Answer> answers_;
-    bool refuses_ = false;
+    std::atomic<bool> refuses_ = false;
     ServiceOnBus service_;  // last: it calls the above
 };
 
