@@ -8,7 +8,7 @@ endif()
 function(velto_page_test name script)
     add_test(NAME page.${name} COMMAND npm run --silent ${script}
         WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}/resources)
-    set_tests_properties(page.${name} PROPERTIES LABELS page TIMEOUT 600)
+    set_tests_properties(page.${name} PROPERTIES LABELS page TIMEOUT 1200)
 endfunction()
 velto_page_test(types check)
 velto_page_test(logic test)
