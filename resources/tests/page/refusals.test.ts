@@ -27,9 +27,15 @@ async function removeThree({ page, go }: OpenPage): Promise<string[]> {
 const refuse = (tell: OpenPage['tell'], refused: object[], rest: string[]) => tell('onRefused', { refused, rest });
 const text = async ({ page }: OpenPage) => (await page.locator('.toast').last().textContent())!.replaceAll('\u00a0', ' ');
 
+/** What fades in has its own colours only when it has. */
+const settled = (page: OpenPage['page']) =>
+  page.evaluate(() => Promise.allSettled(document.getAnimations()
+    .filter(({ effect }) => effect?.getComputedTiming().endTime !== Infinity)
+    .map(({ finished }) => finished)));
+
 describe('a selection of which something was refused', () => {
   it('says which, moves nothing by itself, and moves the rest when asked', async () => {
-    const opened = await open(browser, { saved: fullState() });
+    const opened = await open(browser, { saved: fullState(), context: { reducedMotion: 'reduce' } });
     const { page, tell, during } = opened;
     const [first, second, third] = await removeThree(opened);
     const sent = await during(async () => {
@@ -41,6 +47,7 @@ describe('a selection of which something was refused', () => {
     expect(await text(opened)).toMatch(/“Islandia.*…?.*60 fps\)\.mov” is a link, or lies behind one\./);
     expect(await text(opened)).toContain('Nothing was moved');
     expect(await text(opened)).not.toContain('ruta');
+    await settled(page);
     expect(await violations(page)).toEqual([]);
 
     const rest = page.getByRole('button', { name: 'Move the other 2' });
@@ -55,7 +62,7 @@ describe('a selection of which something was refused', () => {
   });
 
   it('in Spanish, by keyboard: F6 reaches the offer, and it stays until it is used', async () => {
-    const opened = await open(browser, { saved: inSpanish(fullState()) });
+    const opened = await open(browser, { saved: inSpanish(fullState()), context: { reducedMotion: 'reduce' } });
     const { page, tell, during } = opened;
     await page.clock.install();
     const [first, second, third] = await removeThree(opened);
@@ -75,7 +82,7 @@ describe('a selection of which something was refused', () => {
   });
 
   it('offers nothing where nothing is left, and names three at most of many', async () => {
-    const opened = await open(browser, { saved: fullState() });
+    const opened = await open(browser, { saved: fullState(), context: { reducedMotion: 'reduce' } });
     const { page, tell } = opened;
     await removeThree(opened);
     const many = Array.from({ length: 6 }, (_, index) => ({ path: `/Users/marina/${index}\0ff.mov`, reason: 'gone' }));
@@ -87,7 +94,7 @@ describe('a selection of which something was refused', () => {
   });
 
   it('an offer is gone once something else is removed, and a later message has its own words', async () => {
-    const opened = await open(browser, { saved: fullState() });
+    const opened = await open(browser, { saved: fullState(), context: { reducedMotion: 'reduce' } });
     const { page, tell } = opened;
     const [first, second] = await removeThree(opened);
     await refuse(tell, [{ path: first, reason: 'gone' }], [second!]);
