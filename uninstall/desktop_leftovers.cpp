@@ -38,7 +38,7 @@ constexpr auto namedPlaces = std::to_array<PlaceRow>({
     {data, "/applications/", ".desktop", "support"},
 });
 
-/// Looked at for the identifier alone, which their specifications name them by.
+/// Looked at for the identifier alone, by which systemd and D-Bus know them.
 constexpr auto registeredPlaces = std::to_array<PlaceRow>({
     {&HomeLayout::agentsFolder, "/", ".socket", "agents"},
     {&HomeLayout::agentsFolder, "/", ".path", "agents"},

@@ -168,8 +168,8 @@ constexpr auto table = std::to_array<KeptPlace>({
      "torbrowser org.torproject.torbrowser-launcher"},
     {config, profile, "midori", "bookmarks and passwords", "midori org.midori_browser.Midori"},
     {data, profile, "midori", "bookmarks and passwords", "midori org.midori_browser.Midori"},
-    // What the desktop and the session go by (XDG Base Directory, autostart, menu, MIME, icon theme
-    // and D-Bus specifications). What applications have put into the shared folders may go alone.
+    // What the desktop and the session go by (freedesktop.org's folders for autostart, menus, MIME,
+    // icon themes and D-Bus). What applications have put into the shared folders may go alone.
     {config, everything, "dconf|glib-2.0", "every setting of a GNOME-like desktop"},
     {data, everything, "glib-2.0", "settings' schemas of applications"},
     {config, everything, "gtk-2.0|gtk-3.0|gtk-4.0|gtkrc|gtkrc-2.0|xsettingsd",

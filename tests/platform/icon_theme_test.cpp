@@ -14,7 +14,7 @@ struct IconThemeTest : testing::Test {
     PosixFileManager files;
     std::vector<std::string> folders{disk.path("user"), disk.path("system")};
 
-    // The form of the file: Icon Theme Specification, "File Formats".
+    // As freedesktop.org describes the files of icon themes.
     void theme(const std::string& name, const std::string& inherits = "") {
         disk.text("system/" + name + "/index.theme",
                   "[Icon Theme]\nName=" + name + "\nInherits=" + inherits +
