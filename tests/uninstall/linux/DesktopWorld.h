@@ -25,7 +25,7 @@ struct DesktopWorld : UninstallWorld {
                                   home.path(".local/share/flatpak/exports/share/applications")},
                                  {entryOrigin::flatpak, disk.path("flatpak/share/applications")},
                                  {entryOrigin::system, disk.path("usr/share/applications")},
-                                 {entryOrigin::snap, disk.path("snap/applications")}};
+                                 {entryOrigin::snap, disk.path("snapd/desktop/applications")}};
         machine.platform.layout = layout;
     }
 
@@ -39,15 +39,28 @@ struct DesktopWorld : UninstallWorld {
         put(file,
             "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + command + "\n" + more);
     }
-    void userEntry(const std::string& id, const std::string& name, const std::string& command) {
-        entry(home.path(".local/share/applications/" + id + ".desktop"), name,
-              "\"" + command + "\"");
+    void userEntry(const std::string& id, const std::string& name, const std::string& command,
+                   const std::string& more = "") {
+        entry(home.path(".local/share/applications/" + id + ".desktop"), name, command, more);
     }
-    /// The application of that name; the test fails where there is none.
-    AppEntry listed(const std::string& name) {
+    void systemEntry(const std::string& id, const std::string& name, const std::string& command,
+                     const std::string& more = "") {
+        entry(disk.path("usr/share/applications/" + id + ".desktop"), name, command, more);
+    }
+    /// An entry of the user that starts the program at a path, spaces and all.
+    void userProgram(const std::string& id, const std::string& name, const std::string& path) {
+        userEntry(id, name, "\"" + path + "\"");
+    }
+    /// The application of that name; nothing where there is none.
+    std::optional<AppEntry> find(const std::string& name) {
         for (AppEntry& one : apps.listApps()) {
             if (one.name == name) return one;
         }
+        return std::nullopt;
+    }
+    /// The same; the test fails where there is none.
+    AppEntry listed(const std::string& name) {
+        if (auto found = find(name)) return *found;
         ADD_FAILURE() << name << " is not listed";
         return {};
     }

@@ -1,12 +1,11 @@
 #include "uninstall/desktop_applications.h"
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
 
-#include "../UninstallWorld.h"
+#include "DesktopWorld.h"
 #include "platform/linux/LinuxIcons.h"
 #include "support/linux/icon_worker.h"
 #include "support/made_picture.h"
@@ -17,52 +16,12 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A Linux home; the folders of the system's entries lie on a made disk.
-class DesktopTest : public testing::Test, protected UninstallWorld {
-protected:
-    DesktopTest() : UninstallWorld(buildVolume()) {
-        std::filesystem::remove_all(home.path("Library"));
-        HomeLayout layout = HomeLayout::freedesktop(
-            home.path(), [](const std::string&) { return std::nullopt; }, "");
-        layout.desktopEntries = {{entryOrigin::user, home.path(".local/share/applications")},
-                                 {entryOrigin::userFlatpak,
-                                  home.path(".local/share/flatpak/exports/share/applications")},
-                                 {entryOrigin::flatpak, disk.path("flatpak/share/applications")},
-                                 {entryOrigin::system, disk.path("usr/share/applications")},
-                                 {entryOrigin::snap, disk.path("snap/applications")}};
-        machine.platform.layout = layout;
-    }
-
-    std::string program(const std::string& path) {
-        home.text(path, "#!/bin/sh\n");
-        chmod(home.path(path).c_str(), 0755);
-        return home.path(path);
-    }
-    void entry(const std::string& file, const std::string& name, const std::string& command,
-               const std::string& more = "") {
-        put(file,
-            "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + command + "\n" + more);
-    }
-    void userEntry(const std::string& id, const std::string& name, const std::string& command,
-                   const std::string& more = "") {
-        entry(home.path(".local/share/applications/" + id + ".desktop"), name, command, more);
-    }
-    void systemEntry(const std::string& id, const std::string& name, const std::string& command,
-                     const std::string& more = "") {
-        entry(disk.path("usr/share/applications/" + id + ".desktop"), name, command, more);
-    }
-    std::optional<AppEntry> listed(const std::string& name) {
-        for (AppEntry& one : apps.listApps()) {
-            if (one.name == name) return one;
-        }
-        return std::nullopt;
-    }
-};
+class DesktopTest : public testing::Test, protected DesktopWorld {};
 
 TEST_F(DesktopTest, AnAppImageOfTheHomeCanBeRemovedAsItsFile) {
     const std::string path = program("Applications/Foobar-1.2.AppImage");
     userEntry("foobar", "Foobar", path + " %U", "X-AppImage-Version=1.2\n");
-    const auto found = listed("Foobar");
+    const auto found = find("Foobar");
     ASSERT_TRUE(found);
     EXPECT_EQ(found->path, path);
     EXPECT_EQ(found->bid, "foobar");
@@ -75,8 +34,8 @@ TEST_F(DesktopTest, AnAppImageOfTheHomeCanBeRemovedAsItsFile) {
 TEST_F(DesktopTest, AFolderNamedLikeTheProgramIsTheApplication) {
     userEntry("foobar", "Foobar", program("apps/foobar-2.0/bin/foobar"));
     userEntry("other", "Other", program("apps/other/other"));
-    EXPECT_EQ(listed("Foobar")->path, home.path("apps/foobar-2.0"));
-    EXPECT_EQ(listed("Other")->path, home.path("apps/other"));
+    EXPECT_EQ(find("Foobar")->path, home.path("apps/foobar-2.0"));
+    EXPECT_EQ(find("Other")->path, home.path("apps/other"));
 }
 
 TEST_F(DesktopTest, AFolderOfManyThingsIsNotTheApplication) {
@@ -88,10 +47,10 @@ TEST_F(DesktopTest, AFolderOfManyThingsIsNotTheApplication) {
     userEntry("tool", "Tool", inBin);
     userEntry("solo", "Solo", inHome);
     userEntry("documents", "Documents", inDocuments);
-    EXPECT_EQ(listed("Run")->path, inProjects);
-    EXPECT_EQ(listed("Tool")->path, inBin);
-    EXPECT_EQ(listed("Solo")->path, inHome);
-    EXPECT_EQ(listed("Documents")->path, inDocuments);
+    EXPECT_EQ(find("Run")->path, inProjects);
+    EXPECT_EQ(find("Tool")->path, inBin);
+    EXPECT_EQ(find("Solo")->path, inHome);
+    EXPECT_EQ(find("Documents")->path, inDocuments);
 }
 
 TEST_F(DesktopTest, AFolderThatOnlyHoldsTheProgramsNameInItsOwnIsNotTheApplication) {
@@ -103,8 +62,8 @@ TEST_F(DesktopTest, AFolderThatOnlyHoldsTheProgramsNameInItsOwnIsNotTheApplicati
     for (const char* path : kept) {
         const std::string file = program(path);
         userEntry("one", "One", file);
-        ASSERT_TRUE(listed("One")) << path;
-        EXPECT_EQ(listed("One")->path, file);
+        ASSERT_TRUE(find("One")) << path;
+        EXPECT_EQ(find("One")->path, file);
     }
     const std::pair<const char*, const char*> taken[] = {
         {"apps/foobar/foobar", "apps/foobar"},
@@ -116,8 +75,8 @@ TEST_F(DesktopTest, AFolderThatOnlyHoldsTheProgramsNameInItsOwnIsNotTheApplicati
         {"apps/abc/abc", "apps/abc"}};
     for (const auto& [path, folder] : taken) {
         userEntry("one", "One", "\"" + program(path) + "\"");
-        ASSERT_TRUE(listed("One")) << path;
-        EXPECT_EQ(listed("One")->path, home.path(folder));
+        ASSERT_TRUE(find("One")) << path;
+        EXPECT_EQ(find("One")->path, home.path(folder));
     }
 }
 
@@ -139,7 +98,7 @@ TEST_F(DesktopTest, TheProgramsOwnTimerAndServiceStay) {
 
 TEST_F(DesktopTest, WhatAPackageHasInstalledIsAnApplicationLikeOthers) {
     systemEntry("sleeper", "Sleeper", "/bin/sleep 1");
-    const auto found = listed("Sleeper");
+    const auto found = find("Sleeper");
     ASSERT_TRUE(found);
     EXPECT_FALSE(found->apple);
     EXPECT_EQ(found->path, disk.path("usr/share/applications/sleeper.desktop"));
@@ -148,8 +107,8 @@ TEST_F(DesktopTest, WhatAPackageHasInstalledIsAnApplicationLikeOthers) {
 TEST_F(DesktopTest, OnlyThePartsOfADesktopCameWithTheSystem) {
     systemEntry("org.gnome.Nautilus", "Files", "/bin/sleep 2");
     userEntry("thunar", "My Thunar", program("Applications/Thunar/thunar"));
-    EXPECT_TRUE(listed("Files")->apple);
-    EXPECT_FALSE(listed("My Thunar")->apple) << "the user's own";
+    EXPECT_TRUE(find("Files")->apple);
+    EXPECT_FALSE(find("My Thunar")->apple) << "the user's own";
 }
 
 TEST_F(DesktopTest, FlatpaksAndSnapsComeFromAStore) {
@@ -158,12 +117,12 @@ TEST_F(DesktopTest, FlatpaksAndSnapsComeFromAStore) {
           "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
     entry(disk.path("flatpak/share/applications/org.acme.All.desktop"), "All", "/bin/true",
           "X-Flatpak=org.acme.All\n");
-    entry(disk.path("snap/applications/foo_foo.desktop"), "Snapped", "/bin/true",
+    entry(disk.path("snapd/desktop/applications/foo_foo.desktop"), "Snapped", "/bin/true",
           "X-SnapInstanceName=foo\n");
-    EXPECT_TRUE(listed("Mine")->store && listed("All")->store && listed("Snapped")->store);
-    EXPECT_EQ(listed("Mine")->path, home.path(".local/share/flatpak/app/org.acme.Mine"));
-    EXPECT_EQ(listed("Mine")->bid, "org.acme.Mine");
-    EXPECT_EQ(listed("All")->path, disk.path("flatpak/share/applications/org.acme.All.desktop"));
+    EXPECT_TRUE(find("Mine")->store && find("All")->store && find("Snapped")->store);
+    EXPECT_EQ(find("Mine")->path, home.path(".local/share/flatpak/app/org.acme.Mine"));
+    EXPECT_EQ(find("Mine")->bid, "org.acme.Mine");
+    EXPECT_EQ(find("All")->path, disk.path("flatpak/share/applications/org.acme.All.desktop"));
 }
 
 TEST_F(DesktopTest, HiddenAndBrokenEntriesAreNotListed) {
@@ -209,9 +168,9 @@ TEST_F(DesktopTest, EntriesInFoldersOfFoldersAreListedByTheirStandardId) {
           "env WINEPREFIX=/home/me/.wine /bin/sh 'C:\\\\Tool.exe'");
     entry(disk.path("usr/share/applications/kde/foo.desktop"), "Foo", "/bin/sleep");
     entry(disk.path("usr/share/applications/kde-foo.desktop"), "Foo again", "/bin/sleep");
-    ASSERT_TRUE(listed("Tool"));
-    EXPECT_EQ(listed("Tool")->bid, "wine-Programs-Maker-Tool");
-    EXPECT_NE(listed("Foo").has_value(), listed("Foo again").has_value()) << "one id, one entry";
+    ASSERT_TRUE(find("Tool"));
+    EXPECT_EQ(find("Tool")->bid, "wine-Programs-Maker-Tool");
+    EXPECT_NE(find("Foo").has_value(), find("Foo again").has_value()) << "one id, one entry";
     // The user's file of that id stands before both.
     userEntry("kde-foo", "Mine", "/bin/sleep", "Hidden=true\n");
     EXPECT_THAT(listedNames(), ElementsAre("Tool"));
@@ -229,15 +188,15 @@ TEST_F(DesktopTest, OneOfTheEntriesOfAProgramOfTheHomeIsTheProgramAndTheOthersAr
     userEntry("foobar", "Foobar", path + " %U");
     userEntry("foobar-handler", "Foobar Handler", path + " %u");
     EXPECT_THAT(listedNames(), ElementsAre("Foobar", "Foobar Page"));
-    EXPECT_EQ(listed("Foobar")->path, home.path("apps/foobar"));
-    EXPECT_EQ(listed("Foobar Page")->path,
+    EXPECT_EQ(find("Foobar")->path, home.path("apps/foobar"));
+    EXPECT_EQ(find("Foobar Page")->path,
               home.path(".local/share/applications/foobar-page.desktop"));
     auto& process = machine.running.add({.executable = path});
-    EXPECT_TRUE(listed("Foobar")->running);
-    EXPECT_FALSE(listed("Foobar Page")->running);
-    EXPECT_EQ(remover.quitApp(*listed("Foobar Page")), 0);
+    EXPECT_TRUE(find("Foobar")->running);
+    EXPECT_FALSE(find("Foobar Page")->running);
+    EXPECT_EQ(remover.quitApp(*find("Foobar Page")), 0);
     EXPECT_FALSE(process.terminated);
-    EXPECT_EQ(remover.quitApp(*listed("Foobar")), 1);
+    EXPECT_EQ(remover.quitApp(*find("Foobar")), 1);
 }
 
 TEST_F(DesktopTest, SeveralEntriesOfAUsersFlatpakAreOneApplication) {
@@ -249,8 +208,8 @@ TEST_F(DesktopTest, SeveralEntriesOfAUsersFlatpakAreOneApplication) {
               "X-Flatpak=org.acme.Office\n");
     }
     EXPECT_THAT(listedNames(), ElementsAre("Office"));
-    EXPECT_EQ(listed("Office")->path, home.path(".local/share/flatpak/app/org.acme.Office"));
-    EXPECT_EQ(listed("Office")->exec, "") << "flatpak itself is not the application";
+    EXPECT_EQ(find("Office")->path, home.path(".local/share/flatpak/app/org.acme.Office"));
+    EXPECT_EQ(find("Office")->exec, "") << "flatpak itself is not the application";
 }
 
 TEST_F(DesktopTest, AnAppImageWithoutAnEntryIsListedByItsPath) {
@@ -277,112 +236,6 @@ TEST_F(DesktopTest, AnAppImageWithoutAnEntryIsListedByItsPath) {
     EXPECT_TRUE(isThere(second) && isThere(third));
 }
 
-TEST_F(DesktopTest, AProgramThatRunsIsAnApplicationThatRuns) {
-    const std::string path = program("Applications/Foobar.AppImage");
-    userEntry("foobar", "Foobar", "env LANG=C " + path);
-    machine.running.add({.executable = path});
-    const auto found = listed("Foobar");
-    ASSERT_TRUE(found);
-    EXPECT_TRUE(found->running);
-    EXPECT_EQ(found->last, machine.clock.time);
-    EXPECT_EQ(usage.launches().at("foobar"), machine.clock.time);
-}
-
-TEST_F(DesktopTest, AFlatpakOrSnapThatRunsIsSeenToRun) {
-    home.folder(".local/share/flatpak/app/org.acme.Mine");
-    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
-          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
-    entry(disk.path("snap/applications/office_writer.desktop"), "Writer", "/bin/true",
-          "X-SnapInstanceName=office\n");
-    entry(disk.path("snap/applications/office_calc.desktop"), "Calc", "/bin/true",
-          "X-SnapInstanceName=office\n");
-    EXPECT_FALSE(listed("Mine")->running || listed("Writer")->running || listed("Calc")->running);
-    machine.running.add({.executable = "/app/bin/mine", .flatpak = "org.acme.Mine"});
-    machine.running.add(
-        {.executable = "/snap/office/9/writer", .entry = "office_writer", .snap = "office"});
-    EXPECT_TRUE(listed("Mine")->running && listed("Writer")->running);
-    EXPECT_FALSE(listed("Calc")->running);
-    EXPECT_TRUE(usage.launches().contains("org.acme.Mine"));
-    EXPECT_TRUE(usage.launches().contains("office_writer"));
-}
-
-TEST_F(DesktopTest, WhatRunsInASandboxIsNotTakenForAProgramOfTheSystem) {
-    systemEntry("sleeper", "Sleeper", "/bin/sleep");
-    const std::string sleeper = std::filesystem::canonical("/bin/sleep");
-    machine.running.add({.executable = sleeper, .flatpak = "org.acme.Other"});
-    EXPECT_FALSE(listed("Sleeper")->running);
-    machine.running.add({.executable = sleeper});
-    EXPECT_TRUE(listed("Sleeper")->running);
-}
-
-TEST_F(DesktopTest, AProgramThatAnInterpreterRunsIsSeenToRunByItsScriptOrItsUnit) {
-    const std::string script = program("apps/notes/notes");
-    const std::string python = "/usr/bin/python3.12";
-    home.link("notes-link", "apps/notes/notes");
-    userEntry("notes", "Notes", script);
-    userEntry("told", "Told", "sh " + program("scripts/told.py"));
-    systemEntry("org.acme.Weather", "Weather", "sh -c weather");
-    machine.running.add({.executable = python, .script = "/usr/lib/other.py"});
-    EXPECT_FALSE(listed("Notes")->running || listed("Told")->running || listed("Weather")->running);
-    machine.running.add({.executable = python, .script = home.path("notes-link")});
-    EXPECT_TRUE(listed("Notes")->running);
-    machine.running.processes.back()->application.script = home.path("apps/notes/lib/window.py");
-    EXPECT_TRUE(listed("Notes")->running);
-    machine.running.add({.executable = python, .script = home.path("scripts/told.py")});
-    EXPECT_TRUE(listed("Told")->running);
-    machine.running.add({.executable = "/usr/bin/gjs-console", .entry = "org.acme.Weather"});
-    EXPECT_TRUE(listed("Weather")->running);
-    EXPECT_EQ(remover.quitApp(*listed("Notes")), 1);
-    EXPECT_EQ(remover.quitApp(*listed("Told")), 1);
-    EXPECT_EQ(remover.quitApp(*listed("Weather")), 1);
-    EXPECT_FALSE(machine.running.processes.front()->terminated);
-}
-
-TEST_F(DesktopTest, AFlatpakIsAskedToQuitAndNotItsSandbox) {
-    const std::string path = home.folder(".local/share/flatpak/app/org.acme.Mine");
-    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
-          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
-    const auto add = [&](const std::string& executable) -> FakeRunningApplications::Process& {
-        return machine.running.add({.executable = executable, .flatpak = "org.acme.Mine"});
-    };
-    auto& outer = add("/usr/bin/bwrap");
-    auto& proxy = add("/usr/bin/xdg-dbus-proxy");
-    auto& window = add("/app/bin/mine");
-    auto& helper = add("/app/lib/helper");
-    auto& other = machine.running.add({.executable = "/app/bin/mine", .flatpak = "org.acme.Two"});
-    // The sandbox goes when nothing is left in it.
-    machine.sleeper.onSleep = [&] { outer.terminated = proxy.terminated = true; };
-    EXPECT_EQ(remover.quitApp(*apps.readApp(path)), 4);
-    EXPECT_EQ(window.asked, 1);
-    EXPECT_EQ(helper.asked, 1);
-    EXPECT_EQ(outer.asked + proxy.asked, 0);
-    EXPECT_EQ(outer.forced + proxy.forced + window.forced + helper.forced, 0);
-    EXPECT_FALSE(other.terminated);
-}
-
-TEST_F(DesktopTest, AFlatpakThatDoesNotListenIsEndedWithItsSandboxAfterTwoSeconds) {
-    const std::string path = home.folder(".local/share/flatpak/app/org.acme.Mine");
-    entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
-          "Mine", "/bin/true run org.acme.Mine", "X-Flatpak=org.acme.Mine\n");
-    auto& outer = machine.running.add({.executable = "/usr/bin/bwrap", .flatpak = "org.acme.Mine"});
-    auto& window = machine.running.add({.executable = "/app/bin/m", .flatpak = "org.acme.Mine"});
-    window.ignoresTerminate = true;
-    const double start = machine.clock.time;
-    EXPECT_EQ(remover.quitApp(*apps.readApp(path)), 2);
-    EXPECT_GE(machine.clock.time - start, 2.0);
-    EXPECT_EQ(window.forced, 1);
-    EXPECT_EQ(outer.forced, 1);
-}
-
-TEST_F(DesktopTest, WhatOnlyMayBeTheApplicationIsNotEnded) {
-    // Programs in a folder that several applications share, and what a terminal runs.
-    entry(disk.path("usr/share/applications/top.desktop"), "Top", "/bin/sleep -e /bin/cat");
-    auto& process = machine.running.add({.executable = std::filesystem::canonical("/bin/sleep")});
-    EXPECT_TRUE(listed("Top")->running);
-    EXPECT_EQ(remover.quitApp(*listed("Top")), 0);
-    EXPECT_FALSE(process.terminated);
-}
-
 TEST_F(DesktopTest, TheUseOfListedApplicationsIsRecordedAndOfNoOthers) {
     const std::string path = program("Applications/Foobar.AppImage");
     userEntry("foobar", "Foobar", path);
@@ -401,7 +254,7 @@ TEST_F(DesktopTest, TheIconIsThatOfTheTheme) {
                                                           machine.platform.layout.desktopEntries);
     const std::string path = program("Applications/Foobar.AppImage");
     userEntry("foobar", "Foobar", path, "Icon=foobar\n");
-    EXPECT_EQ(apps.iconDataURL(listed("Foobar")->path, 32), std::nullopt);
+    EXPECT_EQ(apps.iconDataURL(find("Foobar")->path, 32), std::nullopt);
     put(home.path(".local/share/icons/hicolor/48x48/apps/foobar.png"),
         pngPicture(48, 48, {1, 2, 3}));
     EXPECT_TRUE(apps.iconDataURL(path, 32).value_or("").starts_with("data:image/png;base64,"));

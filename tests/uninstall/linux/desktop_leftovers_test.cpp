@@ -18,7 +18,7 @@ using testing::UnorderedElementsAre;
 class DesktopLeftovers : public testing::Test, protected DesktopWorld {
 protected:
     AppEntry foobar(const std::string& id = "org.acme.Foobar") {
-        userEntry(id, "Foobar", program("apps/foobar/foobar"));
+        userProgram(id, "Foobar", program("apps/foobar/foobar"));
         return listed("Foobar");
     }
 };
@@ -113,7 +113,7 @@ TEST_F(DesktopLeftovers, AFlatpakIsNotOfferedFlatpakItself) {
 TEST_F(DesktopLeftovers, ASnapLeavesItsFolder) {
     home.text("snap/foo/current/x", "x");
     home.text("snap/other/current/x", "x");
-    entry(disk.path("snap/applications/foo_bar.desktop"), "Snapped", "/bin/true",
+    entry(disk.path("snapd/desktop/applications/foo_bar.desktop"), "Snapped", "/bin/true",
           "X-SnapInstanceName=foo\n");
     EXPECT_THAT(leftoversOf(listed("Snapped")), UnorderedElementsAre("snap/foo"));
     EXPECT_THAT(leftoversOf({.bid = "foo_bar", .name = "Other", .path = home.path("x.desktop")}),
@@ -141,7 +141,7 @@ TEST_F(DesktopLeftovers, WhatIsCalledLikeAPlaceOfOthersIsOfferedNoneOfIt) {
 
 TEST_F(DesktopLeftovers, TheEntryOfAnApplicationIsItsOwnHoweverCommonItsNameIs) {
     home.text(".config/notes/diary", "x");
-    userEntry("notes", "Notes", program("apps/scribbler/scribbler"));
+    userProgram("notes", "Notes", program("apps/scribbler/scribbler"));
     const AppEntry entry = listed("Notes");
     EXPECT_THAT(leftoversOf(entry, "certain"),
                 UnorderedElementsAre(".local/share/applications/notes.desktop"));
@@ -168,7 +168,7 @@ TEST_F(DesktopLeftovers, TheSearchByNameGoesPastHiddenEntriesAndEverySharedFolde
 TEST_F(DesktopLeftovers, AnotherBrowsersProfileStaysWhateverIsAsked) {
     home.text(".config/chromium/Default/Bookmarks", "x");
     home.text(".config/google-chrome/Default/Bookmarks", "x");
-    userEntry("chromium", "Chromium", program("apps/chromium-1/chromium"));
+    userProgram("chromium", "Chromium", program("apps/chromium-1/chromium"));
     const AppEntry chromium = listed("Chromium");
     EXPECT_THAT(leftoversOf(chromium, "possible"), UnorderedElementsAre(".config/chromium"));
     const std::string other = home.path(".config/google-chrome/Default");

@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "../UninstallWorld.h"
+#include "DesktopWorld.h"
 #include "cleaning/VeltoTrashService.h"
 
 namespace velto {
@@ -19,18 +19,10 @@ using testing::UnorderedElementsAre;
 constexpr double day = 24 * 60 * 60;
 
 /// A Linux home that an application has left, beside a made system.
-class LeftBehindTest : public testing::Test, protected UninstallWorld {
+class LeftBehindTest : public testing::Test, protected DesktopWorld {
 protected:
-    LeftBehindTest() : UninstallWorld(buildVolume()) {
-        std::filesystem::remove_all(home.path("Library"));
-        HomeLayout layout = HomeLayout::freedesktop(
-            home.path(), [](const std::string&) { return std::nullopt; }, "");
-        layout.desktopEntries = {{entryOrigin::user, home.path(".local/share/applications")},
-                                 {entryOrigin::userFlatpak,
-                                  home.path(".local/share/flatpak/exports/share/applications")},
-                                 {entryOrigin::system, disk.path("usr/share/applications")},
-                                 {entryOrigin::snap, disk.path("snapd/desktop/applications")}};
-        machine.platform.layout = layout;
+    LeftBehindTest() {
+        const HomeLayout& layout = machine.platform.layout;
         places.programs = {disk.path("usr/bin"), disk.path("opt"), disk.path("snap"),
                            home.path("Applications"), home.path(".local/bin")};
         places.packages = {disk.path("dpkg/info")};

@@ -14,7 +14,7 @@ class RemovablePath : public testing::Test, protected DesktopWorld {
 protected:
     /// Below the home.
     std::string pathOf(const std::string& file, const std::string& name, const std::string& id) {
-        userEntry(id, name, program(file));
+        userProgram(id, name, program(file));
         const std::string path = listed(name).path;
         std::filesystem::remove(home.path(".local/share/applications/" + id + ".desktop"));
         return path.substr(home.path().size() + 1);
@@ -78,7 +78,7 @@ TEST_F(RemovablePath, AFolderThatMayBeMoreGoesNotAtAll) {
 TEST_F(RemovablePath, ProgramsInTheUsersOwnHiddenFoldersCanBeRemoved) {
     for (const char* file : {".cargo/bin/foobar", ".local/opt/foobar/foobar",
                              ".local/lib/foobar/foobar", ".npm-global/foobar/foobar"}) {
-        userEntry("foobar", "Foobar", program(file));
+        userProgram("foobar", "Foobar", program(file));
         home.text(".cargo/registry/x", "x");
         const AppEntry entry = listed("Foobar");
         EXPECT_EQ(removalOf(entry).stays, "") << file;
@@ -89,7 +89,7 @@ TEST_F(RemovablePath, ProgramsInTheUsersOwnHiddenFoldersCanBeRemoved) {
 }
 
 TEST_F(RemovablePath, WhatOneProgramFileLeavesAroundItIsKnown) {
-    userEntry("run", "Run", program("apps/thing/run"));
+    userProgram("run", "Run", program("apps/thing/run"));
     EXPECT_EQ(removalOf(listed("Run")), AppRemoval{}) << "nothing else is in the folder";
     home.text("apps/thing/data", "x");
     EXPECT_EQ(removalOf(listed("Run")),
@@ -97,7 +97,7 @@ TEST_F(RemovablePath, WhatOneProgramFileLeavesAroundItIsKnown) {
     for (const char* file : {"apps/thing/Run.AppImage", ".local/bin/tool", "Applications/tool",
                              ".cargo/bin/tool", "tool", "Downloads/tool"}) {
         program(".local/bin/other");
-        userEntry("run", "Run", program(file));
+        userProgram("run", "Run", program(file));
         EXPECT_EQ(removalOf(listed("Run")), AppRemoval{}) << file;
     }
 }
@@ -111,16 +111,16 @@ TEST_F(RemovablePath, WhyAnApplicationStaysIsKnownBeforehand) {
     const std::string elsewhere = disk.path("opt/foobar/foobar");
     put(elsewhere, "#!/bin/sh\n");
     chmod(elsewhere.c_str(), 0755);
-    userEntry("foobar", "Foobar", elsewhere);
+    userProgram("foobar", "Foobar", elsewhere);
     EXPECT_EQ(removalOf(listed("Foobar")).stays, "admin");
     entry(home.path(".local/share/applications/page.desktop"), "Page",
           program("apps/java") + " -jar page.jar");
     EXPECT_EQ(removalOf(listed("Page")).stays, "entry");
-    userEntry("keys", "Keys", program(".ssh/bin/keys"));
+    userProgram("keys", "Keys", program(".ssh/bin/keys"));
     EXPECT_EQ(removalOf(listed("Keys")).stays, "protected");
     const AppEntry shared{.bid = "x", .name = "X", .path = home.folder(".local/opt")};
     EXPECT_EQ(removalOf(shared).stays, "shared");
-    userEntry("own", "Own", program("apps/own/own"));
+    userProgram("own", "Own", program("apps/own/own"));
     EXPECT_EQ(removalOf(listed("Own")), AppRemoval{});
     home.folder(".local/share/flatpak/app/org.acme.Mine");
     entry(home.path(".local/share/flatpak/exports/share/applications/org.acme.Mine.desktop"),
