@@ -2,12 +2,12 @@
 import { distinct, fieldsOf, list, number, size, text, texts } from './guards.ts';
 import {
   failureReasons, leftBehindReasons, leftoverKeys, packageKeepers, packageReasons, stayReasons, uninstallStages,
-} from './records.ts';
+} from './appRecords.ts';
 import type {
   AppAnalysis, AppRemoval, FailureReason, InstalledApp, LeftBehindItem, LeftoverGroupKey, LeftoverItem, LeftoverLink,
   PackageEnd, PackagePlan, UninstallResult,
   UninstallStage,
-} from './records.ts';
+} from './appRecords.ts';
 
 /** An icon is a picture that came along; whatever else it says is never fetched. */
 export function icon(value: unknown): string {

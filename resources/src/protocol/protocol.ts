@@ -3,11 +3,15 @@
  * the page (events). docs/protocol.md shows an example of each.
  */
 import type {
-  AppAnalysis, AppRemoval, Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, InstalledApp, LanguageCode,
-  LeftBehindItem, LeftoverLink, MaintenanceStatus, PackageEnd, PackagePlan, Permissions, Refusal, RestoreBlock, RuleId, Running, SystemActivity,
-  SystemSample, TrashItem, UninstallResult, UninstallStage, WaitingItem,
+  AppAnalysis, AppRemoval, InstalledApp, LeftBehindItem, LeftoverLink, PackageEnd, PackagePlan, UninstallResult,
+  UninstallStage,
+} from './appRecords.ts';
+import type {
+  Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
+  RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
+export type * from './appRecords.ts';
 export type * from './records.ts';
 export { frequencies, ruleIds } from './records.ts';
 

@@ -1,5 +1,5 @@
 /** What could not be removed, by reason, so that what to do is said once. */
-import { failureReasons } from '../../protocol/records.ts';
+import { failureReasons } from '../../protocol/appRecords.ts';
 import type { FailureReason, UninstallResult } from '../../protocol/protocol.ts';
 
 /** What is still there; something that was gone already needs nothing more. */
