@@ -113,14 +113,15 @@ TEST_F(DupFinderBudget, ManySmallPairsAreSettledBeforeAHugeOne) {
 }
 
 TEST_F(DupFinderBudget, SeveralThreadsKeepToItToo) {
-    for (int index = 0; index < 50; ++index)
-        addPair(std::to_string(index), 3 * megabyte);
+    constexpr int pairs = 20;
+    for (int index = 0; index < pairs; ++index)
+        addPair(std::to_string(index), 2 * megabyte);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
-        if (offset >= megabyte) clock.advance(200);
+        if (offset >= megabyte) clock.advance(700);
     };
     const auto result = find(4);
     EXPECT_TRUE(result.budgetExhausted);
-    EXPECT_LT(result.groups.size(), 50u);
+    EXPECT_LT(result.groups.size(), std::size_t{pairs});
     for (const auto& group : result.groups)
         EXPECT_THAT(group.paths, SizeIs(2));
 }

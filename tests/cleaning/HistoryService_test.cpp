@@ -223,10 +223,16 @@ TEST_F(HistoryTest, NothingGetsLostWhenTwoProcessesWriteAtOnce) {
 }
 
 TEST_F(HistoryTest, NoNumberOfEntriesIsTooMany) {
-    HistoryService past = history();
-    for (int number = 0; number < 300; ++number)
-        past.record(operation(std::to_string(number)));
-    EXPECT_EQ(history().entries().size(), 300u);
+    history().record(operation("first"));
+    nlohmann::json past = nlohmann::json::parse(written());
+    nlohmann::json entry = past.at(0);
+    for (int number = 0; number < 1'000; ++number) {
+        entry["id"] = std::to_string(number);
+        past.push_back(entry);
+    }
+    write(past.dump());
+    history().record(operation("last"));
+    EXPECT_EQ(history().entries().size(), 1'002u);
 }
 
 }  // namespace
