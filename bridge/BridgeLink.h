@@ -31,6 +31,12 @@ public:
     /// while the bridge lives.
     virtual void enqueue(CleanupWork work, CleanupReport report) = 0;
 
+    /// Begins an analysis unless one runs.
+    virtual void startAnalysis() = 0;
+
+    /// The settings are others now: the state takes them over, is remembered and told.
+    virtual void showSettings() = 0;
+
     /// What the trash holds as far as the page knows; null for an unknown id.
     virtual const TrashItem* trashItem(const std::string& id) const = 0;
 };

@@ -2,11 +2,14 @@
 
 #include <fmt/format.h>
 
-#include "bridge/AppsWork.h"
+#include "bridge/AccessIntents.h"
+#include "bridge/AppIntents.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
+#include "bridge/SettingsIntents.h"
+#include "bridge/SystemIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 #include "platform/values/text.h"
@@ -32,29 +35,10 @@ JSBridge::JSBridge(const BridgeContext& context)
       shell_(context.shell),
       usage_(context.usage),
       permissions_(context.platform),
-      scheduler_(context.platform),
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
-      apps_(std::make_shared<AppsWork>(context.platform, context.usage)),
-      cleanups_(context.cleanups),
-      uninstalls_(context.uninstalls),
-      trashIntents_(std::make_shared<TrashIntents>(TrashIntents::Context{.link = *this,
-                                                                         .platform = platform_,
-                                                                         .settings = settings_,
-                                                                         .language = language_,
-                                                                         .shell = shell_,
-                                                                         .lists = lists_})),
-      packageIntents_(
-          std::make_shared<PackageIntents>(PackageIntents::Context{.link = *this,
-                                                                   .platform = platform_,
-                                                                   .language = language_,
-                                                                   .uninstalls = uninstalls_,
-                                                                   .work = apps_})),
-      quitIntents_(std::make_shared<QuitIntents>(
-          QuitIntents::Context{.link = *this, .platform = platform_, .language = language_})),
-      leftBehindIntent_(std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{
-          .link = *this, .platform = platform_, .exclusions = exclusions_})) {
-    system = makeSystemMonitor();
+      cleanups_(context.cleanups) {
+    makeIntents(context);
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {
         const double age = (platform_.clock->now() - entry->ts) / 60;
@@ -70,10 +54,32 @@ JSBridge::JSBridge(const BridgeContext& context)
     }
 }
 
+/// Each with what it needs; whatever it asks of the bridge goes through the link.
+void JSBridge::makeIntents(const BridgeContext& context) {
+    BridgeLink& link = *this;
+    BridgeState& state = *this;
+    const auto apps = std::make_shared<AppsWork>(platform_, context.usage);
+    accessIntents_ = std::make_shared<AccessIntents>(
+        AccessIntents::Context{link, state, platform_, permissions_, shell_, language_});
+    settingsIntents_ = std::make_shared<SettingsIntents>(SettingsIntents::Context{
+        link, state, platform_, settings_, language_, permissions_, exclusions_});
+    trashIntents_ = std::make_shared<TrashIntents>(
+        TrashIntents::Context{link, platform_, settings_, language_, shell_, lists_});
+    appIntents_ = std::make_shared<AppIntents>(
+        AppIntents::Context{link, state, platform_, language_, context.uninstalls, cleanups_, apps,
+                            &JSBridge::finishCleanupAnywhere});
+    packageIntents_ = std::make_shared<PackageIntents>(
+        PackageIntents::Context{link, platform_, language_, context.uninstalls, apps});
+    quitIntents_ = std::make_shared<QuitIntents>(QuitIntents::Context{link, platform_, language_});
+    leftBehindIntent_ =
+        std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{link, platform_, exclusions_});
+    systemIntents_ = std::make_shared<SystemIntents>(
+        SystemIntents::Context{link, state, platform_, *quitIntents_});
+}
+
 JSBridge::~JSBridge() {
     if (scanTask) scanTask->cancel();
     if (accessWatch) accessWatch->cancel();
-    endSystemMonitor();
 }
 
 std::shared_ptr<JSBridge> JSBridge::current() { return currentBridge().lock(); }
@@ -86,7 +92,7 @@ void JSBridge::attach(const std::shared_ptr<WebView>& view) {
         if (const auto bridge = weak.lock()) bridge->receive(name, body);
     });
     refreshTrash();
-    sendSamples();
+    systemIntents_->sendSamples();
     if (!bootState) return;
     if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
         view->addUserScript(*script);
@@ -138,6 +144,16 @@ void JSBridge::pushState() {
         log("Velto: no se pudo serializar DiskState");
     }
 }
+
+void JSBridge::showSettings() {
+    if (bootState) {
+        bootState->state.settings = settings_.record();
+        rememberState();
+    }
+    pushState();
+}
+
+void JSBridge::checkFullDiskAccess() { accessIntents_->check(); }
 
 /// For the next start; not while a reset is on its way, which the file would outlive.
 void JSBridge::rememberState() const {

@@ -14,13 +14,12 @@
 #include "analysis/ScannerService.h"
 #include "bridge/AnalysisLists.h"
 #include "bridge/BridgeLink.h"
+#include "bridge/BridgeState.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
 #include "bridge/failure_text.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
-#include "maintenance/MaintenanceScheduler.h"
-#include "monitor/SystemMonitor.h"
 #include "platform/ApplicationShell.h"
 #include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
@@ -43,11 +42,13 @@ struct BridgeContext {
     UninstallGate& uninstalls;
 };
 
-struct AppsWork;
-struct UninstallRecord;
+class AccessIntents;
+class AppIntents;
 class LeftBehindIntent;
 class PackageIntents;
 class QuitIntents;
+class SettingsIntents;
+class SystemIntents;
 class TrashIntents;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
@@ -55,14 +56,10 @@ class TrashIntents;
 ///
 /// Everything runs on the main thread. Work elsewhere holds the bridge weakly and comes back
 /// through the dispatcher. Make it with std::make_shared.
-class JSBridge : public std::enable_shared_from_this<JSBridge>, private BridgeLink {
+class JSBridge : public std::enable_shared_from_this<JSBridge>,
+                 public BridgeState,
+                 private BridgeLink {
 public:
-    /// An analysis as the page is given it.
-    struct BootState {
-        DiskState state;
-        double stamp = 0;  // seconds since 1970
-    };
-
     /// Probes access and loads the saved analysis.
     explicit JSBridge(const BridgeContext& context);
     ~JSBridge() override;
@@ -91,53 +88,20 @@ public:
     /// Tells the page about the trash if another process has changed it.
     void refreshTrash();
 
-    // State, readable by all, changed by the bridge alone.
-    std::vector<std::string> pendingIntents;   // every intent received; never trimmed, on purpose
-    std::optional<CancellationFlag> scanTask;  // the running analysis
-    bool scanRunning = false;
-    std::optional<CancellationFlag> accessWatch;  // the running watch
-    bool accessGranted = false;                   // last known
-    bool pendingAccessRescan = false;             // analyse again when the running one ends
-    std::optional<BootState> bootState;           // the current analysis; none before the first one
-    bool needsFirstScan = false;
-    bool uninstallRunning = false;      // this window's; the gate knows of others'
-    bool appsMeasuring = false;         // the sizes that follow the list
-    bool maintenanceMeasuring = false;  // what the rules would move is being measured
-
-    std::unique_ptr<SystemMonitor> system;  // live sampling
-
 private:
     friend struct IntentTable;
 
-    // Intents (intents.cpp, settings_intent.cpp, maintenance_intents.cpp, access.cpp,
-    // cleaning_intents.cpp); the others have classes of their own.
-    void onSettings(const Payload& payload);
+    // Intents (intents.cpp, cleaning_intents.cpp); the others have classes of their own.
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
     void onRevealPath(const Payload& payload);
-    void onOpenAccessSettings(const Payload& payload);
-    void onRequestAccess(const Payload& payload);
-    void onCheckAccess(const Payload& payload);
-    void onResetAccess(const Payload& payload);
     void onAddExclusion(const Payload& payload);
     void onRemoveExclusion(const Payload& payload);
     void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
-    void onAppsList(const Payload& payload);  // these two: apps_intents.cpp
-    void onAppAnalysis(const Payload& payload);
-    void onUninstall(const Payload& payload);  // uninstall_intent.cpp
-    void onMaintenanceStatus(const Payload& payload);
-    void onMeasureMaintenance(const Payload& payload);
     void onScanCleanables(const Payload& payload);
     void onMoveCloud(const Payload& payload);
-
-    void onSystemWatch(const Payload& payload);
-
-    // The system monitor (system_intents.cpp).
-    std::unique_ptr<SystemMonitor> makeSystemMonitor();
-    void sendSamples();
-    void endSystemMonitor();
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script) override;
@@ -147,17 +111,20 @@ private:
     void pushTrash();
     void finishBoot();
 
-    // Settings (settings_intent.cpp).
-    void applyMaintenance(const std::string& frequencyBefore);
-    void refreshSettings();
+    void showSettings() override;
 
     // Analysis (analysis_task.cpp).
-    void startAnalysis();
+    void startAnalysis() override;
     void finishAnalysis(const AnalysisOutput& output);
     void failAnalysis(const std::string& line);
     void endAnalysis();
     DiskState stateToShow() const;
     void rememberState() const;
+
+    void makeIntents(const BridgeContext& context);
+
+    /// In whatever bridge there is by then.
+    static void finishCleanupAnywhere(const CleanupOutcome& outcome);
 
     // Work on the trash, the history and the cloud folder (cleanup_work.cpp). `report` runs on the
     // main thread, before the page is told of the trash and the state.
@@ -171,20 +138,8 @@ private:
     bool updateState(const CleanupOutcome& outcome);
     void showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
-    // Applications (apps_intents.cpp).
-    void measureApps(const std::vector<std::string>& paths);
-
-    // Uninstalling (uninstall_intent.cpp); goes on without the bridge.
-    static void recordUninstall(const Platform& platform, CleanupQueue& cleanups,
-                                const std::weak_ptr<JSBridge>& weak, const UninstallRecord& record);
-
     // Reset (reset.cpp).
     void forgetLocalData(const std::optional<FailureText>& remains);
-
-    // Full Disk Access (access.cpp).
-    void openAccessSettings();
-    void startAccessWatch();
-    void scheduleAccessCheck(const CancellationFlag& watch, int checksLeft);
 
     void log(const std::string& line) const;
 
@@ -195,16 +150,13 @@ private:
     ApplicationShell& shell_;
     AppUsage& usage_;
     PermissionService permissions_;
-    MaintenanceScheduler scheduler_;
     ScanCache cache_;
     // Shared with the walk, which may outlive the bridge.
     struct ScannerWithAccess;
     std::shared_ptr<ScannerWithAccess> scanner_;
-    std::shared_ptr<AppsWork> apps_;
     std::weak_ptr<WebView> webView_;
 
     CleanupQueue& cleanups_;
-    UninstallGate& uninstalls_;
     AnalysisLists lists_;
     AnalysisLists::Mark analysisBegun_ = 0;
     std::vector<HistoryEntry> history_;            // what the page knows
@@ -212,10 +164,14 @@ private:
     std::vector<WaitingItem> waiting_;             // the same of what waits for a disk
     bool isWaitingForTrash_ = false;               // the page has loaded first
     int resetsAhead_ = 0;                          // asked for and not done yet
+    std::shared_ptr<AccessIntents> accessIntents_;
+    std::shared_ptr<SettingsIntents> settingsIntents_;
     std::shared_ptr<TrashIntents> trashIntents_;
+    std::shared_ptr<AppIntents> appIntents_;
     std::shared_ptr<PackageIntents> packageIntents_;
     std::shared_ptr<QuitIntents> quitIntents_;
     std::shared_ptr<LeftBehindIntent> leftBehindIntent_;
+    std::shared_ptr<SystemIntents> systemIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

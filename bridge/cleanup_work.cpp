@@ -111,6 +111,10 @@ void JSBridge::toastFailure(std::string_view titleEs, std::string_view titleEn,
     if (outcome.blocked) evaluate(events::restoreBlocked(*outcome.blocked));
 }
 
+void JSBridge::finishCleanupAnywhere(const CleanupOutcome& outcome) {
+    if (const auto bridge = current()) bridge->finishCleanup(outcome, nullptr);
+}
+
 void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& report) {
     lists_.noteGone(outcome.gone);
     lists_.noteBack(outcome.back);

@@ -2,10 +2,14 @@
 
 #include <fmt/format.h>
 
+#include "bridge/AccessIntents.h"
+#include "bridge/AppIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
+#include "bridge/SettingsIntents.h"
+#include "bridge/SystemIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 
@@ -28,6 +32,10 @@ struct IntentTable {
     static void at(JSBridge& bridge, const Payload& payload) {
         (*(bridge.*intents).*intent)(payload);
     }
+    static constexpr auto access = &JSBridge::accessIntents_;
+    static constexpr auto apps = &JSBridge::appIntents_;
+    static constexpr auto settings = &JSBridge::settingsIntents_;
+    static constexpr auto system = &JSBridge::systemIntents_;
     static constexpr auto trash = &JSBridge::trashIntents_;
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
@@ -35,13 +43,13 @@ struct IntentTable {
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
-        {"settings", own<&JSBridge::onSettings>},
+        {"settings", at<settings, &SettingsIntents::onSettings>},
         {"setTheme", own<&JSBridge::onSetTheme>},
         {"scan", own<&JSBridge::onScan>},
-        {"systemWatch", own<&JSBridge::onSystemWatch>},
-        {"appsList", own<&JSBridge::onAppsList>},
-        {"appAnalysis", own<&JSBridge::onAppAnalysis>},
-        {"uninstall", own<&JSBridge::onUninstall>},
+        {"systemWatch", at<system, &SystemIntents::onSystemWatch>},
+        {"appsList", at<apps, &AppIntents::onAppsList>},
+        {"appAnalysis", at<apps, &AppIntents::onAppAnalysis>},
+        {"uninstall", at<apps, &AppIntents::onUninstall>},
         {"revealPath", own<&JSBridge::onRevealPath>},
         {"deleteFiles", at<trash, &TrashIntents::onDeleteFiles>},
         {"undoLast", at<trash, &TrashIntents::onUndoLast>},
@@ -49,21 +57,21 @@ struct IntentTable {
         {"purgeItem", at<trash, &TrashIntents::onPurgeItem>},
         {"purgeTrash", at<trash, &TrashIntents::onPurgeTrash>},
         {"clearHistory", at<trash, &TrashIntents::onClearHistory>},
-        {"openFDASettings", own<&JSBridge::onOpenAccessSettings>},
-        {"requestAccess", own<&JSBridge::onRequestAccess>},
-        {"checkAccess", own<&JSBridge::onCheckAccess>},
-        {"resetAccess", own<&JSBridge::onResetAccess>},
+        {"openFDASettings", at<access, &AccessIntents::onOpenAccessSettings>},
+        {"requestAccess", at<access, &AccessIntents::onRequestAccess>},
+        {"checkAccess", at<access, &AccessIntents::onCheckAccess>},
+        {"resetAccess", at<access, &AccessIntents::onResetAccess>},
         {"addExclusion", own<&JSBridge::onAddExclusion>},
         {"scanCleanables", own<&JSBridge::onScanCleanables>},
         {"cleanPaths", at<trash, &TrashIntents::onCleanPaths>},
         {"moveCloud", own<&JSBridge::onMoveCloud>},
         {"resetVelto", own<&JSBridge::onResetVelto>},
         {"goView", own<&JSBridge::onGoView>},
-        {"setAutoMaintenance", own<&JSBridge::onSettings>},
+        {"setAutoMaintenance", at<settings, &SettingsIntents::onSettings>},
         {"exclusions", own<&JSBridge::onExclusions>},
         {"removeExclusion", own<&JSBridge::onRemoveExclusion>},
-        {"maintenanceStatus", own<&JSBridge::onMaintenanceStatus>},
-        {"measureMaintenance", own<&JSBridge::onMeasureMaintenance>},
+        {"maintenanceStatus", at<settings, &SettingsIntents::onMaintenanceStatus>},
+        {"measureMaintenance", at<settings, &SettingsIntents::onMeasureMaintenance>},
         {"restoreItemTo", at<trash, &TrashIntents::onRestoreItemTo>},
         {"appPackage", at<packages, &PackageIntents::onAppPackage>},
         {"removePackage", at<packages, &PackageIntents::onRemovePackage>},

@@ -8,6 +8,7 @@
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
 #include "cleaning/own_folder.h"
+#include "maintenance/MaintenanceScheduler.h"
 #include "platform/values/text.h"
 
 namespace velto {

@@ -1,4 +1,5 @@
 #include "bridge/BridgeFixture.h"
+#include "maintenance/MaintenanceScheduler.h"
 
 namespace velto {
 namespace {

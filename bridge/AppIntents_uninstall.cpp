@@ -5,9 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "bridge/AppsWork.h"
+#include "bridge/AppIntents.h"
 #include "bridge/CleanupOutcome.h"
-#include "bridge/JSBridge.h"
 #include "bridge/app_events.h"
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
@@ -16,6 +15,7 @@
 #include "uninstall/removal_rules.h"
 
 namespace velto {
+namespace {
 
 /// What an uninstall has taken away.
 struct UninstallRecord {
@@ -23,8 +23,6 @@ struct UninstallRecord {
     bool hasChanged = false;        // at one of them something was when the removal began
     Operation operation;            // as the history shows it; no items, no entry
 };
-
-namespace {
 
 struct Request {
     std::string path;                // of the application
@@ -158,23 +156,42 @@ Outcome uninstall(const Platform& platform, AppsWork& work, const Request& reque
     return outcome;
 }
 
+/// The history gets its entry whether the window is open or not: what was deleted for good is
+/// written down. No view goes on offering what is gone, nor does one of a window opened meanwhile.
+void recordUninstall(const Platform& platform, CleanupQueue& cleanups,
+                     const std::function<void(const CleanupOutcome&)>& tell,
+                     const UninstallRecord& record) {
+    if (record.operation.items.empty() && record.gone.empty()) return;
+    cleanups.run([&platform, tell, record](CleanupServices& services) {
+        const auto outcome =
+            carryOut(platform, services, [&](CleanupServices& theirs, CleanupOutcome& cleanup) {
+                if (!record.operation.items.empty()) theirs.history.record(record.operation);
+                cleanup.hasActed = record.hasChanged;
+                cleanup.gone = record.gone;
+            });
+        platform.dispatcher->main([tell, outcome] { tell(*outcome); });
+    });
+}
+
 }  // namespace
 
-void JSBridge::onUninstall(const Payload& payload) {
+void AppIntents::onUninstall(const Payload& payload) {
     const auto path = payload::pathMember(payload, "path");
     const auto paths = payload::pathListMember(payload, "paths");
     if (!path || !paths) return;
-    const auto pass = uninstallRunning ? nullptr : uninstalls_.enter();
+    const auto pass = context_.state.uninstallRunning ? nullptr : context_.uninstalls.enter();
     if (!pass) {
-        toast("Ya hay una desinstalación en marcha", "An uninstall is already running",
-              language_.text("Espera a que termine.", "Wait for it to finish."));
+        context_.link.toast(
+            "Ya hay una desinstalación en marcha", "An uninstall is already running",
+            context_.language.text("Espera a que termine.", "Wait for it to finish."));
         return;
     }
-    uninstallRunning = true;
+    context_.state.uninstallRunning = true;
     const nlohmann::json* const sizes = payload::member(payload, "sizes");
     const Request request{*path, *paths, sizes == nullptr ? nlohmann::json() : *sizes};
-    const Platform& platform = platform_;
-    platform.dispatcher->change([&platform, work = apps_, request, pass, cleanups = cleanups_,
+    const Platform& platform = context_.platform;
+    platform.dispatcher->change([&platform, work = context_.work, request, pass,
+                                 cleanups = context_.cleanups, tell = context_.tell,
                                  weak = weak_from_this()]() mutable {
         if (weak.expired()) return;
         Dispatcher& dispatcher = *platform.dispatcher;
@@ -182,38 +199,19 @@ void JSBridge::onUninstall(const Payload& payload) {
                                   const std::optional<AppRemover::Item>& item, double percent) {
             const auto detail = item ? std::optional<std::string>(item->name) : std::nullopt;
             dispatcher.main([weak, script = events::uninstallProgress(stage, percent, detail)] {
-                if (const auto bridge = weak.lock()) bridge->evaluate(script);
+                if (const auto self = weak.lock()) self->context_.link.evaluate(script);
             });
         };
         const Outcome outcome = uninstall(platform, *work, request, progress);
         // Before the page knows of the end, which is when it may ask for the next one.
         pass->end();
         dispatcher.main([weak, script = events::uninstallResult(toJson(outcome.result))] {
-            const auto bridge = weak.lock();
-            if (!bridge) return;
-            bridge->evaluate(script);
-            bridge->uninstallRunning = false;
+            const auto self = weak.lock();
+            if (!self) return;
+            self->context_.link.evaluate(script);
+            self->context_.state.uninstallRunning = false;
         });
-        recordUninstall(platform, cleanups, weak, outcome.record);
-    });
-}
-
-/// The history gets its entry whether the window is open or not: what was deleted for good is
-/// written down. No view goes on offering what is gone, nor does one of a window opened meanwhile.
-void JSBridge::recordUninstall(const Platform& platform, CleanupQueue& cleanups,
-                               const std::weak_ptr<JSBridge>& weak, const UninstallRecord& record) {
-    if (record.operation.items.empty() && record.gone.empty()) return;
-    cleanups.run([&platform, weak, record](CleanupServices& services) {
-        const auto outcome =
-            carryOut(platform, services, [&](CleanupServices& theirs, CleanupOutcome& cleanup) {
-                if (!record.operation.items.empty()) theirs.history.record(record.operation);
-                cleanup.hasActed = record.hasChanged;
-                cleanup.gone = record.gone;
-            });
-        platform.dispatcher->main([weak, outcome] {
-            const auto own = weak.lock();
-            if (const auto bridge = own ? own : current()) bridge->finishCleanup(*outcome, nullptr);
-        });
+        recordUninstall(platform, cleanups, tell, outcome.record);
     });
 }
 
