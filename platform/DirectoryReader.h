@@ -10,8 +10,8 @@ namespace velto {
 
 enum class EntryKind : std::uint8_t { regular, folder, symbolicLink, other, unreadable };
 
-/// One entry of a folder. Sizes and times are read for regular files only; the logical size of any
-/// other entry when the options ask for it.
+/// One entry of a folder. Sizes, times, inode and links are read for regular files only; of any
+/// other entry what the options ask for.
 struct DirectoryEntry {
     std::string_view name;  // bytes as stored; points into the list that holds the entry
     EntryKind kind = EntryKind::other;
@@ -20,6 +20,8 @@ struct DirectoryEntry {
     std::int64_t logicalSize = 0;     // bytes
     double accessed = 0;              // seconds since 1970, 0 when the system does not say
     double modified = 0;              // seconds since 1970, 0 when the system does not say
+    std::uint64_t inode = 0;          // on its volume, 0 when the system does not say
+    std::uint32_t links = 1;          // names that the file has, here and elsewhere
 };
 
 /// The entries of one folder; reused from folder to folder so that reading allocates nothing once
@@ -52,6 +54,17 @@ struct ReadOptions {
     /// The logical size of folders, links and special files too: what they take up themselves, not
     /// what is in them or where they lead. 0 when it cannot be read.
     bool sizeEveryEntry = false;
+    /// What links and special files take up on disk, with their modification, inode and names.
+    bool allocatedOfEveryFile = false;
+};
+
+/// What the system says of a folder itself.
+struct FolderStatus {
+    std::uint64_t device = 0;        // the volume
+    std::uint64_t mount = 0;         // the mount through which it is seen, 0 when unknown
+    std::uint64_t inode = 0;         // on its volume
+    std::int64_t allocatedSize = 0;  // bytes on disk of its own listing
+    double modified = 0;             // seconds since 1970
 };
 
 /// Reads folders. One instance serves many threads at once; it has no state of its own.
@@ -71,6 +84,11 @@ public:
     /// cannot be read has the kind `unreadable`. False with `errno` set when the listing itself
     /// failed; what was read before stays in the list.
     virtual bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) = 0;
+
+    /// What an open folder is, or with a name the folder of that name in it, which is neither
+    /// opened nor waited for: a dead volume that is mounted there holds nobody up. False with
+    /// `errno` set when it cannot be told.
+    virtual bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) = 0;
 };
 
 }  // namespace velto

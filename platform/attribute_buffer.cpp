@@ -110,7 +110,9 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
     const double modified = common(commonModificationTime) ? fields.nextTime() : 0;
     const double accessed = common(commonAccessTime) ? fields.nextTime() : 0;
     const auto flags = common(commonFlags) ? fields.next<std::uint32_t>() : 0;
+    const auto inode = common(commonFileIdentifier) ? fields.next<std::uint64_t>() : 0;
     const auto folder = (returned.folder & folderDataLength) != 0 ? fields.next<std::int64_t>() : 0;
+    const auto links = file(fileLinkCount) ? fields.next<std::uint32_t>() : 1;
     const auto allocated = file(fileAllocatedSize) ? fields.next<std::int64_t>() : -1;
     const auto logical = file(fileDataLength) ? fields.next<std::int64_t>() : 0;
     if (!fields.complete() || entry.name.empty()) return std::nullopt;
@@ -123,10 +125,12 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
     if (entry.kind == EntryKind::unreadable) return record;
     entry.logicalSize =
         std::max<std::int64_t>(entry.kind == EntryKind::folder ? folder : logical, 0);
-    if (entry.kind == EntryKind::regular) {
+    if (entry.kind != EntryKind::folder) {
         entry.allocatedSize = std::max<std::int64_t>(allocated, -1);
         entry.modified = modified;
         entry.accessed = accessed;
+        entry.inode = inode;
+        entry.links = std::max<std::uint32_t>(links, 1);
     }
     return record;
 }
@@ -142,6 +146,12 @@ bool appendRecords(std::span<const std::byte> bytes, std::size_t count, const Re
         const std::string_view stored = added.name;
         added = record->entry;
         added.name = stored;
+        if (added.kind == EntryKind::regular || options.allocatedOfEveryFile) continue;
+        added.allocatedSize = -1;
+        added.modified = 0;
+        added.accessed = 0;
+        added.inode = 0;
+        added.links = 1;
     }
     return true;
 }

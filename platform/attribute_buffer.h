@@ -18,9 +18,11 @@ inline constexpr std::uint32_t commonObjectType = 0x00000008;
 inline constexpr std::uint32_t commonModificationTime = 0x00000400;
 inline constexpr std::uint32_t commonAccessTime = 0x00001000;
 inline constexpr std::uint32_t commonFlags = 0x00040000;
+inline constexpr std::uint32_t commonFileIdentifier = 0x02000000;
 inline constexpr std::uint32_t commonError = 0x20000000;
 inline constexpr std::uint32_t commonReturned = 0x80000000;
 inline constexpr std::uint32_t folderDataLength = 0x00000020;
+inline constexpr std::uint32_t fileLinkCount = 0x00000001;
 inline constexpr std::uint32_t fileAllocatedSize = 0x00000004;
 inline constexpr std::uint32_t fileDataLength = 0x00000200;
 
@@ -30,11 +32,11 @@ inline constexpr std::uint32_t typeSymbolicLink = 5;
 inline constexpr std::uint32_t flagHidden = 0x00008000;
 
 /// What is asked for of every entry.
-inline constexpr std::uint32_t requestedCommon = commonReturned | commonError | commonName |
-                                                 commonObjectType | commonModificationTime |
-                                                 commonAccessTime | commonFlags;
+inline constexpr std::uint32_t requestedCommon =
+    commonReturned | commonError | commonName | commonObjectType | commonModificationTime |
+    commonAccessTime | commonFlags | commonFileIdentifier;
 /// And of files besides; of folders only when their own size is wanted.
-inline constexpr std::uint32_t requestedFile = fileAllocatedSize | fileDataLength;
+inline constexpr std::uint32_t requestedFile = fileLinkCount | fileAllocatedSize | fileDataLength;
 inline constexpr std::uint32_t requestedFolder = folderDataLength;
 
 struct Record {

@@ -76,10 +76,13 @@ void describe(int folder, const LinuxDirent& record, const ReadOptions& options,
     const bool kindIsKnown = record.type != DT_REG && record.type != DT_UNKNOWN;
     if (kindIsKnown) {
         entry.kind = kindOfType(record.type);
-        if (!options.sizeEveryEntry) return;
+        const bool isWanted = options.sizeEveryEntry ||
+                              (options.allocatedOfEveryFile && entry.kind != EntryKind::folder);
+        if (!isWanted) return;
     }
     struct statx status;
-    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME;
+    constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME |
+                                STATX_INO | STATX_NLINK;
     constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
     if (::statx(folder, record.name, flags, wanted, &status) != 0) {
         // A folder is still a folder, to be opened or not.
@@ -90,13 +93,37 @@ void describe(int folder, const LinuxDirent& record, const ReadOptions& options,
     if (entry.kind == EntryKind::regular || options.sizeEveryEntry) {
         entry.logicalSize = static_cast<std::int64_t>(status.stx_size);
     }
-    if (entry.kind != EntryKind::regular) return;
+    const bool isFile = entry.kind == EntryKind::regular ||
+                        (options.allocatedOfEveryFile && entry.kind != EntryKind::folder);
+    if (!isFile) return;
     if ((status.stx_mask & STATX_BLOCKS) != 0) {
         entry.allocatedSize = static_cast<std::int64_t>(status.stx_blocks) * statxBlock;
     }
     if ((status.stx_mask & STATX_ATIME) != 0) entry.accessed = seconds(status.stx_atime);
     if ((status.stx_mask & STATX_MTIME) != 0) entry.modified = seconds(status.stx_mtime);
+    if ((status.stx_mask & STATX_INO) != 0) entry.inode = status.stx_ino;
+    if ((status.stx_mask & STATX_NLINK) != 0) entry.links = status.stx_nlink;
 }
+
+/// A null-terminated copy of a name, which in an entry list is none; file names have at most 255
+/// bytes.
+class TerminatedName {
+public:
+    /// False with `errno` set for what can be no name.
+    bool set(std::string_view name) {
+        if (name.size() >= text_.size() || name.find('/') != std::string_view::npos) {
+            errno = name.size() >= text_.size() ? ENAMETOOLONG : EINVAL;
+            return false;
+        }
+        name.copy(text_.data(), name.size());
+        text_[name.size()] = '\0';
+        return true;
+    }
+    const char* text() const { return text_.data(); }
+
+private:
+    std::array<char, 256> text_;
+};
 
 }  // namespace
 
@@ -106,16 +133,10 @@ std::shared_ptr<OpenFolder> LinuxDirectoryReader::open(const std::string& path) 
 
 std::shared_ptr<OpenFolder> LinuxDirectoryReader::openChild(OpenFolder& parent,
                                                             std::string_view name) {
-    // A name in an entry list is not null-terminated; file names have at most 255 bytes.
-    std::array<char, 256> terminated;
-    if (name.size() >= terminated.size() || name.find('/') != std::string_view::npos) {
-        errno = name.size() >= terminated.size() ? ENAMETOOLONG : EINVAL;
-        return nullptr;
-    }
-    std::memcpy(terminated.data(), name.data(), name.size());
-    terminated[name.size()] = '\0';
+    TerminatedName terminated;
+    if (!terminated.set(name)) return nullptr;
     const int folder = static_cast<LinuxFolder&>(parent).descriptor.number();
-    return openAt(folder, terminated.data(), O_NOFOLLOW);
+    return openAt(folder, terminated.text(), O_NOFOLLOW);
 }
 
 bool LinuxDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
@@ -142,6 +163,28 @@ bool LinuxDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
             describe(number, record, options, entry);
         }
     }
+}
+
+bool LinuxDirectoryReader::status(OpenFolder& folder, std::string_view name, FolderStatus& status) {
+    TerminatedName terminated;
+    if (!terminated.set(name)) return false;
+    struct statx found;
+    constexpr unsigned wanted = STATX_TYPE | STATX_BLOCKS | STATX_MTIME | STATX_INO | STATX_MNT_ID;
+    const int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC |
+                      (name.empty() ? AT_EMPTY_PATH : 0);
+    const int number = static_cast<LinuxFolder&>(folder).descriptor.number();
+    if (::statx(number, terminated.text(), flags, wanted, &found) != 0) return false;
+    if (!S_ISDIR(found.stx_mode)) {
+        errno = ENOTDIR;
+        return false;
+    }
+    status.device = std::uint64_t{found.stx_dev_major} << 32 | found.stx_dev_minor;
+    // Kernels before 5.8 do not tell mounts apart.
+    status.mount = (found.stx_mask & STATX_MNT_ID) != 0 ? found.stx_mnt_id : 0;
+    status.inode = found.stx_ino;
+    status.allocatedSize = static_cast<std::int64_t>(found.stx_blocks) * statxBlock;
+    status.modified = seconds(found.stx_mtime);
+    return true;
 }
 
 }  // namespace velto

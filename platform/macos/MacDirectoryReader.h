@@ -11,6 +11,7 @@ public:
     std::shared_ptr<OpenFolder> open(const std::string& path) override;
     std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override;
     bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override;
+    bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) override;
 };
 
 }  // namespace velto

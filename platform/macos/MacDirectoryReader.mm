@@ -13,6 +13,7 @@
 
 #include "platform/attribute_buffer.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/same_state.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
@@ -23,9 +24,11 @@ static_assert(attributes::commonObjectType == ATTR_CMN_OBJTYPE);
 static_assert(attributes::commonModificationTime == ATTR_CMN_MODTIME);
 static_assert(attributes::commonAccessTime == ATTR_CMN_ACCTIME);
 static_assert(attributes::commonFlags == ATTR_CMN_FLAGS);
+static_assert(attributes::commonFileIdentifier == ATTR_CMN_FILEID);
 static_assert(attributes::commonError == ATTR_CMN_ERROR);
 static_assert(attributes::commonReturned == ATTR_CMN_RETURNED_ATTRS);
 static_assert(attributes::folderDataLength == ATTR_DIR_DATALENGTH);
+static_assert(attributes::fileLinkCount == ATTR_FILE_LINKCOUNT);
 static_assert(attributes::fileAllocatedSize == ATTR_FILE_ALLOCSIZE);  // of all forks
 static_assert(attributes::fileDataLength == ATTR_FILE_DATALENGTH);
 static_assert(attributes::typeRegular == VREG);
@@ -36,6 +39,7 @@ static_assert(sizeof(attribute_set_t) == 5 * sizeof(std::uint32_t));
 static_assert(sizeof(attrreference_t) == 2 * sizeof(std::uint32_t));
 static_assert(sizeof(timespec) == 2 * sizeof(std::int64_t));
 
+constexpr std::int64_t blockSize = 512;         // st_blocks counts units of 512 bytes (stat(2))
 constexpr std::size_t bufferSize = 256 * 1024;  // some 2,000 entries a call
 
 struct MacFolder final : OpenFolder {
@@ -109,6 +113,28 @@ bool MacDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, En
             return false;
         }
     }
+}
+
+/// There is one mount for each volume, so that the device tells both.
+bool MacDirectoryReader::status(OpenFolder& folder, std::string_view name, FolderStatus& status) {
+    struct stat found {};
+    const int number = descriptorOf(folder);
+    const int result =
+        name.empty() ? fstat(number, &found)
+                     : fstatat(number, std::string(name).c_str(), &found, AT_SYMLINK_NOFOLLOW);
+    if (result != 0) return false;
+    if (!S_ISDIR(found.st_mode)) {
+        errno = ENOTDIR;
+        return false;
+    }
+    status.device = static_cast<std::uint64_t>(found.st_dev);
+    status.mount = 0;
+    status.inode = found.st_ino;
+    status.allocatedSize = static_cast<std::int64_t>(found.st_blocks) * blockSize;
+    const timespec modified = modifiedTime(found);
+    status.modified =
+        static_cast<double>(modified.tv_sec) + static_cast<double>(modified.tv_nsec) / 1e9;
+    return true;
 }
 
 }  // namespace velto

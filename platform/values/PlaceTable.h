@@ -12,8 +12,9 @@ namespace velto {
 /// What a walk is told about one path. A folder that has no place, and so nothing below it has one,
 /// costs the walk no comparison of names.
 struct Place {
-    bool leftOut = false;    // not handed out, and with everything below it not entered
-    std::uint32_t role = 0;  // the visitor's own, 0 for none
+    bool leftOut = false;      // not handed out, and with everything below it not entered
+    std::uint32_t reason = 0;  // why it is left out: the visitor's own
+    std::uint32_t role = 0;    // the visitor's own, 0 for none
     std::vector<std::string> keepFlagged;  // names directly inside that are walked although flagged
 
     /// The place of the entry `name` inside this one; null when neither it nor anything below it
@@ -34,8 +35,12 @@ public:
     /// nothing (it is kept, and no walk meets it).
     Place& at(std::string_view path);
 
-    /// Leaves out `path` and everything below it.
-    void leaveOut(std::string_view path) { at(path).leftOut = true; }
+    /// Leaves out `path` and everything below it. Of several reasons for one path the last counts.
+    void leaveOut(std::string_view path, std::uint32_t reason = 0) {
+        Place& place = at(path);
+        place.leftOut = true;
+        place.reason = reason;
+    }
 
     /// Walks the folder at `path` although its file system flags it hidden.
     void keepFlagged(std::string_view path);

@@ -36,6 +36,41 @@ public:
         static_cast<void>(folder);
         static_cast<void>(entry);
     }
+
+    /// An entry was found that could not be read.
+    virtual void unreadable(const WalkedFolder& folder, const DirectoryEntry& entry) {
+        static_cast<void>(folder);
+        static_cast<void>(entry);
+    }
+
+    /// An entry was found that the walk's table leaves out.
+    virtual void leftOut(const WalkedFolder& folder, const DirectoryEntry& entry,
+                         const Place& place) {
+        static_cast<void>(folder);
+        static_cast<void>(entry);
+        static_cast<void>(place);
+    }
+
+    // What follows concerns a folder's turn. A worker ends it before it begins the next one.
+
+    /// The turn of a folder that was entered begins: it has not been opened yet (a root has). Only
+    /// when the options ask for the status. False leaves it out with everything below, and ends its
+    /// turn.
+    virtual bool begin(const WalkedFolder& folder, const FolderStatus& status) {
+        static_cast<void>(folder);
+        static_cast<void>(status);
+        return true;
+    }
+
+    /// The folder could not be opened: its turn ends. Not called for roots.
+    virtual void unopened(const WalkedFolder& folder) { static_cast<void>(folder); }
+
+    /// All that could be listed of the folder has been met: its turn ends. `isComplete` is false
+    /// when the listing broke off. Not called once the walk is cancelled.
+    virtual void end(const WalkedFolder& folder, bool isComplete) {
+        static_cast<void>(folder);
+        static_cast<void>(isComplete);
+    }
 };
 
 struct WalkRoot {
@@ -49,6 +84,8 @@ struct WalkRoot {
 struct WalkOptions {
     bool skipHidden = false;             // names that begin with a full stop, flagged entries
     bool sizeEveryEntry = false;         // logical sizes of folders, links and special files too
+    bool allocatedOfEveryFile = false;   // what links and special files take up on disk too
+    bool folderStatus = false;           // what each folder is; one call more for each
     const PlaceTable* places = nullptr;  // outlives the walk
     /// Folders kept open for the folders that wait in them; besides these, each worker and each
     /// root begun hold at most two.

@@ -20,27 +20,40 @@ void WalkWorker::walk(const WalkQueue::Item& item) {
     if (setting_.cancelled.isCancelled()) return setting_.queue.stop();
     if (isRoot && !visitor_.enter(folder)) return;
 
-    std::shared_ptr<OpenFolder> handle = open(item);
-    if (!handle) {
-        if (isRoot) {
-            setting_.rootErrors[folder.root()] = errno;
-        } else {
-            ++unreadable_;
-        }
-        return;
+    std::shared_ptr<OpenFolder> handle;
+    switch (open(item, handle)) {
+        case Opening::done:
+            break;
+        case Opening::declined:
+            return;
+        case Opening::failed:
+            if (isRoot) {
+                setting_.rootErrors[folder.root()] = errno;
+            } else {
+                ++unreadable_;
+                visitor_.unopened(folder);
+            }
+            return;
     }
-    ReadOptions options;
-    options.skipHidden = setting_.options.skipHidden;
-    options.sizeEveryEntry = setting_.options.sizeEveryEntry;
-    if (folder.place() != nullptr) options.keepFlagged = &folder.place()->keepFlagged;
     entries_.clear();
-    if (!setting_.reader.read(*handle, options, entries_)) ++unreadable_;
+    const bool isComplete = setting_.reader.read(*handle, readOptions(folder), entries_);
+    if (!isComplete) ++unreadable_;
 
     children_.clear();
     for (const DirectoryEntry& entry : entries_.entries()) {
         if (!meet(item.folder, entry)) return setting_.queue.stop();
     }
+    visitor_.end(folder, isComplete);
     setting_.queue.add(folder, std::move(handle), children_);
+}
+
+ReadOptions WalkWorker::readOptions(const WalkedFolder& folder) const {
+    ReadOptions options;
+    options.skipHidden = setting_.options.skipHidden;
+    options.sizeEveryEntry = setting_.options.sizeEveryEntry;
+    options.allocatedOfEveryFile = setting_.options.allocatedOfEveryFile;
+    if (folder.place() != nullptr) options.keepFlagged = &folder.place()->keepFlagged;
+    return options;
 }
 
 /// False when the walk has been cancelled.
@@ -48,7 +61,10 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
     if (setting_.cancelled.isCancelled()) return false;
     const Place* place = folder->place();
     if (place != nullptr) place = place->child(entry.name);
-    if (place != nullptr && place->leftOut) return true;
+    if (place != nullptr && place->leftOut) {
+        visitor_.leftOut(*folder, entry, *place);
+        return true;
+    }
 
     switch (entry.kind) {
         case EntryKind::regular:
@@ -57,11 +73,13 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
         case EntryKind::folder: {
             visitor_.other(*folder, entry);
             FolderReference child = FolderReference::inside(folder, entry.name, place);
+            child->isHidden = folder->hides(entry);
             if (visitor_.enter(*child)) children_.push_back(std::move(child));
             break;
         }
         case EntryKind::unreadable:
             ++unreadable_;
+            visitor_.unreadable(*folder, entry);
             break;
         case EntryKind::symbolicLink:
         case EntryKind::other:
@@ -71,12 +89,29 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
     return true;
 }
 
-/// Null with `errno` set on failure.
-std::shared_ptr<OpenFolder> WalkWorker::open(const WalkQueue::Item& item) {
+/// On failure `errno` is set.
+WalkWorker::Opening WalkWorker::open(const WalkQueue::Item& item,
+                                     std::shared_ptr<OpenFolder>& handle) {
     const WalkedFolder& folder = *item.folder;
-    if (folder.parent() == nullptr) return openRoot(setting_.roots[folder.root()]);
+    if (folder.parent() == nullptr) {
+        handle = openRoot(setting_.roots[folder.root()]);
+        return handle ? begin(folder, *handle, {}) : Opening::failed;
+    }
     const std::shared_ptr<OpenFolder> parent = item.parent ? item.parent : openAnew(folder);
-    return parent ? setting_.reader.openChild(*parent, folder.name()) : nullptr;
+    if (!parent) return Opening::failed;
+    // Before it is opened: what is mounted there may be dead, and is not the walk's to enter.
+    const Opening begun = begin(folder, *parent, folder.name());
+    if (begun != Opening::done) return begun;
+    handle = setting_.reader.openChild(*parent, folder.name());
+    return handle ? Opening::done : Opening::failed;
+}
+
+WalkWorker::Opening WalkWorker::begin(const WalkedFolder& folder, OpenFolder& handle,
+                                      std::string_view name) {
+    if (!setting_.options.folderStatus) return Opening::done;
+    FolderStatus status;
+    if (!setting_.reader.status(handle, name, status)) return Opening::failed;
+    return visitor_.begin(folder, status) ? Opening::done : Opening::declined;
 }
 
 std::shared_ptr<OpenFolder> WalkWorker::openRoot(const WalkRoot& root) {

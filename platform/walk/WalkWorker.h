@@ -33,7 +33,11 @@ public:
 private:
     void walk(const WalkQueue::Item& item);
     bool meet(const FolderReference& folder, const DirectoryEntry& entry);
-    std::shared_ptr<OpenFolder> open(const WalkQueue::Item& item);
+    ReadOptions readOptions(const WalkedFolder& folder) const;
+
+    enum class Opening { done, declined, failed };
+    Opening open(const WalkQueue::Item& item, std::shared_ptr<OpenFolder>& handle);
+    Opening begin(const WalkedFolder& folder, OpenFolder& handle, std::string_view name);
     std::shared_ptr<OpenFolder> openRoot(const WalkRoot& root);
     std::shared_ptr<OpenFolder> openAnew(const WalkedFolder& folder);
 

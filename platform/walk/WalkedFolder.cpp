@@ -1,5 +1,6 @@
 #include "platform/walk/WalkedFolder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace velto {
@@ -48,6 +49,13 @@ WalkedFolder::WalkedFolder(FolderReference parent, std::string name, const Place
     if (!parent_) return;
     mark = parent_->mark;
     root_ = parent_->root_;
+}
+
+bool WalkedFolder::hides(const DirectoryEntry& entry) const {
+    if (entry.name.starts_with('.')) return true;
+    if (!entry.hiddenFlag) return false;
+    return place_ == nullptr ||
+           std::ranges::find(place_->keepFlagged, entry.name) == place_->keepFlagged.end();
 }
 
 std::string WalkedFolder::path() const { return joined(nullptr, {}); }

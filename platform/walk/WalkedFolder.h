@@ -68,8 +68,18 @@ public:
     /// shorter.
     std::string pathEnd(std::size_t length) const;
 
+    /// True for an entry of this folder that is hidden: its name begins with a full stop, or its
+    /// file system flags it and the walk's table does not keep it.
+    bool hides(const DirectoryEntry& entry) const;
+
     /// What the visitor noted about the folder; a new folder has the mark of the one above it.
     std::uint32_t mark = 0;
+
+    /// A number that the visitor gives it; its own affair.
+    std::uint32_t number = 0;
+
+    /// As `hides` of the folder above says; never true for a root.
+    bool isHidden = false;
 
 private:
     friend class FolderReference;

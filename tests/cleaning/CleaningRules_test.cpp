@@ -19,6 +19,7 @@ public:
         throw std::runtime_error("no memory");
     }
     bool read(OpenFolder&, const ReadOptions&, EntryList&) override { return false; }
+    bool status(OpenFolder&, std::string_view, FolderStatus&) override { return false; }
 };
 
 TEST_F(CleaningRulesTest, TheTableHasItsFourRulesInOrder) {

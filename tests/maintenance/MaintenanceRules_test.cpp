@@ -154,6 +154,9 @@ public:
     bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override {
         return reader_->read(folder, options, entries);
     }
+    bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) override {
+        return reader_->status(folder, name, status);
+    }
 
 private:
     std::unique_ptr<DirectoryReader> reader_;

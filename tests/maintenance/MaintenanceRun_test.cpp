@@ -25,6 +25,7 @@ public:
         throw std::runtime_error("no memory");
     }
     bool read(OpenFolder&, const ReadOptions&, EntryList&) override { return false; }
+    bool status(OpenFolder&, std::string_view, FolderStatus&) override { return false; }
 };
 
 struct MaintenanceRunTest : testing::Test {

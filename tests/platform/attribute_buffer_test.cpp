@@ -39,6 +39,14 @@ public:
         common |= commonFlags;
         return put(flags_, value);
     }
+    RecordBuilder& inode(std::uint64_t number) {
+        common |= commonFileIdentifier;
+        return put(inode_, number);
+    }
+    RecordBuilder& links(std::uint32_t count) {
+        file |= fileLinkCount;
+        return put(links_, count);
+    }
     RecordBuilder& folderLength(std::int64_t bytes) {
         folder |= folderDataLength;
         return put(folder_, bytes);
@@ -53,8 +61,8 @@ public:
     }
 
     std::vector<std::byte> bytes() const {
-        const std::string after =
-            type_ + modified_ + accessed_ + flags_ + folder_ + allocated_ + logical_;
+        const std::string after = type_ + modified_ + accessed_ + flags_ + inode_ + folder_ +
+                                  links_ + allocated_ + logical_;
         std::string body = error_;
         if ((common & commonName) != 0) {
             const auto offset = nameOffset.value_or(static_cast<std::int32_t>(8 + after.size()));
@@ -101,7 +109,8 @@ private:
         append(text, value);
     }
 
-    std::string name_, error_, type_, modified_, accessed_, flags_, folder_, allocated_, logical_;
+    std::string name_, error_, type_, modified_, accessed_, flags_, inode_, folder_, links_,
+        allocated_, logical_;
 };
 
 RecordBuilder film() {
@@ -159,7 +168,40 @@ TEST(AttributeBuffer, FoldersAndLinksHaveASizeOfTheirOwn) {
     EXPECT_EQ(parseRecord(folder)->entry.name, "Logs");
     const auto link = RecordBuilder("to").type(typeSymbolicLink).allocated(4096).logical(9).bytes();
     EXPECT_EQ(parseRecord(link)->entry.logicalSize, 9);
-    EXPECT_EQ(parseRecord(link)->entry.allocatedSize, -1);
+}
+
+TEST(AttributeBuffer, WhatALinkTakesUpIsToldWhenItIsAskedFor) {
+    const auto link = RecordBuilder("to")
+                          .type(typeSymbolicLink)
+                          .modified(7)
+                          .inode(5)
+                          .links(2)
+                          .allocated(4096)
+                          .bytes();
+    const auto read = [&](const ReadOptions& options) {
+        EntryList list;
+        EXPECT_TRUE(appendRecords(link, 1, options, list));
+        return list.entries().at(0);
+    };
+    EXPECT_EQ(read({}).allocatedSize, -1);
+    EXPECT_EQ(read({}).modified, 0);
+    EXPECT_EQ(read({}).links, 1u);
+    const DirectoryEntry asked = read({.allocatedOfEveryFile = true});
+    EXPECT_EQ(asked.allocatedSize, 4096);
+    EXPECT_EQ(asked.modified, 7);
+    EXPECT_EQ(asked.inode, 5u);
+    EXPECT_EQ(asked.links, 2u);
+}
+
+TEST(AttributeBuffer, AFileKeepsItsInodeAndTheNumberOfItsNames) {
+    const auto bytes = film().inode(0xFFFF'FFFF'0000'0007).links(3).bytes();
+    const auto record = parseRecord(bytes);
+    ASSERT_TRUE(record);
+    EXPECT_EQ(record->entry.inode, 0xFFFF'FFFF'0000'0007);
+    EXPECT_EQ(record->entry.links, 3u);
+    EXPECT_EQ(record->entry.allocatedSize, 5'000'003'584) << "the fields after them";
+    EXPECT_EQ(record->entry.logicalSize, 5'000'000'001);
+    EXPECT_EQ(parseRecord(film().bytes())->entry.links, 1u) << "where the system does not say";
 }
 
 TEST(AttributeBuffer, FileSystemThatReportsLessIsStillRead) {
@@ -242,7 +284,7 @@ TEST(AttributeBuffer, AttributeThatWasNotAskedForIsRefused) {
     common.common |= 0x00000002;
     EXPECT_FALSE(parseRecord(common.bytes()));
     auto file = film();
-    file.file |= 0x00000001;
+    file.file |= 0x00000002;
     EXPECT_FALSE(parseRecord(file.bytes()));
     auto fork = film();
     fork.fork = 1;

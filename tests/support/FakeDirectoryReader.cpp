@@ -52,6 +52,7 @@ FakeDirectoryReader::Node& FakeDirectoryReader::child(Node& parent, std::string_
     Node& node = *nodes_.emplace_back(std::make_unique<Node>());
     node.name = name;
     node.parent = &parent;
+    node.inode = nodes_.size();
     parent.children.emplace(node.name, &node);
     return node;
 }
@@ -139,7 +140,11 @@ bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, E
         entry.kind = child->kind;
         entry.hiddenFlag = child->hiddenFlag;
         if (options.sizeEveryEntry) entry.logicalSize = child->logicalSize;
-        if (child->kind != EntryKind::regular) continue;
+        const bool isFile = child->kind == EntryKind::regular ||
+                            (options.allocatedOfEveryFile && child->kind != EntryKind::folder);
+        if (!isFile) continue;
+        entry.inode = child->inode;
+        entry.links = child->links;
         entry.allocatedSize = child->allocatedSize;
         entry.logicalSize = child->logicalSize;
         entry.accessed = child->accessed;
@@ -147,6 +152,29 @@ bool FakeDirectoryReader::read(OpenFolder& folder, const ReadOptions& options, E
     }
     errno = node.listError;
     return node.listError == 0;
+}
+
+bool FakeDirectoryReader::status(OpenFolder& folder, std::string_view name, FolderStatus& status) {
+    const Node* node = &dynamic_cast<Opened&>(folder).node;
+    if (!name.empty()) {
+        const auto found = node->children.find(name);
+        node = found == node->children.end() ? nullptr : found->second;
+    }
+    if (node == nullptr || node->kind != EntryKind::folder) {
+        errno = node == nullptr ? ENOENT : ENOTDIR;
+        return false;
+    }
+    status = {
+        .inode = node->inode, .allocatedSize = node->allocatedSize, .modified = node->modified};
+    const auto inherited = [&](std::optional<std::uint64_t> Node::*field) {
+        const Node* holder = node;
+        while (holder != nullptr && !(holder->*field))
+            holder = holder->parent;
+        return holder == nullptr ? 0 : *(holder->*field);
+    };
+    status.device = inherited(&Node::device);
+    status.mount = inherited(&Node::mount);
+    return true;
 }
 
 std::vector<std::string> FakeDirectoryReader::readFolders() const {

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,7 +28,11 @@ public:
         std::int64_t logicalSize = 0;
         double accessed = 0;
         double modified = 0;
-        int openError = 0;             // errno with which opening the folder fails
+        std::uint64_t inode = 0;              // unique, unless the test makes two names of one file
+        std::uint32_t links = 1;              // names that the file has
+        std::optional<std::uint64_t> device;  // none: that of the folder above
+        std::optional<std::uint64_t> mount;   // the same
+        int openError = 0;                    // errno with which opening the folder fails
         int listError = 0;             // errno with which listing it fails, after its entries
         bool isLinkMeanwhile = false;  // listed as a folder, but a link by the time it is opened
         std::map<std::string, Node*, std::less<>> children;
@@ -49,6 +54,7 @@ public:
     std::shared_ptr<OpenFolder> open(const std::string& path) override;
     std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override;
     bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override;
+    bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) override;
 
     /// Called before a folder is read, on the reading thread.
     std::function<void(const Node& folder)> beforeRead;

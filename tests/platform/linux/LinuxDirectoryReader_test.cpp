@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "support/TempHome.h"
+#include "support/linux/private_mounts.h"
 
 namespace velto {
 namespace {
@@ -90,6 +91,83 @@ TEST_F(LinuxDirectoryReaderTest, FoldersAndLinksHaveASizeOfTheirOwnWhenItIsAsked
     entries = read(home.path());
     EXPECT_EQ(entries.at("folder").logicalSize, 0);
     EXPECT_EQ(entries.at("link").logicalSize, 0);
+}
+
+TEST_F(LinuxDirectoryReaderTest, AFileTellsWhichItIsAndHowManyNamesItHas) {
+    home.file("one", 10);
+    home.file("alone", 10);
+    ASSERT_EQ(::link(home.path("one").c_str(), home.path("other").c_str()), 0);
+    struct stat status {};
+    ASSERT_EQ(stat(home.path("one").c_str(), &status), 0);
+    const auto entries = read(home.path());
+    EXPECT_EQ(entries.at("one").inode, status.st_ino);
+    EXPECT_EQ(entries.at("other").inode, status.st_ino);
+    EXPECT_EQ(entries.at("other").links, 2u);
+    EXPECT_EQ(entries.at("alone").links, 1u);
+}
+
+TEST_F(LinuxDirectoryReaderTest, WhatALinkTakesUpIsReadWhenItIsAskedFor) {
+    home.link("long", std::string(900, 'x'));
+    home.folder("folder");
+    struct stat status {};
+    ASSERT_EQ(lstat(home.path("long").c_str(), &status), 0);
+    EXPECT_EQ(read(home.path()).at("long").allocatedSize, -1);
+    list.clear();
+    const auto entries = read(home.path(), {.allocatedOfEveryFile = true});
+    EXPECT_EQ(entries.at("long").kind, EntryKind::symbolicLink);
+    EXPECT_EQ(entries.at("long").allocatedSize, status.st_blocks * 512);
+    EXPECT_EQ(entries.at("long").inode, status.st_ino);
+    EXPECT_EQ(entries.at("folder").allocatedSize, -1);
+}
+
+TEST_F(LinuxDirectoryReaderTest, AFolderIsKnownBeforeItIsOpened) {
+    home.file("folder/inside", 10);
+    home.file("file", 10);
+    home.link("link", "folder");
+    struct stat status {};
+    ASSERT_EQ(lstat(home.path("folder").c_str(), &status), 0);
+    const auto parent = reader.open(home.path());
+    FolderStatus own, named, opened;
+    ASSERT_TRUE(reader.status(*parent, "", own));
+    ASSERT_TRUE(reader.status(*parent, "folder", named));
+    ASSERT_TRUE(reader.status(*reader.openChild(*parent, "folder"), "", opened));
+    EXPECT_EQ(named.inode, status.st_ino);
+    EXPECT_EQ(named.allocatedSize, status.st_blocks * 512);
+    EXPECT_DOUBLE_EQ(named.modified, static_cast<double>(status.st_mtim.tv_sec) +
+                                         static_cast<double>(status.st_mtim.tv_nsec) / 1e9);
+    EXPECT_EQ(opened.inode, named.inode);
+    EXPECT_EQ(own.device, named.device);
+    EXPECT_EQ(own.mount, named.mount);
+    EXPECT_NE(own.inode, named.inode);
+    for (const auto& [name, reason] : std::map<std::string, int>{
+             {"file", ENOTDIR}, {"link", ENOTDIR}, {"missing", ENOENT}, {"a/b", EINVAL}}) {
+        errno = 0;
+        EXPECT_FALSE(reader.status(*parent, name, named)) << name;
+        EXPECT_EQ(errno, reason) << name;
+    }
+}
+
+TEST_F(LinuxDirectoryReaderTest, VolumesAndBindMountsAreToldApart) {
+    for (const char* name : {"memory", "bound", "plain"})
+        home.folder(name);
+    const auto outcome = withPrivateMounts([&] {
+        if (!mountMemory(home.path("memory"))) return false;
+        if (!bindTo(home.path("plain"), home.path("bound"))) return false;
+        const auto parent = reader.open(home.path());
+        FolderStatus own, memory, bound, plain;
+        EXPECT_TRUE(reader.status(*parent, "", own));
+        EXPECT_TRUE(reader.status(*parent, "memory", memory));
+        EXPECT_TRUE(reader.status(*parent, "bound", bound));
+        EXPECT_TRUE(reader.status(*parent, "plain", plain));
+        EXPECT_NE(memory.device, own.device);
+        EXPECT_EQ(bound.device, own.device);
+        EXPECT_EQ(bound.inode, plain.inode);
+        EXPECT_EQ(plain.mount, own.mount);
+        EXPECT_NE(bound.mount, own.mount);
+        return true;
+    });
+    if (outcome == InPrivate::notAllowed) GTEST_SKIP() << "mounting is not allowed here";
+    EXPECT_EQ(outcome, InPrivate::done);
 }
 
 TEST_F(LinuxDirectoryReaderTest, LinksPipesAndSocketsAreWhatTheyAreAndNeverFollowed) {
