@@ -18,7 +18,9 @@ Area firstArea(Area one, Area other) {
 }  // namespace
 
 Classifier::Classifier(const HomeLayout& layout, PlaceTable& places)
-    : libraryDefault_(categoryWithId(layout.libraryDefault).value_or(Category::system)) {
+    : hiddenCountsInLibraries_(layout.kind == HomeLayout::Kind::freedesktop),
+      home_(layout.home),
+      libraryDefault_(categoryWithId(layout.libraryDefault).value_or(Category::system)) {
     const auto add = [&](const std::string& path, Area area) {
         if (path.empty()) return;  // this home lacks the role
         areaFolders_.push_back({path, area});
@@ -58,13 +60,34 @@ std::uint32_t Classifier::markOfRoot(std::string_view path) const {
 void Classifier::note(WalkedFolder& folder) const {
     const Area above = areaOf(folder.mark);
     const auto own = folder.place() == nullptr ? nowhere : static_cast<Area>(folder.place()->role);
-    const Area area = firstArea(above, own);
+    Area area = firstArea(above, own);
+    bool isCounted = counts(folder.mark) && !folder.isHidden;
+    if (hiddenCountsInLibraries_ && !isCounted) {
+        const bool isHiddenInHome = folder.isHidden && folder.parent()->parent() == nullptr &&
+                                    folder.parent()->name() == home_;
+        if (isHiddenInHome) area = firstArea(area, libraryArea);
+        isCounted =
+            own != nowhere || isHiddenInHome || (counts(folder.mark) && above == libraryArea);
+    }
+    noteArea(folder, above, area);
+    if (!isCounted) folder.mark |= uncounted;
+}
+
+bool Classifier::counts(const WalkedFolder& folder, const DirectoryEntry& entry) const {
+    if (!counts(folder.mark)) return false;
+    if (hiddenCountsInLibraries_ && areaOf(folder.mark) == libraryArea) return true;
+    return !folder.hides(entry);
+}
+
+void Classifier::noteArea(WalkedFolder& folder, Area above, Area area) const {
     if (area != libraryArea) {
         folder.mark = mark(area, ruleOf(folder.mark));
     } else if (above != libraryArea) {
         const auto none = static_cast<std::uint32_t>(rules_.size());
         folder.mark = mark(area, firstRule(folder.path() + "/", none));
-    } else if (ruleOf(folder.mark) > 0) {
+    } else if (ruleOf(folder.mark) == 0) {
+        folder.mark = mark(area, 0);
+    } else {
         // What matches anew has to reach into this folder's name, so the end of the path will do.
         const std::string end = folder.pathEnd(longestRule_ + folder.name().size() + 1) + "/";
         folder.mark = mark(area, firstRule(end, ruleOf(folder.mark)));

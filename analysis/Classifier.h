@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,13 +26,21 @@ public:
     /// Sets the mark of a folder found in another; it begins with the mark of that one.
     void note(WalkedFolder& folder) const;
 
+    /// True for an entry that belongs to a category. What is hidden belongs to none; on a
+    /// freedesktop home the hidden folders of the home itself are libraries, and in a library all
+    /// counts.
+    bool counts(const WalkedFolder& folder, const DirectoryEntry& entry) const;
+
+    /// The same of a folder that has its mark.
+    bool counts(const WalkedFolder& folder) const { return counts(folder.mark); }
+
     /// `place` is the file's own, null for none.
     Category categoryOf(const WalkedFolder& folder, std::string_view fileName,
                         const Place* place) const;
 
 private:
-    // A mark holds the first area that the folder lies in and, in a library, the first rule that
-    // its path matches. Areas are in the order in which they are tried.
+    // A mark holds the first area that the folder lies in, whether it counts and, in a library, the
+    // first rule that its path matches. Areas are in the order in which they are tried.
     enum Area : std::uint32_t {
         nowhere,
         photosArea,
@@ -52,14 +61,20 @@ private:
         Area area;
     };
 
+    static constexpr std::uint32_t uncounted = 0x80;
+
     static std::uint32_t mark(Area area, std::uint32_t rule) { return area | rule << 8; }
-    static Area areaOf(std::uint32_t mark) { return static_cast<Area>(mark & 0xFF); }
+    static Area areaOf(std::uint32_t mark) { return static_cast<Area>(mark & 0x7F); }
+    static bool counts(std::uint32_t mark) { return (mark & uncounted) == 0; }
     static std::uint32_t ruleOf(std::uint32_t mark) { return mark >> 8; }
 
+    void noteArea(WalkedFolder& folder, Area above, Area area) const;
     std::uint32_t firstRule(std::string_view text, std::uint32_t limit) const;
     Category libraryCategory(const WalkedFolder& folder, std::string_view fileName,
                              std::uint32_t limit) const;
 
+    const bool hiddenCountsInLibraries_;
+    const std::string home_;
     std::vector<AreaFolder> areaFolders_;
     std::vector<Rule> rules_;
     Category libraryDefault_;

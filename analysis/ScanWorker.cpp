@@ -43,14 +43,53 @@ void moveTo(std::vector<Element>& target, std::vector<Element>& source) {
 }  // namespace
 
 bool ScanWorker::enter(WalkedFolder& folder) {
-    if (folder.parent() == nullptr) return true;
-    if (!entersMediaLibraries_ && isMediaLibrary(folder.name())) return false;
+    if (folder.parent() == nullptr) {
+        folder.number = recording_.roots[folder.root()].number;
+        return true;
+    }
+    folders_.number(folder);
+    if (!entersMediaLibraries_ && isMediaLibrary(folder.name())) {
+        folders_.leaveOut(folder, FolderState::withheld);
+        return false;
+    }
     classifier_.note(folder);
     return true;
 }
 
+bool ScanWorker::begin(const WalkedFolder& folder, const FolderStatus& status) {
+    return folders_.begin(folder, status);
+}
+
+void ScanWorker::unopened(const WalkedFolder& folder) {
+    if (classifier_.counts(folder)) ++unreadable_;
+    folders_.unopened(folder);
+}
+
+void ScanWorker::end(const WalkedFolder& folder, bool isComplete) {
+    if (!isComplete && classifier_.counts(folder)) ++unreadable_;
+    folders_.end(folder, isComplete);
+}
+
+void ScanWorker::unreadable(const WalkedFolder& folder, const DirectoryEntry& entry) {
+    if (classifier_.counts(folder, entry)) ++unreadable_;
+    folders_.unreadable();
+}
+
+void ScanWorker::leftOut(const WalkedFolder& folder, const DirectoryEntry& entry,
+                         const Place& place) {
+    if (entry.kind != EntryKind::folder) return;
+    folders_.leaveOut(folder, entry.name, static_cast<FolderState>(place.reason));
+}
+
+void ScanWorker::other(const WalkedFolder& folder, const DirectoryEntry& entry) {
+    if (entry.kind != EntryKind::folder) folders_.other(folder, entry);
+}
+
 void ScanWorker::file(const WalkedFolder& folder, const DirectoryEntry& entry, const Place* place) {
-    if (!entersMediaLibraries_ && isMediaLibrary(entry.name)) return;
+    const bool isCounted =
+        (entersMediaLibraries_ || !isMediaLibrary(entry.name)) && classifier_.counts(folder, entry);
+    folders_.file(folder, entry, isCounted);
+    if (!isCounted) return;
     const std::int64_t size = entry.allocatedSize >= 0 ? entry.allocatedSize : entry.logicalSize;
     if (size < 1) return;
 

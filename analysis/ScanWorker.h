@@ -9,6 +9,7 @@
 #include "analysis/Classifier.h"
 #include "analysis/WalkTotals.h"
 #include "analysis/categories.h"
+#include "analysis/folders/FolderRecorder.h"
 #include "platform/walk/TreeWalk.h"
 
 namespace velto {
@@ -24,11 +25,21 @@ public:
         Category category = Category::documents;
     };
 
-    ScanWorker(const Classifier& classifier, bool entersMediaLibraries)
-        : classifier_(classifier), entersMediaLibraries_(entersMediaLibraries) {}
+    ScanWorker(const Classifier& classifier, bool entersMediaLibraries, FolderRecording& recording)
+        : classifier_(classifier),
+          entersMediaLibraries_(entersMediaLibraries),
+          recording_(recording),
+          folders_(recording) {}
 
     bool enter(WalkedFolder& folder) override;
     void file(const WalkedFolder& folder, const DirectoryEntry& entry, const Place* place) override;
+    void other(const WalkedFolder& folder, const DirectoryEntry& entry) override;
+    void unreadable(const WalkedFolder& folder, const DirectoryEntry& entry) override;
+    void leftOut(const WalkedFolder& folder, const DirectoryEntry& entry,
+                 const Place& place) override;
+    bool begin(const WalkedFolder& folder, const FolderStatus& status) override;
+    void unopened(const WalkedFolder& folder) override;
+    void end(const WalkedFolder& folder, bool isComplete) override;
 
     /// Counted so far; from any thread while the walk runs.
     std::int64_t files() const { return files_.load(std::memory_order_relaxed); }
@@ -37,11 +48,19 @@ public:
     /// Adds this worker's part to the sums and moves its lists over, after the walk.
     void handOver(WalkTotals& totals, std::vector<BigFileFound>& bigFiles);
 
+    /// What could not be read of what belongs to a category.
+    std::int64_t unreadable() const { return unreadable_; }
+
+    FolderRecorder& folders() { return folders_; }
+
 private:
     const Classifier& classifier_;
     const bool entersMediaLibraries_;
     std::array<std::int64_t, categoryCount> categoryBytes_{};
     std::array<std::int64_t, categoryCount> categoryFiles_{};
+    FolderRecording& recording_;
+    FolderRecorder folders_;
+    std::int64_t unreadable_ = 0;
     std::vector<FileRecord> duplicateCandidates_;
     std::vector<BigFileFound> bigFiles_;
     // Written by the walking thread alone, read by the one that reports progress.

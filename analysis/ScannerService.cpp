@@ -1,7 +1,6 @@
 #include "analysis/ScannerService.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -9,7 +8,7 @@
 
 #include <fmt/format.h>
 
-#include "analysis/Classifier.h"
+#include "analysis/HomeWalk.h"
 #include "analysis/PermissionService.h"
 #include "analysis/ScanWorker.h"
 #include "analysis/post_processing.h"
@@ -17,51 +16,11 @@
 #include "platform/parallel.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
-#include "platform/walk/TreeWalk.h"
 
 namespace velto {
 namespace {
 
 constexpr double progressInterval = 0.2;  // seconds
-
-/// Everything that the walk keeps out of.
-void leaveOut(PlaceTable& places, const HomeLayout& layout, bool hasAccess,
-              const std::vector<std::string>& excluded) {
-    if (!hasAccess) {
-        for (const NamedLocation& location : layout.protectedLocations) {
-            places.leaveOut(location.path);
-        }
-        for (const std::string& path : layout.guardedPaths)
-            places.leaveOut(path);
-    }
-    for (const std::string& path : excluded)
-        places.leaveOut(path);
-    for (const std::string& path : layout.neverWalked)
-        places.leaveOut(path);
-}
-
-std::vector<WalkRoot> walkRoots(PlaceTable& places, const HomeLayout& layout,
-                                const Classifier& classifier) {
-    std::vector<WalkRoot> roots;
-    for (const std::string& path : layout.walkRoots) {
-        if (places.leavesOut(path)) continue;
-        roots.push_back({path, classifier.markOfRoot(path), layout.home});
-    }
-    // Should a walk come to a root from above all the same, it is not walked twice.
-    for (const WalkRoot& root : roots) {
-        if (root.path != layout.home) places.leaveOut(root.path);
-    }
-    return roots;
-}
-
-std::vector<std::unique_ptr<ScanWorker>> makeWorkers(std::size_t count,
-                                                     const Classifier& classifier, bool hasAccess) {
-    std::vector<std::unique_ptr<ScanWorker>> workers;
-    for (std::size_t index = 0; index < count; ++index) {
-        workers.push_back(std::make_unique<ScanWorker>(classifier, hasAccess));
-    }
-    return workers;
-}
 
 BigFile bigFile(const ScanWorker::BigFileFound& found, double now) {
     const double days = std::max(0.0, (now - found.lastUse) / secondsPerDay);
@@ -113,6 +72,8 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
                                     const CancellationFlag& cancelled, const Progress& progress) {
     static_cast<WalkTotals&>(*this) = WalkTotals();
     unreadable_ = 0;
+    folders_ = nullptr;
+    hiddenBytes_ = 0;
     const bool hasAccess = permissions_.hasAccess();
     walk(excluded, hasAccess, cancelled, progress);
     platform_.log->line(
@@ -136,39 +97,25 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
 /// Fills the totals. Throws CancellationError with what was counted until then.
 void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAccess,
                           const CancellationFlag& cancelled, const Progress& progress) {
-    const HomeLayout& layout = platform_.layout;
-    PlaceTable places;
-    const Classifier classifier(layout, places);
-    leaveOut(places, layout, hasAccess, excluded);
-    const std::vector<WalkRoot> roots = walkRoots(places, layout, classifier);
-
-    const auto workers = makeWorkers(threads_, classifier, hasAccess);
-    std::vector<TreeVisitor*> visitors;
-    visitors.reserve(workers.size());
-    for (const auto& worker : workers)
-        visitors.push_back(worker.get());
+    HomeWalk walk({.reader = *platform_.directories,
+                   .layout = platform_.layout,
+                   .excluded = excluded,
+                   .hasAccess = hasAccess,
+                   .threads = threads_});
     ProgressPacer pacer(*platform_.clock, progress);
-    const WalkOptions options{.skipHidden = true, .places = &places};
-    const TreeWalk::Result result =
-        TreeWalk(*platform_.directories).run(roots, visitors, options, cancelled, [&] {
-            pacer.report(workers);
-        });
-
-    for (std::size_t index = 0; index < roots.size(); ++index) {
-        const int error = result.rootErrors[index];
-        if (error != 0 && roots[index].path == layout.home) {
-            fatal(fmt::format("Velto: the home folder {} cannot be read: {}", layout.home,
-                              std::strerror(error)));
-        }
-        // A library that is missing, or a link, is not an unreadable one.
-        if (error != 0 && error != ENOENT && error != ELOOP && error != ENOTDIR) ++unreadable_;
+    walk.run(cancelled, [&] { pacer.report(walk.workers()); });
+    if (walk.homeError() != 0) {
+        fatal(fmt::format("Velto: the home folder {} cannot be read: {}", platform_.layout.home,
+                          std::strerror(walk.homeError())));
     }
-    unreadable_ += result.unreadable;
+    unreadable_ = walk.unreadableRoots();
 
     std::vector<ScanWorker::BigFileFound> found;
-    for (const auto& worker : workers)
+    for (const auto& worker : walk.workers()) {
+        unreadable_ += worker->unreadable();
         worker->handOver(*this, found);
-    if (result.cancelled) throw CancellationError();
+    }
+    if (cancelled.isCancelled()) throw CancellationError();
     // Which worker met what, and when, must not show.
     std::ranges::sort(fileList, {}, &FileRecord::path);
     std::ranges::sort(found, {}, &ScanWorker::BigFileFound::path);
@@ -176,6 +123,9 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
     for (const auto& file : found) {
         catTop[std::string(row(file.category).id)].push_back(bigFile(file, now));
     }
+    HomeWalk::Folders walked = walk.takeFolders();
+    folders_ = std::move(walked.tree);
+    hiddenBytes_ = walked.hiddenBytes;
 }
 
 }  // namespace velto

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "analysis/AnalysisOutput.h"
 #include "analysis/WalkTotals.h"
+#include "analysis/folders/FolderTree.h"
 #include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
 
@@ -39,6 +41,12 @@ public:
     AnalysisOutput scan(const std::vector<std::string>& excluded, const CancellationFlag& cancelled,
                         const Progress& progress);
 
+    /// Every folder of the last walk with what it holds, null before one and after a cancelled one.
+    std::shared_ptr<const FolderTree> folders() const { return folders_; }
+
+    /// Bytes of files that the tree holds and no category does: what is hidden.
+    std::int64_t hiddenBytes() const { return hiddenBytes_; }
+
 private:
     void walk(const std::vector<std::string>& excluded, bool hasAccess,
               const CancellationFlag& cancelled, const Progress& progress);
@@ -47,6 +55,8 @@ private:
     const PermissionService& permissions_;
     std::size_t threads_;
     std::int64_t unreadable_ = 0;
+    std::shared_ptr<const FolderTree> folders_;
+    std::int64_t hiddenBytes_ = 0;
 };
 
 }  // namespace velto

@@ -37,7 +37,8 @@ std::string FolderTree::path(Index index) const {
 }
 
 FolderTree::Index FolderTree::find(std::string_view path) const {
-    for (Index root = 0; root < rootCount_; ++root) {
+    // The home is the first and may hold the names of others, which know more of themselves.
+    for (Index root = rootCount_; root-- > 0;) {
         if (!leadsInto(path, name(root))) continue;
         std::string_view rest = path.substr(name(root).size());
         Index folder = root;

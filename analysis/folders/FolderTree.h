@@ -87,8 +87,8 @@ private:
 /// Puts a tree together from its folders in any order.
 class FolderTreeBuilder {
 public:
-    /// The number under which a folder was added; the caller's own choice, each once, below the
-    /// number of folders.
+    /// The number under which a folder was added; the caller's own choice, each once. Memory is
+    /// taken for every number up to the greatest.
     using Number = std::uint32_t;
     static constexpr Number noParent = UINT32_MAX;
 

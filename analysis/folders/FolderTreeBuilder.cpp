@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "analysis/folders/FolderTree.h"
+#include "analysis/folders/saturated.h"
 
 namespace velto {
 namespace {
@@ -21,7 +22,10 @@ bool standsBefore(const Entry& one, const Entry& other) {
 /// Where the folders of each folder stand in the sorted list, by the number of the folder.
 std::vector<std::pair<std::uint32_t, std::uint32_t>> groups(const std::vector<Entry>& sorted,
                                                             std::size_t first) {
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> found(sorted.size(), {0, 0});
+    std::size_t numbers = 0;
+    for (const Entry& entry : sorted)
+        numbers = std::max<std::size_t>(numbers, std::size_t{entry.number} + 1);
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> found(numbers, {0, 0});
     for (std::size_t index = first; index < sorted.size(); ++index) {
         if (sorted[index].parent >= found.size()) continue;
         auto& [start, end] = found[sorted[index].parent];
@@ -44,6 +48,10 @@ FolderTree FolderTreeBuilder::build(std::vector<Entry> entries) {
     tree.folders_.reserve(entries.size());
     std::vector<std::uint32_t> order;  // of what is in the tree already, by its place in `entries`
     order.reserve(entries.size());
+    std::size_t names = 0;
+    for (const Entry& entry : entries)
+        names += entry.name.size();
+    tree.names_.reserve(names);
     const auto take = [&](std::uint32_t place, FolderTree::Index parent) {
         const Entry& entry = entries[place];
         order.push_back(place);
@@ -76,7 +84,7 @@ void FolderTreeBuilder::addUp(FolderTree& tree) {
         const FolderTree::Folder& folder = tree.folders_[index];
         if (folder.parent == FolderTree::none) continue;
         FolderTree::Folder& parent = tree.folders_[folder.parent];
-        parent.bytes += folder.bytes;
+        parent.bytes = saturatedSum(parent.bytes, folder.bytes);
         parent.files += folder.files;
         parent.unreadable += folder.unreadable;
         parent.latest = std::max(parent.latest, folder.latest);

@@ -1,0 +1,135 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "analysis/folders/FolderTree.h"
+#include "platform/walk/TreeWalk.h"
+
+namespace velto {
+
+/// The folders that earlier parts of a walk have been in, whatever their paths.
+class WalkedFolders {
+public:
+    struct Identity {
+        std::uint64_t device = 0;
+        std::uint64_t inode = 0;
+
+        auto operator<=>(const Identity&) const = default;
+    };
+
+    explicit WalkedFolders(std::vector<Identity> folders);
+    bool contains(const Identity& folder) const;
+
+private:
+    std::vector<Identity> folders_;  // sorted
+};
+
+/// What the recorders of one walk share.
+struct FolderRecording {
+    using Number = FolderTreeBuilder::Number;
+
+    /// A root of the walk, and what its record says.
+    struct Root {
+        Number number = 0;
+        Number parent = FolderTreeBuilder::noParent;
+        std::string name;
+        // Noted by the one worker that begins the root, before anybody meets what lies below.
+        std::uint64_t device = 0;
+        std::uint64_t mount = 0;
+    };
+
+    std::vector<Root> roots;                // in the order of the walk's
+    const WalkedFolders* walked = nullptr;  // folders that are not walked again, null for none
+    std::atomic<Number> next{0};            // number of the next folder
+};
+
+/// A folder at which another mount of the same volume begins. Whether it is known under another
+/// name shows when everything else has been walked.
+struct BoundFolder {
+    std::string path;
+    std::string name;
+    FolderTreeBuilder::Number number = 0;
+    FolderTreeBuilder::Number parent = 0;
+    std::uint32_t mark = 0;
+    WalkedFolders::Identity identity;
+};
+
+/// One worker's record of the folders that it walks: no path, no lock and, but for files with
+/// several names, no memory for a file.
+class FolderRecorder {
+public:
+    using Number = FolderTreeBuilder::Number;
+
+    explicit FolderRecorder(FolderRecording& recording) : recording_(recording) {}
+
+    /// Gives a folder its number. Roots have one: see FolderRecording.
+    void number(WalkedFolder& folder);
+
+    /// Folders that are named and not walked: one that has its number, and one that never gets as
+    /// far.
+    void leaveOut(const WalkedFolder& folder, FolderState state);
+    void leaveOut(const WalkedFolder& parent, std::string_view name, FolderState state);
+    void leaveOut(const BoundFolder& folder, FolderState state);
+
+    // The turn of a folder, as TreeVisitor has it.
+    bool begin(const WalkedFolder& folder, const FolderStatus& status);
+    /// `isCounted`: it is part of a category.
+    void file(const WalkedFolder& folder, const DirectoryEntry& entry, bool isCounted);
+    void other(const WalkedFolder& folder, const DirectoryEntry& entry);
+    void unreadable() { ++facts_.unreadable; }
+    void unopened(const WalkedFolder& folder);
+    void end(const WalkedFolder& folder, bool isComplete);
+
+    /// A file with several names, of which one is to count.
+    struct Linked {
+        WalkedFolders::Identity identity;
+        std::int64_t bytes = 0;
+        Number folder = 0;
+        bool isRegular = true;
+        bool isCounted = false;
+        std::string_view name;
+    };
+
+    // After the walk.
+    const std::vector<Linked>& linked() const { return linked_; }
+    std::vector<BoundFolder> takeBound() { return std::move(bound_); }
+    std::int64_t hiddenBytes() const { return hiddenBytes_; }
+    /// Calls `visit(entry)` for each record.
+    template <typename Visit>
+    void forEach(const Visit& visit) const {
+        for (std::size_t index = 0; index < count_; ++index)
+            visit(chunks_[index / chunkLength][index % chunkLength]);
+    }
+    std::size_t count() const { return count_; }
+    /// Puts the records at their numbers and gives their memory back on the way; the names stay as
+    /// long as the recorder.
+    void moveTo(std::vector<FolderTreeBuilder::Entry>& byNumber);
+
+private:
+    // Large enough for the system to take each back by itself.
+    static constexpr std::size_t chunkLength = 4096;
+    static constexpr std::size_t nameChunk = 256 * 1024;
+
+    std::string_view kept(std::string_view name);
+    void add(Number number, Number parent, std::string_view name, const FolderFacts& facts);
+    void record(const WalkedFolder& folder);
+    void count(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t bytes,
+               bool isCounted);
+
+    FolderRecording& recording_;
+    FolderFacts facts_;  // of the folder whose turn it is
+    std::vector<std::unique_ptr<FolderTreeBuilder::Entry[]>> chunks_;
+    std::size_t count_ = 0;
+    std::vector<std::unique_ptr<char[]>> names_;
+    std::size_t nameEnd_ = nameChunk;
+    std::vector<Linked> linked_;
+    std::vector<BoundFolder> bound_;
+    std::int64_t hiddenBytes_ = 0;
+};
+
+}  // namespace velto

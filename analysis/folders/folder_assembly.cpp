@@ -1,0 +1,148 @@
+#include "analysis/folders/folder_assembly.h"
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+#include <utility>
+
+#include "analysis/folders/saturated.h"
+
+namespace velto {
+namespace {
+
+using Entry = FolderTreeBuilder::Entry;
+using Number = FolderTreeBuilder::Number;
+using Linked = FolderRecorder::Linked;
+
+/// The byte order of paths, of which none is put together.
+class PathOrder {
+public:
+    explicit PathOrder(const std::vector<Entry>& byNumber) : byNumber_(byNumber) {}
+
+    bool standsBefore(const Linked& one, const Linked& other) const {
+        Component left{.folder = one.folder, .name = one.name};
+        Component right{.folder = other.folder, .name = other.name};
+        std::size_t leftDepth = depth(one.folder);
+        std::size_t rightDepth = depth(other.folder);
+        for (; leftDepth > rightDepth; --leftDepth)
+            ascend(left);
+        for (; rightDepth > leftDepth; --rightDepth)
+            ascend(right);
+        while (left.folder != right.folder) {
+            ascend(left);
+            ascend(right);
+        }
+        return comesBefore(left, right);
+    }
+
+private:
+    /// A name in a folder, and whether a slash follows it in the path.
+    struct Component {
+        Number folder;
+        std::string_view name;
+        bool goesOn = false;
+    };
+
+    std::size_t depth(Number folder) const {
+        std::size_t depth = 0;
+        for (; folder != FolderTreeBuilder::noParent; folder = byNumber_[folder].parent)
+            ++depth;
+        return depth;
+    }
+
+    void ascend(Component& component) const {
+        const Entry& folder = byNumber_[component.folder];
+        component = {.folder = folder.parent, .name = folder.name, .goesOn = true};
+    }
+
+    static bool comesBefore(const Component& one, const Component& other) {
+        const std::size_t common = std::min(one.name.size(), other.name.size());
+        const int order = one.name.substr(0, common).compare(other.name.substr(0, common));
+        if (order != 0) return order < 0;
+        return next(one, common) < next(other, common);
+    }
+    static int next(const Component& component, std::size_t place) {
+        if (place < component.name.size()) return static_cast<unsigned char>(component.name[place]);
+        return component.goesOn ? '/' : -1;
+    }
+
+    const std::vector<Entry>& byNumber_;
+};
+
+std::vector<Linked> allLinked(const std::vector<FolderRecorder*>& recorders) {
+    std::vector<Linked> linked;
+    std::size_t count = 0;
+    for (const FolderRecorder* recorder : recorders)
+        count += recorder->linked().size();
+    linked.reserve(count);
+    for (const FolderRecorder* recorder : recorders)
+        linked.insert(linked.end(), recorder->linked().begin(), recorder->linked().end());
+    return linked;
+}
+
+/// Lets each file of several names count for the first one. Returns the bytes of those of which no
+/// name is in a category.
+std::int64_t countLinked(std::vector<Linked> linked, std::vector<Entry>& byNumber) {
+    std::ranges::sort(linked, {}, &Linked::identity);
+    const PathOrder order(byNumber);
+    std::int64_t hidden = 0;
+    for (auto name = linked.begin(); name != linked.end();) {
+        const auto end = std::find_if(name, linked.end(), [&](const Linked& other) {
+            return other.identity != name->identity;
+        });
+        const auto first = std::min_element(name, end, [&](const Linked& one, const Linked& other) {
+            return order.standsBefore(one, other);
+        });
+        FolderFacts& facts = byNumber[first->folder].facts;
+        facts.ownBytes = saturatedSum(facts.ownBytes, first->bytes);
+        if (first->isRegular) ++facts.ownFiles;
+        if (std::none_of(name, end, [](const Linked& one) { return one.isCounted; })) {
+            hidden = saturatedSum(hidden, first->bytes);
+        }
+        name = end;
+    }
+    return hidden;
+}
+
+}  // namespace
+
+AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders, Number numbers) {
+    AssembledFolders result;
+    std::vector<Entry> byNumber(numbers);
+    for (FolderRecorder* recorder : recorders) {
+        recorder->moveTo(byNumber);
+        result.hiddenBytes = saturatedSum(result.hiddenBytes, recorder->hiddenBytes());
+    }
+    const std::int64_t linked = countLinked(allLinked(recorders), byNumber);
+    result.hiddenBytes = saturatedSum(result.hiddenBytes, linked);
+    // A root that could not be opened has a number and no record.
+    std::erase_if(byNumber, [](const Entry& entry) { return entry.name.empty(); });
+    result.tree = FolderTreeBuilder::build(std::move(byNumber));
+    return result;
+}
+
+WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
+                            const std::vector<FolderRecording::Root>& roots, Number numbers) {
+    std::vector<Number> parents(numbers, FolderTreeBuilder::noParent);
+    for (const FolderRecorder* recorder : recorders)
+        recorder->forEach([&](const Entry& entry) { parents[entry.number] = entry.parent; });
+    std::map<Number, std::uint64_t> devices;
+    for (const FolderRecording::Root& root : roots)
+        devices[root.number] = root.device;
+
+    std::vector<WalkedFolders::Identity> found;
+    const auto add = [&](const Entry& entry) {
+        const FolderState state = entry.facts.state;
+        if (state != FolderState::measured && state != FolderState::unreadable) return;
+        Number root = entry.number;
+        while (!devices.contains(root) && parents[root] != FolderTreeBuilder::noParent)
+            root = parents[root];
+        const auto device = devices.find(root);
+        if (device != devices.end()) found.push_back({device->second, entry.facts.inode});
+    };
+    for (const FolderRecorder* recorder : recorders)
+        recorder->forEach(add);
+    return WalkedFolders(std::move(found));
+}
+
+}  // namespace velto

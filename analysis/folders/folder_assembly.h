@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "analysis/folders/FolderRecorder.h"
+
+namespace velto {
+
+/// What a walk's recorders have found, put together.
+struct AssembledFolders {
+    FolderTree tree;
+    std::int64_t hiddenBytes = 0;  // of files that are in no category
+};
+
+/// Puts the tree together; of a file's several names the first in the byte order of paths counts.
+/// Empties the recorders' records. `numbers` is how many numbers were given.
+AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders,
+                                 FolderTreeBuilder::Number numbers);
+
+/// The folders that the recorders hold so far and have not left out.
+WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
+                            const std::vector<FolderRecording::Root>& roots,
+                            FolderTreeBuilder::Number numbers);
+
+}  // namespace velto
