@@ -2,6 +2,7 @@
 import * as appGuards from './appGuards.ts';
 import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
+import * as folderGuards from './folderGuards.ts';
 import * as guards from './guards.ts';
 import { systemActivity, systemSample } from './systemGuards.ts';
 
@@ -21,6 +22,18 @@ export const laterReaders: LaterReaders = {
   onRestoreBlocked: ([value]) => {
     const block = cleaningGuards.restoreBlock(value);
     return block && [block];
+  },
+  onFolder: ([value]) => {
+    const contents = folderGuards.folderContents(value);
+    return contents && [contents];
+  },
+  onFolderSearch: ([value]) => {
+    const search = folderGuards.folderSearch(value);
+    return search && [search];
+  },
+  onFolderGrowth: ([value]) => {
+    const growth = folderGuards.folderGrowth(value);
+    return growth && [growth];
   },
   onApps: ([apps]) => [appGuards.installedApps(apps)],
   onAppSizes: ([sizes]) => [appGuards.appSizes(sizes)],

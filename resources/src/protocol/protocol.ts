@@ -6,12 +6,14 @@ import type {
   AppAnalysis, AppRemoval, InstalledApp, LeftBehindItem, LeftoverLink, PackageEnd, PackagePlan, UninstallResult,
   UninstallStage,
 } from './appRecords.ts';
+import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince } from './folderRecords.ts';
 import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
   RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
 export type * from './appRecords.ts';
+export type * from './folderRecords.ts';
 export type * from './records.ts';
 export { frequencies, ruleIds } from './records.ts';
 
@@ -27,7 +29,7 @@ export interface SettingsChange {
 }
 
 export type ViewName =
-  | 'inicio' | 'archivos' | 'duplicados' | 'limpieza' | 'papelera'
+  | 'inicio' | 'explorar' | 'archivos' | 'duplicados' | 'limpieza' | 'papelera'
   | 'historial' | 'apps' | 'sistema' | 'ajustes';
 
 /** Intent name to payload; `void` means that nothing is sent along. */
@@ -36,6 +38,10 @@ export interface Intents {
   settings: SettingsChange;
   setTheme: { theme: 'light' | 'dark' };
   scan: void;
+  stopAnalysis: void;
+  folder: { path: string; request: number };
+  searchFolders: { text: string; request: number };
+  folderGrowth: { path: string; since: GrowthSince };
   systemWatch: { on: boolean };
   quitApplication: { pid: number };
   endApplication: { pid: number };
@@ -60,6 +66,7 @@ export interface Intents {
   checkAccess: void;
   resetAccess: void;
   addExclusion: string;
+  chooseExclusion: void;
   exclusions: void;
   removeExclusion: string;
   maintenanceStatus: void;
@@ -80,11 +87,16 @@ export interface Events {
   onScanStarted: [];
   onScanProgress: [files: number, gb: number];
   onScanFinished: [];
+  /** Comes before the event that ends the analysis: it was stopped, it did not fail. */
+  onAnalysisStopped: [];
   onScanFailed: [];
   onPermissions: [permissions: Permissions];
   toast: [title: string, detail: string];
   onExclusions: [paths: string[]];
   onMaintenance: [status: MaintenanceStatus];
+  onFolder: [contents: FolderContents];
+  onFolderSearch: [search: FolderSearch];
+  onFolderGrowth: [growth: FolderGrowth];
   onCleanables: [candidates: Cleanable[]];
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];

@@ -3,13 +3,17 @@ import { publish } from '../protocol/connection.ts';
 import type { ViewName } from '../protocol/protocol.ts';
 
 export const viewNames: readonly ViewName[] = [
-  'inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'apps', 'sistema', 'ajustes',
+  'inicio', 'explorar', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'apps', 'sistema', 'ajustes',
 ];
 
 class Navigation {
   view = $state<ViewName>('inicio');
   /** The path that the list of large files should show and focus; taken by the list. */
   wantedFile = $state<string | null>(null);
+  /** The folder that the view of the folders should open (the home has ""); taken by the view. */
+  wantedFolder = $state<string | null>(null);
+  /** The category whose folder it should look for in the home; taken by the view. */
+  wantedCategory = $state<string | null>(null);
   /** The cleanup that Velto Trash should show and focus; taken by its list. */
   wantedOperation = $state<string | null>(null);
   /** The change came from elsewhere than the rail: the focus should follow it to the view. */
@@ -34,6 +38,18 @@ class Navigation {
   openFile(path: string): void {
     this.wantedFile = path;
     this.view = 'archivos';
+  }
+
+  openFolder(path: string): void {
+    this.wantedCategory = null;
+    this.wantedFolder = path;
+    this.arrive('explorar');
+  }
+
+  openCategory(id: string): void {
+    this.wantedFolder = '';
+    this.wantedCategory = id;
+    this.arrive('explorar');
   }
 
   openOperation(id: string): void {

@@ -41,7 +41,7 @@ export function showAnswer(title: string, detail: string): void {
   const answer = requests.answer(title);
   const refusal = takeRefusal();
   if (!answer) {
-    toasts.show(title, refusal ? refusalSentences(refusal).join(' ') : detail);
+    toasts.show(title, refusal ? refusalSentences(refusal).join(' ') : detail, { undo: undoOfExclusion(title) });
     return;
   }
   const failed = answer.outcome === 'failed';
@@ -79,8 +79,25 @@ export function revealInFolder(path: string): void {
   send('revealPath', path);
 }
 
+/** The exclusions asked for, in the order of the messages that answer them. */
+const excluding: string[] = [];
+const excludedTitles = ['Excluido del análisis', 'Excluded from the analysis'];
+
 export function excludeFromAnalysis(path: string): void {
+  excluding.push(path);
   send('addExclusion', path);
+}
+
+export function includeInAnalysis(path: string): void {
+  send('removeExclusion', path);
+}
+
+/** The way back of an exclusion that was asked for here; one that stood already is left alone. */
+function undoOfExclusion(title: string): (() => void) | null {
+  const path = excludedTitles.includes(title) ? excluding.shift() : undefined;
+  if (path === undefined) return null;
+  const stood = session.exclusions?.some((other) => path === other || path.startsWith(`${other}/`)) ?? false;
+  return stood ? null : () => includeInAnalysis(path);
 }
 
 /**

@@ -3,7 +3,8 @@ import type { DiskState, MaintenanceStatus, Running, SettingsChange, TrashItem, 
 import { send } from '../protocol/connection.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
-export type ScanPhase = 'idle' | 'running' | 'failed';
+/** "stopping" runs still. */
+export type ScanPhase = 'idle' | 'running' | 'stopping' | 'stopped' | 'failed';
 
 class Session {
   /** Null until the program has sent a state. */
@@ -39,7 +40,7 @@ class Session {
 
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);
-  scanning = $derived(this.scanPhase === 'running');
+  scanning = $derived(this.scanPhase === 'running' || this.scanPhase === 'stopping');
 
   private withoutWaiting(items: TrashItem[] | null): TrashItem[] | null {
     if (!items || this.waiting.length === 0) return items;
@@ -49,6 +50,12 @@ class Session {
 
   startScan(): void {
     if (!this.scanning) send('scan');
+  }
+
+  stopScan(): void {
+    if (this.scanPhase !== 'running') return;
+    this.scanPhase = 'stopping';
+    send('stopAnalysis');
   }
 
   askForMaintenance(): void {

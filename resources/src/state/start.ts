@@ -23,7 +23,8 @@ export function start(): void {
       session.scanGb = gb;
     },
     onScanFinished: () => (session.scanPhase = 'idle'),
-    onScanFailed: () => (session.scanPhase = 'failed'),
+    onAnalysisStopped: () => (session.scanPhase = 'stopped'),
+    onScanFailed: () => (session.scanPhase = session.scanPhase === 'stopped' ? 'stopped' : 'failed'),
     onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),
   });
   if (saved) showState(saved.state, saved.stamp);

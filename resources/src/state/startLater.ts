@@ -6,6 +6,7 @@ import { listenLater, type LaterListeners } from '../protocol/connection.ts';
 import { laterReaders } from '../protocol/laterReaders.ts';
 import type { TrashItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
+import { folders } from './folders.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
@@ -36,6 +37,9 @@ export function startLater(): void {
       onTrashChanged: (gb) => (session.trashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
+      onFolder: (contents) => folders.receive(contents),
+      onFolderSearch: (found) => folders.receiveSearch(found),
+      onFolderGrowth: (growth) => folders.receiveGrowth(growth),
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
       onLeftoverLinks: (application, links) => leftovers.receiveLinks(application, links),

@@ -8,6 +8,8 @@ export interface Toast {
   note: string;
   /** The message reports something that can be taken back. */
   canUndo: boolean;
+  /** Takes back what the message reports, where that is no cleanup. */
+  undo: (() => void) | null;
   /** Something that the message offers; it stays until it is taken up, refused or out of date. */
   action: ToastAction | null;
 }
@@ -20,6 +22,7 @@ export interface ToastAction {
 
 interface Extras {
   canUndo?: boolean;
+  undo?: (() => void) | null;
   note?: string;
   action?: ToastAction | null;
 }
@@ -33,11 +36,11 @@ class Toasts {
   private lastId = 0;
   private timers = new Map<number, ReturnType<typeof setTimeout>>();
 
-  show(title: string, detail: string, { canUndo = false, note = '', action = null }: Extras = {}): void {
+  show(title: string, detail: string, { canUndo = false, undo = null, note = '', action = null }: Extras = {}): void {
     // The same words again take the place of the first ones.
     const same = this.list.find((other) => !other.canUndo && other.title === title && other.detail === detail);
     if (same) this.dismiss(same.id);
-    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo, action };
+    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo, undo, action };
     this.list = [...this.list, toast].slice(-mostAtOnce);
     this.resume(toast);
   }
@@ -70,7 +73,7 @@ class Toasts {
   resume(toast: Toast): void {
     this.pause(toast.id);
     if (toast.action) return;
-    const time = toast.canUndo ? shownForUndo : shownFor;
+    const time = toast.canUndo || toast.undo ? shownForUndo : shownFor;
     this.timers.set(toast.id, setTimeout(() => this.dismiss(toast.id), time));
   }
 }

@@ -9,12 +9,14 @@ import Ajustes from './ajustes/Ajustes.svelte';
 import Apps from './apps/Apps.svelte';
 import Archivos from './archivos/Archivos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
+import Explorar from './explorar/Explorar.svelte';
 import Historial from './historial/Historial.svelte';
 import Limpieza from './limpieza/Limpieza.svelte';
 import Papelera from './papelera/Papelera.svelte';
 import Sistema from './sistema/Sistema.svelte';
 
 const contents: Record<Exclude<ViewName, 'inicio'>, Component> = {
+  explorar: Explorar,
   archivos: Archivos,
   duplicados: Duplicados,
   limpieza: Limpieza,

@@ -7,6 +7,7 @@ import AppWindow from '@lucide/svelte/icons/app-window';
 import BrushCleaning from '@lucide/svelte/icons/brush-cleaning';
 import Copy from '@lucide/svelte/icons/copy';
 import FileStack from '@lucide/svelte/icons/file-stack';
+import FolderTree from '@lucide/svelte/icons/folder-tree';
 import History from '@lucide/svelte/icons/history';
 import LayoutDashboard from '@lucide/svelte/icons/layout-dashboard';
 import Settings from '@lucide/svelte/icons/settings';
@@ -24,6 +25,7 @@ export interface View {
 
 export const views: readonly View[] = [
   { name: 'inicio', icon: LayoutDashboard, content: Inicio },
+  { name: 'explorar', icon: FolderTree },
   { name: 'archivos', icon: FileStack },
   { name: 'duplicados', icon: Copy },
   { name: 'limpieza', icon: BrushCleaning },

@@ -7,6 +7,7 @@ export const frame = {
   content: 'Content',
   views: {
     inicio: 'Overview',
+    explorar: 'Folders',
     archivos: 'Large files',
     duplicados: 'Duplicates',
     limpieza: 'Cleanup',
@@ -43,6 +44,10 @@ export const frame = {
   noAnalysisText: 'An analysis shows what fills the disk. It changes nothing.',
   firstAnalysisTitle: 'Looking at your disk for the first time',
   firstAnalysisText: 'Velto reads sizes and dates, and compares files of equal size. Nothing is changed, nothing leaves this computer.',
+  stop: 'Stop',
+  stopping: 'Stopping…',
+  stoppedTitle: 'The analysis was stopped',
+  stoppedText: 'Nothing was changed.',
   failedTitle: 'The analysis did not finish',
   failedText: 'Nothing was changed and nothing was lost.',
   failedKept: 'What you see is the last analysis that finished.',

@@ -8,6 +8,7 @@ export const frame: typeof english = {
   content: 'Contenido',
   views: {
     inicio: 'Resumen',
+    explorar: 'Carpetas',
     archivos: 'Archivos grandes',
     duplicados: 'Duplicados',
     limpieza: 'Limpieza',
@@ -44,6 +45,10 @@ export const frame: typeof english = {
   noAnalysisText: 'Un análisis muestra qué ocupa el disco. No cambia nada.',
   firstAnalysisTitle: 'Velto mira tu disco por primera vez',
   firstAnalysisText: 'Velto lee tamaños y fechas, y compara archivos del mismo tamaño. No cambia nada y nada sale de este ordenador.',
+  stop: 'Detener',
+  stopping: 'Deteniendo…',
+  stoppedTitle: 'El análisis se ha detenido',
+  stoppedText: 'No se ha cambiado nada.',
   failedTitle: 'El análisis no terminó',
   failedText: 'No se ha cambiado ni perdido nada.',
   failedKept: 'Lo que ves es el último análisis que terminó.',

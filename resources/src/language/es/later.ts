@@ -1,5 +1,6 @@
 import { appWords } from './apps.ts';
 import { cleanup } from './cleanup.ts';
+import { folders } from './folders.ts';
 import { history } from './history.ts';
 import { lists } from './lists.ts';
 import { settings } from './settings.ts';
@@ -7,4 +8,4 @@ import { systemWords } from './system.ts';
 import { trash } from './trash.ts';
 
 /** The words that come with the second script. */
-export const laterEs = { lists, settings, cleanup, trash, history, apps: appWords, system: systemWords };
+export const laterEs = { lists, folders, settings, cleanup, trash, history, apps: appWords, system: systemWords };

@@ -4,11 +4,14 @@
  */
 import type { BigFile, CategoryId } from '../../protocol/protocol.ts';
 
-const musicFolders = ['music', 'música', 'musique', 'musik', 'musica', 'muziek'];
-const pictureFolders = [
+export const musicFolders = ['music', 'música', 'musique', 'musik', 'musica', 'muziek'];
+export const pictureFolders = [
   'pictures', 'movies', 'videos', 'imágenes', 'vídeos', 'images', 'vidéos', 'bilder', 'immagini', 'video', 'imagens',
 ];
-const documentFolders = ['documents', 'desktop', 'documentos', 'escritorio', 'dokumente', 'documenti', 'bureau'];
+export const documentFolders = ['documents', 'desktop', 'documentos', 'escritorio', 'dokumente', 'documenti', 'bureau'];
+export const downloadFolders = [
+  'downloads', 'descargas', 'téléchargements', 'scaricati', 'transferências', 'baixades', 'deskargak',
+];
 const systemFolders = ['library', '.local', '.config', '.cache', '.var'];
 const musicExtensions = ['mp3', 'm4a', 'aac', 'wav', 'flac', 'aiff', 'alac', 'ogg', 'wma', 'mid', 'aif'];
 
