@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/FolderIntents.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
@@ -73,6 +74,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     quitIntents_ = std::make_shared<QuitIntents>(QuitIntents::Context{link, platform_, language_});
     leftBehindIntent_ =
         std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{link, platform_, exclusions_});
+    folderIntents_ = std::make_shared<FolderIntents>(
+        FolderIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }
@@ -106,6 +109,7 @@ void JSBridge::applyBootState() {
                     bootState ? bootState->state.cats.size() : 0,
                     bootState ? bootState->state.files.size() : 0));
     pushState();
+    if (bootState) folderIntents_->load();  // not before the page has something to show
     isWaitingForTrash_ = true;
     if (trash_) finishBoot();
 }

@@ -44,6 +44,7 @@ struct BridgeContext {
 
 class AccessIntents;
 class AppIntents;
+class FolderIntents;
 class LeftBehindIntent;
 class PackageIntents;
 class QuitIntents;
@@ -116,6 +117,7 @@ private:
     // Analysis (analysis_task.cpp).
     void startAnalysis() override;
     void finishAnalysis(const AnalysisOutput& output);
+    void keepFolders(double measured);
     void failAnalysis(const std::string& line);
     void endAnalysis();
     DiskState stateToShow() const;
@@ -172,6 +174,7 @@ private:
     std::shared_ptr<QuitIntents> quitIntents_;
     std::shared_ptr<LeftBehindIntent> leftBehindIntent_;
     std::shared_ptr<SystemIntents> systemIntents_;
+    std::shared_ptr<FolderIntents> folderIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

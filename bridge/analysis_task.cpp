@@ -1,8 +1,10 @@
 #include <exception>
+#include <utility>
 
 #include <fmt/format.h>
 
 #include "analysis/post_processing.h"
+#include "bridge/FolderIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
@@ -67,10 +69,22 @@ void JSBridge::finishAnalysis(const AnalysisOutput& output) {
     lists_.show(bootState->state);  // without what has left while the walk was on its way
     needsFirstScan = false;
     rememberState();
+    keepFolders(now);
     pushState();
     evaluate(events::scanFinished());
     log(fmt::format("Velto ▶ análisis terminado: {} archivos top, {} GB libres",
                     output.files.size(), tenths(output.free)));
+}
+
+/// The scanner is at rest until this analysis has ended.
+void JSBridge::keepFolders(double measured) {
+    const ScannerService& scanner = scanner_->scanner;
+    if (!scanner.folders()) return;
+    auto folders = std::make_shared<MeasuredFolders>();
+    folders->tree = scanner.folders();
+    folders->measured = measured;
+    folders->hiddenBytes = scanner.hiddenBytes();
+    folderIntents_->replace(std::move(folders), resetsAhead_ == 0);
 }
 
 void JSBridge::failAnalysis(const std::string& line) {

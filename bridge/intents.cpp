@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/FolderIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
@@ -40,6 +41,7 @@ struct IntentTable {
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
     static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
+    static constexpr auto folders = &JSBridge::folderIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -80,6 +82,8 @@ struct IntentTable {
         {"quitApplication", at<quitting, &QuitIntents::onQuitApplication>},
         {"endApplication", at<quitting, &QuitIntents::onEndApplication>},
         {"leftBehind", at<leftovers, &LeftBehindIntent::onLeftBehind>},
+        {"folder", at<folders, &FolderIntents::onFolder>},
+        {"searchFolders", at<folders, &FolderIntents::onSearchFolders>},
     });
 };
 

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "bridge/CleanupOutcome.h"
+#include "bridge/FolderIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
@@ -174,6 +175,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     exclusions_.clear();
     bootState.reset();
     lists_.forget();
+    folderIntents_->forget();
     evaluate(events::exclusions(exclusions_.paths()));
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",
