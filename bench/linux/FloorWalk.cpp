@@ -13,6 +13,7 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -58,6 +59,8 @@ public:
             running[index].join();
             total.files += sums[index].files;
             total.bytes += sums[index].bytes;
+            total.folders += sums[index].folders;
+            total.total += sums[index].total;
         }
         return total;
     }
@@ -117,21 +120,26 @@ private:
             for (long position = 0; position < bytes;) {
                 const auto& entry = *reinterpret_cast<const Dirent*>(buffer.data() + position);
                 position += entry.length;
+                const std::string_view name = entry.name;
+                if (name == "." || name == "..") continue;
+                const std::int64_t size = sizeOf(number, entry.name);
+                sum.total += size;
                 if (entry.type == DT_REG) {
-                    count(number, entry.name, sum);
-                } else if (entry.type == DT_DIR && entry.name[0] != '.') {
+                    ++sum.files;
+                    sum.bytes += size;
+                } else if (entry.type == DT_DIR) {
+                    ++sum.folders;
                     found.push_back({handle, entry.name});
                 }
             }
         }
     }
 
-    static void count(int folder, const char* name, FloorWalk& sum) {
+    static std::int64_t sizeOf(int folder, const char* name) {
         struct statx status;
         constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
-        if (::statx(folder, name, flags, STATX_TYPE | STATX_BLOCKS, &status) != 0) return;
-        ++sum.files;
-        sum.bytes += static_cast<std::int64_t>(status.stx_blocks) * 512;
+        if (::statx(folder, name, flags, STATX_TYPE | STATX_BLOCKS, &status) != 0) return 0;
+        return static_cast<std::int64_t>(status.stx_blocks) * 512;
     }
 
     const std::size_t threads_;

@@ -1,5 +1,5 @@
-// The bare floor as a process of its own: `bench_floor FOLDER`. Prints the counted files and bytes
-// and the peak of resident memory in KiB.
+// The bare floor as a process of its own: `bench_floor FOLDER`. Prints the counted files and their
+// bytes, the peak of resident memory in KiB and the bytes of everything below the folder.
 #include <cstdio>
 
 #include <fmt/format.h>
@@ -14,6 +14,6 @@ int main(int count, char** arguments) {
         return 2;
     }
     const auto sum = velto::FloorWalk::run(arguments[1], velto::processorCount());
-    fmt::print("{} {} {}\n", sum.files, sum.bytes, velto::peakMemory());
+    fmt::print("{} {} {} {}\n", sum.files, sum.bytes, velto::peakMemory(), sum.total);
     return 0;
 }
