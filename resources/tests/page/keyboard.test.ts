@@ -203,7 +203,8 @@ describe('keys of the whole window', () => {
     expect(await label()).not.toBe(first);
     await press(page, 'Home');
     expect(await label()).toBe(first);
-    await press(page, 'Enter');
+    expect(first).toContain('show in Folders');
+    await press(page, 'ArrowRight', 'Enter');
     await page.waitForFunction(() => document.activeElement?.hasAttribute('data-key'));
     await opened.close();
   });

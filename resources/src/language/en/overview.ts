@@ -21,6 +21,9 @@ export const overview = {
   cell: (name: string, gb: number, category: string) => `${name}, ${size(gb)}, ${category}`,
   remainder: 'Everything else',
   remainderLabel: (gb: number, category: string) => `${category}: everything else, ${size(gb)}`,
+  toFolders: 'Show in Folders',
+  areaToFolders: (name: string, gb: number) => `${name}, ${size(gb)}: show in Folders`,
+  remainderToFolders: (name: string, gb: number) => `${name}: everything else, ${size(gb)}, show in Folders`,
   tableTitle: 'By category',
   columns: { category: 'Category', files: 'Files', size: 'Size' },
   categories: {

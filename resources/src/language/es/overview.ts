@@ -22,6 +22,9 @@ export const overview: typeof english = {
   cell: (name, gb, category) => `${name}, ${size(gb)}, ${category}`,
   remainder: 'Todo lo demás',
   remainderLabel: (gb, category) => `${category}: todo lo demás, ${size(gb)}`,
+  toFolders: 'Ver en Carpetas',
+  areaToFolders: (name, gb) => `${name}, ${size(gb)}: ver en Carpetas`,
+  remainderToFolders: (name, gb) => `${name}: todo lo demás, ${size(gb)}, ver en Carpetas`,
   tableTitle: 'Por categorías',
   columns: { category: 'Categoría', files: 'Archivos', size: 'Tamaño' },
   categories: {

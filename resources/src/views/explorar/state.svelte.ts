@@ -45,8 +45,8 @@ class Explorer {
   readonly stop: string | null = $derived(
     this.focused !== null && this.byKey.has(this.focused) ? this.focused : (this.keys[0] ?? null),
   );
-  readonly above: string | null = $derived(this.contents ? folderAbove(this.contents.path) : null);
-  readonly canGoUp: boolean = $derived(this.above !== null && folders.path !== folders.home);
+  /** The folder above the one that is wanted, which may still be awaited. */
+  readonly above: string | null = $derived(folders.path === folders.home ? null : folderAbove(folders.path));
   readonly canGoBack: boolean = $derived(this.trail.length > 0);
 
   private largestFew(): number[] {
@@ -91,9 +91,7 @@ class Explorer {
 
   /** Goes to a folder; what is selected stays behind. */
   open(path: string, arrival: Arrival | null = null): void {
-    if (this.contents && path !== this.contents.path) {
-      this.trail = [...this.trail, this.contents.path].slice(-longestTrail);
-    }
+    if (folders.path && path !== folders.path) this.trail = [...this.trail, folders.path].slice(-longestTrail);
     this.show(path, arrival);
   }
 
@@ -108,8 +106,8 @@ class Explorer {
 
   /** The folder that is left keeps the focus. */
   up(part: Arrival['part'] | null = null): void {
-    if (!this.contents || !this.canGoUp || this.above === null) return;
-    const left = this.contents.path;
+    if (this.above === null) return;
+    const left = folders.path;
     this.open(this.above, part && { part, key: left });
     this.focused = left;
   }
@@ -121,7 +119,7 @@ class Explorer {
       return;
     }
     this.trail = this.trail.slice(0, -1);
-    const left = this.contents?.path ?? '';
+    const left = folders.path;
     const key = left.startsWith(`${path}/`) ? pathBelow(path, left.slice(path.length + 1).split('/')[0]!) : null;
     this.show(path, part && { part, key });
     this.focused = key;
