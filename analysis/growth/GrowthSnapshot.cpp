@@ -1,0 +1,120 @@
+#include "analysis/growth/GrowthSnapshot.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/values/text.h"
+
+namespace velto {
+namespace {
+
+/// The large ones, those that were not measured, and all on the way to them.
+std::vector<bool> keptFolders(const FolderTree& tree, std::int64_t smallest) {
+    std::vector<bool> kept(tree.size(), false);
+    for (FolderTree::Index index = static_cast<FolderTree::Index>(tree.size()); index-- > 0;) {
+        const FolderTree::Folder& folder = tree[index];
+        const bool isRoot = folder.parent == FolderTree::none;
+        const bool isLarge = folder.bytes >= smallest;
+        if (isRoot || isLarge || folder.own.state != FolderState::measured) kept[index] = true;
+        if (kept[index] && !isRoot) kept[folder.parent] = true;
+    }
+    return kept;
+}
+
+}  // namespace
+
+/// The folders that are left stand in the order of the tree, so each folder's own stay side by
+/// side.
+GrowthSnapshot GrowthSnapshot::of(const FolderTree& tree, GrowthFacts facts) {
+    const std::vector<bool> kept = keptFolders(tree, facts.smallest);
+    GrowthSnapshot made;
+    made.facts_ = std::move(facts);
+    made.rootCount_ = tree.rootCount();
+    std::vector<Index> places(tree.size(), none);
+    Index next = 0;
+    for (Index index = 0; index < tree.size(); ++index) {
+        if (kept[index]) places[index] = next++;
+    }
+    made.folders_.reserve(next);
+    Index child = tree.rootCount();
+    for (Index index = 0; index < tree.size(); ++index) {
+        if (!kept[index]) continue;
+        const FolderTree::Folder& folder = tree[index];
+        made.names_ += tree.name(index);
+        made.folders_.push_back(
+            {.bytes = std::max<std::int64_t>(0, folder.bytes),
+             .inode = folder.own.inode == UINT64_MAX ? 0 : folder.own.inode,
+             .parent = folder.parent == FolderTree::none ? none : places[folder.parent],
+             .firstChild = child,
+             .nameEnd = static_cast<std::uint32_t>(made.names_.size()),
+             .unreadable = folder.own.unreadable,
+             .state = folder.own.state});
+        const auto [first, last] = tree.children(index);
+        child += static_cast<Index>(std::count(kept.begin() + first, kept.begin() + last, true));
+    }
+    return made;
+}
+
+FolderTree::Range GrowthSnapshot::children(Index index) const {
+    const Index next = index + 1;
+    const bool isLast = next == folders_.size();
+    return {folders_[index].firstChild,
+            isLast ? static_cast<Index>(folders_.size()) : folders_[next].firstChild};
+}
+
+std::string_view GrowthSnapshot::name(Index index) const {
+    const std::uint32_t start = index == 0 ? 0 : folders_[index - 1].nameEnd;
+    return std::string_view(names_).substr(start, folders_[index].nameEnd - start);
+}
+
+std::string GrowthSnapshot::path(Index index) const {
+    std::vector<std::string_view> names;
+    for (Index folder = index; folder != none; folder = folders_[folder].parent)
+        names.push_back(name(folder));
+    std::string path(names.back());
+    for (auto next = names.rbegin() + 1; next != names.rend(); ++next) {
+        if (!path.ends_with('/')) path += '/';
+        path += *next;
+    }
+    return path;
+}
+
+GrowthSnapshot::Index GrowthSnapshot::find(std::string_view path) const {
+    for (Index root = rootCount_; root-- > 0;) {
+        if (!isAtOrBelow(path, name(root))) continue;
+        std::string_view rest = path.substr(name(root).size());
+        Index folder = root;
+        while (folder != none && !rest.empty()) {
+            if (rest.front() == '/') rest.remove_prefix(1);
+            const std::string_view next = rest.substr(0, rest.find('/'));
+            rest.remove_prefix(next.size());
+            if (!next.empty()) folder = childNamed(folder, next);
+        }
+        if (folder != none) return folder;
+    }
+    return none;
+}
+
+GrowthSnapshot::Index GrowthSnapshot::childNamed(Index folder, std::string_view wanted) const {
+    auto [first, last] = children(folder);
+    const Index end = last;
+    while (first < last) {
+        const Index middle = first + (last - first) / 2;
+        if (name(middle) < wanted) {
+            first = middle + 1;
+        } else {
+            last = middle;
+        }
+    }
+    return first < end && name(first) == wanted ? first : none;
+}
+
+std::int64_t GrowthSnapshot::ownBytes(Index index) const {
+    std::int64_t bytes = folders_[index].bytes;
+    const auto [first, last] = children(index);
+    for (Index child = first; child < last; ++child)
+        bytes -= folders_[child].bytes;
+    return bytes;
+}
+
+}  // namespace velto

@@ -1,0 +1,91 @@
+#include "analysis/growth/thinning.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace velto {
+namespace {
+
+constexpr std::int64_t hour = 3600;
+constexpr std::int64_t day = 24 * hour;
+constexpr std::int64_t start = 1'800'000'000;
+
+/// What is stored after each of so many analyses, one every `step` seconds.
+struct Year {
+    std::vector<StoredSnapshot> stored;
+    std::size_t most = 0;
+    std::int64_t mostBytes = 0;
+
+    void analyse(std::int64_t moment, std::int64_t bytes) {
+        stored.push_back({.moment = moment, .bytes = bytes});
+        for (const std::int64_t gone : superfluousSnapshots(stored))
+            std::erase_if(stored, [gone](const StoredSnapshot& one) { return one.moment == gone; });
+        std::int64_t sum = 0;
+        for (const StoredSnapshot& one : stored)
+            sum += one.bytes;
+        most = std::max(most, stored.size());
+        mostBytes = std::max(mostBytes, sum);
+    }
+    /// How far before the wanted moment the nearest one at or before it lies; -1: there is none.
+    std::int64_t misses(std::int64_t wanted) const {
+        std::int64_t found = -1;
+        for (const StoredSnapshot& one : stored) {
+            if (one.moment <= wanted) found = wanted - one.moment;
+        }
+        return found;
+    }
+};
+
+TEST(GrowthThinning, AYearOfAnalysesLeavesSomeOfEachTime) {
+    for (const std::int64_t step : {6 * hour, day, 3 * day}) {
+        SCOPED_TRACE(step / hour);
+        Year year;
+        std::int64_t now = start;
+        for (; now < start + 500 * day; now += step)
+            year.analyse(now, 100'000);
+        now -= step;
+        EXPECT_LE(year.most, mostSnapshots);
+        EXPECT_EQ(year.stored.back().moment, now);
+        struct Wanted {
+            std::int64_t age;
+            std::int64_t within;
+        };
+        for (const Wanted wanted :
+             {Wanted{2 * day, day}, Wanted{7 * day, day}, Wanted{12 * day, day},
+              Wanted{30 * day, 7 * day}, Wanted{80 * day, 7 * day}, Wanted{200 * day, 30 * day},
+              Wanted{330 * day, 30 * day}}) {
+            const std::int64_t missed = year.misses(now - wanted.age);
+            EXPECT_GE(missed, 0) << wanted.age / day;
+            EXPECT_LE(missed, wanted.within + step) << wanted.age / day;
+        }
+        EXPECT_GE(year.stored.front().moment, now - 366 * day);
+    }
+}
+
+TEST(GrowthThinning, TheLastAnalysesAreAllThere) {
+    Year year;
+    for (int index = 0; index < 10; ++index)
+        year.analyse(start + index * 60, 1000);
+    EXPECT_EQ(year.stored.size(), 10U);
+}
+
+TEST(GrowthThinning, AllTogetherStayBelowTheBoundAndTheOldestGoFirst) {
+    Year year;
+    for (int index = 0; index < 40; ++index)
+        year.analyse(start + index * day, 5 << 20);
+    EXPECT_LE(year.mostBytes, mostGrowthBytes);
+    ASSERT_EQ(year.stored.size(), 6U);
+    EXPECT_EQ(year.stored.back().moment, start + 39 * day);
+}
+
+TEST(GrowthThinning, TheNewestTwoStayHoweverOldAndLarge) {
+    const std::vector<StoredSnapshot> stored = {{.moment = start, .bytes = 16 << 20},
+                                                {.moment = start + 900 * day, .bytes = 40 << 20}};
+    EXPECT_TRUE(superfluousSnapshots(stored).empty());
+    EXPECT_TRUE(superfluousSnapshots({}).empty());
+}
+
+}  // namespace
+}  // namespace velto
