@@ -5,6 +5,7 @@
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/GrowthIntents.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
@@ -76,6 +77,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{link, platform_, exclusions_});
     folderIntents_ = std::make_shared<FolderIntents>(
         FolderIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
+    growthIntents_ = std::make_shared<GrowthIntents>(
+        GrowthIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }

@@ -45,6 +45,7 @@ struct BridgeContext {
 class AccessIntents;
 class AppIntents;
 class FolderIntents;
+class GrowthIntents;
 class LeftBehindIntent;
 class PackageIntents;
 class QuitIntents;
@@ -175,6 +176,7 @@ private:
     std::shared_ptr<LeftBehindIntent> leftBehindIntent_;
     std::shared_ptr<SystemIntents> systemIntents_;
     std::shared_ptr<FolderIntents> folderIntents_;
+    std::shared_ptr<GrowthIntents> growthIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

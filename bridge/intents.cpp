@@ -5,6 +5,7 @@
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/PackageIntents.h"
@@ -42,6 +43,7 @@ struct IntentTable {
     static constexpr auto quitting = &JSBridge::quitIntents_;
     static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
     static constexpr auto folders = &JSBridge::folderIntents_;
+    static constexpr auto growing = &JSBridge::growthIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -84,6 +86,9 @@ struct IntentTable {
         {"leftBehind", at<leftovers, &LeftBehindIntent::onLeftBehind>},
         {"folder", at<folders, &FolderIntents::onFolder>},
         {"searchFolders", at<folders, &FolderIntents::onSearchFolders>},
+        {"growth", at<growing, &GrowthIntents::onGrowth>},
+        {"folderGrowth", at<growing, &GrowthIntents::onFolderGrowth>},
+        {"forgetGrowth", at<growing, &GrowthIntents::onForgetGrowth>},
     });
 };
 

@@ -5,6 +5,7 @@
 
 #include "bridge/CleanupOutcome.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
@@ -176,6 +177,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     bootState.reset();
     lists_.forget();
     folderIntents_->forget();
+    growthIntents_->tellAnew();
     evaluate(events::exclusions(exclusions_.paths()));
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",
