@@ -162,6 +162,7 @@ private:
     CleanupQueue& cleanups_;
     AnalysisLists lists_;
     AnalysisLists::Mark analysisBegun_ = 0;
+    std::vector<std::string> analysisExcluded_;    // what the last one kept out of
     std::vector<HistoryEntry> history_;            // what the page knows
     std::optional<std::vector<TrashItem>> trash_;  // the same; none until it has been read
     std::vector<WaitingItem> waiting_;             // the same of what waits for a disk

@@ -5,6 +5,7 @@
 
 #include "analysis/post_processing.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
@@ -16,6 +17,7 @@ void JSBridge::startAnalysis() {
     if (scanRunning) return;
     scanRunning = true;
     analysisBegun_ = lists_.mark();
+    analysisExcluded_ = exclusions_.paths();
     evaluate(events::scanStarted());
     log("Velto ▶ análisis iniciado");
 
@@ -39,7 +41,7 @@ void JSBridge::startAnalysis() {
     };
     dispatcher.global(
         QualityOfService::userInitiated,
-        [scanner = scanner_, excluded = exclusions_.paths(), cancelled, end, progress] {
+        [scanner = scanner_, excluded = analysisExcluded_, cancelled, end, progress] {
             try {
                 const auto output = std::make_shared<const AnalysisOutput>(
                     scanner->scanner.scan(excluded, cancelled, progress));
@@ -84,7 +86,9 @@ void JSBridge::keepFolders(double measured) {
     folders->tree = scanner.folders();
     folders->measured = measured;
     folders->hiddenBytes = scanner.hiddenBytes();
-    folderIntents_->replace(std::move(folders), resetsAhead_ == 0);
+    const bool isKept = resetsAhead_ == 0;
+    folderIntents_->replace(folders, isKept);
+    if (isKept) growthIntents_->keep(folders->tree, measured, analysisExcluded_);
 }
 
 void JSBridge::failAnalysis(const std::string& line) {
