@@ -6,4 +6,7 @@ namespace velto {
 /// threads that it starts from now on. What the system refuses is left as it is.
 void runInBackground();
 
+/// The same for the calling thread alone, for the rest of its life.
+void runThreadInBackground();
+
 }  // namespace velto

@@ -2,6 +2,7 @@
 
 #include <sys/statvfs.h>
 
+#include "platform/linux/mount_table.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
@@ -30,6 +31,31 @@ std::optional<std::int64_t> LinuxVolumeInfo::totalCapacity(const std::string& pa
 std::optional<std::int64_t> LinuxVolumeInfo::availableCapacity(const std::string& path) const {
     const auto figures = figuresOf(path);
     return figures ? bytes(figures->f_bavail, figures->f_frsize) : std::nullopt;
+}
+
+std::optional<std::int64_t> LinuxVolumeInfo::reservedCapacity(const std::string& path) const {
+    const auto figures = figuresOf(path);
+    if (!figures || figures->f_bfree <= figures->f_bavail) return std::nullopt;
+    return bytes(figures->f_bfree - figures->f_bavail, figures->f_frsize);
+}
+
+/// Nothing here is given back by itself.
+std::optional<std::int64_t> LinuxVolumeInfo::purgeableCapacity(const std::string&) const {
+    return std::nullopt;
+}
+
+std::vector<MountedVolume> LinuxVolumeInfo::volumesBelow(const std::string& folder) const {
+    std::vector<MountedVolume> volumes;
+    for (const Mount& mount :
+         otherVolumesBelow(systemMounts().value_or(std::vector<Mount>()), folder)) {
+        if (mayWait(mount)) {
+            volumes.push_back({.path = mount.place, .used = std::nullopt});
+        } else if (const auto figures = figuresOf(mount.place)) {
+            const auto used = bytes(figures->f_blocks - figures->f_bfree, figures->f_frsize);
+            volumes.push_back({.path = mount.place, .used = used});
+        }
+    }
+    return volumes;
 }
 
 }  // namespace velto

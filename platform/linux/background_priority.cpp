@@ -24,4 +24,7 @@ void runInBackground() {
     syscall(SYS_ioprio_set, whoProcess, 0, idleClass << classShift);
 }
 
+// All three calls are about the calling thread on this system, and its threads inherit them.
+void runThreadInBackground() { runInBackground(); }
+
 }  // namespace velto

@@ -1,7 +1,9 @@
 #include "platform/linux/mount_table.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <map>
 
 #include "platform/linux/kernel_file.h"
 #include "platform/posix/foreign_file.h"
@@ -45,6 +47,21 @@ Mount mountIn(std::string_view line) {
     return mount;
 }
 
+bool isAtOrBelow(std::string_view path, std::string_view folder) {
+    if (folder == "/") return path.starts_with('/');
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+/// The device of the mount on which a path lies: the longest place above it, the last one there.
+std::string_view deviceOf(const std::vector<Mount>& mounts, std::string_view path) {
+    const Mount* found = nullptr;
+    for (const Mount& mount : mounts) {
+        if (!isAtOrBelow(path, mount.place)) continue;
+        if (found == nullptr || mount.place.size() >= found->place.size()) found = &mount;
+    }
+    return found == nullptr ? std::string_view() : found->device;
+}
+
 }  // namespace
 
 std::optional<std::vector<Mount>> mountsIn(std::string_view table) {
@@ -62,10 +79,30 @@ std::optional<std::vector<Mount>> systemMounts() {
 }
 
 bool holdsMount(const std::vector<Mount>& mounts, std::string_view path) {
-    return std::ranges::any_of(mounts, [&](const Mount& mount) {
-        return mount.place.starts_with(path) &&
-               (mount.place.size() == path.size() || mount.place[path.size()] == '/');
-    });
+    return std::ranges::any_of(mounts,
+                               [&](const Mount& mount) { return isAtOrBelow(mount.place, path); });
+}
+
+std::vector<Mount> otherVolumesBelow(const std::vector<Mount>& mounts, std::string_view folder) {
+    std::map<std::string, const Mount*> atPlace;
+    for (const Mount& mount : mounts) {
+        if (mount.place != folder && isAtOrBelow(mount.place, folder))
+            atPlace[mount.place] = &mount;
+    }
+    const std::string_view own = deviceOf(mounts, folder);
+    std::vector<Mount> others;
+    for (const auto& [place, mount] : atPlace) {
+        if (mount->device != own) others.push_back(*mount);
+    }
+    return others;
+}
+
+bool mayWait(const Mount& mount) {
+    constexpr auto networks = std::to_array<std::string_view>(
+        {"nfs", "nfs4", "cifs", "smb3", "smbfs", "9p", "afs", "ceph", "coda", "autofs", "fuse"});
+    // A program behind a FUSE volume may be gone, or ask another machine; "fuseblk" is a disk.
+    return std::ranges::find(networks, mount.type) != networks.end() ||
+           mount.type.starts_with("fuse.");
 }
 
 }  // namespace velto

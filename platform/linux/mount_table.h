@@ -27,4 +27,12 @@ std::optional<std::vector<Mount>> systemMounts();
 /// Whether one of the mounts stands at an absolute path or below it.
 bool holdsMount(const std::vector<Mount>& mounts, std::string_view path);
 
+/// What is mounted below a folder and stored elsewhere than the folder itself, by place; of several
+/// at one place the last one, which hides the others. Parts of the folder's own volume (a bind
+/// mount, a subvolume) are left out: their space is that volume's.
+std::vector<Mount> otherVolumesBelow(const std::vector<Mount>& mounts, std::string_view folder);
+
+/// Whether asking the volume for its figures could wait for another machine, or for a program.
+bool mayWait(const Mount& mount);
+
 }  // namespace velto

@@ -150,9 +150,19 @@ public:
     std::optional<std::int64_t> availableCapacity(const std::string&) const override {
         return available;
     }
+    std::optional<std::int64_t> reservedCapacity(const std::string&) const override {
+        return reserved;
+    }
+    std::optional<std::int64_t> purgeableCapacity(const std::string&) const override {
+        return purgeable;
+    }
+    std::vector<MountedVolume> volumesBelow(const std::string&) const override { return volumes; }
 
     std::optional<std::int64_t> total = 500'000'000'000;
     std::optional<std::int64_t> available = 125'000'000'000;
+    std::optional<std::int64_t> reserved;
+    std::optional<std::int64_t> purgeable;
+    std::vector<MountedVolume> volumes;
 };
 
 class FakeUserDefaults final : public UserDefaults {

@@ -33,5 +33,20 @@ TEST(LinuxVolumeInfo, AMissingPathAndAVolumeWithoutBlocksHaveNoFigures) {
     EXPECT_FALSE(volumes.availableCapacity("/proc"));
 }
 
+TEST(LinuxVolumeInfo, WhatIsKeptForTheAdministratorIsNoPartOfWhatIsAvailable) {
+    TempHome home;
+    struct statvfs figures {};
+    ASSERT_EQ(statvfs(home.path().c_str(), &figures), 0);
+    const auto kept = LinuxVolumeInfo().reservedCapacity(home.path());
+    EXPECT_EQ(kept.value_or(0),
+              static_cast<std::int64_t>((figures.f_bfree - figures.f_bavail) * figures.f_frsize));
+    EXPECT_FALSE(LinuxVolumeInfo().reservedCapacity("/nowhere/at/all"));
+}
+
+TEST(LinuxVolumeInfo, VolumesWithoutBlocksAreNotToldOf) {
+    for (const MountedVolume& volume : LinuxVolumeInfo().volumesBelow("/"))
+        EXPECT_FALSE(volume.path.starts_with("/proc")) << volume.path;
+}
+
 }  // namespace
 }  // namespace velto

@@ -59,5 +59,38 @@ TEST(MountTable, ThisProcessSeesARoot) {
     EXPECT_TRUE(holdsMount(*mounts, "/proc"));
 }
 
+std::vector<std::string> othersBelow(const std::string& lines, std::string_view folder) {
+    std::vector<std::string> places;
+    for (const Mount& mount : otherVolumesBelow(mountsIn(lines).value(), folder))
+        places.push_back(mount.place);
+    return places;
+}
+
+TEST(MountTable, OtherVolumesBelowAFolderAreThoseStoredElsewhere) {
+    EXPECT_EQ(othersBelow(table, "/home/ana"), (std::vector<std::string>{"/home/ana/My stick"}));
+    EXPECT_TRUE(othersBelow(table, "/home/an").empty());
+    EXPECT_TRUE(othersBelow(table, "/home/ana/chroot").empty());
+}
+
+TEST(MountTable, AHomeOnAVolumeOfItsOwnIsComparedWithThat) {
+    const std::string own = table +
+                            "99 28 0:40 /@home /home rw - btrfs /dev/sda3 rw\n"
+                            "100 99 0:40 /@cache /home/ana/.cache rw - btrfs /dev/sda3 rw\n";
+    EXPECT_EQ(othersBelow(own, "/home/ana"),
+              (std::vector<std::string>{"/home/ana/My stick", "/home/ana/chroot/home"}));
+}
+
+TEST(MountTable, OfSeveralAtOnePlaceTheLastOneCounts) {
+    const std::string over = table + "99 98 8:2 /x /home/ana/My\\040stick rw - ext4 /dev/sda2 rw\n";
+    EXPECT_TRUE(othersBelow(over, "/home/ana").empty());
+}
+
+TEST(MountTable, NetworksAndProgramsAreNotWaitedFor) {
+    for (const char* type : {"nfs4", "cifs", "fuse.sshfs", "fuse", "autofs"})
+        EXPECT_TRUE(mayWait({.type = type})) << type;
+    for (const char* type : {"ext4", "vfat", "fuseblk", "btrfs", "tmpfs"})
+        EXPECT_FALSE(mayWait({.type = type})) << type;
+}
+
 }  // namespace
 }  // namespace velto
