@@ -5,8 +5,8 @@
 namespace velto {
 
 DupFinder::Result DupFinder::find(const std::vector<FileRecord>& files,
-                                  const std::function<bool()>& stopped) const {
-    return DupSearch(files, clock_, contents_, threads_, stopped).run();
+                                  const std::function<bool()>& stopped, Budget budget) const {
+    return DupSearch(files, clock_, contents_, threads_, stopped, budget).run();
 }
 
 }  // namespace velto

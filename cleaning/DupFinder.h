@@ -30,7 +30,13 @@ public:
     struct Result {
         std::vector<Group> groups;  // in the input order of their first path
         bool budgetExhausted = false;
+        /// What the search did not get through, in input order: a search among these finds what
+        /// this one has not.
+        std::vector<FileRecord> left;
     };
+
+    /// How long whole files are read.
+    enum class Budget { twelveSeconds, unlimited };
 
     /// Smaller files are not compared: more than a million bytes, on purpose.
     static constexpr std::int64_t smallestSize = 1'000'001;
@@ -39,12 +45,12 @@ public:
     DupFinder(const Clock& clock, FileContentReader& contents, std::size_t threads = 0)
         : clock_(clock), contents_(contents), threads_(threads) {}
 
-    /// Blocks; hashing stops after 12 seconds and what was compared until then is returned. Files
-    /// that cannot be read, or whose size changes meanwhile, are left out. `stopped`, asked from
-    /// several threads before each file and between its chunks, ends the search early; what is
-    /// returned then is of no use.
-    Result find(const std::vector<FileRecord>& files,
-                const std::function<bool()>& stopped = {}) const;
+    /// Blocks; hashing stops at the end of the budget and what was compared until then is returned.
+    /// Files that cannot be read, or whose size changes meanwhile, are left out. `stopped`, asked
+    /// from several threads before each file and between its chunks, ends the search early, as the
+    /// end of the budget does.
+    Result find(const std::vector<FileRecord>& files, const std::function<bool()>& stopped = {},
+                Budget budget = Budget::twelveSeconds) const;
 
 private:
     const Clock& clock_;

@@ -14,7 +14,7 @@
 namespace velto {
 namespace {
 
-constexpr double budget = 12;              // seconds of hashing whole files
+constexpr double longest = 12;             // seconds of hashing whole files
 constexpr std::size_t quickLength = 4096;  // bytes at the start of a file
 constexpr std::size_t sampleLength = 4096;
 constexpr std::size_t chunkLength = 1024 * 1024;
@@ -57,11 +57,12 @@ std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std:
 
 DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
                      FileContentReader& contents, std::size_t threads,
-                     const std::function<bool()>& stopped)
+                     const std::function<bool()>& stopped, DupFinder::Budget budget)
     : files_(files),
       clock_(clock),
       contents_(contents),
       stopped_(stopped),
+      budget_(budget),
       tools_(threads == 0 ? processorCount() : threads),
       keys_(files.size()) {
     for (Tools& tools : tools_) {
@@ -73,11 +74,15 @@ DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
 
 DupFinder::Result DupSearch::run() {
     const std::vector<Set> sets = narrowed(sameSize(), &DupSearch::firstBytes);
-    deadline_ = clock_.monotonic() + budget;
+    if (budget_ == DupFinder::Budget::twelveSeconds) deadline_ = clock_.monotonic() + longest;
     std::vector<Set> equal;
     std::vector<Set> batch;
     std::size_t batchFiles = 0;
-    for (std::size_t index = 0; index < sets.size() && !stopping_; ++index) {
+    for (std::size_t index = 0; index < sets.size(); ++index) {
+        if (stopping_) {
+            leave(sets[index]);
+            continue;
+        }
         batch.push_back(sets[index]);
         batchFiles += sets[index].size();
         if (batchFiles < filesAtOnce && index + 1 < sets.size()) continue;
@@ -87,7 +92,10 @@ DupFinder::Result DupSearch::run() {
         batchFiles = 0;
     }
     std::ranges::sort(equal, {}, [](const Set& set) { return set.front(); });
+    std::ranges::sort(left_);
     DupFinder::Result result;
+    for (std::size_t file : left_)
+        result.left.push_back(files_[file]);
     for (const Set& set : equal)
         result.groups.push_back(group(set));
     result.budgetExhausted = budgetExhausted_;
@@ -105,7 +113,7 @@ std::vector<DupSearch::Set> DupSearch::sameSize() const {
 }
 
 /// Applies the test to every file of the sets, several at once, and divides the sets by it. A set
-/// that the search did not get through is dropped whole.
+/// that the search did not get through is left whole for another one.
 std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Test test) {
     Set files;
     for (const Set& set : sets)
@@ -114,14 +122,21 @@ std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Te
         keys_[files[index]] = apply(test, files[index], tools_[thread]);
     });
     std::vector<Set> reached;
-    std::ranges::copy_if(sets, std::back_inserter(reached),
-                         [&](const Set& set) { return wasReached(set); });
+    for (const Set& set : sets) {
+        if (wasReached(set)) {
+            reached.push_back(set);
+        } else {
+            leave(set);
+        }
+    }
     return divided(reached, [&](std::size_t file) { return keys_[file].text; });
 }
 
 bool DupSearch::wasReached(const Set& set) const {
     return std::ranges::all_of(set, [&](std::size_t file) { return keys_[file].reached; });
 }
+
+void DupSearch::leave(const Set& set) { left_.insert(left_.end(), set.begin(), set.end()); }
 
 /// Files whose last test was that of their whole content.
 DupFinder::Group DupSearch::group(const Set& set) const {

@@ -20,7 +20,7 @@ namespace velto {
 class DupSearch {
 public:
     DupSearch(const std::vector<FileRecord>& files, const Clock& clock, FileContentReader& contents,
-              std::size_t threads, const std::function<bool()>& stopped);
+              std::size_t threads, const std::function<bool()>& stopped, DupFinder::Budget budget);
 
     DupFinder::Result run();
 
@@ -42,6 +42,7 @@ private:
     std::vector<Set> sameSize() const;
     std::vector<Set> narrowed(const std::vector<Set>& sets, Test test);
     bool wasReached(const Set& set) const;
+    void leave(const Set& set);
     DupFinder::Group group(const Set& set) const;
 
     Key apply(Test test, std::size_t file, Tools& tools);
@@ -55,8 +56,10 @@ private:
     const Clock& clock_;
     FileContentReader& contents_;
     const std::function<bool()>& stopped_;
+    const DupFinder::Budget budget_;
     std::vector<Tools> tools_;        // by thread
     std::vector<Key> keys_;           // by file, of the test that was applied last
+    Set left_;                        // what the search did not get through
     std::optional<double> deadline_;  // on the monotonic clock; none before the full-hash stage
     std::atomic<bool> stopping_{false};
     std::atomic<bool> budgetExhausted_{false};

@@ -139,5 +139,48 @@ TEST_F(DupFinderBudget, ACallerWhoWantsNoMoreStopsItWithoutTheFlag) {
     EXPECT_THAT(contents.bytesRead("/a/file"), Le(3 * megabyte + 3 * 4096));
 }
 
+TEST_F(DupFinderBudget, WhatItDidNotGetThroughIsLeftForAnotherSearch) {
+    addPair("late", 9 * megabyte);
+    addPair("early", 2 * megabyte);
+    records.push_back({"/alone", 3 * megabyte});
+    contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
+        if (path == "/b/late" && offset == 3 * megabyte) clock.advance(12'001);
+    };
+    const auto first = find();
+    EXPECT_THAT(first.left, ElementsAre(records[0], records[1]));
+    contents.beforeRead = nullptr;
+    const auto rest = DupFinder(clock, contents, 1).find(first.left);
+    ASSERT_THAT(rest.groups, SizeIs(1));
+    EXPECT_THAT(rest.groups[0].paths, ElementsAre("/a/late", "/b/late"));
+    EXPECT_THAT(rest.left, IsEmpty());
+}
+
+TEST_F(DupFinderBudget, WithEveryThreadNoFileIsBothSettledAndLeft) {
+    for (int index = 0; index < 50; ++index)
+        addPair(std::to_string(index), 3 * megabyte);
+    contents.beforeRead = [&](const std::string&, std::int64_t offset) {
+        if (offset >= megabyte) clock.advance(200);
+    };
+    const auto result = find(4);
+    EXPECT_EQ(result.groups.size() * 2 + result.left.size(), records.size());
+}
+
+TEST_F(DupFinderBudget, WithoutALimitNothingIsLeft) {
+    addPair("file", 9 * megabyte);
+    contents.beforeRead = [&](const std::string&, std::int64_t) { clock.advance(60'000); };
+    const auto result =
+        DupFinder(clock, contents, 1).find(records, {}, DupFinder::Budget::unlimited);
+    EXPECT_FALSE(result.budgetExhausted);
+    EXPECT_THAT(result.groups, SizeIs(1));
+    EXPECT_THAT(result.left, IsEmpty());
+}
+
+TEST_F(DupFinderBudget, ASearchThatIsStoppedLeavesTheRest) {
+    addPair("file", 9 * megabyte);
+    addPair("other", 8 * megabyte);
+    stopped = [] { return true; };
+    EXPECT_THAT(find().left, SizeIs(4));
+}
+
 }  // namespace
 }  // namespace velto
