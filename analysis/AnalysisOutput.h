@@ -4,10 +4,14 @@
 #include <vector>
 
 #include "analysis/DiskState.h"
+#include "analysis/Measurement.h"
+#include "analysis/list_details.h"
+#include "cleaning/DupFinder.h"
 
 namespace velto {
 
-/// What a walk and its post-processing produce: the fields of DiskState that come from the disk.
+/// What a walk and its post-processing produce: the fields of DiskState that come from the disk,
+/// and what they do not say.
 struct AnalysisOutput {
     double total = 0;  // GB
     double free = 0;   // GB
@@ -15,6 +19,11 @@ struct AnalysisOutput {
     std::vector<BigFile> files;
     std::vector<DupGroup> dupGroups;
     std::vector<std::string> protectedLocations;
+
+    // Besides, for what the page says of them.
+    ListDetails details;
+    Measurement measurement;
+    std::vector<FileRecord> uncompared;  // what the search for duplicates did not get through
 };
 
 }  // namespace velto

@@ -81,13 +81,17 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
                     filesScanned, fileList.size()));
 
     std::vector<std::string> keptOut;
+    std::vector<std::string> withheld;
     if (!hasAccess) {
         for (const NamedLocation& location : platform_.layout.protectedLocations) {
             keptOut.push_back(location.identifier);
+            withheld.push_back(location.path);
         }
     }
     AnalysisOutput output =
         postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled);
+    output.measurement.withheld = std::move(withheld);
+    output.measurement.excluded = excluded;
     if (cancelled.isCancelled()) throw CancellationError();
     platform_.log->line(
         fmt::format("Velto ▶ post-proceso listo (duplicados: {} grupos)", output.dupGroups.size()));

@@ -44,6 +44,17 @@ DupGroup duplicateGroup(const DupFinder::Group& group, const FileManager& files,
     return result;
 }
 
+Measurement measured(const VolumeInfo& volumes, const std::string& home, const WalkTotals& totals) {
+    Measurement measurement;
+    measurement.total = volumes.totalCapacity(home).value_or(0);
+    measurement.free = volumes.availableCapacity(home).value_or(0);
+    measurement.reserved = volumes.reservedCapacity(home).value_or(0);
+    measurement.purgeable = volumes.purgeableCapacity(home).value_or(0);
+    measurement.volumes = volumes.volumesBelow(home);
+    measurement.home = totals.bytesScanned;
+    return measurement;
+}
+
 }  // namespace
 
 VolumeFigures volumeFigures(const VolumeInfo& volumes, const std::string& path) {
@@ -118,6 +129,12 @@ AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::in
             "Velto ▶ duplicados: presupuesto de tiempo agotado, se devuelve lo comprobado");
     }
     output.dupGroups = duplicateGroups(duplicates.groups, *platform.files, platform.clock->now());
+    output.uncompared = duplicates.left;
+    output.details = listDetails(output.files, output.dupGroups, *platform.files);
+    output.measurement = measured(*platform.volumes, platform.layout.home, totals);
+    output.measurement.unreadable.count = unreadable;
+    output.measurement.compared = {.complete = duplicates.left.empty(),
+                                   .left = static_cast<std::int64_t>(duplicates.left.size())};
     return output;
 }
 

@@ -36,6 +36,10 @@ void AnalysisLists::replace(const DiskState& analysis, Mark begun) {
     std::erase_if(gone_, [&](const auto& entry) { return entry.second <= begun; });
 }
 
+void AnalysisLists::add(const std::vector<DupGroup>& groups) {
+    groups_.insert(groups_.end(), groups.begin(), groups.end());
+}
+
 void AnalysisLists::forget() {
     files_.clear();
     groups_.clear();

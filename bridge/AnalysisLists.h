@@ -26,6 +26,9 @@ public:
     /// them, or stands at its place again.
     void replace(const DiskState& analysis, Mark begun);
 
+    /// Takes duplicates that were found later.
+    void add(const std::vector<DupGroup>& groups);
+
     void forget();
 
     /// Takes what the cleaning rules have proposed last, for its sizes.

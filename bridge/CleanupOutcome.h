@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -35,7 +37,8 @@ struct CleanupOutcome {
     std::vector<std::string> back;
 
     // As all is when the item ends.
-    std::vector<TrashItem> trash;  // oldest first
+    std::vector<TrashItem> trash;                    // oldest first
+    std::map<std::string, std::int64_t> trashBytes;  // by id, where that is known
     std::vector<WaitingItem> waiting;
     std::vector<HistoryEntry> history;
     VolumeFigures volume;

@@ -7,6 +7,7 @@
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/LeftBehindIntent.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
@@ -79,6 +80,10 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         FolderIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
     growthIntents_ = std::make_shared<GrowthIntents>(
         GrowthIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
+    measurementIntents_ = std::make_shared<MeasurementIntents>(MeasurementIntents::Context{
+        .link = link, .platform = platform_, .found = [this](const auto& groups) {
+            addDuplicates(groups);
+        }});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }
@@ -100,6 +105,7 @@ void JSBridge::attach(const std::shared_ptr<WebView>& view) {
     refreshTrash();
     systemIntents_->sendSamples();
     if (!bootState) return;
+    measurementIntents_->lookAtSaved(bootState->state, bootState->stamp);
     if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
         view->addUserScript(*script);
     }
@@ -111,6 +117,7 @@ void JSBridge::applyBootState() {
                     real ? "real" : "pendiente de análisis",
                     bootState ? bootState->state.cats.size() : 0,
                     bootState ? bootState->state.files.size() : 0));
+    measurementIntents_->tellAll();
     pushState();
     if (bootState) folderIntents_->load();  // not before the page has something to show
     isWaitingForTrash_ = true;
@@ -122,6 +129,7 @@ void JSBridge::finishBoot() {
     isWaitingForTrash_ = false;
     if (!waiting_.empty()) evaluate(events::trashWaiting(waiting_));
     evaluate(events::trashState(*trash_));
+    measurementIntents_->tellTrash();
     if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
     if (needsFirstScan) startAnalysis();
 }

@@ -47,6 +47,7 @@ class AppIntents;
 class FolderIntents;
 class GrowthIntents;
 class LeftBehindIntent;
+class MeasurementIntents;
 class PackageIntents;
 class QuitIntents;
 class SettingsIntents;
@@ -123,6 +124,7 @@ private:
     void endAnalysis();
     DiskState stateToShow() const;
     void rememberState() const;
+    void addDuplicates(const std::vector<DupGroup>& groups);
 
     void makeIntents(const BridgeContext& context);
 
@@ -178,6 +180,7 @@ private:
     std::shared_ptr<SystemIntents> systemIntents_;
     std::shared_ptr<FolderIntents> folderIntents_;
     std::shared_ptr<GrowthIntents> growthIntents_;
+    std::shared_ptr<MeasurementIntents> measurementIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

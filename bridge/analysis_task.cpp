@@ -7,6 +7,7 @@
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
 #include "platform/values/units.h"
@@ -72,6 +73,7 @@ void JSBridge::finishAnalysis(const AnalysisOutput& output) {
     needsFirstScan = false;
     rememberState();
     keepFolders(now);
+    measurementIntents_->takeAnalysis(output, now, resetsAhead_ == 0);
     pushState();
     evaluate(events::scanFinished());
     log(fmt::format("Velto ▶ análisis terminado: {} archivos top, {} GB libres",
@@ -89,6 +91,15 @@ void JSBridge::keepFolders(double measured) {
     const bool isKept = resetsAhead_ == 0;
     folderIntents_->replace(folders, isKept);
     if (isKept) growthIntents_->keep(folders->tree, measured, analysisExcluded_);
+}
+
+/// Of files that the analysis had no time for.
+void JSBridge::addDuplicates(const std::vector<DupGroup>& groups) {
+    if (!bootState) return;
+    lists_.add(groups);
+    lists_.show(bootState->state);
+    rememberState();
+    pushState();
 }
 
 void JSBridge::failAnalysis(const std::string& line) {

@@ -3,6 +3,7 @@
 
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 
 namespace velto {
@@ -34,6 +35,7 @@ void JSBridge::showCleanables(std::vector<Candidate> found, AnalysisLists::Mark 
         return lists_.hasGoneSince(candidate.path, begun);
     });
     lists_.replaceCleanables(found);
+    measurementIntents_->tellCleanables(found);
     evaluate(events::cleanables(found));
 }
 

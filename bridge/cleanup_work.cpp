@@ -4,6 +4,7 @@
 
 #include "bridge/CleanupOutcome.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 #include "platform/values/text.h"
 
@@ -71,6 +72,7 @@ std::shared_ptr<const CleanupOutcome> carryOut(
         }
     }
     outcome->trash = services.trash.items();
+    outcome->trashBytes = services.trash.exactSizes();
     outcome->waiting = services.trash.waitingItems();
     outcome->history = services.history.entries();
     outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
@@ -122,6 +124,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     const bool hasTrashChanged = isFirst || outcome.trash != *trash_ || outcome.waiting != waiting_;
     const bool hasHistoryChanged = outcome.history != history_;
     trash_ = outcome.trash;
+    measurementIntents_->takeTrash(outcome.trashBytes);
     const bool hadWaiting = !waiting_.empty();
     waiting_ = outcome.waiting;
     history_ = outcome.history;
@@ -139,6 +142,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
         pushTrash();
     }
     if (hasTrashChanged || hasStateChanged) pushState();
+    measurementIntents_->tellNewTrash();
 }
 
 /// Brings the current analysis up to date and remembers it. True when the page sees a difference.

@@ -8,6 +8,7 @@
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/SettingsIntents.h"
@@ -44,6 +45,7 @@ struct IntentTable {
     static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
     static constexpr auto folders = &JSBridge::folderIntents_;
     static constexpr auto growing = &JSBridge::growthIntents_;
+    static constexpr auto measured = &JSBridge::measurementIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -89,6 +91,8 @@ struct IntentTable {
         {"growth", at<growing, &GrowthIntents::onGrowth>},
         {"folderGrowth", at<growing, &GrowthIntents::onFolderGrowth>},
         {"forgetGrowth", at<growing, &GrowthIntents::onForgetGrowth>},
+        {"continueComparison", at<measured, &MeasurementIntents::onContinueComparison>},
+        {"stopComparison", at<measured, &MeasurementIntents::onStopComparison>},
     });
 };
 

@@ -7,6 +7,7 @@
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
 #include "cleaning/own_folder.h"
@@ -178,6 +179,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     lists_.forget();
     folderIntents_->forget();
     growthIntents_->tellAnew();
+    measurementIntents_->forget();
     evaluate(events::exclusions(exclusions_.paths()));
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",

@@ -87,6 +87,11 @@ public:
     /// throws; a trash that is out of reach is left to the next purge.
     double purgeExpired(std::int64_t retentionDays);
 
+    /// What items take up, in bytes by their ids, as far as that is known better than their `gb`
+    /// tells: files are looked at in the trash, once each; a folder's size is told where it was
+    /// measured before the move. Never throws.
+    const std::map<std::string, std::int64_t>& exactSizes();
+
     /// The sum over all items, not rounded.
     double totalGB();
 
@@ -184,7 +189,8 @@ private:
     TrashManifest manifest_;
     Manifest lists_;
     TrashRecovery recovery_;
-    std::vector<JournalEntry> waiting_;  // as they were read or written last
+    std::vector<JournalEntry> waiting_;               // as they were read or written last
+    std::map<std::string, std::int64_t> exactSizes_;  // as found so far
     bool leftJournal_ = false;  // the lists could not be saved; the journal tells of the change
 };
 

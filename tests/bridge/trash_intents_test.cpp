@@ -23,14 +23,15 @@ TEST_F(TrashIntents, RemovingTellsHowMuchForHowLongAndShowsTheNewState) {
     EXPECT_EQ(trash.items()[0].gb, 1.2) << "the size that the analysis has found";
     EXPECT_EQ(trash.items()[1].gb, 4.9);
 
-    // The toast, then the trash, then the state.
-    ASSERT_THAT(page->scripts, SizeIs(6));
+    // The toast, then the trash, then the state, then what they do not say.
+    ASSERT_THAT(page->scripts, SizeIs(7));
     EXPECT_EQ(page->scripts[1], toastScript("Removed", "6.1 GB in Velto Trash. Kept for 30 days."));
     EXPECT_EQ(page->scripts[2], trashChangedScript("6.1"));
     EXPECT_THAT(page->scripts[3], HasSubstr("onTrashState(["));
     EXPECT_THAT(page->scripts[4], HasSubstr("onPermissions("));
     EXPECT_THAT(page->scripts[5], HasSubstr("setState("));
     EXPECT_THAT(page->scripts[5], HasSubstr(", 1600000000.0);")) << "its old stamp";
+    EXPECT_THAT(page->scripts[6], HasSubstr("onExactSizes("));
 }
 
 TEST_F(TrashIntents, TheToastFollowsLanguageAndRetention) {

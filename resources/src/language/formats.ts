@@ -25,6 +25,11 @@ function once<Made>(make: () => Made): () => Made {
   return () => (made ??= make());
 }
 
+/** Of a number of gigabytes; sums of such numbers miss by a little. */
+function isWholeTenth(gb: number): boolean {
+  return Math.abs(gb * 10 - Math.round(gb * 10)) < 1e-7 && gb > 0.05;
+}
+
 export function createFormats(code: LanguageCode) {
   const locale = locales[code];
   const wholeFormat = once(() => new Intl.NumberFormat(locale, { maximumFractionDigits: 0 }));
@@ -55,12 +60,18 @@ export function createFormats(code: LanguageCode) {
     return value + nonBreakingSpace + name;
   }
 
-  /** A size given in decimal gigabytes, with at most one fraction digit. */
+  /**
+   * A size given in decimal gigabytes, in the unit that people read. Whole tenths are what the program
+   * has rounded, and stay in gigabytes: 0.1 does not mean 100 MB.
+   */
   function size(gb: number): string {
     if (gb <= 0) return withUnit('0', 'GB');
-    if (gb < 0.05) return withUnit('<' + nonBreakingSpace + amount(0.1), 'GB');
     if (gb >= 999.95) return withUnit(amount(gb / 1000), 'TB');
-    return withUnit(amount(gb), 'GB');
+    if (gb >= 0.9995 || isWholeTenth(gb)) return withUnit(amount(gb), 'GB');
+    const megabytes = gb * 1000;
+    if (megabytes >= 9.95) return withUnit(number(megabytes), 'MB');
+    if (megabytes >= 0.9995) return withUnit(amount(megabytes), 'MB');
+    return withUnit(number(Math.max(1, megabytes * 1000)), 'KB');
   }
 
   return {
@@ -77,6 +88,10 @@ export function createFormats(code: LanguageCode) {
     compare: (left: string, right: string) => collator().compare(left, right),
 
     size,
+
+    /** A size of a record that may have been rounded to nothing. */
+    recordedSize: (gb: number): string =>
+      gb > 0 ? size(gb) : withUnit('<' + nonBreakingSpace + amount(0.1), 'GB'),
 
     /** The same where thousandths are known, as they are of applications: what is small in megabytes. */
     fineSize(gb: number): string {

@@ -49,6 +49,7 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onRestoreBlocked', 'onFolder', 'onFolderSearch', 'onFolderGrowth',
+  'onHome', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
   'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',
   'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',

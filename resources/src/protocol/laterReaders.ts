@@ -4,10 +4,18 @@ import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
 import * as folderGuards from './folderGuards.ts';
 import * as guards from './guards.ts';
+import * as measurementGuards from './measurementGuards.ts';
 import { systemActivity, systemSample } from './systemGuards.ts';
 
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
+  onHome: ([path]) => [guards.text(path)],
+  onExactSizes: ([sizes]) => [measurementGuards.exactSizes(sizes)],
+  onLinkedCopies: ([groups]) => [measurementGuards.linkedCopies(groups)],
+  onMeasurement: ([value]) => {
+    const measurement = measurementGuards.measurement(value);
+    return measurement && [measurement];
+  },
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
   onCleanableFacts: ([facts]) => [cleaningGuards.cleanableFacts(facts)],
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],

@@ -7,6 +7,7 @@ import type {
   UninstallStage,
 } from './appRecords.ts';
 import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince } from './folderRecords.ts';
+import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
   RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem, WaitingItem,
@@ -14,6 +15,7 @@ import type {
 
 export type * from './appRecords.ts';
 export type * from './folderRecords.ts';
+export type * from './measurementRecords.ts';
 export type * from './records.ts';
 export { frequencies, ruleIds } from './records.ts';
 
@@ -72,6 +74,8 @@ export interface Intents {
   maintenanceStatus: void;
   measureMaintenance: void;
   scanCleanables: void;
+  continueComparison: void;
+  stopComparison: void;
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
   resetVelto: void;
@@ -93,6 +97,10 @@ export interface Events {
   onPermissions: [permissions: Permissions];
   toast: [title: string, detail: string];
   onExclusions: [paths: string[]];
+  onHome: [path: string];
+  onExactSizes: [sizes: ExactSizes];
+  onLinkedCopies: [groups: LinkedCopies];
+  onMeasurement: [measurement: Measurement];
   onMaintenance: [status: MaintenanceStatus];
   onFolder: [contents: FolderContents];
   onFolderSearch: [search: FolderSearch];

@@ -1,6 +1,10 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
-import type { DiskState, MaintenanceStatus, Running, SettingsChange, TrashItem, WaitingItem } from '../protocol/protocol.ts';
+import type {
+  BigFile, DiskState, ExactSizes, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange, TrashItem,
+  WaitingItem,
+} from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
+import { exactly } from './exactly.ts';
 
 export type Access = 'unknown' | 'granted' | 'missing';
 /** "stopping" runs still. */
@@ -25,13 +29,25 @@ class Session {
   maintenance = $state.raw<MaintenanceStatus | null>(null);
   /** What the rules of maintenance would move is being measured. */
   measuring = $state(false);
-  trashGb = $state(0);
+  /** Where the home is; null until the program has said so. */
+  home = $state<string | null>(null);
+  /** Sizes to the byte, as far as they are known. */
+  sizes = $state.raw<ExactSizes>({});
+  /** Copies that are names of one file, by group. */
+  linked = $state.raw<LinkedCopies>(new Map());
+  /** What the analysis has measured, and what it has not; null until the program has told. */
+  measurement = $state.raw<Measurement | null>(null);
+  /** The large files, to the byte where that is known. */
+  readonly files: BigFile[] = $derived(exactly(this.disk?.files ?? [], this.sizes.files, ({ path }) => path));
+  /** What the program has said that Velto Trash holds, before it lists it. */
+  toldTrashGb = $state(0);
   /** What the program lists of Velto Trash, in the order it arrived there; null until it has said so. */
   listed = $state.raw<TrashItem[] | null>(null);
   /** What is on its way to or from a disk that is away; not to be put back or deleted for now. */
   waiting = $state.raw<WaitingItem[]>([]);
   /** What of the list is really there: what waits has a list of its own. */
-  readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.listed));
+  readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.listedExactly()));
+  readonly trashGb: number = $derived(this.listedExactly()?.reduce((sum, { gb }) => sum + gb, 0) ?? this.toldTrashGb);
   /** Items that could not go back to their place, by id: what stands on the way there. */
   blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
 
@@ -41,6 +57,10 @@ class Session {
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);
   scanning = $derived(this.scanPhase === 'running' || this.scanPhase === 'stopping');
+
+  private listedExactly(): TrashItem[] | null {
+    return this.listed && exactly(this.listed, this.sizes.trash, ({ id }) => id);
+  }
 
   private withoutWaiting(items: TrashItem[] | null): TrashItem[] | null {
     if (!items || this.waiting.length === 0) return items;

@@ -28,13 +28,17 @@ export function startLater(): void {
         uninstalling.takeRefusal(title);
         if (!leftovers.takeFailure(title, detail)) showAnswer(title, detail);
       },
+      onHome: (path) => (session.home = path),
+      onExactSizes: (sizes) => (session.sizes = { ...session.sizes, ...sizes }),
+      onLinkedCopies: (groups) => (session.linked = groups),
+      onMeasurement: (measurement) => (session.measurement = measurement),
       onExclusions: (paths) => (session.exclusions = paths),
       onCleanableFacts: (facts) => cleanables.receiveFacts(facts),
       onCleanables: (candidates) => cleanables.receive(candidates),
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
       onTrashWaiting: (items) => (session.waiting = items),
-      onTrashChanged: (gb) => (session.trashGb = gb),
+      onTrashChanged: (gb) => (session.toldTrashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onFolder: (contents) => folders.receive(contents),
@@ -62,7 +66,6 @@ export function startLater(): void {
 
 function showTrash(items: TrashItem[]): void {
   session.listed = items;
-  session.trashGb = items.reduce((sum, item) => sum + item.gb, 0);
   const ids = new Set(items.map(({ id }) => id));
   session.blocked = new Map([...session.blocked].filter(([id]) => ids.has(id)));
   requests.trashHolds(items);

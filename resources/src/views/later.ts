@@ -11,6 +11,9 @@ import Archivos from './archivos/Archivos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
 import Explorar from './explorar/Explorar.svelte';
 import Historial from './historial/Historial.svelte';
+import MapStrip from './inicio/measured/MapStrip.svelte';
+import NotMeasured from './inicio/measured/NotMeasured.svelte';
+import SystemParts from './inicio/measured/SystemParts.svelte';
 import Limpieza from './limpieza/Limpieza.svelte';
 import Papelera from './papelera/Papelera.svelte';
 import Sistema from './sistema/Sistema.svelte';
@@ -29,6 +32,9 @@ const contents: Record<Exclude<ViewName, 'inicio'>, Component> = {
 
 export { default as Overlays } from '../frame/Overlays.svelte';
 export { startLater } from '../state/startLater.ts';
+
+/** Parts of the view at the start that wait for what the program tells after it. */
+export const overviewParts = { MapStrip, NotMeasured, SystemParts };
 
 /** Null for the view at the start. */
 export function contentOf(name: ViewName): Component | null {

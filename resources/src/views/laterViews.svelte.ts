@@ -3,7 +3,7 @@
  * as one of its views is wanted, whichever comes first.
  */
 import type { Component } from 'svelte';
-import type { ViewName } from '../protocol/protocol.ts';
+import type { Category, ViewName } from '../protocol/protocol.ts';
 
 /** Resolves when the page has taken the file in; an element that failed is taken out again. */
 function add(element: HTMLScriptElement | HTMLLinkElement): Promise<void> {
@@ -29,6 +29,10 @@ class LaterViews {
   failed = $state(false);
   /** What lies over every view; null until the script is there. */
   Overlays = $state.raw<Component | null>(null);
+  /** Parts of the view at the start; null until the script is there. */
+  NotMeasured = $state.raw<Component | null>(null);
+  SystemParts = $state.raw<Component<{ category: Category }> | null>(null);
+  MapStrip = $state.raw<Component<{ name: string; gb: number }> | null>(null);
   private find = $state.raw<((name: ViewName) => Component | null) | null>(null);
   private asked = false;
 
@@ -48,6 +52,7 @@ class LaterViews {
       if (typeof later.contentOf !== 'function') throw new Error('the second script ended early');
       later.startLater();
       this.find = later.contentOf;
+      Object.assign(this, later.overviewParts);
       this.Overlays = later.Overlays;
     } catch (error) {
       console.error('[velto] later.js', error);

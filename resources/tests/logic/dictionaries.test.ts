@@ -37,7 +37,7 @@ describe('dictionaries', () => {
     expect(en.lists.selected(1)).toBe('1 selected');
     expect(es.lists.selected(1)).toBe('1 seleccionado');
     expect(es.lists.selected(3)).toBe('3 seleccionados');
-    expect(es.lists.copies(1_000_000)).toBe('1.000.000 de copias');
+    expect(es.lists.copiesOf(1_000_000, 1_000_000)).toBe('1.000.000 de copias');
     expect(en.settings.days(1)).toBe('1 day');
     expect(es.settings.days(30)).toBe('30 días');
   });

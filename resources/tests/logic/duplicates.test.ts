@@ -1,6 +1,7 @@
 import { describe, expect, it } from 'vitest';
 import {
-  copySize, isRemovable, keptPath, mostWastefulFirst, removablePaths, selectedSize, totalWasted, wastedBy,
+  copySize, extraPaths, filesOf, isRemovable, keptPath, linkOf, mostWastefulFirst, removablePaths, selectedSize,
+  totalWasted, wastedBy,
 } from '../../src/views/duplicados/duplicates.ts';
 import { duplicateGroup } from '../support/states.ts';
 
@@ -61,5 +62,57 @@ describe('the size of a selection', () => {
     expect(selectedSize(groups, new Set(['/h/e.mp4', '/h/f.mp4', '/h/c.zip']))).toBeCloseTo(9.1);
     expect(selectedSize(groups, new Set())).toBe(0);
     expect(selectedSize(groups, new Set(['/elsewhere']))).toBe(0);
+  });
+});
+
+describe('sizes known to the byte', () => {
+  const facts = { sizes: new Map([['/h/b.pdf', 9_000_000]]) };
+
+  it('take the place of the rounded ones', () => {
+    expect(copySize(small)).toBe(0);
+    expect(copySize(small, facts)).toBe(0.009);
+    expect(totalWasted([small], facts)).toBe(0.009);
+    expect(selectedSize([small], new Set(['/h/b.pdf']), facts)).toBe(0.009);
+  });
+});
+
+describe('names of one file', () => {
+  // Kept is g; f is another name of it. e and h are one file too.
+  const facts = { linked: new Map([[many.id, [['/h/f.mp4', '/h/g.mp4'], ['/h/e.mp4', '/h/h.mp4']]]]) };
+
+  it('are one file each', () => {
+    expect(filesOf(many, facts)).toEqual([['/h/e.mp4', '/h/h.mp4'], ['/h/f.mp4', '/h/g.mp4']]);
+    expect(filesOf(pair, facts)).toEqual([['/h/c.zip'], ['/h/d.zip']]);
+  });
+
+  it('waste nothing besides the file', () => {
+    expect(wastedBy(many, facts)).toBeCloseTo(2.1);
+    const all = { linked: new Map([[many.id, [many.paths]]]) };
+    expect(wastedBy(many, all)).toBe(0);
+    expect(extraPaths([many], none, all)).toEqual([]);
+  });
+
+  it('are no extra copies when the file stays, and go together when it does not', () => {
+    expect(extraPaths([many], none, facts)).toEqual(['/h/e.mp4', '/h/h.mp4']);
+    expect(extraPaths([many], new Map([[many.id, '/h/h.mp4']]), facts)).toEqual(['/h/f.mp4', '/h/g.mp4']);
+  });
+
+  it('free its space only when all of them go', () => {
+    expect(selectedSize([many], new Set(['/h/f.mp4']), facts)).toBe(0);
+    expect(selectedSize([many], new Set(['/h/e.mp4']), facts)).toBe(0);
+    expect(selectedSize([many], new Set(['/h/e.mp4', '/h/h.mp4']), facts)).toBeCloseTo(2.1);
+  });
+
+  it('stay when one of them is protected', () => {
+    const mixed = duplicateGroup('1.0', 0, '/h/k.wav', '/h/Library/Mail/l.wav', '/h/m.wav');
+    const linked = new Map([[mixed.id, [['/h/Library/Mail/l.wav', '/h/m.wav']]]]);
+    expect(extraPaths([mixed], none)).toEqual(['/h/m.wav']);
+    expect(extraPaths([mixed], none, { linked })).toEqual([]);
+  });
+
+  it('are said to be so', () => {
+    expect(linkOf(many, '/h/f.mp4', none, facts)).toEqual({ ofKept: true, names: 2 });
+    expect(linkOf(many, '/h/e.mp4', none, facts)).toEqual({ ofKept: false, names: 2 });
+    expect(linkOf(pair, '/h/c.zip', none, facts)).toBeNull();
   });
 });

@@ -11,10 +11,36 @@ describe('sizes', () => {
     expect(plain(en.size(60))).toBe('60 GB');
   });
 
-  it('never call something that is there nothing', () => {
-    expect(plain(en.size(0.02))).toBe('< 0.1 GB');
-    expect(plain(es.size(0.02))).toBe('< 0,1 GB');
+  it('are in the unit that people read', () => {
+    expect(plain(en.size(0.009))).toBe('9 MB');
+    expect(plain(en.size(0.0094))).toBe('9.4 MB');
+    expect(plain(es.size(0.0094))).toBe('9,4 MB');
+    expect(plain(en.size(0.0237))).toBe('24 MB');
+    expect(plain(en.size(0.512))).toBe('512 MB');
+    expect(plain(en.size(0.000_012_3))).toBe('12 KB');
+    expect(plain(en.size(0.000_000_004))).toBe('1 KB');
     expect(plain(en.size(0))).toBe('0 GB');
+  });
+
+  it('cross from one unit to the next without reading a thousand', () => {
+    expect(plain(en.size(0.000_999_4))).toBe('999 KB');
+    expect(plain(en.size(0.000_999_6))).toBe('1 MB');
+    expect(plain(en.size(0.009_949))).toBe('9.9 MB');
+    expect(plain(en.size(0.009_96))).toBe('10 MB');
+    expect(plain(en.size(0.999_4))).toBe('999 MB');
+    expect(plain(en.size(0.999_6))).toBe('1 GB');
+  });
+
+  it('claim no more than the program has measured: whole tenths are rounded ones', () => {
+    expect(plain(en.size(0.1))).toBe('0.1 GB');
+    expect(plain(es.size(0.7))).toBe('0,7 GB');
+    expect(plain(en.size([0.1, 0.2, 0.4].reduce((sum, gb) => sum + gb, 0)))).toBe('0.7 GB');
+  });
+
+  it('never call something that is there nothing', () => {
+    expect(plain(en.recordedSize(0))).toBe('< 0.1 GB');
+    expect(plain(es.recordedSize(0))).toBe('< 0,1 GB');
+    expect(plain(en.recordedSize(0.02))).toBe('20 MB');
   });
 
   it('turn into terabytes before they would read as a thousand gigabytes', () => {

@@ -4,7 +4,8 @@ import { en } from '../../src/language/en/index.ts';
 import { es } from '../../src/language/es/index.ts';
 import { formats } from '../../src/language/formats.ts';
 import { retentionChoices } from '../../src/views/ajustes/retention.ts';
-import { categoryName, equivalence, placeNames } from '../../src/views/inicio/categoryWords.ts';
+import { categoryName, placeNames } from '../../src/views/inicio/categoryWords.ts';
+import { likeness } from '../../src/views/inicio/likeness.ts';
 import { scoreWord } from '../../src/views/inicio/score.ts';
 import { categories } from '../support/states.ts';
 
@@ -37,21 +38,27 @@ describe('progress', () => {
 });
 
 describe('category words', () => {
-  const [photos, , documents, , , system] = categories([10, 1, 0, 1, 1, 20], []);
+  const [photos, , , , , system] = categories([10, 1, 0, 1, 1, 20], []);
 
-  it('Spanish sentences are the ones the program sends', () => {
-    expect(equivalence({ ...photos!, eq: 'como otra cosa' }, es.overview, 'es', true)).toBe('como otra cosa');
-    expect(equivalence(photos!, en.overview, 'en', true)).toBe('about 150,000 photos or a year of home videos');
+  it('what a size is like follows from the size', () => {
+    expect(likeness({ id: 'fotos', gb: 17.1 }, en.overview)).toBe('as much as 4,300 photos of 4 MB');
+    expect(likeness({ id: 'fotos', gb: 17.1 }, es.overview)).toBe('como 4300 fotos de 4 MB');
+    expect(likeness({ id: 'descargas', gb: 12 }, es.overview)).toBe('como 2 películas de 5 GB');
+    expect(likeness({ id: 'musica', gb: 40.4 }, en.overview)).toBe('as much as 8,100 songs of 5 MB');
+    expect(likeness({ id: 'fotos', gb: 4000 }, es.overview)).toBe('como 1.000.000 de fotos de 4 MB');
   });
 
-  it('an empty category is like nothing', () => {
-    expect(equivalence(documents!, en.overview, 'en', true)).toBe('');
+  it('is left out where it would be silly', () => {
+    expect(likeness({ id: 'descargas', gb: 0.4 }, en.overview)).toBe('');
+    expect(likeness({ id: 'fotos', gb: 0 }, en.overview)).toBe('');
+    expect(likeness({ id: 'docs', gb: 4000 }, en.overview)).toBe('');
+    expect(likeness({ id: 'sistema', gb: 300 }, en.overview)).toBe('');
+    expect(likeness({ id: 'constructor', gb: 300 }, en.overview)).toBe('');
   });
 
   it('names macOS only on a Mac', () => {
     expect(categoryName(system!, en.overview, true)).toBe('macOS and system data');
     expect(categoryName(system!, en.overview, false)).toBe('System and everything else');
-    expect(equivalence(system!, es.overview, 'es', false)).not.toContain('Mac');
   });
 
   it('an unknown category keeps the name it came with', () => {

@@ -47,9 +47,20 @@ export const lists = {
   wasted: (gb: number) => `About ${size(gb)} in extra copies`,
   wastedNone: 'Less than 0.1 GB in extra copies',
   groups: (count: number) => plural(count, { one: '# group', other: '# groups' }),
-  copies: (count: number) => plural(count, { one: '# copy', other: '# copies' }),
-  each: (gb: number) => `${size(gb)} each`,
-  extra: (gb: number) => `${size(gb)} extra`,
+  /** Of one file, and of one that has several names. */
+  copiesOf: (files: number, names: number) => {
+    if (files === names) return plural(files, { one: '# copy', other: '# copies' });
+    const all = plural(names, { one: '# name', other: '# names' });
+    return files === 1 ? `One file under ${all}` : `${plural(files, { one: '# copy', other: '# copies' })} under ${all}`;
+  },
+  each: (gb: number) => `${gb > 0 ? size(gb) : `less than ${size(0.1)}`} each`,
+  extra: (gb: number) => `${gb > 0 ? size(gb) : `less than ${size(0.1)}`} extra`,
+  extraNothing: 'nothing extra',
+  nameOfKept: 'Same file as the one that stays',
+  nameOfKeptWhy: 'Another name of the very same file: removing it frees no space.',
+  nameOfExtra: (names: number) => `One file, ${plural(names, { one: '# name', other: '# names' })}`,
+  nameOfExtraWhy: (names: number) =>
+    `The very same file under ${plural(names, { one: '# name', other: '# names' })}: its space comes back only when all of them are removed.`,
   groupLabel: (name: string, copies: string, extra: string) => `${name}: ${copies}, ${extra}`,
   keep: 'Keep this one',
   keepNamed: (path: string) => `Keep this one: ${path}`,

@@ -8,6 +8,8 @@ export const overview = {
   free: 'free',
   usedOf: (used: number, total: number) => `${size(used)} of ${size(total)} in use`,
   inTrash: (gb: number) => `${size(gb)} of it in Velto Trash`,
+  reserved: (gb: number) => `${size(gb)} of it reserved for the system`,
+  purgeable: (gb: number) => `of that, the system frees ${size(gb)} itself when needed`,
   barLabel: (used: number, free: number, total: number) =>
     `${size(used)} in use and ${size(free)} free, of ${size(total)}`,
   scoreLabel: 'Room to spare',
@@ -35,15 +37,13 @@ export const overview = {
     sistema: 'macOS and system data',
   },
   systemElsewhere: 'System and everything else',
-  equivalences: {
-    fotos: 'about 150,000 photos or a year of home videos',
-    apps: 'like 40 big games',
-    docs: 'like 8,000 digital books',
-    descargas: 'like 190 films in HD',
-    musica: 'like 6,500 songs',
-    sistema: 'the essential space your Mac needs to work',
+  /** As many as take up that space. */
+  likenesses: {
+    fotos: (count: number) => `as much as ${plural(count, { one: '# photo', other: '# photos' })} of 4 MB`,
+    docs: (count: number) => `as much as ${plural(count, { one: '# e-book', other: '# e-books' })} of 2 MB`,
+    descargas: (count: number) => `as much as ${plural(count, { one: '# film', other: '# films' })} of 5 GB`,
+    musica: (count: number) => `as much as ${plural(count, { one: '# song', other: '# songs' })} of 5 MB`,
   },
-  equivalenceSystemElsewhere: 'the essential space your computer needs to work',
   accessTitle: 'Some places were not measured',
   accessTitleBefore: 'Some places cannot be measured yet',
   accessText: (places: string) =>

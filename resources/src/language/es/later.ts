@@ -3,9 +3,10 @@ import { cleanup } from './cleanup.ts';
 import { folders } from './folders.ts';
 import { history } from './history.ts';
 import { lists } from './lists.ts';
+import { measured } from './measured.ts';
 import { settings } from './settings.ts';
 import { systemWords } from './system.ts';
 import { trash } from './trash.ts';
 
 /** The words that come with the second script. */
-export const laterEs = { lists, folders, settings, cleanup, trash, history, apps: appWords, system: systemWords };
+export const laterEs = { lists, folders, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };

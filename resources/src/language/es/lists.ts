@@ -48,9 +48,20 @@ export const lists: typeof english = {
   wasted: (gb) => `Unos ${size(gb)} en copias de más`,
   wastedNone: 'Menos de 0,1 GB en copias de más',
   groups: (count) => plural(count, { one: '# grupo', many: '# de grupos', other: '# grupos' }),
-  copies: (count) => plural(count, { one: '# copia', many: '# de copias', other: '# copias' }),
-  each: (gb) => `${size(gb)} cada una`,
-  extra: (gb) => `${size(gb)} de más`,
+  copiesOf: (files, names) => {
+    const copies = plural(files, { one: '# copia', many: '# de copias', other: '# copias' });
+    if (files === names) return copies;
+    const all = plural(names, { one: '# nombre', many: '# de nombres', other: '# nombres' });
+    return files === 1 ? `Un archivo con ${all}` : `${copies} con ${all}`;
+  },
+  each: (gb) => `${gb > 0 ? size(gb) : `menos de ${size(0.1)}`} cada una`,
+  extra: (gb) => `${gb > 0 ? size(gb) : `menos de ${size(0.1)}`} de más`,
+  extraNothing: 'nada de más',
+  nameOfKept: 'El mismo archivo que se queda',
+  nameOfKeptWhy: 'Es otro nombre del mismo archivo: quitarlo no libera espacio.',
+  nameOfExtra: (names) => `Un archivo, ${plural(names, { one: '# nombre', many: '# de nombres', other: '# nombres' })}`,
+  nameOfExtraWhy: (names) =>
+    `El mismo archivo con ${plural(names, { one: '# nombre', many: '# de nombres', other: '# nombres' })}: su espacio solo vuelve cuando se quitan todos.`,
   groupLabel: (name, copies, extra) => `${name}: ${copies}, ${extra}`,
   keep: 'Conservar esta',
   keepNamed: (path) => `Conservar esta: ${path}`,

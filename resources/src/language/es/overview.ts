@@ -3,13 +3,15 @@ import { formats } from '../formats.ts';
 
 const { plural, size } = formats.es;
 
-/** The program sends these category names and sentences itself; they stand in where it does not. */
+/** The program sends these category names itself; they stand in where it does not. */
 export const overview: typeof english = {
   analysedNow: 'Analizado ahora mismo',
   analysed: (when) => `Analizado ${when}`,
   free: 'libres',
   usedOf: (used, total) => `${size(used)} de ${size(total)} en uso`,
   inTrash: (gb) => `${size(gb)} de ellos en la Papelera de Velto`,
+  reserved: (gb) => `${size(gb)} de ellos reservados para el sistema`,
+  purgeable: (gb) => `de ellos, el sistema libera ${size(gb)} por sí solo cuando hacen falta`,
   barLabel: (used, free, total) => `${size(used)} en uso y ${size(free)} libres, de ${size(total)}`,
   scoreLabel: 'Margen libre',
   scoreOf: (score) => `${score} de 100`,
@@ -36,15 +38,12 @@ export const overview: typeof english = {
     sistema: 'macOS y Datos del sistema',
   },
   systemElsewhere: 'Sistema y todo lo demás',
-  equivalences: {
-    fotos: 'aprox. 150.000 fotos o un año de vídeos caseros',
-    apps: 'como 40 juegos grandes',
-    docs: 'como 8.000 libros digitales',
-    descargas: 'como 190 películas en HD',
-    musica: 'como 6.500 canciones',
-    sistema: 'el espacio esencial para que tu Mac funcione',
+  likenesses: {
+    fotos: (count) => `como ${plural(count, { one: '# foto', many: '# de fotos', other: '# fotos' })} de 4 MB`,
+    docs: (count) => `como ${plural(count, { one: '# libro', many: '# de libros', other: '# libros' })} electrónicos de 2 MB`,
+    descargas: (count) => `como ${plural(count, { one: '# película', many: '# de películas', other: '# películas' })} de 5 GB`,
+    musica: (count) => `como ${plural(count, { one: '# canción', many: '# de canciones', other: '# canciones' })} de 5 MB`,
   },
-  equivalenceSystemElsewhere: 'el espacio esencial para que tu ordenador funcione',
   accessTitle: 'Hay lugares sin medir',
   accessTitleBefore: 'Hay lugares que aún no se pueden medir',
   accessText: (places) =>

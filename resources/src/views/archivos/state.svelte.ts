@@ -11,7 +11,7 @@ class LargeFiles {
   focused = $state<string | null>(null);
   private chosen = $state.raw<Selection>(nothing);
 
-  readonly all: BigFile[] = $derived(session.disk?.files ?? []);
+  readonly all: BigFile[] = $derived(session.files);
   readonly shown: BigFile[] = $derived(
     sortFiles(
       filterFiles(this.all, this.filter),

@@ -1,28 +1,61 @@
 /** The arithmetic of duplicate groups: what each copy weighs, which one stays, what can go. */
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { DuplicateGroup } from '../../protocol/protocol.ts';
+import type { DuplicateGroup, LinkedCopies } from '../../protocol/protocol.ts';
 
 /** Group id to the path of the copy that stays, where it is not the proposed one. */
 export type Keeps = ReadonlyMap<string, string>;
 
+/** What is known of copies besides their groups. */
+export interface CopyFacts {
+  /** Bytes by path. */
+  sizes?: ReadonlyMap<string, number>;
+  /** Copies that are names of one file. */
+  linked?: LinkedCopies;
+}
+
 /** The size of one copy in GB; 0 stands for less than 0.05 GB. */
-export function copySize(group: DuplicateGroup): number {
+export function copySize(group: DuplicateGroup, { sizes }: CopyFacts = {}): number {
+  for (const path of group.paths) {
+    const bytes = sizes?.get(path);
+    if (bytes !== undefined) return bytes / 1e9;
+  }
   const size = Number.parseFloat(group.pairs[0]?.[0]?.[1] ?? '');
   return Number.isFinite(size) && size > 0 ? size : 0;
 }
 
-export function wastedBy(group: DuplicateGroup): number {
-  return copySize(group) * (group.paths.length - 1);
+/** The files of a group, each with all of its names there; most have one. */
+export function filesOf(group: DuplicateGroup, { linked }: CopyFacts = {}): string[][] {
+  const lists = linked?.get(group.id) ?? [];
+  const files: string[][] = [];
+  const placed = new Set<string>();
+  for (const path of group.paths) {
+    if (placed.has(path)) continue;
+    const others = lists.find((names) => names.includes(path)) ?? [];
+    const names = group.paths.filter((one) => one === path || others.includes(one));
+    for (const name of names) placed.add(name);
+    files.push(names);
+  }
+  return files;
 }
 
-export function totalWasted(groups: readonly DuplicateGroup[]): number {
-  return groups.reduce((sum, group) => sum + wastedBy(group), 0);
+/** Other names of a file take up nothing. */
+export function wastedBy(group: DuplicateGroup, facts: CopyFacts = {}): number {
+  return copySize(group, facts) * (filesOf(group, facts).length - 1);
 }
 
-export function mostWastefulFirst(groups: readonly DuplicateGroup[], compare: (a: string, b: string) => number) {
+export function totalWasted(groups: readonly DuplicateGroup[], facts: CopyFacts = {}): number {
+  return groups.reduce((sum, group) => sum + wastedBy(group, facts), 0);
+}
+
+export function mostWastefulFirst(
+  groups: readonly DuplicateGroup[],
+  compare: (a: string, b: string) => number,
+  facts: CopyFacts = {},
+): DuplicateGroup[] {
+  const wasted = new Map(groups.map((group) => [group, wastedBy(group, facts)]));
   return [...groups].sort(
     (left, right) =>
-      wastedBy(right) - wastedBy(left) ||
+      wasted.get(right)! - wasted.get(left)! ||
       right.paths.length - left.paths.length ||
       compare(left.name, right.name) ||
       compare(left.id, right.id),
@@ -43,12 +76,37 @@ export function removablePaths(groups: readonly DuplicateGroup[], keeps: Keeps):
   return groups.flatMap((group) => group.paths.filter((path) => isRemovable(group, path, keeps)));
 }
 
+/** Every copy whose going frees space: of a file with several names all of them, or none. */
+export function extraPaths(groups: readonly DuplicateGroup[], keeps: Keeps, facts: CopyFacts = {}): string[] {
+  return groups.flatMap((group) =>
+    filesOf(group, facts)
+      .filter((names) => names.every((path) => isRemovable(group, path, keeps)))
+      .flat(),
+  );
+}
+
+/** What would come back: a file counts once, and only when all of its names go. */
 export function selectedSize(
   groups: readonly DuplicateGroup[],
   selected: ReadonlySet<string>,
+  facts: CopyFacts = {},
 ): number {
   return groups.reduce(
-    (sum, group) => sum + copySize(group) * group.paths.filter((path) => selected.has(path)).length,
+    (sum, group) =>
+      sum +
+      copySize(group, facts) *
+        filesOf(group, facts).filter((names) => names.every((path) => selected.has(path))).length,
     0,
   );
+}
+
+/** What a copy is besides a copy; null for most. */
+export function linkOf(
+  group: DuplicateGroup,
+  path: string,
+  keeps: Keeps,
+  facts: CopyFacts,
+): { ofKept: boolean; names: number } | null {
+  const names = filesOf(group, facts).find((all) => all.includes(path)) ?? [];
+  return names.length > 1 ? { ofKept: names.includes(keptPath(group, keeps)), names: names.length } : null;
 }

@@ -4,7 +4,8 @@ import type { DuplicateGroup } from '../../protocol/protocol.ts';
 import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { session } from '../../state/session.svelte.ts';
 import {
-  isRemovable, keptPath, mostWastefulFirst, removablePaths, selectedSize, totalWasted, type Keeps,
+  extraPaths, isRemovable, keptPath, linkOf, mostWastefulFirst, removablePaths, selectedSize, totalWasted, type CopyFacts,
+  type Keeps,
 } from './duplicates.ts';
 
 const groupsAtOnce = 100;
@@ -15,19 +16,21 @@ class Duplicates {
   private keeps = $state.raw<Keeps>(new Map());
   private chosen = $state.raw<Selection>(nothing);
 
+  readonly facts: CopyFacts = $derived({ sizes: session.sizes.copies, linked: session.linked });
   readonly all: DuplicateGroup[] = $derived(
-    mostWastefulFirst(session.disk?.dupGroups ?? [], language.formats.compare),
+    mostWastefulFirst(session.disk?.dupGroups ?? [], language.formats.compare, this.facts),
   );
   readonly shown: DuplicateGroup[] = $derived(this.all.slice(0, this.limit));
-  readonly wasted: number = $derived(totalWasted(this.all));
+  readonly wasted: number = $derived(totalWasted(this.all, this.facts));
   /** The copies on screen, in order. */
   readonly order: string[] = $derived(this.shown.flatMap(({ paths }) => paths));
   /** Whatever happens elsewhere, a kept copy is never part of the selection. */
   private readonly removable: string[] = $derived(removablePaths(this.all, this.keeps));
+  private readonly extras: string[] = $derived(extraPaths(this.all, this.keeps, this.facts));
   readonly selection: Selection = $derived(keepShown(this.chosen, this.removable));
-  readonly selectedGb: number = $derived(selectedSize(this.all, this.selection.selected));
-  readonly hasExtras: boolean = $derived(this.removable.length > 0);
-  readonly allExtrasSelected: boolean = $derived(this.selection.selected.size === this.removable.length);
+  readonly selectedGb: number = $derived(selectedSize(this.all, this.selection.selected, this.facts));
+  readonly hasExtras: boolean = $derived(this.extras.length > 0);
+  readonly allExtrasSelected: boolean = $derived(this.extras.every((path) => this.selection.selected.has(path)));
 
   private readonly groupOf = $derived(
     new Map(this.all.flatMap((group) => group.paths.map((path) => [path, group] as const))),
@@ -40,6 +43,10 @@ class Duplicates {
 
   kept(group: DuplicateGroup): string {
     return keptPath(group, this.keeps);
+  }
+
+  linkOf(group: DuplicateGroup, path: string): ReturnType<typeof linkOf> {
+    return linkOf(group, path, this.keeps, this.facts);
   }
 
   /** The copy that stays leaves the selection; the one that stayed before is not selected for it. */
@@ -59,7 +66,7 @@ class Duplicates {
   /** Everything selected is also on screen, so the whole list is shown first. */
   selectExtras(): void {
     this.limit = Math.max(this.limit, this.all.length);
-    this.chosen = selectAll(this.removable, this.selectable);
+    this.chosen = selectAll(this.extras, this.selectable);
   }
 
   clear(): void {

@@ -1,6 +1,6 @@
-/** What a category is called, and what its size is like, in the language of the page. */
+/** What a category is called in the language of the page. */
 import type { Dictionary } from '../../language/language.svelte.ts';
-import type { Category, CategoryId, LanguageCode } from '../../protocol/protocol.ts';
+import type { Category, CategoryId } from '../../protocol/protocol.ts';
 
 function isKnown(words: Dictionary['overview'], id: string): id is CategoryId {
   return Object.hasOwn(words.categories, id);
@@ -14,19 +14,6 @@ function isElsewhere(id: string, onMac: boolean): boolean {
 export function categoryName(category: Category, words: Dictionary['overview'], onMac: boolean): string {
   if (isElsewhere(category.id, onMac)) return words.systemElsewhere;
   return isKnown(words, category.id) ? words.categories[category.id] : category.name;
-}
-
-/** Spanish sentences come from the program; an empty category is like nothing. */
-export function equivalence(
-  category: Category,
-  words: Dictionary['overview'],
-  code: LanguageCode,
-  onMac: boolean,
-): string {
-  if (category.gb <= 0) return '';
-  if (isElsewhere(category.id, onMac)) return words.equivalenceSystemElsewhere;
-  if (code === 'es' && category.eq) return category.eq;
-  return isKnown(words, category.id) ? words.equivalences[category.id] : '';
 }
 
 export function placeNames(identifiers: readonly string[], words: Dictionary['overview']): string[] {

@@ -1,6 +1,6 @@
 /** Where each category, big file and remainder lies on the map, in pixels. */
 import { hierarchy, treemap, treemapSquarify } from 'd3-hierarchy';
-import type { BigFile, Category } from '../../protocol/protocol.ts';
+import type { BigFile, Category, Measurement } from '../../protocol/protocol.ts';
 import { categoryOf } from './parents.ts';
 
 export interface Box {
@@ -41,13 +41,30 @@ const headerHeight = 26;
 /** A file's area must be at least this large (square pixels) to be a cell of its own. */
 const leastArea = 900;
 
+const elsewhere = 'sistema';
+
+/** What of the categories no walk has seen file by file, in GB; it is all in one of them. */
+export function unmeasuredIn(categories: readonly Category[], { disk, home }: Measurement): number {
+  const holder = categories.find(({ id }) => id === elsewhere);
+  const unseen = Math.max(0, disk.total - disk.free - home) / 1e9;
+  return Math.min(holder?.gb ?? 0, Math.round(unseen * 10) / 10);
+}
+
+/** The categories as far as they were measured. */
+export function withoutUnmeasured(categories: readonly Category[], unmeasured: number): Category[] {
+  return categories.map((category) =>
+    category.id === elsewhere ? { ...category, gb: Math.round((category.gb - unmeasured) * 10) / 10 } : category,
+  );
+}
+
 /** One branch a category: its big files that are large enough to see, and one remainder. */
 export function branches(categories: readonly Category[], files: readonly BigFile[], leastGb: number): Branch[] {
   return categories
     .map((category) => {
       const own = files.filter((file) => file.gb >= leastGb && categoryOf(file) === category.id);
       const shown = own.reduce((sum, file) => sum + file.gb, 0);
-      const rest = Math.max(0, category.gb - shown);
+      // Of a size with one decimal: what is left of it has no more.
+      const rest = Math.max(0, Math.round((category.gb - shown) * 10) / 10);
       const leaves: Leaf[] = own.map((file) => ({ gb: file.gb, file }));
       return { category, children: rest > 0 ? [...leaves, { gb: rest, file: null }] : leaves };
     })

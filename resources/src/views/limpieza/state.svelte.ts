@@ -2,7 +2,9 @@
 import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { cleanables } from '../../state/cleanables.svelte.ts';
 import { totalGb } from '../../state/operations.ts';
+import { exactly } from '../../state/exactly.ts';
 import { requests } from '../../state/requests.svelte.ts';
+import { session } from '../../state/session.svelte.ts';
 import { groupsOf, isSelectable, preselected, type Group, type Proposal, type RuleName } from './candidates.ts';
 
 /** The rows of whole kinds stand among those of the items; a path begins with a slash. */
@@ -17,7 +19,7 @@ class Cleanup {
   /** Null until the user has chosen anything. */
   private chosen = $state.raw<Selection | null>(null);
 
-  readonly groups: Group[] = $derived(groupsOf(cleanables.list ?? [], cleanables.facts));
+  readonly groups: Group[] = $derived(groupsOf(exactly(cleanables.list ?? [], session.sizes.cleanables, ({ path }) => path), cleanables.facts));
   readonly items: Proposal[] = $derived(this.groups.flatMap(({ items }) => items));
   readonly gb: number = $derived(totalGb(this.items));
   /** The rows in the order shown. */

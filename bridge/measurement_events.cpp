@@ -1,0 +1,55 @@
+#include "bridge/measurement_events.h"
+
+#include <nlohmann/json.hpp>
+
+#include "bridge/events.h"
+#include "platform/values/path_text.h"
+
+namespace velto::events {
+namespace {
+
+nlohmann::json byPathText(const SizesByKey& sizes) {
+    auto object = nlohmann::json::object();
+    for (const auto& [path, bytes] : sizes)
+        object[pathText(path)] = bytes;
+    return object;
+}
+
+}  // namespace
+
+std::string home(const std::string& path) { return call("onHome", literal(pathText(path))); }
+
+std::string exactListSizes(const ListDetails& details) {
+    return call("onExactSizes", literal({{"files", byPathText(details.files)},
+                                         {"copies", byPathText(details.copies)}}));
+}
+
+std::string exactCleanableSizes(const SizesByKey& byPath) {
+    return call("onExactSizes", literal({{"cleanables", byPathText(byPath)}}));
+}
+
+std::string exactTrashSizes(const SizesByKey& byId) {
+    auto object = nlohmann::json::object();
+    for (const auto& [id, bytes] : byId)
+        object[id] = bytes;
+    return call("onExactSizes", literal({{"trash", object}}));
+}
+
+std::string linkedCopies(const ListDetails& details) {
+    auto groups = nlohmann::json::object();
+    for (const auto& [group, files] : details.linked) {
+        auto& lists = groups[group] = nlohmann::json::array();
+        for (const ListDetails::Names& names : files)
+            lists.push_back(pathTexts(names));
+    }
+    return call("onLinkedCopies", literal(groups));
+}
+
+std::string measurement(const Measurement& measurement, const ComparisonState& comparison) {
+    nlohmann::json object = toJson(measurement);
+    object["compared"]["canContinue"] = comparison.canContinue;
+    object["compared"]["running"] = comparison.isRunning;
+    return call("onMeasurement", literal(object));
+}
+
+}  // namespace velto::events

@@ -1,0 +1,53 @@
+import { formats } from '../formats.ts';
+
+const { plural, size, number } = formats.en;
+
+/** Of what everything else is made, and what was not measured. */
+export const measured = {
+  made: 'What this is made of',
+  parts: {
+    measured: 'System data in your home',
+    hidden: 'Hidden in your home',
+    reserved: 'Reserved by the file system',
+    outside: 'Outside your home',
+  },
+  why: {
+    measured: 'Settings and data of programs, measured like the other categories.',
+    hidden: 'Measured, but in none of the categories.',
+    reserved: 'Free space kept for the administrator, so that the computer keeps working when the disk is full. Nothing lies in it.',
+    outside: 'The system, programs for every user, other users, and whatever of your home could not be measured. Not measured file by file.',
+  },
+  whyOnMac: {
+    measured: 'Settings and data of applications, measured like the other categories.',
+    hidden: 'Measured, but in none of the categories.',
+    reserved: 'Free space that the system keeps for itself.',
+    outside: 'macOS, applications for every user, other users, snapshots, and whatever of your home could not be measured. Not measured file by file.',
+  },
+  strip: (gb: number) => `${size(gb)}, not measured file by file and not drawn to scale`,
+  title: 'What was not measured',
+  withheld: (count: number) =>
+    plural(count, {
+      one: '# place stays unread without Full Disk Access',
+      other: '# places stay unread without Full Disk Access',
+    }),
+  excluded: (count: number) =>
+    plural(count, { one: '# place is excluded by you', other: '# places are excluded by you' }),
+  excludedChange: 'Change',
+  unreadable: (count: number) =>
+    plural(count, {
+      one: '# item could not be read; it belongs to somebody else, or was locked',
+      other: '# items could not be read; they belong to somebody else, or were locked',
+    }),
+  volume: (gb: number) => `another disk, with ${size(gb)} in use there`,
+  volumeUnknown: 'another disk, or a folder on a network',
+  compared: (left: number) =>
+    `The comparison of files stopped after 12 seconds: ${plural(left, {
+      one: '# file was not compared',
+      other: '# files were not compared',
+    })}, so there may be duplicates that are not listed.`,
+  comparedAgain: 'Analyze again to be able to go on.',
+  compareOn: 'Compare the rest',
+  comparing: (left: number) =>
+    left === 0 ? 'Comparing files…' : `Comparing files in the background, ${number(left)} to go. You can work on meanwhile.`,
+  stopComparing: 'Stop',
+};

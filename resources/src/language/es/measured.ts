@@ -1,0 +1,62 @@
+import type { measured as english } from '../en/measured.ts';
+import { formats } from '../formats.ts';
+
+const { plural, size, number } = formats.es;
+
+export const measured: typeof english = {
+  made: 'De qué se compone',
+  parts: {
+    measured: 'Datos del sistema en tu carpeta personal',
+    hidden: 'Oculto en tu carpeta personal',
+    reserved: 'Reservado por el sistema de archivos',
+    outside: 'Fuera de tu carpeta personal',
+  },
+  why: {
+    measured: 'Ajustes y datos de los programas, medidos como las demás categorías.',
+    hidden: 'Medido, pero en ninguna de las categorías.',
+    reserved: 'Espacio libre que se guarda para el administrador, para que el ordenador siga funcionando con el disco lleno. No contiene nada.',
+    outside: 'El sistema, los programas comunes, otros usuarios y lo que no se pudo medir de tu carpeta personal. No se mide archivo por archivo.',
+  },
+  whyOnMac: {
+    measured: 'Ajustes y datos de las aplicaciones, medidos como las demás categorías.',
+    hidden: 'Medido, pero en ninguna de las categorías.',
+    reserved: 'Espacio libre que el sistema se guarda.',
+    outside: 'macOS, las aplicaciones comunes, otros usuarios, las instantáneas y lo que no se pudo medir de tu carpeta personal. No se mide archivo por archivo.',
+  },
+  strip: (gb) => `${size(gb)}, sin medir archivo por archivo y sin dibujar a escala`,
+  title: 'Lo que no se ha medido',
+  withheld: (count) =>
+    plural(count, {
+      one: '# lugar queda sin leer sin acceso total al disco',
+      many: '# de lugares quedan sin leer sin acceso total al disco',
+      other: '# lugares quedan sin leer sin acceso total al disco',
+    }),
+  excluded: (count) =>
+    plural(count, {
+      one: 'Has excluido # lugar',
+      many: 'Has excluido # de lugares',
+      other: 'Has excluido # lugares',
+    }),
+  excludedChange: 'Cambiar',
+  unreadable: (count) =>
+    plural(count, {
+      one: 'No se pudo leer # elemento: es de otro usuario o estaba bloqueado',
+      many: 'No se pudieron leer # de elementos: son de otro usuario o estaban bloqueados',
+      other: 'No se pudieron leer # elementos: son de otro usuario o estaban bloqueados',
+    }),
+  volume: (gb) => `otro disco, con ${size(gb)} en uso`,
+  volumeUnknown: 'otro disco, o una carpeta de la red',
+  compared: (left) =>
+    `La comparación de archivos se detuvo a los 12 segundos: ${plural(left, {
+      one: 'quedó # archivo sin comparar',
+      many: 'quedaron # de archivos sin comparar',
+      other: 'quedaron # archivos sin comparar',
+    })}, así que puede haber duplicados que no aparecen.`,
+  comparedAgain: 'Analiza de nuevo para poder continuar.',
+  compareOn: 'Comparar el resto',
+  comparing: (left) =>
+    left === 0
+      ? 'Comparando archivos…'
+      : `Comparando archivos en segundo plano; faltan ${number(left)}. Puedes seguir trabajando.`,
+  stopComparing: 'Detener',
+};
