@@ -23,6 +23,9 @@ public:
     std::optional<std::int64_t> availableCapacity(const std::string& path) const override {
         return of(available, path);
     }
+    std::optional<std::int64_t> reservedCapacity(const std::string&) const override { return {}; }
+    std::optional<std::int64_t> purgeableCapacity(const std::string&) const override { return {}; }
+    std::vector<MountedVolume> volumesBelow(const std::string&) const override { return {}; }
 
     std::map<std::string, std::int64_t> totals;
     std::map<std::string, std::int64_t> available;

@@ -30,7 +30,10 @@ function look() {
     cells: [...row.querySelectorAll('[role="gridcell"]')].map((cell) => clean(cell.innerText)),
     hasPicture: row.querySelector('img')?.naturalWidth > 0,
   }));
-  const page = JSON.stringify({ controls, rows, text: clean(document.body.innerText) });
+  const at = document.activeElement;
+  const label = document.getElementById(at.getAttribute('aria-labelledby'));
+  const focus = at === document.body ? '' : at.dataset.key ?? clean(at.getAttribute('aria-label') ?? (label ?? at).textContent);
+  const page = JSON.stringify({ controls, rows, focus, text: clean(document.body.innerText) });
   if (page === seen && page !== told) {
     told = page;
     window.webkit.messageHandlers.velto.postMessage({ type: 'guide', payload: page });
@@ -109,6 +112,18 @@ export async function openGuided(
       // The page fills the window, and the window stands in the display's corner.
       await desktop.click(Math.round(control.x), Math.round(control.y));
     },
+    /** Types a key until the focus is at a control of this name, or at the row of this path. */
+    async keyTo(key, name, most = 40) {
+      for (let count = 0; count < most; count++) {
+        await desktop.input('key', key);
+        const reached = await shows(`the focus at "${name}"`, ({ focus }) => matches(focus, name), 700)
+          .catch(() => false);
+        if (reached) return;
+      }
+      throw new Error(`${key} never came to "${name}"; the focus is at "${latest().focus}"`);
+    },
+    /** Waits until the focus is at the control of this name, or at the row of this path. */
+    focuses: (name) => shows(`the focus at "${name}"`, ({ focus }) => matches(focus, name)),
     /** Selects the row of a path, and waits until it is. */
     async tick(path) {
       await page.click(`tick ${path}`);
