@@ -270,7 +270,7 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, cleanables, duplicates, trash, removal, copy, monitor, apps]) {
+  for (const part of [walk, memory, folders, cleanables, duplicates, trash, removal, copy, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }

@@ -183,7 +183,7 @@ TEST_F(Scanner, ANameThatIsNotUtf8CountsAndShowsItsBadBytes) {
     EXPECT_EQ(scanner.fileList[0].path, at("Music/a\xFF.mp3"));
 }
 
-TEST_F(Scanner, HiddenFilesAndFoldersAreNeitherCountedNorEntered) {
+TEST_F(Scanner, HiddenFilesAndFoldersAreNotCounted) {
     file(".profile", 10);
     file(".config/a", 10);
     file("Music/.hidden/a", 10);
