@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/LeftBehindIntent.h"
@@ -84,6 +85,12 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         .link = link, .platform = platform_, .found = [this](const auto& groups) {
             addDuplicates(groups);
         }});
+    exclusionIntents_ =
+        std::make_shared<ExclusionIntents>(ExclusionIntents::Context{.link = link,
+                                                                     .platform = platform_,
+                                                                     .language = language_,
+                                                                     .exclusions = exclusions_,
+                                                                     .shell = shell_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }

@@ -46,6 +46,7 @@ class AccessIntents;
 class AppIntents;
 class FolderIntents;
 class GrowthIntents;
+class ExclusionIntents;
 class LeftBehindIntent;
 class MeasurementIntents;
 class PackageIntents;
@@ -97,10 +98,8 @@ private:
     // Intents (intents.cpp, cleaning_intents.cpp); the others have classes of their own.
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
+    void onStopAnalysis(const Payload& payload);  // analysis_task.cpp
     void onRevealPath(const Payload& payload);
-    void onAddExclusion(const Payload& payload);
-    void onRemoveExclusion(const Payload& payload);
-    void onExclusions(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
     void onScanCleanables(const Payload& payload);
@@ -181,6 +180,7 @@ private:
     std::shared_ptr<FolderIntents> folderIntents_;
     std::shared_ptr<GrowthIntents> growthIntents_;
     std::shared_ptr<MeasurementIntents> measurementIntents_;
+    std::shared_ptr<ExclusionIntents> exclusionIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -56,7 +56,19 @@ void JSBridge::startAnalysis() {
         });
 }
 
+/// The state stays as it is. Nothing when no analysis runs.
+void JSBridge::onStopAnalysis(const Payload&) {
+    if (!scanTask) return;
+    scanTask->cancel();
+    pendingAccessRescan = false;  // whoever stops one does not want the next
+}
+
 void JSBridge::finishAnalysis(const AnalysisOutput& output) {
+    // Stopped in its last moment: it ends as if it had been noticed.
+    if (scanTask->isCancelled()) {
+        failAnalysis("Velto ▶ análisis cancelado");
+        return;
+    }
     const double now = platform_.clock->now();
     bootState = BootState{.state = {.total = output.total,
                                     .free = output.free,
@@ -104,6 +116,7 @@ void JSBridge::addDuplicates(const std::vector<DupGroup>& groups) {
 
 void JSBridge::failAnalysis(const std::string& line) {
     log(line);
+    if (scanTask->isCancelled()) evaluate(events::analysisStopped());
     evaluate(events::scanFailed());
 }
 

@@ -67,6 +67,8 @@ std::string scanProgress(std::int64_t files, double gb) {
 
 std::string scanFinished() { return call("onScanFinished", ""); }
 
+std::string analysisStopped() { return call("onAnalysisStopped", ""); }
+
 std::string scanFailed() { return call("onScanFailed", ""); }
 
 std::optional<std::string> setState(const DiskState& state, double stamp) {

@@ -31,6 +31,8 @@ std::string literal(const nlohmann::json& json);
 std::string scanStarted();
 std::string scanProgress(std::int64_t files, double gb);  // GB with one decimal
 std::string scanFinished();
+/// Comes before `scanFailed`: the user has stopped it.
+std::string analysisStopped();
 std::string scanFailed();
 
 /// The state's JSON and its stamp (seconds since 1970); nothing when the state cannot be encoded.

@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
@@ -46,6 +47,7 @@ struct IntentTable {
     static constexpr auto folders = &JSBridge::folderIntents_;
     static constexpr auto growing = &JSBridge::growthIntents_;
     static constexpr auto measured = &JSBridge::measurementIntents_;
+    static constexpr auto exclusions = &JSBridge::exclusionIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -67,15 +69,15 @@ struct IntentTable {
         {"requestAccess", at<access, &AccessIntents::onRequestAccess>},
         {"checkAccess", at<access, &AccessIntents::onCheckAccess>},
         {"resetAccess", at<access, &AccessIntents::onResetAccess>},
-        {"addExclusion", own<&JSBridge::onAddExclusion>},
+        {"addExclusion", at<exclusions, &ExclusionIntents::onAddExclusion>},
         {"scanCleanables", own<&JSBridge::onScanCleanables>},
         {"cleanPaths", at<trash, &TrashIntents::onCleanPaths>},
         {"moveCloud", own<&JSBridge::onMoveCloud>},
         {"resetVelto", own<&JSBridge::onResetVelto>},
         {"goView", own<&JSBridge::onGoView>},
         {"setAutoMaintenance", at<settings, &SettingsIntents::onSettings>},
-        {"exclusions", own<&JSBridge::onExclusions>},
-        {"removeExclusion", own<&JSBridge::onRemoveExclusion>},
+        {"exclusions", at<exclusions, &ExclusionIntents::onExclusions>},
+        {"removeExclusion", at<exclusions, &ExclusionIntents::onRemoveExclusion>},
         {"maintenanceStatus", at<settings, &SettingsIntents::onMaintenanceStatus>},
         {"measureMaintenance", at<settings, &SettingsIntents::onMeasureMaintenance>},
         {"restoreItemTo", at<trash, &TrashIntents::onRestoreItemTo>},
@@ -93,6 +95,8 @@ struct IntentTable {
         {"forgetGrowth", at<growing, &GrowthIntents::onForgetGrowth>},
         {"continueComparison", at<measured, &MeasurementIntents::onContinueComparison>},
         {"stopComparison", at<measured, &MeasurementIntents::onStopComparison>},
+        {"stopAnalysis", own<&JSBridge::onStopAnalysis>},
+        {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
     });
 };
 
@@ -124,23 +128,6 @@ void JSBridge::onScan(const Payload&) { startAnalysis(); }
 void JSBridge::onRevealPath(const Payload& payload) {
     if (const auto path = payload::path(payload)) platform_.workspace->reveal(*path);
 }
-
-void JSBridge::onAddExclusion(const Payload& payload) {
-    const auto path = payload::path(payload);
-    if (!path || !path->starts_with('/')) return;
-    exclusions_.add(*path);
-    toast("Excluido del análisis", "Excluded from the analysis", *path);
-    evaluate(events::exclusions(exclusions_.paths()));
-}
-
-void JSBridge::onRemoveExclusion(const Payload& payload) {
-    const auto path = payload::path(payload);
-    if (!path) return;
-    exclusions_.remove(*path);
-    evaluate(events::exclusions(exclusions_.paths()));
-}
-
-void JSBridge::onExclusions(const Payload&) { evaluate(events::exclusions(exclusions_.paths())); }
 
 void JSBridge::onGoView(const Payload& payload) {
     if (const auto name = payload::string(payload)) evaluate(events::goView(*name));

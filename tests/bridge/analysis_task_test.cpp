@@ -98,6 +98,62 @@ TEST_F(AnalysisTask, ACancelledAnalysisKeepsWhatWasThere) {
     EXPECT_FALSE(bridge->scanRunning);
 }
 
+TEST_F(AnalysisTask, StoppingLeavesTheStateAsItWasAndSaysThatItWasStopped) {
+    saveAnalysis(1'600'000'000);
+    open();
+    const DiskState before = bridge->bootState->state;
+    machine.home.file("a.txt", 10_KB);
+    post("scan");
+    post("stopAnalysis");
+    page->scripts.clear();
+    machine.dispatcher.runAll();
+    EXPECT_THAT(page->scripts,
+                ElementsAre(HasSubstr("onAnalysisStopped()"), HasSubstr("onScanFailed()")));
+    EXPECT_EQ(bridge->bootState->state, before);
+    EXPECT_EQ(ScanCache(*machine.platform.files, machine.platform.layout).load()->ts,
+              1'600'000'000);
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_TRUE(machine.log.holds("Velto ▶ análisis cancelado"));
+}
+
+TEST_F(AnalysisTask, StoppingInTheLastMomentStillLeavesTheStateAsItWas) {
+    saveAnalysis(1'600'000'000);
+    open();
+    const DiskState before = bridge->bootState->state;
+    machine.home.file("a.txt", 10_KB);
+    post("scan");
+    machine.dispatcher.runGlobal();  // the walk is done, its result on the way
+    post("stopAnalysis");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onAnalysisStopped"), 1u);
+    EXPECT_EQ(count("onScanFinished"), 0u);
+    EXPECT_EQ(count("setState"), 0u);
+    EXPECT_EQ(bridge->bootState->state, before);
+}
+
+TEST_F(AnalysisTask, StoppingWhenNothingRunsSaysNothing) {
+    saveAnalysis(1'600'000'000);
+    open();
+    page->scripts.clear();
+    post("stopAnalysis");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(page->scripts.size(), 1u) << "the echo alone";
+    post("scan");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onAnalysisStopped"), 0u);
+    EXPECT_EQ(count("onScanFinished"), 1u);
+}
+
+TEST_F(AnalysisTask, WhoeverStopsOneIsNotGivenAnother) {
+    open();
+    post("scan");
+    bridge->pendingAccessRescan = true;
+    post("stopAnalysis");
+    machine.dispatcher.runAll();
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_EQ(count("onScanStarted"), 1u);
+}
+
 TEST_F(AnalysisTask, ABridgeThatIsGoneEndsItsAnalysisQuietly) {
     open();
     post("scan");

@@ -74,12 +74,13 @@ TEST_F(Intents, AnUnknownIntentIsOnlyRecorded) {
 
 TEST_F(Intents, EveryKnownNameSurvivesEveryWrongPayload) {
     const std::vector<const char*> names{
-        "webReady",    "settings",        "setTheme",           "systemWatch",
-        "appsList",    "appAnalysis",     "uninstall",          "revealPath",
-        "deleteFiles", "undoLast",        "restoreItem",        "purgeItem",
-        "cleanPaths",  "clearHistory",    "addExclusion",       "scanCleanables",
-        "moveCloud",   "goView",          "maintenanceStatus",  "setAutoMaintenance",
-        "exclusions",  "removeExclusion", "measureMaintenance", "restoreItemTo"};
+        "webReady",     "settings",        "setTheme",           "systemWatch",
+        "appsList",     "appAnalysis",     "uninstall",          "revealPath",
+        "deleteFiles",  "undoLast",        "restoreItem",        "purgeItem",
+        "cleanPaths",   "clearHistory",    "addExclusion",       "scanCleanables",
+        "moveCloud",    "goView",          "maintenanceStatus",  "setAutoMaintenance",
+        "exclusions",   "removeExclusion", "measureMaintenance", "restoreItemTo",
+        "stopAnalysis", "chooseExclusion"};
     const std::vector<json> wrong{nullptr,
                                   true,
                                   3.5,

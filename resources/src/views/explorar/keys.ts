@@ -10,8 +10,8 @@ let typedAt = 0;
 
 /** Backspace is the way up here, and Alt with an arrow what it is in every browser of files. */
 export function handleWayKey(event: KeyboardEvent, part: Arrival['part']): boolean {
-  if (event.ctrlKey || event.shiftKey) return false;
-  const up = event.key === 'Backspace' || (event.key === 'ArrowUp' && (event.altKey || event.metaKey));
+  if (event.ctrlKey) return false;
+  const up = (event.key === 'Backspace' && !event.metaKey) || (event.key === 'ArrowUp' && (event.altKey || event.metaKey));
   const back = event.key === 'ArrowLeft' && event.altKey;
   if (!up && !back) return false;
   if (up) explorer.up(part);

@@ -8,7 +8,9 @@ import { announcer } from '../../state/announcer.svelte.ts';
 import { folders } from '../../state/folders.svelte.ts';
 import { requests } from '../../state/requests.svelte.ts';
 import { foldersOfCategory } from './homeFolders.ts';
-import { folderAbove, largestFirst, pathBelow, rowsOf, sortRows, totalBytes, type Order, type Row } from './rows.ts';
+import {
+  folderAbove, largestFirst, nextOrder, pathBelow, rowsOf, sortRows, totalBytes, type Order, type Row, type SortColumn,
+} from './rows.ts';
 
 /** Where the focus goes once the folder that was asked for is there. */
 export interface Arrival {
@@ -20,7 +22,7 @@ export interface Arrival {
 const longestTrail = 100;
 
 class Explorer {
-  order = $state.raw<Order>(largestFirst);
+  private wantedOrder = $state.raw<Order>(largestFirst);
   /** The row reached last, in the table or on the map: both show it. */
   focused = $state<string | null>(null);
   search = $state('');
@@ -31,6 +33,8 @@ class Explorer {
 
   readonly contents = $derived(folders.contents?.found ? folders.contents : null);
   readonly growth: ReadonlyMap<string, number> | null = $derived(this.growthShown());
+  /** Of a folder whose growth is not known nothing can be sorted by it. */
+  readonly order: Order = $derived(this.wantedOrder.column === 'growth' && !this.growth ? largestFirst : this.wantedOrder);
   private readonly all: Row[] = $derived(this.contents ? rowsOf(this.contents, folders.home) : []);
   readonly rows: Row[] = $derived(
     sortRows(this.all, this.order, language.formats.compare, this.growth ?? undefined),
@@ -38,7 +42,6 @@ class Explorer {
   readonly keys: string[] = $derived(this.rows.map(({ key }) => key));
   readonly byKey: ReadonlyMap<string, Row> = $derived(new Map(this.all.map((row) => [row.key, row])));
   readonly total: number = $derived(totalBytes(this.all));
-  readonly largest: number = $derived(Math.max(1, ...this.largestFew()));
   readonly selection: Selection = $derived(keepShown(this.chosen, this.keys));
   readonly selected: Row[] = $derived(this.rows.filter(({ key }) => this.selection.selected.has(key)));
   /** The one tab stop of the table, and of the map where it has that row. */
@@ -48,12 +51,6 @@ class Explorer {
   /** The folder above the one that is wanted, which may still be awaited. */
   readonly above: string | null = $derived(folders.path === folders.home ? null : folderAbove(folders.path));
   readonly canGoBack: boolean = $derived(this.trail.length > 0);
-
-  private largestFew(): number[] {
-    let most = 0;
-    for (const { bytes } of this.all) if (bytes !== null && bytes > most) most = bytes;
-    return [most];
-  }
 
   private growthShown(): ReadonlyMap<string, number> | null {
     const { growth } = folders;
@@ -68,6 +65,10 @@ class Explorer {
   /** The share of the open folder, 0 to 1. */
   share({ bytes }: Row): number {
     return this.total > 0 && bytes !== null ? Math.min(1, bytes / this.total) : 0;
+  }
+
+  sortBy(column: SortColumn): void {
+    this.wantedOrder = nextOrder(this.order, column);
   }
 
   /** Of one that cannot be selected it is said why. */
