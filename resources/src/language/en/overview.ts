@@ -18,7 +18,7 @@ export const overview = {
   scoreWhy: 'Worked out from the free share of the disk: 10% free gives 50, 30% free gives 70.',
   mapTitle: 'Where the space is',
   mapLabel: 'Map of the disk by category',
-  mapHelp: 'Each area is as large as the space it takes. Choose a file to find it in the list.',
+  mapHelp: 'Each area is as large as the space it takes. Choose a file to find it in the list, anything else to see its folders.',
   mapAlternative: 'The table below has the same figures.',
   cell: (name: string, gb: number, category: string) => `${name}, ${size(gb)}, ${category}`,
   remainder: 'Everything else',

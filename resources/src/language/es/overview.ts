@@ -19,7 +19,7 @@ export const overview: typeof english = {
   scoreWhy: 'Se calcula con la parte libre del disco: un 10 % libre da 50, un 30 % libre da 70.',
   mapTitle: 'Dónde está el espacio',
   mapLabel: 'Mapa del disco por categorías',
-  mapHelp: 'Cada área es tan grande como el espacio que ocupa. Elige un archivo para verlo en la lista.',
+  mapHelp: 'Cada área es tan grande como el espacio que ocupa. Elige un archivo para verlo en la lista, o cualquier otra parte para ver sus carpetas.',
   mapAlternative: 'La tabla siguiente da las mismas cifras.',
   cell: (name, gb, category) => `${name}, ${size(gb)}, ${category}`,
   remainder: 'Todo lo demás',
