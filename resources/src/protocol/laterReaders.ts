@@ -3,6 +3,7 @@ import * as appGuards from './appGuards.ts';
 import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
 import * as folderGuards from './folderGuards.ts';
+import * as growthGuards from './growthGuards.ts';
 import * as guards from './guards.ts';
 import * as measurementGuards from './measurementGuards.ts';
 import { systemActivity, systemSample } from './systemGuards.ts';
@@ -38,6 +39,10 @@ export const laterReaders: LaterReaders = {
   onFolderSearch: ([value]) => {
     const search = folderGuards.folderSearch(value);
     return search && [search];
+  },
+  onGrowth: ([value]) => {
+    const growth = growthGuards.growth(value);
+    return growth && [growth];
   },
   onFolderGrowth: ([value]) => {
     const growth = folderGuards.folderGrowth(value);

@@ -7,6 +7,7 @@ import type {
   UninstallStage,
 } from './appRecords.ts';
 import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince } from './folderRecords.ts';
+import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
@@ -15,8 +16,10 @@ import type {
 
 export type * from './appRecords.ts';
 export type * from './folderRecords.ts';
+export type * from './growthRecords.ts';
 export type * from './measurementRecords.ts';
 export type * from './records.ts';
+export { growthKinds } from './growthRecords.ts';
 export { frequencies, ruleIds } from './records.ts';
 
 /** Only what changed is sent; the program pushes the state again afterwards. */
@@ -44,6 +47,8 @@ export interface Intents {
   folder: { path: string; request: number };
   searchFolders: { text: string; request: number };
   folderGrowth: { path: string; since: GrowthSince };
+  growth: { since: GrowthSince };
+  forgetGrowth: void;
   systemWatch: { on: boolean };
   quitApplication: { pid: number };
   endApplication: { pid: number };
@@ -105,6 +110,7 @@ export interface Events {
   onFolder: [contents: FolderContents];
   onFolderSearch: [search: FolderSearch];
   onFolderGrowth: [growth: FolderGrowth];
+  onGrowth: [growth: Growth];
   onCleanables: [candidates: Cleanable[]];
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];

@@ -7,6 +7,7 @@ import { laterReaders } from '../protocol/laterReaders.ts';
 import type { TrashItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { folders } from './folders.svelte.ts';
+import { growth } from './growth.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
 import { leftovers } from './leftovers.svelte.ts';
@@ -43,6 +44,7 @@ export function startLater(): void {
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onFolder: (contents) => folders.receive(contents),
       onFolderSearch: (found) => folders.receiveSearch(found),
+      onGrowth: (told) => growth.receive(told),
       onFolderGrowth: (growth) => folders.receiveGrowth(growth),
       onApps: (apps) => installedApps.receive(apps),
       onAppSizes: (sizes) => installedApps.receiveSizes(sizes),
@@ -62,6 +64,7 @@ export function startLater(): void {
     } satisfies LaterListeners,
     laterReaders,
   );
+  growth.ask();
 }
 
 function showTrash(items: TrashItem[]): void {

@@ -10,6 +10,7 @@ import Apps from './apps/Apps.svelte';
 import Archivos from './archivos/Archivos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
 import Explorar from './explorar/Explorar.svelte';
+import GrowthCard from './explorar/growth/GrowthCard.svelte';
 import Historial from './historial/Historial.svelte';
 import MapStrip from './inicio/measured/MapStrip.svelte';
 import NotMeasured from './inicio/measured/NotMeasured.svelte';
@@ -34,7 +35,7 @@ export { default as Overlays } from '../frame/Overlays.svelte';
 export { startLater } from '../state/startLater.ts';
 
 /** Parts of the view at the start that wait for what the program tells after it. */
-export const overviewParts = { MapStrip, NotMeasured, SystemParts };
+export const overviewParts = { GrowthCard, MapStrip, NotMeasured, SystemParts };
 
 /** Null for the view at the start. */
 export function contentOf(name: ViewName): Component | null {

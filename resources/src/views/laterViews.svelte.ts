@@ -30,6 +30,7 @@ class LaterViews {
   /** What lies over every view; null until the script is there. */
   Overlays = $state.raw<Component | null>(null);
   /** Parts of the view at the start; null until the script is there. */
+  GrowthCard = $state.raw<Component | null>(null);
   NotMeasured = $state.raw<Component | null>(null);
   SystemParts = $state.raw<Component<{ category: Category }> | null>(null);
   MapStrip = $state.raw<Component<{ name: string; gb: number }> | null>(null);

@@ -1,6 +1,7 @@
 import { appWords } from './apps.ts';
 import { cleanup } from './cleanup.ts';
 import { folders } from './folders.ts';
+import { growth } from './growth.ts';
 import { history } from './history.ts';
 import { lists } from './lists.ts';
 import { measured } from './measured.ts';
@@ -9,4 +10,4 @@ import { systemWords } from './system.ts';
 import { trash } from './trash.ts';
 
 /** The words that come with the second script. */
-export const laterEs = { lists, folders, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };
+export const laterEs = { lists, folders, growth, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };
