@@ -25,6 +25,7 @@ export const measured = {
   },
   strip: (gb: number) => `${size(gb)}, not measured file by file and not drawn to scale`,
   title: 'What was not measured',
+  note: 'What these places take up on this disk counts as “Outside your home”.',
   withheld: (count: number) =>
     plural(count, {
       one: '# place stays unread without Full Disk Access',
@@ -35,8 +36,8 @@ export const measured = {
   excludedChange: 'Change',
   unreadable: (count: number) =>
     plural(count, {
-      one: '# item could not be read; it belongs to somebody else, or was locked',
-      other: '# items could not be read; they belong to somebody else, or were locked',
+      one: '# item could not be read',
+      other: '# items could not be read',
     }),
   volume: (gb: number) => `another disk, with ${size(gb)} in use there`,
   volumeUnknown: 'another disk, or a folder on a network',

@@ -25,6 +25,7 @@ export const measured: typeof english = {
   },
   strip: (gb) => `${size(gb)}, sin medir archivo por archivo y sin dibujar a escala`,
   title: 'Lo que no se ha medido',
+  note: 'Lo que estos lugares ocupan en este disco cuenta como «Fuera de tu carpeta personal».',
   withheld: (count) =>
     plural(count, {
       one: '# lugar queda sin leer sin acceso total al disco',
@@ -40,9 +41,9 @@ export const measured: typeof english = {
   excludedChange: 'Cambiar',
   unreadable: (count) =>
     plural(count, {
-      one: 'No se pudo leer # elemento: es de otro usuario o estaba bloqueado',
-      many: 'No se pudieron leer # de elementos: son de otro usuario o estaban bloqueados',
-      other: 'No se pudieron leer # elementos: son de otro usuario o estaban bloqueados',
+      one: 'No se pudo leer # elemento',
+      many: 'No se pudieron leer # de elementos',
+      other: 'No se pudieron leer # elementos',
     }),
   volume: (gb) => `otro disco, con ${size(gb)} en uso`,
   volumeUnknown: 'otro disco, o una carpeta de la red',
