@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/CleaningIntents.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
@@ -91,6 +92,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
                                                                      .language = language_,
                                                                      .exclusions = exclusions_,
                                                                      .shell = shell_});
+    cleaningIntents_ = std::make_shared<CleaningIntents>(
+        CleaningIntents::Context{link, platform_, lists_, *measurementIntents_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }

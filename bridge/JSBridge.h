@@ -44,6 +44,7 @@ struct BridgeContext {
 
 class AccessIntents;
 class AppIntents;
+class CleaningIntents;
 class FolderIntents;
 class GrowthIntents;
 class ExclusionIntents;
@@ -95,15 +96,13 @@ public:
 private:
     friend struct IntentTable;
 
-    // Intents (intents.cpp, cleaning_intents.cpp); the others have classes of their own.
+    // Intents (intents.cpp); the features have classes of their own.
     void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
     void onStopAnalysis(const Payload& payload);  // analysis_task.cpp
     void onRevealPath(const Payload& payload);
     void onResetVelto(const Payload& payload);
     void onGoView(const Payload& payload);
-    void onScanCleanables(const Payload& payload);
-    void onMoveCloud(const Payload& payload);
 
     // Events (JSBridge.cpp).
     void evaluate(const std::string& script) override;
@@ -140,7 +139,6 @@ private:
                       const CleanupOutcome& outcome) override;
     void finishCleanup(const CleanupOutcome& outcome, const OwnReport& report);
     bool updateState(const CleanupOutcome& outcome);
-    void showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
     // Reset (reset.cpp).
     void forgetLocalData(const std::optional<FailureText>& remains);
@@ -181,6 +179,7 @@ private:
     std::shared_ptr<GrowthIntents> growthIntents_;
     std::shared_ptr<MeasurementIntents> measurementIntents_;
     std::shared_ptr<ExclusionIntents> exclusionIntents_;
+    std::shared_ptr<CleaningIntents> cleaningIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -4,6 +4,7 @@
 
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
+#include "bridge/CleaningIntents.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
@@ -40,6 +41,7 @@ struct IntentTable {
     static constexpr auto apps = &JSBridge::appIntents_;
     static constexpr auto settings = &JSBridge::settingsIntents_;
     static constexpr auto system = &JSBridge::systemIntents_;
+    static constexpr auto cleaning = &JSBridge::cleaningIntents_;
     static constexpr auto trash = &JSBridge::trashIntents_;
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
@@ -70,9 +72,9 @@ struct IntentTable {
         {"checkAccess", at<access, &AccessIntents::onCheckAccess>},
         {"resetAccess", at<access, &AccessIntents::onResetAccess>},
         {"addExclusion", at<exclusions, &ExclusionIntents::onAddExclusion>},
-        {"scanCleanables", own<&JSBridge::onScanCleanables>},
+        {"scanCleanables", at<cleaning, &CleaningIntents::onScanCleanables>},
         {"cleanPaths", at<trash, &TrashIntents::onCleanPaths>},
-        {"moveCloud", own<&JSBridge::onMoveCloud>},
+        {"moveCloud", at<cleaning, &CleaningIntents::onMoveCloud>},
         {"resetVelto", own<&JSBridge::onResetVelto>},
         {"goView", own<&JSBridge::onGoView>},
         {"setAutoMaintenance", at<settings, &SettingsIntents::onSettings>},

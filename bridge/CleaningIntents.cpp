@@ -1,19 +1,20 @@
+#include "bridge/CleaningIntents.h"
+
 #include <memory>
 #include <utility>
 
+#include "analysis/PermissionService.h"
 #include "bridge/CleanupOutcome.h"
-#include "bridge/JSBridge.h"
-#include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 
 namespace velto {
 
 /// Not on the queue of the trash: measuring may take minutes, and only looks.
-void JSBridge::onScanCleanables(const Payload&) {
-    Platform& platform = platform_;
+void CleaningIntents::onScanCleanables(const Payload&) {
+    Platform& platform = context_.platform;
     platform.dispatcher->global(
         QualityOfService::userInitiated,
-        [&platform, weak = weak_from_this(), begun = lists_.mark()] {
+        [&platform, weak = weak_from_this(), begun = context_.lists.mark()] {
             if (weak.expired()) return;
             const PermissionService permissions(platform);
             CleaningRules rules(platform, [&] { return permissions.hasAccess(); });
@@ -21,31 +22,31 @@ void JSBridge::onScanCleanables(const Payload&) {
             // First, so that the page knows what it may preselect before it has anything to show.
             const std::string facts = events::cleanableFacts(CacheJudge(platform).facts(found));
             platform.dispatcher->main([weak, begun, facts, found = std::move(found)] {
-                const auto bridge = weak.lock();
-                if (!bridge) return;
-                bridge->evaluate(facts);
-                bridge->showCleanables(found, begun);
+                const auto self = weak.lock();
+                if (!self) return;
+                self->context_.link.evaluate(facts);
+                self->show(found, begun);
             });
         });
 }
 
-void JSBridge::showCleanables(std::vector<Candidate> found, AnalysisLists::Mark begun) {
+void CleaningIntents::show(std::vector<Candidate> found, AnalysisLists::Mark begun) {
     // It may have been moved after it was measured.
     std::erase_if(found, [&](const Candidate& candidate) {
-        return lists_.hasGoneSince(candidate.path, begun);
+        return context_.lists.hasGoneSince(candidate.path, begun);
     });
-    lists_.replaceCleanables(found);
-    measurementIntents_->tellCleanables(found);
-    evaluate(events::cleanables(found));
+    context_.lists.replaceCleanables(found);
+    context_.measurement.tellCleanables(found);
+    context_.link.evaluate(events::cleanables(found));
 }
 
-void JSBridge::onMoveCloud(const Payload& payload) {
+void CleaningIntents::onMoveCloud(const Payload& payload) {
     const auto paths = payload::pathsMember(payload, "paths");
     const bool hasDirection = payload::member(payload, "direction") != nullptr;
     const auto direction = hasDirection ? payload::stringMember(payload, "direction") : "to";
     if (!paths || !direction || (*direction != "to" && *direction != "from")) return;
     const auto result = std::make_shared<CloudFolder::Result>();
-    runCleanup(
+    context_.link.enqueue(
         [paths = *paths, isTo = *direction == "to", result](CleanupServices& services,
                                                             CleanupOutcome& outcome) {
             *result = isTo ? services.cloud.moveTo(paths) : services.cloud.moveFrom(paths);
@@ -53,8 +54,8 @@ void JSBridge::onMoveCloud(const Payload& payload) {
             outcome.gone = result->moved;
             outcome.back = result->arrivedAt;
         },
-        [result, direction = *direction](JSBridge& bridge, const CleanupOutcome&) {
-            bridge.evaluate(events::cloudMove(result->moved, result->failed, direction));
+        [&link = context_.link, result, direction = *direction](const CleanupOutcome&) {
+            link.evaluate(events::cloudMove(result->moved, result->failed, direction));
         });
 }
 
