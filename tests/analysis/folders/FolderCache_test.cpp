@@ -113,7 +113,9 @@ TEST(FolderFile, AForgedFileEitherReadsAsATreeOrIsAbsent) {
     const std::string content = folder_file::encode(family());
     int absent = 0;
     for (std::size_t place = 16; place + 16 < content.size(); ++place) {
-        for (int byte = 0; byte < 256; ++byte) {
+        const auto stored = static_cast<unsigned char>(content[place]);
+        for (const int byte :
+             {stored + 1, stored - 1, stored ^ 0x80, 0x00, 0x01, 0x7F, 0xFF, 0x2F}) {
             std::string forged = content;
             forged[place] = static_cast<char>(byte);
             const auto read = folder_file::decode(signedAnew(forged), home);
@@ -133,7 +135,7 @@ TEST(FolderFile, AForgedFileEitherReadsAsATreeOrIsAbsent) {
             ASSERT_LE(static_cast<int>(tree[0].own.state), 6);
         }
     }
-    EXPECT_GT(absent, 10'000) << "most of it is not to be changed";
+    EXPECT_GT(absent, 500) << "most of it is not to be changed";
     for (std::size_t length = 16; length < content.size(); ++length)
         EXPECT_FALSE(folder_file::decode(signedAnew(content.substr(0, length)), home)) << length;
 }
