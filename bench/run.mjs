@@ -11,7 +11,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'folders', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'monitor', 'apps'];
+const partNames = ['walk', 'memory', 'folders', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -232,6 +232,16 @@ function copy() {
   }
 }
 
+function growth() {
+  const folder = join(data, 'growth');
+  mkdirSync(folder, { recursive: true });
+  const [count, bytes] = output([program('bench_growth'), folder, 'size']).trim().split(' ').map(Number);
+  const [whole, comparing, keeping] = medians('growth', folder);
+  console.log('\nWhat has grown between two analyses of 200,000 folders of 1 MB and more');
+  console.log(`reading and comparing two snapshots ${milliseconds(whole)} (target: at most 150 ms), comparing ` +
+    `alone ${milliseconds(comparing)}; keeping one ${milliseconds(keeping)}, ${(bytes / 1e6).toFixed(1)} MB of ${count} folders`);
+}
+
 /** The mean over the samples has the first one in it and each that makes the process map anew. */
 function monitor() {
   console.log('\nSystem monitor: processor time of a sample beside 2,000 sleeping processes, and of one ps');
@@ -264,13 +274,13 @@ if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
   console.log('The walk and the discovery are measured on Linux only.');
-  for (const part of [duplicates, trash, removal, copy]) {
+  for (const part of [duplicates, trash, removal, copy, growth]) {
     if (only === '' || only === part.name) part();
   }
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, folders, cleanables, duplicates, trash, removal, copy, monitor, apps]) {
+  for (const part of [walk, memory, folders, cleanables, duplicates, trash, removal, copy, growth, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }

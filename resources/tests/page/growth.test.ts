@@ -30,7 +30,7 @@ describe('what has grown', () => {
     await withGrowth(async (opened) => {
       expect(await opened.intents()).toContainEqual({ type: 'growth', payload: { since: 'last' } });
       const text = (await line(opened).textContent())!.replaceAll('\u00a0', ' ');
-      expect(text).toMatch(/^Since .+, 18\.3 GB more: 14\.1 GB in Movies\/Lanzarote, 3 GB in Library\/Caches, and 2\.2 GB in Documents\/M.+/);
+      expect(text).toMatch(/^Since .+, 18\.3 GB more: 14\.1 GB in Movies\/Lanzarote and 3 GB in Library\/Caches\.\s*$/);
       expect(await panel(opened).count()).toBe(0);
     });
   });
@@ -75,7 +75,7 @@ describe('what has grown', () => {
       expect(await opened.during(() => choice.selectOption('month'))).toEqual([{ type: 'growth', payload: { since: 'month' } }]);
       expect(await panel(opened).getByRole('status').textContent()).toBe('Comparing…');
       await opened.tell('onGrowth', someGrowth({ asked: 'month', since: noon(75), grown: [], shrunk: [], renamed: [], bytes: 0 }));
-      expect(await panel(opened).getByRole('status').textContent()).toMatch(/^Analysis of .+, compared with that of .+\.$/);
+      expect(await panel(opened).getByRole('status').textContent()).toMatch(/^From the analysis of .+ to that of .+\.$/);
       expect(await panel(opened).textContent()).toContain('No folder has changed by 10 MB or more.');
       expect(await opened.during(() => choice.selectOption(String(noon(200))))).toEqual([{ type: 'growth', payload: { since: noon(200) } }]);
     });

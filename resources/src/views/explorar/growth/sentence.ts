@@ -10,7 +10,7 @@ type Words = Dictionary['growth'];
 /** Less than this is no change of the whole; the program tells no smaller one of a folder. */
 const worthTelling = 10_000_000;
 const longestPlace = 48;
-const mostPlaces = 3;
+const mostPlaces = 2;
 
 /** A path below the home without it: "Movies/Lanzarote". */
 export function placeName(path: string, home: string, words: Words): string {
