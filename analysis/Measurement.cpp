@@ -37,11 +37,12 @@ std::int64_t Measurement::outside() const {
     return std::max<std::int64_t>(0, total - free - reserved - home - hidden.value_or(0));
 }
 
-void addFolders(Measurement& measurement, const FolderTree& folders, std::int64_t counted) {
+void addFolders(Measurement& measurement, const FolderTree& folders, std::int64_t hiddenBytes) {
     std::int64_t measured = 0;
     for (FolderTree::Index root = 0; root < folders.rootCount(); ++root)
         measured += folders[root].bytes;
-    measurement.home = std::min(counted, measured);
+    const std::int64_t visible = std::max<std::int64_t>(0, measured - hiddenBytes);
+    measurement.home = std::min(measurement.home, visible);
     measurement.hidden = measured - measurement.home;
     for (FolderTree::Index index = 0; index < folders.size(); ++index) {
         if (measurement.unreadable.paths.size() == mostPaths) break;

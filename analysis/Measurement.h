@@ -47,9 +47,10 @@ struct Measurement {
     bool operator==(const Measurement&) const = default;
 };
 
-/// The parts that the folders tell: what is hidden, and where it could not be read. `counted` are
-/// the bytes in the categories, where a file with several names counts for each of them.
-void addFolders(Measurement& measurement, const FolderTree& folders, std::int64_t counted);
+/// The parts that the folders tell: what is measured and in no category (hidden files, of
+/// `hiddenBytes`, and the folders themselves), and where it could not be read. In the categories a
+/// file with several names counts for each of them; here its space counts once.
+void addFolders(Measurement& measurement, const FolderTree& folders, std::int64_t hiddenBytes);
 
 /// As the page is told; what was not told apart has no key. Volumes of unknown size have no bytes.
 nlohmann::json toJson(const Measurement& measurement);

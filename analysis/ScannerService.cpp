@@ -92,6 +92,7 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
         postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled);
     output.measurement.withheld = std::move(withheld);
     output.measurement.excluded = excluded;
+    if (folders_) addFolders(output.measurement, *folders_, hiddenBytes_);
     if (cancelled.isCancelled()) throw CancellationError();
     platform_.log->line(
         fmt::format("Velto ▶ post-proceso listo (duplicados: {} grupos)", output.dupGroups.size()));

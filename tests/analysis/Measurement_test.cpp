@@ -56,17 +56,17 @@ FolderTree tree() {
 }
 
 TEST(Measurement, WhatTheFoldersHoldBesideTheCategoriesIsHidden) {
-    Measurement measurement;
-    addFolders(measurement, tree(), 150);
-    EXPECT_EQ(measurement.home, 150);
-    EXPECT_EQ(measurement.hidden, 250);
+    Measurement measurement{.home = 60};
+    addFolders(measurement, tree(), 300);
+    EXPECT_EQ(measurement.home, 60);
+    EXPECT_EQ(measurement.hidden, 340) << "with the folders themselves";
 }
 
 TEST(Measurement, FilesWithSeveralNamesDoNotTakeUpMoreThanTheFolders) {
-    Measurement measurement;
-    addFolders(measurement, tree(), 900);
-    EXPECT_EQ(measurement.home, 400);
-    EXPECT_EQ(measurement.hidden, 0);
+    Measurement measurement{.home = 900};
+    addFolders(measurement, tree(), 300);
+    EXPECT_EQ(measurement.home, 100);
+    EXPECT_EQ(measurement.hidden, 300);
 }
 
 TEST(Measurement, FoldersThatCouldNotBeReadAreNamed) {
@@ -140,13 +140,32 @@ TEST_F(ScannerMeasurement, SaysWhatOfTheDiskTheWalkHasSeen) {
     machine.volumes.reserved = 5'000'000'000;
     machine.volumes.volumes = {{.path = machine.home.path("stick"), .used = 7}};
     file("Music/a.mp3", 2'000'000);
+    file("Music/.hidden", 500);
     const auto output = scan();
     EXPECT_EQ(output.measurement.total, 100'000'000'000);
     EXPECT_EQ(output.measurement.reserved, 5'000'000'000);
     EXPECT_EQ(output.measurement.home, 2'000'000);
-    EXPECT_EQ(output.measurement.outside(), 54'998'000'000);
+    EXPECT_EQ(output.measurement.hidden, 500);
+    EXPECT_EQ(output.measurement.outside(), 54'997'999'500);
     EXPECT_EQ(output.measurement.volumes, machine.volumes.volumes);
     EXPECT_TRUE(output.measurement.compared.complete);
+}
+
+TEST_F(ScannerMeasurement, AFileWithTwoNamesTakesUpItsSpaceOnce) {
+    for (const char* name : {"Music/a.mp3", "Music/b.mp3"}) {
+        auto& node = file(name, 2'000'000);
+        node.inode = 7'000'000;
+        node.links = 2;
+    }
+    const auto output = scan();
+    EXPECT_EQ(output.measurement.home, 2'000'000);
+}
+
+TEST_F(ScannerMeasurement, NamesAFolderThatCannotBeRead) {
+    folder("Music/locked").openError = EACCES;
+    const auto output = scan();
+    EXPECT_EQ(output.measurement.unreadable.count, 1);
+    EXPECT_THAT(output.measurement.unreadable.paths, ElementsAre(at("Music/locked")));
 }
 
 }  // namespace

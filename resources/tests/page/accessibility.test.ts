@@ -4,6 +4,7 @@ import { violations } from '../support/axe.ts';
 import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
 import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
 import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
+import { someMeasurement, tellMeasurement } from '../support/measurement.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
 import { bareSample, someActivity, someSample } from '../support/system.ts';
 
@@ -37,6 +38,18 @@ describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => 
       await opened.tell('onPermissions', { fda: true });
       await opened.tell('onExclusions', ['/Users/marina/Music']);
     });
+  });
+
+  it('what was measured has none, folded and unfolded, at rest and comparing', async () => {
+    const [, , many] = fullState().dupGroups;
+    await check({ saved: translate(fullState({ dupGroups: [many!] })) }, ['inicio', 'duplicados'], async (opened) => {
+      await tellMeasurement(opened);
+      await opened.tell('onLinkedCopies', { [many!.id]: [[many!.paths[0], many!.paths[2]]] });
+      for (const summary of await opened.page.locator('summary').all()) await summary.click();
+    });
+    await check({ saved: translate(fullState()), platform: 'linux' }, ['inicio'], (opened) =>
+      tellMeasurement(opened, { compared: { ...someMeasurement.compared, running: true } }),
+    );
   });
 
   it('what is for cleaning up has none, full, unfolded and empty', async () => {

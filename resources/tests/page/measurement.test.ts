@@ -115,8 +115,8 @@ describe('everything else', () => {
     await opened.page.getByText('What this is made of').click();
     const parts = await text(opened.page.locator('.parts'));
     for (const part of [
-      'System data in your home', '24.8 GB', 'Hidden in your home', '12.3 GB', 'Reserved by the file system', '49.7 GB',
-      'Outside your home', '91.4 GB',
+      'System data in your home', '24.8 GB', 'Hidden files, and the folders themselves', '12.3 GB', 'Reserved by the file system', '49.7 GB',
+      'The rest of the disk', '91.4 GB',
     ]) {
       expect(parts).toContain(part);
     }

@@ -7,25 +7,25 @@ export const measured = {
   made: 'What this is made of',
   parts: {
     measured: 'System data in your home',
-    hidden: 'Hidden in your home',
+    hidden: 'Hidden files, and the folders themselves',
     reserved: 'Reserved by the file system',
-    outside: 'Outside your home',
+    outside: 'The rest of the disk',
   },
   why: {
     measured: 'Settings and data of programs, measured like the other categories.',
     hidden: 'Measured, but in none of the categories.',
     reserved: 'Free space kept for the administrator, so that the computer keeps working when the disk is full. Nothing lies in it.',
-    outside: 'The system, programs for every user, other users, and whatever of your home could not be measured. Not measured file by file.',
+    outside: 'The system, programs for every user, other users, what lies in the trash, and whatever else of your home was not measured. Not looked at file by file.',
   },
   whyOnMac: {
     measured: 'Settings and data of applications, measured like the other categories.',
     hidden: 'Measured, but in none of the categories.',
     reserved: 'Free space that the system keeps for itself.',
-    outside: 'macOS, applications for every user, other users, snapshots, and whatever of your home could not be measured. Not measured file by file.',
+    outside: 'macOS, applications for every user, other users, snapshots, what lies in the trash, and whatever else of your home was not measured. Not looked at file by file.',
   },
   strip: (gb: number) => `${size(gb)}, not measured file by file and not drawn to scale`,
   title: 'What was not measured',
-  note: 'What these places take up on this disk counts as “Outside your home”.',
+  note: 'What these places take up on this disk counts as “The rest of the disk”.',
   withheld: (count: number) =>
     plural(count, {
       one: '# place stays unread without Full Disk Access',

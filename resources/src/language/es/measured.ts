@@ -7,25 +7,25 @@ export const measured: typeof english = {
   made: 'De qué se compone',
   parts: {
     measured: 'Datos del sistema en tu carpeta personal',
-    hidden: 'Oculto en tu carpeta personal',
+    hidden: 'Archivos ocultos y las propias carpetas',
     reserved: 'Reservado por el sistema de archivos',
-    outside: 'Fuera de tu carpeta personal',
+    outside: 'El resto del disco',
   },
   why: {
     measured: 'Ajustes y datos de los programas, medidos como las demás categorías.',
     hidden: 'Medido, pero en ninguna de las categorías.',
     reserved: 'Espacio libre que se guarda para el administrador, para que el ordenador siga funcionando con el disco lleno. No contiene nada.',
-    outside: 'El sistema, los programas comunes, otros usuarios y lo que no se pudo medir de tu carpeta personal. No se mide archivo por archivo.',
+    outside: 'El sistema, los programas comunes, otros usuarios, lo que hay en la papelera y lo demás de tu carpeta personal que no se ha medido. No se mira archivo por archivo.',
   },
   whyOnMac: {
     measured: 'Ajustes y datos de las aplicaciones, medidos como las demás categorías.',
     hidden: 'Medido, pero en ninguna de las categorías.',
     reserved: 'Espacio libre que el sistema se guarda.',
-    outside: 'macOS, las aplicaciones comunes, otros usuarios, las instantáneas y lo que no se pudo medir de tu carpeta personal. No se mide archivo por archivo.',
+    outside: 'macOS, las aplicaciones comunes, otros usuarios, las instantáneas, lo que hay en la papelera y lo demás de tu carpeta personal que no se ha medido. No se mira archivo por archivo.',
   },
   strip: (gb) => `${size(gb)}, sin medir archivo por archivo y sin dibujar a escala`,
   title: 'Lo que no se ha medido',
-  note: 'Lo que estos lugares ocupan en este disco cuenta como «Fuera de tu carpeta personal».',
+  note: 'Lo que estos lugares ocupan en este disco cuenta como «El resto del disco».',
   withheld: (count) =>
     plural(count, {
       one: '# lugar queda sin leer sin acceso total al disco',
