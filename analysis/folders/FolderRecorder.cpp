@@ -65,9 +65,8 @@ bool FolderRecorder::begin(const WalkedFolder& folder, const FolderStatus& statu
         leaveOut(folder, FolderState::alreadyWalked);
         return false;
     }
-    facts_ = {.inode = status.inode,
-              .ownBytes = std::max<std::int64_t>(status.allocatedSize, 0),
-              .latest = wholeSeconds(status.modified)};
+    facts_ = {.inode = status.inode, .ownBytes = std::max<std::int64_t>(status.allocatedSize, 0)};
+    latest_ = status.modified;
     return true;
 }
 
@@ -82,7 +81,7 @@ void FolderRecorder::other(const WalkedFolder& folder, const DirectoryEntry& ent
 
 void FolderRecorder::count(const WalkedFolder& folder, const DirectoryEntry& entry,
                            std::int64_t bytes, bool isCounted) {
-    facts_.latest = std::max(facts_.latest, wholeSeconds(entry.modified));
+    latest_ = std::max(latest_, entry.modified);
     const bool isRegular = entry.kind == EntryKind::regular;
     if (entry.links > 1 && entry.inode != 0) {
         const std::uint64_t device = recording_.roots[folder.root()].device;
@@ -110,6 +109,7 @@ void FolderRecorder::end(const WalkedFolder& folder, bool isComplete) {
 }
 
 void FolderRecorder::record(const WalkedFolder& folder) {
+    facts_.latest = wholeSeconds(std::exchange(latest_, 0));
     const FolderFacts facts = std::exchange(facts_, {});
     if (folder.parent() != nullptr) {
         add(folder.number, folder.parent()->number, folder.name(), facts);

@@ -124,6 +124,7 @@ private:
 
     FolderRecording& recording_;
     FolderFacts facts_;  // of the folder whose turn it is
+    double latest_ = 0;  // the same, seconds since 1970
     std::vector<std::unique_ptr<FolderTreeBuilder::Entry[]>> chunks_;
     std::size_t count_ = 0;
     std::vector<std::unique_ptr<char[]>> names_;
