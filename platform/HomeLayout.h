@@ -45,8 +45,8 @@ struct HomeLayout {
     std::string_view libraryDefault;            // category of a library file that no rule names
     std::vector<std::string> applicationRoots;  // of this user
 
-    // What the walk enters. `walkRoots` begins with the home; the others are library roots that the
-    // walk of the home does not reach because a folder on the way is hidden.
+    // What the walk enters. `walkRoots` begins with the home; the others, hidden library roots, are
+    // walked from the home too, unless another volume begins there.
     std::vector<std::string> walkRoots;
     std::vector<std::string> neverWalked;  // whatever the access
 
