@@ -3,8 +3,8 @@ import { tick } from 'svelte';
 import { connect, release, send } from '../protocol/connection.ts';
 import type { DiskState } from '../protocol/protocol.ts';
 import { laterViews } from '../views/laterViews.svelte.ts';
-import { publishGo } from './navigation.svelte.ts';
-import { session } from './session.svelte.ts';
+import { navigation, publishGo } from './navigation.svelte.ts';
+import { session, type ScanPhase } from './session.svelte.ts';
 import { theme } from './theme.svelte.ts';
 
 export function start(): void {
@@ -22,13 +22,20 @@ export function start(): void {
       session.scanFiles = files;
       session.scanGb = gb;
     },
-    onScanFinished: () => (session.scanPhase = 'idle'),
-    onAnalysisStopped: () => (session.scanPhase = 'stopped'),
-    onScanFailed: () => (session.scanPhase = session.scanPhase === 'stopped' ? 'stopped' : 'failed'),
+    onScanFinished: () => endScan('idle'),
+    onAnalysisStopped: () => endScan('stopped'),
+    onScanFailed: () => endScan(session.scanPhase === 'stopped' ? 'stopped' : 'failed'),
     onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),
   });
   if (saved) showState(saved.state, saved.stamp);
   else void laterViews.load();
+}
+
+/** Whoever has the focus on the button that stops it, which goes with it, is taken to the head of the view. */
+function endScan(phase: ScanPhase): void {
+  const holdsFocus = document.activeElement?.closest('[data-scan]');
+  session.scanPhase = phase;
+  if (holdsFocus) navigation.arrive(navigation.view);
 }
 
 let reported = false;

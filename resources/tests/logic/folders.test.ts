@@ -2,7 +2,7 @@ import { describe, expect, it } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
 import { fileSize, sizeChange } from '../../src/language/measures.ts';
 import { folderContents, folderGrowth, folderSearch } from '../../src/protocol/folderGuards.ts';
-import { crumbsOf, fromHome, shortWay } from '../../src/views/explorar/crumbs.ts';
+import { crumbsOf, fromHome, shortWay, stepsFor } from '../../src/views/explorar/crumbs.ts';
 import { layOutFolder } from '../../src/views/explorar/folderTreemap.ts';
 import { foldersOfCategory, isHomeFolder } from '../../src/views/explorar/homeFolders.ts';
 import {
@@ -176,10 +176,13 @@ describe('the way to a folder', () => {
   });
 
   it('a long one keeps its beginning and its end', () => {
-    const { shown, hidden } = shortWay(crumbsOf(`${home}/a/b/c/d/e/f/g`, home));
+    const { shown, hidden } = shortWay(crumbsOf(`${home}/a/b/c/d/e/f/g`, home), stepsFor(60));
     expect(shown.map(({ name }) => name)).toEqual([null, 'd', 'e', 'f', 'g']);
     expect(hidden.map(({ name }) => name)).toEqual(['a', 'b', 'c']);
-    expect(shortWay(crumbsOf(`${home}/a/b`, home)).hidden).toEqual([]);
+    expect(shortWay(crumbsOf(`${home}/a/b`, home), 6).hidden).toEqual([]);
+    const narrow = shortWay(crumbsOf(`${home}/a/b/c`, home), stepsFor(4));
+    expect(narrow.shown.map(({ name }) => name)).toEqual([null, 'c']);
+    expect(narrow.hidden.at(-1)).toEqual({ path: `${home}/a/b`, name: 'b' });
   });
 
   it('up and down are each other’s way back', () => {

@@ -402,9 +402,11 @@ describe('folders that cannot be shown', () => {
     expect(await opened.during(() => page.getByRole('button', { name: 'Analyze disk' }).click())).toEqual([{ type: 'scan' }]);
     await opened.tell('onScanStarted');
     expect(await opened.during(() => page.getByRole('button', { name: 'Stop' }).click())).toEqual([{ type: 'stopAnalysis' }]);
+    await page.getByRole('button', { name: 'Stopping…' }).waitFor();
     await opened.tell('onAnalysisStopped');
     await opened.tell('onScanFailed');
     await page.getByRole('button', { name: 'Analyze disk' }).waitFor();
+    await page.getByRole('heading', { level: 1, name: 'Folders' }).and(page.locator(':focus')).waitFor();
     await serveFolders(opened, { disk: macDisk() });
     await opened.tell('onScanStarted');
     await opened.tell('setState', fullState({ free: 300 }), Date.now() / 1000);
@@ -455,28 +457,67 @@ describe('folders that cannot be shown', () => {
   });
 });
 
+describe('an analysis that is stopped', () => {
+  it('is said to be stopped, not failed, and what was there stays', async () => {
+    const { page, close, during, tell, complaints } = await open(browser, { saved: fullState() });
+    await tell('onScanStarted');
+    expect(await during(() => page.getByRole('button', { name: 'Stop' }).click())).toEqual([{ type: 'stopAnalysis' }]);
+    expect(await during(() => page.getByRole('button', { name: 'Stopping…' }).dispatchEvent('click'))).toEqual([]);
+    await tell('onAnalysisStopped');
+    await tell('onScanFailed');
+    await page.getByRole('heading', { name: 'The analysis was stopped' }).waitFor();
+    expect(await page.getByText('did not finish').count()).toBe(0);
+    expect(await page.locator('p[role="status"]').textContent()).toBe('The analysis was stopped');
+    await tell('onScanStarted');
+    await tell('onScanFailed');
+    await page.getByRole('heading', { name: 'The analysis did not finish' }).waitFor();
+    await close();
+    expect(complaints).toEqual([]);
+  });
+
+  it('a folder to leave out is chosen from the settings', async () => {
+    const { page, close, during, tell, go } = await open(browser, { saved: fullState() });
+    await go('ajustes');
+    await tell('onExclusions', []);
+    expect(await during(() => page.getByRole('button', { name: 'Exclude a folder…' }).click())).toEqual([{ type: 'chooseExclusion' }]);
+    await close();
+  });
+});
+
 describe.each(['light', 'dark'] as const)('%s', (colorScheme) => {
   it.each([
-    { language: 'en', platform: 'macos', disk: macDisk(), state: fullState(), root: home },
-    { language: 'es', platform: 'linux', disk: linuxDisk(), state: inSpanish(fullState()), root: linuxHome },
-  ] as const)('no violation in $language on $platform', async ({ platform, disk, state, root }) => {
-    for (const viewport of [{ width: 1180, height: 760 }, { width: 720, height: 480 }]) {
-      const growth = { [root]: { Movies: 1e9, Vídeos: -1e9 } };
-      const opened = await openFolders({ disk, growth }, { saved: state, platform, context: { colorScheme, reducedMotion: 'reduce', viewport } });
-      const { page } = opened;
-      await opened.tell('onExclusions', [`${root}/Music`]);
-      await page.locator('[data-key]').first().focus();
-      await press(page, 'Control+a');
-      expect(await violations(page)).toEqual([]);
-      await page.keyboard.press('Control+f');
-      await page.keyboard.type('e');
-      await page.locator('[role="grid"][aria-describedby="found-help"]').waitFor();
-      expect(await violations(page)).toEqual([]);
-      await page.keyboard.type('qqq');
-      await page.locator('h2').waitFor();
-      expect(await violations(page)).toEqual([]);
-      await opened.close();
-      expect(opened.complaints).toEqual([]);
-    }
+    { language: 'en', platform: 'macos', disk: macDisk(), state: fullState(), root: home, viewport: { width: 1180, height: 760 } },
+    { language: 'es', platform: 'linux', disk: linuxDisk(), state: inSpanish(fullState()), root: linuxHome, viewport: { width: 720, height: 480 } },
+  ] as const)('no violation in $language on $platform', async ({ platform, disk, state, root, viewport }) => {
+    const growth = { [root]: { Movies: 1e9, Vídeos: -1e9 } };
+    const opened = await openFolders({ disk, growth }, { saved: state, platform, context: { colorScheme, reducedMotion: 'reduce', viewport } });
+    const { page } = opened;
+    await opened.tell('onExclusions', [`${root}/Music`]);
+    await page.locator('[data-key]').first().focus();
+    await press(page, 'Control+a');
+    expect(await violations(page)).toEqual([]);
+    await page.keyboard.press('Control+f');
+    await page.keyboard.type('e');
+    await page.locator('[role="grid"][aria-describedby="found-help"]').waitFor();
+    expect(await violations(page)).toEqual([]);
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+
+  it('no violation where there is nothing to show', async () => {
+    const opened = await openFolders({}, { context: { colorScheme, reducedMotion: 'reduce' } });
+    const { page } = opened;
+    await page.keyboard.press('Control+f');
+    await page.keyboard.type('qqq');
+    await page.locator('h2').waitFor();
+    expect(await violations(page)).toEqual([]);
+    await serveFolders(opened, { disk: {} });
+    await press(page, 'Escape');
+    await opened.tell('onTrashState', []);
+    await page.getByRole('heading', { name: 'The last analysis has no folders' }).waitFor();
+    await opened.tell('onScanStarted');
+    await page.getByRole('button', { name: 'Stop' }).waitFor();
+    expect(await violations(page)).toEqual([]);
+    await opened.close();
   });
 });

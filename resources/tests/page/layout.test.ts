@@ -3,7 +3,8 @@ import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open } from '../support/page.ts';
 import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
-import { hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
+import { hostileDisk, macDisk, serveFolders } from '../support/folders.ts';
+import { home, hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
 import { hostileActivity, hostileSample, someActivity, someSample } from '../support/system.ts';
 
 let browser: Browser;
@@ -95,6 +96,36 @@ describe.each(sizes)('$name, applications and system', ({ width, height, zoom })
   );
 });
 
+describe.each(sizes)('$name, folders', ({ width, height, zoom }) => {
+  it('nothing sticks out, with hostile names deep inside and with everything that can be shown', async () => {
+    const opened = await open(browser, { saved: inSpanish(hostileState()), context: { viewport: { width, height } } });
+    const { page } = opened;
+    await page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
+    const disk = hostileDisk();
+    const deepest = Object.keys(disk).reduce((left, right) => (disk[right]!.entries.length > 0 ? right : left));
+    const growth = { [home]: { [disk[home]!.folders[0]!.name]: -123_456_789_000 } };
+    await serveFolders(opened, { disk, growth });
+    await opened.go('explorar');
+    await page.getByRole('grid').waitFor();
+    await page.waitForTimeout(80);
+    expect(await sticksOut(page), 'home').toEqual([]);
+    await page.locator('[data-key]').first().focus();
+    await page.keyboard.press('Control+a');
+    expect(await sticksOut(page), 'selected').toEqual([]);
+    await page.keyboard.press('Control+f');
+    await page.keyboard.type('a');
+    await page.locator('[aria-describedby="found-help"] [data-key]').first().waitFor();
+    expect(await sticksOut(page), 'search').toEqual([]);
+    await page.locator('[data-key]').evaluateAll((rows, wanted) => rows.find((row) => (row as HTMLElement).dataset.key === wanted)!.dispatchEvent(new MouseEvent('click', { bubbles: true })), deepest);
+    await page.locator('.notes').waitFor();
+    await page.waitForTimeout(80);
+    expect(await sticksOut(page), 'deep').toEqual([]);
+    expect(await page.title()).toBe('Velto');
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+});
+
 /** Controls under the window's drag strip: a click on one would move the window and do nothing else. */
 function underTheStrip(page: Page): Promise<string[]> {
   return page.evaluate(() => {
@@ -113,7 +144,8 @@ describe.each(sizes.filter(({ zoom }) => zoom === '100%'))('$name, the strip tha
     const opened = await open(browser, { saved: inSpanish(withHistory(withoutAccess())), context: { viewport: { width, height } } });
     const { page } = opened;
     await tellCleaning(opened);
-    for (const view of [...views, 'sistema']) {
+    await serveFolders(opened, { disk: macDisk() });
+    for (const view of [...views, 'sistema', 'explorar']) {
       await opened.go(view);
       if (view === 'apps') await opened.tell('onApps', someApps());
       await page.waitForTimeout(80);
@@ -138,15 +170,21 @@ describe('room for the list', () => {
     const bar = (await opened.page.locator('[data-region="actions"]').boundingBox())!;
     expect(list.height).toBeGreaterThan(200);
     expect(bar.y).toBeGreaterThanOrEqual(list.y + list.height - 1);
+    await serveFolders(opened, { disk: macDisk() });
+    await opened.go('explorar');
+    await opened.page.getByRole('grid').waitFor();
+    expect((await opened.page.locator('.scroller').boundingBox())!.height).toBeGreaterThan(200);
     await opened.close();
   });
 
   it('targets are at least 24 by 24 px', async () => {
-    for (const view of views) {
+    for (const view of [...views, 'explorar']) {
       const opened = await open(browser, { saved: withHistory(withoutAccess()), context: { viewport: { width: 720, height: 600 } } });
       await opened.tell('onPermissions', { fda: false });
       await tellCleaning(opened);
+      await serveFolders(opened, { disk: macDisk() });
       await opened.go(view);
+      if (view === 'explorar') await opened.page.getByRole('grid').waitFor();
       const small = await opened.page.evaluate(() =>
         [...document.querySelectorAll('button:not(.cell), select, [role="switch"], label')]
           .filter((element) => {

@@ -2,7 +2,7 @@
 import type { FileEntry, FolderContents, FolderState, SubFolder } from '../../src/protocol/protocol.ts';
 import { pathBelow } from '../../src/views/explorar/rows.ts';
 import type { OpenPage } from './page.ts';
-import { home } from './states.ts';
+import { home, hostileNames } from './states.ts';
 
 export const linuxHome = '/home/marina';
 /** The analysis was made this morning. */
@@ -139,6 +139,20 @@ export function crowdedDisk(count: number): Disk {
     Array.from({ length: count }, (_, index) => [`IMG_${String(index + 1).padStart(5, '0')}.heic`, [((index * 7919) % 4000) / 100 + 0.004, index % 900] as [number, number]]),
   );
   fill(disk, home, { folders: { Fotos: { files } } });
+  return disk;
+}
+
+/** Names that try to be something else, as folders of every state and as files. */
+export function hostileDisk(): Disk {
+  const disk: Disk = {};
+  const states: FolderState[] = ['measured', 'new', 'unreadable', 'withheld', 'excluded', 'own', 'otherVolume', 'alreadyWalked'];
+  const names = hostileNames.filter((name) => !name.includes('/'));
+  const inner = Object.fromEntries(names.map((name, index): [string, Made] =>
+    [`${name}.d`, { mb: 9000 - index * 700, count: 1_234_567, state: states[index % states.length]!, total: 9_000_000, unreadable: index * 1000 }]));
+  const deep = names.reduceRight<Made>((below, name) => ({ folders: { ...inner, [name]: below } }), {
+    folders: inner, files: Object.fromEntries(names.map((name, index) => [name, [50 - index, index, true] as [number, number, boolean]])), more: 1234,
+  });
+  fill(disk, home, deep);
   return disk;
 }
 

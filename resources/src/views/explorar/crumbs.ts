@@ -20,11 +20,16 @@ export function crumbsOf(path: string, home: string): Crumb[] {
   return crumbs;
 }
 
-/** More than these leave no room for a name. */
-const most = 6;
+/** Each step wants some room for its name, in rem. */
+const stepRoom = 5;
+
+/** How many steps there is room for: the first and the last at least, and no more than anyone reads. */
+export function stepsFor(room: number): number {
+  return Math.min(6, Math.max(3, Math.trunc(room / stepRoom)));
+}
 
 /** Of a long way the beginning and the end are shown; what lies between is one step. */
-export function shortWay(crumbs: readonly Crumb[]): { shown: Crumb[]; hidden: Crumb[] } {
+export function shortWay(crumbs: readonly Crumb[], most: number): { shown: Crumb[]; hidden: Crumb[] } {
   if (crumbs.length <= most) return { shown: [...crumbs], hidden: [] };
   const kept = crumbs.slice(-(most - 2));
   return { shown: [crumbs[0]!, ...kept], hidden: crumbs.slice(1, crumbs.length - kept.length) };
