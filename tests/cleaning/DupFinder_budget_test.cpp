@@ -156,7 +156,7 @@ TEST_F(DupFinderBudget, WhatItDidNotGetThroughIsLeftForAnotherSearch) {
 }
 
 TEST_F(DupFinderBudget, WithEveryThreadNoFileIsBothSettledAndLeft) {
-    for (int index = 0; index < 50; ++index)
+    for (int index = 0; index < 20; ++index)
         addPair(std::to_string(index), 3 * megabyte);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
         if (offset >= megabyte) clock.advance(200);
