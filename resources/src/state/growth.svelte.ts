@@ -1,7 +1,9 @@
-/** What has grown since an earlier analysis: asked once the page is there, and told anew after each analysis. */
+/** What has grown since an earlier analysis: asked once there is an analysis, and told anew after each one. */
+import { untrack } from 'svelte';
 import { send } from '../protocol/connection.ts';
 import type { Growth, GrowthSince } from '../protocol/protocol.ts';
 import { folders } from './folders.svelte.ts';
+import { session } from './session.svelte.ts';
 
 class GrowthState {
   /** Null until the program has answered. */
@@ -19,7 +21,16 @@ class GrowthState {
     return this.told !== null && this.told.asked !== folders.since;
   }
 
-  ask(): void {
+  /** Asks as soon as there is something to ask about. */
+  start(): void {
+    $effect.root(() => {
+      $effect(() => {
+        if (session.analysed) untrack(() => this.ask());
+      });
+    });
+  }
+
+  private ask(): void {
     send('growth', { since: folders.since });
   }
 

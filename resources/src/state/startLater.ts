@@ -64,7 +64,7 @@ export function startLater(): void {
     } satisfies LaterListeners,
     laterReaders,
   );
-  growth.ask();
+  growth.start();
 }
 
 function showTrash(items: TrashItem[]): void {

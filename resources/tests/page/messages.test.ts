@@ -154,6 +154,7 @@ describe('Velto Trash', () => {
     await tell('onTrashState', [{ id: 'it1', name: 'a', gb: 1.5, taken: 1, path: '/a', opID: 'op1' }, { id: 'it2', name: 'b', gb: 2, taken: 1, path: '/b', opID: 'op1' }]);
     expect(await page.getByText('3.5 GB of it in Velto Trash').count()).toBe(1);
     await tell('onTrashChanged', 0);
+    await tell('onTrashState', []);
     expect(await page.getByText('in Velto Trash').count()).toBe(0);
     await close();
   });
