@@ -1,5 +1,6 @@
 #include "bridge/MeasurementIntents.h"
 
+#include <atomic>
 #include <cmath>
 #include <filesystem>
 
@@ -90,16 +91,27 @@ struct Comparison : TrashFixture {
             const std::string content(1'100'000, std::string(name).ends_with("one") ? '1' : '2');
             machine.home.text(std::string("Music/") + name, content);
         }
-        machine.platform.contents = std::make_unique<SlowContents>(machine);
+        auto clock = std::make_unique<SlowClock>(std::move(machine.platform.clock));
+        machine.platform.contents = std::make_unique<SlowContents>(*clock);
+        machine.platform.clock = std::move(clock);
         open();
         load();
         machine.dispatcher.runAll();
         slow = false;
     }
 
+    /// A clock that reading moves on, from whatever thread.
+    struct SlowClock final : Clock {
+        explicit SlowClock(std::unique_ptr<Clock> clock) : real(std::move(clock)) {}
+        double now() const override { return real->now() + static_cast<double>(more); }
+        double monotonic() const override { return real->monotonic() + static_cast<double>(more); }
+        std::unique_ptr<Clock> real;
+        std::atomic<std::int64_t> more{0};  // seconds
+    };
+
     /// Whole files take a minute each while `slow`.
     struct SlowContents final : FileContentReader {
-        explicit SlowContents(TestPlatform& of) : machine(of) {}
+        explicit SlowContents(SlowClock& of) : clock(of) {}
         std::unique_ptr<FileContent> open(const std::string& path) override {
             auto content = real->open(path);
             return content ? std::make_unique<Content>(*this, std::move(content)) : nullptr;
@@ -109,13 +121,13 @@ struct Comparison : TrashFixture {
                 : owner(of), real(std::move(content)) {}
             std::int64_t size() const override { return real->size(); }
             std::ptrdiff_t read(std::int64_t offset, std::span<std::byte> buffer) override {
-                if (slow && offset > 0) owner.machine.clock.time += 60;
+                if (slow && offset > 0) owner.clock.more += 60;
                 return real->read(offset, buffer);
             }
             SlowContents& owner;
             std::unique_ptr<FileContent> real;
         };
-        TestPlatform& machine;
+        SlowClock& clock;
         std::unique_ptr<FileContentReader> real = makeFileContentReader();
     };
     static inline bool slow = true;
