@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
+
+#include "analysis/folders/NamedFolders.h"
 
 namespace velto {
 
@@ -30,58 +30,24 @@ struct FolderFacts {
     FolderState state = FolderState::measured;
 };
 
+/// One folder of a tree, at most 64 bytes besides its name.
+struct TreeFolder {
+    FolderFacts own;
+    std::int64_t bytes = 0;           // with all folders below
+    std::uint32_t files = 0;          // the same
+    std::uint32_t unreadable = 0;     // the same, unreadable folders among them
+    std::uint32_t latest = 0;         // the same
+    FolderIndex parent = UINT32_MAX;  // that for a root
+    FolderIndex firstChild = 0;       // see NamedFolders
+    std::uint32_t nameEnd = 0;
+};
+static_assert(sizeof(TreeFolder) == 64);
+
 /// Every folder that a walk has met, with what it holds. Made by a FolderTreeBuilder, never changed
-/// after that, so that any thread may read it. At most 64 bytes a folder besides its name.
-class FolderTree {
-public:
-    using Index = std::uint32_t;
-    static constexpr Index none = UINT32_MAX;
-
-    struct Folder {
-        FolderFacts own;
-        std::int64_t bytes = 0;        // with all folders below
-        std::uint32_t files = 0;       // the same
-        std::uint32_t unreadable = 0;  // the same, unreadable folders among them
-        std::uint32_t latest = 0;      // the same
-        Index parent = none;           // none for a root
-        Index firstChild = 0;          // where its folders begin, or would if it had any
-        std::uint32_t nameEnd = 0;     // in the tree's names
-    };
-    static_assert(sizeof(Folder) == 64);
-
-    /// Indices from `first` up to, not including, `last`.
-    struct Range {
-        Index first = 0;
-        Index last = 0;
-    };
-
-    std::size_t size() const { return folders_.size(); }
-    bool empty() const { return folders_.empty(); }
-    const Folder& operator[](Index index) const { return folders_[index]; }
-
-    /// The roots stand first, in the order of the walk: the home is the first one.
-    std::uint32_t rootCount() const { return rootCount_; }
-
-    /// The folders directly inside one, in the byte order of their names.
-    Range children(Index index) const;
-
-    /// The last component of the path; a root's whole path. Bytes as stored.
-    std::string_view name(Index index) const;
-
-    /// The absolute path.
-    std::string path(Index index) const;
-
-    /// The folder at an absolute path, `none` when the walk has not met it.
-    Index find(std::string_view path) const;
-
+/// after that, so that any thread may read it.
+class FolderTree : public NamedFolders<TreeFolder> {
 private:
     friend class FolderTreeBuilder;
-
-    Index childNamed(Index folder, std::string_view name) const;
-
-    std::vector<Folder> folders_;  // level by level, each folder's own side by side
-    std::string names_;            // one after another, in the order of the folders
-    std::uint32_t rootCount_ = 0;
 };
 
 /// Puts a tree together from its folders in any order.

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/values/text.h"
-
 namespace velto {
 namespace {
 
@@ -53,60 +51,6 @@ GrowthSnapshot GrowthSnapshot::of(const FolderTree& tree, GrowthFacts facts) {
         child += static_cast<Index>(std::count(kept.begin() + first, kept.begin() + last, true));
     }
     return made;
-}
-
-FolderTree::Range GrowthSnapshot::children(Index index) const {
-    const Index next = index + 1;
-    const bool isLast = next == folders_.size();
-    return {folders_[index].firstChild,
-            isLast ? static_cast<Index>(folders_.size()) : folders_[next].firstChild};
-}
-
-std::string_view GrowthSnapshot::name(Index index) const {
-    const std::uint32_t start = index == 0 ? 0 : folders_[index - 1].nameEnd;
-    return std::string_view(names_).substr(start, folders_[index].nameEnd - start);
-}
-
-std::string GrowthSnapshot::path(Index index) const {
-    std::vector<std::string_view> names;
-    for (Index folder = index; folder != none; folder = folders_[folder].parent)
-        names.push_back(name(folder));
-    std::string path(names.back());
-    for (auto next = names.rbegin() + 1; next != names.rend(); ++next) {
-        if (!path.ends_with('/')) path += '/';
-        path += *next;
-    }
-    return path;
-}
-
-GrowthSnapshot::Index GrowthSnapshot::find(std::string_view path) const {
-    for (Index root = rootCount_; root-- > 0;) {
-        if (!isAtOrBelow(path, name(root))) continue;
-        std::string_view rest = path.substr(name(root).size());
-        Index folder = root;
-        while (folder != none && !rest.empty()) {
-            if (rest.front() == '/') rest.remove_prefix(1);
-            const std::string_view next = rest.substr(0, rest.find('/'));
-            rest.remove_prefix(next.size());
-            if (!next.empty()) folder = childNamed(folder, next);
-        }
-        if (folder != none) return folder;
-    }
-    return none;
-}
-
-GrowthSnapshot::Index GrowthSnapshot::childNamed(Index folder, std::string_view wanted) const {
-    auto [first, last] = children(folder);
-    const Index end = last;
-    while (first < last) {
-        const Index middle = first + (last - first) / 2;
-        if (name(middle) < wanted) {
-            first = middle + 1;
-        } else {
-            last = middle;
-        }
-    }
-    return first < end && name(first) == wanted ? first : none;
 }
 
 std::int64_t GrowthSnapshot::ownBytes(Index index) const {
