@@ -11,8 +11,8 @@ import { desktopFor, line, programWith, start } from './support/velto.mjs';
 /** Runs a program among mounts of its own, without an administrator's rights over closed folders. */
 const launcher = `#!/bin/sh
 set -e
-mount -t tmpfs -o size=1m none "$HOME_UNDER_TEST/work/disk"
-mount --bind "$HOME_UNDER_TEST/work/real" "$HOME_UNDER_TEST/work/bound"
+mount -t tmpfs -o size=1m none "$HOME_UNDER_TEST/projects/disk"
+mount --bind "$HOME_UNDER_TEST/projects/real" "$HOME_UNDER_TEST/projects/bound"
 [ "$(id -u)" != 0 ] || [ "$1" = true ] ||
   exec setpriv --bounding-set=-dac_override,-dac_read_search "$@"
 exec "$@"
@@ -45,22 +45,22 @@ function homeOfEveryKind(t) {
   home
     .allocated('.cargo/registry/index/a', 3_000_000)
     .text('.cargo/.crates.toml', 'x')
-    .allocated('work/plain/film', 2_000_000)
-    .text('work/plain/.hidden/deep/b', 'x'.repeat(9000))
-    .sparse('work/plain/hole', 1_000_000_000)
-    .allocated('work/first/file', 1_000_000)
-    .text('work/real/c', 'x'.repeat(6000))
-    .text('work/closed/secret', 'x')
-    .text('work/kept out/d', 'x')
-    .folder('work/bound')
-    .folder('work/disk')
-    .folder('work/second');
-  linkSync(home.at('work/first/file'), home.at('work/second/same file'));
-  linkSync(home.at('work/first/file'), home.at('work/first/again'));
+    .allocated('projects/plain/film', 2_000_000)
+    .text('projects/plain/.hidden/deep/b', 'x'.repeat(9000))
+    .sparse('projects/plain/hole', 1_000_000_000)
+    .allocated('projects/first/file', 1_000_000)
+    .text('projects/real/c', 'x'.repeat(6000))
+    .text('projects/closed/secret', 'x')
+    .text('projects/kept out/d', 'x')
+    .folder('projects/bound')
+    .folder('projects/disk')
+    .folder('projects/second');
+  linkSync(home.at('projects/first/file'), home.at('projects/second/same file'));
+  linkSync(home.at('projects/first/file'), home.at('projects/first/again'));
   manyFiles(home, 'many', 10_000);
-  home.text(home.data('exclusions.json'), JSON.stringify([home.at('work/kept out')]));
-  chmodSync(home.at('work/closed'), 0);
-  atEnd(t, () => chmodSync(home.at('work/closed'), 0o700));
+  home.text(home.data('exclusions.json'), JSON.stringify([home.at('projects/kept out')]));
+  chmodSync(home.at('projects/closed'), 0);
+  atEnd(t, () => chmodSync(home.at('projects/closed'), 0o700));
   return home;
 }
 
@@ -76,8 +76,8 @@ test('each folder takes what du says of it, and what was left out says why', asy
   const home = homeOfEveryKind(t);
   const launch = launcherFor(t, home);
   if (!launch) return t.skip('mounting is not allowed here');
-  const asked = ['', 'work', 'work/plain', 'work/first', 'work/second', '.cargo', 'many', 'work/closed', 'work/bound',
-    'work/disk', 'work/kept out', '.local/share/Velto'];
+  const asked = ['', 'projects', 'projects/plain', 'projects/first', 'projects/second', '.cargo', 'many', 'projects/closed', 'projects/bound',
+    'projects/disk', 'projects/kept out', '.local/share/Velto'];
   const file = programWith(temporaryFolder(t), probePage([
     { until: 'onScanFinished' },
     ...asked.map((path, request) => ({
@@ -93,17 +93,17 @@ test('each folder takes what du says of it, and what was left out says why', asy
   const told = Object.fromEntries(asked.map((path, request) =>
     [path, seen.findLast(({ what, args }) => what === 'onFolder' && args[0].request === request).args[0]]));
 
-  for (const path of ['work/plain', '.cargo', 'many']) {
+  for (const path of ['projects/plain', '.cargo', 'many']) {
     assert.equal(told[path].found, true, path);
     assert.equal(told[path].bytes, du(velto, home.at(path)), path);
   }
-  const withoutOthers = ['bound', 'disk', 'kept out', 'closed/secret'].map((name) => `--exclude=${home.at('work')}/${name}`);
-  assert.equal(told.work.bytes, du(velto, ...withoutOthers, home.at('work')));
-  assert.ok(named(told['work/plain'].entries, 'hole').bytes < 1_000_000, 'a hole takes nothing');
-  assert.equal(named(told.work.folders, 'first').bytes, du(velto, home.at('work/first')));
-  assert.equal(named(told.work.folders, 'second').bytes, statSync(home.at('work/second')).blocks * 512,
+  const withoutOthers = ['bound', 'disk', 'kept out', 'closed/secret'].map((name) => `--exclude=${home.at('projects')}/${name}`);
+  assert.equal(told.projects.bytes, du(velto, ...withoutOthers, home.at('projects')));
+  assert.ok(named(told['projects/plain'].entries, 'hole').bytes < 1_000_000, 'a hole takes nothing');
+  assert.equal(named(told.projects.folders, 'first').bytes, du(velto, home.at('projects/first')));
+  assert.equal(named(told.projects.folders, 'second').bytes, statSync(home.at('projects/second')).blocks * 512,
     'its only file counts for the first of its names');
-  assert.ok(named(told['work/second'].entries, 'same file').linked);
+  assert.ok(named(told['projects/second'].entries, 'same file').linked);
 
   assert.equal(told.many.entries.length, 10_001);
   assert.equal(told.many.files, 10_001);
@@ -111,17 +111,17 @@ test('each folder takes what du says of it, and what was left out says why', asy
   assert.equal(told[''].bytes, told[''].folders.filter(({ bytes }) => bytes > 0).reduce((sum, { bytes }) => sum + bytes, 0) +
     told[''].entries.reduce((sum, { bytes }) => sum + bytes, 0) + statSync(home.path).blocks * 512);
 
-  const states = Object.fromEntries(told.work.folders.map(({ name, state }) => [name, state]));
+  const states = Object.fromEntries(told.projects.folders.map(({ name, state }) => [name, state]));
   assert.deepEqual(states, {
     bound: 'alreadyWalked', closed: 'unreadable', disk: 'otherVolume', first: 'measured', 'kept out': 'excluded',
     plain: 'measured', real: 'measured', second: 'measured',
   });
-  assert.equal(named(told.work.folders, 'disk').total, 1_048_576);
-  assert.equal(named(told.work.folders, 'closed').bytes, statSync(home.at('work/closed')).blocks * 512);
-  assert.equal(told.work.unreadable, 1);
+  assert.equal(named(told.projects.folders, 'disk').total, 1_048_576);
+  assert.equal(named(told.projects.folders, 'closed').bytes, statSync(home.at('projects/closed')).blocks * 512);
+  assert.equal(told.projects.unreadable, 1);
   for (const [path, state] of Object.entries({
-    'work/closed': 'unreadable', 'work/bound': 'alreadyWalked', 'work/disk': 'otherVolume',
-    'work/kept out': 'excluded', '.local/share/Velto': 'own',
+    'projects/closed': 'unreadable', 'projects/bound': 'alreadyWalked', 'projects/disk': 'otherVolume',
+    'projects/kept out': 'excluded', '.local/share/Velto': 'own',
   })) {
     assert.deepEqual([told[path].found, told[path].state], [false, state], path);
   }
@@ -130,9 +130,9 @@ test('each folder takes what du says of it, and what was left out says why', asy
 });
 
 test('the folders are there at the next start, and a damaged file of them is replaced', async (t) => {
-  const home = new Home(t, { layout: 'freedesktop' }).allocated('work/film', 2_000_000);
+  const home = new Home(t, { layout: 'freedesktop' }).allocated('projects/film', 2_000_000);
   const desktop = await desktopFor(t);
-  const ask = { send: { type: 'folder', payload: { path: home.at('work'), request: 1 } }, until: 'onFolder' };
+  const ask = { send: { type: 'folder', payload: { path: home.at('projects'), request: 1 } }, until: 'onFolder' };
   const answer = async (steps) => {
     const velto = start(t, home, desktop, { file: programWith(temporaryFolder(t), probePage(steps)) });
     const { args } = (await played(velto)).findLast(({ what }) => what === 'onFolder');

@@ -151,20 +151,20 @@ TEST_F(ScannerFolders, WhatIsLeftOutIsNamedWithItsReason) {
 }
 
 TEST_F(ScannerFolders, AnotherVolumeIsNamedAndNotEntered) {
-    file("work/own", 1);
-    folder("work/disk").device = 7;
-    folder("work/disk").allocatedSize = 4096;
-    file("work/disk/deep/a", 10);
+    file("projects/own", 1);
+    folder("projects/disk").device = 7;
+    folder("projects/disk").allocatedSize = 4096;
+    file("projects/disk/deep/a", 10);
     scan();
-    EXPECT_EQ(state("work/disk"), FolderState::otherVolume);
+    EXPECT_EQ(state("projects/disk"), FolderState::otherVolume);
     EXPECT_EQ(bytes(""), 1);
     EXPECT_EQ(scanner.filesScanned, 1);
-    EXPECT_THAT(reader.readFolders(), testing::Not(testing::Contains(at("work/disk"))));
+    EXPECT_THAT(reader.readFolders(), testing::Not(testing::Contains(at("projects/disk"))));
 }
 
 TEST_F(ScannerFolders, ALibraryOnAnotherVolumeIsARootOfItsOwn) {
     useFreeDesktop();
-    file("work/own", 1);
+    file("projects/own", 1);
     folder(".cache").device = 7;
     folder(".cache").allocatedSize = 4096;
     file(".cache/app/a", 10);
@@ -213,15 +213,15 @@ TEST_F(ScannerFolders, OfTwoPlacesOfAFolderFromElsewhereTheFirstIsWalked) {
 }
 
 TEST_F(ScannerFolders, AMountThatHoldsTheHomeDoesNotLeadAroundInACircle) {
-    file("work/a", 1);
-    FakeDirectoryReader::Node& top = folder("work/top");
+    file("projects/a", 1);
+    FakeDirectoryReader::Node& top = folder("projects/top");
     top.mount = 9;
     top.inode = 77'777;
-    file("work/top/other", 10);
-    folder("work/top/home").inode = reader.folder(home).inode;
-    file("work/top/home/work/a", 1);
+    file("projects/top/other", 10);
+    folder("projects/top/home").inode = reader.folder(home).inode;
+    file("projects/top/home/projects/a", 1);
     scan();
-    EXPECT_EQ(state("work/top/home"), FolderState::alreadyWalked);
+    EXPECT_EQ(state("projects/top/home"), FolderState::alreadyWalked);
     EXPECT_EQ(bytes(""), 11);
     EXPECT_EQ(scanner.filesScanned, 2);
 }
