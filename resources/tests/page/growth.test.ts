@@ -2,7 +2,7 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { noon, someGrowth } from '../support/growth.ts';
-import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { launch, open, painted, type OpenPage, type Setting } from '../support/page.ts';
 import { fullState, home, inSpanish } from '../support/states.ts';
 
 let browser: Browser;
@@ -104,12 +104,10 @@ describe('what has grown', () => {
       for (const width of [1180, 720]) {
         await withGrowth(async (opened) => {
           expect(await violations(opened.page)).toEqual([]);
-          if (process.env.PICTURES) await opened.page.screenshot({ path: `${process.env.PICTURES}/growth-line-${language}-${colorScheme}-${width}.png` });
           await line(opened).click();
-          await opened.page.waitForTimeout(100);
+          await painted(opened.page);
           expect(await violations(opened.page)).toEqual([]);
           expect(await opened.page.evaluate(() => document.documentElement.scrollWidth <= innerWidth)).toBe(true);
-          if (process.env.PICTURES) await opened.page.screenshot({ path: `${process.env.PICTURES}/growth-${language}-${colorScheme}-${width}.png` });
         }, { saved, context: { viewport: { width, height: 860 }, colorScheme, reducedMotion: 'reduce' } });
       }
     });

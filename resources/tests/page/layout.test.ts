@@ -1,6 +1,6 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { launch, open } from '../support/page.ts';
+import { launch, open, painted } from '../support/page.ts';
 import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileDisk, macDisk, serveFolders } from '../support/folders.ts';
@@ -53,7 +53,7 @@ describe.each(sizes)('$name', ({ width, height, zoom }) => {
       await opened.go(view);
       await opened.tell('onExclusions', state.files.map(({ path }) => path));
       if (view === 'historial') await opened.page.locator('[data-key]').first().press('Enter');
-      await opened.page.waitForTimeout(80);
+      await painted(opened.page);
       expect(await sticksOut(opened.page), view).toEqual([]);
     }
     await opened.close();
@@ -77,18 +77,18 @@ describe.each(sizes)('$name, applications and system', ({ width, height, zoom })
       // Applications that stay open have the longest words.
       for (const button of await page.locator('.quit button').all()) await button.dispatchEvent('click');
       for (const { pid } of someActivity().procs) await opened.tell('onApplicationStopped', { pid, ended: false });
-      await page.waitForTimeout(80);
+      await painted(page);
       expect(await sticksOut(page), 'sistema').toEqual([]);
       await opened.go('apps');
       const apps = hostile ? hostileApps() : someApps();
       await opened.tell('onApps', apps);
-      await page.waitForTimeout(80);
+      await painted(page);
       expect(await sticksOut(page), 'apps').toEqual([]);
       const first = (await page.locator('[data-key^="/"]').first().getAttribute('data-key'))!;
       await page.locator('[data-key^="/"]').first().click({ position: { x: 60, y: 10 } });
       const opening = apps.find(({ path }) => path === first)!;
       await opened.tell('onAppAnalysis', analysisOf(opening, hostile ? hostileLeftovers() : someLeftovers()));
-      await page.waitForTimeout(80);
+      await painted(page);
       expect(await sticksOut(page), 'one application').toEqual([]);
       await opened.close();
       expect(opened.complaints).toEqual([]);
@@ -107,7 +107,7 @@ describe.each(sizes)('$name, folders', ({ width, height, zoom }) => {
     await serveFolders(opened, { disk, growth });
     await opened.go('explorar');
     await page.getByRole('grid').waitFor();
-    await page.waitForTimeout(80);
+    await painted(page);
     expect(await sticksOut(page), 'home').toEqual([]);
     await page.locator('[data-key]').first().focus();
     await page.keyboard.press('Control+a');
@@ -118,7 +118,7 @@ describe.each(sizes)('$name, folders', ({ width, height, zoom }) => {
     expect(await sticksOut(page), 'search').toEqual([]);
     await page.locator('[data-key]').evaluateAll((rows, wanted) => rows.find((row) => (row as HTMLElement).dataset.key === wanted)!.dispatchEvent(new MouseEvent('click', { bubbles: true })), deepest);
     await page.locator('.notes').waitFor();
-    await page.waitForTimeout(80);
+    await painted(page);
     expect(await sticksOut(page), 'deep').toEqual([]);
     expect(await page.title()).toBe('Velto');
     await opened.close();
@@ -148,7 +148,7 @@ describe.each(sizes.filter(({ zoom }) => zoom === '100%'))('$name, the strip tha
     for (const view of [...views, 'sistema', 'explorar']) {
       await opened.go(view);
       if (view === 'apps') await opened.tell('onApps', someApps());
-      await page.waitForTimeout(80);
+      await painted(page);
       expect(await underTheStrip(page), view).toEqual([]);
     }
     await opened.go('apps');

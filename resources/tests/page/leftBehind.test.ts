@@ -89,7 +89,6 @@ describe('what applications that are gone have left behind', () => {
         await withItems(async (opened) => {
           await opened.page.locator(`[data-key="${items[0]!.path}"] > .tick`).click();
           expect(await violations(opened.page)).toEqual([]);
-          if (process.env.PICTURES) await opened.page.screenshot({ path: `${process.env.PICTURES}/left-${colorScheme}-${width}.png` });
         }, { saved, context: { viewport: { width, height: 760 }, colorScheme, reducedMotion: 'reduce' } });
       }
     });

@@ -1,6 +1,6 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { launch, open } from '../support/page.ts';
+import { launch, open, painted } from '../support/page.ts';
 import { tellCleaning, withHistory } from '../support/cleaning.ts';
 import { hostileNames, hostileState } from '../support/states.ts';
 
@@ -24,7 +24,7 @@ describe('names of files are data', () => {
     if (view === 'historial') await page.locator('[data-key]').first().press('Enter');
     await opened.tell('onExclusions', hostileNames.map((name) => `/Users/marina/${name}`));
     await opened.tell('toast', hostileNames[0], hostileNames[1]);
-    await page.waitForTimeout(150);
+    await painted(page);
     expect(await page.locator(strangers).count()).toBe(0);
     expect(await page.title()).toBe('Velto');
     await opened.close();
@@ -51,7 +51,7 @@ describe('names of files are data', () => {
     await tellCleaning(opened, true);
     for (const view of ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial']) {
       await opened.go(view);
-      await page.waitForTimeout(80);
+      await painted(page);
       const leaked = await page.evaluate(() =>
         [...document.querySelectorAll('[title], [aria-label]')]
           .flatMap((element) => [element.getAttribute('title'), element.getAttribute('aria-label')])

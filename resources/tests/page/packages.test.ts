@@ -153,7 +153,6 @@ describe('an application that the system has installed', () => {
       for (const width of [1180, 720]) {
         await known(async (opened) => {
           expect(await violations(opened.page)).toEqual([]);
-          if (process.env.PICTURES) await opened.page.screenshot({ path: `${process.env.PICTURES}/package-${colorScheme}-${width}.png` });
         }, { others: ['gnome', ...Array.from({ length: 12 }, (_, index) => `example-plugin-${index}`)] }, {
           saved, context: { viewport: { width, height: 760 }, colorScheme, reducedMotion: 'reduce' },
         });

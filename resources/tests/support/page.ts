@@ -54,6 +54,10 @@ export async function launch(): Promise<Browser> {
   });
 }
 
+/** What was told or pressed before is painted now: a frame to lay it out and one that has been shown. */
+export const painted = (page: Page): Promise<void> =>
+  page.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => done()))));
+
 /** Runs in the page before its own scripts: the channel, the saved state and the platform. */
 function prepare({ saved, stamp, platform, hosted, storage }: {
   saved: unknown;
