@@ -100,17 +100,19 @@ TreeWalk::Result HomeWalk::walk(const std::vector<WalkRoot>& roots,
 /// What is known under another name by now is not walked again. The others are, one after another
 /// in the order of their paths, so that which of two is walked does not depend on the threads.
 void HomeWalk::walkBound(const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
-    for (auto bound = takeBound(); !bound.empty(); bound = takeBound()) {
+    auto bound = takeBound();
+    if (bound.empty()) return;
+    WalkedFolders walked = walkedFolders(recorders(), recording_.roots, recording_.next);
+    for (; !bound.empty(); bound = takeBound()) {
         for (const BoundFolder& folder : bound) {
             if (cancelled.isCancelled()) return;
-            walkBound(folder, cancelled, tick);
+            walkBound(folder, walked, cancelled, tick);
         }
     }
 }
 
-void HomeWalk::walkBound(const BoundFolder& folder, const CancellationFlag& cancelled,
-                         const TreeWalk::Tick& tick) {
-    const WalkedFolders walked = walkedFolders(recorders(), recording_.roots, recording_.next);
+void HomeWalk::walkBound(const BoundFolder& folder, WalkedFolders& walked,
+                         const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
     if (walked.contains(folder.identity)) {
         workers_.front()->folders().leaveOut(folder, FolderState::alreadyWalked);
         return;
@@ -118,11 +120,15 @@ void HomeWalk::walkBound(const BoundFolder& folder, const CancellationFlag& canc
     std::vector<FolderRecording::Root> roots{
         {.number = folder.number, .parent = folder.parent, .name = folder.name}};
     std::swap(recording_.roots, roots);
+    std::vector<std::size_t> counts;
+    for (const FolderRecorder* recorder : recorders())
+        counts.push_back(recorder->count());
     recording_.walked = &walked;
     const TreeWalk::Result result =
         walk({{folder.path, folder.mark, question_.layout.home}}, cancelled, tick);
     recording_.walked = nullptr;
     std::swap(recording_.roots, roots);
+    addWalked(walked, recorders(), counts, folder.identity.device);
     if (result.rootErrors.front() == 0) return;
     workers_.front()->folders().leaveOut(folder, FolderState::unreadable);
     ++unreadableRoots_;

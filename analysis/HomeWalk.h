@@ -55,8 +55,8 @@ private:
     TreeWalk::Result walk(const std::vector<WalkRoot>& roots, const CancellationFlag& cancelled,
                           const TreeWalk::Tick& tick);
     void walkBound(const CancellationFlag& cancelled, const TreeWalk::Tick& tick);
-    void walkBound(const BoundFolder& folder, const CancellationFlag& cancelled,
-                   const TreeWalk::Tick& tick);
+    void walkBound(const BoundFolder& folder, WalkedFolders& walked,
+                   const CancellationFlag& cancelled, const TreeWalk::Tick& tick);
     std::vector<BoundFolder> takeBound();
     std::vector<FolderRecorder*> recorders() const;
 

@@ -1,11 +1,14 @@
 #include "analysis/Measurement.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include "analysis/folders/saturated.h"
 #include "platform/values/json_fields.h"
 #include "platform/values/path_text.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -31,6 +34,29 @@ std::vector<std::string> pathsIn(const json& object, const char* key) {
     return pathsOfTexts(field<std::vector<std::string>>(object, key));
 }
 
+/// What the walk has measured on the home's volume. The layout's libraries may lie on another one,
+/// whose figures are its own; a volume that is such a library was measured after all.
+std::int64_t measuredAtHome(Measurement& measurement, const FolderTree& folders) {
+    std::int64_t measured = 0;
+    std::vector<std::string> elsewhere;
+    for (FolderTree::Index root = 0; root < folders.rootCount(); ++root) {
+        const std::string_view path = folders.name(root);
+        const bool isElsewhere =
+            root > 0 && std::ranges::any_of(measurement.volumes, [&](const MountedVolume& volume) {
+                return isAtOrBelow(path, volume.path);
+            });
+        if (isElsewhere) {
+            elsewhere.emplace_back(path);
+        } else {
+            measured = saturatedSum(measured, folders[root].bytes);
+        }
+    }
+    std::erase_if(measurement.volumes, [&](const MountedVolume& volume) {
+        return std::ranges::find(elsewhere, volume.path) != elsewhere.end();
+    });
+    return measured;
+}
+
 }  // namespace
 
 std::int64_t Measurement::outside() const {
@@ -38,9 +64,7 @@ std::int64_t Measurement::outside() const {
 }
 
 void addFolders(Measurement& measurement, const FolderTree& folders, std::int64_t hiddenBytes) {
-    std::int64_t measured = 0;
-    for (FolderTree::Index root = 0; root < folders.rootCount(); ++root)
-        measured += folders[root].bytes;
+    const std::int64_t measured = measuredAtHome(measurement, folders);
     const std::int64_t visible = std::max<std::int64_t>(0, measured - hiddenBytes);
     measurement.home = std::min(measurement.home, visible);
     measurement.hidden = measured - measurement.home;

@@ -65,6 +65,8 @@ void ScanWorker::unopened(const WalkedFolder& folder) {
     folders_.unopened(folder);
 }
 
+void ScanWorker::vanished(const WalkedFolder&) { folders_.vanished(); }
+
 void ScanWorker::end(const WalkedFolder& folder, bool isComplete) {
     if (!isComplete && classifier_.counts(folder)) ++unreadable_;
     folders_.end(folder, isComplete);

@@ -39,6 +39,7 @@ public:
                  const Place& place) override;
     bool begin(const WalkedFolder& folder, const FolderStatus& status) override;
     void unopened(const WalkedFolder& folder) override;
+    void vanished(const WalkedFolder& folder) override;
     void end(const WalkedFolder& folder, bool isComplete) override;
 
     /// Counted so far; from any thread while the walk runs.

@@ -79,6 +79,7 @@ void prepareData(const Platform& platform) {
     close(*platform.log, layout.dataFolder);
     for (const std::string& folder : {layout.dataFolder, layout.trashFolder})
         tidy(*platform.log, folder);
+    sweep(*platform.log, layout.dataFolder + "/Growth");
     for (const std::string_view name : neededPlaces)
         clearWay(*platform.log, fmt::format("{}/{}", layout.dataFolder, name));
     sweep(*platform.log, layout.agentsFolder);  // shared with other programs

@@ -17,6 +17,8 @@
 namespace velto {
 namespace {
 
+/// Somebody waits for the answer; more threads in one folder hardly help.
+constexpr ReadOptions listedAtOnce{.threads = 4};
 constexpr std::size_t mostEntries = 50'000;  // of the largest; no page shows more in one folder
 
 /// In the order of FolderState.
@@ -54,7 +56,8 @@ std::int64_t sizeOf(const DirectoryEntry& file) {
 
 void read(DirectoryReader& reader, OpenFolder& folder, Listing& listing) {
     // What was listed before the listing broke off is shown.
-    listing.wasRead = reader.read(folder, {}, listing.list) || !listing.list.entries().empty();
+    listing.wasRead =
+        reader.read(folder, listedAtOnce, listing.list) || !listing.list.entries().empty();
     for (const DirectoryEntry& entry : listing.list.entries()) {
         if (entry.kind == EntryKind::folder) {
             listing.folders.push_back(entry.name);

@@ -37,7 +37,7 @@ const std::map<std::string, std::int64_t>& VeltoTrashService::exactSizes() {
             const auto found = folder_.attributes(operation.get(), item);
             if (found && found->kind == FileKind::regular) bytes = found->allocatedSize;
         } catch (const FileError&) {
-            // Out of reach for now: what the manifest says is all that is known.
+            continue;  // out of reach for now; asked again the next time
         }
         if (bytes) exactSizes_[item.id] = *bytes;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -32,6 +33,10 @@ public:
     /// Copies `name` into the list and returns the new entry.
     DirectoryEntry& add(std::string_view name);
     const std::vector<DirectoryEntry>& entries() const { return entries_; }
+    /// For who reads names first and attributes later.
+    std::vector<DirectoryEntry>& entries() { return entries_; }
+    /// Takes back the last one; its name's room is not used again.
+    void removeLast() { entries_.pop_back(); }
 
 private:
     static constexpr std::size_t chunkSize = 64 * 1024;
@@ -56,6 +61,9 @@ struct ReadOptions {
     bool sizeEveryEntry = false;
     /// What links and special files take up on disk, with their modification, inode and names.
     bool allocatedOfEveryFile = false;
+    /// So many threads read the attributes of one folder where the system gives them file by file
+    /// only: for a folder that somebody waits for. A walk has its threads in other folders.
+    std::size_t threads = 1;
 };
 
 /// What the system says of a folder itself.
@@ -81,8 +89,8 @@ public:
     virtual std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) = 0;
 
     /// Appends all entries except "." and ".." to `entries`, in no order. An entry whose attributes
-    /// cannot be read has the kind `unreadable`. False with `errno` set when the listing itself
-    /// failed; what was read before stays in the list.
+    /// cannot be read has the kind `unreadable`; one that is removed meanwhile is none. False with
+    /// `errno` set when the listing itself failed; what was read before stays in the list.
     virtual bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) = 0;
 
     /// What an open folder is, or with a name the folder of that name in it, which is neither

@@ -18,8 +18,11 @@ std::uint32_t wholeSeconds(double time) {
 
 }  // namespace
 
-WalkedFolders::WalkedFolders(std::vector<Identity> folders) : folders_(std::move(folders)) {
-    std::ranges::sort(folders_);
+void WalkedFolders::add(const std::vector<Identity>& folders) {
+    const auto sorted = static_cast<std::ptrdiff_t>(folders_.size());
+    folders_.insert(folders_.end(), folders.begin(), folders.end());
+    std::sort(folders_.begin() + sorted, folders_.end());
+    std::inplace_merge(folders_.begin(), folders_.begin() + sorted, folders_.end());
 }
 
 bool WalkedFolders::contains(const Identity& folder) const {
@@ -103,8 +106,14 @@ void FolderRecorder::unopened(const WalkedFolder& folder) {
     record(folder);
 }
 
+void FolderRecorder::vanished() {
+    facts_ = {};
+    latest_ = 0;
+}
+
 void FolderRecorder::end(const WalkedFolder& folder, bool isComplete) {
     if (!isComplete) ++facts_.unreadable;
+    facts_.isListedWhole = isComplete;
     record(folder);
 }
 

@@ -23,7 +23,7 @@ public:
         auto operator<=>(const Identity&) const = default;
     };
 
-    explicit WalkedFolders(std::vector<Identity> folders);
+    void add(const std::vector<Identity>& folders);
     bool contains(const Identity& folder) const;
 
 private:
@@ -84,6 +84,8 @@ public:
     void other(const WalkedFolder& folder, const DirectoryEntry& entry);
     void unreadable() { ++facts_.unreadable; }
     void unopened(const WalkedFolder& folder);
+    /// The folder whose turn it is was removed before it could be opened: it leaves no record.
+    void vanished();
     void end(const WalkedFolder& folder, bool isComplete);
 
     /// A file with several names, of which one is to count.
@@ -97,13 +99,13 @@ public:
     };
 
     // After the walk.
-    const std::vector<Linked>& linked() const { return linked_; }
-    std::vector<BoundFolder> takeBound() { return std::move(bound_); }
+    std::vector<Linked> takeLinked() { return std::exchange(linked_, {}); }
+    std::vector<BoundFolder> takeBound() { return std::exchange(bound_, {}); }
     std::int64_t hiddenBytes() const { return hiddenBytes_; }
-    /// Calls `visit(entry)` for each record.
+    /// Calls `visit(entry)` for each record from one on.
     template <typename Visit>
-    void forEach(const Visit& visit) const {
-        for (std::size_t index = 0; index < count_; ++index)
+    void forEach(std::size_t first, const Visit& visit) const {
+        for (std::size_t index = first; index < count_; ++index)
             visit(chunks_[index / chunkLength][index % chunkLength]);
     }
     std::size_t count() const { return count_; }

@@ -11,7 +11,7 @@ namespace velto {
 /// What a walk has made of a folder.
 enum class FolderState : std::uint8_t {
     measured,
-    unreadable,    // could not be opened, or its listing broke off
+    unreadable,    // could not be opened
     withheld,      // the system keeps it from programs without Full Disk Access
     excluded,      // by the user
     own,           // the program's data, its trash among them
@@ -28,6 +28,7 @@ struct FolderFacts {
     std::uint32_t unreadable = 0;  // entries directly in it that could not be read
     std::uint32_t latest = 0;      // last change of anything directly in it, seconds since 1970
     FolderState state = FolderState::measured;
+    bool isListedWhole = true;  // false when the listing broke off; known until the tree is saved
 };
 
 /// One folder of a tree, at most 64 bytes besides its name.

@@ -19,6 +19,11 @@ bool standsBefore(const Entry& one, const Entry& other) {
     return one.name < other.name;
 }
 
+bool isTwin(const Entry& one, const Entry& other) {
+    return one.parent != FolderTreeBuilder::noParent && one.parent == other.parent &&
+           one.name == other.name;
+}
+
 /// Where the folders of each folder stand in the sorted list, by the number of the folder.
 std::vector<std::pair<std::uint32_t, std::uint32_t>> groups(const std::vector<Entry>& sorted,
                                                             std::size_t first) {
@@ -39,6 +44,8 @@ std::vector<std::pair<std::uint32_t, std::uint32_t>> groups(const std::vector<En
 
 FolderTree FolderTreeBuilder::build(std::vector<Entry> entries) {
     std::ranges::sort(entries, standsBefore);
+    // A folder that was made anew while the one above it was listed may have been listed twice.
+    entries.erase(std::unique(entries.begin(), entries.end(), isTwin), entries.end());
     const auto isRoot = [](const Entry& entry) { return entry.parent == noParent; };
     const auto roots = static_cast<std::uint32_t>(std::ranges::count_if(entries, isRoot));
     const auto childrenOf = groups(entries, roots);

@@ -66,7 +66,7 @@ public:
     Index find(std::string_view path) const {
         // The home is the first and may hold the names of others, which know more of themselves.
         for (Index root = rootCount_; root-- > 0;) {
-            if (!leadsInto(path, name(root))) continue;
+            if (!isAtOrBelow(path, name(root))) continue;
             const Index folder = below(root, path.substr(name(root).size()));
             if (folder != none) return folder;
         }
@@ -79,10 +79,6 @@ protected:
     std::uint32_t rootCount_ = 0;
 
 private:
-    static bool leadsInto(std::string_view path, std::string_view root) {
-        return root == "/" ? path.starts_with('/') : isAtOrBelow(path, root);
-    }
-
     Index below(Index folder, std::string_view rest) const {
         while (folder != none && !rest.empty()) {
             if (rest.front() == '/') rest.remove_prefix(1);

@@ -69,15 +69,19 @@ private:
     const std::vector<Entry>& byNumber_;
 };
 
+/// There may be many millions: each recorder's memory is given back on the way.
 std::vector<Linked> allLinked(const std::vector<FolderRecorder*>& recorders) {
     std::vector<Linked> linked;
-    std::size_t count = 0;
-    for (const FolderRecorder* recorder : recorders)
-        count += recorder->linked().size();
-    linked.reserve(count);
-    for (const FolderRecorder* recorder : recorders)
-        linked.insert(linked.end(), recorder->linked().begin(), recorder->linked().end());
+    for (FolderRecorder* recorder : recorders) {
+        const std::vector<Linked> part = recorder->takeLinked();
+        linked.insert(linked.end(), part.begin(), part.end());
+    }
     return linked;
+}
+
+bool wasWalked(const Entry& entry) {
+    const FolderState state = entry.facts.state;
+    return state == FolderState::measured || state == FolderState::unreadable;
 }
 
 /// Lets each file of several names count for the first one. Returns the bytes of those of which no
@@ -125,15 +129,14 @@ WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
                             const std::vector<FolderRecording::Root>& roots, Number numbers) {
     std::vector<Number> parents(numbers, FolderTreeBuilder::noParent);
     for (const FolderRecorder* recorder : recorders)
-        recorder->forEach([&](const Entry& entry) { parents[entry.number] = entry.parent; });
+        recorder->forEach(0, [&](const Entry& entry) { parents[entry.number] = entry.parent; });
     std::map<Number, std::uint64_t> devices;
     for (const FolderRecording::Root& root : roots)
         devices[root.number] = root.device;
 
     std::vector<WalkedFolders::Identity> found;
     const auto add = [&](const Entry& entry) {
-        const FolderState state = entry.facts.state;
-        if (state != FolderState::measured && state != FolderState::unreadable) return;
+        if (!wasWalked(entry)) return;
         Number root = entry.number;
         while (!devices.contains(root) && parents[root] != FolderTreeBuilder::noParent)
             root = parents[root];
@@ -141,8 +144,21 @@ WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
         if (device != devices.end()) found.push_back({device->second, entry.facts.inode});
     };
     for (const FolderRecorder* recorder : recorders)
-        recorder->forEach(add);
-    return WalkedFolders(std::move(found));
+        recorder->forEach(0, add);
+    WalkedFolders walked;
+    walked.add(found);
+    return walked;
+}
+
+void addWalked(WalkedFolders& walked, const std::vector<FolderRecorder*>& recorders,
+               const std::vector<std::size_t>& counts, std::uint64_t device) {
+    std::vector<WalkedFolders::Identity> found;
+    for (std::size_t index = 0; index < recorders.size(); ++index) {
+        recorders[index]->forEach(counts[index], [&](const Entry& entry) {
+            if (wasWalked(entry)) found.push_back({device, entry.facts.inode});
+        });
+    }
+    walked.add(found);
 }
 
 }  // namespace velto

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -23,5 +24,9 @@ AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders,
 WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
                             const std::vector<FolderRecording::Root>& roots,
                             FolderTreeBuilder::Number numbers);
+
+/// Adds those that came after the first `counts` of each recorder, all on one device.
+void addWalked(WalkedFolders& walked, const std::vector<FolderRecorder*>& recorders,
+               const std::vector<std::size_t>& counts, std::uint64_t device);
 
 }  // namespace velto

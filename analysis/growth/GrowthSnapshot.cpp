@@ -6,17 +6,25 @@
 namespace velto {
 namespace {
 
-/// The large ones, those that were not measured, and all on the way to them.
+/// The large ones, those that were not measured or not whole, and all on the way to them.
 std::vector<bool> keptFolders(const FolderTree& tree, std::int64_t smallest) {
     std::vector<bool> kept(tree.size(), false);
     for (FolderTree::Index index = static_cast<FolderTree::Index>(tree.size()); index-- > 0;) {
         const FolderTree::Folder& folder = tree[index];
         const bool isRoot = folder.parent == FolderTree::none;
         const bool isLarge = folder.bytes >= smallest;
-        if (isRoot || isLarge || folder.own.state != FolderState::measured) kept[index] = true;
+        const bool isKnown =
+            folder.own.state == FolderState::measured && folder.own.unreadable == 0;
+        if (isRoot || isLarge || !isKnown) kept[index] = true;
         if (kept[index] && !isRoot) kept[folder.parent] = true;
     }
     return kept;
+}
+
+/// Of a folder that was listed in part nobody knows what has gone from it.
+FolderState stateOf(const FolderFacts& own) {
+    const bool isInPart = own.state == FolderState::measured && !own.isListedWhole;
+    return isInPart ? FolderState::unreadable : own.state;
 }
 
 }  // namespace
@@ -46,7 +54,7 @@ GrowthSnapshot GrowthSnapshot::of(const FolderTree& tree, GrowthFacts facts) {
              .firstChild = child,
              .nameEnd = static_cast<std::uint32_t>(made.names_.size()),
              .unreadable = folder.own.unreadable,
-             .state = folder.own.state});
+             .state = stateOf(folder.own)});
         const auto [first, last] = tree.children(index);
         child += static_cast<Index>(std::count(kept.begin() + first, kept.begin() + last, true));
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -91,10 +92,10 @@ std::vector<std::int64_t> GrowthStore::moments() const {
 
 std::shared_ptr<const GrowthSnapshot> GrowthStore::load(std::int64_t moment) const {
     try {
-        const auto read = GrowthSnapshot::decoded(
+        auto read = GrowthSnapshot::decoded(
             files_.read(folder_ + "/" + nameOf(moment), ownFile(GrowthSnapshot::longest)));
         if (!read || read->facts().moment != moment) return nullptr;
-        return std::make_shared<const GrowthSnapshot>(*read);
+        return std::make_shared<const GrowthSnapshot>(std::move(*read));
     } catch (const FileError&) {
         return nullptr;  // removed meanwhile, refused, or out of reach
     }

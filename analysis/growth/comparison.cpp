@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "analysis/folders/saturated.h"
 #include "analysis/growth/MergedFolders.h"
 
 namespace velto {
@@ -194,7 +195,7 @@ Growth compareGrowth(const GrowthSnapshot& earlier, const GrowthSnapshot& later,
     merged.findRenames();
     Growth growth{.since = earlier.facts().moment, .until = later.facts().moment};
     for (const Folder& folder : merged.folders()) {
-        if (folder.isAlive) growth.bytes += folder.own;
+        if (folder.isAlive) growth.bytes = saturatedSum(growth.bytes, folder.own);
     }
     const std::int64_t kept = std::max(earlier.facts().smallest, later.facts().smallest);
     for (const auto& [index, bytes] : Telling(merged, kept, limits).told()) {

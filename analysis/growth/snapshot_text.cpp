@@ -19,6 +19,7 @@ constexpr std::uint64_t mostFolders = 1'000'000;
 constexpr std::uint64_t mostRoots = 64;
 constexpr std::uint64_t mostLeftOut = 10'000;
 constexpr std::uint64_t mostBytes = std::uint64_t{1} << 62;
+constexpr std::uint64_t mostSmallest = std::uint64_t{1'000'000} << 20;
 constexpr auto lastState = FolderState::alreadyWalked;
 
 std::string checksum(std::string_view text) {
@@ -44,6 +45,9 @@ void put(std::string& text, std::string_view part) {
 std::optional<std::string> GrowthSnapshot::encoded() const {
     if (folders_.size() > mostFolders || rootCount_ > mostRoots) return std::nullopt;
     if (facts_.leftOut.size() > mostLeftOut) return std::nullopt;
+    for (Index root = 0; root < rootCount_; ++root) {
+        if (static_cast<std::uint64_t>(folders_[root].bytes) > mostBytes) return std::nullopt;
+    }
     std::string body;
     body.reserve(names_.size() + folders_.size() * 14);
     put(body, static_cast<std::uint64_t>(facts_.moment));
@@ -64,8 +68,8 @@ std::optional<std::string> GrowthSnapshot::encoded() const {
         put(body, static_cast<std::uint64_t>(folder.state));
         put(body, folder.unreadable);
         put(body, last - first);
+        if (static_cast<std::int64_t>(headLength + body.size()) > longest) return std::nullopt;
     }
-    if (static_cast<std::int64_t>(headLength + body.size()) > longest) return std::nullopt;
     return std::string(start) + checksum(body) + "\n" + body;
 }
 
@@ -98,7 +102,7 @@ private:
     void facts() {
         GrowthFacts& facts = snapshot_.facts_;
         facts.moment = static_cast<std::int64_t>(number(mostBytes));
-        facts.smallest = static_cast<std::int64_t>(number(mostBytes));
+        facts.smallest = static_cast<std::int64_t>(number(mostSmallest));
         for (std::uint64_t left = number(mostLeftOut); left > 0 && isGood_; --left)
             facts.leftOut.emplace_back(text());
         snapshot_.rootCount_ = static_cast<std::uint32_t>(number(mostRoots));

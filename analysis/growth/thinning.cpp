@@ -11,6 +11,9 @@ constexpr std::int64_t day = 86'400;  // seconds
 constexpr std::int64_t year = 366 * day;
 constexpr std::size_t mostRecent = 12;
 constexpr std::size_t alwaysKept = 2;
+// An analysis makes one to three superfluous. One under a clock that is years ahead would make all:
+// what it takes can be spared until the clock is right again.
+constexpr std::size_t mostByAge = 4;
 
 /// One of each span is kept of snapshots up to an age.
 struct Span {
@@ -35,7 +38,8 @@ std::vector<std::int64_t> superfluousSnapshots(std::vector<StoredSnapshot> store
             spans, [age](const Span& candidate) { return age < candidate.age; });
         const bool isFirst =
             span != std::end(spans) && taken.emplace(span->length, moment / span->length).second;
-        if (newer < alwaysKept || isRecent || isFirst) {
+        const bool isSpared = superfluous.size() == mostByAge;
+        if (newer < alwaysKept || isRecent || isFirst || isSpared) {
             kept.push_back(stored[index]);
         } else {
             superfluous.push_back(moment);

@@ -6,11 +6,16 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <span>
+#include <utility>
+#include <vector>
 
+#include "platform/parallel.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/uninterrupted.h"
 
@@ -70,12 +75,12 @@ EntryKind kindOfMode(std::uint16_t mode) {
 }
 
 /// Reads the attributes of a regular file, the kind where the listing did not tell it, and what
-/// else the options ask for.
-void describe(int folder, const LinuxDirent& record, const ReadOptions& options,
+/// else the options ask for. An entry that is gone since it was listed loses its name.
+void describe(int folder, const char* name, std::uint8_t type, const ReadOptions& options,
               DirectoryEntry& entry) {
-    const bool kindIsKnown = record.type != DT_REG && record.type != DT_UNKNOWN;
+    const bool kindIsKnown = type != DT_REG && type != DT_UNKNOWN;
     if (kindIsKnown) {
-        entry.kind = kindOfType(record.type);
+        entry.kind = kindOfType(type);
         const bool isWanted = options.sizeEveryEntry ||
                               (options.allocatedOfEveryFile && entry.kind != EntryKind::folder);
         if (!isWanted) return;
@@ -84,9 +89,12 @@ void describe(int folder, const LinuxDirent& record, const ReadOptions& options,
     constexpr unsigned wanted = STATX_TYPE | STATX_SIZE | STATX_BLOCKS | STATX_ATIME | STATX_MTIME |
                                 STATX_INO | STATX_NLINK;
     constexpr int flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
-    if (::statx(folder, record.name, flags, wanted, &status) != 0) {
-        // A folder is still a folder, to be opened or not.
-        if (!kindIsKnown) entry.kind = EntryKind::unreadable;
+    if (::statx(folder, name, flags, wanted, &status) != 0) {
+        if (errno == ENOENT) {
+            entry.name = {};
+        } else if (!kindIsKnown) {  // a folder is still a folder, to be opened or not
+            entry.kind = EntryKind::unreadable;
+        }
         return;
     }
     entry.kind = kindOfMode(status.stx_mode);
@@ -125,6 +133,47 @@ private:
     std::array<char, 256> text_;
 };
 
+/// Describes the entries of one folder at once; `types` are theirs, as the listing told them.
+void describeAll(int folder, const std::vector<std::uint8_t>& types, const ReadOptions& options,
+                 std::span<DirectoryEntry> entries) {
+    constexpr std::size_t block = 256;  // some 0.3 ms of work for a thread
+    const auto describeBlock = [&](std::size_t number, std::size_t) {
+        const std::size_t last = std::min(entries.size(), (number + 1) * block);
+        for (std::size_t index = number * block; index < last; ++index) {
+            TerminatedName name;
+            if (name.set(entries[index].name)) {
+                describe(folder, name.text(), types[index], options, entries[index]);
+            } else {
+                entries[index].kind = EntryKind::unreadable;
+            }
+        }
+    };
+    forEachInParallel((entries.size() + block - 1) / block,
+                      std::min(options.threads, processorCount()), describeBlock);
+}
+
+/// Appends the names of an open folder, and tells what the listing says of each to `found`. False
+/// with `errno` set when the listing breaks off.
+template <typename Found>
+bool list(int folder, const ReadOptions& options, EntryList& entries, const Found& found) {
+    alignas(LinuxDirent) std::array<char, listingBytes> buffer;
+    while (true) {
+        const long bytes = uninterrupted(
+            [&] { return ::syscall(SYS_getdents64, folder, buffer.data(), buffer.size()); });
+        if (bytes <= 0) return bytes == 0;
+        for (long position = 0; position < bytes;) {
+            const auto& record = *reinterpret_cast<const LinuxDirent*>(buffer.data() + position);
+            position += record.length;
+            const char* name = record.name;
+            if (name[0] == '.') {
+                if (options.skipHidden) continue;
+                if (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')) continue;
+            }
+            found(record, entries.add(name));
+        }
+    }
+}
+
 }  // namespace
 
 std::shared_ptr<OpenFolder> LinuxDirectoryReader::open(const std::string& path) {
@@ -145,24 +194,24 @@ bool LinuxDirectoryReader::read(OpenFolder& folder, const ReadOptions& options,
     const int number = opened.descriptor.number();
     if (opened.wasRead && ::lseek(number, 0, SEEK_SET) != 0) return false;
     opened.wasRead = true;
-    alignas(LinuxDirent) std::array<char, listingBytes> buffer;
-    while (true) {
-        const long bytes = uninterrupted(
-            [&] { return ::syscall(SYS_getdents64, number, buffer.data(), buffer.size()); });
-        if (bytes < 0) return false;
-        if (bytes == 0) return true;
-        for (long position = 0; position < bytes;) {
-            const auto& record = *reinterpret_cast<const LinuxDirent*>(buffer.data() + position);
-            position += record.length;
-            const char* name = record.name;
-            if (name[0] == '.') {
-                if (options.skipHidden) continue;
-                if (name[1] == '\0' || (name[1] == '.' && name[2] == '\0')) continue;
-            }
-            DirectoryEntry& entry = entries.add(name);
-            describe(number, record, options, entry);
-        }
+    if (options.threads <= 1) {
+        return list(number, options, entries,
+                    [&](const LinuxDirent& record, DirectoryEntry& entry) {
+                        describe(number, record.name, record.type, options, entry);
+                        if (entry.name.empty()) entries.removeLast();
+                    });
     }
+    const std::size_t before = entries.entries().size();
+    std::vector<std::uint8_t> types;
+    const bool isWhole =
+        list(number, options, entries,
+             [&](const LinuxDirent& record, DirectoryEntry&) { types.push_back(record.type); });
+    const int error = errno;
+    describeAll(number, types, options, std::span(entries.entries()).subspan(before));
+    std::erase_if(entries.entries(),
+                  [](const DirectoryEntry& entry) { return entry.name.empty(); });
+    errno = error;
+    return isWhole;
 }
 
 bool LinuxDirectoryReader::status(OpenFolder& folder, std::string_view name, FolderStatus& status) {

@@ -46,9 +46,9 @@ std::optional<std::int64_t> LinuxVolumeInfo::purgeableCapacity(const std::string
 
 std::vector<MountedVolume> LinuxVolumeInfo::volumesBelow(const std::string& folder) const {
     std::vector<MountedVolume> volumes;
-    for (const Mount& mount :
-         otherVolumesBelow(systemMounts().value_or(std::vector<Mount>()), folder)) {
-        if (mayWait(mount)) {
+    const std::vector<Mount> all = systemMounts().value_or(std::vector<Mount>());
+    for (const Mount& mount : otherVolumesBelow(all, folder)) {
+        if (mayWait(all, mount.place)) {
             volumes.push_back({.path = mount.place, .used = std::nullopt});
         } else if (const auto figures = figuresOf(mount.place)) {
             const auto used = bytes(figures->f_blocks - figures->f_bfree, figures->f_frsize);

@@ -7,6 +7,7 @@
 
 #include "platform/linux/kernel_file.h"
 #include "platform/posix/foreign_file.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -45,11 +46,6 @@ Mount mountIn(std::string_view line) {
     mount.type = nextWord(line);
     mount.source = nextWord(line);
     return mount;
-}
-
-bool isAtOrBelow(std::string_view path, std::string_view folder) {
-    if (folder == "/") return path.starts_with('/');
-    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 /// The device of the mount on which a path lies: the longest place above it, the last one there.
@@ -103,6 +99,12 @@ bool mayWait(const Mount& mount) {
     // A program behind a FUSE volume may be gone, or ask another machine; "fuseblk" is a disk.
     return std::ranges::find(networks, mount.type) != networks.end() ||
            mount.type.starts_with("fuse.");
+}
+
+bool mayWait(const std::vector<Mount>& mounts, std::string_view path) {
+    return std::ranges::any_of(mounts, [path](const Mount& mount) {
+        return isAtOrBelow(path, mount.place) && mayWait(mount);
+    });
 }
 
 }  // namespace velto

@@ -35,4 +35,7 @@ std::vector<Mount> otherVolumesBelow(const std::vector<Mount>& mounts, std::stri
 /// Whether asking the volume for its figures could wait for another machine, or for a program.
 bool mayWait(const Mount& mount);
 
+/// The same of whatever lies at an absolute path: on the way to it another volume may wait.
+bool mayWait(const std::vector<Mount>& mounts, std::string_view path);
+
 }  // namespace velto

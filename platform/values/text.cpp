@@ -186,7 +186,8 @@ std::string lowerCaseExtension(std::string_view name) {
 }
 
 bool isAtOrBelow(std::string_view path, std::string_view folder) {
-    if (path.substr(0, folder.size()) != folder) return false;
+    if (folder == "/") return path.starts_with('/');
+    if (!path.starts_with(folder)) return false;
     return path.size() == folder.size() || path[folder.size()] == '/';
 }
 

@@ -65,6 +65,9 @@ public:
     /// The folder could not be opened: its turn ends. Not called for roots.
     virtual void unopened(const WalkedFolder& folder) { static_cast<void>(folder); }
 
+    /// The folder was removed between its listing and its turn, which ends. Not called for roots.
+    virtual void vanished(const WalkedFolder& folder) { static_cast<void>(folder); }
+
     /// All that could be listed of the folder has been met: its turn ends. `isComplete` is false
     /// when the listing broke off. Not called once the walk is cancelled.
     virtual void end(const WalkedFolder& folder, bool isComplete) {

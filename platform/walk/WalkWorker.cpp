@@ -29,6 +29,8 @@ void WalkWorker::walk(const WalkQueue::Item& item) {
         case Opening::failed:
             if (isRoot) {
                 setting_.rootErrors[folder.root()] = errno;
+            } else if (errno == ENOENT) {
+                visitor_.vanished(folder);
             } else {
                 ++unreadable_;
                 visitor_.unopened(folder);

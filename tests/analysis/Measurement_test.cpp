@@ -69,6 +69,27 @@ TEST(Measurement, FilesWithSeveralNamesDoNotTakeUpMoreThanTheFolders) {
     EXPECT_EQ(measurement.hidden, 300);
 }
 
+TEST(Measurement, ALibraryOnAnotherDiskIsMeasuredAndNoPartOfThisOne) {
+    const auto root = [](std::uint32_t number, std::string_view path, std::int64_t bytes) {
+        return FolderTreeBuilder::Entry{.number = number,
+                                        .parent = FolderTreeBuilder::noParent,
+                                        .name = path,
+                                        .facts = {.ownBytes = bytes}};
+    };
+    const FolderTree folders = FolderTreeBuilder::build(
+        {root(0, "/h", 250), root(1, "/h/.cache", 200), root(2, "/h/.var/app", 30)});
+    Measurement measurement{
+        .total = 1000,
+        .free = 700,
+        .home = 480,
+        .volumes = {{.path = "/h/.cache", .used = 220}, {.path = "/h/.va", .used = 1}}};
+    addFolders(measurement, folders, 0);
+    EXPECT_EQ(measurement.home, 280);
+    EXPECT_EQ(measurement.hidden, 0);
+    EXPECT_EQ(measurement.outside(), 20);
+    EXPECT_THAT(measurement.volumes, ElementsAre(MountedVolume{.path = "/h/.va", .used = 1}));
+}
+
 TEST(Measurement, FoldersThatCouldNotBeReadAreNamed) {
     Measurement measurement;
     addFolders(measurement, tree(), 0);

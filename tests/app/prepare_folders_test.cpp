@@ -106,8 +106,9 @@ TEST_F(PrepareFolders, AFolderThatCannotBeMadeIsNoReasonToEnd) {
 TEST_F(PrepareFolders, WhatCutOffSavesHaveLeftGoesAndWhatBlocksTheLocksIsPutAside) {
     const std::string folder = "Library/Application Support/Velto/";
     const std::string left = ".velto-0123456789abcdef";
-    for (const std::string& place : {folder, folder + "Trash/", std::string(".config/velto/"),
-                                     std::string("Library/LaunchAgents/")}) {
+    const std::vector<std::string> places{folder, folder + "Trash/", folder + "Growth/",
+                                          ".config/velto/", "Library/LaunchAgents/"};
+    for (const std::string& place : places) {
         machine.home.text(place + left, "half");
         machine.home.text(place + "other", "kept");
     }
@@ -115,8 +116,7 @@ TEST_F(PrepareFolders, WhatCutOffSavesHaveLeftGoesAndWhatBlocksTheLocksIsPutAsid
     machine.home.text(folder + "Trash/manifest.json/inside", "kept");
     machine.home.link(folder + "Trash.lock", "other");
     EXPECT_FALSE(prepareOwnFolders(machine.platform));
-    for (const std::string& place : {folder, folder + "Trash/", std::string(".config/velto/"),
-                                     std::string("Library/LaunchAgents/")}) {
+    for (const std::string& place : places) {
         EXPECT_FALSE(machine.home.exists(place + left)) << place;
         EXPECT_TRUE(machine.home.exists(place + "other")) << place;
     }

@@ -103,6 +103,17 @@ TEST(FolderTree, AFolderWithoutItsParentIsLeftOut) {
     EXPECT_EQ(tree[0].bytes, 0);
 }
 
+TEST(FolderTree, AFolderThatWasListedTwiceIsThereOnce) {
+    const FolderTree tree = FolderTreeBuilder::build(
+        {folder(0, noParent, "/h"), folder(1, 0, "a", 5), folder(2, 0, "a", 7),
+         folder(3, 1, "x", 10), folder(4, 2, "x", 10), folder(5, 0, "b", 1)});
+    ASSERT_EQ(tree.size(), 4U);
+    EXPECT_EQ(childNames(tree, 0), (std::vector<std::string>{"a", "b"}));
+    const std::int64_t a = tree[tree.find("/h/a")].bytes;
+    EXPECT_TRUE(a == 15 || a == 17) << a;
+    EXPECT_EQ(tree[0].bytes, a + 1);
+}
+
 TEST(FolderTree, NothingIsATreeToo) {
     const FolderTree tree = FolderTreeBuilder::build({});
     EXPECT_TRUE(tree.empty());

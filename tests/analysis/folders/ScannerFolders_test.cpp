@@ -143,11 +143,26 @@ TEST_F(ScannerFolders, WhatIsLeftOutIsNamedWithItsReason) {
     EXPECT_EQ(state("Movies/closed"), FolderState::unreadable);
     EXPECT_EQ(bytes("Movies/closed"), 4096) << "its listing is known";
     EXPECT_EQ(state("Movies/broken"), FolderState::measured);
+    EXPECT_FALSE(measured("Movies/broken").own.isListedWhole);
+    EXPECT_TRUE(measured("Movies").own.isListedWhole);
     EXPECT_EQ(bytes("Movies/broken"), 5);
     EXPECT_EQ(measured("Movies/broken").unreadable, 1U);
     EXPECT_EQ(measured("Movies").unreadable, 3U);
     EXPECT_EQ(tree().find(at("Movies/excluded.txt")), FolderTree::none) << "no folder";
     EXPECT_EQ(bytes(""), 4096 + 5);
+}
+
+TEST_F(ScannerFolders, AFolderThatIsRemovedDuringTheWalkIsNeitherThereNorUnreadable) {
+    file("Movies/a", 5);
+    folder("Movies/gone").openError = ENOENT;
+    folder("Movies/gone").allocatedSize = 4096;
+    folder("Movies/gone").modified = 9'000;
+    file("Movies/next/b", 7);
+    scan();
+    EXPECT_EQ(tree().find(at("Movies/gone")), FolderTree::none);
+    EXPECT_EQ(bytes(""), 12) << "no other folder has taken over what was known of it";
+    EXPECT_EQ(measured("").unreadable, 0U);
+    EXPECT_EQ(measured("Movies").latest, 0U);
 }
 
 TEST_F(ScannerFolders, AnotherVolumeIsNamedAndNotEntered) {
@@ -278,11 +293,14 @@ TEST_F(ScannerFolders, AFileOfWhichOneNameIsHiddenIsNotHidden) {
 }
 
 TEST_F(ScannerFolders, SizesThatNoDiskHoldsDoNotWrap) {
-    const FolderTree built = FolderTreeBuilder::build(
-        {{.number = 0, .parent = FolderTreeBuilder::noParent, .name = "/h", .facts = {}},
-         {.number = 1, .parent = 0, .name = "a", .facts = {.ownBytes = INT64_MAX}},
-         {.number = 2, .parent = 0, .name = "b", .facts = {.ownBytes = INT64_MAX}}});
-    EXPECT_EQ(built[0].bytes, INT64_MAX);
+    file(".hidden/a", INT64_MAX);
+    file(".hidden/b", INT64_MAX);
+    link(file(".hidden/c", INT64_MAX), ".hidden/d");
+    file(".other/a", INT64_MAX);
+    scan();
+    EXPECT_EQ(bytes(".hidden"), INT64_MAX);
+    EXPECT_EQ(bytes(""), INT64_MAX);
+    EXPECT_EQ(scanner.hiddenBytes(), INT64_MAX);
 }
 
 TEST_F(ScannerFolders, ACancelledWalkHasNoTree) {

@@ -46,6 +46,29 @@ TEST(GrowthSnapshot, KeepsLargeFoldersAndWhatWasNotMeasured) {
     EXPECT_EQ(snapshot[snapshot.find("/home/ana/locked/in/here")].state, FolderState::unreadable);
 }
 
+TEST(GrowthSnapshot, WhatWasReadInPartIsNoSmallFolder) {
+    MadeTree made;
+    made.add("Backup", 4096).add("Media/a", 5_MB).facts("Backup").unreadable = 1;
+    made.facts("Media").unreadable = 1;
+    made.facts("Media").isListedWhole = false;
+    const GrowthSnapshot snapshot = made.snapshot();
+    const auto backup = snapshot.find("/home/ana/Backup");
+    ASSERT_NE(backup, GrowthSnapshot::none);
+    EXPECT_EQ(snapshot[backup].state, FolderState::measured);
+    const auto media = snapshot.find("/home/ana/Media");
+    EXPECT_EQ(snapshot[media].state, FolderState::unreadable)
+        << "nobody knows what is gone from it";
+}
+
+TEST(GrowthSnapshot, SizesThatNoDiskHoldsAreNotWritten) {
+    EXPECT_FALSE(MadeTree().add("a", INT64_MAX).snapshot().encoded());
+    const MadeTree made = MadeTree().add("a", 5_MB);
+    const GrowthFacts facts{.moment = 1, .leftOut = {}, .volumes = {}, .smallest = INT64_MAX / 4};
+    const auto text = GrowthSnapshot::of(made.tree(), facts).encoded();
+    ASSERT_TRUE(text);
+    EXPECT_FALSE(GrowthSnapshot::decoded(*text)) << "ten times as much would wrap";
+}
+
 TEST(GrowthSnapshot, ReadsBackWhatItHasWritten) {
     const GrowthSnapshot snapshot =
         someTree().snapshot(1'800'000'123, {"/home/ana/Films", "/home/ana/x\xff"});

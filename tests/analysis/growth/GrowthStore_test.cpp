@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <thread>
 
 #include <fmt/format.h>
 
@@ -102,7 +103,28 @@ TEST_F(GrowthStoreTest, OnAFullDiskWhatIsStoredStays) {
     EXPECT_EQ(machine.platform.files->list(folder).size(), 1U) << "nothing half written is left";
 }
 
-TEST_F(GrowthStoreTest, TwoProcessesAddAndForgetSideBySide) {
+TEST_F(GrowthStoreTest, TwoAddForgetAndLookAtTheSameTime) {
+    const auto work = [&](std::int64_t first) {
+        GrowthStore one(*machine.platform.files, *machine.platform.mover, machine.platform.layout);
+        for (int round = 0; round < 20; ++round) {
+            one.add(snapshot(first + round));
+            for (const std::int64_t moment : one.moments()) {
+                const auto read = one.load(moment);
+                EXPECT_TRUE(read == nullptr || read->facts().moment == moment);
+            }
+            if (round % 7 == 6) one.forget();
+        }
+    };
+    std::thread other(work, start + 1'000);
+    work(start);
+    other.join();
+    store.add(snapshot(start + 2'000));
+    EXPECT_NE(store.load(start + 2'000), nullptr);
+    for (const std::string& name : machine.platform.files->list(folder))
+        EXPECT_TRUE(name.ends_with(".growth")) << name;
+}
+
+TEST_F(GrowthStoreTest, WhatOneProcessAddsAnotherForgets) {
     GrowthStore other(*machine.platform.files, *machine.platform.mover, machine.platform.layout);
     store.add(snapshot(start));
     other.add(snapshot(start + 1));

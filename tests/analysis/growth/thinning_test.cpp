@@ -38,6 +38,16 @@ struct Year {
     }
 };
 
+TEST(GrowthThinning, OneAnalysisUnderAClockYearsAheadTakesNoHistoryAway) {
+    Year year;
+    for (int number = 0; number < 40; ++number)
+        year.analyse(start + number * day, 100'000);
+    const std::size_t before = year.stored.size();
+    year.analyse(start + 5'000 * day, 100'000);
+    EXPECT_GE(year.stored.size(), before - 4);
+    EXPECT_GT(before, 10U);
+}
+
 TEST(GrowthThinning, AYearOfAnalysesLeavesSomeOfEachTime) {
     for (const std::int64_t step : {6 * hour, day, 3 * day}) {
         SCOPED_TRACE(step / hour);

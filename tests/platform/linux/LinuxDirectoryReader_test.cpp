@@ -1,17 +1,20 @@
 #include "platform/linux/LinuxDirectoryReader.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
 #include <map>
 #include <set>
 #include <thread>
+#include <tuple>
 
 #include "support/TempHome.h"
 #include "support/linux/private_mounts.h"
@@ -245,6 +248,63 @@ TEST_F(LinuxDirectoryReaderTest, AFolderWithManyThousandFilesIsListedWhole) {
     }
     close(folder);
     EXPECT_EQ(names(home.path("many")), expected);
+}
+
+TEST_F(LinuxDirectoryReaderTest, SeveralThreadsReadTheSameOfOneFolder) {
+    home.folder("many/folder");
+    for (int index = 0; index < 1'500; ++index)
+        home.file(fmt::format("many/file {}", index), index % 7 * 1'000);
+    home.link("many/link", "folder");
+    home.file("many/.hidden", 5'000);
+    const auto folder = reader.open(home.path("many"));
+    ASSERT_NE(folder, nullptr);
+    for (const bool skipHidden : {false, true}) {
+        EntryList alone, together;
+        together.add("of another folder");
+        ReadOptions options{.skipHidden = skipHidden, .allocatedOfEveryFile = true};
+        ASSERT_TRUE(reader.read(*folder, options, alone));
+        options.threads = 4;
+        ASSERT_TRUE(reader.read(*folder, options, together));
+        ASSERT_EQ(together.entries().size(), alone.entries().size() + 1);
+        EXPECT_EQ(together.entries().front().kind, EntryKind::other);
+        for (std::size_t index = 0; index < alone.entries().size(); ++index) {
+            const DirectoryEntry& one = alone.entries()[index];
+            const DirectoryEntry& other = together.entries()[index + 1];
+            const auto told = [](const DirectoryEntry& entry) {
+                return std::tuple(entry.name, entry.kind, entry.allocatedSize, entry.logicalSize,
+                                  entry.modified, entry.inode, entry.links);
+            };
+            EXPECT_EQ(told(one), told(other)) << one.name;
+        }
+    }
+}
+
+TEST_F(LinuxDirectoryReaderTest, WhatIsRemovedWhileItIsReadIsNoUnreadableEntry) {
+    for (const std::size_t threads : {1U, 2U}) {
+        home.folder("many");
+        for (int index = 0; index < 1'200; ++index)
+            home.text(fmt::format("many/{}", index), "");
+        const auto folder = reader.open(home.path("many"));
+        ASSERT_NE(folder, nullptr);
+        EntryList found;
+        ASSERT_TRUE(reader.read(*folder, {}, found));
+        std::atomic<bool> begins = false;
+        // From the end of the listing on, so that it goes ahead of what reads from the start.
+        std::thread remover([&] {
+            begins = true;
+            for (auto entry = found.entries().rbegin(); entry != found.entries().rend(); ++entry)
+                ::unlink((home.path("many/") + std::string(entry->name)).c_str());
+        });
+        while (!begins)
+            std::this_thread::yield();
+        EntryList meanwhile;
+        EXPECT_TRUE(reader.read(*folder, {.threads = threads}, meanwhile));
+        remover.join();
+        for (const DirectoryEntry& entry : meanwhile.entries()) {
+            EXPECT_EQ(entry.kind, EntryKind::regular) << entry.name;
+            EXPECT_FALSE(entry.name.empty());
+        }
+    }
 }
 
 TEST_F(LinuxDirectoryReaderTest, AFolderReadTwiceIsListedTwice) {

@@ -90,6 +90,11 @@ TEST(MountTable, NetworksAndProgramsAreNotWaitedFor) {
         EXPECT_TRUE(mayWait({.type = type})) << type;
     for (const char* type : {"ext4", "vfat", "fuseblk", "btrfs", "tmpfs"})
         EXPECT_FALSE(mayWait({.type = type})) << type;
+    const std::vector<Mount> mounts{{.place = "/", .type = "ext4"},
+                                    {.place = "/home/ana/nas", .type = "nfs4"},
+                                    {.place = "/home/ana/nas/x", .type = "ext4"}};
+    EXPECT_TRUE(mayWait(mounts, "/home/ana/nas/x")) << "the way to it leads through the network";
+    EXPECT_FALSE(mayWait(mounts, "/home/ana/nasal"));
 }
 
 }  // namespace
