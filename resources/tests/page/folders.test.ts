@@ -1,8 +1,8 @@
-import type { Browser } from 'playwright-core';
+import type { Browser, Locator } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { crowdedDisk } from '../support/folders.ts';
 import { focusedName, here, inFolder, inMap, namesShown, openFolders, press, pressed, row, selected, textOf } from '../support/foldersPage.ts';
-import { launch } from '../support/page.ts';
+import { launch, painted } from '../support/page.ts';
 import { home } from '../support/states.ts';
 
 let browser: Browser;
@@ -137,6 +137,27 @@ describe('the table and the map', () => {
     await page.locator('[data-key$="Viaje a Islandia"]').waitFor();
     await page.getByRole('button', { name: 'Folder above' }).click();
     await page.locator('[data-key$="/Movies"]').waitFor();
+    await close();
+  });
+
+  it('the second click of a double one does not go on in what the first has opened', async () => {
+    const { page, close, during } = await openFolders(browser);
+    const clickTwice = async (target: Locator) => {
+      const { x, y, width, height } = (await target.boundingBox())!;
+      await page.mouse.click(x + width / 2, y + height / 2);
+      await page.locator('[data-key$="Viaje a Islandia"]:focus, [data-cell$="Viaje a Islandia"]:focus').waitFor();
+      const intents = await during(async () => {
+        await page.mouse.down({ clickCount: 2 });
+        await page.mouse.up({ clickCount: 2 });
+        await painted(page);
+      });
+      expect(intents).toEqual([]);
+      expect(await here(page)).toContain('Movies');
+    };
+    await clickTwice(row(page, 'Movies').getByText('Movies'));
+    await page.getByRole('button', { name: 'Back' }).click();
+    await page.locator('[data-key$="/Movies"]').waitFor();
+    await clickTwice(page.locator(`[data-cell="${home}/Movies"]`));
     await close();
   });
 });
