@@ -40,13 +40,13 @@ export interface FolderContents {
   path: string;
   /** False when there is nothing to show; `state` says why. */
   found: boolean;
-  /** "unmeasured": there is no analysis with folders. */
+  /** "unmeasured": no analysis has been there; with `measured` 0 the last one has no folders at all. */
   state: FolderState | 'unmeasured';
   bytes: number;
   files: number;
   unreadable: number;
   latest: number;
-  /** When the analysis was made. */
+  /** When the analysis was made; 0 without one that has folders. */
   measured: number;
   folders: SubFolder[];
   entries: FileEntry[];

@@ -50,6 +50,8 @@ class Folders {
   growth = $state.raw<FolderGrowth | null>(null);
   /** What growth is counted from. */
   since = $state<GrowthSince>('last');
+  /** The last analysis has no folders at all, rather than not the one that was asked for. */
+  readonly areNone: boolean = $derived(this.contents?.state === 'unmeasured' && this.contents.measured === 0);
   readonly reading = new Question();
   readonly searching = new Question();
 

@@ -55,6 +55,26 @@ describe('folders that cannot be shown', () => {
     await opened.close();
   });
 
+  it('one below a folder left out since is said not to be part of the analysis, and there is a way on', async () => {
+    const opened = await inFolder(browser, 'Movies');
+    const { page } = opened;
+    await press(page, 'Enter');
+    await page.locator('[data-key$=".mov"]').first().waitFor();
+    const disk = macDisk();
+    for (const path of Object.keys(disk)) if (path.startsWith(`${home}/Movies/`)) delete disk[path];
+    disk[`${home}/Movies`] = { ...disk[`${home}/Movies`]!, found: false, state: 'excluded', folders: [], entries: [] };
+    await serveFolders(opened, { disk });
+    await opened.tell('setState', fullState({ free: 300 }), Date.now() / 1000);
+    await page.getByRole('heading', { name: 'This folder is not there any more' }).waitFor();
+    expect(await page.getByText('has no folders').count()).toBe(0);
+    await page.getByRole('navigation', { name: 'Location' }).getByRole('button', { name: 'Movies' }).click();
+    await page.getByRole('heading', { name: 'Excluded' }).waitFor();
+    await page.getByRole('button', { name: 'Go to the home folder' }).click();
+    await page.getByRole('grid').waitFor();
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+
   it('an answer that does not come is said to be late, and can be asked for again', async () => {
     const opened = await open(browser, { saved: fullState() });
     const { page } = opened;

@@ -182,9 +182,13 @@ export async function serveFolders({ page }: OpenPage, served: Served): Promise<
 
     function folder({ path, request }: { path: string; request: number }, { disk }: Served) {
       const missing = { request, path, found: false, state: 'unmeasured' };
-      if (!Object.keys(disk).length) return missing;
-      const found = disk[path || homeOf(disk)];
-      return found ? { ...found, request } : { ...missing, state: 'unreadable' };
+      const home = Object.keys(disk).length ? homeOf(disk) : null;
+      if (home === null) return missing;
+      const found = disk[path || home];
+      if (found) return { ...found, request };
+      const above = Object.values(disk).filter((folder) => path.startsWith(`${folder.path}/`));
+      const nearest = above.reduce((left, right) => (right.path.length > left.path.length ? right : left), disk[home]!);
+      return { ...missing, measured: disk[home]!.measured, state: nearest.found ? 'unreadable' : 'unmeasured' };
     }
 
     function search({ text, request }: { text: string; request: number }, { disk }: Served) {
