@@ -33,12 +33,17 @@ export function extend(
   };
 }
 
+/** Everything shown; what a search hides stays as it is. */
+export function selectShown(selection: Selection, order: readonly string[], selectable: (key: string) => boolean): Selection {
+  return { selected: new Set([...selection.selected, ...order.filter(selectable)]), anchor: null };
+}
+
 export function selectAll(order: readonly string[], selectable: (key: string) => boolean): Selection {
   return { selected: new Set(order.filter(selectable)), anchor: null };
 }
 
-/** Only what can be seen is ever selected: what left the list leaves the selection. */
-export function keepShown(selection: Selection, order: readonly string[]): Selection {
+/** Only what is listed is ever selected: what left the list leaves the selection. */
+export function keepListed(selection: Selection, order: readonly string[]): Selection {
   const shown = new Set(order);
   const selected = new Set([...selection.selected].filter((key) => shown.has(key)));
   const anchor = selection.anchor !== null && shown.has(selection.anchor) ? selection.anchor : null;

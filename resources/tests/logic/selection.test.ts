@@ -1,5 +1,5 @@
 import { describe, expect, it } from 'vitest';
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../src/selection/selection.ts';
+import { extend, keepListed, nothing, selectAll, selectShown, toggle, type Selection } from '../../src/selection/selection.ts';
 
 const order = ['a', 'b', 'locked', 'd', 'e'];
 const selectable = (key: string) => key !== 'locked';
@@ -29,6 +29,11 @@ describe('selecting', () => {
     expect(keys(extend(anchored, 'e', order, selectable))).toEqual(['d', 'e']);
   });
 
+  it('everything shown joins what a search hides', () => {
+    const hidden = toggle(nothing, 'e', selectable);
+    expect(keys(selectShown(hidden, ['a', 'locked'], selectable))).toEqual(['a', 'e']);
+  });
+
   it('extending without an anchor selects the row itself', () => {
     expect(extend(nothing, 'b', order, selectable)).toEqual({ selected: new Set(['b']), anchor: 'b' });
   });
@@ -40,9 +45,9 @@ describe('selecting', () => {
 
   it('what leaves the list leaves the selection', () => {
     const two = toggle(toggle(nothing, 'a', selectable), 'd', selectable);
-    const narrowed = keepShown(two, ['a', 'b']);
+    const narrowed = keepListed(two, ['a', 'b']);
     expect(keys(narrowed)).toEqual(['a']);
     expect(narrowed.anchor).toBeNull();
-    expect(keepShown(two, order)).toBe(two);
+    expect(keepListed(two, order)).toBe(two);
   });
 });

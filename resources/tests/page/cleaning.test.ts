@@ -93,6 +93,20 @@ describe('cleanup', () => {
       await opened.tell('toast', 'Removed', '6.1 GB in Velto Trash. Kept for 30 days.');
       expect(await opened.page.locator(`[data-key="${renderCache}"]`).count()).toBe(0);
       expect(await opened.during(() => opened.page.getByRole('button', { name: 'Undo' }).click())).toEqual([{ type: 'undoLast' }]);
+      await opened.tell('onCleanables', someCleanables());
+      expect(await opened.page.locator(`[data-key="${renderCache}"]`).getAttribute('aria-selected')).toBe('false');
+    });
+  });
+
+  it('what was taken as it was proposed and came back is not proposed again', async () => {
+    await withPage(async (opened) => {
+      await ready(opened);
+      await opened.page.getByRole('button', { name: /^Move / }).click();
+      await opened.tell('toast', 'Removed', '20.5 GB in Velto Trash. Kept for 30 days.');
+      await opened.page.locator(`[data-key="${renderCache}"]`).waitFor({ state: 'detached' });
+      await opened.tell('onCleanables', someCleanables());
+      await opened.page.locator(`[data-key="${renderCache}"]`).waitFor();
+      expect(await opened.page.locator('[data-key^="/"][aria-selected="true"]').count()).toBe(0);
     });
   });
 

@@ -110,14 +110,37 @@ describe('large files', () => {
     );
   });
 
-  it('narrowing the list narrows the selection', async () => {
-    await inView('Large files', async ({ page }) => {
+  it('a selection that a search hides is named and kept, and stays where it is when the rest is moved', async () => {
+    await inView('Large files', async ({ page, during }) => {
       await page.getByText('Boda Clara y Hugo.mp4').click();
       await page.keyboard.press('Control+a');
       await page.getByRole('textbox').fill('boda');
-      expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
+      const summary = page.locator('.summary');
+      expect(await summary.textContent()).toMatch(/1 selected .*17 more selected, hidden by the search/);
+      expect(await during(() => page.getByRole('button', { name: 'Move to Velto Trash' }).click())).toEqual([
+        { type: 'deleteFiles', payload: { paths: [wedding], kind: 'wind' } },
+      ]);
       await page.getByRole('button', { name: 'Clear search' }).click();
+      expect(await page.locator('[aria-selected="true"]').count()).toBe(18);
+      await page.getByRole('combobox', { name: 'Kind' }).selectOption({ label: 'Download' });
+      expect(await summary.textContent()).toContain('hidden by the filter');
+      await page.getByRole('textbox').fill('nothing like it');
+      await page.getByRole('button', { name: 'Show all files' }).click();
+      expect(await page.locator('[aria-selected="true"]').count()).toBe(18);
+    });
+  });
+
+  it('what an undo brings back comes without its old selection', async () => {
+    await inView('Large files', async ({ page, tell }) => {
+      await page.getByRole('row', { name: 'Boda Clara y Hugo.mp4' }).getByRole('gridcell').first().click();
+      await page.getByRole('row', { name: 'frames.cache' }).getByRole('gridcell').first().click();
+      const whole = fullState();
+      await tell('setState', { ...whole, files: whole.files.filter(({ path }) => path !== wedding) });
+      expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
+      await tell('setState', whole);
+      await page.getByText('Boda Clara y Hugo.mp4').waitFor();
       expect(await page.locator('[aria-selected="true"]').count()).toBe(1);
+      expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
     });
   });
 

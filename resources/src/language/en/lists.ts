@@ -33,6 +33,10 @@ export const lists = {
   selectAll: 'Select all',
   remove: 'Move to Velto Trash',
   selected: (count: number) => plural(count, { one: '# selected', other: '# selected' }),
+  hiddenBySearch: (count: number) =>
+    plural(count, { one: '# more selected, hidden by the search', other: '# more selected, hidden by the search' }),
+  hiddenByFilter: (count: number) =>
+    plural(count, { one: '# more selected, hidden by the filter', other: '# more selected, hidden by the filter' }),
   removing: (count: number) => plural(count, { one: 'Moving # item to Velto Trash…', other: 'Moving # items to Velto Trash…' }),
   nothingSelected: 'Nothing selected',
   clearSelection: 'Clear selection',

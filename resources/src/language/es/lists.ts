@@ -33,6 +33,10 @@ export const lists: typeof english = {
   selectAll: 'Seleccionar todo',
   remove: 'Mover a la Papelera de Velto',
   selected: (count) => plural(count, { one: '# seleccionado', other: '# seleccionados' }),
+  hiddenBySearch: (count: number) =>
+    plural(count, { one: '# seleccionado más, oculto por la búsqueda', other: '# seleccionados más, ocultos por la búsqueda' }),
+  hiddenByFilter: (count: number) =>
+    plural(count, { one: '# seleccionado más, oculto por el filtro', other: '# seleccionados más, ocultos por el filtro' }),
   removing: (count) =>
     plural(count, { one: 'Moviendo # elemento a la Papelera de Velto…', many: 'Moviendo # de elementos a la Papelera de Velto…', other: 'Moviendo # elementos a la Papelera de Velto…' }),
   nothingSelected: 'Nada seleccionado',

@@ -1,7 +1,7 @@
 /** What the list of applications and the choice of leftovers remember while another view is shown. */
 import { language } from '../../language/language.svelte.ts';
 import type { InstalledApp } from '../../protocol/protocol.ts';
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { installedApps } from '../../state/installedApps.svelte.ts';
 import { leftovers } from '../../state/leftovers.svelte.ts';
 import { packages } from '../../state/packages.svelte.ts';
@@ -71,7 +71,7 @@ class LeftoverChoice {
   private readonly selectable = (path: string): boolean => this.selectablePaths.includes(path);
   readonly selection: Selection = $derived.by(() => {
     const chosen = this.chosen?.path === leftovers.analysis?.path ? this.chosen?.selection : null;
-    return keepShown(chosen ?? { selected: preselectedOf(this.sections, this.removal), anchor: null }, this.selectablePaths);
+    return keepListed(chosen ?? { selected: preselectedOf(this.sections, this.removal), anchor: null }, this.selectablePaths);
   });
   readonly selected: SectionItem[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selected));

@@ -1,7 +1,8 @@
 /** What the list of large files remembers while another view is shown. */
 import { language } from '../../language/language.svelte.ts';
 import type { BigFile } from '../../protocol/protocol.ts';
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { onListChange } from '../../selection/leftRows.svelte.ts';
+import { extend, keepListed, nothing, selectShown, toggle, type Selection } from '../../selection/selection.ts';
 import { session } from '../../state/session.svelte.ts';
 import { everything, filterFiles, largestFirst, sortFiles, type Filter, type Order } from './filtering.ts';
 
@@ -21,8 +22,12 @@ class LargeFiles {
     ),
   );
   readonly keys: string[] = $derived(this.shown.map(({ path }) => path));
-  readonly selection: Selection = $derived(keepShown(this.chosen, this.keys));
+  private readonly listed: string[] = $derived(this.all.map(({ path }) => path));
+  /** Also of what the search hides. */
+  readonly selection: Selection = $derived(keepListed(this.chosen, this.listed));
+  /** What is selected and in sight: nothing else is ever removed. */
   readonly selectedFiles: BigFile[] = $derived(this.shown.filter(({ path }) => this.selection.selected.has(path)));
+  readonly hiddenSelected: number = $derived(this.selection.selected.size - this.selectedFiles.length);
   readonly selectedGb: number = $derived(this.selectedFiles.reduce((sum, { gb }) => sum + gb, 0));
   readonly largest: number = $derived(Math.max(...this.all.map(({ gb }) => gb), 0.1));
   readonly isFiltered: boolean = $derived(
@@ -34,10 +39,12 @@ class LargeFiles {
 
   private readonly selectable = (path: string): boolean => !this.locked.has(path);
 
-  /** Only what is shown stays selected, also after the filter is taken away again. */
+  constructor() {
+    onListChange(() => this.listed, (listed) => (this.chosen = keepListed(this.chosen, listed)));
+  }
+
   narrow(change: Partial<Filter>): void {
     this.filter = { ...this.filter, ...change };
-    this.chosen = this.selection;
   }
 
   toggle(path: string): void {
@@ -49,7 +56,7 @@ class LargeFiles {
   }
 
   selectAll(): void {
-    this.chosen = selectAll(this.keys, this.selectable);
+    this.chosen = selectShown(this.selection, this.keys, this.selectable);
   }
 
   clear(): void {

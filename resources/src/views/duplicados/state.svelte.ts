@@ -1,7 +1,8 @@
 /** What the duplicates remember while another view is shown: what stays and what is selected. */
 import { language } from '../../language/language.svelte.ts';
 import type { DuplicateGroup } from '../../protocol/protocol.ts';
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { onListChange } from '../../selection/leftRows.svelte.ts';
+import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { session } from '../../state/session.svelte.ts';
 import {
   extraPaths, isRemovable, keptPath, linkOf, mostWastefulFirst, removablePaths, selectedSize, totalWasted, type CopyFacts,
@@ -25,9 +26,9 @@ class Duplicates {
   /** The copies on screen, in order. */
   readonly order: string[] = $derived(this.shown.flatMap(({ paths }) => paths));
   /** Whatever happens elsewhere, a kept copy is never part of the selection. */
-  private readonly removable: string[] = $derived(removablePaths(this.all, this.keeps));
+  private readonly removable: string[] = $derived(removablePaths(this.shown, this.keeps));
   private readonly extras: string[] = $derived(extraPaths(this.all, this.keeps, this.facts));
-  readonly selection: Selection = $derived(keepShown(this.chosen, this.removable));
+  readonly selection: Selection = $derived(keepListed(this.chosen, this.removable));
   readonly selectedGb: number = $derived(selectedSize(this.all, this.selection.selected, this.facts));
   readonly hasExtras: boolean = $derived(this.extras.length > 0);
   readonly allExtrasSelected: boolean = $derived(this.extras.every((path) => this.selection.selected.has(path)));
@@ -40,6 +41,10 @@ class Duplicates {
     const group = this.groupOf.get(path);
     return group !== undefined && isRemovable(group, path, this.keeps);
   };
+
+  constructor() {
+    onListChange(() => this.removable, (removable) => (this.chosen = keepListed(this.chosen, removable)));
+  }
 
   kept(group: DuplicateGroup): string {
     return keptPath(group, this.keeps);

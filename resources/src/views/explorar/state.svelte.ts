@@ -3,7 +3,8 @@ import { language } from '../../language/language.svelte.ts';
 import { fileSize } from '../../language/measures.ts';
 import { plainName } from '../../names/marks.ts';
 import { lastComponent } from '../../names/middle.ts';
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { onListChange } from '../../selection/leftRows.svelte.ts';
+import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { announcer } from '../../state/announcer.svelte.ts';
 import { folders } from '../../state/folders.svelte.ts';
 import { requests } from '../../state/requests.svelte.ts';
@@ -42,7 +43,7 @@ class Explorer {
   readonly keys: string[] = $derived(this.rows.map(({ key }) => key));
   readonly byKey: ReadonlyMap<string, Row> = $derived(new Map(this.all.map((row) => [row.key, row])));
   readonly total: number = $derived(totalBytes(this.all));
-  readonly selection: Selection = $derived(keepShown(this.chosen, this.keys));
+  readonly selection: Selection = $derived(keepListed(this.chosen, this.keys));
   readonly selected: Row[] = $derived(this.rows.filter(({ key }) => this.selection.selected.has(key)));
   /** The one tab stop of the table, and of the map where it has that row. */
   readonly stop: string | null = $derived(
@@ -51,6 +52,10 @@ class Explorer {
   /** The folder above the one that is wanted, which may still be awaited. */
   readonly above: string | null = $derived(folders.path === folders.home ? null : folderAbove(folders.path));
   readonly canGoBack: boolean = $derived(this.trail.length > 0);
+
+  constructor() {
+    onListChange(() => this.keys, (keys) => (this.chosen = keepListed(this.chosen, keys)));
+  }
 
   private growthShown(): ReadonlyMap<string, number> | null {
     const { growth } = folders;

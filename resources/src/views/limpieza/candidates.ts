@@ -69,9 +69,11 @@ export function isSelectable({ path }: Cleanable): boolean {
   return !isProtectedPath(path);
 }
 
-export function preselected(groups: readonly Group[]): Set<string> {
+/** `left`: what was on the list before and had gone meanwhile; somebody has decided about it. */
+export function preselected(groups: readonly Group[], left: ReadonlySet<string> = new Set()): Set<string> {
   const certain = groups.flatMap(({ items }) => items).filter((item) => item.certain);
-  return new Set(certain.filter((item) => isSelectable(item) && item.daysOld > aMonth).map(({ path }) => path));
+  const old = certain.filter((item) => isSelectable(item) && item.daysOld > aMonth);
+  return new Set(old.map(({ path }) => path).filter((path) => !left.has(path)));
 }
 
 /** The labels that travel with the candidates are Spanish; rule and path say as much in every language. */

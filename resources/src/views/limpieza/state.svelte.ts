@@ -1,5 +1,6 @@
 /** What the cleanup remembers while another view is shown: what is selected. */
-import { extend, keepShown, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
+import { onListChange } from '../../selection/leftRows.svelte.ts';
+import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { cleanables } from '../../state/cleanables.svelte.ts';
 import { totalGb } from '../../state/operations.ts';
 import { exactly } from '../../state/exactly.ts';
@@ -18,6 +19,9 @@ class Cleanup {
   focused = $state<string | null>(null);
   /** Null until the user has chosen anything. */
   private chosen = $state.raw<Selection | null>(null);
+  private listedBefore: readonly string[] = [];
+  /** What has been on the list and is not: should it come back, it is not proposed a second time. */
+  private left = $state.raw<ReadonlySet<string>>(new Set());
 
   readonly groups: Group[] = $derived(groupsOf(exactly(cleanables.list ?? [], session.sizes.cleanables, ({ path }) => path), cleanables.facts));
   readonly items: Proposal[] = $derived(this.groups.flatMap(({ items }) => items));
@@ -29,12 +33,24 @@ class Cleanup {
   private readonly selectablePaths: string[] = $derived(this.items.filter(isSelectable).map(({ path }) => path));
   private readonly selectableSet: ReadonlySet<string> = $derived(new Set(this.selectablePaths));
   readonly selection: Selection = $derived(
-    keepShown(this.chosen ?? { selected: preselected(this.groups), anchor: null }, this.selectablePaths),
+    keepListed(this.chosen ?? { selected: preselected(this.groups, this.left), anchor: null }, this.selectablePaths),
   );
   readonly selectedItems: Proposal[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selectedItems));
 
   private readonly selectable = (path: string): boolean => this.selectableSet.has(path) && !requests.busy.has(path);
+
+  constructor() {
+    onListChange(() => this.selectablePaths, (listed) => this.noteList(listed));
+  }
+
+  private noteList(listed: readonly string[]): void {
+    const there = new Set(listed);
+    const gone = this.listedBefore.filter((path) => !there.has(path));
+    this.listedBefore = listed;
+    if (gone.length) this.left = new Set([...this.left, ...gone]);
+    if (this.chosen) this.chosen = keepListed(this.chosen, listed);
+  }
 
   selectedIn(group: Group): number {
     return group.items.filter(({ path }) => this.selection.selected.has(path)).length;
