@@ -280,31 +280,25 @@ TEST_F(LinuxDirectoryReaderTest, SeveralThreadsReadTheSameOfOneFolder) {
 }
 
 TEST_F(LinuxDirectoryReaderTest, WhatIsRemovedWhileItIsReadIsNoUnreadableEntry) {
-    for (const std::size_t threads : {1U, 2U}) {
-        home.folder("many");
-        for (int index = 0; index < 1'200; ++index)
-            home.text(fmt::format("many/{}", index), "");
-        const auto folder = reader.open(home.path("many"));
-        ASSERT_NE(folder, nullptr);
-        EntryList found;
-        ASSERT_TRUE(reader.read(*folder, {}, found));
-        std::atomic<bool> begins = false;
-        // From the end of the listing on, so that it goes ahead of what reads from the start.
-        std::thread remover([&] {
-            begins = true;
-            for (auto entry = found.entries().rbegin(); entry != found.entries().rend(); ++entry)
-                ::unlink((home.path("many/") + std::string(entry->name)).c_str());
-        });
-        while (!begins)
-            std::this_thread::yield();
-        EntryList meanwhile;
-        EXPECT_TRUE(reader.read(*folder, {.threads = threads}, meanwhile));
-        remover.join();
-        for (const DirectoryEntry& entry : meanwhile.entries()) {
-            EXPECT_EQ(entry.kind, EntryKind::regular) << entry.name;
-            EXPECT_FALSE(entry.name.empty());
+    const std::string path = home.folder("busy");
+    const auto folder = reader.open(path);
+    ASSERT_NE(folder, nullptr);
+    std::atomic<bool> isOver = false;
+    std::thread others([&] {
+        for (int index = 0; index < 2'000; ++index) {
+            const std::string made = fmt::format("{}/{}", path, index % 64);
+            ::close(::open(made.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+            ::unlink(fmt::format("{}/{}", path, (index + 32) % 64).c_str());
         }
+        isOver = true;
+    });
+    for (int round = 0; !isOver; ++round) {
+        EntryList entries;
+        EXPECT_TRUE(reader.read(*folder, {.threads = round % 2 == 0 ? 1U : 2U}, entries));
+        for (const DirectoryEntry& entry : entries.entries())
+            EXPECT_EQ(entry.kind, EntryKind::regular) << entry.name;
     }
+    others.join();
 }
 
 TEST_F(LinuxDirectoryReaderTest, AFolderReadTwiceIsListedTwice) {
