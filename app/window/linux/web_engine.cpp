@@ -1,8 +1,11 @@
 #include "app/window/linux/web_engine.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <vector>
 
+#include "app/window/graphics.h"
 #include "app/window/window_rules.h"
 #include "platform/own_folder.h"
 #include "platform/values/text.h"
@@ -37,6 +40,26 @@ bool sandboxWorks(Platform& platform) {
     return result.started && result.exitStatus == 0;
 }
 
+/// Mesa's drivers read it.
+constexpr const char* softwareVariable = "LIBGL_ALWAYS_SOFTWARE";
+
+/// Drivers that need no node in /dev/dri: NVIDIA's own, and the one of a Linux inside Windows.
+constexpr std::array<const char*, 2> otherGraphicsDevices{"/dev/nvidiactl", "/dev/dxg"};
+
+GraphicsSigns graphicsSigns(const FileManager& files) {
+    GraphicsSigns signs;
+    try {
+        signs.directNodes = files.list("/dev/dri");
+    } catch (const FileError&) {
+        // There is no such folder where no driver has made one.
+    }
+    signs.otherDevice = std::any_of(otherGraphicsDevices.begin(), otherGraphicsDevices.end(),
+                                    [&](const char* path) { return files.exists(path); });
+    const char* const software = std::getenv(softwareVariable);
+    if (software != nullptr) signs.software = software;
+    return signs;
+}
+
 /// The engine would make its folder with whatever permissions the umask leaves, and follow a link
 /// in its place. What is not the user's own folder is put aside.
 void prepareWebData(const Platform& platform, const std::string& folder) {
@@ -63,6 +86,10 @@ void prepareEnvironment(Platform& platform) {
     constexpr gboolean unlessTheUserHas = FALSE;
     // Some graphics stacks show an empty window otherwise.
     g_setenv("WEBKIT_DISABLE_DMABUF_RENDERER", "1", unlessTheUserHas);
+    // Newer versions of GTK decide so by themselves, but only after they have started OpenGL.
+    if (processorDraws(graphicsSigns(*platform.files))) {
+        g_setenv("GSK_RENDERER", "cairo", unlessTheUserHas);
+    }
     if (sandboxWorks(platform)) return;
     // The engine would end the program. The page is the program's own, and reads nothing from
     // outside, so it can do without.
