@@ -13,6 +13,7 @@
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
+#include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
 #include "bridge/SystemIntents.h"
 #include "bridge/TrashIntents.h"
@@ -70,6 +71,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         link, state, platform_, settings_, language_, permissions_, exclusions_});
     trashIntents_ = std::make_shared<TrashIntents>(
         TrashIntents::Context{link, platform_, settings_, language_, shell_, lists_});
+    selectionIntents_ =
+        std::make_shared<SelectionIntents>(SelectionIntents::Context{link, platform_});
     appIntents_ = std::make_shared<AppIntents>(
         AppIntents::Context{link, state, platform_, language_, context.uninstalls, cleanups_, apps,
                             &JSBridge::finishCleanupAnywhere});

@@ -52,6 +52,7 @@ class LeftBehindIntent;
 class MeasurementIntents;
 class PackageIntents;
 class QuitIntents;
+class SelectionIntents;
 class SettingsIntents;
 class SystemIntents;
 class TrashIntents;
@@ -170,6 +171,7 @@ private:
     std::shared_ptr<AccessIntents> accessIntents_;
     std::shared_ptr<SettingsIntents> settingsIntents_;
     std::shared_ptr<TrashIntents> trashIntents_;
+    std::shared_ptr<SelectionIntents> selectionIntents_;
     std::shared_ptr<AppIntents> appIntents_;
     std::shared_ptr<PackageIntents> packageIntents_;
     std::shared_ptr<QuitIntents> quitIntents_;

@@ -13,6 +13,7 @@
 #include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
+#include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
 #include "bridge/SystemIntents.h"
 #include "bridge/TrashIntents.h"
@@ -43,6 +44,7 @@ struct IntentTable {
     static constexpr auto system = &JSBridge::systemIntents_;
     static constexpr auto cleaning = &JSBridge::cleaningIntents_;
     static constexpr auto trash = &JSBridge::trashIntents_;
+    static constexpr auto selection = &JSBridge::selectionIntents_;
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
     static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
@@ -98,6 +100,7 @@ struct IntentTable {
         {"continueComparison", at<measured, &MeasurementIntents::onContinueComparison>},
         {"stopComparison", at<measured, &MeasurementIntents::onStopComparison>},
         {"stopAnalysis", own<&JSBridge::onStopAnalysis>},
+        {"checkSelection", at<selection, &SelectionIntents::onCheckSelection>},
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
     });
 };

@@ -12,4 +12,9 @@ namespace velto {
 /// opened. Blocking; safe from every thread.
 void requireRemovable(const FolderHandle& parent, const std::string& name);
 
+/// Throws the FileError that moving `name` away would end with, as far as that can be told without
+/// changing anything: the folder it stands in is closed to this user, its disk is read-only, or
+/// another volume is mounted at it or inside. Otherwise as above.
+void requireMovable(const FolderHandle& parent, const std::string& name);
+
 }  // namespace velto

@@ -112,6 +112,15 @@ void requireRemovable(const FolderHandle& parent, const std::string& name) {
     RemovalCheck(calls, Asked::mountsAndRights, posix(parent).path).run(entry.folder(), name);
 }
 
+void requireMovable(const FolderHandle& parent, const std::string& name) {
+    const PosixFolder& folder = posix(parent);
+    const Entry entry(parent, name);
+    if (::faccessat(entry.folder(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        throw FileError("move", folder.path + "/" + name, errno);
+    }
+    requireNoMounts(folder.calls, entry.folder(), name, folder.path);
+}
+
 void requireNoMounts(FileCalls& calls, int parent, const std::string& name,
                      const std::string& path) {
     RemovalCheck(calls, Asked::mounts, path).run(parent, name);

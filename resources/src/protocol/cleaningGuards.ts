@@ -1,8 +1,9 @@
 /** Reads what arrives about cleaning, its trash and its schedule; see guards.ts. */
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
-import { cacheReasons, refusalReasons, ruleIds, waitReasons } from './records.ts';
+import { cacheReasons, refusalReasons, ruleIds, selectionReasons, waitReasons } from './records.ts';
 import type {
-  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, TrashItem, WaitingItem,
+  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, SelectionCheck, TrashItem,
+  WaitingItem,
 } from './records.ts';
 
 export function trashItems(value: unknown): TrashItem[] {
@@ -33,6 +34,16 @@ export function waitingItems(value: unknown): WaitingItem[] {
 export function restoreBlock(value: unknown): RestoreBlock | null {
   const fields = fieldsOf(value);
   return fields && text(fields.id) ? { id: text(fields.id), path: text(fields.path) } : null;
+}
+
+/** A reason that this page does not know is told as none in particular. */
+export function selectionCheck(value: unknown): SelectionCheck | null {
+  const fields = fieldsOf(value);
+  if (!fields) return null;
+  const stays = list(fields.stays, ({ path, reason, detail }) =>
+    text(path) ? { path: text(path), reason: selectionReasons.find((one) => one === reason) ?? ('other' as const), detail: text(detail) } : null,
+  );
+  return { request: number(fields.request), movable: [...new Set(texts(fields.movable))], stays };
 }
 
 export function refusal(value: unknown): Refusal | null {

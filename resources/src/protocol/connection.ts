@@ -48,7 +48,7 @@ const readers: Readers = {
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
-  'onTrashWaiting', 'onRefused', 'onRestoreBlocked', 'onFolder', 'onFolderSearch', 'onFolderGrowth', 'onGrowth',
+  'onTrashWaiting', 'onRefused', 'onSelection', 'onRestoreBlocked', 'onFolder', 'onFolderSearch', 'onFolderGrowth', 'onGrowth',
   'onHome', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
   'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',

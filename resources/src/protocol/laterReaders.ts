@@ -28,6 +28,10 @@ export const laterReaders: LaterReaders = {
     const refusal = cleaningGuards.refusal(value);
     return refusal && [refusal];
   },
+  onSelection: ([value]) => {
+    const check = cleaningGuards.selectionCheck(value);
+    return check && [check];
+  },
   onRestoreBlocked: ([value]) => {
     const block = cleaningGuards.restoreBlock(value);
     return block && [block];

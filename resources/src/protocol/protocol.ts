@@ -11,7 +11,7 @@ import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
-  RestoreBlock, RuleId, Running, SystemActivity, SystemSample, TrashItem, WaitingItem,
+  RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
 export type * from './appRecords.ts';
@@ -60,6 +60,7 @@ export interface Intents {
   removeUnusedRuntimes: { ofAllUsers: boolean };
   uninstall: { path: string; paths: string[]; sizes: Record<string, number> };
   revealPath: string;
+  checkSelection: { paths: string[]; request: number };
   deleteFiles: { paths: string[]; kind: string };
   undoLast: void;
   restoreItem: string;
@@ -118,6 +119,7 @@ export interface Events {
   onTrashWaiting: [items: WaitingItem[]];
   onTrashChanged: [gb: number];
   onRefused: [refusal: Refusal];
+  onSelection: [check: SelectionCheck];
   onRestoreBlocked: [block: RestoreBlock];
   onCloudMove: [result: CloudMove];
   onApps: [apps: InstalledApp[]];

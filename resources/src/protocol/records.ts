@@ -152,6 +152,23 @@ export interface Refusal {
   rest: string[];
 }
 
+export const selectionReasons = [...refusalReasons, 'closed', 'readOnly', 'mounted', 'other'] as const;
+export type SelectionReason = (typeof selectionReasons)[number];
+
+/** What cannot be moved, why, and what the system says of it in its own words. */
+export interface Stay {
+  path: string;
+  reason: SelectionReason;
+  detail: string;
+}
+
+/** What of a selection could be moved at that moment. */
+export interface SelectionCheck {
+  request: number;
+  movable: string[];
+  stays: Stay[];
+}
+
 export interface Cleanable {
   ruleID: string;
   path: string;

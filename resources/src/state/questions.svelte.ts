@@ -1,9 +1,17 @@
-/** Asked only before what cannot be undone. */
+/** One of the things that a question is about. */
+export interface Note {
+  sentence: string;
+  /** What only some want to read: the whole path, and what the system says. */
+  details: string[];
+}
+
+/** Asked before what cannot be undone, and where less can be done than was asked for. */
 export interface Question {
   title: string;
   paragraphs: string[];
-  /** The verb on the button. */
-  confirm: string;
+  notes?: Note[];
+  /** The verb on the button; null where there is nothing to agree to. */
+  confirm: string | null;
   /** Nothing is deleted by it. */
   harmless?: boolean;
 }

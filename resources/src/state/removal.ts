@@ -7,14 +7,29 @@ import { send } from '../protocol/connection.ts';
 import type { DuplicateGroup, Refusal } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
-import { refusalSentences, takeRefusal } from './refusals.ts';
+import { questions } from './questions.svelte.ts';
+import { questionOfRest, refusalSentences, takeRefusal } from './refusals.ts';
 import { requests, type RequestKind } from './requests.svelte.ts';
+import { selectionChecks } from './selectionChecks.svelte.ts';
 import { session } from './session.svelte.ts';
 import { toasts } from './toasts.svelte.ts';
 
 /** The group that would be left without a single copy, if there is one. */
 export function groupLosingAll(groups: readonly DuplicateGroup[], going: ReadonlySet<string>): DuplicateGroup | null {
   return groups.find(({ paths }) => paths.every((path) => going.has(path))) ?? null;
+}
+
+/** Asks the program first: what can go, when the user agrees to leave out what cannot. */
+async function movableOf(paths: string[]): Promise<string[]> {
+  const release = requests.hold(paths);
+  const check = await selectionChecks.check(paths);
+  release();
+  if (!check.stays.length) return check.movable;
+  const gone = check.stays.flatMap(({ path, reason }) => (reason === 'gone' ? [path] : []));
+  cleanables.forget(gone);
+  leftBehind.forget(gone);
+  const agreed = await questions.ask(questionOfRest(check));
+  return agreed ? check.movable.filter((path) => !requests.busy.has(path)) : [];
 }
 
 /** Moves the paths as one operation; "cleanPaths" is the intent for what the cleaning rules proposed. */
@@ -28,12 +43,14 @@ export async function moveToTrash(paths: string[], intent: 'deleteFiles' | 'clea
     return;
   }
   toasts.dismissActions();
-  const answer = requests.ask('remove', waiting);
-  if (intent === 'cleanPaths') send('cleanPaths', { paths: waiting });
-  else send('deleteFiles', { paths: waiting, kind: 'wind' });
+  const going = await movableOf(waiting);
+  if (going.length === 0) return;
+  const answer = requests.ask('remove', going);
+  if (intent === 'cleanPaths') send('cleanPaths', { paths: going });
+  else send('deleteFiles', { paths: going, kind: 'wind' });
   if ((await answer) !== 'done') return;
-  cleanables.forget(waiting);
-  leftBehind.forget(waiting);
+  cleanables.forget(going);
+  leftBehind.forget(going);
 }
 
 /** Shows a message of the program; what answers a request of the page says what that means. */

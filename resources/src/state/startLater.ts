@@ -17,6 +17,7 @@ import { quitting } from './quitting.svelte.ts';
 import { holdRefusal } from './refusals.ts';
 import { showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
+import { selectionChecks } from './selectionChecks.svelte.ts';
 import { session } from './session.svelte.ts';
 import { tellOutcome } from './uninstallOutcome.ts';
 import { uninstalling } from './uninstalling.svelte.ts';
@@ -41,6 +42,7 @@ export function startLater(): void {
       onTrashWaiting: (items) => (session.waiting = items),
       onTrashChanged: (gb) => (session.toldTrashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
+      onSelection: (check) => selectionChecks.receive(check),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onFolder: (contents) => folders.receive(contents),
       onFolderSearch: (found) => folders.receiveSearch(found),

@@ -1,8 +1,11 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
+import { someCleanables } from '../support/cleaning.ts';
 import { launch, open, type OpenPage } from '../support/page.ts';
-import { fullState, inSpanish } from '../support/states.ts';
+import { fullState, home, inSpanish } from '../support/states.ts';
+
+const renderCache = `${home}/Library/Caches/org.example.Render`;
 
 let browser: Browser;
 
@@ -14,7 +17,7 @@ afterAll(() => browser.close());
 /** Selects the first three large files and asks for their removal. */
 async function removeThree({ page, go }: OpenPage): Promise<string[]> {
   await go('archivos');
-  const rows = page.locator('[data-key]:not([aria-disabled="true"])');
+  const rows = page.locator('[data-key][aria-selected]');
   const paths = await rows.evaluateAll((found) => found.slice(0, 3).map((row) => (row as HTMLElement).dataset.key!));
   for (const index of [0, 1, 2]) {
     await rows.nth(index).focus();
@@ -105,6 +108,59 @@ describe('a selection of which something was refused', () => {
     expect(await page.getByRole('button', { name: 'Move the other one' }).count()).toBe(0);
     await tell('toast', "Couldn't remove", 'There is no free space left on the disk.');
     expect(await text(opened)).toContain('no free space');
+    await opened.close();
+  });
+});
+
+describe('a selection of which something cannot be moved', () => {
+  const stay = ({ page }: OpenPage, stays: Record<string, { reason: string; detail: string }>) =>
+    page.evaluate((given) => ((window as unknown as { __stays: unknown }).__stays = given), stays);
+  const shown = (page: OpenPage['page']) =>
+    page.locator('[data-key][aria-selected]').evaluateAll((rows) => rows.slice(0, 3).map((row) => (row as HTMLElement).dataset.key!));
+
+  it('is asked about first: what stays, why, the system behind Details, and the rest when agreed', async () => {
+    const opened = await open(browser, { saved: fullState(), context: { reducedMotion: 'reduce' } });
+    const { page, during, go } = opened;
+    await go('archivos');
+    const [first, second, third] = await shown(page);
+    await stay(opened, {
+      [first!]: { reason: 'gone', detail: 'No such file or directory' },
+      [second!]: { reason: 'closed', detail: 'Permission denied' },
+    });
+    expect(await during(() => removeThree(opened))).toEqual([]);
+    const dialog = page.getByRole('dialog');
+    expect(await dialog.getByRole('heading').textContent()).toBe('2 of 3 items cannot be moved');
+    const sentences = await dialog.getByRole('listitem').allTextContents();
+    expect(sentences[0]).toContain('is not there any more.');
+    expect(sentences[1]).toContain('stands in a folder that may not be changed.');
+    expect(await dialog.getByText('Permission denied').isVisible()).toBe(false);
+    await dialog.getByText('Details', { exact: true }).nth(1).click();
+    expect(await dialog.getByText('Permission denied').isVisible()).toBe(true);
+    expect(await page.evaluate(() => document.activeElement?.textContent?.trim())).not.toContain('Move');
+    expect(await violations(page)).toEqual([]);
+    expect(await during(() => dialog.getByRole('button', { name: 'Move the other one' }).click())).toEqual([
+      { type: 'deleteFiles', payload: { paths: [third], kind: 'wind' } },
+    ]);
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
+  });
+
+  it('in Spanish: of which nothing can be moved there is nothing to agree to, and what is gone is proposed no more', async () => {
+    const opened = await open(browser, { saved: inSpanish(fullState()), context: { reducedMotion: 'reduce' } });
+    const { page, during, go, tell } = opened;
+    await go('limpieza');
+    await tell('onCleanables', someCleanables());
+    const row = page.locator(`[data-key="${renderCache}"]`);
+    await stay(opened, Object.fromEntries(someCleanables().map(({ path }) => [path, { reason: 'gone', detail: '' }])));
+    await row.focus();
+    for (const key of ['Escape', 'Space', 'Delete']) await page.keyboard.press(key);
+    const dialog = page.getByRole('dialog');
+    expect(await dialog.getByRole('heading').textContent()).toBe('No se puede mover');
+    expect(await dialog.getByRole('listitem').textContent()).toContain('«org.example.Render» ya no está ahí.');
+    expect(await row.count()).toBe(0);
+    expect(await dialog.getByRole('button').allTextContents()).toEqual(['Cerrar']);
+    expect(await during(() => page.keyboard.press('Enter'))).toEqual([]);
+    expect(await dialog.count()).toBe(0);
     await opened.close();
   });
 });

@@ -92,11 +92,25 @@ function prepare({ saved, stamp, platform, hosted, storage }: {
     document.documentElement.dataset.platform = platform;
     observer.disconnect();
   }).observe(document, { childList: true });
+  /** Every removal asks what can be moved: all of it, but for what a test has put into `__stays`. */
+  const answerCheck = ({ type, payload }: Intent): boolean => {
+    if (type !== 'checkSelection') return false;
+    const { paths, request } = payload as { paths: string[]; request: number };
+    const stays = (page.__stays ?? {}) as Record<string, { reason: string; detail: string }>;
+    const told = {
+      request,
+      movable: paths.filter((path) => !stays[path]),
+      stays: paths.flatMap((path) => (stays[path] ? [{ path, ...stays[path] }] : [])),
+    };
+    queueMicrotask(() => (page.velto as Record<string, (value: unknown) => void>).onSelection!(told));
+    return true;
+  };
   if (!hosted) return;
   page.webkit = {
     messageHandlers: {
       velto: {
         postMessage: (message: unknown) => {
+          if (answerCheck(message as Intent)) return;
           const framesShown = shownAt === null ? -1 : frame - shownAt;
           intents.push({ ...(structuredClone(message) as object), framesShown });
         },

@@ -26,6 +26,8 @@ export const frame = {
   notifications: 'Notifications',
   dismiss: 'Dismiss',
   undo: 'Undo',
+  close: 'Close',
+  details: 'Details',
   cancel: 'Cancel',
   tryAgain: 'Try again',
   quitting: 'Velto is about to quit',

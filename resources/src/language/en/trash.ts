@@ -95,6 +95,19 @@ export const trash = {
     gone: (names: string[], more: number) => named(names, more, 'is not there any more', 'are not there any more'),
     trash: (names: string[], more: number) => named(names, more, 'belongs to Velto Trash itself', 'belong to Velto Trash itself'),
   },
+  staysWhy: {
+    closed: (names: string[], more: number) =>
+      named(names, more, 'stands in a folder that may not be changed', 'stand in folders that may not be changed'),
+    readOnly: (names: string[], more: number) => named(names, more, 'is on a read-only disk', 'are on a read-only disk'),
+    mounted: (names: string[], more: number) =>
+      named(names, more, 'has another disk or folder mounted in it', 'have another disk or folder mounted in them'),
+    other: (names: string[], more: number) => named(names, more, 'cannot be moved', 'cannot be moved'),
+  },
+  staysTitle: (count: number, all: number) =>
+    count === all ? plural(all, { one: 'It cannot be moved', other: 'None of it can be moved' })
+      : plural(count, { one: `# of ${all} items cannot be moved`, other: `# of ${all} items cannot be moved` }),
+  staysText: 'Nothing has been moved yet.',
+  staysMore: (count: number) => plural(count, { one: 'And # more.', other: 'And # more.' }),
   refusedUnnamed: {
     link: 'There is a link on the way.',
     outside: 'Its place lies outside your home folder.',

@@ -27,6 +27,8 @@ export const frame: typeof english = {
   notifications: 'Avisos',
   dismiss: 'Cerrar',
   undo: 'Deshacer',
+  close: 'Cerrar',
+  details: 'Detalles',
   cancel: 'Cancelar',
   tryAgain: 'Intentar de nuevo',
   quitting: 'Velto está a punto de cerrarse',

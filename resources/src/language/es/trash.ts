@@ -99,6 +99,19 @@ export const trash: typeof english = {
     gone: (names, more) => named(names, more, 'ya no está ahí', 'ya no están ahí'),
     trash: (names, more) => named(names, more, 'es parte de la Papelera de Velto', 'son parte de la Papelera de Velto'),
   },
+  staysWhy: {
+    closed: (names, more) =>
+      named(names, more, 'está en una carpeta que no se puede cambiar', 'están en carpetas que no se pueden cambiar'),
+    readOnly: (names, more) => named(names, more, 'está en un disco de solo lectura', 'están en un disco de solo lectura'),
+    mounted: (names, more) =>
+      named(names, more, 'tiene otro disco o carpeta montados dentro', 'tienen otro disco o carpeta montados dentro'),
+    other: (names, more) => named(names, more, 'no se puede mover', 'no se pueden mover'),
+  },
+  staysTitle: (count, all) =>
+    count === all ? plural(all, { one: 'No se puede mover', other: 'No se puede mover nada' })
+      : plural(count, { one: `# de ${all} elementos no se puede mover`, other: `# de ${all} elementos no se pueden mover` }),
+  staysText: 'Todavía no se ha movido nada.',
+  staysMore: (count) => plural(count, { one: 'Y # más.', other: 'Y # más.' }),
   refusedUnnamed: {
     link: 'Hay un enlace en el camino.',
     outside: 'Su sitio está fuera de tu carpeta de usuario.',
