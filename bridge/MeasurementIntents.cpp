@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "bridge/comparison.h"
+#include "bridge/home_folders.h"
 #include "platform/values/units.h"
 
 namespace velto {
@@ -121,7 +122,9 @@ void MeasurementIntents::endComparison() {
 
 void MeasurementIntents::tellAll() {
     hasLoaded_ = true;
-    context_.link.evaluate(events::home(context_.platform.layout.home));
+    const HomeLayout& layout = context_.platform.layout;
+    context_.link.evaluate(events::home(layout.home));
+    context_.link.evaluate(events::homeFolders(homeFolders(layout)));
     tellLists();
     tellMeasurement();
 }

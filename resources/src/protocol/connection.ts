@@ -49,7 +49,7 @@ const readers: Readers = {
 const laterEvents = [
   'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onSelection', 'onRestoreBlocked', 'onFolder', 'onFolderSearch', 'onFolderGrowth', 'onGrowth',
-  'onHome', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
+  'onHome', 'onHomeFolders', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
   'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',
   'onSystemActivity', 'onSystem', 'onApplicationStopped', 'onQuitting',

@@ -1,6 +1,6 @@
 /** Reads what arrives about the folders of the disk; see guards.ts. */
-import { folderStates, type FileEntry, type FolderContents, type FolderGrowth, type FolderSearch, type FolderState, type SubFolder } from './folderRecords.ts';
-import { distinct, fieldsOf, list, number, size, text, type Fields } from './guards.ts';
+import { folderStates, type FileEntry, type FolderContents, type FolderGrowth, type FolderSearch, type FolderState, type HomeFolders, type SubFolder } from './folderRecords.ts';
+import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
 
 const count = (value: unknown) => Math.trunc(size(value));
 
@@ -53,6 +53,15 @@ export function folderContents(value: unknown): FolderContents | null {
     entries: distinct(list(fields.entries, fileEntry), ({ name }) => name).filter(({ name }) => !names.has(name)),
     more: count(fields.more),
   };
+}
+
+const absolutes = (value: unknown) => texts(value).filter(absolute);
+
+export function homeFolders(value: unknown): HomeFolders | null {
+  const fields = fieldsOf(value);
+  if (!fields) return null;
+  const categories = Object.entries(fieldsOf(fields.categories) ?? {}).map(([id, paths]) => [id, absolutes(paths)] as const);
+  return { kept: new Set(absolutes(fields.kept)), categories: new Map(categories.filter(([, paths]) => paths.length > 0)) };
 }
 
 export function folderSearch(value: unknown): FolderSearch | null {

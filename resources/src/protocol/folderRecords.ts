@@ -54,6 +54,14 @@ export interface FolderContents {
   more: number;
 }
 
+/** The folders of this home, whatever they are called here. */
+export interface HomeFolders {
+  /** Not to be moved as a whole: the system or programs look for them, or for something inside. */
+  kept: ReadonlySet<string>;
+  /** The folders that are a category's own, by its id; one that has none is not there. */
+  categories: ReadonlyMap<string, readonly string[]>;
+}
+
 export interface FoundFolder {
   path: string;
   bytes: number;

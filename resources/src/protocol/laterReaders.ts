@@ -11,6 +11,10 @@ import { systemActivity, systemSample } from './systemGuards.ts';
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
   onHome: ([path]) => [guards.text(path)],
+  onHomeFolders: ([value]) => {
+    const folders = folderGuards.homeFolders(value);
+    return folders && [folders];
+  },
   onExactSizes: ([sizes]) => [measurementGuards.exactSizes(sizes)],
   onLinkedCopies: ([groups]) => [measurementGuards.linkedCopies(groups)],
   onMeasurement: ([value]) => {

@@ -6,7 +6,7 @@ import type {
   AppAnalysis, AppRemoval, InstalledApp, LeftBehindItem, LeftoverLink, PackageEnd, PackagePlan, UninstallResult,
   UninstallStage,
 } from './appRecords.ts';
-import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince } from './folderRecords.ts';
+import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince, HomeFolders } from './folderRecords.ts';
 import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
@@ -104,6 +104,7 @@ export interface Events {
   toast: [title: string, detail: string];
   onExclusions: [paths: string[]];
   onHome: [path: string];
+  onHomeFolders: [folders: HomeFolders];
   onExactSizes: [sizes: ExactSizes];
   onLinkedCopies: [groups: LinkedCopies];
   onMeasurement: [measurement: Measurement];

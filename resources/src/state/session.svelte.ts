@@ -1,6 +1,6 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
 import type {
-  BigFile, DiskState, ExactSizes, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange, TrashItem,
+  BigFile, DiskState, ExactSizes, HomeFolders, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange, TrashItem,
   WaitingItem,
 } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
@@ -31,6 +31,8 @@ class Session {
   measuring = $state(false);
   /** Where the home is; null until the program has said so. */
   home = $state<string | null>(null);
+  /** Which folders the home has for what; null until the program has said so. */
+  homeFolders = $state.raw<HomeFolders | null>(null);
   /** Sizes to the byte, as far as they are known. */
   sizes = $state.raw<ExactSizes>({});
   /** Copies that are names of one file, by group. */
@@ -57,6 +59,11 @@ class Session {
   /** The state of a program that has never analysed carries no categories. */
   analysed = $derived((this.disk?.cats.length ?? 0) > 0);
   scanning = $derived(this.scanPhase === 'running' || this.scanPhase === 'stopping');
+
+  /** Whether the home has a folder of that category to show; as long as nobody knows, it may. */
+  leadsToFolders(category: string): boolean {
+    return this.homeFolders?.categories.has(category) ?? true;
+  }
 
   private listedExactly(): TrashItem[] | null {
     return this.listed && exactly(this.listed, this.sizes.trash, ({ id }) => id);

@@ -31,6 +31,7 @@ export function startLater(): void {
         if (!leftovers.takeFailure(title, detail)) showAnswer(title, detail);
       },
       onHome: (path) => (session.home = path),
+      onHomeFolders: (told) => (session.homeFolders = told),
       onExactSizes: (sizes) => (session.sizes = { ...session.sizes, ...sizes }),
       onLinkedCopies: (groups) => (session.linked = groups),
       onMeasurement: (measurement) => (session.measurement = measurement),

@@ -1,19 +1,19 @@
 import { describe, expect, it } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
 import { fileSize, sizeChange } from '../../src/language/measures.ts';
-import { folderContents, folderGrowth, folderSearch } from '../../src/protocol/folderGuards.ts';
+import { folderContents, folderGrowth, folderSearch, homeFolders } from '../../src/protocol/folderGuards.ts';
 import { crumbsOf, fromHome, shortWay, stepsFor } from '../../src/views/explorar/crumbs.ts';
 import { layOutFolder } from '../../src/views/explorar/folderTreemap.ts';
-import { foldersOfCategory, isHomeFolder } from '../../src/views/explorar/homeFolders.ts';
+import { isKeptFolder, placesOfCategory } from '../../src/views/explorar/homeFolders.ts';
 import {
   amountOf, canExclude, canOpen, counts, findTyped, folderAbove, isLarge, nextOrder, pathBelow, rowsOf, sortRows, totalBytes,
   type Order, type Row,
 } from '../../src/views/explorar/rows.ts';
 import { indicesInSight, rowsInSight, scrollToRow } from '../../src/views/explorar/windowing.ts';
-import { linuxDisk, linuxHome, macDisk } from '../support/folders.ts';
+import { linuxDisk, linuxFolders, linuxHome, macDisk, macFolders } from '../support/folders.ts';
 import { home } from '../support/states.ts';
 
-const rowsAt = (path = home): Row[] => rowsOf(macDisk()[path]!, home);
+const rowsAt = (path = home): Row[] => rowsOf(macDisk()[path]!, home, homeFolders(macFolders));
 const rowNamed = (name: string, path = home): Row => rowsAt(path).find((row) => row.name === name)!;
 const names = (rows: readonly Row[]) => rows.map(({ name }) => name);
 const { compare } = formats.en;
@@ -40,7 +40,7 @@ describe('what the program tells of a folder', () => {
 
   it('a name comes once, and as a folder rather than as a file', () => {
     const read = folderContents({ ...told, folders: [told.folders[0], told.folders[0]], entries: [{ ...told.entries[0], name: 'b' }] })!;
-    expect(names(rowsOf(read, '/h'))).toEqual(['b']);
+    expect(names(rowsOf(read, '/h', null))).toEqual(['b']);
   });
 
   it('bytes below zero and missing ones are unknown, not nothing', () => {
@@ -51,7 +51,7 @@ describe('what the program tells of a folder', () => {
   it('a state that nobody knows is one that nothing can be done with', () => {
     const read = folderContents({ ...told, folders: [{ ...told.folders[0], state: 'splendid', bytes: 0 }] })!;
     expect(read.folders[0]!.state).toBe('unreadable');
-    expect(rowsOf(read, '/h')[0]!.lock).toBe('notMeasured');
+    expect(rowsOf(read, '/h', null)[0]!.lock).toBe('notMeasured');
   });
 
   it('a path that is not absolute is no folder', () => {
@@ -119,7 +119,8 @@ describe('the rows of a folder', () => {
     expect(facts(rowNamed('Espejo'))).toEqual(['notMeasured', false, false]);
     expect(facts(rowNamed('Mail', library))).toEqual(['protected', false, false]);
     expect(facts(rowNamed('Velto', `${library}/Application Support`))).toEqual(['notMeasured', false, false]);
-    expect(facts(rowNamed('Caches', library))).toEqual([null, true, true]);
+    expect(facts(rowNamed('Caches', library))).toEqual(['homeFolder', true, true]);
+    expect(facts(rowNamed('sin ordenar', `${home}/Downloads`))).toEqual([null, true, true]);
     expect(facts(rowNamed('Photos Library.photoslibrary', `${home}/Pictures`))[0]).toBe('protected');
     expect(facts(rowNamed('imagen de disco.img'))).toEqual([null, false, true]);
   });
@@ -146,22 +147,35 @@ describe('the rows of a folder', () => {
 });
 
 describe('the folders of a home', () => {
-  it('are known on both systems, and only directly inside it', () => {
-    for (const name of ['Documents', 'Library', 'Descargas', 'Vídeos', '.config', '.ssh']) expect(isHomeFolder(`${home}/${name}`, home), name).toBe(true);
-    expect(isHomeFolder(home, home)).toBe(true);
-    expect(isHomeFolder(`${home}/Projects/Documents`, home)).toBe(false);
-    expect(isHomeFolder('/Users/marina2/Documents', home)).toBe(false);
-    expect(isHomeFolder(`${home}/Documents`, '')).toBe(false);
+  const told = homeFolders({ kept: [home, `${home}/Документы`, `${home}/Media`, `${home}/Media/Fotos`, 'x', 7], categories: { fotos: [`${home}/Media/Fotos`], docs: 'x', apps: [1] } })!;
+
+  it('are those that the program names, at any depth', () => {
+    for (const path of ['', '/Документы', '/Media', '/Media/Fotos']) expect(isKeptFolder(`${home}${path}`, home, told), path).toBe(true);
+    for (const path of ['/Documents', '/Sites', '/Media/Fotos/2024']) expect(isKeptFolder(`${home}${path}`, home, told), path).toBe(false);
+    expect(isKeptFolder(`${home}/Документы`, '', told)).toBe(false);
+    expect(told.kept.size).toBe(4);
+  });
+
+  it('each one directly inside stays until they are named', () => {
+    expect(isKeptFolder(`${home}/Sites`, home, null)).toBe(true);
+    expect(isKeptFolder(`${home}/Sites/a`, home, null)).toBe(false);
+    expect(homeFolders(7)).toBeNull();
+    expect(homeFolders({})).toEqual({ kept: new Set(), categories: new Map() });
   });
 
   it('a category leads to its own', () => {
-    const of = (id: string, disk: Record<string, { folders: { name: string; bytes: number | null }[] }>, place: string) =>
-      foldersOfCategory(id, disk[place]!.folders).map(({ name }) => name);
-    expect(of('descargas', macDisk(), home)).toEqual(['Downloads']);
-    expect(of('fotos', macDisk(), home)).toEqual(['Pictures', 'Movies']);
-    expect(of('descargas', linuxDisk(), linuxHome)).toEqual(['Descargas']);
-    expect(of('apps', linuxDisk(), linuxHome)[0]).toBe('.local');
-    expect(of('unknown', macDisk(), home)).toEqual([]);
+    const mac = (id: string) => placesOfCategory(id, home, macDisk()[home]!.folders, homeFolders(macFolders));
+    const linux = (id: string) => placesOfCategory(id, linuxHome, linuxDisk()[linuxHome]!.folders, homeFolders(linuxFolders));
+    expect(mac('descargas')).toEqual([{ path: `${home}/Downloads`, key: `${home}/Downloads` }]);
+    expect(mac('fotos').map(({ key }) => key)).toEqual([`${home}/Pictures`, `${home}/Movies`]);
+    expect(mac('apps')).toHaveLength(1);
+    expect(linux('descargas').map(({ path }) => path)).toEqual([`${linuxHome}/Descargas`]);
+    expect(linux('apps')[0]).toEqual({ path: `${linuxHome}/.local/share`, key: `${linuxHome}/.local` });
+    expect(linux('sistema')).toEqual([]);
+    const media = [{ name: 'Media', bytes: 5 }, { name: 'Otra', bytes: 7 }];
+    expect(placesOfCategory('fotos', home, media, told)).toEqual([{ path: `${home}/Media/Fotos`, key: `${home}/Media` }]);
+    expect(placesOfCategory('fotos', home, [], told)).toEqual([]);
+    expect(placesOfCategory('fotos', home, media, null)).toEqual([]);
   });
 });
 
@@ -229,7 +243,7 @@ describe('the map of a folder', () => {
 
   it('of ten thousand files shows those that can be told apart', () => {
     const entries = Array.from({ length: 10_000 }, (_, index) => ({ name: `f${index}`, bytes: 1000 + index, modified: 1, linked: false }));
-    const rows = rowsOf({ ...macDisk()[home]!, folders: [], entries }, home);
+    const rows = rowsOf({ ...macDisk()[home]!, folders: [], entries }, home, null);
     const { cells, small } = layOutFolder(rows, 900, 400);
     expect(cells.length).toBeLessThanOrEqual(300);
     expect(cells.length + small!.count).toBe(10_000);

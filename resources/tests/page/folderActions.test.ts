@@ -1,6 +1,6 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { macDisk, serveFolders } from '../support/folders.ts';
+import { linuxDisk, linuxFolders, macDisk, macFolders, serveFolders } from '../support/folders.ts';
 import { focusedName, here, inFolder, openFolders, press, row, textOf } from '../support/foldersPage.ts';
 import { launch, open, type OpenPage } from '../support/page.ts';
 import { fullState, home } from '../support/states.ts';
@@ -143,6 +143,7 @@ describe('the way from the overview', () => {
   async function overview(): Promise<OpenPage> {
     const opened = await open(browser, { saved: fullState() });
     await serveFolders(opened, { disk: macDisk() });
+    await opened.tell('onHomeFolders', macFolders);
     return opened;
   }
 
@@ -163,6 +164,21 @@ describe('the way from the overview', () => {
     await page.locator('.row.current[data-key$="/Pictures"]').waitFor();
     expect(await here(page)).toContain('Home');
     await close();
+  });
+
+  it('one without a folder of its own leads nowhere', async () => {
+    const opened = await open(browser, { saved: fullState(), platform: 'linux' });
+    const { page } = opened;
+    await serveFolders(opened, { disk: linuxDisk() });
+    const system = page.getByRole('table').getByRole('button', { name: /^System/ }).or(page.getByRole('button', { name: /^System.*in Folders$/ }));
+    expect(await system.count()).toBeGreaterThan(0);
+    await opened.tell('onHomeFolders', linuxFolders);
+    await system.first().waitFor({ state: 'detached' });
+    expect(await system.count()).toBe(0);
+    await page.getByRole('table').getByRole('button', { name: 'Applications' }).click();
+    await page.locator('.row.current[data-key$="/.local"]').waitFor();
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
   });
 
   it('the heads of the map lead there too, by keyboard', async () => {

@@ -64,7 +64,7 @@ describe('the folders by keyboard', () => {
     await page.locator('[data-key$="/Documents"]:focus').waitFor();
     await press(page, 'Space');
     expect(await selected(page)).toEqual([]);
-    expect(await page.locator('p[role="status"]').textContent()).toContain('A folder that every home has');
+    expect(await page.locator('p[role="status"]').textContent()).toContain('Your system or programs look for this folder');
     await close();
   });
 

@@ -22,6 +22,28 @@ interface Made extends Partial<Pick<SubFolder, 'state' | 'unreadable' | 'total'>
   more?: number;
 }
 
+/** What the program says of the two homes. */
+export const macFolders = {
+  kept: [
+    '', '/Desktop', '/Documents', '/Downloads', '/Library', '/Library/Application Support', '/Library/Caches', '/Library/Containers',
+    '/Movies', '/Music', '/Pictures',
+  ].map((path) => `${home}${path}`),
+  categories: {
+    fotos: [`${home}/Pictures`, `${home}/Movies`], musica: [`${home}/Music`], descargas: [`${home}/Downloads`],
+    docs: [`${home}/Documents`, `${home}/Desktop`], apps: [`${home}/Library`, `${home}/Applications`], sistema: [`${home}/Library`],
+  },
+};
+export const linuxFolders = {
+  kept: [
+    '', '/.cache', '/.config', '/.local', '/.local/share', '/.var', '/Descargas', '/Documentos', '/Escritorio', '/Imágenes', '/Música', '/Vídeos',
+  ].map((path) => `${linuxHome}${path}`),
+  categories: {
+    fotos: [`${linuxHome}/Imágenes`, `${linuxHome}/Vídeos`], musica: [`${linuxHome}/Música`], descargas: [`${linuxHome}/Descargas`],
+    docs: [`${linuxHome}/Documentos`, `${linuxHome}/Escritorio`],
+    apps: ['.cache', '.config', '.local/share', '.var/app', 'Applications'].map((path) => `${linuxHome}/${path}`),
+  },
+};
+
 export type Disk = Record<string, FolderContents>;
 
 interface Sum {

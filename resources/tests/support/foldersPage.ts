@@ -1,6 +1,6 @@
 /** The folders' view, opened on made-up folders, and what can be read off it. */
 import type { Browser, Locator, Page } from 'playwright-core';
-import { macDisk, serveFolders, type Served } from './folders.ts';
+import { linuxFolders, linuxHome, macDisk, macFolders, serveFolders, type Served } from './folders.ts';
 import { open, type OpenPage, type Setting } from './page.ts';
 import { fullState, home } from './states.ts';
 
@@ -27,6 +27,7 @@ export async function press(page: Page, ...keys: string[]): Promise<void> {
 export async function openFolders(browser: Browser, served: Partial<Served> = {}, setting: Setting = {}): Promise<OpenPage> {
   const opened = await open(browser, { saved: fullState(), ...setting });
   await serveFolders(opened, { disk: macDisk(), ...served });
+  await opened.tell('onHomeFolders', served.disk?.[linuxHome] ? linuxFolders : macFolders);
   await opened.go('explorar');
   await opened.page.getByRole('grid').waitFor();
   return opened;

@@ -63,7 +63,7 @@ export const folders = {
   unchanged: 'Unchanged',
   locks: {
     protected: 'Protected: photo libraries, backups, mail and messages are never removed from here.',
-    homeFolder: 'A folder that every home has. Open it to choose something inside.',
+    homeFolder: 'Your system or programs look for this folder. Open it to choose something inside.',
   },
   more: (count: number) => plural(count, { one: '# link or special file is not listed.', other: '# links and special files are not listed.' }),
   open: 'Open',

@@ -64,7 +64,7 @@ export const folders: typeof english = {
   unchanged: 'Sin cambios',
   locks: {
     protected: 'Protegido: las fototecas, las copias de seguridad, el correo y los mensajes nunca se quitan desde aquí.',
-    homeFolder: 'Una carpeta que toda carpeta personal tiene. Ábrela para elegir algo de dentro.',
+    homeFolder: 'El sistema o los programas buscan esta carpeta. Ábrela para elegir algo de dentro.',
   },
   more: (count) =>
     plural(count, { one: 'No se muestra # enlace o archivo especial.', many: 'No se muestran # de enlaces y archivos especiales.', other: 'No se muestran # enlaces y archivos especiales.' }),

@@ -1,44 +1,37 @@
+/** Which folders this home has for what; the program says so, their names are a matter of system and language. */
+import type { HomeFolders } from '../../protocol/protocol.ts';
+import { folderAbove, pathBelow } from './paths.ts';
+
 /**
- * Folders that a home always has. They are gone into, not moved as a whole: programs look for them,
- * and what is meant is always something inside.
+ * Gone into, not moved as a whole: programs look for it, and what is meant is always something inside.
+ * As long as the program has not said which those are, it is each folder of the home.
  */
-import { downloadFolders, musicFolders, pictureFolders, documentFolders } from '../inicio/parents.ts';
-
-const others = [
-  'library', 'applications', 'public', 'sites', 'templates', 'plantillas', 'público', 'publico',
-  '.local', '.config', '.cache', '.var', '.ssh', '.gnupg', '.pki', 'snap',
-];
-
-const names: ReadonlySet<string> = new Set([
-  ...downloadFolders, ...musicFolders, ...pictureFolders, ...documentFolders, ...others,
-]);
-
-const lower = (name: string) => name.toLowerCase().normalize('NFC');
-
-export function isHomeFolder(path: string, home: string): boolean {
+export function isKeptFolder(path: string, home: string, told: HomeFolders | null): boolean {
   if (!home) return false;
-  if (path === home) return true;
-  if (!path.startsWith(`${home}/`)) return false;
-  const name = path.slice(home.length + 1);
-  return !name.includes('/') && names.has(lower(name));
+  return path === home || (told ? told.kept.has(path) : folderAbove(path) === home);
 }
 
-const byCategory: Record<string, readonly string[]> = {
-  fotos: pictureFolders,
-  docs: documentFolders,
-  descargas: downloadFolders,
-  musica: musicFolders,
-  apps: ['library', '.var', '.local', '.config', '.cache'],
-  sistema: ['library', '.local'],
-};
+interface Named {
+  name: string;
+  bytes: number | null;
+}
 
-/** The folders of the home, of `folders`, where most of a category lies; the largest first. */
-export function foldersOfCategory<Folder extends { name: string; bytes: number | null }>(
+export interface CategoryPlace {
+  path: string;
+  /** The row of the home that it is, or lies in. */
+  key: string;
+}
+
+/** The folders of a category that this home has, of `folders` those that lie in it; the largest first. */
+export function placesOfCategory(
   id: string,
-  folders: readonly Folder[],
-): Folder[] {
-  const wanted = byCategory[id] ?? [];
-  return folders
-    .filter(({ name }) => wanted.includes(lower(name)))
-    .sort((left, right) => (right.bytes ?? 0) - (left.bytes ?? 0));
+  home: string,
+  folders: readonly Named[],
+  told: HomeFolders | null,
+): CategoryPlace[] {
+  const bytes = new Map(folders.map((folder) => [pathBelow(home, folder.name), folder.bytes ?? 0]));
+  return (told?.categories.get(id) ?? [])
+    .map((path) => ({ path, key: pathBelow(home, path.slice(home.length + 1).split('/')[0]!) }))
+    .filter(({ path, key }) => path.startsWith(`${home}/`) && bytes.has(key))
+    .sort((left, right) => bytes.get(right.key)! - bytes.get(left.key)!);
 }

@@ -1,8 +1,11 @@
 /** The rows of a folder: its folders and files together, in which order, and what may be done with each. */
 import { folded } from '../../names/folded.ts';
 import { isProtectedPath } from '../../names/protectedPaths.ts';
-import type { FolderContents, FolderState } from '../../protocol/protocol.ts';
-import { isHomeFolder } from './homeFolders.ts';
+import type { FolderContents, FolderState, HomeFolders } from '../../protocol/protocol.ts';
+import { isKeptFolder } from './homeFolders.ts';
+import { pathBelow } from './paths.ts';
+
+export { folderAbove, pathBelow } from './paths.ts';
 
 export type SortColumn = 'name' | 'size' | 'files' | 'changed' | 'growth';
 export type Direction = 'ascending' | 'descending';
@@ -36,17 +39,6 @@ export interface Row {
 
 export const largestFirst: Order = { column: 'size', direction: 'descending' };
 
-export function pathBelow(folder: string, name: string): string {
-  return folder === '/' ? `/${name}` : `${folder}/${name}`;
-}
-
-/** The folder above; null for the topmost one. */
-export function folderAbove(path: string): string | null {
-  if (path === '/' || path === '') return null;
-  const slash = path.lastIndexOf('/');
-  return slash <= 0 ? '/' : path.slice(0, slash);
-}
-
 /** What counts to the size of the folder that holds it. */
 export function counts({ kind, state, bytes }: Row): boolean {
   return bytes !== null && (kind === 'file' || state === 'measured' || state === 'unreadable');
@@ -61,10 +53,10 @@ export function canExclude({ kind, state }: Row): boolean {
   return kind === 'file' || state === 'measured' || state === 'new' || state === 'unreadable';
 }
 
-function lockOf(path: string, home: string, state: FolderState): Lock | null {
+function lockOf(path: string, home: string, state: FolderState, told: HomeFolders | null): Lock | null {
   if (isProtectedPath(path)) return 'protected';
   if (state !== 'measured' && state !== 'new') return 'notMeasured';
-  return isHomeFolder(path, home) ? 'homeFolder' : null;
+  return isKeptFolder(path, home, told) ? 'homeFolder' : null;
 }
 
 /** Of a folder that was not entered nothing is known, whatever figure came along. */
@@ -73,7 +65,7 @@ function knownBytes(state: FolderState, bytes: number | null): number | null {
   return state === 'unreadable' && bytes ? bytes : null;
 }
 
-export function rowsOf(contents: FolderContents, home: string): Row[] {
+export function rowsOf(contents: FolderContents, home: string, told: HomeFolders | null): Row[] {
   const folders = contents.folders.map((folder): Row => {
     const key = pathBelow(contents.path, folder.name);
     const bytes = knownBytes(folder.state, folder.bytes);
@@ -81,7 +73,7 @@ export function rowsOf(contents: FolderContents, home: string): Row[] {
       kind: 'folder', key, name: folder.name, state: folder.state, bytes,
       files: bytes === null || folder.state === 'otherVolume' ? null : folder.files,
       changed: folder.latest, unreadable: folder.unreadable, linked: false, total: folder.total ?? null,
-      lock: lockOf(key, home, folder.state),
+      lock: lockOf(key, home, folder.state, told),
     };
   });
   const files = contents.entries.map((entry): Row => {

@@ -8,7 +8,8 @@ import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '
 import { announcer } from '../../state/announcer.svelte.ts';
 import { folders } from '../../state/folders.svelte.ts';
 import { requests } from '../../state/requests.svelte.ts';
-import { foldersOfCategory } from './homeFolders.ts';
+import { session } from '../../state/session.svelte.ts';
+import { placesOfCategory } from './homeFolders.ts';
 import {
   folderAbove, largestFirst, nextOrder, pathBelow, rowsOf, sortRows, totalBytes, type Order, type Row, type SortColumn,
 } from './rows.ts';
@@ -36,7 +37,7 @@ class Explorer {
   readonly growth: ReadonlyMap<string, number> | null = $derived(this.growthShown());
   /** Of a folder whose growth is not known nothing can be sorted by it. */
   readonly order: Order = $derived(this.wantedOrder.column === 'growth' && !this.growth ? largestFirst : this.wantedOrder);
-  private readonly all: Row[] = $derived(this.contents ? rowsOf(this.contents, folders.home) : []);
+  private readonly all: Row[] = $derived(this.contents ? rowsOf(this.contents, folders.home, session.homeFolders) : []);
   readonly rows: Row[] = $derived(
     sortRows(this.all, this.order, language.formats.compare, this.growth ?? undefined),
   );
@@ -134,11 +135,10 @@ class Explorer {
   /** From a category: into its folder where the home has one of it, else to the home with the largest of them in sight. */
   followCategory(id: string): void {
     if (!this.contents || this.contents.path !== folders.home) return;
-    const [first, second] = foldersOfCategory(id, this.contents.folders);
+    const [first, second] = placesOfCategory(id, folders.home, this.contents.folders, session.homeFolders);
     if (!first) return;
-    const key = pathBelow(folders.home, first.name);
-    if (second) this.focused = key;
-    else this.open(key);
+    if (second) this.focused = first.key;
+    else this.open(first.path);
   }
 
   /** What is said of a folder that has been opened. */
