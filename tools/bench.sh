@@ -11,9 +11,11 @@ run_benchmarks() {
         *" --only "* | *" --clean "* | *" --help "*) return ;;
     esac
     if on_mac; then
-        say "Skipped on a Mac: the start of the program and the live view (they need a virtual X display)"
+        say "Skipped on a Mac: the start of the program and the live view (they need a virtual X display), and the page (Chromium)"
         return
     fi
+    say "Measuring long lists of the page"
+    node bench/page.mjs resources/dist
     say "Measuring the start of the program"
     node bench/start.mjs build/release
     say "Measuring the live system view"

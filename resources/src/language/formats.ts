@@ -56,6 +56,16 @@ export function createFormats(code: LanguageCode) {
   const number = (value: number) => plainWhole(value, code) ?? wholeFormat().format(value);
   const amount = (value: number) => plainAmount(value, code) ?? amountFormat().format(value);
 
+  const pastTexts = new Map<string, string>();
+
+  /** Lists say the same few ages again and again, and `Intl` takes its time for each. */
+  function past(count: number, unit: 'day' | 'month' | 'year'): string {
+    const key = unit + count;
+    const text = pastTexts.get(key) ?? relative().format(-count, unit);
+    pastTexts.set(key, text);
+    return text;
+  }
+
   function withUnit(value: string, name: string): string {
     return value + nonBreakingSpace + name;
   }
@@ -112,9 +122,9 @@ export function createFormats(code: LanguageCode) {
     age(days: number): string | null {
       if (days > oldestKnownUse) return null;
       if (days < 2) return nearby().format(-Math.trunc(days), 'day');
-      if (days < 30) return relative().format(-Math.trunc(days), 'day');
-      if (days < 365) return relative().format(-Math.trunc(days / 30), 'month');
-      return relative().format(-Math.trunc(days / 365), 'year');
+      if (days < 30) return past(Math.trunc(days), 'day');
+      if (days < 365) return past(Math.trunc(days / 30), 'month');
+      return past(Math.trunc(days / 365), 'year');
     },
 
     /** How long ago, for a time in seconds since 1970; null when it was within this minute. */

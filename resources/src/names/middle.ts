@@ -4,9 +4,10 @@
  */
 let segmenter: Intl.Segmenter | undefined;
 
-/** What is seen as one character each. Making a segmenter is slow, and plain ASCII needs none. */
+/** What is seen as one character each. A segmenter is slow, and Latin letters with their marks need none. */
 function characters(text: string): string[] {
   if (/^[\x20-\x7e]*$/.test(text)) return text.split('');
+  if (/^[\x20-\x7e\xa0-\xac\xae-\u036f]*$/.test(text)) return text.match(/[^\u0300-\u036f]?[\u0300-\u036f]*/g)!.filter(Boolean);
   segmenter ??= new Intl.Segmenter(undefined, { granularity: 'grapheme' });
   return [...segmenter.segment(text)].map(({ segment }) => segment);
 }

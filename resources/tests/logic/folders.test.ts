@@ -9,7 +9,7 @@ import {
   amountOf, canExclude, canOpen, counts, findTyped, folderAbove, isLarge, nextOrder, pathBelow, rowsOf, sortRows, totalBytes,
   type Order, type Row,
 } from '../../src/views/explorar/rows.ts';
-import { indicesInSight, rowsInSight, scrollToRow } from '../../src/views/explorar/windowing.ts';
+import { indicesInSight, rowsInSight, scrollToRow } from '../../src/selection/windowing.ts';
 import { linuxDisk, linuxFolders, linuxHome, macDisk, macFolders } from '../support/folders.ts';
 import { home } from '../support/states.ts';
 

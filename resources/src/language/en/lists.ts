@@ -77,6 +77,5 @@ export const lists = {
   selectExtras: 'Select all but the kept copies',
   noDuplicatesTitle: 'No duplicates',
   noDuplicatesText: 'Velto found no two files over 1 MB with the same content.',
-  moreGroups: (count: number) => plural(count, { one: 'Show # more group', other: 'Show # more groups' }),
   protected: 'Protected',
 };

@@ -40,7 +40,6 @@ export const trash = {
   purgeNamed: (name: string) => `Delete ${name} for good…`,
   working: 'Working…',
   more: (count: number) => plural(count, { one: 'Show # more item', other: 'Show # more items' }),
-  moreOperations: (count: number) => plural(count, { one: 'Show # earlier cleanup', other: 'Show # earlier cleanups' }),
   groupLabel: (moved: string, summary: string, left: string) => `${moved}: ${summary}, ${left}`,
   purgeTitle: (name: string) => `Delete “${name}” for good?`,
   purgeText: (gb: number) => (gb > 0 ? `${size(gb)} become free.` : 'It takes up next to no space.'),

@@ -78,7 +78,5 @@ export const lists: typeof english = {
   selectExtras: 'Seleccionar todas menos las que se quedan',
   noDuplicatesTitle: 'No hay duplicados',
   noDuplicatesText: 'Velto no ha encontrado dos archivos de más de 1 MB con el mismo contenido.',
-  moreGroups: (count) =>
-    plural(count, { one: 'Ver # grupo más', many: 'Ver # de grupos más', other: 'Ver # grupos más' }),
   protected: 'Protegido',
 };

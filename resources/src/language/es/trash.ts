@@ -43,8 +43,6 @@ export const trash: typeof english = {
   working: 'En curso…',
   more: (count) =>
     plural(count, { one: 'Ver # elemento más', many: 'Ver # de elementos más', other: 'Ver # elementos más' }),
-  moreOperations: (count) =>
-    plural(count, { one: 'Ver # limpieza anterior', many: 'Ver # de limpiezas anteriores', other: 'Ver # limpiezas anteriores' }),
   groupLabel: (moved, summary, left) => `${moved}: ${summary}, ${left}`,
   purgeTitle: (name) => `¿Eliminar «${name}» definitivamente?`,
   purgeText: (gb) => (gb > 0 ? `Quedan libres ${size(gb)}.` : 'Apenas ocupa espacio.'),

@@ -1,6 +1,6 @@
 /** Which large files are shown, and in which order. */
 import { oldestKnownUse } from '../../language/formats.ts';
-import { createSearch } from '../../names/folded.ts';
+import { createSearch, folded } from '../../names/folded.ts';
 import type { BigFile } from '../../protocol/protocol.ts';
 
 export type SortColumn = 'name' | 'path' | 'size' | 'kind' | 'lastUse';
@@ -24,8 +24,8 @@ export const largestFirst: Order = { column: 'size', direction: 'descending' };
 const leastDays: Record<AgeFilter, number> = { any: 0, days30: 30, days180: 180, days365: 365 };
 
 /** An age filter shows known ages only: a missing date is no proof of a long time. */
-export function filterFiles(files: readonly BigFile[], filter: Filter): BigFile[] {
-  const found = createSearch(filter.search);
+export function filterFiles(files: readonly BigFile[], filter: Filter, fold = folded): BigFile[] {
+  const found = createSearch(filter.search, fold);
   const days = leastDays[filter.age];
   return files.filter((file) => {
     if (filter.kind !== 'any' && file.kind !== filter.kind) return false;

@@ -1,6 +1,7 @@
 /** What the list of large files remembers while another view is shown. */
 import { language } from '../../language/language.svelte.ts';
 import type { BigFile } from '../../protocol/protocol.ts';
+import { foldedOnce } from '../../names/folded.ts';
 import { onListChange } from '../../selection/leftRows.svelte.ts';
 import { extend, keepListed, nothing, selectShown, toggle, type Selection } from '../../selection/selection.ts';
 import { session } from '../../state/session.svelte.ts';
@@ -13,14 +14,15 @@ class LargeFiles {
   private chosen = $state.raw<Selection>(nothing);
 
   readonly all: BigFile[] = $derived(session.files);
-  readonly shown: BigFile[] = $derived(
-    sortFiles(
-      filterFiles(this.all, this.filter),
-      this.order,
-      language.formats.compare,
-      (kind) => kindName(kind),
-    ),
+  private readonly fold = $derived.by(() => {
+    void this.all; // the paths of an earlier analysis are forgotten
+    return foldedOnce();
+  });
+  /** Sorted once, not again with each key of the search. */
+  private readonly sorted: BigFile[] = $derived(
+    sortFiles(this.all, this.order, language.formats.compare, (kind) => kindName(kind)),
   );
+  readonly shown: BigFile[] = $derived(filterFiles(this.sorted, this.filter, this.fold));
   readonly keys: string[] = $derived(this.shown.map(({ path }) => path));
   private readonly listed: string[] = $derived(this.all.map(({ path }) => path));
   /** Also of what the search hides. */
@@ -45,6 +47,11 @@ class LargeFiles {
 
   narrow(change: Partial<Filter>): void {
     this.filter = { ...this.filter, ...change };
+  }
+
+  /** Before the first key of a search, which then finds the paths folded. */
+  prepareSearch(): void {
+    for (const { path } of this.all) this.fold(path);
   }
 
   toggle(path: string): void {

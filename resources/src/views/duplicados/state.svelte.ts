@@ -9,11 +9,8 @@ import {
   type Keeps,
 } from './duplicates.ts';
 
-const groupsAtOnce = 100;
-
 class Duplicates {
   focused = $state<string | null>(null);
-  limit = $state(groupsAtOnce);
   private keeps = $state.raw<Keeps>(new Map());
   private chosen = $state.raw<Selection>(nothing);
 
@@ -21,12 +18,11 @@ class Duplicates {
   readonly all: DuplicateGroup[] = $derived(
     mostWastefulFirst(session.disk?.dupGroups ?? [], language.formats.compare, this.facts),
   );
-  readonly shown: DuplicateGroup[] = $derived(this.all.slice(0, this.limit));
   readonly wasted: number = $derived(totalWasted(this.all, this.facts));
-  /** The copies on screen, in order. */
-  readonly order: string[] = $derived(this.shown.flatMap(({ paths }) => paths));
+  /** The copies in the order shown. */
+  readonly order: string[] = $derived(this.all.flatMap(({ paths }) => paths));
   /** Whatever happens elsewhere, a kept copy is never part of the selection. */
-  private readonly removable: string[] = $derived(removablePaths(this.shown, this.keeps));
+  private readonly removable: string[] = $derived(removablePaths(this.all, this.keeps));
   private readonly extras: string[] = $derived(extraPaths(this.all, this.keeps, this.facts));
   readonly selection: Selection = $derived(keepListed(this.chosen, this.removable));
   readonly selectedGb: number = $derived(selectedSize(this.all, this.selection.selected, this.facts));
@@ -44,6 +40,10 @@ class Duplicates {
 
   constructor() {
     onListChange(() => this.removable, (removable) => (this.chosen = keepListed(this.chosen, removable)));
+  }
+
+  groupAt(path: string): DuplicateGroup | undefined {
+    return this.groupOf.get(path);
   }
 
   kept(group: DuplicateGroup): string {
@@ -68,18 +68,12 @@ class Duplicates {
     this.chosen = extend(this.selection, path, this.order, this.selectable);
   }
 
-  /** Everything selected is also on screen, so the whole list is shown first. */
   selectExtras(): void {
-    this.limit = Math.max(this.limit, this.all.length);
     this.chosen = selectAll(this.extras, this.selectable);
   }
 
   clear(): void {
     this.chosen = nothing;
-  }
-
-  showMore(): void {
-    this.limit += groupsAtOnce;
   }
 }
 

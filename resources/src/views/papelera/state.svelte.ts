@@ -5,7 +5,6 @@ import { session } from '../../state/session.svelte.ts';
 
 const itemsAtFirst = 5;
 const itemsMore = 200;
-const operationsAtOnce = 30;
 
 /** The rows of whole operations stand among those of the items. */
 const operationPrefix = 'operation:';
@@ -16,15 +15,16 @@ export function operationKey(id: string): string {
 
 class VeltoTrash {
   focused = $state<string | null>(null);
-  private limit = $state(operationsAtOnce);
   private unfolded = $state.raw<ReadonlyMap<string, number>>(new Map());
 
   readonly operations: Operation[] = $derived(operationsOf(session.trash ?? []));
-  readonly shown: Operation[] = $derived(this.operations.slice(0, this.limit));
   /** The rows in the order shown. */
   readonly keys: string[] = $derived(
-    this.shown.flatMap((operation) => [operationKey(operation.id), ...this.itemsOf(operation).map(({ id }) => id)]),
+    this.operations.flatMap((operation) => [operationKey(operation.id), ...this.itemsOf(operation).map(({ id }) => id)]),
   );
+
+  private readonly operationByKey = $derived(new Map(this.operations.map((operation) => [operationKey(operation.id), operation])));
+  private readonly itemById = $derived(new Map((session.trash ?? []).map((item) => [item.id, item])));
 
   /** One more row is shown rather than a button that shows one more row. */
   itemsOf({ id, items }: Operation): TrashItem[] {
@@ -36,23 +36,22 @@ class VeltoTrash {
     this.unfolded = new Map(this.unfolded).set(id, (this.unfolded.get(id) ?? itemsAtFirst) + itemsMore);
   }
 
-  showMoreOperations(): void {
-    this.limit += operationsAtOnce;
-  }
-
   operationAt(key: string): Operation | undefined {
-    return this.operations.find(({ id }) => operationKey(id) === key);
+    return this.operationByKey.get(key);
   }
 
   itemAt(key: string): TrashItem | undefined {
-    return session.trash?.find(({ id }) => id === key);
+    return this.itemById.get(key);
+  }
+
+  /** The operation whose card holds the row. */
+  cardOf(key: string): string | null {
+    return this.operationAt(key)?.id ?? this.itemAt(key)?.opID ?? null;
   }
 
   /** Shows an operation that another view pointed at; answers its row. */
   pointAt(id: string): string | null {
-    const index = this.operations.findIndex((operation) => operation.id === id);
-    if (index < 0) return null;
-    this.limit = Math.max(this.limit, index + 1);
+    if (!this.operationAt(operationKey(id))) return null;
     this.focused = operationKey(id);
     return this.focused;
   }
