@@ -21,9 +21,11 @@ void CleaningIntents::onScanCleanables(const Payload&) {
             auto found = rules.discoverAll();
             // First, so that the page knows what it may preselect before it has anything to show.
             const std::string facts = events::cleanableFacts(CacheJudge(platform).facts(found));
-            platform.dispatcher->main([weak, begun, facts, found = std::move(found)] {
+            const std::string ages = events::cleanableAges(rules.agesInside(found));
+            platform.dispatcher->main([weak, begun, facts, ages, found = std::move(found)] {
                 const auto self = weak.lock();
                 if (!self) return;
+                self->context_.link.evaluate(ages);
                 self->context_.link.evaluate(facts);
                 self->show(found, begun);
             });

@@ -65,6 +65,11 @@ std::string scanProgress(std::int64_t files, double gb) {
     return call("onScanProgress", fmt::format("{}, {}", files, tenths(gb)));
 }
 
+std::string analysisPhase(std::string_view phase, std::int64_t files, double gb) {
+    return call("onAnalysisPhase",
+                fmt::format(R"({{"phase":"{}","files":{},"gb":{}}})", phase, files, tenths(gb)));
+}
+
 std::string scanFinished() { return call("onScanFinished", ""); }
 
 std::string analysisStopped() { return call("onAnalysisStopped", ""); }
@@ -142,6 +147,13 @@ std::string trashChanged(double gb) { return call("onTrashChanged", tenths(gb));
 
 std::string cleanables(const std::vector<Candidate>& candidates) {
     return call("onCleanables", literal(toJson(candidates)));
+}
+
+std::string cleanableAges(const CleaningRules::Ages& ages) {
+    auto byPath = nlohmann::json::object();
+    for (const auto& [path, days] : ages)
+        byPath[pathText(path)] = days;
+    return call("onCleanableAges", literal(byPath));
 }
 
 std::string cleanableFacts(const FactsByPath& facts) {

@@ -30,6 +30,8 @@ std::string literal(const nlohmann::json& json);
 
 std::string scanStarted();
 std::string scanProgress(std::int64_t files, double gb);  // GB with one decimal
+/// The comparison of files of equal size: files looked into, and GB read of them.
+std::string analysisPhase(std::string_view phase, std::int64_t files, double gb);
 std::string scanFinished();
 /// Comes before `scanFailed`: the user has stopped it.
 std::string analysisStopped();
@@ -63,6 +65,8 @@ std::string restoreBlocked(const RestoreBlock& block);
 std::string trashChanged(double gb);  // GB in the trash, with one decimal
 std::string cleanables(const std::vector<Candidate>& candidates);
 /// By path: {"certain", "reason"}, the reasons as `word` gives them.
+/// Whole days by path, of what has changed inside since.
+std::string cleanableAges(const CleaningRules::Ages& ages);
 std::string cleanableFacts(const FactsByPath& facts);
 
 /// `direction` is "to" or "from" the cloud folder.

@@ -85,6 +85,7 @@ const std::vector<Rule>& CleaningRules::rules() {
 
 std::vector<Candidate> CleaningRules::discoverAll() {
     const bool access = hasAccess_();
+    newest_.clear();
     std::map<std::string, Candidate> merged;
     for (const Rule& rule : rules()) {
         if (!access && readsDownloads(rule.id)) continue;
@@ -102,7 +103,30 @@ std::vector<Candidate> CleaningRules::discoverAll() {
     return candidates;
 }
 
-std::vector<Candidate> CleaningRules::caches() const {
+CleaningRules::Ages CleaningRules::agesInside(const std::vector<Candidate>& candidates) const {
+    Ages ages;
+    for (const Candidate& candidate : candidates) {
+        const auto newest = newest_.find(candidate.path);
+        if (newest == newest_.end()) continue;
+        const int days = daysSince(newest->second);
+        if (days < candidate.daysOld) ages[candidate.path] = days;
+    }
+    return ages;
+}
+
+std::vector<std::optional<std::int64_t>> CleaningRules::measured(
+    const std::vector<std::string>& paths) {
+    const auto measures = folderMeasures(*platform_.directories, paths);
+    std::vector<std::optional<std::int64_t>> sizes(paths.size());
+    for (std::size_t index = 0; index < paths.size(); ++index) {
+        if (!measures[index]) continue;
+        sizes[index] = measures[index]->bytes;
+        newest_[paths[index]] = measures[index]->newest;
+    }
+    return sizes;
+}
+
+std::vector<Candidate> CleaningRules::caches() {
     std::vector<std::string> entries = names(platform_.layout.caches);
     std::erase_if(entries, isSystemCache);
     if (platform_.layout.kind == HomeLayout::Kind::freedesktop) {
@@ -114,7 +138,7 @@ std::vector<Candidate> CleaningRules::caches() const {
     paths.reserve(entries.size());
     for (const std::string& name : entries)
         paths.push_back(inside(platform_.layout.caches, name));
-    const auto sizes = folderSizes(*platform_.directories, paths);
+    const auto sizes = measured(paths);
 
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < paths.size(); ++index) {
@@ -131,7 +155,7 @@ std::vector<Candidate> CleaningRules::caches() const {
     return candidates;
 }
 
-std::vector<Candidate> CleaningRules::xcode() const {
+std::vector<Candidate> CleaningRules::xcode() {
     const HomeLayout& layout = platform_.layout;
     const bool isInstalled =
         std::any_of(layout.xcodeApplications.begin(), layout.xcodeApplications.end(),
@@ -159,7 +183,7 @@ std::vector<Candidate> CleaningRules::xcode() const {
     paths.reserve(possible.size());
     for (const Candidate& candidate : possible)
         paths.push_back(candidate.path);
-    const auto sizes = folderSizes(*platform_.directories, paths);
+    const auto sizes = measured(paths);
 
     std::vector<Candidate> candidates;
     for (std::size_t index = 0; index < possible.size(); ++index) {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +54,11 @@ public:
     /// equal sizes by path. Never fails: a rule that does contributes nothing.
     std::vector<Candidate> discoverAll();
 
+    /// Days since the last change of anything in a candidate of `discoverAll`, by path, where that
+    /// is less than its `daysOld`: a folder's own date tells only what came into it and left it.
+    using Ages = std::map<std::string, int>;
+    Ages agesInside(const std::vector<Candidate>& candidates) const;
+
 private:
     struct Download {
         std::string name;
@@ -60,11 +67,12 @@ private:
         int daysUnused = 0;
     };
 
-    std::vector<Candidate> caches() const;
-    std::vector<Candidate> xcode() const;
+    std::vector<Candidate> caches();
+    std::vector<Candidate> xcode();
     std::vector<Candidate> oldDownloads() const;
     std::vector<Candidate> installers() const;
 
+    std::vector<std::optional<std::int64_t>> measured(const std::vector<std::string>& paths);
     bool isWithinReach(const std::string& path) const;
     std::vector<std::string> names(const std::string& folder) const;
     std::vector<Download> largeDownloads(
@@ -75,6 +83,7 @@ private:
     const Platform& platform_;
     std::function<bool()> hasAccess_;
     std::vector<Rule> rules_;
+    std::map<std::string, double> newest_;  // changes inside what was measured last, by path
 };
 
 }  // namespace velto

@@ -1,5 +1,6 @@
 #include "cleaning/folder_size.h"
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 
@@ -19,7 +20,7 @@ std::int64_t sum(std::int64_t left, std::int64_t right) {
 /// Adds up what one worker meets, by the root below which it lies.
 class SizeVisitor final : public TreeVisitor {
 public:
-    explicit SizeVisitor(std::size_t roots) : totals_(roots, 0) {}
+    explicit SizeVisitor(std::size_t roots) : totals_(roots) {}
 
     void file(const WalkedFolder& folder, const DirectoryEntry& entry, const Place*) override {
         add(folder, entry);
@@ -28,22 +29,30 @@ public:
         add(folder, entry);
     }
 
-    std::int64_t total(std::size_t root) const { return totals_[root]; }
+    const FolderMeasure& total(std::size_t root) const { return totals_[root]; }
 
 private:
     void add(const WalkedFolder& folder, const DirectoryEntry& entry) {
-        if (entry.logicalSize <= 0) return;
-        std::int64_t& total = totals_[folder.root()];
-        total = sum(total, entry.logicalSize);
+        FolderMeasure& total = totals_[folder.root()];
+        total.newest = std::max(total.newest, entry.modified);
+        if (entry.logicalSize > 0) total.bytes = sum(total.bytes, entry.logicalSize);
     }
 
-    std::vector<std::int64_t> totals_;
+    std::vector<FolderMeasure> totals_;
 };
 
 }  // namespace
 
 std::vector<std::optional<std::int64_t>> folderSizes(DirectoryReader& reader,
                                                      const std::vector<std::string>& folders) {
+    std::vector<std::optional<std::int64_t>> sizes;
+    for (const auto& measure : folderMeasures(reader, folders))
+        sizes.push_back(measure ? std::optional(measure->bytes) : std::nullopt);
+    return sizes;
+}
+
+std::vector<std::optional<FolderMeasure>> folderMeasures(DirectoryReader& reader,
+                                                         const std::vector<std::string>& folders) {
     if (folders.empty()) return {};
     std::vector<WalkRoot> roots;
     roots.reserve(folders.size());
@@ -59,12 +68,14 @@ std::vector<std::optional<std::int64_t>> folderSizes(DirectoryReader& reader,
     }
     const TreeWalk::Result walked = TreeWalk(reader).run(roots, visitors, {.sizeEveryEntry = true});
 
-    std::vector<std::optional<std::int64_t>> totals(roots.size());
+    std::vector<std::optional<FolderMeasure>> totals(roots.size());
     for (std::size_t root = 0; root < roots.size(); ++root) {
         if (walked.rootErrors[root] != 0) continue;
-        std::int64_t total = 0;
-        for (const auto& visitor : sizes)
-            total = sum(total, visitor->total(root));
+        FolderMeasure total;
+        for (const auto& visitor : sizes) {
+            total.bytes = sum(total.bytes, visitor->total(root).bytes);
+            total.newest = std::max(total.newest, visitor->total(root).newest);
+        }
         totals[root] = total;
     }
     return totals;

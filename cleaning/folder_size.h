@@ -21,4 +21,14 @@ namespace velto {
 std::vector<std::optional<std::int64_t>> folderSizes(DirectoryReader& reader,
                                                      const std::vector<std::string>& folders);
 
+/// What is known of a folder once everything below it has been met.
+struct FolderMeasure {
+    std::int64_t bytes = 0;  // logical, as above
+    double newest = 0;       // last change of anything inside, seconds since 1970; 0: nothing tells
+};
+
+/// The same walk, with the dates that it meets anyway. The folder's own date is no part of it.
+std::vector<std::optional<FolderMeasure>> folderMeasures(DirectoryReader& reader,
+                                                         const std::vector<std::string>& folders);
+
 }  // namespace velto

@@ -51,6 +51,18 @@ TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {
     EXPECT_EQ(list[1].size(), 5u);
 }
 
+TEST_F(CleaningIntents, WhatHasChangedInsideIsToldBeforeThem) {
+    const auto now = static_cast<std::int64_t>(machine.clock.time);
+    constexpr std::int64_t day = 86'400;
+    TempHome::File(cache + "/blob").dated(now, now - 2 * day);
+    TempHome::File(cache).dated(now, now - 90 * day);
+    post("scanCleanables");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(lastArgument("onCleanables")[0]["daysOld"], 90);
+    EXPECT_EQ(lastArgument("onCleanableAges"), json({{cache, 2}}));
+    EXPECT_THAT(page->scripts[1], HasSubstr("onCleanableAges("));
+}
+
 TEST_F(CleaningIntents, HowCertainEachCacheIsComesBeforeThem) {
     machine.grantAccess();
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);

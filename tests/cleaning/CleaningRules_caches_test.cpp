@@ -23,6 +23,21 @@ TEST_F(CleaningRulesCachesTest, AFolderOfExactlyTheLimitIsProposedAndOneByteLess
                                                      .label = "Caché de com example App."}));
 }
 
+TEST_F(CleaningRulesCachesTest, AFileChangedTodayDeepInAnOldFolderMakesItYoung) {
+    const std::string used = folderOf("Library/Caches/used", 60'000'000, 62);
+    const std::string left = folderOf("Library/Caches/left", 60'000'000, 62);
+    home().text("Library/Caches/used/a/b/now", "x").dated(now(), now() - 3 * day);
+    for (const char* name : {"used/data", "used/a/b", "used/a", "used", "left/data", "left"}) {
+        TempHome::File(home().path(std::string("Library/Caches/") + name))
+            .dated(now(), now() - 62 * day);
+    }
+    const auto found = discoverAll();
+    ASSERT_THAT(found, SizeIs(2));
+    for (const Candidate& candidate : found)
+        EXPECT_EQ(candidate.daysOld, 62) << "the record tells the folder's own date";
+    EXPECT_EQ(rules.agesInside(found), (CleaningRules::Ages{{used, 3}}));
+}
+
 TEST_F(CleaningRulesCachesTest, ManySmallFilesAddUpToTheByte) {
     for (int index = 0; index < 125; ++index) {
         home().sparse("Library/Caches/exact/" + std::to_string(index), 400'000);

@@ -78,6 +78,11 @@ export function cleanableFacts(value: unknown): CleanableFacts {
   return new Map(facts);
 }
 
+/** An age that cannot be read counts as none at all: only what is known to be old is preselected. */
+export function cleanableAges(value: unknown): Map<string, number> {
+  return new Map(Object.entries(fieldsOf(value) ?? {}).map(([path, days]) => [path, Math.max(0, Math.trunc(number(days)))]));
+}
+
 function maintenanceRule(fields: Fields): MaintenanceRule {
   const isMeasured = typeof fields.items === 'number' && typeof fields.gb === 'number';
   return {

@@ -42,12 +42,16 @@ const readers: Readers = {
     return read && [read, readStamp(stamp)];
   },
   onScanProgress: ([files, gb]) => [guards.number(files), guards.number(gb)],
+  onAnalysisPhase: ([value]) => {
+    const fields = guards.fieldsOf(value);
+    return fields && [fields.phase === 'comparing' ? 'comparing' : 'counting', guards.number(fields.files), guards.number(fields.gb)];
+  },
   onPermissions: ([value]) => [guards.permissions(value)],
 };
 
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
-  'toast', 'onExclusions', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
+  'toast', 'onExclusions', 'onCleanableAges', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState', 'onTrashChanged',
   'onTrashWaiting', 'onRefused', 'onSelection', 'onRestoreBlocked', 'onFolder', 'onFolderSearch', 'onFolderGrowth', 'onGrowth',
   'onHome', 'onHomeFolders', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',

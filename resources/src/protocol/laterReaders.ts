@@ -22,6 +22,7 @@ export const laterReaders: LaterReaders = {
     return measurement && [measurement];
   },
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
+  onCleanableAges: ([ages]) => [cleaningGuards.cleanableAges(ages)],
   onCleanableFacts: ([facts]) => [cleaningGuards.cleanableFacts(facts)],
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],

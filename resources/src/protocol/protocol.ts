@@ -91,11 +91,15 @@ export interface Intents {
 
 export type IntentName = keyof Intents;
 
+export type AnalysisPhase = 'counting' | 'comparing';
+
 /** Event name to the arguments it is called with. */
 export interface Events {
   setState: [state: DiskState, stamp: number | undefined];
   onScanStarted: [];
   onScanProgress: [files: number, gb: number];
+  /** What the analysis is at; while files are compared, how many it has looked into and how much it has read. */
+  onAnalysisPhase: [phase: AnalysisPhase, files: number, gb: number];
   onScanFinished: [];
   /** Comes before the event that ends the analysis: it was stopped, it did not fail. */
   onAnalysisStopped: [];
@@ -114,6 +118,8 @@ export interface Events {
   onFolderGrowth: [growth: FolderGrowth];
   onGrowth: [growth: Growth];
   onCleanables: [candidates: Cleanable[]];
+  /** Whole days by path: what has changed inside since. Comes before the list. */
+  onCleanableAges: [ages: ReadonlyMap<string, number>];
   onCleanableFacts: [facts: CleanableFacts];
   onTrashState: [items: TrashItem[]];
   /** Comes before the `onTrashState` that may hold some of the same items. */

@@ -19,6 +19,7 @@ class Cleanables {
   outdated = $state(false);
   /** Everything that was proposed has been moved. */
   emptied = $state(false);
+  private ages: ReadonlyMap<string, number> = new Map();
   private timers: ReturnType<typeof setTimeout>[] = [];
 
   readonly looking: boolean = $derived(this.phase === 'looking' || this.phase === 'late');
@@ -44,10 +45,19 @@ class Cleanables {
     this.facts = facts;
   }
 
+  receiveAges(ages: ReadonlyMap<string, number>): void {
+    this.ages = ages;
+  }
+
+  /** A folder's own date tells only what came into it and left it: what has changed inside counts. */
+  private withAgesInside(list: Cleanable[]): Cleanable[] {
+    return list.map((item) => ({ ...item, daysOld: Math.min(item.daysOld, this.ages.get(item.path) ?? item.daysOld) }));
+  }
+
   receive(list: Cleanable[]): void {
     this.stopTimers();
     this.phase = 'idle';
-    this.list = list;
+    this.list = this.withAgesInside(list);
     this.emptied = false;
   }
 

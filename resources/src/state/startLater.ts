@@ -36,6 +36,7 @@ export function startLater(): void {
       onLinkedCopies: (groups) => (session.linked = groups),
       onMeasurement: (measurement) => (session.measurement = measurement),
       onExclusions: (paths) => (session.exclusions = paths),
+      onCleanableAges: (ages) => cleanables.receiveAges(ages),
       onCleanableFacts: (facts) => cleanables.receiveFacts(facts),
       onCleanables: (candidates) => cleanables.receive(candidates),
       onMaintenance: (status) => session.receiveMaintenance(status),

@@ -51,6 +51,18 @@ describe('cleanup', () => {
     });
   });
 
+  it('shows and proposes by what has changed inside, not by the date of the folder alone', async () => {
+    await withPage(async (opened) => {
+      await opened.go('limpieza');
+      await opened.tell('onCleanableAges', { [renderCache]: 0, [`${home}/Library/Caches/com.example.music-player.ShipIt`]: 31 });
+      await opened.tell('onCleanables', someCleanables());
+      const row = opened.page.locator(`[data-key="${renderCache}"]`);
+      expect(await row.textContent()).toContain('Changed today');
+      expect(await row.getAttribute('aria-selected')).toBe('false');
+      expect(await opened.page.locator('[data-key$="ShipIt"]').getAttribute('aria-selected')).toBe('true');
+    });
+  });
+
   it('says of each cache how certain it is, and leaves what is only possible unselected', async () => {
     await withPage(async (opened) => {
       await opened.go('limpieza');
