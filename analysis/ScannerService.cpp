@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <utility>
 
 #include <fmt/format.h>
@@ -34,6 +35,31 @@ BigFile bigFile(const ScanWorker::BigFileFound& found, double now) {
     file.isProtected = isProtectedPath(found.path);
     return file;
 }
+
+/// The same for the comparison, whose threads report by themselves; one that meets another at it
+/// goes on instead of waiting.
+class ComparisonPacer {
+public:
+    ComparisonPacer(const Clock& clock, const ScannerService::Comparing& comparing)
+        : clock_(clock), comparing_(comparing), last_(clock.monotonic()) {
+        if (comparing_) comparing_(0, 0);
+    }
+
+    void report(std::int64_t files, std::int64_t bytes) {
+        const std::unique_lock turn(lock_, std::try_to_lock);
+        if (!turn.owns_lock()) return;
+        const double now = clock_.monotonic();
+        if (now - last_ <= progressInterval) return;
+        last_ = now;
+        comparing_(files, gigabytes(bytes));
+    }
+
+private:
+    const Clock& clock_;
+    const ScannerService::Comparing& comparing_;
+    std::mutex lock_;
+    double last_;
+};
 
 /// Calls the progress callback, but no more than once every interval.
 class ProgressPacer {
@@ -69,7 +95,8 @@ ScannerService::ScannerService(Platform& platform, const PermissionService& perm
       threads_(threads == 0 ? processorCount() : threads) {}
 
 AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
-                                    const CancellationFlag& cancelled, const Progress& progress) {
+                                    const CancellationFlag& cancelled, const Progress& progress,
+                                    const Comparing& comparing) {
     static_cast<WalkTotals&>(*this) = WalkTotals();
     unreadable_ = 0;
     folders_ = nullptr;
@@ -88,8 +115,11 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
             withheld.push_back(location.path);
         }
     }
+    ComparisonPacer pacer(*platform_.clock, comparing);
+    DupFinder::Progress compared;
+    if (comparing) compared = [&](auto files, auto bytes) { pacer.report(files, bytes); };
     AnalysisOutput output =
-        postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled);
+        postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled, compared);
     output.measurement.withheld = std::move(withheld);
     output.measurement.excluded = excluded;
     if (folders_) addFolders(output.measurement, *folders_, hiddenBytes_);

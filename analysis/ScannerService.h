@@ -31,6 +31,10 @@ public:
     /// at most once every 0.2 seconds.
     using Progress = std::function<void(std::int64_t files, double gb)>;
 
+    /// The files of equal size looked into so far and the gigabytes read of them: once when their
+    /// comparison begins, then at most every 0.2 seconds, from one thread at a time of several.
+    using Comparing = std::function<void(std::int64_t files, double gb)>;
+
     /// The platform and the service outlive the scanner. `threads` 0: one per processor.
     ScannerService(Platform& platform, const PermissionService& permissions,
                    std::size_t threads = 0);
@@ -39,7 +43,7 @@ public:
     /// out. Blocks; not on the main thread. Throws CancellationError. A home that cannot be read is
     /// fatal.
     AnalysisOutput scan(const std::vector<std::string>& excluded, const CancellationFlag& cancelled,
-                        const Progress& progress);
+                        const Progress& progress, const Comparing& comparing = {});
 
     /// Every folder of the last walk with what it holds, null before one and after a cancelled one.
     std::shared_ptr<const FolderTree> folders() const { return folders_; }

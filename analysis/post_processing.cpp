@@ -105,7 +105,7 @@ std::vector<DupGroup> duplicateGroups(const std::vector<DupFinder::Group>& group
 
 AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::int64_t unreadable,
                            std::vector<std::string> protectedLocations,
-                           const CancellationFlag& cancelled) {
+                           const CancellationFlag& cancelled, const DupFinder::Progress& progress) {
     if (unreadable > 0) {
         platform.log->line(
             fmt::format("Velto escáner: {} elementos no legibles (omitidos)", unreadable));
@@ -122,8 +122,9 @@ AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::in
     output.files = largestFiles(totals.catTop);
 
     const DupFinder finder(*platform.clock, *platform.contents);
-    const DupFinder::Result duplicates =
-        finder.find(totals.fileList, [&] { return cancelled.isCancelled(); });
+    const DupFinder::Result duplicates = finder.find(
+        totals.fileList, [&] { return cancelled.isCancelled(); }, DupFinder::Budget::twelveSeconds,
+        progress);
     if (duplicates.budgetExhausted) {
         platform.log->line(
             "Velto ▶ duplicados: presupuesto de tiempo agotado, se devuelve lo comprobado");

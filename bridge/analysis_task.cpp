@@ -40,12 +40,17 @@ void JSBridge::startAnalysis() {
             if (const auto bridge = weak.lock()) bridge->evaluate(events::scanProgress(files, gb));
         });
     };
+    const auto comparing = [&dispatcher, weak](std::int64_t files, double gb) {
+        dispatcher.main([weak, script = events::analysisPhase("comparing", files, gb)] {
+            if (const auto bridge = weak.lock()) bridge->evaluate(script);
+        });
+    };
     dispatcher.global(
         QualityOfService::userInitiated,
-        [scanner = scanner_, excluded = analysisExcluded_, cancelled, end, progress] {
+        [scanner = scanner_, excluded = analysisExcluded_, cancelled, end, progress, comparing] {
             try {
                 const auto output = std::make_shared<const AnalysisOutput>(
-                    scanner->scanner.scan(excluded, cancelled, progress));
+                    scanner->scanner.scan(excluded, cancelled, progress, comparing));
                 end([output](JSBridge& bridge) { bridge.finishAnalysis(*output); });
             } catch (const CancellationError&) {
                 end([](JSBridge& bridge) { bridge.failAnalysis("Velto ▶ análisis cancelado"); });

@@ -5,8 +5,9 @@
 namespace velto {
 
 DupFinder::Result DupFinder::find(const std::vector<FileRecord>& files,
-                                  const std::function<bool()>& stopped, Budget budget) const {
-    return DupSearch(files, clock_, contents_, threads_, stopped, budget).run();
+                                  const std::function<bool()>& stopped, Budget budget,
+                                  const Progress& progress) const {
+    return DupSearch(files, clock_, contents_, threads_, stopped, budget, progress).run();
 }
 
 }  // namespace velto

@@ -38,6 +38,10 @@ public:
     /// How long whole files are read.
     enum class Budget { twelveSeconds, unlimited };
 
+    /// Told from several threads, after each file and each part of one: how many files of equal
+    /// size have been looked into so far, and the bytes read of all of them.
+    using Progress = std::function<void(std::int64_t files, std::int64_t bytes)>;
+
     /// Smaller files are not compared: more than a million bytes, on purpose.
     static constexpr std::int64_t smallestSize = 1'000'001;
 
@@ -50,7 +54,7 @@ public:
     /// from several threads before each file and between its chunks, ends the search early, as the
     /// end of the budget does.
     Result find(const std::vector<FileRecord>& files, const std::function<bool()>& stopped = {},
-                Budget budget = Budget::twelveSeconds) const;
+                Budget budget = Budget::twelveSeconds, const Progress& progress = {}) const;
 
 private:
     const Clock& clock_;

@@ -20,23 +20,6 @@ constexpr std::size_t sampleLength = 4096;
 constexpr std::size_t chunkLength = 1024 * 1024;
 constexpr std::size_t filesAtOnce = 64;  // hashed before their groups are settled
 
-/// Reads until `buffer` is full or the file ends. Nothing on a read error.
-std::optional<std::span<const std::byte>> readFrom(FileContent& content, std::int64_t offset,
-                                                   std::span<std::byte> buffer) {
-    std::size_t filled = 0;
-    while (filled < buffer.size()) {
-        const std::ptrdiff_t count =
-            content.read(offset + static_cast<std::int64_t>(filled), buffer.subspan(filled));
-        if (count == 0) break;
-        if (count > 0) {
-            filled += static_cast<std::size_t>(count);
-        } else if (errno != EINTR) {
-            return std::nullopt;
-        }
-    }
-    return buffer.first(filled);
-}
-
 /// `sets` divided by `keyOf` each file; what ends up alone, or has no key, is dropped.
 template <typename KeyOf>
 std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std::size_t>>& sets,
@@ -57,12 +40,14 @@ std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std:
 
 DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
                      FileContentReader& contents, std::size_t threads,
-                     const std::function<bool()>& stopped, DupFinder::Budget budget)
+                     const std::function<bool()>& stopped, DupFinder::Budget budget,
+                     const DupFinder::Progress& progress)
     : files_(files),
       clock_(clock),
       contents_(contents),
       stopped_(stopped),
       budget_(budget),
+      progress_(progress),
       tools_(threads == 0 ? processorCount() : threads),
       keys_(files.size()) {
     for (Tools& tools : tools_) {
@@ -150,6 +135,8 @@ DupFinder::Group DupSearch::group(const Set& set) const {
 
 DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
     if (shouldStop()) return {};
+    if (test == &DupSearch::firstBytes) ++filesSeen_;
+    tell();
     const auto content = contents_.open(files_[file].path);
     if (!content) return {true, {}};
     const std::int64_t size = content->size();
@@ -194,6 +181,30 @@ std::string DupSearch::wholeContent(FileContent& content, std::int64_t size, Too
     }
     std::string hash = tools.sha256->finish();
     return content.size() == size ? hash : std::string();
+}
+
+/// Reads until `buffer` is full or the file ends. Nothing on a read error.
+std::optional<std::span<const std::byte>> DupSearch::readFrom(FileContent& content,
+                                                              std::int64_t offset,
+                                                              std::span<std::byte> buffer) {
+    std::size_t filled = 0;
+    while (filled < buffer.size()) {
+        const std::ptrdiff_t count =
+            content.read(offset + static_cast<std::int64_t>(filled), buffer.subspan(filled));
+        if (count == 0) break;
+        if (count > 0) {
+            filled += static_cast<std::size_t>(count);
+            bytesRead_ += count;
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+    tell();
+    return buffer.first(filled);
+}
+
+void DupSearch::tell() const {
+    if (progress_) progress_(filesSeen_, bytesRead_);
 }
 
 /// True once the time is used up or the caller wants no more.

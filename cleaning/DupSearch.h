@@ -20,7 +20,8 @@ namespace velto {
 class DupSearch {
 public:
     DupSearch(const std::vector<FileRecord>& files, const Clock& clock, FileContentReader& contents,
-              std::size_t threads, const std::function<bool()>& stopped, DupFinder::Budget budget);
+              std::size_t threads, const std::function<bool()>& stopped, DupFinder::Budget budget,
+              const DupFinder::Progress& progress);
 
     DupFinder::Result run();
 
@@ -50,6 +51,9 @@ private:
     std::string samples(FileContent& content, std::int64_t size, Tools& tools);
     std::string wholeContent(FileContent& content, std::int64_t size, Tools& tools);
 
+    std::optional<std::span<const std::byte>> readFrom(FileContent& content, std::int64_t offset,
+                                                       std::span<std::byte> buffer);
+    void tell() const;
     bool shouldStop();
 
     const std::vector<FileRecord>& files_;
@@ -57,10 +61,13 @@ private:
     FileContentReader& contents_;
     const std::function<bool()>& stopped_;
     const DupFinder::Budget budget_;
+    const DupFinder::Progress& progress_;
     std::vector<Tools> tools_;        // by thread
     std::vector<Key> keys_;           // by file, of the test that was applied last
     Set left_;                        // what the search did not get through
     std::optional<double> deadline_;  // on the monotonic clock; none before the full-hash stage
+    std::atomic<std::int64_t> filesSeen_{0};
+    std::atomic<std::int64_t> bytesRead_{0};
     std::atomic<bool> stopping_{false};
     std::atomic<bool> budgetExhausted_{false};
 };

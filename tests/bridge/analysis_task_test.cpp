@@ -73,6 +73,23 @@ TEST_F(AnalysisTask, AFinishedAnalysisIsSavedBeforeThePageHearsOfIt) {
     EXPECT_FALSE(bridge->scanTask);
 }
 
+TEST_F(AnalysisTask, TheComparisonIsAPhaseOfItsOwnBetweenTheCountAndTheEnd) {
+    open();
+    load();
+    machine.dispatcher.runAll();
+    const auto& phases = page->calls("onAnalysisPhase");
+    ASSERT_FALSE(phases.empty());
+    EXPECT_THAT(phases.front(),
+                HasSubstr(R"(onAnalysisPhase({"phase":"comparing","files":0,"gb":0.0});)"));
+    const auto at = [&](const char* callback) {
+        return std::ranges::find_if(page->scripts, [&](const std::string& script) {
+            return script.find(callback) != std::string::npos;
+        });
+    };
+    EXPECT_LT(at("onScanStarted("), at("onAnalysisPhase("));
+    EXPECT_LT(at("onAnalysisPhase("), at("onScanFinished("));
+}
+
 TEST_F(AnalysisTask, ASecondScanWhileOneRunsIsIgnored) {
     open();
     post("scan");

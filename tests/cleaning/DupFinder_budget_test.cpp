@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <atomic>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 
@@ -46,6 +48,19 @@ struct DupFinderBudget : testing::Test {
     std::vector<FileRecord> records;
     std::function<bool()> stopped;
 };
+
+TEST_F(DupFinderBudget, TheCountGoesOnWhileOneHugeFileIsRead) {
+    addPair("huge", 9 * megabyte);
+    std::vector<std::pair<std::int64_t, std::int64_t>> told;
+    DupFinder(clock, contents, 1)
+        .find(records, {}, DupFinder::Budget::twelveSeconds,
+              [&](std::int64_t files, std::int64_t bytes) { told.emplace_back(files, bytes); });
+    EXPECT_EQ(told.back().first, 2);
+    EXPECT_GE(told.back().second, 18 * megabyte);
+    EXPECT_TRUE(std::ranges::is_sorted(told));
+    for (std::size_t index = 1; index < told.size(); ++index)
+        EXPECT_THAT(told[index].second - told[index - 1].second, Le(megabyte));
+}
 
 TEST_F(DupFinderBudget, WhatWasCompleteByTheDeadlineIsReturned) {
     addPair("late", 9 * megabyte);

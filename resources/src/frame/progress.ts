@@ -1,8 +1,10 @@
 /** How far an analysis has come, in words. There is no total, so there is no percentage. */
+import type { AnalysisPhase } from '../protocol/protocol.ts';
 import type { Formats } from '../language/formats.ts';
 import type { Dictionary } from '../language/language.svelte.ts';
 
 export interface Progress {
+  scanStage: AnalysisPhase;
   scanFiles: number;
   scanGb: number;
   scanStartedAt: number;
@@ -19,5 +21,7 @@ export function progressSentence(
   now: number,
 ): string {
   const time = duration(elapsedSeconds(progress, now));
-  return words.progressStatus(words.filesCounted(progress.scanFiles), size(progress.scanGb), time);
+  const { scanStage: stage, scanFiles, scanGb } = progress;
+  const figures = `${words.filesDone[stage](scanFiles)}, ${words.amountDone[stage](size(scanGb))}`;
+  return words.progressStatus(words.stages[stage], figures, time);
 }

@@ -1,7 +1,7 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
 import type {
-  BigFile, DiskState, ExactSizes, HomeFolders, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange, TrashItem,
-  WaitingItem,
+  AnalysisPhase, BigFile, DiskState, ExactSizes, HomeFolders, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange,
+  TrashItem, WaitingItem,
 } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 import { exactly } from './exactly.ts';
@@ -19,6 +19,10 @@ class Session {
   painted = $state(false);
   access = $state<Access>('unknown');
   scanPhase = $state<ScanPhase>('idle');
+  /** What the running analysis is at; the figures are those of this phase. */
+  scanStage = $state<AnalysisPhase>('counting');
+  /** How many places on screen show how the analysis goes. */
+  scanShown = $state(0);
   scanFiles = $state(0);
   scanGb = $state(0);
   /** Milliseconds since 1970. */

@@ -14,11 +14,17 @@ export function start(): void {
     setState: (state, stamp) => showState(state, stamp),
     onScanStarted: () => {
       session.scanPhase = 'running';
+      session.scanStage = 'counting';
       session.scanFiles = 0;
       session.scanGb = 0;
       session.scanStartedAt = Date.now();
     },
     onScanProgress: (files, gb) => {
+      session.scanFiles = files;
+      session.scanGb = gb;
+    },
+    onAnalysisPhase: (phase, files, gb) => {
+      session.scanStage = phase;
       session.scanFiles = files;
       session.scanGb = gb;
     },

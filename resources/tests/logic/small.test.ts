@@ -24,12 +24,16 @@ describe('the score in a word', () => {
 });
 
 describe('progress', () => {
-  const progress = { scanFiles: 1, scanGb: 2.25, scanStartedAt: 10_000 };
+  const progress = { scanStage: 'counting' as const, scanFiles: 1, scanGb: 2.25, scanStartedAt: 10_000 };
 
   it('says files, size and time, and no percentage', () => {
     const sentence = progressSentence(en.frame, formats.en, progress, 85_000);
-    expect(sentence.replaceAll('\u00a0', ' ')).toBe('Analysis running: 1 file counted, 2.3 GB, 1 min 15 sec so far.');
+    expect(sentence.replaceAll('\u00a0', ' ')).toBe('Analysis running. Counting… 1 file counted, 2.3 GB, 1 min 15 sec so far.');
     expect(sentence).not.toContain('%');
+    const comparing = progressSentence(en.frame, formats.en, { ...progress, scanStage: 'comparing' }, 85_000);
+    expect(comparing.replaceAll('\u00a0', ' ')).toBe(
+      'Analysis running. Comparing files of equal size… 1 file looked into, 2.3 GB read, 1 min 15 sec so far.',
+    );
   });
 
   it('a clock that was put back counts from zero', () => {

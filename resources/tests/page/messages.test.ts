@@ -1,7 +1,7 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { isWhole, launch, open, type OpenPage, type Setting } from '../support/page.ts';
-import { emptyState, fullState } from '../support/states.ts';
+import { emptyState, fullState, inSpanish } from '../support/states.ts';
 
 let browser: Browser;
 
@@ -109,6 +109,34 @@ describe('an analysis', () => {
       expect(await page.locator('.scan').count()).toBe(0);
       expect(await page.locator('p[role="status"]').textContent()).toBe('Analysis finished.');
     });
+  });
+
+  it('is named by its phase, seen and stopped from every view, and its end is told there', async () => {
+    const { page, tell, during, go, close } = await open(browser, { saved: inSpanish(fullState()) });
+    await go('archivos');
+    await tell('onScanStarted');
+    const line = page.getByRole('region', { name: 'Analizando…' });
+    expect(await line.textContent()).toContain('Contando…');
+    await tell('onScanProgress', 1200, 5.5);
+    await tell('onAnalysisPhase', { phase: 'comparing', files: 0, gb: 0 });
+    expect(await line.textContent()).toContain('Comparando archivos de igual tamaño…');
+    expect(await line.textContent()).not.toContain('1200');
+    await tell('onAnalysisPhase', { phase: 'comparing', files: 34, gb: 2.5 });
+    expect((await line.textContent())!.replaceAll('\u00a0', ' ')).toMatch(/34 archivos mirados\s*2,5 GB leídos/);
+    expect(await page.locator('p[role="status"]').textContent()).toContain('Comparando');
+    for (const view of ['papelera', 'ajustes', 'sistema', 'explorar']) {
+      await go(view);
+      expect(await page.getByRole('button', { name: 'Detener' }).count(), view).toBe(1);
+    }
+    await go('inicio');
+    expect(await line.count(), 'the overview shows it itself').toBe(0);
+    await go('historial');
+    expect(await during(() => line.getByRole('button', { name: 'Detener' }).click())).toEqual([{ type: 'stopAnalysis' }]);
+    await tell('onAnalysisStopped');
+    await tell('onScanFailed');
+    expect(await line.count()).toBe(0);
+    expect(await page.locator('.toast').textContent()).toContain('El análisis se ha detenido');
+    await close();
   });
 
   it('that fails leaves the last one standing and says that nothing was lost', async () => {

@@ -54,10 +54,14 @@ export const frame = {
   failedText: 'Nothing was changed and nothing was lost.',
   failedKept: 'What you see is the last analysis that finished.',
   files: (count: number) => plural(count, { one: '# file', other: '# files' }),
-  filesCounted: (count: number) => plural(count, { one: '# file counted', other: '# files counted' }),
+  stages: { counting: 'Counting…', comparing: 'Comparing files of equal size…' },
+  filesDone: {
+    counting: (count: number) => plural(count, { one: '# file counted', other: '# files counted' }),
+    comparing: (count: number) => plural(count, { one: '# file looked into', other: '# files looked into' }),
+  },
+  amountDone: { counting: (size: string) => size, comparing: (size: string) => `${size} read` },
   elapsed: (time: string) => `${time} so far`,
-  progressStatus: (files: string, size: string, time: string) =>
-    `Analysis running: ${files}, ${size}, ${time} so far.`,
+  progressStatus: (stage: string, figures: string, time: string) => `Analysis running. ${stage} ${figures}, ${time} so far.`,
   analysisDone: 'Analysis finished.',
   kinds: { video: 'Media', descarga: 'Download', app: 'App data', doc: 'Document' },
   unknownUse: 'Unknown',

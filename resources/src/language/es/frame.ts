@@ -55,10 +55,16 @@ export const frame: typeof english = {
   failedText: 'No se ha cambiado ni perdido nada.',
   failedKept: 'Lo que ves es el último análisis que terminó.',
   files: (count) => plural(count, { one: '# archivo', many: '# de archivos', other: '# archivos' }),
-  filesCounted: (count) =>
-    plural(count, { one: '# archivo contado', many: '# de archivos contados', other: '# archivos contados' }),
+  stages: { counting: 'Contando…', comparing: 'Comparando archivos de igual tamaño…' },
+  filesDone: {
+    counting: (count) =>
+      plural(count, { one: '# archivo contado', many: '# de archivos contados', other: '# archivos contados' }),
+    comparing: (count) =>
+      plural(count, { one: '# archivo mirado', many: '# de archivos mirados', other: '# archivos mirados' }),
+  },
+  amountDone: { counting: (size) => size, comparing: (size) => `${size} leídos` },
   elapsed: (time) => `${time} hasta ahora`,
-  progressStatus: (files, size, time) => `Análisis en marcha: ${files}, ${size}, ${time} hasta ahora.`,
+  progressStatus: (stage, figures, time) => `Análisis en marcha. ${stage} ${figures}, ${time} hasta ahora.`,
   analysisDone: 'Análisis terminado.',
   kinds: { video: 'Multimedia', descarga: 'Descarga', app: 'Datos de apps', doc: 'Documento' },
   unknownUse: 'Se desconoce',
