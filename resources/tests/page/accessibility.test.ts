@@ -1,7 +1,7 @@
-import type { Browser } from 'playwright-core';
+import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
-import { launch, open, type OpenPage, type Setting } from '../support/page.ts';
+import { launch, open, painted, type OpenPage, type Setting } from '../support/page.ts';
 import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
 import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
 import { someMeasurement, tellMeasurement } from '../support/measurement.ts';
@@ -15,19 +15,34 @@ beforeAll(async () => {
 });
 afterAll(() => browser.close());
 
-const looks = (['light', 'dark'] as const).flatMap((colorScheme) => [
-  { colorScheme, language: 'en', translate: (state: ReturnType<typeof fullState>) => state },
-  { colorScheme, language: 'es', translate: inSpanish },
-]);
+const languages = [
+  { language: 'en', translate: (state: ReturnType<typeof fullState>) => state },
+  { language: 'es', translate: inSpanish },
+];
 
-describe.each(looks)('$language, $colorScheme', ({ colorScheme, translate }) => {
+/** What moves has come to rest and is painted. */
+async function atRest(page: Page): Promise<void> {
+  await page.evaluate(() => Promise.all(document.getAnimations()
+    .filter(({ effect }) => effect?.getComputedTiming().endTime !== Infinity)
+    .map(({ finished }) => finished.catch(() => undefined))));
+  await painted(page);
+}
+
+describe.each(languages)('$language', ({ translate }) => {
+  /** Each view in the light theme, and the very same page in the dark one, where only colours differ. */
   async function check(setting: Setting, views: string[], act?: (opened: OpenPage) => Promise<unknown>): Promise<void> {
-    const opened = await open(browser, { ...setting, context: { colorScheme, reducedMotion: 'reduce', ...setting.context } });
+    const opened = await open(browser, { ...setting, context: { colorScheme: 'light', reducedMotion: 'reduce', ...setting.context } });
+    const { page } = opened;
     for (const view of views) {
       await opened.go(view);
       await act?.(opened);
-      await opened.page.waitForTimeout(100);
-      expect(await violations(opened.page), view).toEqual([]);
+      await atRest(page);
+      expect(await violations(page), `${view}, light`).toEqual([]);
+      await page.emulateMedia({ colorScheme: 'dark' });
+      await atRest(page);
+      // The settings say which theme it is.
+      expect(await violations(page, view === 'ajustes' ? 'all' : 'ofColours'), `${view}, dark`).toEqual([]);
+      await page.emulateMedia({ colorScheme: 'light' });
     }
     await opened.close();
     expect(opened.complaints).toEqual([]);

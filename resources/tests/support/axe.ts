@@ -10,13 +10,16 @@ interface Violation {
   nodes: { html: string; failureSummary?: string }[];
 }
 
+/** What a theme can change of a page: its colours. */
+const ofColours = ['color-contrast', 'link-in-text-block'];
+
 /** One line a violation; an empty list is what every view owes. */
-export async function violations(page: Page): Promise<string[]> {
-  await page.evaluate(source);
-  const found = await page.evaluate(async () => {
+export async function violations(page: Page, rules: 'all' | 'ofColours' = 'all'): Promise<string[]> {
+  if (await page.evaluate(() => !('axe' in window))) await page.evaluate(source);
+  const found = await page.evaluate(async (named) => {
     const axe = (window as unknown as { axe: { run(options: object): Promise<{ violations: unknown }> } }).axe;
-    return (await axe.run({ preload: false })).violations;
-  });
+    return (await axe.run({ preload: false, ...(named && { runOnly: { type: 'rule', values: named } }) })).violations;
+  }, rules === 'ofColours' ? ofColours : null);
   return (found as Violation[]).flatMap(({ id, nodes }) =>
     nodes.map(({ html, failureSummary }) => `${id}: ${html.slice(0, 160)} ${failureSummary ?? ''}`),
   );
