@@ -8,7 +8,7 @@ namespace velto::window {
 namespace {
 
 /// The kernel gives a node of this name to what can compute pictures; a device that can only show
-/// them (an emulated screen, for one) has a "renderD" alone.
+/// them (an emulated screen, for one) has a "card" alone.
 constexpr std::string_view renderNode = "renderD";
 
 /// What the drivers take for a yes.
