@@ -66,8 +66,12 @@ void AnalysisLists::noteBack(const std::vector<std::string>& paths) {
 }
 
 bool AnalysisLists::hasGoneSince(const std::string& path, Mark mark) const {
-    const auto found = gone_.find(standardizedPath(path));
-    return found != gone_.end() && found->second > mark;
+    for (std::string at = standardizedPath(path); !at.empty(); at.resize(at.rfind('/'))) {
+        const auto found = gone_.find(at);
+        if (found != gone_.end() && found->second > mark) return true;
+        if (at.find('/') == std::string::npos) break;
+    }
+    return false;
 }
 
 bool AnalysisLists::show(DiskState& state) const {

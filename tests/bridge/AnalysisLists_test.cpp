@@ -70,6 +70,14 @@ TEST_F(Lists, AnAnalysisForgetsWhatHadGoneBeforeItBegan) {
     EXPECT_FALSE(lists.hasGoneSince("/h/c", 0));
 }
 
+TEST_F(Lists, WhatLiesInAFolderHasGoneWithIt) {
+    const auto begun = lists.mark();
+    lists.noteGone({"/h/Caches"});
+    EXPECT_TRUE(lists.hasGoneSince("/h/Caches/com.example.App", begun));
+    EXPECT_FALSE(lists.hasGoneSince("/h/CachesToo/com.example.App", begun));
+    EXPECT_FALSE(lists.hasGoneSince("/h/Caches/com.example.App", lists.mark()));
+}
+
 TEST_F(Lists, SizesAreTheOnesThatThePageShows) {
     EXPECT_EQ(lists.sizeOf("/h/Movies/a"), 3);
     EXPECT_EQ(lists.sizeOf("/h/one"), 12.5);

@@ -1,4 +1,5 @@
 /** What the program proposes to clean up. There is no failure to hear of, only an answer that does not come. */
+import { hasGoneWith } from '../names/gone.ts';
 import { send } from '../protocol/connection.ts';
 import type { Cleanable, CleanableFacts } from '../protocol/protocol.ts';
 
@@ -61,11 +62,11 @@ class Cleanables {
     this.emptied = false;
   }
 
-  /** Takes out what lies in Velto Trash now. */
+  /** Takes out what lies in Velto Trash now, with a folder all that is in it. */
   forget(paths: readonly string[]): void {
     if (!this.list) return;
     const gone = new Set(paths);
-    const left = this.list.filter(({ path }) => !gone.has(path));
+    const left = this.list.filter(({ path }) => !hasGoneWith(path, gone));
     this.emptied ||= this.list.length > 0 && left.length === 0;
     this.list = left;
   }

@@ -1,4 +1,5 @@
 /** What applications have left behind that are not installed any more. Nothing waits for it: it comes, or it does not. */
+import { hasGoneWith } from '../names/gone.ts';
 import { send } from '../protocol/connection.ts';
 import type { LeftBehindItem } from '../protocol/protocol.ts';
 import { onMac } from './platform.ts';
@@ -26,10 +27,11 @@ class LeftBehind {
     this.items = items;
   }
 
-  /** Takes out what lies in Velto Trash now. */
+  /** Takes out what lies in Velto Trash now, with a folder all that is in it. */
   forget(paths: readonly string[]): void {
     const gone = new Set(paths);
-    if (this.items.some(({ path }) => gone.has(path))) this.items = this.items.filter(({ path }) => !gone.has(path));
+    const left = this.items.filter(({ path }) => !hasGoneWith(path, gone));
+    if (left.length < this.items.length) this.items = left;
   }
 }
 

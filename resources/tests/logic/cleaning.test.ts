@@ -3,12 +3,35 @@ import { laterEn as en } from '../../src/language/en/later.ts';
 import { laterEs as es } from '../../src/language/es/later.ts';
 import { shortInMiddle } from '../../src/names/middle.ts';
 import { cleanableFacts, cleanables, trashItems } from '../../src/protocol/cleaningGuards.ts';
+import { cleanables as proposed } from '../../src/state/cleanables.svelte.ts';
+import { leftBehind } from '../../src/state/leftBehind.svelte.ts';
 import { daysLeft, operationsOf } from '../../src/state/operations.ts';
 import { groupLosingAll } from '../../src/state/removal.ts';
 import { chartOf, monthsOf } from '../../src/views/historial/months.ts';
 import { groupsOf, nameOf, preselected } from '../../src/views/limpieza/candidates.ts';
 import { cleanable, cleanableFacts as factsOf, historyEntry, someCleanables, trashItem } from '../support/cleaning.ts';
 import { duplicateGroup, home } from '../support/states.ts';
+
+describe('what lies in a folder that has moved', () => {
+  const moved = [`${home}/Library/Caches`];
+
+  it('is no candidate any more', () => {
+    const inside = cleanable('caches', 'Library/Caches/org.example.Render', 1, 50);
+    const beside = cleanable('caches', 'Library/Caches2/x', 1, 50);
+    proposed.receive([inside, beside]);
+    proposed.forget(moved);
+    expect(proposed.list).toEqual([beside]);
+    proposed.forget([beside.path]);
+    expect([proposed.list, proposed.emptied]).toEqual([[], true]);
+  });
+
+  it('is not left behind any more', () => {
+    const item = (path: string) => ({ path, identifier: 'x', why: 'flatpak' as const, gb: 1, last: 0 });
+    leftBehind.receive([item(`${home}/Library/Caches/x`), item(`${home}/.var/app/x`)]);
+    leftBehind.forget(moved);
+    expect(leftBehind.items.map(({ path }) => path)).toEqual([`${home}/.var/app/x`]);
+  });
+});
 
 describe('cleaning candidates', () => {
   it('stand by rule, in the order of the rules, largest first', () => {
