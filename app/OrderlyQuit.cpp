@@ -34,8 +34,8 @@ void OrderlyQuit::tellUser() {
     const std::string_view body = uninstalls_.isTaken()
                                       ? language_.text("Está desinstalando una aplicación.",
                                                        "It is uninstalling an application.")
-                                      : language_.text("Está moviendo o borrando archivos.",
-                                                       "It is moving or deleting files.");
+                                      : language_.text("Está terminando lo que ha empezado.",
+                                                       "It is finishing what it has begun.");
     platform_.notifications->post("velto.quit." + newUUID(), std::string(title), std::string(body));
 }
 

@@ -98,7 +98,7 @@ TEST_F(OrderlyQuitTest, WithoutAWindowANotificationSaysItInTheUsersLanguage) {
     EXPECT_FALSE(request("quit"));
     ASSERT_THAT(machine.notifications.posted, SizeIs(1));
     EXPECT_EQ(machine.notifications.posted[0].title, "Velto will quit when it has finished");
-    EXPECT_EQ(machine.notifications.posted[0].body, "It is moving or deleting files.");
+    EXPECT_EQ(machine.notifications.posted[0].body, "It is finishing what it has begun.");
     machine.dispatcher.runGlobal();
     pass(1);
 

@@ -147,7 +147,7 @@ describe('what was not measured', () => {
     expect(told).toContain('12 items could not be read');
     expect(told).toContain('another disk, with 1.4 TB in use there');
     expect(told).toContain('another disk, or a folder on a network');
-    expect(told).toContain('1,234 files were not compared');
+    expect(told).toContain('1,234 files have not been compared yet');
     await section.getByText('12 items').click();
     expect(await text(section)).toContain('nas virtuales/compartido');
     await opened.close();

@@ -17,7 +17,7 @@ describe('the program that is about to quit', () => {
     expect(await notice.count()).toBe(0);
     await tell('onQuitting', { running: 'cleanup' });
     await notice.waitFor();
-    expect(await notice.textContent()).toContain('Files are still being moved or deleted.');
+    expect(await notice.textContent()).toContain('Velto is finishing what it has begun.');
     await page.keyboard.press('Escape');
     await page.keyboard.press('Escape');
     expect(await notice.isVisible()).toBe(true);

@@ -31,7 +31,7 @@ export const frame = {
   cancel: 'Cancel',
   tryAgain: 'Try again',
   quitting: 'Velto is about to quit',
-  quittingCleanup: 'Files are still being moved or deleted. The window closes by itself when that is done.',
+  quittingCleanup: 'Velto is finishing what it has begun. The window closes by itself when that is done.',
   quittingUninstall: 'An application is still being uninstalled. The window closes by itself when that is done.',
   analyse: 'Analyze disk',
   analysing: 'Analyzing…',

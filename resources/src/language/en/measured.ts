@@ -42,9 +42,9 @@ export const measured = {
   volume: (gb: number) => `another disk, with ${size(gb)} in use there`,
   volumeUnknown: 'another disk, or a folder on a network',
   compared: (left: number) =>
-    `The comparison of files stopped after 12 seconds: ${plural(left, {
-      one: '# file was not compared',
-      other: '# files were not compared',
+    `${plural(left, {
+      one: '# file has not been compared yet',
+      other: '# files have not been compared yet',
     })}, so there may be duplicates that are not listed.`,
   comparedAgain: 'Analyze again to be able to go on.',
   compareOn: 'Compare the rest',

@@ -32,7 +32,7 @@ export const frame: typeof english = {
   cancel: 'Cancelar',
   tryAgain: 'Intentar de nuevo',
   quitting: 'Velto está a punto de cerrarse',
-  quittingCleanup: 'Todavía se están moviendo o borrando archivos. La ventana se cerrará sola cuando acabe.',
+  quittingCleanup: 'Velto está terminando lo que ha empezado. La ventana se cerrará sola cuando acabe.',
   quittingUninstall: 'Todavía se está desinstalando una aplicación. La ventana se cerrará sola cuando acabe.',
   analyse: 'Analizar disco',
   analysing: 'Analizando…',

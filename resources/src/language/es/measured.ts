@@ -48,10 +48,10 @@ export const measured: typeof english = {
   volume: (gb) => `otro disco, con ${size(gb)} en uso`,
   volumeUnknown: 'otro disco, o una carpeta de la red',
   compared: (left) =>
-    `La comparación de archivos se detuvo a los 12 segundos: ${plural(left, {
-      one: 'quedó # archivo sin comparar',
-      many: 'quedaron # de archivos sin comparar',
-      other: 'quedaron # archivos sin comparar',
+    `${plural(left, {
+      one: 'Queda # archivo sin comparar',
+      many: 'Quedan # de archivos sin comparar',
+      other: 'Quedan # archivos sin comparar',
     })}, así que puede haber duplicados que no aparecen.`,
   comparedAgain: 'Analiza de nuevo para poder continuar.',
   compareOn: 'Comparar el resto',
