@@ -39,9 +39,6 @@ public:
     /// A reset: there are none any more.
     void forget();
 
-    /// Those of the last analysis, null without one and until they are loaded.
-    const Folders& folders() const { return folders_; }
-
     /// Runs `work` on the main thread once loading has ended, which it begins; at once when it has.
     void whenLoaded(std::function<void()> work);
 

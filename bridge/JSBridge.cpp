@@ -118,7 +118,6 @@ void JSBridge::attach(const std::shared_ptr<WebView>& view) {
     refreshTrash();
     systemIntents_->sendSamples();
     if (!bootState) return;
-    measurementIntents_->lookAtSaved(bootState->state, bootState->stamp);
     if (const auto script = events::bootstrap(bootState->state, bootState->stamp)) {
         view->addUserScript(*script);
     }
@@ -132,7 +131,8 @@ void JSBridge::applyBootState() {
                     bootState ? bootState->state.files.size() : 0));
     measurementIntents_->tellAll();
     pushState();
-    if (bootState) folderIntents_->load();  // not before the page has something to show
+    // Not before the page has something to show.
+    if (bootState) measurementIntents_->lookAtSaved(bootState->state, bootState->stamp);
     isWaitingForTrash_ = true;
     if (trash_) finishBoot();
 }

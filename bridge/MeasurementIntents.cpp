@@ -22,6 +22,7 @@ MeasurementIntents::MeasurementIntents(const Context& context)
 MeasurementIntents::~MeasurementIntents() { endComparison(); }
 
 void MeasurementIntents::lookAtSaved(const DiskState& state, double stamp) {
+    if (std::exchange(hasLooked_, true)) return;
     stamp_ = stamp;
     Platform& platform = context_.platform;
     platform.dispatcher->global(
@@ -45,6 +46,7 @@ void MeasurementIntents::lookAtSaved(const DiskState& state, double stamp) {
 
 void MeasurementIntents::takeAnalysis(const AnalysisOutput& output, double stamp, bool remembers) {
     endComparison();
+    hasLooked_ = true;
     details_ = output.details;
     measurement_ = output.measurement;
     uncompared_ = output.uncompared;
@@ -99,7 +101,8 @@ void MeasurementIntents::takeSlice(std::uint64_t run, const Slice& slice) {
     if (measurement_) {
         measurement_->compared = {.complete = uncompared_.empty(),
                                   .left = static_cast<std::int64_t>(uncompared_.size())};
-        if (remembers_) file_.save(*measurement_, stamp_);
+        // Once: a file that is written and synced after each part would hold the window up.
+        if (remembers_ && slice.isLast) file_.save(*measurement_, stamp_);
     }
     if (!part.groups.empty()) {
         details_.copies.insert(part.details.copies.begin(), part.details.copies.end());

@@ -71,6 +71,7 @@ private:
     Context context_;
     MeasurementFile file_;
     bool hasLoaded_ = false;  // the page has
+    bool hasLooked_ = false;  // at what was saved, or there is something newer
     ListDetails details_;
     std::optional<Measurement> measurement_;
     double stamp_ = 0;

@@ -31,8 +31,12 @@ struct SavedMeasurement : TrashFixture {
 };
 
 TEST_F(SavedMeasurement, ThePageLearnsTheHomeAndTheBytesOfASavedAnalysis) {
+    open();
     load();
     EXPECT_EQ(lastArgument(*page, "onHome"), machine.platform.layout.home);
+    EXPECT_TRUE(sizes("files").is_null()) << "no file is looked at while the window opens";
+    EXPECT_EQ(machine.dispatcher.waitingGlobal(), 1u) << "nor are the folders read";
+    machine.dispatcher.runAll();
     EXPECT_EQ(sizes("files"), (json{{film, allocated(film)}, {archive, allocated(archive)}}));
     EXPECT_EQ(sizes("copies"), (json{{copy1, 4}, {copy2, 4}, {copy3, 4}}));
     EXPECT_EQ(count("onMeasurement"), 0u) << "none was saved";
