@@ -6,6 +6,7 @@
 
 #include "bridge/events.h"
 #include "platform/FileManager.h"
+#include "platform/values/path_text.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -43,7 +44,7 @@ std::optional<Reason> objection(const std::optional<std::string>& folder,
 
 void ExclusionIntents::onAddExclusion(const Payload& payload) {
     const auto path = payload::path(payload);
-    if (path && path->starts_with('/')) exclude(*path);
+    if (path && path->starts_with('/')) exclude(*path, Asked::byPath);
 }
 
 void ExclusionIntents::onRemoveExclusion(const Payload& payload) {
@@ -76,11 +77,16 @@ void ExclusionIntents::excludeChosen(const std::string& folder) {
                             context_.language.text(reason->spanish, reason->english));
         return;
     }
-    exclude(*path);
+    exclude(*path, Asked::asAChoice);
 }
 
-void ExclusionIntents::exclude(const std::string& path) {
+/// Of a path that was left out already nothing is new: taking it back would take back the other.
+void ExclusionIntents::exclude(const std::string& path, Asked asked) {
+    const bool isNew = !context_.exclusions.isExcluded(path);
     context_.exclusions.add(path);
+    if (isNew && asked == Asked::byPath) {
+        context_.link.evaluate(events::call("onExcluded", events::literal(pathText(path))));
+    }
     context_.link.toast("Excluido del análisis", "Excluded from the analysis", path);
     tell();
 }

@@ -36,7 +36,9 @@ public:
     void onChooseExclusion(const Payload& payload);
 
 private:
-    void exclude(const std::string& path);
+    enum class Asked { byPath, asAChoice };
+
+    void exclude(const std::string& path, Asked asked);
     void excludeChosen(const std::string& folder);
     void tell();
 

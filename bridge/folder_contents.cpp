@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <functional>
 #include <iterator>
 #include <memory>
@@ -27,8 +28,8 @@ constexpr std::array<std::string_view, 7> stateNames{
 
 std::string_view nameOf(FolderState state) { return stateNames[static_cast<std::size_t>(state)]; }
 
-/// A folder of the tree, opened name by name so that no link leads elsewhere; null when there is
-/// none any more or it is closed.
+/// A folder of the tree, opened name by name so that no link leads elsewhere; null with `errno` set
+/// when there is none any more or it is closed.
 std::shared_ptr<OpenFolder> open(DirectoryReader& reader, const FolderTree& tree,
                                  FolderTree::Index index) {
     std::vector<FolderTree::Index> way;
@@ -39,6 +40,9 @@ std::shared_ptr<OpenFolder> open(DirectoryReader& reader, const FolderTree& tree
         folder = reader.openChild(*folder, tree.name(*next));
     return folder;
 }
+
+/// What opening says of a folder that is not there, or whose name is a link or a file by now.
+bool isAbsence(int error) { return error == ENOENT || error == ENOTDIR || error == ELOOP; }
 
 /// What is in the folder now, by kind.
 struct Listing {
@@ -149,8 +153,11 @@ private:
             if (text_.back() == '}') text_ += ',';
             text_ += R"({"name":)";
             appendPathJson(text_, file->name);
-            add(R"(,"bytes":{},"modified":{},"linked":{}}})", sizeOf(*file),
-                static_cast<std::int64_t>(std::clamp(file->modified, 0.0, 1e15)), file->links > 1);
+            const bool isLinked = file->links > 1;
+            add(R"(,"bytes":{},"modified":{},"linked":{})", sizeOf(*file),
+                static_cast<std::int64_t>(std::clamp(file->modified, 0.0, 1e15)), isLinked);
+            if (isLinked) add(R"(,"inode":"{}")", file->inode);
+            text_ += '}';
         }
         text_ += ']';
     }
@@ -185,10 +192,12 @@ std::string folderContents(DirectoryReader& reader, const MeasuredFolders* measu
     if (state != FolderState::measured) return answer.notFound(nameOf(state), &tree[index]);
 
     Listing listing;
+    errno = 0;
     const auto folder = open(reader, tree, index);
     if (folder) read(reader, *folder, listing);
     if (!folder || !listing.wasRead) {
-        return answer.notFound(nameOf(FolderState::unreadable), &tree[index]);
+        return answer.notFound(isAbsence(errno) ? "gone" : nameOf(FolderState::unreadable),
+                               &tree[index]);
     }
     return answer.contents(tree, index, listing, volumes);
 }

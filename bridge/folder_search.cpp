@@ -55,12 +55,19 @@ private:
     std::string folded_;
 };
 
+/// Of the others nobody knows what they take, or it was not for the analysis to look.
+bool isMeasured(const FolderTree::Folder& folder) {
+    const FolderState state = folder.own.state;
+    return state == FolderState::measured || (state == FolderState::unreadable && folder.bytes > 0);
+}
+
 std::vector<FolderTree::Index> matches(const FolderTree& tree, std::string_view text) {
     std::vector<FolderTree::Index> found;
     Words words(text);
     if (words.empty()) return found;
     for (FolderTree::Index index = 0; index < tree.size(); ++index) {
-        if (words.areIn(lastPathComponent(tree.name(index)))) found.push_back(index);
+        if (isMeasured(tree[index]) && words.areIn(lastPathComponent(tree.name(index))))
+            found.push_back(index);
     }
     return found;
 }

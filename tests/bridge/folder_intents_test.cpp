@@ -1,6 +1,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include <nlohmann/json.hpp>
 
 #include "bridge/BridgeFixture.h"
@@ -84,11 +86,15 @@ struct FolderIntentsTest : BridgeFixture {
         return names;
     }
 
-    std::int64_t allocated(std::string_view path) const {
-        struct stat status {};
-        EXPECT_EQ(lstat(home.path(path).c_str(), &status), 0);
-        return std::int64_t{status.st_blocks} * 512;
+    struct stat status(std::string_view path) const {
+        struct stat found {};
+        EXPECT_EQ(lstat(home.path(path).c_str(), &found), 0);
+        return found;
     }
+    std::int64_t allocated(std::string_view path) const {
+        return std::int64_t{status(path).st_blocks} * 512;
+    }
+    std::int64_t modified(std::string_view path) const { return status(path).st_mtime; }
 };
 
 TEST_F(FolderIntentsTest, AFolderShowsItsFoldersAsMeasuredAndItsFilesAsTheyAre) {
@@ -115,7 +121,7 @@ TEST_F(FolderIntentsTest, AFolderShowsItsFoldersAsMeasuredAndItsFilesAsTheyAre) 
     EXPECT_GT(told["latest"], 1'600'000'000);
     ASSERT_THAT(namesOf(told["folders"]), ElementsAre("albums"));
     nlohmann::json folder = told["folders"][0];
-    EXPECT_EQ(folder["latest"], told["folders"][0]["latest"]);
+    EXPECT_EQ(folder["latest"], std::max(modified("Music/albums"), modified("Music/albums/b.mp3")));
     folder.erase("latest");
     EXPECT_EQ(folder, nlohmann::json({{"name", "albums"},
                                       {"bytes", albums},
@@ -127,6 +133,10 @@ TEST_F(FolderIntentsTest, AFolderShowsItsFoldersAsMeasuredAndItsFilesAsTheyAre) 
     EXPECT_EQ(named(told["entries"], "later.mp3")["bytes"], allocated("Music/later.mp3"));
     EXPECT_EQ(named(told["entries"], "later.mp3")["linked"], false);
     EXPECT_EQ(named(told["entries"], "a.mp3")["linked"], true);
+    const std::string inode = std::to_string(status("Music/a.mp3").st_ino);
+    EXPECT_EQ(named(told["entries"], "a.mp3")["inode"], inode);
+    EXPECT_EQ(named(told["entries"], "again.mp3")["inode"], inode) << "names of one file";
+    EXPECT_FALSE(named(told["entries"], "later.mp3").contains("inode"));
     EXPECT_GT(named(told["entries"], "a.mp3")["modified"], 1'600'000'000);
     EXPECT_EQ(told["more"], 1) << "the link";
 }
@@ -160,7 +170,7 @@ TEST_F(FolderIntentsTest, WhatIsNewIsNamedAndWhatIsGoneIsLeftOut) {
     EXPECT_EQ(inside["state"], "new");
     const nlohmann::json gone = ask(home.path("Music/gone"));
     EXPECT_EQ(gone["found"], false);
-    EXPECT_EQ(gone["state"], "unreadable");
+    EXPECT_EQ(gone["state"], "gone");
     EXPECT_THAT(gone["folders"], IsEmpty());
 }
 
@@ -171,6 +181,7 @@ TEST_F(FolderIntentsTest, AFolderThatHasBecomeALinkIsNotFollowed) {
     machine.platform.files->removeAll(home.path("Music/albums"));
     home.link("Music/albums", home.path("elsewhere"));
     EXPECT_EQ(ask(home.path("Music/albums"))["found"], false);
+    EXPECT_EQ(last("onFolder")["state"], "gone");
     machine.platform.files->removeAll(home.path("Music"));
     home.link("Music", home.path("elsewhere"));
     EXPECT_EQ(ask(home.path("Music"))["found"], false);
@@ -355,6 +366,18 @@ TEST_F(FolderIntentsTest, ASearchTellsTheTwoHundredLargestAndHowManyThereAre) {
     EXPECT_EQ(told["found"][0]["path"], home.path("match 229"));
 }
 
+TEST_F(FolderIntentsTest, ASearchFindsNothingThatWasNotMeasured) {
+    home.file("work/match left out/match/a", 10'000);
+    home.file("Library/Application Support/Velto/Trash/match gone/a", 10'000);
+    home.file("match kept/a", 10'000);
+    exclusions.add(home.path("work/match left out"));
+    analyse();
+    const nlohmann::json told = search("match");
+    EXPECT_EQ(told["total"], 1);
+    ASSERT_THAT(told["found"], testing::SizeIs(1));
+    EXPECT_EQ(told["found"][0]["path"], home.path("match kept"));
+}
+
 /// The home's folder "disk" is another file system.
 struct FolderVolumes : FolderIntentsTest {
     FolderVolumes() {
@@ -384,6 +407,19 @@ TEST_F(FolderVolumes, OneThatDoesNotSayHasNoFigures) {
     EXPECT_EQ(disk["bytes"], -1);
     EXPECT_FALSE(disk.contains("total"));
     EXPECT_EQ(ask(home.path("disk"))["state"], "otherVolume");
+}
+
+TEST_F(FolderVolumes, OneThatIsClosedIsNotSaidToBeGone) {
+    reader.folder(home.path("closed"));
+    reader.folder(home.path("away"));
+    post("scan");
+    machine.dispatcher.runAll();
+    reader.folder(home.path("closed")).openError = EACCES;
+    reader.folder(home.path("away")).openError = EIO;
+    EXPECT_EQ(ask(home.path("closed"))["state"], "unreadable");
+    EXPECT_EQ(ask(home.path("away"))["state"], "unreadable");
+    reader.folder(home.path("away")).openError = ENOENT;
+    EXPECT_EQ(ask(home.path("away"))["state"], "gone");
 }
 
 TEST_F(FolderVolumes, ADeadOneHoldsTheAnswerUpNoLongerThanAMoment) {

@@ -125,6 +125,8 @@ TEST_F(Intents, ExcludingTwiceStoresOnceAndAlwaysAnswers) {
     post("addExclusion", "/h/Music");
     post("addExclusion", "/h/Music");
     EXPECT_THAT(exclusions.paths(), ElementsAre("/h/Music"));
+    EXPECT_THAT(page->calls("onExcluded"), ElementsAre(HasSubstr("(\"/h/Music\")")))
+        << "the second one was none: taking it back would take back the first";
     EXPECT_THAT(page->calls("toast"),
                 ElementsAre("window.velto && window.velto.toast && window.velto.toast(\"Excluded "
                             "from the analysis\", \"/h/Music\");",
@@ -133,6 +135,19 @@ TEST_F(Intents, ExcludingTwiceStoresOnceAndAlwaysAnswers) {
     post("addExclusion", "/h/Otra");
     EXPECT_THAT(page->calls("toast").back(), HasSubstr("\"Excluido del análisis\", \"/h/Otra\""));
     EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(Intents, WhatIsExcludedIsToldBeforeTheMessageOfIt) {
+    post("addExclusion", "/h/Music");
+    post("addExclusion", "/h/Music/below");
+    std::vector<std::string> order;
+    for (const std::string& script : page->scripts) {
+        for (const char* event : {"onExcluded(", "toast(", "onExclusions("}) {
+            if (script.find(event) != std::string::npos) order.emplace_back(event);
+        }
+    }
+    EXPECT_THAT(order,
+                ElementsAre("onExcluded(", "toast(", "onExclusions(", "toast(", "onExclusions("));
 }
 
 TEST_F(Intents, AFileNameNeverBecomesScript) {

@@ -34,7 +34,9 @@ function subFolder(fields: Fields): SubFolder | null {
 function fileEntry(fields: Fields): FileEntry | null {
   const name = component(fields.name);
   if (!name) return null;
-  return { name, bytes: count(fields.bytes), modified: size(fields.modified), linked: fields.linked === true };
+  const linked = fields.linked === true;
+  const inode = linked ? text(fields.inode) : '';
+  return { name, bytes: count(fields.bytes), modified: size(fields.modified), linked, ...(inode && inode !== '0' && { inode }) };
 }
 
 export function folderContents(value: unknown): FolderContents | null {
@@ -46,7 +48,7 @@ export function folderContents(value: unknown): FolderContents | null {
   return {
     request: number(fields.request), path,
     found: fields.found === true && path !== '',
-    state: fields.state === 'unmeasured' ? 'unmeasured' : folderState(fields.state),
+    state: fields.state === 'unmeasured' || fields.state === 'gone' ? fields.state : folderState(fields.state),
     bytes: count(fields.bytes), files: count(fields.files), unreadable: count(fields.unreadable),
     latest: size(fields.latest), measured: size(fields.measured),
     folders,

@@ -32,6 +32,8 @@ export interface FileEntry {
   modified: number;
   /** It has several names, and is counted under one of them only. */
   linked: boolean;
+  /** Of one with several names: what it has in common with the others in its folder; missing when unknown. */
+  inode?: string;
 }
 
 export interface FolderContents {
@@ -40,8 +42,8 @@ export interface FolderContents {
   path: string;
   /** False when there is nothing to show; `state` says why. */
   found: boolean;
-  /** "unmeasured": no analysis has been there; with `measured` 0 the last one has no folders at all. */
-  state: FolderState | 'unmeasured';
+  /** "unmeasured": no analysis has been there; with `measured` 0 the last one has no folders at all. "gone": it was measured, and is not there now. */
+  state: FolderState | 'unmeasured' | 'gone';
   bytes: number;
   files: number;
   unreadable: number;

@@ -23,6 +23,7 @@ export const laterReaders: LaterReaders = {
   },
   onExclusions: ([paths]) => [[...new Set(guards.texts(paths))]],
   onCleanableAges: ([ages]) => [cleaningGuards.cleanableAges(ages)],
+  onExcluded: ([path]) => [guards.text(path)],
   onCleanableFacts: ([facts]) => [cleaningGuards.cleanableFacts(facts)],
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],

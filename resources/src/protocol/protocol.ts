@@ -107,6 +107,8 @@ export interface Events {
   onPermissions: [permissions: Permissions];
   toast: [title: string, detail: string];
   onExclusions: [paths: string[]];
+  /** Comes before its `toast`. */
+  onExcluded: [path: string];
   onHome: [path: string];
   onHomeFolders: [folders: HomeFolders];
   onExactSizes: [sizes: ExactSizes];

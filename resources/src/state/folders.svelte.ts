@@ -80,7 +80,21 @@ class Folders {
     this.contents = contents;
     if (!contents.found) return;
     this.path = contents.path;
-    send('folderGrowth', { path: contents.path, since: this.since });
+    this.askGrowth();
+  }
+
+  /** Of the folder that is shown; again when there is something else to compare. */
+  askGrowth(): void {
+    if (this.contents?.found) send('folderGrowth', { path: this.contents.path, since: this.since });
+  }
+
+  /** Of what a reset has taken away nothing is shown, and nothing can be done with it. */
+  forget(): void {
+    this.reading.drop();
+    this.endSearch();
+    this.path = '';
+    this.contents = null;
+    this.growth = null;
   }
 
   search(text: string): void {

@@ -42,6 +42,8 @@ class GrowthState {
 
   receive(growth: Growth): void {
     this.told = growth;
+    // What is kept of an analysis comes after its folders: they were compared without it.
+    folders.askGrowth();
     if (growth.available.length === 0) this.open = false;
   }
 }

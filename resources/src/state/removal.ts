@@ -96,12 +96,11 @@ export function revealInFolder(path: string): void {
   send('revealPath', path);
 }
 
-/** The exclusions asked for, in the order of the messages that answer them. */
-const excluding: string[] = [];
+/** What has been left out just now, at the page's request; its message follows. */
+let excluded: string | null = null;
 const excludedTitles = ['Excluido del análisis', 'Excluded from the analysis'];
 
 export function excludeFromAnalysis(path: string): void {
-  excluding.push(path);
   send('addExclusion', path);
 }
 
@@ -109,12 +108,16 @@ export function includeInAnalysis(path: string): void {
   send('removeExclusion', path);
 }
 
-/** The way back of an exclusion that was asked for here; one that stood already is left alone. */
+export function holdExclusion(path: string): void {
+  excluded = path;
+}
+
+/** The way back of an exclusion that was asked for here; of one that stood already nobody is told. */
 function undoOfExclusion(title: string): (() => void) | null {
-  const path = excludedTitles.includes(title) ? excluding.shift() : undefined;
-  if (path === undefined) return null;
-  const stood = session.exclusions?.some((other) => path === other || path.startsWith(`${other}/`)) ?? false;
-  return stood ? null : () => includeInAnalysis(path);
+  if (!excludedTitles.includes(title)) return null;
+  const path = excluded;
+  excluded = null;
+  return path ? () => includeInAnalysis(path) : null;
 }
 
 /**

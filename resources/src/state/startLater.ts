@@ -15,12 +15,13 @@ import { packages, runtimes } from './packages.svelte.ts';
 import { machine } from './machine.svelte.ts';
 import { quitting } from './quitting.svelte.ts';
 import { holdRefusal } from './refusals.ts';
-import { showAnswer } from './removal.ts';
+import { holdExclusion, showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
 import { selectionChecks } from './selectionChecks.svelte.ts';
 import { session } from './session.svelte.ts';
 import { tellOutcome } from './uninstallOutcome.ts';
 import { uninstalling } from './uninstalling.svelte.ts';
+import { explorer } from '../views/explorar/state.svelte.ts';
 
 export function startLater(): void {
   language.complete({ en: laterEn, es: laterEs });
@@ -37,6 +38,7 @@ export function startLater(): void {
       onMeasurement: (measurement) => (session.measurement = measurement),
       onExclusions: (paths) => (session.exclusions = paths),
       onCleanableAges: (ages) => cleanables.receiveAges(ages),
+      onExcluded: (path) => holdExclusion(path),
       onCleanableFacts: (facts) => cleanables.receiveFacts(facts),
       onCleanables: (candidates) => cleanables.receive(candidates),
       onMaintenance: (status) => session.receiveMaintenance(status),
@@ -69,6 +71,7 @@ export function startLater(): void {
     laterReaders,
   );
   growth.start();
+  explorer.start();
 }
 
 function showTrash(items: TrashItem[]): void {

@@ -37,10 +37,10 @@ class Toasts {
   private timers = new Map<number, ReturnType<typeof setTimeout>>();
 
   show(title: string, detail: string, { canUndo = false, undo = null, note = '', action = null }: Extras = {}): void {
-    // The same words again take the place of the first ones.
+    // The same words again take the place of the first ones, whose way back stays good.
     const same = this.list.find((other) => !other.canUndo && other.title === title && other.detail === detail);
     if (same) this.dismiss(same.id);
-    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo, undo, action };
+    const toast: Toast = { id: ++this.lastId, title, detail, note, canUndo, undo: undo ?? same?.undo ?? null, action };
     this.list = [...this.list, toast].slice(-mostAtOnce);
     this.resume(toast);
   }

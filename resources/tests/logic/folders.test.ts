@@ -2,7 +2,7 @@ import { describe, expect, it } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
 import { fileSize, sizeChange } from '../../src/language/measures.ts';
 import { folderContents, folderGrowth, folderSearch, homeFolders } from '../../src/protocol/folderGuards.ts';
-import { crumbsOf, fromHome, shortWay, stepsFor } from '../../src/views/explorar/crumbs.ts';
+import { crumbsOf, shortWay, stepsFor } from '../../src/views/explorar/crumbs.ts';
 import { layOutFolder } from '../../src/views/explorar/folderTreemap.ts';
 import { isKeptFolder, placesOfCategory } from '../../src/views/explorar/homeFolders.ts';
 import {
@@ -52,6 +52,12 @@ describe('what the program tells of a folder', () => {
     const read = folderContents({ ...told, folders: [{ ...told.folders[0], state: 'splendid', bytes: 0 }] })!;
     expect(read.folders[0]!.state).toBe('unreadable');
     expect(rowsOf(read, '/h', null)[0]!.lock).toBe('notMeasured');
+  });
+
+  it('names of one file are known by its inode, where the program tells it', () => {
+    const entries = [{ inode: '7', linked: true }, { inode: '0', linked: true }, { inode: '7', linked: false }, { inode: 7, linked: true }];
+    const read = folderContents({ ...told, entries: entries.map((entry, index) => ({ ...told.entries[0], ...entry, name: `${index}` })) })!;
+    expect(read.entries.map(({ inode }) => inode)).toEqual(['7', undefined, undefined, undefined]);
   });
 
   it('a path that is not absolute is no folder', () => {
@@ -184,9 +190,6 @@ describe('the way to a folder', () => {
     expect(crumbsOf(`${home}/a/b`, home)).toEqual([{ path: home, name: null }, { path: `${home}/a`, name: 'a' }, { path: `${home}/a/b`, name: 'b' }]);
     expect(crumbsOf('/Users/marina2', home).map(({ path }) => path)).toEqual(['/', '/Users', '/Users/marina2']);
     expect(crumbsOf('/', home)).toEqual([{ path: '/', name: '/' }]);
-    expect(fromHome(`${home}/a`, home)).toBe('~/a');
-    expect(fromHome(home, home)).toBe('~');
-    expect(fromHome('/opt', home)).toBe('/opt');
   });
 
   it('a long one keeps its beginning and its end', () => {
@@ -227,6 +230,17 @@ describe('a long list', () => {
     expect(scrollToRow(sight, 1003)).toBe(44_000);
     expect(scrollToRow(sight, 999)).toBe(43_956);
     expect(scrollToRow(sight, 1010)).toBe(44_044);
+  });
+});
+
+describe('names of one file', () => {
+  it('count once, in what is selected and in the whole', () => {
+    const entry = (name: string, inode?: string) => ({ name, bytes: 4000, modified: 1, linked: inode !== undefined, ...(inode && { inode }) });
+    const entries = [entry('a', '7'), entry('b', '7'), entry('c', '8'), entry('d'), entry('e')];
+    const rows = rowsOf({ ...macDisk()[home]!, folders: [], entries }, home, null);
+    expect(totalBytes(rows)).toBe(16_000);
+    expect(amountOf(rows)).toEqual({ bytes: 16_000, files: 5, isPartial: false });
+    expect(amountOf(rows.slice(1, 3)).bytes).toBe(8000);
   });
 });
 

@@ -2,7 +2,7 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { linuxDisk, linuxHome, macDisk, serveFolders } from '../support/folders.ts';
-import { here, inFolder, openFolders, press } from '../support/foldersPage.ts';
+import { here, inFolder, openFolders, press, selected } from '../support/foldersPage.ts';
 import { launch, open } from '../support/page.ts';
 import { emptyState, fullState, home, inSpanish } from '../support/states.ts';
 
@@ -40,19 +40,53 @@ describe('folders that cannot be shown', () => {
   it('an empty folder, one that is gone and a disk that was never analysed have a sentence and an action', async () => {
     const opened = await inFolder(browser, 'Documents');
     const { page } = opened;
+    const head = page.getByRole('heading', { level: 1, name: 'Folders' }).and(page.locator(':focus'));
     await page.locator('[data-key$="Vacía"]').focus();
+    await press(page, 'Enter');
+    await page.getByRole('heading', { name: 'This folder is empty' }).waitFor();
+    await head.waitFor();
+    await press(page, 'Backspace');
+    await page.locator('[data-key$="Vacía"]:focus').waitFor();
     await press(page, 'Enter');
     await page.getByRole('heading', { name: 'This folder is empty' }).waitFor();
     const disk = macDisk();
     for (const path of Object.keys(disk)) if (path.startsWith(`${home}/Documents`)) delete disk[path];
     await serveFolders(opened, { disk });
     await page.getByRole('button', { name: 'Go to the folder above' }).click();
-    await page.getByRole('heading', { name: 'Cannot be read' }).waitFor();
+    await page.getByRole('heading', { name: 'This folder is not there any more' }).waitFor();
+    await head.waitFor();
     await page.getByRole('button', { name: 'Go to the home folder' }).click();
     await page.locator('[data-key]:focus').waitFor();
+    await page.locator('[data-key$="imagen de disco.img"]').focus();
+    await press(page, 'Space');
+    await page.getByText('1 selected').first().waitFor();
     await opened.tell('setState', emptyState(), 0);
     await page.getByRole('heading', { name: 'No analysis yet' }).waitFor();
+    expect(await page.locator('[data-region="actions"]').count()).toBe(0);
+    expect(await page.locator('header .aside').textContent()).toBe('');
+    await opened.tell('setState', fullState(), Date.now() / 1000);
+    await page.getByRole('grid').waitFor();
+    expect(await selected(page)).toEqual([]);
+    expect(await page.getByRole('button', { name: 'Back' }).getAttribute('aria-disabled')).toBe('true');
     await opened.close();
+  });
+
+  it('the last row of a folder that goes leaves the focus at the head, and the keys of the way work there', async () => {
+    const opened = await inFolder(browser, 'Documents');
+    const { page } = opened;
+    await page.locator('[data-key$="Máquinas virtuales"]').focus();
+    await press(page, 'Enter');
+    await page.locator('[data-key$=".vmdk"]:focus').waitFor();
+    const disk = macDisk();
+    disk[`${home}/Documents/Máquinas virtuales`]!.entries = [];
+    await serveFolders(opened, { disk });
+    await opened.tell('onTrashState', []);
+    await page.getByRole('heading', { name: 'This folder is empty' }).waitFor();
+    await page.getByRole('heading', { level: 1, name: 'Folders' }).and(page.locator(':focus')).waitFor();
+    await press(page, 'Alt+ArrowLeft');
+    await page.locator('[data-key$="Máquinas virtuales"]:focus').waitFor();
+    await opened.close();
+    expect(opened.complaints).toEqual([]);
   });
 
   it('one below a folder left out since is said not to be part of the analysis, and there is a way on', async () => {

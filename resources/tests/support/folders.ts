@@ -210,7 +210,7 @@ export async function serveFolders({ page }: OpenPage, served: Served): Promise<
       if (found) return { ...found, request };
       const above = Object.values(disk).filter((folder) => path.startsWith(`${folder.path}/`));
       const nearest = above.reduce((left, right) => (right.path.length > left.path.length ? right : left), disk[home]!);
-      return { ...missing, measured: disk[home]!.measured, state: nearest.found ? 'unreadable' : 'unmeasured' };
+      return { ...missing, measured: disk[home]!.measured, state: nearest.found ? 'gone' : 'unmeasured' };
     }
 
     function search({ text, request }: { text: string; request: number }, { disk }: Served) {

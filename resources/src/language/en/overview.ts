@@ -65,6 +65,4 @@ export const overview = {
     contacts: 'Contacts',
     iphone: 'iPhone backups',
   },
-  largeFiles: (count: number) =>
-    plural(count, { one: 'Show # large file', other: 'Show # large files' }),
 };

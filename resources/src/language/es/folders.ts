@@ -21,7 +21,7 @@ export const folders: typeof english = {
   search: 'Buscar en todas las carpetas',
   clearSearch: 'Borrar la búsqueda',
   columns: {
-    select: 'Selección', name: 'Nombre', share: 'Parte', size: 'Tamaño', files: 'Archivos', changed: 'Último cambio', growth: 'Variación',
+    select: 'Selección', name: 'Nombre', size: 'Tamaño', files: 'Archivos', changed: 'Último cambio', growth: 'Variación',
     actions: 'Acciones', path: 'Ubicación',
   },
   gridLabel: (name) => `Contenido de ${name}`,
@@ -37,14 +37,14 @@ export const folders: typeof english = {
   file: 'Archivo',
   states: {
     new: 'Nueva desde el análisis', unreadable: 'No se puede leer', withheld: 'La retiene el sistema', excluded: 'Excluida',
-    own: 'Datos de Velto', otherVolume: 'Otro disco', alreadyWalked: 'Contada en otro lugar',
+    own: 'Aparte', otherVolume: 'Otro disco', alreadyWalked: 'Contada en otro lugar',
   },
   stateWhy: {
     new: 'Apareció después del análisis; el próximo la medirá.',
     unreadable: 'Tu cuenta no puede leerla, así que no se sabe cuánto ocupa.',
     withheld: 'Sin acceso total al disco el sistema no deja que Velto la lea.',
     excluded: 'La dejaste fuera del análisis, así que no se ha medido.',
-    own: 'Lo que guarda el propio Velto, con su papelera. Nunca se quita desde aquí.',
+    own: 'Datos del propio Velto o la papelera del sistema: ni se miden ni se mueven desde aquí.',
     otherVolume: 'Es un disco aparte y no cuenta en esta carpeta.',
     alreadyWalked: 'Es la misma carpeta con otro nombre; su contenido se cuenta allí.',
   },
@@ -57,7 +57,6 @@ export const folders: typeof english = {
   usedOf: (bytes, total) => `${size(bytes)} de ${size(total)}`,
   unknownSize: 'Sin medir',
   unknown: 'Se desconoce',
-  none: 'Ninguno',
   grown: (bytes) => `${size(bytes)} más`,
   shrunk: (bytes) => `${size(-bytes)} menos`,
   change: (bytes) => sizeChange(bytes, formats.es),
@@ -68,8 +67,6 @@ export const folders: typeof english = {
   },
   more: (count) =>
     plural(count, { one: 'No se muestra # enlace o archivo especial.', many: 'No se muestran # de enlaces y archivos especiales.', other: 'No se muestran # enlaces y archivos especiales.' }),
-  open: 'Abrir',
-  openNamed: (name) => `Abrir ${name}`,
   include: (name) => `Volver a incluir ${name} en el análisis`,
   copyNamed: (name) => `Copiar la ubicación de ${name}`,
   removeNamed: (name) => `Mover ${name} a la Papelera de Velto`,

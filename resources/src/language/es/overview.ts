@@ -3,7 +3,6 @@ import { formats } from '../formats.ts';
 
 const { plural, size } = formats.es;
 
-/** The program sends these category names itself; they stand in where it does not. */
 export const overview: typeof english = {
   analysedNow: 'Analizado ahora mismo',
   analysed: (when) => `Analizado ${when}`,
@@ -65,6 +64,4 @@ export const overview: typeof english = {
     contacts: 'Contactos',
     iphone: 'las copias del iPhone',
   },
-  largeFiles: (count) =>
-    plural(count, { one: 'Ver # archivo grande', many: 'Ver # de archivos grandes', other: 'Ver # archivos grandes' }),
 };

@@ -34,10 +34,3 @@ export function shortWay(crumbs: readonly Crumb[], most: number): { shown: Crumb
   const kept = crumbs.slice(-(most - 2));
   return { shown: [crumbs[0]!, ...kept], hidden: crumbs.slice(1, crumbs.length - kept.length) };
 }
-
-/** The path as it is read: from the home on where it lies there. */
-export function fromHome(path: string, home: string): string {
-  if (!home) return path;
-  if (path === home) return '~';
-  return path.startsWith(`${home}/`) ? `~${path.slice(home.length)}` : path;
-}

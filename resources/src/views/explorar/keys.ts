@@ -30,13 +30,14 @@ export function handleTyping(event: KeyboardEvent, focus: (key: string) => void)
   return true;
 }
 
-/** What the keys of a list do with the rows. */
-export function listActions(part: Arrival['part'], focus: (key: string) => void) {
+/** What the keys of a list do with the rows, which it shows in this order. */
+export function listActions(part: Arrival['part'], focus: (key: string) => void, order: readonly string[]) {
   return {
+    order,
     focused: explorer.stop,
     focus,
     toggle: (key: string) => explorer.toggle(key),
-    extend: (key: string) => explorer.extend(key),
+    extend: (key: string) => explorer.extend(key, order),
     selectAll: () => explorer.selectAll(),
     clear: () => explorer.clear(),
     remove: () => void removeRows(explorer.selected),

@@ -32,6 +32,8 @@ export interface Row {
   changed: number;
   unreadable: number;
   linked: boolean;
+  /** Of a file with several names: the same for each of them that is here. */
+  inode: string | null;
   /** Of another volume: how large it is. */
   total: number | null;
   lock: Lock | null;
@@ -72,7 +74,7 @@ export function rowsOf(contents: FolderContents, home: string, told: HomeFolders
     return {
       kind: 'folder', key, name: folder.name, state: folder.state, bytes,
       files: bytes === null || folder.state === 'otherVolume' ? null : folder.files,
-      changed: folder.latest, unreadable: folder.unreadable, linked: false, total: folder.total ?? null,
+      changed: folder.latest, unreadable: folder.unreadable, linked: false, inode: null, total: folder.total ?? null,
       lock: lockOf(key, home, folder.state, told),
     };
   });
@@ -80,15 +82,22 @@ export function rowsOf(contents: FolderContents, home: string, told: HomeFolders
     const key = pathBelow(contents.path, entry.name);
     return {
       kind: 'file', key, name: entry.name, state: 'measured', bytes: entry.bytes, files: null, changed: entry.modified,
-      unreadable: 0, linked: entry.linked, total: null, lock: isProtectedPath(key) ? 'protected' : null,
+      unreadable: 0, linked: entry.linked, inode: entry.inode ?? null, total: null, lock: isProtectedPath(key) ? 'protected' : null,
     };
   });
   return [...folders, ...files];
 }
 
-/** What all rows take that count; shares are shares of it. */
+/** Of the names of one file only the first. */
+function eachFileOnce(rows: readonly Row[]): readonly Row[] {
+  if (!rows.some(({ inode }) => inode !== null)) return rows;
+  const seen = new Set<string>();
+  return rows.filter(({ inode }) => inode === null || (!seen.has(inode) && seen.add(inode)));
+}
+
+/** What all rows take that count. */
 export function totalBytes(rows: readonly Row[]): number {
-  return rows.reduce((sum, row) => sum + (counts(row) ? (row.bytes ?? 0) : 0), 0);
+  return eachFileOnce(rows).reduce((sum, row) => sum + (counts(row) ? (row.bytes ?? 0) : 0), 0);
 }
 
 type Compare = (left: string, right: string) => number;
@@ -142,7 +151,7 @@ export interface Amount {
 
 export function amountOf(rows: readonly Row[]): Amount {
   return {
-    bytes: rows.reduce((sum, { bytes }) => sum + (bytes ?? 0), 0),
+    bytes: eachFileOnce(rows).reduce((sum, { bytes }) => sum + (bytes ?? 0), 0),
     files: rows.reduce((sum, { kind, files }) => sum + (kind === 'file' ? 1 : (files ?? 0)), 0),
     isPartial: rows.some(({ bytes, unreadable }) => bytes === null || unreadable > 0),
   };

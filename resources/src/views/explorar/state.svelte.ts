@@ -1,4 +1,5 @@
 /** What the view of the folders remembers while another one is shown, and moving between folders. */
+import { untrack } from 'svelte';
 import { language } from '../../language/language.svelte.ts';
 import { fileSize } from '../../language/measures.ts';
 import { plainName } from '../../names/marks.ts';
@@ -43,7 +44,8 @@ class Explorer {
   );
   readonly keys: string[] = $derived(this.rows.map(({ key }) => key));
   readonly byKey: ReadonlyMap<string, Row> = $derived(new Map(this.all.map((row) => [row.key, row])));
-  readonly total: number = $derived(totalBytes(this.all));
+  /** What shares are shares of: the folder as it was measured, or more by now. */
+  private readonly total: number = $derived(Math.max(this.contents?.bytes ?? 0, totalBytes(this.all)));
   readonly selection: Selection = $derived(keepListed(this.chosen, this.keys));
   readonly selected: Row[] = $derived(this.rows.filter(({ key }) => this.selection.selected.has(key)));
   /** The one tab stop of the table, and of the map where it has that row. */
@@ -68,6 +70,24 @@ class Explorer {
     return row !== undefined && row.lock === null && !requests.busy.has(key);
   };
 
+  /** With the analysis everything goes that was reached in its folders. */
+  start(): void {
+    $effect.root(() => {
+      $effect(() => {
+        if (!session.analysed) untrack(() => this.forget());
+      });
+    });
+  }
+
+  private forget(): void {
+    folders.forget();
+    this.chosen = nothing;
+    this.trail = [];
+    this.focused = null;
+    this.arrival = null;
+    this.search = '';
+  }
+
   /** The share of the open folder, 0 to 1. */
   share({ bytes }: Row): number {
     return this.total > 0 && bytes !== null ? Math.min(1, bytes / this.total) : 0;
@@ -84,8 +104,9 @@ class Explorer {
     this.chosen = toggle(this.selection, key, this.selectable);
   }
 
-  extend(key: string): void {
-    this.chosen = extend(this.selection, key, this.keys, this.selectable);
+  /** Up to the key in the order in which the rows are shown: the map has another one than the table. */
+  extend(key: string, order: readonly string[] = this.keys): void {
+    this.chosen = extend(this.selection, key, order, this.selectable);
   }
 
   selectAll(): void {
