@@ -16,6 +16,7 @@
 #include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
 #include "bridge/SystemIntents.h"
+#include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 #include "platform/values/text.h"
@@ -79,6 +80,7 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     packageIntents_ = std::make_shared<PackageIntents>(
         PackageIntents::Context{link, platform_, language_, context.uninstalls, apps});
     quitIntents_ = std::make_shared<QuitIntents>(QuitIntents::Context{link, platform_, language_});
+    themeIntents_ = std::make_shared<ThemeIntents>(ThemeIntents::Context{platform_, shell_});
     leftBehindIntent_ =
         std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{link, platform_, exclusions_});
     folderIntents_ = std::make_shared<FolderIntents>(

@@ -53,6 +53,7 @@ class MeasurementIntents;
 class PackageIntents;
 class QuitIntents;
 class SelectionIntents;
+class ThemeIntents;
 class SettingsIntents;
 class SystemIntents;
 class TrashIntents;
@@ -98,7 +99,6 @@ private:
     friend struct IntentTable;
 
     // Intents (intents.cpp); the features have classes of their own.
-    void onSetTheme(const Payload& payload);
     void onScan(const Payload& payload);
     void onStopAnalysis(const Payload& payload);  // analysis_task.cpp
     void onRevealPath(const Payload& payload);
@@ -175,6 +175,7 @@ private:
     std::shared_ptr<AppIntents> appIntents_;
     std::shared_ptr<PackageIntents> packageIntents_;
     std::shared_ptr<QuitIntents> quitIntents_;
+    std::shared_ptr<ThemeIntents> themeIntents_;
     std::shared_ptr<LeftBehindIntent> leftBehindIntent_;
     std::shared_ptr<SystemIntents> systemIntents_;
     std::shared_ptr<FolderIntents> folderIntents_;

@@ -16,6 +16,7 @@
 #include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
 #include "bridge/SystemIntents.h"
+#include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
 #include "bridge/events.h"
 
@@ -47,6 +48,7 @@ struct IntentTable {
     static constexpr auto selection = &JSBridge::selectionIntents_;
     static constexpr auto packages = &JSBridge::packageIntents_;
     static constexpr auto quitting = &JSBridge::quitIntents_;
+    static constexpr auto theme = &JSBridge::themeIntents_;
     static constexpr auto leftovers = &JSBridge::leftBehindIntent_;
     static constexpr auto folders = &JSBridge::folderIntents_;
     static constexpr auto growing = &JSBridge::growthIntents_;
@@ -56,7 +58,7 @@ struct IntentTable {
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
         {"settings", at<settings, &SettingsIntents::onSettings>},
-        {"setTheme", own<&JSBridge::onSetTheme>},
+        {"setTheme", at<theme, &ThemeIntents::onSetTheme>},
         {"scan", own<&JSBridge::onScan>},
         {"systemWatch", at<system, &SystemIntents::onSystemWatch>},
         {"appsList", at<apps, &AppIntents::onAppsList>},
@@ -102,6 +104,7 @@ struct IntentTable {
         {"stopAnalysis", own<&JSBridge::onStopAnalysis>},
         {"checkSelection", at<selection, &SelectionIntents::onCheckSelection>},
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
+        {"followSystemTheme", at<theme, &ThemeIntents::onFollowSystemTheme>},
     });
 };
 
@@ -117,15 +120,6 @@ void JSBridge::handle(const std::string& type, const Payload& payload) {
         if (row.handler != nullptr) row.handler(*this, payload);
         return;
     }
-}
-
-void JSBridge::onSetTheme(const Payload& payload) {
-    const auto theme = payload::stringMember(payload, "theme");
-    if (!theme) return;
-    const Appearance wanted = *theme == "light" ? Appearance::light : Appearance::dark;
-    if (wanted == shell_.appearance()) return;
-    shell_.setAppearance(wanted);
-    log("Velto ▶ tema de la ventana: " + appearanceName(wanted));
 }
 
 void JSBridge::onScan(const Payload&) { startAnalysis(); }

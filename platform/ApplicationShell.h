@@ -34,7 +34,13 @@ public:
     virtual void activate() = 0;
 
     virtual Appearance appearance() const = 0;
+
+    /// The window has this appearance from now on, whatever the system's is or comes to be.
     virtual void setAppearance(Appearance appearance) = 0;
+    /// The same for the appearance that it has already.
+    virtual void keepAppearance() = 0;
+    /// The window has the system's again, and follows it.
+    virtual void followSystemAppearance() = 0;
 
     /// Asks, then calls `answer` on the main thread (perhaps before `confirm` returns).
     virtual void confirm(const Confirmation& question, std::function<void(bool)> answer) = 0;

@@ -12,6 +12,9 @@ constexpr Colour darkBackground{10, 10, 10};
 
 constexpr std::array<std::string_view, 3> developerWords{"inspect", "inspeccionar", "element"};
 
+constexpr std::array<std::string_view, 3> browsingItems{
+    "WKMenuItemIdentifierGoBack", "WKMenuItemIdentifierGoForward", "WKMenuItemIdentifierReload"};
+
 /// ASCII only: the words that are looked for have no other letters.
 std::string lowerCased(std::string_view text) {
     std::string lower(text);
@@ -58,6 +61,10 @@ bool isDeveloperMenuItem(std::string_view title) {
     return std::any_of(developerWords.begin(), developerWords.end(), [&](std::string_view word) {
         return lower.find(word) != std::string::npos;
     });
+}
+
+bool isBrowsingMenuItem(std::string_view identifier) {
+    return std::find(browsingItems.begin(), browsingItems.end(), identifier) != browsingItems.end();
 }
 
 std::optional<std::string> findResourceBundle(

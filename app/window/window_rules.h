@@ -14,8 +14,8 @@ namespace velto::window {
 
 inline constexpr int initialWidth = 1180;  // points
 inline constexpr int initialHeight = 760;
-inline constexpr int minimumWidth = 940;
-inline constexpr int minimumHeight = 600;
+inline constexpr int minimumWidth = 720;  // half of a small screen
+inline constexpr int minimumHeight = 480;
 
 struct Colour {
     int red, green, blue;  // sRGB, 0 to 255, opaque
@@ -48,6 +48,10 @@ double dragRegionWidth(double containerWidth);
 /// True for the developer entries of the web view's context menu, in either language. Broad on
 /// purpose: "inspect", "inspeccionar" or "element" anywhere in the lower-cased title.
 bool isDeveloperMenuItem(std::string_view title);
+
+/// True for the entries of a Mac's web view that lead to other pages, or load this one again, by
+/// their identifiers: in this window there is one page, and it stays.
+bool isBrowsingMenuItem(std::string_view identifier);
 
 inline constexpr std::string_view resourceBundleName = "Velto_velto_app.bundle";
 /// The first existing folder of that name inside the candidates, tried in order; nothing when none

@@ -59,6 +59,16 @@ TEST(WindowRules, TheContextMenuKeepsEverythingElse) {
     }
 }
 
+TEST(WindowRules, TheContextMenuLeadsToNoOtherPage) {
+    for (const char* identifier : {"WKMenuItemIdentifierGoBack", "WKMenuItemIdentifierGoForward",
+                                   "WKMenuItemIdentifierReload"}) {
+        EXPECT_TRUE(isBrowsingMenuItem(identifier)) << identifier;
+    }
+    for (const char* identifier : {"", "WKMenuItemIdentifierCopy", "WKMenuItemIdentifierPaste"}) {
+        EXPECT_FALSE(isBrowsingMenuItem(identifier)) << identifier;
+    }
+}
+
 struct Disk {
     std::vector<std::string> present;
     std::vector<std::string> asked;

@@ -78,6 +78,8 @@ TEST_F(ExclusionChoice, AnAnswerAfterTheBridgeIsGoneIsIgnored) {
         void activate() override {}
         Appearance appearance() const override { return Appearance::light; }
         void setAppearance(Appearance) override {}
+        void keepAppearance() override {}
+        void followSystemAppearance() override {}
         void confirm(const Confirmation&, std::function<void(bool)>) override {}
         void chooseFolder(const FolderQuestion&, FolderAnswer reply) override {
             answer = std::move(reply);

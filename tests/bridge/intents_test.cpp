@@ -111,6 +111,19 @@ TEST_F(Intents, TheThemeChangesTheWindowOnlyWhenItDiffers) {
     EXPECT_EQ(shell.appearanceChanges, 1);
 }
 
+TEST_F(Intents, AThemeThatIsTheSystemsAlreadyStaysWhenTheSystemsChanges) {
+    post("setTheme", {{"theme", "light"}});
+    EXPECT_EQ(shell.appearanceChanges, 0);
+    EXPECT_FALSE(shell.isFollowing);
+}
+
+TEST_F(Intents, TheWindowGoesBackToTheSystemsTheme) {
+    post("setTheme", {{"theme", "dark"}});
+    post("followSystemTheme");
+    EXPECT_TRUE(shell.isFollowing);
+    EXPECT_TRUE(machine.log.holds("Velto ▶ tema de la ventana: el del sistema"));
+}
+
 TEST_F(Intents, RevealShowsTheFileInTheViewer) {
     post("revealPath", "/home/a/b c.txt");
     EXPECT_THAT(machine.workspace.revealed, ElementsAre("/home/a/b c.txt"));

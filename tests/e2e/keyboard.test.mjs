@@ -1,4 +1,4 @@
-// The keyboard in the real window: where the page's controls end it goes on with them.
+// The keyboard in the real window, and what a right click offers there.
 import { test } from 'node:test';
 import { openGuided } from './support/guided_page.mjs';
 import { Home, MB } from './support/home.mjs';
@@ -23,4 +23,19 @@ test('past the last control comes the first one, and before the first the last',
   await page.focuses('Folders');
   await key('Return');
   await page.sees('Sizes as analyzed');
+});
+
+test('a right click offers nothing of a browser, and text fields their own', async (t) => {
+  const home = new Home(t, { layout: 'freedesktop' }).allocated('Documents/thesis.pdf', 30 * MB);
+  const page = await openGuided(t, home);
+  await page.click('History');
+  await page.sees('No cleanup yet');
+  await page.desktop.input('mousemove', 700, 600, 'click', 3);
+  await page.keyTo('Tab', 'Overview', 1); // a menu would take the key
+
+  await page.click('Folders');
+  await page.click(/Search/);
+  const before = await page.desktop.steady();
+  await page.desktop.input('click', 3);
+  await page.desktop.lookUntil((now) => Math.abs(now.colours - before.colours) > 3);
 });

@@ -2,6 +2,7 @@
 import assert from 'node:assert/strict';
 import { readdirSync } from 'node:fs';
 import { test } from 'node:test';
+import { openGuided } from './support/guided_page.mjs';
 import { furnishedHome } from './support/home.mjs';
 import { desktopFor, expectInOrder, line, start } from './support/velto.mjs';
 
@@ -76,4 +77,22 @@ test('the shortcut for the uninstaller asks for its view', async (t) => {
   await desktop.click(...view(0));
   await desktop.input('key', 'ctrl+shift+d');
   await velto.waitFor(`${line.intent('goView')}"apps"`);
+});
+
+test('the page is made larger by key, and is as large after a restart', async (t) => {
+  const home = furnishedHome(t);
+  const key = (page, name) => page.desktop.input('key', name);
+  const page = await openGuided(t, home);
+  await page.click('History');
+  await page.sees('Large files');
+  for (let step = 0; step < 5; ++step) await key(page, 'ctrl+plus');
+  await page.seesNot('Large files'); // at twice its size the rail has icons alone
+  await page.stop();
+
+  const again = await openGuided(t, home);
+  await again.click('History');
+  await again.seesNot('Large files');
+  await key(again, 'ctrl+minus');
+  await key(again, 'ctrl+0');
+  await again.sees('Large files');
 });

@@ -3,6 +3,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { run } from '../../tools/desktop/children.mjs';
 import { furnishedHome } from './support/home.mjs';
+import { openGuided } from './support/guided_page.mjs';
 import { desktopFor, line, start } from './support/velto.mjs';
 
 const agent = 'Library/LaunchAgents/app.velto.maintenance.plist';
@@ -89,4 +90,35 @@ test('the window follows the colours of the desktop until one is chosen', async 
   setScheme(home, 'prefer-light');
   setScheme(home, 'prefer-dark');
   for (let look = 0; look < 20; ++look) await becomes(desktop, 'light', 0); // what was chosen stays
+});
+
+test('a theme that is the desktop\'s own stays when it is chosen, until the desktop\'s is wanted again', async (t) => {
+  const { stdout } = await run('gsettings', ['list-keys', 'org.gnome.desktop.interface']);
+  if (!stdout.includes('color-scheme')) return t.skip('this machine does not know the setting');
+  const home = furnishedHome(t);
+  setScheme(home, 'prefer-light');
+  const page = await openGuided(t, home, { variables: withKeyfile });
+  const { desktop } = page;
+  await page.click('Settings');
+  await page.keyTo('Tab', /As the system/);
+  await desktop.input('key', 'Right'); // light, as it is
+  await page.velto.waitFor(line.intent('setTheme'));
+  setScheme(home, 'prefer-dark');
+  for (let look = 0; look < 20; ++look) await becomes(desktop, 'light', 0);
+
+  await desktop.input('key', 'Left');
+  await page.velto.waitFor(line.intent('followSystemTheme'));
+  await becomes(desktop, 'dark');
+  setScheme(home, 'prefer-light');
+  await becomes(desktop, 'light');
+});
+
+test('the window fits half of a small screen', async (t) => {
+  const small = { width: 720, height: 480 };
+  const desktop = await desktopFor(t, small);
+  const velto = start(t, furnishedHome(t), desktop);
+  await velto.waitFor(line.finished);
+  await desktop.steady();
+  await desktop.click(small.width - 30, 31); // its close button is on the screen
+  assert.deepEqual(await velto.ended(), { status: 0, signal: null });
 });

@@ -275,7 +275,10 @@ public:
     void setAppearance(Appearance appearance) override {
         current = appearance;
         ++appearanceChanges;
+        isFollowing = false;
     }
+    void keepAppearance() override { isFollowing = false; }
+    void followSystemAppearance() override { isFollowing = true; }
     void confirm(const Confirmation& question, std::function<void(bool)> answer) override {
         questions.push_back(question);
         answer(accepts);
@@ -289,6 +292,7 @@ public:
     bool accepts = true;
     int activations = 0;
     int appearanceChanges = 0;
+    bool isFollowing = true;  // the system
     std::vector<Confirmation> questions;
     std::optional<std::string> chosenFolder;  // nothing: the user declines
     std::vector<FolderQuestion> folderQuestions;

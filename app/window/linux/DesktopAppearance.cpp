@@ -95,13 +95,19 @@ DesktopAppearance::~DesktopAppearance() {
 
 void DesktopAppearance::start(GDBusConnection* bus) {
     themeAppearance_ = gtkAppearance(gtk_);
+    theme_ = currentTheme(gtk_);
+    if (bus != nullptr) bus_.reset(G_DBUS_CONNECTION(g_object_ref(bus)));
     if (const auto appearance = remembered()) {
         chosen_ = true;
         apply(*appearance);
         return;
     }
+    followDesktop();
+}
+
+void DesktopAppearance::followDesktop() {
     if (hasInterfaceSchema()) followInterfaceSettings();
-    if (bus != nullptr) followPortal(bus);
+    if (bus_) followPortal();
 }
 
 Appearance DesktopAppearance::current() const { return gtkAppearance(gtk_); }
@@ -110,6 +116,15 @@ void DesktopAppearance::choose(Appearance appearance) {
     chosen_ = true;
     apply(appearance);
     remember(appearance);
+}
+
+void DesktopAppearance::follow() {
+    if (!chosen_) return;
+    chosen_ = false;
+    forget();
+    g_object_set(gtk_, themeName, theme_.c_str(), nullptr);
+    apply(themeAppearance_);
+    followDesktop();
 }
 
 void DesktopAppearance::apply(Appearance appearance) {
@@ -144,24 +159,36 @@ void DesktopAppearance::remember(Appearance appearance) {
     }
 }
 
+void DesktopAppearance::forget() {
+    try {
+        platform_.files->removeAll(memory_);
+    } catch (const FileError& error) {
+        platform_.log->line(singleLine(error.what()));  // the page says it again
+    }
+}
+
 void DesktopAppearance::desktopPrefers(std::optional<Appearance> appearance) {
     if (!chosen_) apply(appearance.value_or(themeAppearance_));
 }
 
 void DesktopAppearance::followInterfaceSettings() {
-    interface_.reset(g_settings_new(interfaceSchema));
-    g_signal_connect(interface_.get(), "changed::color-scheme",
-                     G_CALLBACK(&DesktopAppearance::interfaceChanged), this);
+    if (!interface_) {
+        interface_.reset(g_settings_new(interfaceSchema));
+        g_signal_connect(interface_.get(), "changed::color-scheme",
+                         G_CALLBACK(&DesktopAppearance::interfaceChanged), this);
+    }
     if (const auto scheme = schemeOf(interface_.get())) desktopPrefers(scheme);
 }
 
-void DesktopAppearance::followPortal(GDBusConnection* bus) {
-    bus_.reset(G_DBUS_CONNECTION(g_object_ref(bus)));
-    portalSignal_ = g_dbus_connection_signal_subscribe(
-        bus, portalName, portalSettings, "SettingChanged", portalPath, appearanceNamespace,
-        G_DBUS_SIGNAL_FLAGS_NONE, &DesktopAppearance::portalChanged, this, nullptr);
+void DesktopAppearance::followPortal() {
+    if (portalSignal_ == 0) {
+        portalSignal_ = g_dbus_connection_signal_subscribe(
+            bus_.get(), portalName, portalSettings, "SettingChanged", portalPath,
+            appearanceNamespace, G_DBUS_SIGNAL_FLAGS_NONE, &DesktopAppearance::portalChanged, this,
+            nullptr);
+    }
     constexpr int systemTimeout = -1;
-    g_dbus_connection_call(bus, portalName, portalPath, portalSettings, "Read",
+    g_dbus_connection_call(bus_.get(), portalName, portalPath, portalSettings, "Read",
                            g_variant_new("(ss)", appearanceNamespace, colourScheme),
                            G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, systemTimeout,
                            asking_.get(), &DesktopAppearance::portalAnswered, this);

@@ -30,6 +30,9 @@ public:
     /// What the user has chosen in the page; the desktop is not followed any more.
     void choose(Appearance appearance);
 
+    /// The user wants the desktop's again.
+    void follow();
+
     /// Called whenever `current` may have changed.
     void onChange(std::function<void()> observer) { observer_ = std::move(observer); }
 
@@ -42,8 +45,10 @@ private:
 
     std::optional<Appearance> remembered() const;
     void remember(Appearance appearance);
+    void forget();
+    void followDesktop();
     void followInterfaceSettings();
-    void followPortal(GDBusConnection* bus);
+    void followPortal();
     void desktopPrefers(std::optional<Appearance> appearance);
     void apply(Appearance appearance);
 
@@ -53,7 +58,9 @@ private:
     bool chosen_ = false;
     std::function<void()> observer_;
 
-    Appearance themeAppearance_ = Appearance::light;  // where the desktop states no preference
+    // Where the desktop states no preference, and what says so.
+    Appearance themeAppearance_ = Appearance::light;
+    std::string theme_;
     GlibReference<GSettings> interface_;
     GlibReference<GDBusConnection> bus_;
     GlibReference<GCancellable> asking_;

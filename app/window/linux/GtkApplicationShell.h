@@ -18,6 +18,8 @@ public:
     void activate() override;
     Appearance appearance() const override { return appearance_.current(); }
     void setAppearance(Appearance appearance) override { appearance_.choose(appearance); }
+    void keepAppearance() override { appearance_.choose(appearance_.current()); }
+    void followSystemAppearance() override { appearance_.follow(); }
     void confirm(const Confirmation& question, std::function<void(bool)> answer) override;
     void chooseFolder(const FolderQuestion& question, FolderAnswer answer) override;
 

@@ -1,12 +1,11 @@
 #include "app/window/linux/MainWindow.h"
 
-#include <fmt/format.h>
-
 #include <utility>
 
 #include "app/window/linux/style.h"
 #include "app/window/linux/window_frame.h"
 #include "app/window/navigation.h"
+#include "app/window/zoom.h"
 #include "platform/values/text.h"
 
 namespace velto::window {
@@ -28,7 +27,9 @@ MainWindow::MainWindow(const WindowContext& context, std::shared_ptr<GtkWebView>
 
     top_ = std::make_unique<WindowTop>(window_, webView_->widget(), context_.menu.makeButton(),
                                        [this] { tellRoom(); });
-    webView_->addUserScript(roomScript());
+    zoom_ = std::make_unique<PageZoom>(context.application, window_, webView_->view(),
+                                       *context_.platform.defaults, [this] { tellRoom(); });
+    webView_->addUserScript(room());
     gtk_widget_grab_focus(webView_->widget());
 
     showAppearance(appearance);
@@ -49,14 +50,10 @@ MainWindow::~MainWindow() {
 }
 
 // The page keeps its own controls clear of the window's.
-std::string MainWindow::roomScript() const {
-    return fmt::format(
-        "document.documentElement?.style.setProperty('--window-controls-end', '{}px');",
-        top_->roomAtEnd());
-}
+std::string MainWindow::room() const { return roomScript(top_->roomAtEnd(), zoom_->current()); }
 
 void MainWindow::tellRoom() {
-    if (top_) webView_->evaluate(roomScript());  // its controls appear while it is being made
+    if (zoom_) webView_->evaluate(room());  // its controls appear while it is being made
 }
 
 void MainWindow::present() { gtk_window_present(window_); }

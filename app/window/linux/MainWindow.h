@@ -8,6 +8,7 @@
 #include "app/window/ReloadPace.h"
 #include "app/window/linux/CommandMenu.h"
 #include "app/window/linux/GtkWebView.h"
+#include "app/window/linux/PageZoom.h"
 #include "app/window/linux/WindowTop.h"
 #include "app/window/linux/gtk.h"
 
@@ -52,7 +53,7 @@ private:
 
     void connectSignals();
     void loadAgain();
-    std::string roomScript() const;
+    std::string room() const;
     void tellRoom();
 
     WindowContext context_;
@@ -60,6 +61,7 @@ private:
     std::shared_ptr<GtkWebView> webView_;
     GtkWindow* window_;
     std::unique_ptr<WindowTop> top_;
+    std::unique_ptr<PageZoom> zoom_;
     ReloadPace reloads_;
     bool loadFailed_ = false;
     guint settling_ = 0;  // the source that waits for a pause after the page has loaded

@@ -1,5 +1,7 @@
 #include "app/window/linux/context_menu.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "app/window/window_rules.h"
@@ -19,9 +21,20 @@ std::string_view titleOf(WebKitContextMenuItem* item) {
     return {};
 }
 
+/// What leads elsewhere in a browser; here there is one page, and it stays.
+constexpr std::array browsing{WEBKIT_CONTEXT_MENU_ACTION_GO_BACK,
+                              WEBKIT_CONTEXT_MENU_ACTION_GO_FORWARD,
+                              WEBKIT_CONTEXT_MENU_ACTION_STOP, WEBKIT_CONTEXT_MENU_ACTION_RELOAD};
+
+bool isUnwanted(WebKitContextMenuItem* item) {
+    const auto stock = webkit_context_menu_item_get_stock_action(item);
+    return std::find(browsing.begin(), browsing.end(), stock) != browsing.end() ||
+           isDeveloperMenuItem(titleOf(item));
+}
+
 }  // namespace
 
-void removeDeveloperItems(WebKitContextMenu* menu) {
+void removeUnwantedItems(WebKitContextMenu* menu) {
     // From the end, so that removing moves nothing that is still to be seen; a separator goes when
     // nothing, or another one, follows it.
     bool separatorAllowed = false;
@@ -32,12 +45,12 @@ void removeDeveloperItems(WebKitContextMenu* menu) {
             separatorAllowed = false;
             continue;
         }
-        if (isDeveloperMenuItem(titleOf(item))) {
+        if (isUnwanted(item)) {
             webkit_context_menu_remove(menu, item);
             continue;
         }
         if (WebKitContextMenu* const submenu = webkit_context_menu_item_get_submenu(item)) {
-            removeDeveloperItems(submenu);
+            removeUnwantedItems(submenu);
         }
         separatorAllowed = true;
     }

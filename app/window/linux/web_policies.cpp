@@ -69,7 +69,7 @@ gboolean decidePolicy(WebKitWebView*, WebKitPolicyDecision* decision, WebKitPoli
 }
 
 gboolean contextMenu(WebKitWebView*, WebKitContextMenu* menu, WebKitHitTestResult*, gpointer) {
-    removeDeveloperItems(menu);
+    removeUnwantedItems(menu);
     const gboolean nothingToShow = webkit_context_menu_get_n_items(menu) == 0 ? TRUE : FALSE;
     return nothingToShow;
 }

@@ -19,6 +19,8 @@ public:
     void activate() override;
     Appearance appearance() const override;
     void setAppearance(Appearance appearance) override;
+    void keepAppearance() override { setAppearance(appearance()); }
+    void followSystemAppearance() override;
     void confirm(const Confirmation& question, std::function<void(bool)> answer) override;
     void chooseFolder(const FolderQuestion& question, FolderAnswer answer) override;
 

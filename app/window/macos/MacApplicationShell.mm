@@ -46,6 +46,11 @@ void MacApplicationShell::setAppearance(Appearance appearance) {
     defaults_.setValue(appearanceKey, appearanceName(appearance));
 }
 
+void MacApplicationShell::followSystemAppearance() {
+    window_.appearance = nil;
+    defaults_.remove(appearanceKey);
+}
+
 void MacApplicationShell::confirm(const Confirmation& question, std::function<void(bool)> answer) {
     NSAlert* alert = alertFor(question);
     NSWindow* window = window_;

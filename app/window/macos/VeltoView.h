@@ -11,6 +11,11 @@
 /// view.
 - (instancetype)initWithApp:(velto::VeltoApp&)app platform:(velto::Platform&)platform;
 
+/// How large the page is shown; kept over restarts.
+- (void)enlargePage:(id)sender;
+- (void)reducePage:(id)sender;
+- (void)showPageAsItIs:(id)sender;
+
 /// Stops the page and lets go of the web view.
 - (void)close;
 

@@ -10,16 +10,19 @@
 #include "app/window/macos/MacWebView.h"
 #include "app/window/macos/appearance.h"
 #include "app/window/navigation.h"
+#include "app/window/zoom.h"
 #include "platform/macos/foundation_text.h"
 
 @implementation VeltoView {
     VeltoWebView* _webView;
     Coordinator* _coordinator;  // kept here: the web view holds its delegate weakly
     std::shared_ptr<velto::MacWebView> _page;
+    velto::UserDefaults* _defaults;
 }
 
 - (instancetype)initWithApp:(velto::VeltoApp&)app platform:(velto::Platform&)platform {
     if ((self = [super initWithFrame:NSZeroRect])) {
+        _defaults = platform.defaults.get();
         [self makeWebView:[self pageHandler:platform]];
         _coordinator = [[Coordinator alloc] initWithApp:app platform:platform];
         _webView.navigationDelegate = _coordinator;
@@ -27,6 +30,7 @@
         _page = std::make_shared<velto::MacWebView>(_webView);
         // Before loading, so that the page's own scripts find the state and the channel.
         app.windowOpened(_page);
+        [self showPageAt:velto::window::keptZoom(*_defaults)];
         [self load];
     }
     return self;
@@ -81,6 +85,33 @@
 - (void)load {
     NSURL* page = [NSURL URLWithString:velto::nsString(velto::window::pageAddress)];
     [_webView loadRequest:[NSURLRequest requestWithURL:page]];
+}
+
+// The menu's entries come here through the view that has the focus.
+
+- (void)enlargePage:(id)sender {
+    [self keepPageAt:velto::window::zoomedIn(_webView.pageZoom)];
+}
+
+- (void)reducePage:(id)sender {
+    [self keepPageAt:velto::window::zoomedOut(_webView.pageZoom)];
+}
+
+- (void)showPageAsItIs:(id)sender {
+    [self keepPageAt:velto::window::ownSize];
+}
+
+- (void)keepPageAt:(double)zoom {
+    [self showPageAt:zoom];
+    velto::window::keepZoom(*_defaults, zoom);
+}
+
+- (void)showPageAt:(double)zoom {
+    _webView.pageZoom = zoom;
+    // The window's buttons lie over the left corner, where the page leaves the strip to them.
+    const std::string room = velto::window::roomScript(0, zoom);
+    _page->evaluate(room);
+    _page->addUserScript(room);  // for when it is loaded again; the last one holds
 }
 
 - (void)viewDidChangeEffectiveAppearance {

@@ -5,9 +5,12 @@
 
 namespace {
 
-void removeDeveloperItems(NSMenu* menu) {
+void removeUnwantedItems(NSMenu* menu) {
     for (NSMenuItem* item in menu.itemArray) {  // a copy: items may go meanwhile
-        if (velto::window::isDeveloperMenuItem(velto::utf8(item.title))) [menu removeItem:item];
+        if (velto::window::isDeveloperMenuItem(velto::utf8(item.title)) ||
+            velto::window::isBrowsingMenuItem(velto::utf8(item.identifier))) {
+            [menu removeItem:item];
+        }
     }
 }
 
@@ -19,13 +22,13 @@ void removeDeveloperItems(NSMenu* menu) {
 // `willOpenMenu:`.
 - (NSMenu*)menuForEvent:(NSEvent*)event {
     NSMenu* menu = [super menuForEvent:event];
-    removeDeveloperItems(menu);
+    removeUnwantedItems(menu);
     return menu;
 }
 
 - (void)willOpenMenu:(NSMenu*)menu withEvent:(NSEvent*)event {
     [super willOpenMenu:menu withEvent:event];
-    removeDeveloperItems(menu);
+    removeUnwantedItems(menu);
 }
 
 // The engine registers for what it would take, and would show a dropped document in the page's

@@ -1,5 +1,7 @@
 #include "app/window/macos/main_menu.h"
 
+#import "app/window/macos/VeltoView.h"
+
 #include "platform/macos/foundation_text.h"
 
 namespace velto::window {
@@ -80,6 +82,14 @@ void installMainMenu(VeltoApp& app, id target, SEL action) {
              {"Copiar", "Copy", @selector(copy:), @"c"},
              {"Pegar", "Paste", @selector(paste:), @"v"},
              {"Seleccionar todo", "Select All", @selector(selectAll:), @"a"},
+         },
+         language);
+    // Carried out by the view that holds the page.
+    fill(addMenu(bar, language.text("Visualización", "View")),
+         {
+             {"Aumentar", "Zoom In", @selector(enlargePage:), @"+"},
+             {"Reducir", "Zoom Out", @selector(reducePage:), @"-"},
+             {"Tamaño real", "Actual Size", @selector(showPageAsItIs:), @"0"},
          },
          language);
     NSMenu* windowMenu = addMenu(bar, language.text("Ventana", "Window"));

@@ -42,6 +42,7 @@ export interface Intents {
   webReady: void;
   settings: SettingsChange;
   setTheme: { theme: 'light' | 'dark' };
+  followSystemTheme: void;
   scan: void;
   stopAnalysis: void;
   folder: { path: string; request: number };

@@ -1,6 +1,6 @@
 /**
  * Light or dark. Until the user picks one the page follows the system and the program is told
- * nothing; a choice is kept by the web view and told at every start.
+ * nothing; a choice is kept by the web view and told at every start, until it is taken back.
  */
 import { send } from '../protocol/connection.ts';
 
@@ -18,16 +18,18 @@ function stored(): ThemeName | null {
   }
 }
 
-function store(theme: ThemeName): void {
+function store(theme: ThemeName | null): void {
   try {
-    localStorage.setItem(key, theme);
+    if (theme) localStorage.setItem(key, theme);
+    else localStorage.removeItem(key);
   } catch {
     // The choice still applies to this window.
   }
 }
 
 class Theme {
-  private chosen = $state<ThemeName | null>(null);
+  /** What the user has picked; null while the system decides. */
+  chosen = $state.raw<ThemeName | null>(null);
   private system = $state<ThemeName>('light');
 
   readonly current: ThemeName = $derived(this.chosen ?? this.system);
@@ -43,6 +45,13 @@ class Theme {
   choose(theme: ThemeName): void {
     store(theme);
     this.apply(theme);
+  }
+
+  followSystem(): void {
+    store(null);
+    this.chosen = null;
+    delete document.documentElement.dataset.theme;
+    send('followSystemTheme');
   }
 
   private apply(theme: ThemeName): void {

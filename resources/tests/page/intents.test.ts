@@ -212,7 +212,17 @@ describe('settings', () => {
       expect(await during(() => retention.selectOption({ label: '90 days' }))).toEqual([{ type: 'settings', payload: { retention: 90 } }]);
       expect(await click('radio', 'Español')).toEqual([{ type: 'settings', payload: { language: 'es' } }]);
       expect(await page.getByRole('heading', { level: 1 }).textContent()).toBe('Ajustes');
-      expect(await during(() => page.getByRole('radio', { name: 'Oscuro' }).click())).toEqual([{ type: 'setTheme', payload: { theme: 'dark' } }]);
+      expect(await page.getByRole('radio', { name: 'Como el sistema' }).isChecked()).toBe(true);
+      const themes: [string, object][] = [
+        ['Claro', { type: 'setTheme', payload: { theme: 'light' } }], // the system's own: chosen all the same
+        ['Oscuro', { type: 'setTheme', payload: { theme: 'dark' } }],
+        ['Como el sistema', { type: 'followSystemTheme' }],
+      ];
+      for (const [name, intent] of themes) {
+        expect(await during(() => page.getByRole('radio', { name }).click())).toEqual([intent]);
+      }
+      expect(await page.locator('html').getAttribute('data-theme')).toBeNull();
+      expect(await page.evaluate(() => localStorage.getItem('velto.theme'))).toBeNull();
     });
   });
 

@@ -47,19 +47,27 @@ std::vector<WebKitContextMenuAction> actionsOf(WebKitContextMenu* menu) {
 
 TEST(ContextMenu, LosesTheInspectorWithTheSeparatorBeforeIt) {
     const Menu menu = menuOf({copy, separator, selectAll, separator, inspect});
-    removeDeveloperItems(menu.get());
+    removeUnwantedItems(menu.get());
     EXPECT_THAT(actionsOf(menu.get()), ElementsAre(copy, separator, selectAll));
 }
 
 TEST(ContextMenu, OfTwoSeparatorsAroundTheInspectorOneStays) {
     const Menu menu = menuOf({copy, separator, inspect, separator, selectAll});
-    removeDeveloperItems(menu.get());
+    removeUnwantedItems(menu.get());
     EXPECT_THAT(actionsOf(menu.get()), ElementsAre(copy, separator, selectAll));
 }
 
 TEST(ContextMenu, OfTheInspectorAloneNothingIsLeft) {
     const Menu menu = menuOf({separator, inspect});
-    removeDeveloperItems(menu.get());
+    removeUnwantedItems(menu.get());
+    EXPECT_EQ(webkit_context_menu_get_n_items(menu.get()), 0U);
+}
+
+TEST(ContextMenu, OfAPlaceWithoutTextNothingIsLeft) {
+    const Menu menu = menuOf(
+        {WEBKIT_CONTEXT_MENU_ACTION_GO_BACK, WEBKIT_CONTEXT_MENU_ACTION_GO_FORWARD,
+         WEBKIT_CONTEXT_MENU_ACTION_STOP, WEBKIT_CONTEXT_MENU_ACTION_RELOAD, separator, inspect});
+    removeUnwantedItems(menu.get());
     EXPECT_EQ(webkit_context_menu_get_n_items(menu.get()), 0U);
 }
 
@@ -72,7 +80,7 @@ TEST(ContextMenu, AnActionOfThatNameGoesFromSubmenusToo) {
                                                 G_ACTION(action.get()), "Whatever", nullptr));
     webkit_context_menu_append(menu.get(),
                                webkit_context_menu_item_new_with_submenu("More", inner.get()));
-    removeDeveloperItems(menu.get());
+    removeUnwantedItems(menu.get());
     EXPECT_EQ(webkit_context_menu_get_n_items(menu.get()), 2U);
     EXPECT_THAT(actionsOf(inner.get()), ElementsAre(selectAll));
 }

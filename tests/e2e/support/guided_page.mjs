@@ -32,7 +32,7 @@ function look() {
   }));
   const at = document.activeElement;
   const label = document.getElementById(at.getAttribute('aria-labelledby'));
-  const focus = at === document.body ? '' : at.dataset.key ?? clean(at.getAttribute('aria-label') ?? (label ?? at).textContent);
+  const focus = at === document.body ? '' : at.dataset.key ?? clean(at.getAttribute('aria-label') ?? (label ?? at.labels?.[0] ?? at).textContent);
   const page = JSON.stringify({ controls, rows, focus, text: clean(document.body.innerText) });
   if (page === seen && page !== told) {
     told = page;

@@ -7,7 +7,7 @@ export const settings = {
   general: 'General',
   language: 'Language',
   theme: 'Theme',
-  themeHelp: 'Until you choose one, Velto follows the system.',
+  themeOfSystem: 'As the system',
   trash: 'Velto Trash',
   retention: 'Keep removed items for',
   retentionHelp: 'What you remove can be taken back during this time. After it, automatic maintenance deletes it for good.',

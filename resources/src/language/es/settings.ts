@@ -7,7 +7,7 @@ export const settings: typeof english = {
   general: 'General',
   language: 'Idioma',
   theme: 'Tema',
-  themeHelp: 'Mientras no elijas uno, Velto sigue al sistema.',
+  themeOfSystem: 'Como el sistema',
   trash: 'Papelera de Velto',
   retention: 'Conservar lo que quitas durante',
   retentionHelp: 'En ese tiempo puedes recuperar lo que hayas quitado. Después, el mantenimiento automático lo borra definitivamente.',
