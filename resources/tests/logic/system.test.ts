@@ -4,7 +4,7 @@ import { memory, rate } from '../../src/language/measures.ts';
 import { span, Timeline } from '../../src/state/timeline.ts';
 import { memoryParts } from '../../src/views/sistema/memoryParts.ts';
 import { nextTop, roundUp } from '../../src/views/sistema/scale.ts';
-import { busiestFirst, keyed, nextProcessOrder, sortRows, SteadyRows, withActivity } from '../../src/views/sistema/steadyRows.ts';
+import { busiestFirst, keyed, nextProcessOrder, sortRows, SteadyRows, weighs, withActivity } from '../../src/views/sistema/steadyRows.ts';
 import { group, someActivity, someGroups, someSample } from '../support/system.ts';
 
 const { compare } = formats.en;
@@ -132,6 +132,15 @@ describe('the heaviest applications', () => {
     expect(first!.key).toBe(again!.key);
     const keys = keyed([...someGroups(), ...someGroups()]).map(({ key }) => key);
     expect(new Set(keys).size).toBe(keys.length);
+  });
+});
+
+describe('what weighs', () => {
+  it('is what takes memory or the processor: an idle thread of the kernel is neither', () => {
+    expect(weighs({ cpu: 0, mem: 0 })).toBe(false);
+    expect(weighs({ cpu: 0.04, mem: 0 })).toBe(false);
+    expect(weighs({ cpu: 12, mem: 0 })).toBe(true);
+    expect(weighs({ cpu: 0, mem: 0.5 })).toBe(true);
   });
 });
 

@@ -2,7 +2,7 @@
 import { untrack } from 'svelte';
 import { language } from '../../language/language.svelte.ts';
 import { machine } from '../../state/machine.svelte.ts';
-import { busiestFirst, nextProcessOrder, SteadyRows, withActivity, type ProcessColumn, type ProcessOrder, type ProcessRow } from './steadyRows.ts';
+import { busiestFirst, nextProcessOrder, SteadyRows, weighs, withActivity, type ProcessColumn, type ProcessOrder, type ProcessRow } from './steadyRows.ts';
 
 class Processes {
   rows = $state.raw<ProcessRow[]>([]);
@@ -18,7 +18,7 @@ class Processes {
     const { sample } = machine;
     untrack(() => {
       if (!sample?.procs) return;
-      const groups = withActivity(sample.procs, machine.activity?.procs ?? []);
+      const groups = withActivity(sample.procs.filter(weighs), machine.activity?.procs ?? []);
       this.rows = this.steady.take(groups, this.order, language.formats.compare, this.held);
     });
   }

@@ -4,6 +4,11 @@
  */
 import type { GroupActivity, ProcessGroup } from '../../protocol/protocol.ts';
 
+/** Threads of the kernel have no memory of their own: idle, they weigh nothing at all. */
+export function weighs({ cpu, mem }: { cpu: number; mem: number }): boolean {
+  return cpu >= 0.05 || mem >= 0.05;
+}
+
 export type ProcessColumn = 'name' | 'procs' | 'cpu' | 'mem' | 'disk';
 
 export interface ProcessOrder {
