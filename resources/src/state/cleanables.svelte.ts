@@ -1,7 +1,9 @@
 /** What the program proposes to clean up. There is no failure to hear of, only an answer that does not come. */
+import { untrack } from 'svelte';
 import { hasGoneWith } from '../names/gone.ts';
 import { send } from '../protocol/connection.ts';
 import type { Cleanable, CleanableFacts } from '../protocol/protocol.ts';
+import { session } from './session.svelte.ts';
 
 export type LookPhase = 'idle' | 'looking' | 'late' | 'failed';
 
@@ -22,6 +24,15 @@ class Cleanables {
   emptied = $state(false);
   private ages: ReadonlyMap<string, number> = new Map();
   private timers: ReturnType<typeof setTimeout>[] = [];
+
+  constructor() {
+    // An analysis has seen the same files: what was found before it is as old as the last one.
+    $effect.root(() => {
+      $effect(() => {
+        if (session.analyses) untrack(() => (this.outdated = this.list !== null));
+      });
+    });
+  }
 
   readonly looking: boolean = $derived(this.phase === 'looking' || this.phase === 'late');
 

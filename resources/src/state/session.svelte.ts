@@ -21,6 +21,8 @@ class Session {
   scanPhase = $state<ScanPhase>('idle');
   /** What the running analysis is at; the figures are those of this phase. */
   scanStage = $state<AnalysisPhase>('counting');
+  /** How many have ended with a new state since the page was opened. */
+  analyses = $state(0);
   /** How many places on screen show how the analysis goes. */
   scanShown = $state(0);
   scanFiles = $state(0);
@@ -54,6 +56,8 @@ class Session {
   /** What of the list is really there: what waits has a list of its own. */
   readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.listedExactly()));
   readonly trashGb: number = $derived(this.listedExactly()?.reduce((sum, { gb }) => sum + gb, 0) ?? this.toldTrashGb);
+  /** Items that went back under another name than their own, by id: where they are. */
+  renamed = $state.raw<ReadonlyMap<string, string>>(new Map());
   /** Items that could not go back to their place, by id: what stands on the way there. */
   blocked = $state.raw<ReadonlyMap<string, string>>(new Map());
 

@@ -28,7 +28,10 @@ export function start(): void {
       session.scanFiles = files;
       session.scanGb = gb;
     },
-    onScanFinished: () => endScan('idle'),
+    onScanFinished: () => {
+      endScan('idle');
+      session.analyses += 1;
+    },
     onAnalysisStopped: () => endScan('stopped'),
     onScanFailed: () => endScan(session.scanPhase === 'stopped' ? 'stopped' : 'failed'),
     onPermissions: ({ fda }) => (session.access = fda ? 'granted' : 'missing'),

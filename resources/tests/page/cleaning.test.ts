@@ -38,6 +38,10 @@ describe('cleanup', () => {
         await opened.go('limpieza');
       })).toEqual([]);
       expect(await opened.during(() => opened.page.getByRole('button', { name: 'Look again' }).click())).toEqual([{ type: 'scanCleanables' }]);
+      await opened.tell('onCleanables', someCleanables());
+      // An analysis makes it as old as what it has measured itself.
+      await opened.tell('onScanStarted');
+      expect(await opened.during(() => opened.tell('onScanFinished'))).toEqual([{ type: 'scanCleanables' }]);
     });
   });
 
