@@ -1,4 +1,4 @@
-// The keyboard in the real window, and what a right click offers there.
+// The keyboard and the pointer in the real window.
 import { test } from 'node:test';
 import { openGuided } from './support/guided_page.mjs';
 import { Home, MB } from './support/home.mjs';
@@ -38,4 +38,18 @@ test('a right click offers nothing of a browser, and text fields their own', asy
   const before = await page.desktop.steady();
   await page.desktop.input('click', 3);
   await page.desktop.lookUntil((now) => Math.abs(now.colours - before.colours) > 3);
+});
+
+test('in the smallest window the icons of the rail all fit and take one click after another', async (t) => {
+  const home = new Home(t, { layout: 'freedesktop' }).allocated('Documents/thesis.pdf', 30 * MB);
+  const page = await openGuided(t, home, { size: { width: 720, height: 480 } });
+  for (const [view, words] of [
+    ['Velto Trash', 'Velto Trash is empty'], ['History', 'No cleanup yet'], ['Velto Trash', 'Velto Trash is empty'],
+  ]) {
+    await page.click(view);
+    await page.sees(words);
+    await page.desktop.steady(); // whatever tells the entry's name is there
+  }
+  await page.click(/switch to Spanish/); // the last of them is in sight
+  await page.sees('La Papelera de Velto está vacía');
 });
