@@ -70,7 +70,8 @@ void clearWay(Log& log, const std::string& path) {
         if (!makeWay(path)) return;
         log.line("Velto ▶ apartado lo que ocupaba el lugar de " + singleLine(path));
     } catch (const FileError& error) {
-        log.line(singleLine(error.what()));  // whoever needs the place will say so too
+        // Whoever needs the place will say so too.
+        log.line("Velto ▶ carpetas propias: no se pudo: " + singleLine(error.what()));
     }
 }
 
@@ -101,7 +102,8 @@ std::optional<UnsafeFolder> prepareOwnFolders(const Platform& platform) {
             try {
                 prepare(platform);
             } catch (const FileError& error) {
-                platform.log->line(singleLine(error.what()));
+                platform.log->line("Velto ▶ carpetas propias: no se pudo: " +
+                                   singleLine(error.what()));
             }
         }
         return std::nullopt;

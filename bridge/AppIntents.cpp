@@ -130,7 +130,12 @@ void AppIntents::onAppAnalysis(const Payload& payload) {
             for (const std::string& script : scripts)
                 self->context_.link.evaluate(script);
             if (scripts.empty()) {
-                self->context_.link.toast("No se pudo analizar", "Couldn't analyze", path);
+                const std::string place = shownPath(path, self->context_.platform.layout.home);
+                self->context_.link.toast(
+                    "No se pudo analizar", "Couldn't analyze",
+                    self->context_.language.text(
+                        fmt::format("En «{}» no hay ninguna aplicación, o ya no está ahí.", place),
+                        fmt::format("There is no application at “{}”, or not any more.", place)));
             }
         });
     });

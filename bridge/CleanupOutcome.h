@@ -35,6 +35,7 @@ struct CleanupOutcome {
     // Paths that have left their place, and paths that stand at it again.
     std::vector<std::string> gone;
     std::vector<std::string> back;
+    std::vector<VeltoTrashService::Returned> returned;  // items that went back, wherever to
 
     // As all is when the item ends.
     std::vector<TrashItem> trash;                    // oldest first

@@ -48,6 +48,7 @@ void FolderIntents::load() {
                               if (!self || self->loading_ != Loading::running) return;
                               self->loading_ = Loading::over;
                               self->folders_ = loaded;
+                              self->countDepartures({});
                               for (const auto& work : std::exchange(self->waiting_, {}))
                                   work();
                           });
@@ -57,6 +58,8 @@ void FolderIntents::load() {
 void FolderIntents::replace(Folders folders, bool isSaved) {
     folders_ = std::move(folders);
     loading_ = Loading::over;
+    departures_.forget();
+    countDepartures({});
     // In its turn with a reset, which none of it may outlive.
     if (isSaved && folders_) {
         context_.cleanups.run(
@@ -64,6 +67,17 @@ void FolderIntents::replace(Folders folders, bool isSaved) {
     }
     for (const auto& work : std::exchange(waiting_, {}))
         work();
+}
+
+void FolderIntents::takeTrash(const CleanupOutcome& outcome) {
+    trash_ = outcome.trash;
+    trashBytes_ = outcome.trashBytes;
+    departures_.noteBack(outcome.back);
+    countDepartures(outcome.returned);
+}
+
+void FolderIntents::countDepartures(const std::vector<VeltoTrashService::Returned>& returned) {
+    if (folders_) departures_.take(trash_, trashBytes_, returned, folders_->measured);
 }
 
 void FolderIntents::forget() { replace(nullptr, false); }
@@ -110,9 +124,12 @@ void FolderIntents::open(const FolderRequest& question) {
 }
 
 void FolderIntents::read(const FolderRequest& question, const VolumeUses& volumes) {
-    inBackground([folders = folders_, &reader = *context_.platform.directories, question,
-                  volumes] { return folderContents(reader, folders.get(), question, volumes); },
-                 "onFolder");
+    inBackground(
+        [folders = folders_, &reader = *context_.platform.directories, question, volumes,
+         departures = departures_] {
+            return folderContents(reader, folders.get(), question, volumes, departures);
+        },
+        "onFolder");
 }
 
 void FolderIntents::onSearchFolders(const Payload& payload) {

@@ -8,6 +8,7 @@
 #include "analysis/folders/FolderCache.h"
 #include "bridge/BridgeLink.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/Departures.h"
 #include "bridge/folder_contents.h"
 #include "bridge/payload.h"
 #include "platform/Platform.h"
@@ -42,10 +43,14 @@ public:
     /// Runs `work` on the main thread once loading has ended, which it begins; at once when it has.
     void whenLoaded(std::function<void()> work);
 
+    /// What the trash holds now, and what went back: the totals follow until the next analysis.
+    void takeTrash(const CleanupOutcome& outcome);
+
     void onFolder(const Payload& payload);
     void onSearchFolders(const Payload& payload);
 
 private:
+    void countDepartures(const std::vector<VeltoTrashService::Returned>& returned);
     void open(const FolderRequest& question);
     void read(const FolderRequest& question, const VolumeUses& volumes);
     void inBackground(std::function<std::string()> answer, const char* event);
@@ -53,6 +58,9 @@ private:
     Context context_;
     std::shared_ptr<FolderCache> cache_;
     Folders folders_;
+    Departures departures_;
+    std::vector<TrashItem> trash_;  // as it was told last
+    Departures::Bytes trashBytes_;
     enum class Loading { notBegun, running, over } loading_ = Loading::notBegun;
     std::vector<std::function<void()>> waiting_;
 };

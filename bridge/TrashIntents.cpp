@@ -1,6 +1,8 @@
 #include "bridge/TrashIntents.h"
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -8,6 +10,7 @@
 #include "cleaning/folder_size.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
+#include "settings/sentence_number.h"
 
 namespace velto {
 namespace {
@@ -67,6 +70,17 @@ void withItem(VeltoTrashService& trash, const std::string& id, Action action) {
     }
 }
 
+/// An undo of the rest does not make them unhappen, so the history learns of them.
+void deleteForGood(CleanupServices& services, const std::vector<std::string>& ids) {
+    for (const std::string& id : ids) {
+        const auto& items = services.trash.items();
+        const auto found = std::ranges::find(items, id, &TrashItem::id);
+        const auto item = found == items.end() ? std::nullopt : std::optional(*found);
+        withItem(services.trash, id, [&] { services.trash.deletePermanently(id); });
+        if (item) services.history.noteDeleted(*item);
+    }
+}
+
 }  // namespace
 
 TrashIntents::TrashIntents(const Context& context)
@@ -108,7 +122,7 @@ void TrashIntents::tellMoved(const CleanupOutcome& outcome) {
         link_.toastFailure("No se pudo eliminar", "Couldn't remove", outcome);
         return;
     }
-    const std::string gb = tenths(outcome.gb);
+    const std::string gb = sentenceNumber(outcome.gb, language_);
     const auto days = settings_.retention();
     link_.toast("Eliminado", "Removed",
                 language_.text(
@@ -216,9 +230,7 @@ void TrashIntents::onPurgeItem(const Payload& payload) {
     const auto id = payload::string(payload);
     if (!id) return;
     link_.enqueue(
-        [id = *id](CleanupServices& services, CleanupOutcome&) {
-            withItem(services.trash, id, [&] { services.trash.deletePermanently(id); });
-        },
+        [id = *id](CleanupServices& services, CleanupOutcome&) { deleteForGood(services, {id}); },
         [this](const CleanupOutcome& outcome) {
             if (outcome.failure) {
                 link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
@@ -226,6 +238,33 @@ void TrashIntents::onPurgeItem(const Payload& payload) {
                 link_.toast("Eliminado", "Deleted",
                             language_.text("Eliminado definitivamente.", "Deleted permanently."));
             }
+        });
+}
+
+/// In their order; the first that fails ends it, and the others stay as they are.
+void TrashIntents::onPurgeOperation(const Payload& payload) {
+    const auto id = payload::stringMember(payload, "id");
+    if (!id) return;
+    const auto count = std::make_shared<std::size_t>(0);
+    link_.enqueue(
+        [id = *id, count](CleanupServices& services, CleanupOutcome& outcome) {
+            std::vector<std::string> items;
+            for (const TrashItem& item : services.trash.items()) {
+                if (item.opID == id) items.push_back(item.id);
+            }
+            outcome.hasActed = !items.empty();
+            *count = items.size();
+            deleteForGood(services, items);
+        },
+        [this, count](const CleanupOutcome& outcome) {
+            if (outcome.failure) {
+                link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
+                return;
+            }
+            link_.toast(
+                "Eliminado", "Deleted",
+                language_.text(fmt::format("{} elementos eliminados definitivamente.", *count),
+                               fmt::format("{} items deleted permanently.", *count)));
         });
 }
 

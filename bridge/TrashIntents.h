@@ -37,6 +37,7 @@ public:
     void onRestoreItemTo(const Payload& payload);
     void onGiveUpWaiting(const Payload& payload);
     void onPurgeItem(const Payload& payload);
+    void onPurgeOperation(const Payload& payload);
     void onPurgeTrash(const Payload& payload);
     void onClearHistory(const Payload& payload);
 

@@ -3,9 +3,11 @@
 #include <unordered_set>
 
 #include "bridge/CleanupOutcome.h"
+#include "bridge/FolderIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
+#include "bridge/selection_events.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -71,6 +73,7 @@ std::shared_ptr<const CleanupOutcome> carryOut(
             outcome->blocked = {.itemID = blocked->item().id, .obstacle = blocked->path()};
         }
     }
+    outcome->returned = services.trash.takeReturned();
     outcome->trash = services.trash.items();
     outcome->trashBytes = services.trash.exactSizes();
     outcome->waiting = services.trash.waitingItems();
@@ -125,6 +128,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     const bool hasHistoryChanged = outcome.history != history_;
     trash_ = outcome.trash;
     measurementIntents_->takeTrash(outcome.trashBytes);
+    folderIntents_->takeTrash(outcome);
     const bool hadWaiting = !waiting_.empty();
     waiting_ = outcome.waiting;
     history_ = outcome.history;
@@ -136,7 +140,8 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
         if (isWaitingForTrash_) finishBoot();
         return;
     }
-    if (hasTrashChanged || outcome.hasActed) {
+    if (const auto renamed = events::putBack(outcome.returned)) evaluate(*renamed);
+    if (hasTrashChanged) {
         // First: the page does not list what waits among what can be put back.
         if (hadWaiting || !waiting_.empty()) evaluate(events::trashWaiting(waiting_));
         pushTrash();

@@ -79,6 +79,13 @@ void read(DirectoryReader& reader, OpenFolder& folder, Listing& listing) {
     listing.files.resize(mostEntries);
 }
 
+FolderTree::Folder without(FolderTree::Folder folder, const Departures::Missing& gone) {
+    folder.bytes = std::max<std::int64_t>(0, folder.bytes - gone.bytes);
+    const auto files = static_cast<std::int64_t>(folder.files) - gone.files;
+    folder.files = static_cast<std::uint32_t>(std::max<std::int64_t>(0, files));
+    return folder;
+}
+
 /// Writes the answer piece by piece: a folder may have many thousand entries.
 class Answer {
 public:
@@ -91,10 +98,11 @@ public:
     }
 
     std::string contents(const FolderTree& tree, FolderTree::Index index, const Listing& listing,
-                         const VolumeUses& volumes) {
-        begin(true, nameOf(FolderState::measured), &tree[index]);
+                         const VolumeUses& volumes, const Departures::Below& gone) {
+        const FolderTree::Folder folder = without(tree[index], gone.all);
+        begin(true, nameOf(FolderState::measured), &folder);
         text_.reserve(text_.size() + 64 * listing.list.entries().size());
-        folders(tree, index, listing, volumes);
+        folders(tree, index, listing, volumes, gone);
         entries(listing);
         return std::move(text_) + fmt::format(R"(,"more":{}}})", listing.others);
     }
@@ -117,7 +125,7 @@ private:
 
     /// Those of the tree that are there still, and those that are new, in the order of their names.
     void folders(const FolderTree& tree, FolderTree::Index index, const Listing& listing,
-                 const VolumeUses& volumes) {
+                 const VolumeUses& volumes, const Departures::Below& gone) {
         text_ += R"(,"folders":[)";
         auto [child, last] = tree.children(index);
         for (const std::string_view name : listing.folders) {
@@ -127,7 +135,10 @@ private:
             text_ += R"({"name":)";
             appendPathJson(text_, name);
             if (child < last && tree.name(child) == name) {
-                known(tree[child], volumes.find(name), volumes.end());
+                const auto missing = gone.folders.find(name);
+                known(missing == gone.folders.end() ? tree[child]
+                                                    : without(tree[child], missing->second),
+                      volumes.find(name), volumes.end());
             } else {
                 text_ += R"(,"bytes":-1,"files":0,"latest":0,"state":"new","unreadable":0})";
             }
@@ -179,7 +190,8 @@ bool couldBeNew(const FolderTree& tree, const std::string& path) {
 }  // namespace
 
 std::string folderContents(DirectoryReader& reader, const MeasuredFolders* measured,
-                           const FolderRequest& question, const VolumeUses& volumes) {
+                           const FolderRequest& question, const VolumeUses& volumes,
+                           const Departures& departures) {
     Answer answer(question, measured == nullptr ? 0 : measured->measured);
     if (measured == nullptr || measured->tree->empty()) return answer.notFound("unmeasured");
     const FolderTree& tree = *measured->tree;
@@ -199,7 +211,7 @@ std::string folderContents(DirectoryReader& reader, const MeasuredFolders* measu
         return answer.notFound(isAbsence(errno) ? "gone" : nameOf(FolderState::unreadable),
                                &tree[index]);
     }
-    return answer.contents(tree, index, listing, volumes);
+    return answer.contents(tree, index, listing, volumes, departures.below(tree, question.path));
 }
 
 std::vector<std::string> volumesInside(const MeasuredFolders& measured, const std::string& path) {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "analysis/folders/FolderCache.h"
+#include "bridge/Departures.h"
 #include "platform/DirectoryReader.h"
 
 namespace velto {
@@ -26,9 +27,11 @@ struct FolderRequest {
 };
 
 /// The answer as JSON (`onFolder`): what the analysis has measured, beside what is in the folder
-/// now. `measured` is null without an analysis. Reads the folder; blocking.
+/// now, without what has left for the trash since. `measured` is null without an analysis. Reads
+/// the folder; blocking.
 std::string folderContents(DirectoryReader& reader, const MeasuredFolders* measured,
-                           const FolderRequest& question, const VolumeUses& volumes);
+                           const FolderRequest& question, const VolumeUses& volumes,
+                           const Departures& departures = {});
 
 /// The other file systems that begin directly inside a folder, by name.
 std::vector<std::string> volumesInside(const MeasuredFolders& measured, const std::string& path);

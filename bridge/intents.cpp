@@ -102,6 +102,7 @@ struct IntentTable {
         {"continueComparison", at<measured, &MeasurementIntents::onContinueComparison>},
         {"stopComparison", at<measured, &MeasurementIntents::onStopComparison>},
         {"stopAnalysis", own<&JSBridge::onStopAnalysis>},
+        {"purgeOperation", at<trash, &TrashIntents::onPurgeOperation>},
         {"checkSelection", at<selection, &SelectionIntents::onCheckSelection>},
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
         {"followSystemTheme", at<theme, &ThemeIntents::onFollowSystemTheme>},

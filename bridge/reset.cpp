@@ -8,6 +8,7 @@
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/MeasurementIntents.h"
+#include "bridge/SettingsIntents.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
 #include "cleaning/own_folder.h"
@@ -89,7 +90,7 @@ std::vector<FileError> removeData(Platform& platform, VeltoTrashService& trash, 
 
 void tell(Log& log, const Remains& remains, const std::string& folder) {
     for (const FileError& error : remains.data)
-        log.line(singleLine(error.what()));
+        log.line("Velto ▶ reset: no se pudo: " + singleLine(error.what()));
     if (remains.hasAgent) log.line("Velto ▶ reset incompleto: el LaunchAgent sigue instalado");
     if (!remains.data.empty()) {
         log.line("Velto ▶ reset incompleto: quedan datos en " + singleLine(folder));
@@ -143,7 +144,7 @@ std::optional<FailureText> resetLocalData(Platform& platform, VeltoTrashService&
     try {
         MaintenanceScheduler(platform).remove();
     } catch (const FileError& error) {
-        log.line(singleLine(error.what()));
+        log.line("Velto ▶ reset: no se pudo: " + singleLine(error.what()));
         remains.hasAgent = true;
     }
     const auto folder = platform.files->attributes(platform.layout.dataFolder);
@@ -181,6 +182,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     growthIntents_->tellAnew();
     measurementIntents_->forget();
     evaluate(events::exclusions(exclusions_.paths()));
+    settingsIntents_->onMaintenanceStatus({});  // nothing is scheduled any more
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",
               language_.text(remains->spanish, remains->english));

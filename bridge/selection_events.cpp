@@ -6,6 +6,7 @@
 
 #include "bridge/events.h"
 #include "platform/values/path_text.h"
+#include "platform/values/text.h"
 
 namespace velto::events {
 namespace {
@@ -47,6 +48,16 @@ std::string selection(const SelectionCheck& check, std::int64_t request) {
     return call(
         "onSelection",
         literal({{"request", request}, {"movable", pathTexts(check.movable)}, {"stays", stays}}));
+}
+
+std::optional<std::string> putBack(const std::vector<VeltoTrashService::Returned>& returned) {
+    auto renamed = nlohmann::json::array();
+    for (const auto& [item, path] : returned) {
+        if (lastPathComponent(path) == item.name) continue;
+        renamed.push_back({{"id", item.id}, {"path", pathText(path)}});
+    }
+    if (renamed.empty()) return std::nullopt;
+    return call("onPutBack", literal(renamed));
 }
 
 }  // namespace velto::events

@@ -10,6 +10,7 @@
 #include "platform/Platform.h"
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -52,10 +53,24 @@ void HistoryService::record(const Operation& operation) {
     save();
 }
 
+void HistoryService::noteDeleted(const TrashItem& item) {
+    deleted_[item.opID].push_back({.name = item.name, .gb = item.gb});
+}
+
 void HistoryService::remove(const std::string& operationID) {
     const auto held = lock();
     mergeWithFile();
-    std::erase_if(entries_, [&](const HistoryEntry& entry) { return entry.id == operationID; });
+    const auto deleted = deleted_.find(operationID);
+    const auto entry = std::ranges::find(entries_, operationID, &HistoryEntry::id);
+    if (deleted != deleted_.end() && entry != entries_.end()) {
+        entry->items = deleted->second;
+        entry->gb = 0;
+        for (const HistoryItem& item : entry->items)
+            entry->gb += item.gb;
+        entry->gb = roundedToTenth(entry->gb);
+    } else {
+        std::erase_if(entries_, [&](const HistoryEntry& one) { return one.id == operationID; });
+    }
     save();
 }
 

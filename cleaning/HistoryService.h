@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,7 +33,11 @@ public:
     /// Puts the operation first, and saves.
     void record(const Operation& operation);
 
-    /// Removes the entry of an operation, and saves.
+    /// An item of an operation that stays in the trash otherwise has been deleted for good: no undo
+    /// brings it back. Known as long as the process lives.
+    void noteDeleted(const TrashItem& item);
+
+    /// Removes the entry of an operation, and saves. What was deleted of it stays recorded.
     void remove(const std::string& operationID);
 
     /// Forgets every entry, saves and logs; an empty history is left untouched.
@@ -42,6 +47,7 @@ public:
     void forget() {
         entries_.clear();
         saved_.clear();
+        deleted_.clear();
     }
 
     const std::vector<HistoryEntry>& entries() const { return entries_; }  // newest first
@@ -61,7 +67,8 @@ private:
     /// The ids in the file when it was last read or written: what tells an entry that this process
     /// has added or removed from one that another has.
     std::unordered_set<std::string> saved_;
-    std::unique_ptr<FileVersion> version_;  // of the file that `saved_` tells of
+    std::map<std::string, std::vector<HistoryItem>> deleted_;  // by operation
+    std::unique_ptr<FileVersion> version_;                     // of the file that `saved_` tells of
 };
 
 }  // namespace velto

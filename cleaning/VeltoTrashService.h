@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cleaning/TrashFolder.h"
@@ -69,6 +70,14 @@ public:
     /// Restores the operation's items in order. The first failure ends it and is thrown; what was
     /// restored before stays restored. An id without items does nothing.
     void undoOperation(std::string operationID, const std::vector<std::string>& extraRoots = {});
+
+    /// An item that went back, and where it stands now.
+    struct Returned {
+        TrashItem item;
+        std::string path;
+    };
+    /// What has gone back since this was asked for last.
+    std::vector<Returned> takeReturned() { return std::exchange(returned_, {}); }
 
     /// Deletes an item for good.
     void deletePermanently(std::string itemID);
@@ -191,6 +200,7 @@ private:
     TrashRecovery recovery_;
     std::vector<JournalEntry> waiting_;               // as they were read or written last
     std::map<std::string, std::int64_t> exactSizes_;  // as found so far
+    std::vector<Returned> returned_;
     bool leftJournal_ = false;  // the lists could not be saved; the journal tells of the change
 };
 

@@ -251,6 +251,7 @@ void VeltoTrashService::restoreOne(const TrashItem& item, const FolderHandle* op
             }
             const std::string path = target.substr(0, target.rfind('/') + 1) + place.name;
             moveOut(item, *operation, place, path, entry, change);
+            returned_.push_back({item, path});
             return;
         } catch (const FileError& error) {
             if (change.unsettled) throw;  // the journal tells of one place only

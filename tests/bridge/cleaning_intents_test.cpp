@@ -63,6 +63,15 @@ TEST_F(CleaningIntents, WhatHasChangedInsideIsToldBeforeThem) {
     EXPECT_THAT(page->scripts[1], HasSubstr("onCleanableAges("));
 }
 
+TEST_F(CleaningIntents, ThePageLearnsOfACloudDriveThatIsThere) {
+    load();
+    EXPECT_EQ(count("onCloudDrive"), 0u);
+    machine.home.folder("Library/Mobile Documents/com~apple~CloudDocs");
+    load();
+    ASSERT_EQ(count("onCloudDrive"), 1u);
+    EXPECT_THAT(page->calls("onCloudDrive").front(), HasSubstr("onCloudDrive(true);"));
+}
+
 TEST_F(CleaningIntents, HowCertainEachCacheIsComesBeforeThem) {
     machine.grantAccess();
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);

@@ -57,6 +57,18 @@ struct Reset : TrashFixture {
     std::string data(const std::string& name) const { return dataFolder + "/" + name; }
 };
 
+TEST_F(Reset, ThePageHearsThatNothingIsScheduledAnyMore) {
+    post("settings", {{"enabled", true}});
+    machine.dispatcher.runAll();
+    ASSERT_TRUE(lastArgument(*page, "onMaintenance")["installed"]);
+    page->scripts.clear();
+    post("resetVelto");
+    machine.dispatcher.runAll();
+    ASSERT_EQ(count("onMaintenance"), 1u);
+    EXPECT_FALSE(lastArgument(*page, "onMaintenance")["installed"]);
+    EXPECT_TRUE(lastArgument(*page, "onMaintenance")["next"].is_null());
+}
+
 TEST_F(Reset, WhatStaysIsToldAndStaysListed) {
     remove({archive, copy1});
     remove({film, copy2});

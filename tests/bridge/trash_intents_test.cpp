@@ -39,7 +39,7 @@ TEST_F(TrashIntents, TheToastFollowsLanguageAndRetention) {
     settings.setRetention(7);
     remove({film});
     EXPECT_EQ(page->calls("toast").back(),
-              toastScript("Eliminado", "1.2 GB en la Papelera de Velto. Se conservan 7 días."));
+              toastScript("Eliminado", "1,2 GB en la Papelera de Velto. Se conservan 7 días."));
 }
 
 TEST_F(TrashIntents, TheTrashIsToldItemByItem) {

@@ -120,6 +120,69 @@ TEST_F(TrashState, AnAnalysisThatRunsMeanwhileDoesNotBringBackWhatHasGone) {
     EXPECT_THAT(shownFiles(), ElementsAre("large.wav"));
 }
 
+TEST_F(TrashState, WhatChangesNothingInTheTrashTellsNothingOfIt) {
+    remove({film});
+    page->scripts.clear();
+    ask("clearHistory");
+    machine.home.folder("Library/Mobile Documents/com~apple~CloudDocs");
+    ask("moveCloud", {{"paths", {archive}}});
+    EXPECT_EQ(lastArgument(*page, "onCloudMove")["moved"].size(), 1u);
+    EXPECT_EQ(count("onTrashChanged") + count("onTrashState"), 0u);
+    EXPECT_GE(count("setState"), 2u);
+}
+
+TEST_F(TrashState, OfAnUndoneCleanupWhatWasDeletedForGoodStaysInTheHistory) {
+    remove({film, archive});
+    ask("purgeItem", trash.items()[1].id);
+    ask("undoLast");
+    const nlohmann::json entries = shown()["history"];
+    ASSERT_THAT(entries, SizeIs(1));
+    EXPECT_EQ(entries[0]["items"], nlohmann::json::array({{{"name", "archive.zip"}, {"gb", 0.7}}}));
+    EXPECT_EQ(entries[0]["gb"], 0.7);
+
+    remove({film});
+    ask("undoLast");
+    EXPECT_THAT(shown()["history"], SizeIs(1));
+}
+
+TEST_F(TrashState, AnItemThatCameBackUnderAnotherNameIsNamedBeforeTheTrash) {
+    remove({film, archive});
+    machine.home.text("Movies/film.mov", "another one");
+    const std::string id = trash.items()[0].id;
+    page->scripts.clear();
+    ask("undoLast");
+    const nlohmann::json told = lastArgument(*page, "onPutBack");
+    ASSERT_THAT(told, SizeIs(1)) << "the other one has its own name";
+    EXPECT_EQ(told[0]["id"], id);
+    EXPECT_EQ(told[0]["path"], machine.home.path("Movies/film (restaurado 1).mov"));
+    const auto at = [&](const char* callback) {
+        return std::ranges::find_if(page->scripts, [&](const std::string& script) {
+            return script.find(callback) != std::string::npos;
+        });
+    };
+    EXPECT_LT(at("onPutBack("), at("onTrashState("));
+    page->scripts.clear();
+    remove({copy1});
+    ask("undoLast");
+    EXPECT_EQ(count("onPutBack"), 0u);
+}
+
+TEST_F(TrashState, AWholeCleanupIsDeletedForGoodAndNoOther) {
+    remove({film, archive});
+    const std::string operation = trash.items().front().opID;
+    remove({copy1});
+    ask("purgeOperation", {{"id", operation}});
+    ASSERT_THAT(trash.items(), SizeIs(1));
+    EXPECT_EQ(trash.items().front().originalPath, copy1);
+    EXPECT_EQ(page->calls("toast").back(), toastScript("Deleted", "2 items deleted permanently."));
+    EXPECT_THAT(lastArgument(*page, "onTrashState"), SizeIs(1));
+    page->scripts.clear();
+    ask("purgeOperation");
+    ask("purgeOperation", operation);
+    EXPECT_EQ(count("toast"), 0u);
+    EXPECT_THAT(trash.items(), SizeIs(1));
+}
+
 TEST_F(TrashState, HistoryShowsBeforeTheFirstAnalysisToo) {
     machine.platform.files->removeAll(machine.home.path(dataFolder + "/lastScan.json"));
     openWindow();

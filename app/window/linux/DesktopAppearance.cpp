@@ -144,7 +144,7 @@ std::optional<Appearance> DesktopAppearance::remembered() const {
         if (text == "dark") return Appearance::dark;
         if (text == "light") return Appearance::light;
     } catch (const FileError& error) {
-        platform_.log->line(singleLine(error.what()));
+        platform_.log->line("Velto ▶ tema recordado: no se pudo leer: " + singleLine(error.what()));
     }
     return std::nullopt;
 }
@@ -155,7 +155,9 @@ void DesktopAppearance::remember(Appearance appearance) {
         platform_.files->writeAtomically(memory_,
                                          appearance == Appearance::dark ? "dark" : "light");
     } catch (const FileError& error) {
-        platform_.log->line(singleLine(error.what()));  // the next start may show another colour
+        // The next start may show another colour.
+        platform_.log->line("Velto ▶ tema recordado: no se pudo guardar: " +
+                            singleLine(error.what()));
     }
 }
 

@@ -67,7 +67,8 @@ void prepareWebData(const Platform& platform, const std::string& folder) {
         try {
             makeOwnFolder(folder);
         } catch (const UnsafeFolder& unsafe) {
-            platform.log->line(singleLine(unsafe.what()));
+            platform.log->line("Velto ▶ datos del motor web apartados: " +
+                               singleLine(unsafe.what()));
             const std::string name(lastPathComponent(folder));
             const auto parent =
                 platform.mover->openFolder(parentFolder(folder), FolderPath::throughLinks);
@@ -76,7 +77,8 @@ void prepareWebData(const Platform& platform, const std::string& folder) {
         }
         removeStaleTemporaries(folder);
     } catch (const std::runtime_error& error) {
-        platform.log->line(singleLine(error.what()));  // the page then remembers nothing
+        // The page then remembers nothing.
+        platform.log->line("Velto ▶ datos del motor web: no se pudo: " + singleLine(error.what()));
     }
 }
 

@@ -2,7 +2,7 @@
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
 import { cacheReasons, refusalReasons, ruleIds, selectionReasons, waitReasons } from './records.ts';
 import type {
-  CacheFact, Cleanable, CleanableFacts, MaintenanceRule, MaintenanceStatus, Refusal, RestoreBlock, SelectionCheck, TrashItem,
+  CacheFact, Cleanable, CleanableFacts, CloudMove, MaintenanceRule, MaintenanceStatus, PutBack, Refusal, RestoreBlock, SelectionCheck, TrashItem,
   WaitingItem,
 } from './records.ts';
 
@@ -29,6 +29,15 @@ export function waitingItems(value: unknown): WaitingItem[] {
       : null,
   );
   return distinct(items, ({ id }) => id);
+}
+
+export function putBack(value: unknown): PutBack[] {
+  return list(value, ({ id, path }) => (text(id) && text(path) ? { id: text(id), path: text(path) } : null));
+}
+
+export function cloudMove(value: unknown): CloudMove | null {
+  const fields = fieldsOf(value);
+  return fields && { moved: texts(fields.moved), failed: texts(fields.failed), direction: fields.direction === 'from' ? 'from' : 'to' };
 }
 
 export function restoreBlock(value: unknown): RestoreBlock | null {

@@ -15,6 +15,11 @@ export const laterReaders: LaterReaders = {
     const folders = folderGuards.homeFolders(value);
     return folders && [folders];
   },
+  onCloudDrive: ([isThere]) => [isThere === true],
+  onCloudMove: ([value]) => {
+    const move = cleaningGuards.cloudMove(value);
+    return move && [move];
+  },
   onExactSizes: ([sizes]) => [measurementGuards.exactSizes(sizes)],
   onLinkedCopies: ([groups]) => [measurementGuards.linkedCopies(groups)],
   onMeasurement: ([value]) => {
@@ -38,6 +43,7 @@ export const laterReaders: LaterReaders = {
     const check = cleaningGuards.selectionCheck(value);
     return check && [check];
   },
+  onPutBack: ([items]) => [cleaningGuards.putBack(items)],
   onRestoreBlocked: ([value]) => {
     const block = cleaningGuards.restoreBlock(value);
     return block && [block];

@@ -10,7 +10,7 @@ import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince, HomeFolde
 import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
-  Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, Refusal,
+  Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, PutBack, Refusal,
   RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
@@ -68,6 +68,7 @@ export interface Intents {
   restoreItemTo: { id: string };
   giveUpWaiting: { id: string };
   purgeItem: string;
+  purgeOperation: { id: string };
   purgeTrash: void;
   clearHistory: void;
   openFDASettings: void;
@@ -130,7 +131,11 @@ export interface Events {
   onTrashChanged: [gb: number];
   onRefused: [refusal: Refusal];
   onSelection: [check: SelectionCheck];
+  /** Comes before the `onTrashState` without them. */
+  onPutBack: [items: PutBack[]];
   onRestoreBlocked: [block: RestoreBlock];
+  /** There is a cloud drive that files can be moved to. */
+  onCloudDrive: [isThere: boolean];
   onCloudMove: [result: CloudMove];
   onApps: [apps: InstalledApp[]];
   onAppSizes: [sizes: Record<string, number>];

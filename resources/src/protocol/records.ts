@@ -169,6 +169,12 @@ export interface SelectionCheck {
   stays: Stay[];
 }
 
+/** An item that went back under another name than its own. */
+export interface PutBack {
+  id: string;
+  path: string;
+}
+
 export interface Cleanable {
   ruleID: string;
   path: string;

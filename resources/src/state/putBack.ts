@@ -1,7 +1,8 @@
 /** Taking things out of Velto Trash: back to their places, or for good. */
 import { language } from '../language/language.svelte.ts';
 import { plainName } from '../names/marks.ts';
-import { folderOf, shortInMiddle } from '../names/middle.ts';
+import { fromHome } from '../names/home.ts';
+import { folderOf, lastComponent, shortInMiddle } from '../names/middle.ts';
 import { send } from '../protocol/connection.ts';
 import type { TrashItem, WaitingItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
@@ -19,11 +20,19 @@ function sayPutBack(items: readonly TrashItem[]): void {
   cleanables.outdated = cleanables.list !== null;
   leftBehind.outdated = leftBehind.hasAnswered;
   const [only] = items;
+  const renamed = items.flatMap(({ id }) => session.renamed.get(id) ?? []);
+  const newName = (path: string) => shortInMiddle(plainName(lastComponent(path)), 48);
+  const note = renamed.length === 0 || items.length === 1 ? '' : words.putBackRenamed(renamed.length, newName(renamed[0]!));
+  const [path] = renamed;
+  const place = (one: TrashItem) => plainName(fromHome(folderOf(one.path), session.home));
   toasts.show(
     words.putBackDone,
     items.length === 1 && only
-      ? words.putBackOne(shortInMiddle(plainName(only.name), 48), plainName(folderOf(only.path)))
+      ? path === undefined
+        ? words.putBackOne(shortInMiddle(plainName(only.name), 48), place(only))
+        : words.putBackOneAs(shortInMiddle(plainName(only.name), 48), newName(path), place(only))
       : words.putBackMany(items.length, totalGb(items)),
+    { note },
   );
 }
 
@@ -123,6 +132,23 @@ export async function giveUpWaiting(item: WaitingItem): Promise<void> {
   if (!confirmed || !session.waiting.some(({ id }) => id === item.id)) return;
   toasts.withdrawUndo();
   send('giveUpWaiting', { id: item.id });
+}
+
+export async function purgeAll(operation: Operation): Promise<void> {
+  const words = language.words.trash;
+  const isBusy = () => operation.items.some(({ id }) => requests.busy.has(id));
+  if (isBusy()) return;
+  const confirmed = await questions.ask({
+    title: words.purgeAllTitle(operation.items.length),
+    paragraphs: [words.purgeText(operation.gb), words.noWayBackAll],
+    confirm: words.purgeConfirm,
+  });
+  // Part of it may have gone while the question stood.
+  const left = (session.trash ?? []).filter(({ opID }) => opID === operation.id);
+  if (!confirmed || !left.length || isBusy()) return;
+  toasts.withdrawUndo();
+  void requests.ask('purge', idsOf(left));
+  send('purgeOperation', { id: operation.id });
 }
 
 export async function emptyTrash(): Promise<void> {

@@ -6,6 +6,7 @@ import { listenLater, type LaterListeners } from '../protocol/connection.ts';
 import { laterReaders } from '../protocol/laterReaders.ts';
 import type { TrashItem } from '../protocol/protocol.ts';
 import { cleanables } from './cleanables.svelte.ts';
+import { cloud } from './cloud.svelte.ts';
 import { folders } from './folders.svelte.ts';
 import { growth } from './growth.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
@@ -31,6 +32,8 @@ export function startLater(): void {
         uninstalling.takeRefusal(title);
         if (!leftovers.takeFailure(title, detail)) showAnswer(title, detail);
       },
+      onCloudDrive: (isThere) => (cloud.isThere = isThere),
+      onCloudMove: (result) => cloud.receive(result),
       onHome: (path) => (session.home = path),
       onHomeFolders: (told) => (session.homeFolders = told),
       onExactSizes: (sizes) => (session.sizes = { ...session.sizes, ...sizes }),
@@ -47,6 +50,7 @@ export function startLater(): void {
       onTrashChanged: (gb) => (session.toldTrashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
       onSelection: (check) => selectionChecks.receive(check),
+      onPutBack: (items) => (session.renamed = new Map([...session.renamed, ...items.map(({ id, path }) => [id, path] as const)])),
       onRestoreBlocked: ({ id, path }) => (session.blocked = new Map(session.blocked).set(id, path)),
       onFolder: (contents) => folders.receive(contents),
       onFolderSearch: (found) => folders.receiveSearch(found),

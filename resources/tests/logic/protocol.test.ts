@@ -113,7 +113,7 @@ describe('connecting', () => {
 
   it('does not install callbacks that nobody listens to', () => {
     connect({ onScanStarted: () => {} });
-    expect(page.velto!.onCloudMove).toBeUndefined();
+    expect(page.velto!.onScanFinished).toBeUndefined();
   });
 
   it('a listener that throws never reaches the program', () => {

@@ -144,6 +144,28 @@ describe('large files', () => {
     });
   });
 
+  it('moves to the cloud where there is one, after what it does to the space is said, and back', async () => {
+    await inView('Large files', async ({ page, during, tell }) => {
+      const tick = () => page.getByRole('row', { name: 'Boda Clara y Hugo.mp4' }).getByRole('gridcell').first().click();
+      await tick();
+      const toCloud = page.getByRole('button', { name: 'Move to iCloud Drive…' });
+      expect(await toCloud.count()).toBe(0);
+      await tell('onCloudDrive', true);
+      expect(await during(() => toCloud.click())).toEqual([]);
+      const dialog = page.getByRole('dialog');
+      expect(await dialog.textContent()).toContain('On this disk nothing becomes free yet.');
+      expect(await during(() => dialog.getByRole('button', { name: 'Move to iCloud Drive' }).click())).toEqual([
+        { type: 'moveCloud', payload: { paths: [wedding], direction: 'to' } },
+      ]);
+      expect(await during(() => page.keyboard.press('Delete')), 'it is under way').toEqual([]);
+      await tell('onCloudMove', { moved: [wedding], failed: [], direction: 'to' });
+      const back = page.locator('.toast').getByRole('button', { name: 'Undo' });
+      expect(await during(() => back.click())).toEqual([{ type: 'moveCloud', payload: { paths: [wedding], direction: 'from' } }]);
+      await tell('onCloudMove', { moved: [], failed: [wedding], direction: 'from' });
+      expect(await page.locator('.toast').last().textContent()).toContain('Not moved: “Boda Clara y Hugo.mp4”.');
+    });
+  });
+
   it('filters and sorts', async () => {
     await inView('Large files', async ({ page }) => {
       const names = () => page.locator('[data-key]').evaluateAll((rows) => rows.map((row) => row.getAttribute('data-key')!.split('/').at(-1)));

@@ -63,6 +63,46 @@ describe('Velto Trash', () => {
     });
   });
 
+  it('an item that came back under another name says which', async () => {
+    await withPage(async (opened) => {
+      const items = someTrash();
+      await opened.tell('onHome', home);
+      await opened.tell('onTrashState', items);
+      await opened.go('papelera');
+      const item = items.find(({ name }) => name === 'Boda Clara y Hugo.mp4')!;
+      await putBack(opened, item.name).click();
+      await opened.tell('onPutBack', [{ id: item.id, path: `${home}/Movies/Boda Clara y Hugo (restaurado 1).mp4` }]);
+      await opened.tell('onTrashState', items.filter(({ id }) => id !== item.id));
+      expect(await toastTexts(opened)).toEqual([
+        expect.stringContaining('Another “Boda Clara y Hugo.mp4” stands in ~/Movies, so it is back there as “Boda Clara y Hugo (restaurado 1).mp4”.'),
+      ]);
+    });
+  });
+
+  it('a whole cleanup is deleted for good after a question, by key too', async () => {
+    await withPage(async (opened) => {
+      const items = someTrash();
+      await opened.tell('onTrashState', items);
+      await opened.go('papelera');
+      const { page } = opened;
+      const head = page.locator('[data-key^="operation:"]').nth(1);
+      const id = (await head.getAttribute('data-key'))!.slice('operation:'.length);
+      await head.focus();
+      await page.keyboard.press('Delete');
+      const dialog = page.getByRole('dialog');
+      expect(await dialog.getByRole('heading').textContent()).toBe('Delete 2 items for good?');
+      expect(await focusedText(opened)).toBe('Cancel');
+      expect(await opened.during(() => page.keyboard.press('Enter'))).toEqual([]);
+      await head.getByRole('button', { name: /^Delete this cleanup for good: 2 items/ }).click();
+      expect(await opened.during(() => dialog.getByRole('button', { name: 'Delete for good' }).click())).toEqual([
+        { type: 'purgeOperation', payload: { id } },
+      ]);
+      await opened.tell('toast', 'Deleted', '2 items deleted permanently.');
+      await opened.tell('onTrashState', items.filter(({ opID }) => opID !== id));
+      expect(await page.locator(`[data-key="operation:${id}"]`).count()).toBe(0);
+    });
+  });
+
   it('an item that cannot be put back stays and can be tried again', async () => {
     await withPage(async (opened) => {
       await ready(opened);

@@ -1,5 +1,6 @@
 import { appWords } from './apps.ts';
 import { cleanup } from './cleanup.ts';
+import { cloud } from './cloud.ts';
 import { folders } from './folders.ts';
 import { growth } from './growth.ts';
 import { history } from './history.ts';
@@ -10,4 +11,4 @@ import { systemWords } from './system.ts';
 import { trash } from './trash.ts';
 
 /** The words that come with the second script. */
-export const laterEn = { lists, folders, growth, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };
+export const laterEn = { lists, cloud, folders, growth, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };

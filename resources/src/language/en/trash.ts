@@ -15,7 +15,7 @@ const listed = new Intl.ListFormat('en', { type: 'conjunction' });
 
 export const trash = {
   label: 'Velto Trash, by cleanup',
-  help: 'Arrow keys move, Enter puts an item or a whole cleanup back, Delete asks before it deletes an item for good, right arrow reaches the actions of a row.',
+  help: 'Arrow keys move, Enter puts an item or a whole cleanup back, Delete asks before it deletes an item or a whole cleanup for good, right arrow reaches the actions of a row.',
   holds: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
   figureWords: 'held in Velto Trash',
   notFree: 'The items still take up that space. It comes back only when they are deleted for good.',
@@ -44,6 +44,10 @@ export const trash = {
   purgeTitle: (name: string) => `Delete “${name}” for good?`,
   purgeText: (gb: number) => (gb > 0 ? `${size(gb)} become free.` : 'It takes up next to no space.'),
   noWayBack: 'It cannot be put back afterwards.',
+  purgeAll: 'Delete this cleanup for good…',
+  purgeAllOf: (count: number, when: string) => `Delete this cleanup for good: ${plural(count, items)}, moved ${when}…`,
+  purgeAllTitle: (count: number) => `Delete ${plural(count, items)} for good?`,
+  noWayBackAll: 'Nothing of it can be put back afterwards.',
   purgeConfirm: 'Delete for good',
   emptyTitle: 'Empty Velto Trash?',
   emptyText: (count: number, gb: number) =>
@@ -80,6 +84,13 @@ export const trash = {
   lateText: 'What lies in Velto Trash is not affected. The list comes with the next change.',
   putBackDone: 'Put back',
   putBackOne: (name: string, folder: string) => `“${name}” is back in ${folder}.`,
+  putBackOneAs: (name: string, now: string, folder: string) =>
+    `Another “${name}” stands in ${folder}, so it is back there as “${now}”.`,
+  putBackRenamed: (count: number, first: string) =>
+    plural(count, {
+      one: `One of them has another name now, “${first}”: something else stands in its place.`,
+      other: `# of them have other names now, such as “${first}”: something else stands in their places.`,
+    }),
   putBackMany: (count: number, gb: number) => `${plural(count, items)}, ${size(gb)}, are back in their folders.`,
   nothingToUndo: 'Nothing to undo',
   nothingToUndoText: 'Velto Trash is empty.',

@@ -16,7 +16,7 @@ const listed = new Intl.ListFormat('es', { type: 'conjunction' });
 
 export const trash: typeof english = {
   label: 'Papelera de Velto, por limpiezas',
-  help: 'Las flechas mueven, Intro devuelve a su sitio un elemento o una limpieza entera, Suprimir pregunta antes de eliminar un elemento definitivamente, la flecha derecha llega a las acciones de la fila.',
+  help: 'Las flechas mueven, Intro devuelve a su sitio un elemento o una limpieza entera, Suprimir pregunta antes de eliminar definitivamente un elemento o una limpieza entera, la flecha derecha llega a las acciones de la fila.',
   holds: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
   figureWords: 'en la Papelera de Velto',
   notFree: 'Los elementos siguen ocupando ese espacio. Solo vuelve cuando se eliminan definitivamente.',
@@ -47,6 +47,10 @@ export const trash: typeof english = {
   purgeTitle: (name) => `¿Eliminar «${name}» definitivamente?`,
   purgeText: (gb) => (gb > 0 ? `Quedan libres ${size(gb)}.` : 'Apenas ocupa espacio.'),
   noWayBack: 'Después ya no se puede recuperar.',
+  purgeAll: 'Eliminar definitivamente esta limpieza…',
+  purgeAllOf: (count, when) => `Eliminar esta limpieza definitivamente: ${plural(count, items)}, ${when}…`,
+  purgeAllTitle: (count) => `¿Eliminar ${plural(count, items)} definitivamente?`,
+  noWayBackAll: 'Después no se podrá restaurar nada de ella.',
   purgeConfirm: 'Eliminar definitivamente',
   emptyTitle: '¿Vaciar la Papelera de Velto?',
   emptyText: (count, gb) =>
@@ -83,6 +87,12 @@ export const trash: typeof english = {
   lateText: 'Lo que hay en la Papelera de Velto sigue allí. La lista llega con el próximo cambio.',
   putBackDone: 'De vuelta en su sitio',
   putBackOne: (name, folder) => `«${name}» está de nuevo en ${folder}.`,
+  putBackOneAs: (name, now, folder) => `En ${folder} hay otro «${name}», así que ahí está de nuevo como «${now}».`,
+  putBackRenamed: (count, first) =>
+    plural(count, {
+      one: `Uno tiene ahora otro nombre, «${first}»: en su sitio hay otra cosa.`,
+      other: `# tienen ahora otros nombres, como «${first}»: en sus sitios hay otras cosas.`,
+    }),
   putBackMany: (count, gb) => `${plural(count, items)}, ${size(gb)}, de nuevo en sus carpetas.`,
   nothingToUndo: 'No hay nada que deshacer',
   nothingToUndoText: 'La Papelera de Velto está vacía.',
