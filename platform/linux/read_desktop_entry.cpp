@@ -52,6 +52,19 @@ bool standsForFiles(std::string_view argument) {
            (argument.starts_with("@@") && argument.size() <= 3);
 }
 
+/// Where the command of `env` begins: past its options and assignments (env(1)). 0: it has none.
+int pastEnv(char** words, int count) {
+    int index = 1;
+    for (; index < count; ++index) {
+        const std::string_view word = words[index];
+        const bool isOption = word.starts_with('-');
+        if (!isOption && word.find('=') == std::string_view::npos) return index;
+        // Those that take a word of their own.
+        if (word == "-u" || word == "-C" || word == "--unset" || word == "--chdir") ++index;
+    }
+    return 0;
+}
+
 /// A command line, past `env` and its assignments.
 Command commandOf(const char* commandLine) {
     int count = 0;
@@ -62,12 +75,7 @@ Command commandOf(const char* commandLine) {
     }
     const GlibTexts arguments(parsed);
     int index = 0;
-    if (lastPathComponent(parsed[0]) == "env") {
-        ++index;
-        while (index < count && std::string_view(parsed[index]).find('=') != std::string::npos)
-            ++index;
-        if (index == count) index = 0;
-    }
+    if (lastPathComponent(parsed[0]) == "env") index = pastEnv(parsed, count);
     const GlibText found(g_find_program_in_path(parsed[index]));
     if (!found) return {};
     Command command{.program = resolvedOrSame(found.get()), .arguments = {}};

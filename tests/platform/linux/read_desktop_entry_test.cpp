@@ -27,6 +27,42 @@ TEST(ReadDesktopEntry, AnEntryMayBeALink) {
     EXPECT_EQ(read->name, "Sleeper");
 }
 
+/// An entry that starts a program of that name with the arguments.
+std::optional<DesktopEntry> entryOf(TempHome& home, const std::string& program,
+                                    const std::string& arguments) {
+    home.text("bin/" + program, "#!/bin/sh\n");
+    chmod(home.path("bin/" + program).c_str(), 0755);
+    home.text("e.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=" +
+                               home.path("bin/" + program) + " " + arguments + "\n");
+    return readDesktopEntry(home.path("e.desktop"));
+}
+
+TEST(ReadDesktopEntry, WhatOnlyStartsSomethingElseIsNotTheApplication) {
+    TempHome home;
+    for (const char* launcher :
+         {"flatpak", "flatpak-spawn", "snap", "sh", "bash", "python3.12", "wine", "umu-run",
+          "distrobox-enter", "toolbox", "prime-run", "gamemoderun", "systemd-run", "firejail",
+          "nice", "dbus-run-session", "kdesu", "appimage-run"}) {
+        const auto read = entryOf(home, launcher, "run org.acme.Mine");
+        ASSERT_TRUE(read) << launcher;
+        EXPECT_TRUE(read->startsScript) << launcher;
+    }
+    EXPECT_FALSE(entryOf(home, "timeshift", "--gtk")->startsScript);
+}
+
+TEST(ReadDesktopEntry, TheCommandOfEnvComesAfterItsOptionsAndAssignments) {
+    TempHome home;
+    entryOf(home, "mine", "");
+    for (const char* words : {"A=1 B=2", "-i", "-u DISPLAY A=1", "--unset=X -C /tmp"}) {
+        home.text("e.desktop", std::string("[Desktop Entry]\nType=Application\nName=X\nExec=env ") +
+                                   words + " " + home.path("bin/mine") + " %U\n");
+        const auto read = readDesktopEntry(home.path("e.desktop"));
+        ASSERT_TRUE(read) << words;
+        EXPECT_EQ(read->executable, home.path("bin/mine")) << words;
+        EXPECT_FALSE(read->startsScript);
+    }
+}
+
 TEST(ReadDesktopEntry, AnEntryLongerThanAnyIsNotRead) {
     TempHome home;
     const auto with = [&](std::size_t bytes) {
