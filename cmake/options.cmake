@@ -65,7 +65,7 @@ if(VELTO_SANITIZE)
     endif()
     # What LLVM's linker does in one second takes the system's four.
     find_program(LLD_PROGRAM ld.lld)
-    if(LLD_PROGRAM AND NOT APPLE AND CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    if(LLD_PROGRAM AND NOT APPLE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         target_link_options(velto_options INTERFACE -fuse-ld=lld)
     endif()
     if(CMAKE_UNITY_BUILD)
