@@ -1,6 +1,10 @@
 /** Keys that work everywhere. Cmd/Ctrl+R belongs to the program's menu and is left alone. */
 import { undoLastCleanup } from '../state/putBack.ts';
 
+import { navigation } from '../state/navigation.svelte.ts';
+import { shortcuts } from '../state/shortcuts.svelte.ts';
+import { views } from '../views/registry.ts';
+
 const regions = ['rail', 'list', 'actions', 'offer'];
 
 function isTextField(target: EventTarget | null): boolean {
@@ -24,6 +28,8 @@ export function focusNextRegion(backwards: boolean): void {
   const current = present.findIndex(({ region }) => region.contains(document.activeElement));
   const step = backwards ? -1 : 1;
   const next = current < 0 ? 0 : (current + step + present.length) % present.length;
+  // Some engines show no ring for a focus that a script has moved, whatever key it was moved by.
+  document.documentElement.dataset.ring = '';
   present[next]!.entry.focus();
 }
 
@@ -39,6 +45,14 @@ export function handleKey(event: KeyboardEvent): void {
     event.preventDefault();
     search.focus();
     search.select();
+  } else if (command && /^[1-9]$/.test(event.key)) {
+    const view = views[Number(event.key) - 1];
+    if (!view) return;
+    event.preventDefault();
+    navigation.arrive(view.name);
+  } else if (event.key === '?' && !event.ctrlKey && !event.metaKey && !event.altKey && !isTextField(event.target)) {
+    event.preventDefault();
+    shortcuts.open = true;
   } else if (command && event.key.toLowerCase() === 'z' && !isTextField(event.target)) {
     event.preventDefault();
     void undoLastCleanup();

@@ -10,6 +10,8 @@ class Navigation {
   view = $state<ViewName>('inicio');
   /** The path that the list of large files should show and focus; taken by the list. */
   wantedFile = $state<string | null>(null);
+  /** The category whose large files should be listed; taken by their view. */
+  wantedFilesOf = $state<string | null>(null);
   /** The folder that the view of the folders should open (the home has ""); taken by the view. */
   wantedFolder = $state<string | null>(null);
   /** The category whose folder it should look for in the home; taken by the view. */
@@ -38,6 +40,11 @@ class Navigation {
   openFile(path: string): void {
     this.wantedFile = path;
     this.view = 'archivos';
+  }
+
+  openFilesOf(category: string): void {
+    this.wantedFilesOf = category;
+    this.arrive('archivos');
   }
 
   openFolder(path: string): void {

@@ -68,10 +68,23 @@ export function showAnswer(title: string, detail: string): void {
   }
   if (answer.kind === 'remove' && !failed) {
     toasts.dismissUndo();
-    toasts.show(title, detail, { canUndo: true });
+    toasts.show(title, inWords(detail), { canUndo: true });
     return;
   }
-  toasts.show(title, detail, { note: failed ? noteOnFailure(answer.kind) : '' });
+  const note = failed ? noteOnFailure(answer.kind) : answer.kind === 'empty' ? noteOnEmptied() : '';
+  if (!failed) toasts.dismissOfTrash();
+  toasts.show(title, inWords(detail), { note });
+}
+
+/** The message comes before the list without what was deleted. */
+function noteOnEmptied(): string {
+  const gb = session.trash?.reduce((sum, item) => sum + item.gb, 0) ?? 0;
+  return gb > 0 ? language.words.trash.freeAgain(gb) : '';
+}
+
+/** The program writes "2.0 GB" in either language; the page says sizes as it does everywhere. */
+export function inWords(detail: string): string {
+  return detail.replace(/(\d+\.\d)(?=[ \u00a0]GB)/g, (figure) => language.formats.amount(Number(figure)));
 }
 
 /** Which items stopped it and, where others could go without them, the way to move those. */
@@ -94,6 +107,7 @@ function noteOnFailure(kind: RequestKind): string {
 
 export function revealInFolder(path: string): void {
   send('revealPath', path);
+  toasts.sign(language.words.lists.showing);
 }
 
 /** What has been left out just now, at the page's request; its message follows. */
@@ -137,4 +151,6 @@ export function copyPaths(paths: string[]): void {
   document.execCommand('copy');
   document.removeEventListener('copy', fill, { capture: true });
   document.removeEventListener('beforecopy', announce, { capture: true });
+  const words = language.words.lists;
+  toasts.sign(paths.length === 1 ? words.copied : words.copiedMany(paths.length));
 }

@@ -49,6 +49,13 @@ describe('what the map shows', () => {
     expect(branches(cats, files, 6)[0]!.children.map(({ gb }) => gb)).toEqual([60, 40]);
   });
 
+  it('files too small for a cell are one cell together, when together they are large enough', () => {
+    const files = Array.from({ length: 37 }, (_, index) => bigFile(`${home}/Movies/${index}.mov`, 0.5, 'video', 1));
+    const photos = branches(cats, files, 6)[0]!;
+    expect(photos.children.map(({ gb, count }) => [gb, count])).toEqual([[18.5, 37], [81.5, 0]]);
+    expect(layOut(cats, files, 900, 360).find(({ id }) => id === 'fotos')!.together).toMatchObject({ count: 37, gb: 18.5 });
+  });
+
   it('categories without space are left out', () => {
     expect(branches(cats, [], 1).map(({ category }) => category.id)).toEqual(['fotos', 'apps', 'descargas', 'sistema']);
   });

@@ -181,6 +181,17 @@ describe('keys of the whole window', () => {
     await close();
   });
 
+  it('Control and a digit shows a view, the question mark the list of keys', async () => {
+    const { page, close } = await openList('archivos');
+    await press(page, 'Control+1');
+    expect(await page.locator('[aria-current="page"]').innerText()).toBe('Overview');
+    await press(page, '?');
+    await page.getByRole('dialog', { name: 'Keys' }).waitFor();
+    await press(page, 'Escape');
+    expect(await page.locator('dialog[open]').count()).toBe(0);
+    await close();
+  });
+
   it('Control+R is left to the program', async () => {
     const { page, close } = await openList('archivos');
     const taken = await page.evaluate(() => {

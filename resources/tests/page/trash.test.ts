@@ -32,8 +32,8 @@ describe('Velto Trash', () => {
     await withPage(async (opened) => {
       await ready(opened);
       const heads = await opened.page.locator('[data-key^="operation:"]').allTextContents();
-      expect(heads.map((text) => /(\d+ items?).*?(\d+ days? left)/.exec(text.replaceAll('\u00a0', ' '))!.slice(1))).toEqual([
-        ['9 items', '30 days left'], ['2 items', '24 days left'], ['1 item', '1 day left'],
+      expect(heads.map((text) => /(\d+ items?).*?(No time limit)/.exec(text.replaceAll('\u00a0', ' '))!.slice(1))).toEqual([
+        ['9 items', 'No time limit'], ['2 items', 'No time limit'], ['1 item', 'No time limit'],
       ]);
       const summary = (await opened.page.locator('section').filter({ hasText: 'held in Velto Trash' }).textContent())!.replaceAll('\u00a0', ' ');
       expect(summary).toContain('comes back only when they are deleted for good');
@@ -198,7 +198,7 @@ describe('Velto Trash', () => {
       const empty = opened.page.getByRole('button', { name: 'Empty trash…' });
       await empty.click();
       const dialog = (await opened.page.getByRole('dialog').textContent())!.replaceAll('\u00a0', ' ');
-      expect(dialog).toContain('12 items are deleted for good. About 23 GB become free.');
+      expect(dialog).toContain('12 items are deleted for good. This frees 23 GB.');
       expect(await focusedText(opened)).toBe('Cancel');
       expect(await opened.during(() => opened.page.keyboard.press('Escape'))).toEqual([]);
       await empty.click();

@@ -51,7 +51,7 @@ describe('what waits for a disk', () => {
     await tell('toast', "Couldn't restore", 'no');
     await tell('onTrashState', [...trash, out]);
     await page.getByRole('button', { name: 'Empty trash…' }).click();
-    expect(plain(await page.getByRole('dialog').textContent())).toContain('12 items are deleted for good. About 23 GB become free.');
+    expect(plain(await page.getByRole('dialog').textContent())).toContain('12 items are deleted for good. This frees 23 GB.');
     await page.keyboard.press('Escape');
 
     await tell('onTrashWaiting', []);

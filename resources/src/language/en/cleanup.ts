@@ -10,7 +10,7 @@ export const cleanup = {
   help: 'Arrow keys move, Space selects an item or a whole kind, Shift extends, Escape clears the selection, Enter shows an item in its folder.',
   found: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
   lookingAgain: 'Looking again…',
-  intro: 'What can usually go. Only what is certain to be made again, and is over a month old, is selected to begin with.',
+  intro: 'Selected for you: caches over a month old, which apps rebuild. The rest is your choice.',
   look: 'Look again',
   rules: {
     caches: {

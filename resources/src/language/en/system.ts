@@ -53,7 +53,7 @@ export const systemWords = {
   partsLabel: (parts: string) => `What the memory holds: ${parts}.`,
   part: (name: string, gb: number) => `${name} ${size(gb)}`,
   swap: (used: number, total: number) => `${size(used)} of ${size(total)} swapped out to the disk`,
-  swapNone: 'Nothing swapped out to the disk',
+  swapNone: 'No swap in use',
   diskFree: (free: number, total: number) => `${size(free)} free of ${size(total)}`,
   reading: 'Reading',
   writing: 'Writing',

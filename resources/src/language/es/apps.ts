@@ -17,7 +17,7 @@ export const appWords: typeof english = {
   columns: { icon: 'Icono', name: 'Aplicación', lastUse: 'Último uso', size: 'Tamaño', actions: 'Acciones' },
   measuring: 'Midiendo…',
   unknown: 'Se desconoce',
-  running: 'En marcha',
+  running: 'Abierta',
   store: 'De la App Store',
   storeElsewhere: 'Flatpak o Snap',
   removing: 'Desinstalando…',

@@ -10,7 +10,7 @@ export const cleanup: typeof english = {
   help: 'Las flechas mueven, Espacio selecciona un elemento o una clase entera, Mayúsculas amplía, Escape quita la selección, Intro muestra un elemento en su carpeta.',
   found: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
   lookingAgain: 'Buscando de nuevo…',
-  intro: 'De lo que se suele poder prescindir. Al principio solo está seleccionado lo que seguro se vuelve a crear y tiene más de un mes.',
+  intro: 'Ya seleccionado: cachés de más de un mes, que las apps vuelven a crear. Lo demás lo decides tú.',
   look: 'Buscar de nuevo',
   rules: {
     caches: {
@@ -55,7 +55,7 @@ export const cleanup: typeof english = {
   groupSummary: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
   groupLabel: (name, selected, count) => `${name}: ${selected} de ${plural(count, items)} en la selección`,
   remove: (count, gb) => `Mover ${plural(count, items)}, ${size(gb)}, a la Papelera de Velto`,
-  selectedOf: (count, all) => `${count} de ${plural(all, items)} en la selección`,
+  selectedOf: (count, all) => `${count} de ${all} seleccionados`,
   sizeOf: (gb, all) => `${size(gb)} de ${size(all)}`,
   lookingTitle: 'Buscando lo prescindible',
   lookingText: 'Velto mide las cachés y recorre Descargas. No cambia nada.',

@@ -53,7 +53,7 @@ export const systemWords: typeof english = {
   partsLabel: (parts) => `Qué ocupa la memoria: ${parts}.`,
   part: (name, gb) => `${name} ${size(gb)}`,
   swap: (used, total) => `${size(used)} de ${size(total)} pasados al disco`,
-  swapNone: 'Nada pasado al disco',
+  swapNone: 'Sin uso de intercambio',
   diskFree: (free, total) => `${size(free)} libres de ${size(total)}`,
   reading: 'Lee',
   writing: 'Escribe',

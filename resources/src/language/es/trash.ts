@@ -29,6 +29,8 @@ export const trash: typeof english = {
   moved: (when) => `Movido ${when}`,
   movedUnknown: 'Movido, fecha desconocida',
   justNow: 'ahora mismo',
+  freeAgain: (gb) => `${size(gb)} libres de nuevo.`,
+  staysOn: 'Sin plazo',
   daysLeft: (days) =>
     days > 0 ? plural(days, { one: 'Queda # día', many: 'Quedan # de días', other: 'Quedan # días' }) : 'Plazo cumplido',
   keptUntil: (date) => `Se conserva hasta el ${date}`,
@@ -45,7 +47,7 @@ export const trash: typeof english = {
     plural(count, { one: 'Ver # elemento más', many: 'Ver # de elementos más', other: 'Ver # elementos más' }),
   groupLabel: (moved, summary, left) => `${moved}: ${summary}, ${left}`,
   purgeTitle: (name) => `¿Eliminar «${name}» definitivamente?`,
-  purgeText: (gb) => (gb > 0 ? `Quedan libres ${size(gb)}.` : 'Apenas ocupa espacio.'),
+  purgeText: (gb) => (gb > 0 ? `Se liberan ${size(gb)}.` : 'Apenas ocupa espacio.'),
   noWayBack: 'Después ya no se puede recuperar.',
   purgeAll: 'Eliminar definitivamente esta limpieza…',
   purgeAllOf: (count, when) => `Eliminar esta limpieza definitivamente: ${plural(count, items)}, ${when}…`,
@@ -54,7 +56,7 @@ export const trash: typeof english = {
   purgeConfirm: 'Eliminar definitivamente',
   emptyTitle: '¿Vaciar la Papelera de Velto?',
   emptyText: (count, gb) =>
-    `${plural(count, { one: 'Se elimina # elemento', many: 'Se eliminan # de elementos', other: 'Se eliminan # elementos' })} definitivamente. Quedan libres unos ${size(gb)}.`,
+    `${plural(count, { one: 'Se elimina # elemento', many: 'Se eliminan # de elementos', other: 'Se eliminan # elementos' })} definitivamente. Se liberan ${size(gb)}.`,
   emptyConfirm: 'Vaciar la Papelera de Velto',
   waitingForDisk: 'A la espera de un disco',
   waitingForDiskText: 'El paso de estos elementos de un disco a otro quedó interrumpido. No se ha perdido nada, y vaciar la papelera no los toca.',

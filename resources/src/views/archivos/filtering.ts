@@ -2,6 +2,8 @@
 import { oldestKnownUse } from '../../language/formats.ts';
 import { createSearch, folded } from '../../names/folded.ts';
 import type { BigFile } from '../../protocol/protocol.ts';
+import { categoryOf } from '../inicio/parents.ts';
+import { kindOf, type FileKind } from './kinds.ts';
 
 export type SortColumn = 'name' | 'path' | 'size' | 'kind' | 'lastUse';
 export type Direction = 'ascending' | 'descending';
@@ -14,11 +16,15 @@ export interface Order {
 
 export interface Filter {
   search: string;
-  kind: string;
+  kind: FileKind | 'any';
   age: AgeFilter;
+  /** In GB; 0 when any size will do. */
+  least: number;
+  /** One of the categories of the overview. */
+  category: string;
 }
 
-export const everything: Filter = { search: '', kind: 'any', age: 'any' };
+export const everything: Filter = { search: '', kind: 'any', age: 'any', least: 0, category: 'any' };
 export const largestFirst: Order = { column: 'size', direction: 'descending' };
 
 const leastDays: Record<AgeFilter, number> = { any: 0, days30: 30, days180: 180, days365: 365 };
@@ -28,7 +34,9 @@ export function filterFiles(files: readonly BigFile[], filter: Filter, fold = fo
   const found = createSearch(filter.search, fold);
   const days = leastDays[filter.age];
   return files.filter((file) => {
-    if (filter.kind !== 'any' && file.kind !== filter.kind) return false;
+    if (filter.kind !== 'any' && kindOf(file) !== filter.kind) return false;
+    if (file.gb < filter.least) return false;
+    if (filter.category !== 'any' && categoryOf(file) !== filter.category) return false;
     if (days > 0 && (file.lastN < days || file.lastN > oldestKnownUse)) return false;
     return found(file.path);
   });
@@ -41,13 +49,13 @@ export function sortFiles(
   files: readonly BigFile[],
   { column, direction }: Order,
   compare: Compare,
-  kindName: (kind: string) => string,
+  kindName: (file: BigFile) => string,
 ): BigFile[] {
   const by: Record<SortColumn, (left: BigFile, right: BigFile) => number> = {
     name: (left, right) => compare(left.name, right.name),
     path: (left, right) => compare(left.path, right.path),
     size: (left, right) => left.gb - right.gb,
-    kind: (left, right) => compare(kindName(left.kind), kindName(right.kind)),
+    kind: (left, right) => compare(kindName(left), kindName(right)),
     lastUse: (left, right) => left.lastN - right.lastN,
   };
   const sign = direction === 'ascending' ? 1 : -1;

@@ -5,6 +5,7 @@ import { foldedOnce } from '../../names/folded.ts';
 import { onListChange } from '../../selection/leftRows.svelte.ts';
 import { extend, keepListed, nothing, selectShown, toggle, type Selection } from '../../selection/selection.ts';
 import { session } from '../../state/session.svelte.ts';
+import { kindOf, type FileKind } from './kinds.ts';
 import { everything, filterFiles, largestFirst, sortFiles, type Filter, type Order } from './filtering.ts';
 
 class LargeFiles {
@@ -20,7 +21,7 @@ class LargeFiles {
   });
   /** Sorted once, not again with each key of the search. */
   private readonly sorted: BigFile[] = $derived(
-    sortFiles(this.all, this.order, language.formats.compare, (kind) => kindName(kind)),
+    sortFiles(this.all, this.order, language.formats.compare, (file) => kindName(kindOf(file))),
   );
   readonly shown: BigFile[] = $derived(filterFiles(this.sorted, this.filter, this.fold));
   readonly keys: string[] = $derived(this.shown.map(({ path }) => path));
@@ -32,8 +33,15 @@ class LargeFiles {
   readonly hiddenSelected: number = $derived(this.selection.selected.size - this.selectedFiles.length);
   readonly selectedGb: number = $derived(this.selectedFiles.reduce((sum, { gb }) => sum + gb, 0));
   readonly largest: number = $derived(Math.max(...this.all.map(({ gb }) => gb), 0.1));
+  /** What of the rows shown can be selected is: all, some or none of it. */
+  readonly isAllSelected: boolean | 'some' = $derived.by(() => {
+    const count = this.keys.filter(this.selectable).length;
+    if (this.selectedFiles.length === 0) return false;
+    return this.selectedFiles.length === count ? true : 'some';
+  });
   readonly isFiltered: boolean = $derived(
-    this.filter.search.trim() !== '' || this.filter.kind !== 'any' || this.filter.age !== 'any',
+    this.filter.search.trim() !== '' || this.filter.kind !== 'any' || this.filter.age !== 'any' || this.filter.least > 0 ||
+      this.filter.category !== 'any',
   );
   private readonly locked: ReadonlySet<string> = $derived(
     new Set(this.all.filter(({ isProtected }) => isProtected).map(({ path }) => path)),
@@ -66,6 +74,11 @@ class LargeFiles {
     this.chosen = selectShown(this.selection, this.keys, this.selectable);
   }
 
+  toggleAll(): void {
+    if (this.isAllSelected === true) this.clear();
+    else this.selectAll();
+  }
+
   clear(): void {
     this.chosen = nothing;
   }
@@ -78,9 +91,8 @@ class LargeFiles {
   }
 }
 
-export function kindName(kind: string): string {
-  const kinds: Record<string, string> = language.words.frame.kinds;
-  return kinds[kind] ?? kind;
+export function kindName(kind: FileKind): string {
+  return language.words.lists.kinds[kind];
 }
 
 export const largeFiles = new LargeFiles();

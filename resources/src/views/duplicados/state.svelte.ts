@@ -38,7 +38,18 @@ class Duplicates {
     return group !== undefined && isRemovable(group, path, this.keeps);
   };
 
+  /** There were some in the analysis that is shown: what is not listed any more was removed. */
+  hadGroups = $state(false);
+  private stamp: number | undefined;
+
   constructor() {
+    onListChange(
+      () => this.all.map(({ id }) => id).concat(String(session.stamp ?? '')),
+      () => {
+        this.hadGroups = this.all.length > 0 || (this.hadGroups && this.stamp === session.stamp);
+        this.stamp = session.stamp;
+      },
+    );
     onListChange(() => this.removable, (removable) => (this.chosen = keepListed(this.chosen, removable)));
   }
 

@@ -28,7 +28,18 @@ function extension(path: string): string {
   return path.slice(path.lastIndexOf('.') + 1).toLowerCase();
 }
 
+const known = new WeakMap<object, CategoryId>();
+
+/** Worked out once for each file: the map, the table and the list all ask. */
 export function categoryOf(file: Pick<BigFile, 'kind' | 'path'>): CategoryId {
+  const before = known.get(file);
+  if (before) return before;
+  const category = workedOut(file);
+  known.set(file, category);
+  return category;
+}
+
+function workedOut(file: Pick<BigFile, 'kind' | 'path'>): CategoryId {
   if (file.kind === 'descarga') return 'descargas';
   if (file.kind === 'app') return 'apps';
   if (file.kind === 'video') {

@@ -19,6 +19,8 @@ export interface CategoryArea extends Box {
   gb: number;
   hasHeader: boolean;
   files: FileCell[];
+  /** Its large files that are too small for cells of their own; null when there are none, or hardly any. */
+  together: (Box & { gb: number; count: number }) | null;
   /** What is not shown file by file; null when nothing is left. */
   rest: (Box & { gb: number }) | null;
 }
@@ -26,6 +28,8 @@ export interface CategoryArea extends Box {
 interface Leaf {
   gb: number;
   file: BigFile | null;
+  /** How many files it stands for; 0 for what is not known file by file. */
+  count: number;
 }
 
 interface Branch {
@@ -61,12 +65,17 @@ export function withoutUnmeasured(categories: readonly Category[], unmeasured: n
 export function branches(categories: readonly Category[], files: readonly BigFile[], leastGb: number): Branch[] {
   return categories
     .map((category) => {
-      const own = files.filter((file) => file.gb >= leastGb && categoryOf(file) === category.id);
-      const shown = own.reduce((sum, file) => sum + file.gb, 0);
+      const all = files.filter((file) => categoryOf(file) === category.id);
+      const own = all.filter((file) => file.gb >= leastGb);
+      const small = all.filter((file) => file.gb < leastGb);
+      const smallGb = small.reduce((sum, file) => sum + file.gb, 0);
+      const isGroup = small.length > 1 && smallGb >= leastGb;
+      const shown = own.reduce((sum, file) => sum + file.gb, isGroup ? smallGb : 0);
       // Of a size with one decimal: what is left of it has no more.
       const rest = Math.max(0, Math.round((category.gb - shown) * 10) / 10);
-      const leaves: Leaf[] = own.map((file) => ({ gb: file.gb, file }));
-      return { category, children: rest > 0 ? [...leaves, { gb: rest, file: null }] : leaves };
+      const leaves: Leaf[] = own.map((file) => ({ gb: file.gb, file, count: 1 }));
+      if (isGroup) leaves.push({ gb: smallGb, file: null, count: small.length });
+      return { category, children: rest > 0 ? [...leaves, { gb: rest, file: null, count: 0 }] : leaves };
     })
     .filter(({ children }) => children.length > 0);
 }
@@ -102,11 +111,13 @@ export function layOut(
       gb: branch.category.gb,
       hasHeader: fitsHeader(node, header),
       files: [],
+      together: null,
       rest: null,
     };
     for (const child of node.children ?? []) {
       const leaf = child.data as Leaf;
       if (leaf.file) area.files.push({ ...boxOf(child), file: leaf.file });
+      else if (leaf.count) area.together = { ...boxOf(child), gb: leaf.gb, count: leaf.count };
       else area.rest = { ...boxOf(child), gb: leaf.gb };
     }
     return area;
@@ -133,9 +144,9 @@ interface Sortable {
   data: Root | Branch | Leaf;
 }
 
-/** Largest first, but the remainder of a category always comes last. */
+/** Largest first, but what is no single file comes last, and of that the remainder. */
 function restLast(left: Sortable, right: Sortable): number {
-  const isRest = (node: Sortable) => 'file' in node.data && node.data.file === null;
-  if (isRest(left) !== isRest(right)) return isRest(left) ? 1 : -1;
+  const place = ({ data }: Sortable) => ('count' in data && data.file === null ? (data.count ? 1 : 2) : 0);
+  if (place(left) !== place(right)) return place(left) - place(right);
   return (right.value ?? 0) - (left.value ?? 0);
 }
