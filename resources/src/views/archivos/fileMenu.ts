@@ -12,7 +12,7 @@ import type { BigFile } from '../../protocol/protocol.ts';
 import { navigation } from '../../state/navigation.svelte.ts';
 import { copyPaths, excludeFromAnalysis, moveToTrash, revealInFolder } from '../../state/removal.ts';
 import { session } from '../../state/session.svelte.ts';
-import { isHomeFolder } from '../explorar/homeFolders.ts';
+import { isKeptFolder } from '../explorar/homeFolders.ts';
 
 export function menuOf(file: BigFile, selected: readonly BigFile[]): MenuItem[] {
   const words = language.words.lists;
@@ -20,7 +20,7 @@ export function menuOf(file: BigFile, selected: readonly BigFile[]): MenuItem[] 
   const folder = folderOf(path);
   const several = selected.some((other) => other.path === path) ? selected.map((other) => other.path) : [path];
   const home = session.home ?? '';
-  const canExcludeFolder = home !== '' && folder.startsWith(`${home}/`) && !isHomeFolder(folder, home);
+  const canExcludeFolder = home !== '' && folder.startsWith(`${home}/`) && !isKeptFolder(folder, home, session.homeFolders);
   return [
     { label: words.reveal, icon: FolderOpen, run: () => revealInFolder(path) },
     { label: words.openFolder, icon: FolderTree, run: () => navigation.openFolder(folder) },
