@@ -121,7 +121,8 @@ TEST_F(FolderIntentsTest, WhatHasLeftForTheTrashCountsNoMoreUntilItIsBack) {
     };
     ask("folder", {{"path", home.path("Movies/trip")}, {"request", 1}});
     std::int64_t first = 0;  // as the disk counts the file that goes first
-    for (const auto& file : last("onFolder")["entries"]) {
+    const nlohmann::json trip = last("onFolder");
+    for (const auto& file : trip["entries"]) {
         if (file["name"] == "a.mov") first = file["bytes"];
     }
     ASSERT_GT(first, 0);
