@@ -31,6 +31,7 @@ set(compiled_alone
     tests/support/ModelFileCalls_names tests/support/made_property_list
     tests/platform/HomeLayout_test tests/platform/linux/IconWorkers_test
     tests/platform/linux/LinuxWorkspace_test tests/platform/linux/Snapd_test
+    tests/platform/linux/read_desktop_entry_test
     tests/platform/linux/live_counters_test tests/platform/linux/network_interfaces_test tests/platform/posix/PosixFileManager_test
     tests/platform/posix/changing_source_test tests/platform/posix/own_folder_test
     tests/platform/posix/removal_test

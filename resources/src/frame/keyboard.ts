@@ -1,6 +1,5 @@
 /** Keys that work everywhere. Cmd/Ctrl+R belongs to the program's menu and is left alone. */
 import { undoLastCleanup } from '../state/putBack.ts';
-
 import { navigation } from '../state/navigation.svelte.ts';
 import { shortcuts } from '../state/shortcuts.svelte.ts';
 import { views } from '../views/registry.ts';
@@ -14,7 +13,9 @@ function isTextField(target: EventTarget | null): boolean {
 /** What a region wants focused when it is reached by key. */
 function entryOf(region: Element): HTMLElement | null {
   const wanted = ['[aria-current="page"]', '[tabindex="0"]', 'button:not([tabindex="-1"])'];
-  return wanted.map((selector) => region.querySelector<HTMLElement>(selector)).find(Boolean) ?? null;
+  // What keeps its place without being shown takes no focus.
+  const isShown = (element: HTMLElement) => getComputedStyle(element).visibility === 'visible';
+  return wanted.map((selector) => [...region.querySelectorAll<HTMLElement>(selector)].find(isShown)).find(Boolean) ?? null;
 }
 
 /** From rail to list to action bar to what a message offers, and round again; regions that are not there are passed over. */

@@ -173,7 +173,7 @@ describe('the way from the overview', () => {
 
   it('a category with one folder of its own leads into it', async () => {
     const { page, close, complaints } = await overview();
-    await page.getByRole('table').getByRole('button', { name: 'Downloads' }).click();
+    await page.getByRole('table').getByRole('button', { name: 'Downloads', exact: true }).click();
     await page.locator('[data-key$="dataset-traffic-2024.tar.gz"]').waitFor();
     expect(await here(page)).toContain('Downloads');
     await page.getByRole('button', { name: 'Back' }).click();
@@ -199,7 +199,7 @@ describe('the way from the overview', () => {
     await opened.tell('onHomeFolders', linuxFolders);
     await system.first().waitFor({ state: 'detached' });
     expect(await system.count()).toBe(0);
-    await page.getByRole('table').getByRole('button', { name: 'Applications' }).click();
+    await page.getByRole('table').getByRole('button', { name: 'Applications', exact: true }).click();
     await page.locator('.row.current[data-key$="/.local"]').waitFor();
     await opened.close();
     expect(opened.complaints).toEqual([]);

@@ -18,7 +18,8 @@ const [small, , many] = fullState().dupGroups;
 
 describe('sizes', () => {
   it('are shown to the unit that people read, sums too', async () => {
-    const opened = await open(browser, { saved: fullState() });
+    // High enough for the row to be there when it has become the last.
+    const opened = await open(browser, { saved: fullState(), context: { viewport: { width: 1180, height: 1600 } } });
     await opened.go('archivos');
     const row = opened.page.locator(`[data-key="${film}"]`);
     expect(await text(row.locator('.size'))).toBe('41.7 GB');

@@ -50,7 +50,7 @@ export const trash: typeof english = {
   purgeText: (gb) => (gb > 0 ? `Se liberan ${size(gb)}.` : 'Apenas ocupa espacio.'),
   noWayBack: 'Después ya no se puede recuperar.',
   purgeAll: 'Eliminar definitivamente esta limpieza…',
-  purgeAllOf: (count, when) => `Eliminar esta limpieza definitivamente: ${plural(count, items)}, ${when}…`,
+  purgeAllOf: (count, when) => `Eliminar definitivamente esta limpieza: ${plural(count, items)}, ${when}…`,
   purgeAllTitle: (count) => `¿Eliminar ${plural(count, items)} definitivamente?`,
   noWayBackAll: 'Después no se podrá restaurar nada de ella.',
   purgeConfirm: 'Eliminar definitivamente',
