@@ -6,7 +6,6 @@
 
 #include "maintenance/MaintenanceRecord.h"
 #include "platform/values/units.h"
-#include "settings/sentence_number.h"
 
 namespace velto {
 namespace {
@@ -28,7 +27,7 @@ std::string maintenanceMessage(const AppLanguage& language, double freed, std::s
         text = language.text("{1} elementos esperan en la Papelera de Velto.",
                              "{1} items wait in Velto Trash.");
     }
-    return fmt::format(fmt::runtime(text), sentenceNumber(freed, language), moved);
+    return fmt::format(fmt::runtime(text), tenths(freed), moved);
 }
 
 void MaintenanceRun::perform(const MaintenanceRules::Limits& limits) {

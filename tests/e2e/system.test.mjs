@@ -78,7 +78,8 @@ test('an application is quit from the list, and one that stays open is ended onl
   const willing = await run(t, keeper, 'hold', megabytes);
   const stubborn = await run(t, clinger, 'stubborn', megabytes);
   const hasEnded = ({ exitCode, signalCode }) => exitCode !== null || signalCode !== null;
-  const page = await openGuided(t, home);
+  // High enough for the rows to be in sight, whatever else weighs much meanwhile.
+  const page = await openGuided(t, home, { size: { width: 1180, height: 1500 } });
   await page.click('System');
 
   await page.click('Quit Archive Keeper');

