@@ -66,12 +66,7 @@ void AnalysisLists::noteBack(const std::vector<std::string>& paths) {
 }
 
 bool AnalysisLists::hasGoneSince(const std::string& path, Mark mark) const {
-    for (std::string at = standardizedPath(path); !at.empty(); at.resize(at.rfind('/'))) {
-        const auto found = gone_.find(at);
-        if (found != gone_.end() && found->second > mark) return true;
-        if (at.find('/') == std::string::npos) break;
-    }
-    return false;
+    return lastGone(standardizedPath(path)) > mark;
 }
 
 bool AnalysisLists::show(DiskState& state) const {
@@ -109,12 +104,16 @@ std::optional<double> AnalysisLists::sizeOf(const std::string& path) const {
     return cleanable == cleanables_.end() ? std::nullopt : std::optional(cleanable->second);
 }
 
-bool AnalysisLists::isGone(std::string path) const {
+bool AnalysisLists::isGone(const std::string& path) const { return lastGone(path).has_value(); }
+
+std::optional<AnalysisLists::Mark> AnalysisLists::lastGone(std::string path) const {
+    std::optional<Mark> last;
     for (; !gone_.empty() && !path.empty(); path.resize(path.rfind('/'))) {
-        if (gone_.contains(path)) return true;
+        const auto found = gone_.find(path);
+        if (found != gone_.end()) last = std::max(last, std::optional(found->second));
         if (path.find('/') == std::string::npos) break;
     }
-    return false;
+    return last;
 }
 
 }  // namespace velto

@@ -48,7 +48,9 @@ public:
     std::optional<double> sizeOf(const std::string& path) const;
 
 private:
-    bool isGone(std::string path) const;
+    bool isGone(const std::string& path) const;
+    /// When the path went last, by itself or with a folder that it lies in; nothing: it has not.
+    std::optional<Mark> lastGone(std::string path) const;
 
     std::vector<BigFile> files_;
     std::vector<DupGroup> groups_;

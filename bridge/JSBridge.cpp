@@ -133,7 +133,8 @@ void JSBridge::applyBootState() {
                     bootState ? bootState->state.files.size() : 0));
     measurementIntents_->tellAll();
     const std::string& cloud = platform_.layout.cloudDrive;
-    if (!cloud.empty() && platform_.files->exists(cloud)) evaluate(events::call("onCloudDrive", "true"));
+    if (!cloud.empty() && platform_.files->exists(cloud))
+        evaluate(events::call("onCloudDrive", "true"));
     pushState();
     // Not before the page has something to show.
     if (bootState) measurementIntents_->lookAtSaved(bootState->state, bootState->stamp);

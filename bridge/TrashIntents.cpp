@@ -261,10 +261,13 @@ void TrashIntents::onPurgeOperation(const Payload& payload) {
                 link_.toastFailure("No se pudo eliminar", "Couldn't delete", outcome);
                 return;
             }
-            link_.toast(
-                "Eliminado", "Deleted",
-                language_.text(fmt::format("{} elementos eliminados definitivamente.", *count),
-                               fmt::format("{} items deleted permanently.", *count)));
+            link_.toast("Eliminado", "Deleted",
+                        *count == 1
+                            ? language_.text("1 elemento eliminado definitivamente.",
+                                             "1 item deleted permanently.")
+                            : language_.text(
+                                  fmt::format("{} elementos eliminados definitivamente.", *count),
+                                  fmt::format("{} items deleted permanently.", *count)));
         });
 }
 

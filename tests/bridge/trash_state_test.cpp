@@ -181,6 +181,9 @@ TEST_F(TrashState, AWholeCleanupIsDeletedForGoodAndNoOther) {
     ask("purgeOperation", operation);
     EXPECT_EQ(count("toast"), 0u);
     EXPECT_THAT(trash.items(), SizeIs(1));
+    ask("purgeOperation", {{"id", trash.items().front().opID}});
+    EXPECT_EQ(page->calls("toast").back(), toastScript("Deleted", "1 item deleted permanently."));
+    EXPECT_TRUE(trash.items().empty());
 }
 
 TEST_F(TrashState, HistoryShowsBeforeTheFirstAnalysisToo) {

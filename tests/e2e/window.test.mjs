@@ -69,9 +69,14 @@ async function becomes(desktop, look, limit = 30_000) {
   }
 }
 
-test('the window follows the colours of the desktop until one is chosen', async (t) => {
+/** The setting is as old as GNOME 42. */
+async function knowsSchemes() {
   const { stdout } = await run('gsettings', ['list-keys', 'org.gnome.desktop.interface']);
-  if (!stdout.includes('color-scheme')) return t.skip('this machine does not know the setting');
+  return stdout.includes('color-scheme');
+}
+
+test('the window follows the colours of the desktop until one is chosen', async (t) => {
+  if (!(await knowsSchemes())) return t.skip('this machine does not know the setting');
   const home = furnishedHome(t);
   setScheme(home, 'prefer-dark');
   const desktop = await desktopFor(t, size);
@@ -93,8 +98,7 @@ test('the window follows the colours of the desktop until one is chosen', async 
 });
 
 test('a theme that is the desktop\'s own stays when it is chosen, until the desktop\'s is wanted again', async (t) => {
-  const { stdout } = await run('gsettings', ['list-keys', 'org.gnome.desktop.interface']);
-  if (!stdout.includes('color-scheme')) return t.skip('this machine does not know the setting');
+  if (!(await knowsSchemes())) return t.skip('this machine does not know the setting');
   const home = furnishedHome(t);
   setScheme(home, 'prefer-light');
   const page = await openGuided(t, home, { variables: withKeyfile });
