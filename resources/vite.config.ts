@@ -22,6 +22,8 @@ export default defineConfig({
     },
   },
   test: {
+    // Only what fails is listed by name: what a run prints is cut where it is long.
+    slowTestThreshold: 60_000,
     projects: [
       {
         extends: true,
