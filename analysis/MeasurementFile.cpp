@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/values/parse_json.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -19,7 +20,7 @@ MeasurementFile::MeasurementFile(FileManager& files, const HomeLayout& layout)
 void MeasurementFile::save(const Measurement& measurement, double ts) const {
     const nlohmann::json entry = {{"measurement", toJson(measurement)}, {"ts", ts}};
     try {
-        files_.writeAtomically(path_, entry.dump());
+        files_.writeAtomically(path_, writeJson(entry));
     } catch (const FileError&) {
         // Not remembered; the page is told all the same.
     }

@@ -4,6 +4,7 @@
 
 #include "platform/values/json_fields.h"
 #include "platform/values/path_text.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -119,7 +120,7 @@ std::optional<std::string> encode(const DiskState& state) {
     const json object = toJson(state);
     if (!isFinite(object)) return std::nullopt;
     try {
-        return object.dump();
+        return writeJson(object);
     } catch (const json::type_error&) {  // a text that is not UTF-8
         return std::nullopt;
     }

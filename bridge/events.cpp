@@ -9,6 +9,7 @@
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
+#include "platform/values/write_json.h"
 
 namespace velto::events {
 namespace {
@@ -55,9 +56,7 @@ std::string call(std::string_view callback, std::string_view arguments) {
                        arguments);
 }
 
-std::string literal(const nlohmann::json& json) {
-    return json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
+std::string literal(const nlohmann::json& json) { return writeJson(json, BadText::replaced); }
 
 std::string scanStarted() { return call("onScanStarted", ""); }
 
@@ -96,7 +95,7 @@ std::string exclusions(const std::vector<std::string>& paths) {
 
 std::string system(const nlohmann::ordered_json& sample) {
     // Names of processes are whatever bytes they are.
-    return call("onSystem", sample.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    return call("onSystem", writeJson(sample, BadText::replaced));
 }
 
 std::string maintenance(const nlohmann::json& status) {

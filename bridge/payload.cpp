@@ -9,6 +9,7 @@
 
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
+#include "platform/values/write_json.h"
 
 namespace velto::payload {
 
@@ -18,9 +19,7 @@ namespace {
 constexpr std::size_t longestText = 48;  // bytes
 constexpr std::size_t mostKeys = 12;
 
-std::string dump(const json& value) {
-    return value.dump(-1, ' ', false, json::error_handler_t::replace);
-}
+std::string dump(const json& value) { return writeJson(value, BadText::replaced); }
 
 std::string shortened(std::string_view text) {
     std::string name;

@@ -3,12 +3,12 @@
 #include <nlohmann/json.hpp>
 
 #include "bridge/events.h"
+#include "platform/values/write_json.h"
 
 namespace velto::events {
 
 std::string systemActivity(const nlohmann::ordered_json& activity) {
-    return call("onSystemActivity",
-                activity.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+    return call("onSystemActivity", writeJson(activity, BadText::replaced));
 }
 
 std::string applicationStopped(std::int64_t process, bool hasEnded) {

@@ -14,6 +14,7 @@
 #include "platform/values/scratch_name.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -289,7 +290,7 @@ void CloudFolder::save(const Index& index) {
         object["move"] = {
             {"from", pathText(move.from)}, {"to", pathText(move.to)}, {"scratch", move.scratch}};
     }
-    files_.writeAtomically(indexPath(), object.dump());
+    files_.writeAtomically(indexPath(), writeJson(object));
 }
 
 }  // namespace velto

@@ -11,6 +11,7 @@
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
 #include "platform/values/units.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -143,7 +144,7 @@ void HistoryService::save() {
     if (!isFinite(list)) return;  // the file would read as damaged
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(path_, list.dump());
+        files_.writeAtomically(path_, writeJson(list));
         saved_ = std::move(ids);
         version_ = mover_.openVersion(path_, limit);
     } catch (const FileError&) {

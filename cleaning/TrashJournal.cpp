@@ -10,6 +10,7 @@
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
 #include "platform/values/path_text.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -112,7 +113,7 @@ std::vector<JournalEntry> TrashJournal::readWaiting() const {
 
 void TrashJournal::write(const JournalEntry& entry) {
     try {
-        files_.writeAtomically(path_, toJson(entry).dump());
+        files_.writeAtomically(path_, writeJson(toJson(entry)));
     } catch (const json::exception&) {
         throw FileError("write", path_, EILSEQ);  // a text that is not UTF-8
     }
@@ -124,7 +125,7 @@ void TrashJournal::writeWaiting(const std::vector<JournalEntry>& entries) {
     for (const JournalEntry& entry : entries)
         list.push_back(toJson(entry));
     try {
-        files_.writeAtomically(waitingPath_, nlohmann::ordered_json{{"entries", list}}.dump());
+        files_.writeAtomically(waitingPath_, writeJson(nlohmann::ordered_json{{"entries", list}}));
     } catch (const json::exception&) {
         throw FileError("write", waitingPath_, EILSEQ);
     }

@@ -7,6 +7,7 @@
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
 #include "platform/values/path_text.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -90,7 +91,7 @@ std::string encodeManifest(const Manifest& manifest) {
     for (const Operation& operation : manifest.operations)
         operations.push_back(toJson(operation));
     const ordered object{{"items", toJson(manifest.items)}, {"operations", std::move(operations)}};
-    return object.dump();
+    return writeJson(object);
 }
 
 Manifest decodeManifest(const std::string& text) {

@@ -4,6 +4,7 @@
 
 #include "platform/values/json_fields.h"
 #include "platform/values/parse_json.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -37,7 +38,7 @@ void rememberMaintenance(FileManager& files, const HomeLayout& layout,
                                         {"movedGB", record.movedGB}};
     try {
         files.createFolders(layout.dataFolder);
-        files.writeAtomically(pathIn(layout), object.dump());
+        files.writeAtomically(pathIn(layout), writeJson(object));
     } catch (const FileError&) {
         // See the declaration.
     }

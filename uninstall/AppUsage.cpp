@@ -8,6 +8,7 @@
 
 #include "platform/values/parse_json.h"
 #include "platform/values/text.h"
+#include "platform/values/write_json.h"
 #include "uninstall/desktop_applications.h"
 
 namespace velto {
@@ -116,7 +117,7 @@ void AppUsage::save() const {
     try {
         const std::string& folder = platform_.layout.dataFolder;
         platform_.files->createFolders(folder);
-        platform_.files->writeAtomically(folder + fileName, nlohmann::json(launches_).dump());
+        platform_.files->writeAtomically(folder + fileName, writeJson(nlohmann::json(launches_)));
     } catch (const FileError&) {
         // What was seen stays in force for the life of the process.
     }

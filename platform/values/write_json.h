@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace velto {
+
+/// What is done with a text that is not UTF-8.
+enum class BadText {
+    refused,   ///< Nothing is written: nlohmann::json::type_error is thrown.
+    replaced,  ///< Its bad bytes are written as U+FFFD.
+};
+
+/// A value as JSON without blanks. A real takes the shortest text that reads as the same number
+/// again, which the library's own writer misses now and then, and always shows that it is one
+/// ("2.0"); one that is no number becomes null.
+std::string writeJson(const nlohmann::json& value, BadText badText = BadText::refused);
+std::string writeJson(const nlohmann::ordered_json& value, BadText badText = BadText::refused);
+
+/// True when the text needs no more than quotes to be a JSON string, as nearly every text does.
+bool isPlainJsonText(std::string_view text);
+
+}  // namespace velto
