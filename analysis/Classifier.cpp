@@ -41,9 +41,10 @@ Classifier::Classifier(const HomeLayout& layout, PlaceTable& places)
 
     for (const LibraryRule& rule : layout.libraryRules) {
         const std::size_t slash = rule.substring.find('/');
-        const bool endsInFolder = rule.substring.ends_with('/');
+        if (!rule.substring.ends_with('/'))
+            rulesOfNames_.push_back(static_cast<std::uint32_t>(rules_.size()));
         rules_.push_back({rule.substring, categoryWithId(rule.category).value_or(libraryDefault_),
-                          endsInFolder, !endsInFolder && slash != std::string_view::npos});
+                          slash != std::string_view::npos});
         longestRule_ = std::max(longestRule_, rule.substring.size());
     }
 }
@@ -128,9 +129,9 @@ std::uint32_t Classifier::firstRule(std::string_view text, std::uint32_t limit) 
 /// `limit` is the first rule that the folder's path matches; earlier ones may match by the name.
 Category Classifier::libraryCategory(const WalkedFolder& folder, std::string_view fileName,
                                      std::uint32_t limit) const {
-    for (std::uint32_t index = 0; index < limit; ++index) {
+    for (const std::uint32_t index : rulesOfNames_) {
+        if (index >= limit) break;
         const Rule& rule = rules_[index];
-        if (rule.endsInFolder) continue;
         const bool matches = rule.spansFolders
                                  ? folder.pathOf(fileName).find(rule.substring) != std::string::npos
                                  : fileName.find(rule.substring) != std::string_view::npos;

@@ -53,7 +53,6 @@ private:
     struct Rule {
         std::string_view substring;
         Category category;
-        bool endsInFolder;  // can only match what ends with a slash: never by a file's name
         bool spansFolders;  // holds a slash before its end
     };
     struct AreaFolder {
@@ -77,6 +76,8 @@ private:
     const std::string home_;
     std::vector<AreaFolder> areaFolders_;
     std::vector<Rule> rules_;
+    // The others end with a slash, and never match by a file's name. In order.
+    std::vector<std::uint32_t> rulesOfNames_;
     Category libraryDefault_;
     std::size_t longestRule_ = 0;
 };

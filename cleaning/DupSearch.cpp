@@ -49,12 +49,21 @@ DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
       budget_(budget),
       progress_(progress),
       tools_(threads == 0 ? processorCount() : threads),
-      keys_(files.size()) {
-    for (Tools& tools : tools_) {
-        tools.md5 = makeDigest(DigestKind::md5);
-        tools.sha256 = makeDigest(DigestKind::sha256);
-        tools.buffer.resize(chunkLength);
-    }
+      keys_(files.size()) {}
+
+Digest& DupSearch::Tools::md5() {
+    if (!md5_) md5_ = makeDigest(DigestKind::md5);
+    return *md5_;
+}
+
+Digest& DupSearch::Tools::sha256() {
+    if (!sha256_) sha256_ = makeDigest(DigestKind::sha256);
+    return *sha256_;
+}
+
+std::span<std::byte> DupSearch::Tools::buffer(std::size_t length) {
+    if (buffer_.size() < length) buffer_.resize(length);
+    return std::span(buffer_).first(length);
 }
 
 DupFinder::Result DupSearch::run() {
@@ -148,10 +157,10 @@ DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
 
 /// The logical size is part of it: what was allocated may be the same for files of two lengths.
 std::string DupSearch::firstBytes(FileContent& content, std::int64_t size, Tools& tools) {
-    const auto bytes = readFrom(content, 0, std::span(tools.buffer).first(quickLength));
+    const auto bytes = readFrom(content, 0, tools.buffer(quickLength));
     if (!bytes) return {};
-    tools.md5->update(*bytes);
-    return fmt::format("{} {}", tools.md5->finish(), size);
+    tools.md5().update(*bytes);
+    return fmt::format("{} {}", tools.md5().finish(), size);
 }
 
 /// Files of one format and length often begin alike and differ soon after: a look at the middle and
@@ -160,10 +169,10 @@ std::string DupSearch::samples(FileContent& content, std::int64_t size, Tools& t
     const auto length = static_cast<std::int64_t>(sampleLength);
     std::string text;
     for (const std::int64_t offset : {size / 2, std::max<std::int64_t>(0, size - length)}) {
-        const auto bytes = readFrom(content, offset, std::span(tools.buffer).first(sampleLength));
+        const auto bytes = readFrom(content, offset, tools.buffer(sampleLength));
         if (!bytes) return {};
-        tools.md5->update(*bytes);
-        text += tools.md5->finish();
+        tools.md5().update(*bytes);
+        text += tools.md5().finish();
     }
     return text;
 }
@@ -171,15 +180,15 @@ std::string DupSearch::samples(FileContent& content, std::int64_t size, Tools& t
 std::string DupSearch::wholeContent(FileContent& content, std::int64_t size, Tools& tools) {
     for (std::int64_t offset = 0; offset < size;) {
         if (offset > 0 && shouldStop()) return {};
-        const auto bytes = readFrom(content, offset, tools.buffer);
+        const auto bytes = readFrom(content, offset, tools.buffer(chunkLength));
         if (!bytes || bytes->empty()) {
-            tools.sha256->finish();  // drops what a file that cannot be read on has left in it
+            tools.sha256().finish();  // drops what a file that cannot be read on has left in it
             return {};
         }
-        tools.sha256->update(*bytes);
+        tools.sha256().update(*bytes);
         offset += static_cast<std::int64_t>(bytes->size());
     }
-    std::string hash = tools.sha256->finish();
+    std::string hash = tools.sha256().finish();
     return content.size() == size ? hash : std::string();
 }
 

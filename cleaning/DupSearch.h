@@ -33,10 +33,16 @@ private:
         bool reached = false;  // false: the search ended before the test did
         std::string text;      // empty: the file is left out
     };
-    /// What one thread works with.
-    struct Tools {
-        std::unique_ptr<Digest> md5, sha256;
-        std::vector<std::byte> buffer;
+    /// What one thread works with, each made when it is first needed: most searches end before.
+    class Tools {
+    public:
+        Digest& md5();
+        Digest& sha256();
+        std::span<std::byte> buffer(std::size_t length);
+
+    private:
+        std::unique_ptr<Digest> md5_, sha256_;
+        std::vector<std::byte> buffer_;
     };
     using Test = std::string (DupSearch::*)(FileContent& content, std::int64_t size, Tools& tools);
 
