@@ -37,6 +37,8 @@ export default defineConfig({
           environment: 'node',
           // Half of their time the pages wait; more at once would get in each other's way.
           maxWorkers: 2,
+          // A browser stumbles now and then on a busy machine; the report tells what took two.
+          retry: 1,
           testTimeout: 60_000,
           hookTimeout: 60_000,
         },
