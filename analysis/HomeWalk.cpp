@@ -92,8 +92,10 @@ TreeWalk::Result HomeWalk::walk(const std::vector<WalkRoot>& roots,
     visitors.reserve(workers_.size());
     for (const auto& worker : workers_)
         visitors.push_back(worker.get());
-    const WalkOptions options{
-        .allocatedOfEveryFile = true, .folderStatus = true, .places = &places_};
+    const WalkOptions options{.allocatedOfEveryFile = true,
+                              .folderStatus = true,
+                              .places = &places_,
+                              .firstThreads = question_.firstThreads};
     return TreeWalk(question_.reader).run(roots, visitors, options, cancelled, tick);
 }
 

@@ -25,7 +25,8 @@ public:
         const HomeLayout& layout;
         const std::vector<std::string>& excluded;
         bool hasAccess = false;
-        std::size_t threads = 1;
+        std::size_t threads = 1;       // at most
+        std::size_t firstThreads = 0;  // see WalkOptions
     };
 
     explicit HomeWalk(const Question& question);

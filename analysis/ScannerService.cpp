@@ -23,6 +23,10 @@ namespace {
 
 constexpr double progressInterval = 0.2;  // seconds
 
+// Threads that read a disk which has to be waited for. Beyond it neither a solid-state disk nor a
+// queue of requests to a rotating one gets faster.
+constexpr std::size_t waitingThreads = 16;
+
 BigFile bigFile(const ScanWorker::BigFileFound& found, double now) {
     const double days = std::max(0.0, (now - found.lastUse) / secondsPerDay);
     BigFile file;
@@ -90,9 +94,7 @@ private:
 
 ScannerService::ScannerService(Platform& platform, const PermissionService& permissions,
                                std::size_t threads)
-    : platform_(platform),
-      permissions_(permissions),
-      threads_(threads == 0 ? processorCount() : threads) {}
+    : platform_(platform), permissions_(permissions), threads_(threads) {}
 
 AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
                                     const CancellationFlag& cancelled, const Progress& progress,
@@ -132,11 +134,13 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
 /// Fills the totals. Throws CancellationError with what was counted until then.
 void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAccess,
                           const CancellationFlag& cancelled, const Progress& progress) {
+    const std::size_t processors = processorCount();
     HomeWalk walk({.reader = *platform_.directories,
                    .layout = platform_.layout,
                    .excluded = excluded,
                    .hasAccess = hasAccess,
-                   .threads = threads_});
+                   .threads = threads_ == 0 ? std::max(processors, waitingThreads) : threads_,
+                   .firstThreads = threads_ == 0 ? processors : 0});
     ProgressPacer pacer(*platform_.clock, progress);
     walk.run(cancelled, [&] { pacer.report(walk.workers()); });
     if (walk.homeError() != 0) {

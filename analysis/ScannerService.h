@@ -35,7 +35,8 @@ public:
     /// comparison begins, then at most every 0.2 seconds, from one thread at a time of several.
     using Comparing = std::function<void(std::int64_t files, double gb)>;
 
-    /// The platform and the service outlive the scanner. `threads` 0: one per processor.
+    /// The platform and the service outlive the scanner. `threads` 0: one per processor, and some
+    /// more while the walk waits for the disk.
     ScannerService(Platform& platform, const PermissionService& permissions,
                    std::size_t threads = 0);
 
@@ -57,7 +58,7 @@ private:
 
     Platform& platform_;
     const PermissionService& permissions_;
-    std::size_t threads_;
+    const std::size_t threads_;  // 0 as above
     std::int64_t unreadable_ = 0;
     std::shared_ptr<const FolderTree> folders_;
     std::int64_t hiddenBytes_ = 0;

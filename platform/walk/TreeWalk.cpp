@@ -1,12 +1,16 @@
 #include "platform/walk/TreeWalk.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <ctime>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
 
+#include "platform/walk/WalkPace.h"
 #include "platform/walk/WalkQueue.h"
 #include "platform/walk/WalkWorker.h"
 
@@ -47,7 +51,7 @@ public:
         const auto ended = [this] { return running_ == 0; };
         while (!ended_.wait_for(guard, tickInterval, ended)) {
             guard.unlock();
-            if (tick) tick();
+            tick();
             guard.lock();
         }
         if (failure_) std::rethrow_exception(failure_);
@@ -73,6 +77,51 @@ private:
     std::condition_variable ended_;
     std::size_t running_ = 0;
     std::exception_ptr failure_;
+};
+
+double systemProcessorTime() {
+    return static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
+}
+
+/// Starts the workers of a walk as its pace asks for them.
+class PacedWorkers {
+public:
+    PacedWorkers(const std::vector<std::unique_ptr<WalkWorker>>& workers,
+                 const WalkOptions& options, WalkQueue& queue, WalkThreads& threads)
+        : workers_(workers),
+          queue_(queue),
+          threads_(threads),
+          processorTime_(options.processorTime ? options.processorTime : systemProcessorTime),
+          pace_(options.firstThreads == 0 ? workers.size() : options.firstThreads, workers.size()),
+          asked_(std::chrono::steady_clock::now()),
+          used_(processorTime_()) {
+        allow(pace_.threads());
+    }
+
+    void adapt() {
+        if (pace_.isFixed()) return;
+        const auto now = std::chrono::steady_clock::now();
+        const double used = processorTime_();
+        allow(pace_.next(std::chrono::duration<double>(now - asked_).count(), used - used_));
+        asked_ = now;
+        used_ = used;
+    }
+
+private:
+    void allow(std::size_t count) {
+        queue_.allow(count);
+        for (; started_ < std::min(count, workers_.size()); ++started_)
+            threads_.start(*workers_[started_]);
+    }
+
+    const std::vector<std::unique_ptr<WalkWorker>>& workers_;
+    WalkQueue& queue_;
+    WalkThreads& threads_;
+    const std::function<double()> processorTime_;
+    WalkPace pace_;
+    std::chrono::steady_clock::time_point asked_;
+    double used_;
+    std::size_t started_ = 0;
 };
 
 std::vector<FolderReference> rootFolders(const std::vector<WalkRoot>& roots,
@@ -102,9 +151,11 @@ TreeWalk::Result TreeWalk::run(const std::vector<WalkRoot>& roots,
     }
     {
         WalkThreads threads(queue);
-        for (const auto& worker : workers)
-            threads.start(*worker);
-        threads.wait(tick);
+        PacedWorkers paced(workers, options, queue, threads);
+        threads.wait([&] {
+            paced.adapt();
+            if (tick) tick();
+        });
     }
     for (const auto& worker : workers)
         result.unreadable += worker->unreadable();

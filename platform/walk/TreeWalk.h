@@ -93,6 +93,11 @@ struct WalkOptions {
     /// Folders kept open for the folders that wait in them; besides these, each worker and each
     /// root begun hold at most two.
     std::size_t maxOpenFolders = 96;
+    /// So many threads begin, as many as the walk may keep processors busy; the others join while
+    /// it mostly waits for the disk, and pause when it no longer does. 0: all from the beginning.
+    std::size_t firstThreads = 0;
+    /// Seconds of processors that the process has used so far; empty: as the system counts them.
+    std::function<double()> processorTime;
 };
 
 /// The program's one way through folder trees: several threads over a DirectoryReader, depth first,
@@ -110,7 +115,7 @@ public:
     /// The reader outlives the walk.
     explicit TreeWalk(DirectoryReader& reader) : reader_(reader) {}
 
-    /// Walks the roots with one thread per visitor (at least one) and returns when all have ended;
+    /// Walks the roots with one thread per visitor at most and returns when all have ended;
     /// rethrows what a visitor, the reader or `tick` threw. The flag is tested once per entry. A
     /// root that the table leaves out is walked all the same: the caller named it.
     Result run(const std::vector<WalkRoot>& roots, std::span<TreeVisitor* const> visitors,

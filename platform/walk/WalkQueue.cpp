@@ -11,14 +11,40 @@ void WalkQueue::addRoots(std::vector<FolderReference> roots) {
     std::move(roots.rbegin(), roots.rend(), std::back_inserter(waiting_));
 }
 
+void WalkQueue::allow(std::size_t workers) {
+    const std::lock_guard guard(lock_);
+    allowed_ = workers;
+    resumed_.notify_all();
+}
+
+void WalkQueue::join() {
+    const std::lock_guard guard(lock_);
+    ++taking_;
+}
+
+/// Under the lock: waits while too many take part.
+void WalkQueue::pause(std::unique_lock<std::mutex>& guard) {
+    while (taking_ > allowed_ && !isOver()) {
+        --taking_;
+        // What this worker would have taken is another one's now.
+        if (!waiting_.empty()) changed_.notify_one();
+        resumed_.wait(guard, [this] { return isOver() || taking_ < allowed_; });
+        ++taking_;
+    }
+}
+
 bool WalkQueue::next(Item& item) {
     // Closing a folder is a system call and letting go of one may free many: not under the lock.
     const bool wasBusy = static_cast<bool>(std::exchange(item, Item()).folder);
     std::unique_lock guard(lock_);
     if (wasBusy) --busy_;
-    if (waiting_.empty() && busy_ == 0) changed_.notify_all();
+    if (isOver()) {
+        changed_.notify_all();
+        resumed_.notify_all();
+    }
+    pause(guard);
     ++idle_;
-    changed_.wait(guard, [&] { return stopped_ || !waiting_.empty() || busy_ == 0; });
+    changed_.wait(guard, [this] { return isOver() || !waiting_.empty(); });
     --idle_;
     if (stopped_ || waiting_.empty()) return false;
 
@@ -57,6 +83,7 @@ void WalkQueue::stop() {
     const std::lock_guard guard(lock_);
     stopped_ = true;
     changed_.notify_all();
+    resumed_.notify_all();
 }
 
 WalkQueue::OpenAncestor WalkQueue::openAncestor(const WalkedFolder& folder) {

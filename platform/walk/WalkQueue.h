@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <limits>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -31,6 +32,12 @@ public:
     /// Before the workers start. Roots are handed out in the order of the calls.
     void addRoots(std::vector<FolderReference> roots);
 
+    /// How many workers may read at once; the others pause where they ask for the next folder.
+    void allow(std::size_t workers);
+
+    /// A worker takes part from now on.
+    void join();
+
     /// The next folder, in place of the one that `item` holds, which has been read. Waits while
     /// other workers may still find some. False at the end of the walk and after `stop`.
     bool next(Item& item);
@@ -56,16 +63,22 @@ public:
 private:
     using Handles = std::vector<std::shared_ptr<OpenFolder>>;
 
+    bool isOver() const { return stopped_ || (waiting_.empty() && busy_ == 0); }
+    void pause(std::unique_lock<std::mutex>& guard);
+
     std::shared_ptr<OpenFolder> takeHandle(WalkedFolder& parent);
     void keep(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle, Handles& closing);
 
     const std::size_t maxOpenFolders_;
     std::mutex lock_;
     std::condition_variable changed_;
+    std::condition_variable resumed_;
     std::vector<FolderReference> waiting_;
     std::list<WalkedFolder*> open_;  // kept longest first; roots do not count
     std::size_t busy_ = 0;           // workers that may still add folders
     std::size_t idle_ = 0;           // workers that wait for one
+    std::size_t taking_ = 0;         // workers that take part and do not pause
+    std::size_t allowed_ = std::numeric_limits<std::size_t>::max();  // of these
     bool stopped_ = false;
 };
 

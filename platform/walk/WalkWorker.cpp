@@ -9,6 +9,7 @@
 namespace velto {
 
 void WalkWorker::run() {
+    setting_.queue.join();
     WalkQueue::Item item;
     while (setting_.queue.next(item))
         walk(item);
