@@ -31,9 +31,10 @@ function isInstalled(file) {
 
 /**
  * Runs the programs in turn, so that what else the machine does strikes all of them alike: once
- * without measuring, then `runs` times. A program that is not installed is named and left out.
+ * without measuring, then `runs` times, each after `before`. A program that is not installed is
+ * named and left out.
  */
-export function compareProcesses(programs, runs) {
+export function compareProcesses(programs, runs, before = () => {}) {
   const present = programs.filter(({ name, command }) => {
     const there = isInstalled(command[0]);
     if (!there) console.log(`Left out: ${name} is not installed`);
@@ -42,6 +43,7 @@ export function compareProcesses(programs, runs) {
   const results = present.map((program) => ({ ...program, times: [] }));
   for (let run = 0; run <= runs; ++run) {
     for (const result of results) {
+      before();
       const taken = time(result.command);
       if (run > 0) result.times.push(taken);
     }

@@ -7,11 +7,12 @@ import {
 import { cpus, loadavg } from 'node:os';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
+import { compareCold } from './cold.mjs';
 import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'memory', 'folders', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
+const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -113,6 +114,11 @@ function walk() {
   const floor = median(pairs.map(([, second]) => second));
   console.log(`velto scan ${scan.toFixed(1)} ms, floor ${floor.toFixed(1)} ms, ` +
     `ratio ${(scan / floor).toFixed(2)} (target: at most 1.10)`);
+}
+
+function cold() {
+  const home = smallHome();
+  if (home) compareCold(home, data, { scan: program('bench_scan'), floor: program('bench_floor') }, Math.min(runs, 5));
 }
 
 function memory() {
@@ -280,7 +286,7 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, memory, folders, cleanables, duplicates, trash, removal, copy, growth, monitor, apps]) {
+  for (const part of [walk, cold, memory, folders, cleanables, duplicates, trash, removal, copy, growth, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }
