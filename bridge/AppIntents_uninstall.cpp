@@ -2,6 +2,7 @@
 #include <array>
 #include <cmath>
 #include <exception>
+#include <iterator>
 
 #include <nlohmann/json.hpp>
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <unordered_set>
 
 #include "bridge/CleanupOutcome.h"

@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cmath>
 #include <exception>
+#include <iterator>
 #include <unordered_map>
 #include <unordered_set>
 

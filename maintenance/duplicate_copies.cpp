@@ -1,6 +1,7 @@
 #include "maintenance/duplicate_copies.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <unordered_set>

@@ -1,5 +1,5 @@
 # The tests that need no test program of their own: the page's, the real program's, and the
-# type-check of the macOS sources. Sanitized builds leave them to the plain ones.
+# check of the macOS sources and of their configuration. Sanitized builds leave them to the plain ones.
 if(VELTO_SANITIZE)
     return()
 endif()
@@ -22,6 +22,7 @@ if(APPLE)
     velto_skipped(page.browser "it drives Debian's Chromium")
     velto_skipped(e2e "it needs a virtual X display")
     velto_skipped(macos.typecheck "the compiler itself sees the macOS sources")
+    velto_skipped(macos.configure "this build is configured for a Mac")
     return()
 endif()
 
@@ -63,4 +64,5 @@ foreach(scenario IN LISTS scenarios)
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)
-set_tests_properties(macos.typecheck PROPERTIES LABELS macos)
+add_test(NAME macos.configure COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mac_configure.sh)
+set_tests_properties(macos.typecheck macos.configure PROPERTIES LABELS macos)

@@ -43,6 +43,22 @@ run_checks() {
         tests/macos_typecheck.sh || failed+=(macos-typecheck)
     fi
 
+    if ! on_mac; then
+        say "What a Mac compiles too, with LLVM's C++ library"
+        tests/portable_check.sh || failed+=(portable-check)
+
+        say "CMake's configuration for a Mac"
+        tests/mac_configure.sh || failed+=(mac-configuration)
+
+        say "Tests on volumes that take names as a Mac's do"
+        compile debug velto-passing-volume test_platform test_cleaning test_analysis test_uninstall \
+            test_attack test_bridge
+        tests/like_a_mac.sh build/debug >"$logs/like-a-mac.log" 2>&1 || {
+            tail -n 40 "$logs/like-a-mac.log"
+            failed+=(like-a-mac)
+        }
+    fi
+
     # ./dev test goes through a share of the places at which a change of the trash can fail or die,
     # and tries a share of the random inputs.
     say "Every place at which a change can fail or die, and many more random inputs"

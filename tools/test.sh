@@ -7,12 +7,30 @@ run_tests() {
     build_page
     compile asan unit_tests
     compile tsan unit_tests
-    compile release velto notification_service load drag_source clipboard_text
+    if on_mac; then
+        compile release velto
+        attach_second_volume
+    else
+        compile release velto notification_service load drag_source clipboard_text
+    fi
     combine_tests asan tsan release
     say "Testing"
     # ctest's closing lines come last. The whole log is kept.
     ctest --test-dir build/test --output-on-failure --parallel "$(cores)" --no-tests=error 2>&1 |
         tee "$logs/test.log" | awk -v LOG=build/test/Testing/Temporary/LastTest.log -f tools/test_output.awk
+}
+
+# A Mac keeps no volume in memory: what the tests move between two volumes goes to a disk image, which
+# is let go when the script ends.
+attach_second_volume() {
+    local image=$root/build/second-volume
+    mkdir -p "$image"
+    quietly disk-image.log hdiutil create -ov -quiet -size 2g -type SPARSE -fs APFS \
+        -volname velto-tests "$image/disk"
+    quietly disk-image.log hdiutil attach -nobrowse -noautofsck -mountpoint "$image/mounted" \
+        "$image/disk.sparseimage"
+    export VELTO_OTHER_VOLUME=$image/mounted
+    trap 'hdiutil detach -quiet -force "$VELTO_OTHER_VOLUME"' EXIT
 }
 
 # One CTest run over several builds, so that one set of closing lines tells the whole result.

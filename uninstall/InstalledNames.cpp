@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <iterator>
 
 #include "platform/DesktopEntry.h"
 #include "platform/values/text.h"

@@ -1,6 +1,7 @@
 #include "analysis/growth/MergedFolders.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 
 #include "platform/values/text.h"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
+#include <iterator>
 #include <set>
 #include <tuple>
 #include <utility>

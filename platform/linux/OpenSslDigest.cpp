@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <iterator>
 #include <stdexcept>
 
 #include <fmt/format.h>

@@ -9,6 +9,7 @@
 #include "analysis/PermissionService.h"
 #include "analysis/ScannerService.h"
 #include "support/TestPlatform.h"
+#include "support/volumes.h"
 
 namespace velto {
 namespace {
@@ -130,10 +131,11 @@ TEST_F(ScannerHome, AnAccessTimeTellsABigFilesLastUse) {
 }
 
 TEST_F(ScannerHome, NamesOfAnyBytesAreCounted) {
-    home.file("work/\xFF\xFE.mp3", 5'000);
+    const bool anyBytes = takesNamesOfAnyBytes(home.path());
+    if (anyBytes) home.file("work/\xFF\xFE.mp3", 5'000);
     home.file("work/line\nbreak.mp3", 5'000);
     home.file("work/" + std::string(255, 'n'), 5'000);
-    EXPECT_EQ(scan(2).files, 3);
+    EXPECT_EQ(scan(2).files, anyBytes ? 3 : 2);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "support/stored_path.h"
 #include "support/tree_text.h"
+#include "support/volumes.h"
 
 namespace velto {
 namespace {
@@ -25,11 +26,7 @@ void PrintTo(const Operation& operation, std::ostream* stream) {
     *stream << operation.id << ": " << testing::PrintToString(operation.items);
 }
 
-std::string TrashWorld::fastVolume() {
-    return fs::is_directory("/dev/shm") && access("/dev/shm", W_OK) == 0
-               ? "/dev/shm"
-               : fs::canonical(fs::temp_directory_path()).string();
-}
+std::string TrashWorld::fastVolume() { return otherVolume(); }
 
 bool TrashWorld::hasTwoVolumes() { return areTwoVolumes(fastVolume(), buildVolume()); }
 

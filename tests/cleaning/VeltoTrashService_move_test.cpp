@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "TrashFixture.h"
+#include "support/volumes.h"
 
 namespace velto {
 namespace {
@@ -239,6 +240,7 @@ TEST_F(TrashMoveTest, ALongNameIsCutBetweenCharactersInTheTrashAndWholeInItsPlac
 }
 
 TEST_F(TrashMoveTest, ANameThatIsNoTextIsMovedAndRestoredLikeAnyOther) {
+    if (!takesNamesOfAnyBytes(home.path())) GTEST_SKIP() << "no such names here";
     const std::string path = home.path("bad \xff name");
     write(path, "content");
     service.moveToTrash({path}, "wind");
@@ -250,6 +252,7 @@ TEST_F(TrashMoveTest, ANameThatIsNoTextIsMovedAndRestoredLikeAnyOther) {
 }
 
 TEST_F(TrashMoveTest, ALongNameThatIsNoTextIsCutAndRestoredWhole) {
+    if (!takesNamesOfAnyBytes(home.path())) GTEST_SKIP() << "no such names here";
     // With the id before it the cut comes after 244 of its bytes.
     const std::string middle = "\xff日é\xe2\x82\xf0";
     for (std::size_t before = 0; before <= middle.size(); ++before) {

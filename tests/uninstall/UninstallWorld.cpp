@@ -1,11 +1,10 @@
 #include "UninstallWorld.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
 #include "support/made_property_list.h"
+#include "support/volumes.h"
 
 namespace velto {
 namespace {
@@ -19,10 +18,7 @@ std::string lower(std::string text) {
 
 }  // namespace
 
-std::string UninstallWorld::fastVolume() {
-    constexpr const char* memory = "/dev/shm";
-    return access(memory, W_OK) == 0 ? memory : buildVolume();
-}
+std::string UninstallWorld::fastVolume() { return otherVolume(); }
 
 bool UninstallWorld::hasTwoVolumes() { return areTwoVolumes(fastVolume(), buildVolume()); }
 

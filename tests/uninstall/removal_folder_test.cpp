@@ -107,7 +107,7 @@ TEST_F(RemovalFolderTest, OnlyWhatARemovalHasPutThereIsSwept) {
                                    "kept-" + own,
                                    "x" + own,
                                    own + ".path.path",
-                                   "0f8fad5b-d9cb-469f-a165-70867728950e",
+                                   "2f8fad5b-d9cb-469f-a165-70867728950e",
                                    "0F8FAD5BD-9CB-469F-A165-70867728950E",
                                    "0F8FAD5B-D9CB-469F-A165-70867728950G",
                                    ".velto-0123456789abcdeg",

@@ -107,6 +107,7 @@ const std::vector<VolumeKind>& volumeKinds() {
         {.name = "fuse_plain_rename", .keepsHoles = false},
         {.name = "fuse_ignoring_case", .keepsHoles = false, .tellsCaseApart = false},
         likeFat("fuse_like_fat"),
+        {.name = "fuse_like_apfs", .tellsCaseApart = false},
     };
     return kinds;
 }
@@ -129,6 +130,8 @@ std::string mountVolume(const VolumeKind& kind, const std::string& folder,
     if (name == "fuse") return mountPassing(folder, scratch, {});
     if (name == "fuse_plain_rename") return mountPassing(folder, scratch, {"plain-rename"});
     if (name == "fuse_ignoring_case") return mountPassing(folder, scratch, {"ignores-case"});
+    if (name == "fuse_like_apfs")
+        return mountPassing(folder, scratch, {"folds-names", "text-names", "keeps-holes"});
     return mountPassing(
         folder, scratch,
         {"ignores-case", "no-links", "no-modes", "no-attributes", "coarse-times", "plain-names"});

@@ -16,11 +16,6 @@
 
 namespace velto {
 
-/// A second volume, in memory; the first one where there is none.
-inline std::string otherVolume() {
-    return ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : buildVolume();
-}
-
 /// The reason with which `action` fails, 0 when it does not.
 template <typename Action>
 int reasonOf(Action action) {

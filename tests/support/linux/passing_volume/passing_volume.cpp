@@ -4,14 +4,17 @@
 //
 // FAULTS is a file that holds a VolumeFaults. Writes one byte once it is mounted, and ends with the
 // process that has started it. Options: plain-rename (cannot rename without replacing),
-// ignores-case, no-links, no-modes, no-attributes, coarse-times (two seconds), plain-names (none of
-// the characters that such volumes refuse).
+// ignores-case (of ASCII letters), folds-names (two spellings of one text are one name, whatever
+// the case and however its accents are composed), text-names (nothing but UTF-8), no-links,
+// no-modes, no-attributes, keeps-holes (tells where a file has no content of its own), coarse-times
+// (two seconds), plain-names (none of the characters that such volumes refuse).
 
 #define FUSE_USE_VERSION 31
 
 #include <dirent.h>
 #include <fcntl.h>
 #include <fuse.h>
+#include <glib.h>
 #include <signal.h>
 #include <strings.h>
 #include <sys/mman.h>
@@ -37,14 +40,34 @@ VolumeFaults* faults = nullptr;
 
 bool is(const char* option) { return options.contains(option); }
 
-/// The entry that a name stands for where case makes no difference; the name itself when none does.
+bool ignoresSpelling() { return is("ignores-case") || is("folds-names"); }
+
+/// True when the volume takes both for one name.
+bool areAlike(const char* one, const char* other) {
+    if (!is("folds-names")) return strcasecmp(one, other) == 0;
+    if (!g_utf8_validate(one, -1, nullptr) || !g_utf8_validate(other, -1, nullptr)) return false;
+    const auto folded = [](const char* name) {
+        char* const composed = g_utf8_normalize(name, -1, G_NORMALIZE_DEFAULT);
+        char* const plain = g_utf8_casefold(composed, -1);
+        char* const text = g_utf8_normalize(plain, -1, G_NORMALIZE_DEFAULT);
+        const std::string result = text;
+        g_free(composed);
+        g_free(plain);
+        g_free(text);
+        return result;
+    };
+    return folded(one) == folded(other);
+}
+
+/// The entry that a name stands for where spelling makes no difference; the name itself when none
+/// does.
 std::string spelling(const std::string& folder, const std::string& name) {
     struct stat status {};
     if (lstat((folder + "/" + name).c_str(), &status) == 0) return name;
     std::string found = name;
     if (DIR* const stream = opendir(folder.c_str())) {
         while (const dirent* entry = readdir(stream)) {
-            if (strcasecmp(entry->d_name, name.c_str()) == 0) found = entry->d_name;
+            if (areAlike(entry->d_name, name.c_str())) found = entry->d_name;
         }
         closedir(stream);
     }
@@ -52,7 +75,7 @@ std::string spelling(const std::string& folder, const std::string& name) {
 }
 
 std::string place(const char* path) {
-    if (!is("ignores-case")) return root + path;
+    if (!ignoresSpelling()) return root + path;
     std::string found = root;
     for (std::string rest = path; rest.size() > 1;) {
         rest.erase(0, 1);
@@ -95,6 +118,7 @@ bool isTaken(const char* path) {
 /// Where the names of new things are limited.
 int judgeName(const char* path) {
     const char* const name = strrchr(path, '/') + 1;
+    if (is("text-names") && !g_utf8_validate(name, -1, nullptr)) return -EILSEQ;
     if (!is("plain-names")) return 0;
     const bool isPlain = strpbrk(name, "\"*:<>?\\|\n") == nullptr;
     return isPlain ? 0 : -EINVAL;
@@ -146,12 +170,15 @@ int removeFolder(const char* path) {
 }
 
 int makeLink(const char* target, const char* path) {
-    return change(
-        [&] { return is("no-links") ? -EPERM : answer(symlink(target, place(path).c_str())); });
+    return change([&] {
+        if (const int reason = judgeName(path)) return reason;
+        return is("no-links") ? -EPERM : answer(symlink(target, place(path).c_str()));
+    });
 }
 
 int addName(const char* from, const char* to) {
     return change([&] {
+        if (const int reason = judgeName(to)) return reason;
         return is("no-links") ? -EPERM : answer(link(place(from).c_str(), place(to).c_str()));
     });
 }
@@ -161,7 +188,7 @@ int renameTo(const char* from, const char* to, unsigned flags) {
         if (flags != 0 && is("plain-rename")) return -EINVAL;
         if (const int reason = judgeName(to)) return reason;
         // Another spelling of the same name: the volume then shows the new one.
-        const bool isRespelling = is("ignores-case") && strcasecmp(from, to) == 0;
+        const bool isRespelling = ignoresSpelling() && areAlike(from, to);
         if (flags != 0 && isTaken(to) && !isRespelling) return -EEXIST;
         const std::string target = isRespelling ? root + to : place(to);
         return answer(renameat2(AT_FDCWD, place(from).c_str(), AT_FDCWD, target.c_str(), flags));
@@ -232,6 +259,11 @@ int writeFile(const char*, const char* data, size_t size, off_t offset, fuse_fil
         const ssize_t length = pwrite(static_cast<int>(info->fh), data, size, offset);
         return length < 0 ? -errno : static_cast<int>(length);
     });
+}
+
+off_t seekContent(const char*, off_t offset, int whence, fuse_file_info* info) {
+    const off_t found = lseek(static_cast<int>(info->fh), offset, whence);
+    return found < 0 ? -errno : found;
 }
 
 int volumeFigures(const char*, struct statvfs* figures) {
@@ -308,6 +340,7 @@ fuse_operations operations() {
     calls.create = createFile;
     calls.read = readFile;
     calls.write = writeFile;
+    if (is("keeps-holes")) calls.lseek = seekContent;
     calls.statfs = volumeFigures;
     calls.release = releaseFile;
     calls.fsync = syncFile;

@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Runs the tests that work on files on two volumes that take names as a Mac's do: only UTF-8, and two
+# spellings of one text are one name. The volumes are mounted for this process alone.
+#
+#   like_a_mac.sh BUILD [GTEST-ARGUMENT...]   BUILD is a folder with the built tests, as build/debug
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+cd "$root"
+if [ -z "${VELTO_PRIVATE_MOUNTS:-}" ]; then
+    export VELTO_PRIVATE_MOUNTS=1
+    [ "$(id -u)" -eq 0 ] && exec unshare -m "$0" "$@"
+    exec unshare -rm "$0" "$@"
+fi
+build=$(realpath "$1")
+shift
+
+scratch=$(mktemp -d)
+mkdir "$scratch"/{one,other,kept,kept-other}
+
+# mount_volume FOLDER MOUNTPOINT
+mount_volume() {
+    head -c 64 /dev/zero >"$1.faults"
+    mkfifo "$2.mounted"
+    "$build/tests/velto-passing-volume" "$1" "$2" "$1.faults" \
+        folds-names text-names keeps-holes >"$2.mounted" &
+    [ "$(head -c 1 "$2.mounted")" = m ] || {
+        echo "no volume can be mounted here" >&2
+        exit 1
+    }
+}
+
+# shellcheck disable=SC2317  # the trap calls it
+finish() {
+    cd /
+    umount -l "$scratch/one" "$scratch/other" 2>/dev/null || true
+    rm -rf "$scratch"
+}
+trap finish EXIT
+mount_volume "$scratch/kept" "$scratch/one"
+mount_volume "$scratch/kept-other" "$scratch/other"
+
+cd "$scratch/one"
+mkdir tmp
+status=0
+for program in platform cleaning analysis uninstall attack bridge; do
+    [ -x "$build/tests/test_$program" ] || continue
+    TMPDIR=$scratch/one/tmp VELTO_OTHER_VOLUME=$scratch/other \
+        "$build/tests/test_$program" --gtest_brief=1 "$@" || status=1
+done
+exit $status
