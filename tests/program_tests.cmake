@@ -52,6 +52,9 @@ add_executable(drag_source e2e/support/drag_source.cpp)
 target_link_libraries(drag_source PRIVATE PkgConfig::GTK velto_options)
 add_executable(clipboard_text e2e/support/clipboard_text.cpp)
 target_link_libraries(clipboard_text PRIVATE PkgConfig::GTK velto_options)
+# What a screen reader asks of the page.
+add_executable(screen_reader e2e/support/screen_reader.cpp)
+target_link_libraries(screen_reader PRIVATE PkgConfig::GIO nlohmann_json::nlohmann_json velto_options)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
@@ -60,7 +63,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
-        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>;CLIPBOARD_TEXT=$<TARGET_FILE:clipboard_text>")
+        ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>;CLIPBOARD_TEXT=$<TARGET_FILE:clipboard_text>;SCREEN_READER=$<TARGET_FILE:screen_reader>")
 endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)

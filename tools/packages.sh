@@ -5,7 +5,7 @@ debian_build=(g++ cmake ninja-build pkg-config ccache
     libplist-dev libgdk-pixbuf-2.0-dev
     libfmt-dev nlohmann-json3-dev libgtest-dev libgmock-dev libbenchmark-dev)
 debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-theme)
-debian_test=("${debian_display[@]}" xdotool chromium-headless-shell clang libclang-rt-dev lld llvm strace
+debian_test=("${debian_display[@]}" at-spi2-core xdotool chromium-headless-shell clang libclang-rt-dev lld llvm strace
     procps sysstat lm-sensors iproute2 systemd packagekit polkitd
     btrfs-progs dosfstools e2fsprogs libfuse3-dev xfsprogs)
 debian_check=(clang clang-format clang-tidy shellcheck clang-19 libc++-19-dev libfuse3-dev)

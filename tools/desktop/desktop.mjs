@@ -28,12 +28,12 @@ async function sandboxVariables() {
   return status === 0 ? {} : { WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS: '1' };
 }
 
-/** A D-Bus session: its address, and how it ends. */
-export async function startBus() {
+/** A D-Bus session: its address, and how it ends. `env` is that of the services that it starts. */
+export async function startBus({ env = process.env } = {}) {
   const bus = startChild(
     'dbus-daemon',
     ['--session', '--nofork', '--nopidfile', '--nosyslog', '--print-address=3'],
-    { stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
+    { env, stdio: ['ignore', 'ignore', 'ignore', 'pipe'] },
   );
   const address = await firstLine(bus, 3, 'the D-Bus session (dbus-daemon)');
   return { address, stop: () => stopChild(bus) };

@@ -60,7 +60,7 @@ describe.each(languages)('$language', ({ translate }) => {
     await check({ saved: translate(fullState({ dupGroups: [many!] })) }, ['inicio', 'duplicados'], async (opened) => {
       await tellMeasurement(opened);
       await opened.tell('onLinkedCopies', { [many!.id]: [[many!.paths[0], many!.paths[2]]] });
-      for (const summary of await opened.page.locator('summary').all()) await summary.click();
+      for (const summary of await opened.page.locator('.disclosure > button').all()) await summary.click();
     });
     await check({ saved: translate(fullState()), platform: 'linux' }, ['inicio'], (opened) =>
       tellMeasurement(opened, { compared: { ...someMeasurement.compared, running: true } }),

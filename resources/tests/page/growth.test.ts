@@ -20,7 +20,7 @@ async function withGrowth(test: (opened: OpenPage) => Promise<void>, setting: Se
   expect(opened.complaints).toEqual([]);
 }
 
-const line = ({ page }: OpenPage) => page.locator('details summary');
+const line = ({ page }: OpenPage) => page.locator('.card > button[aria-expanded]');
 const panel = ({ page }: OpenPage) => page.getByRole('region', { name: 'What has changed' });
 const listed = (opened: OpenPage, title: string) =>
   panel(opened).locator('section', { has: opened.page.getByRole('heading', { name: title, exact: true }) }).locator('li');

@@ -103,7 +103,8 @@ describe('an application that the system has installed', () => {
       expect(await remove(opened).count()).toBe(1);
       await removed(opened);
       await opened.tell('onPackageRemoval', path, { done: false, reason: 'failed', detail: 'in its own words' });
-      expect(await panel(opened).locator('details').textContent()).toContain('in its own words');
+      await panel(opened).getByRole('button', { name: 'Details' }).click();
+      expect(await panel(opened).textContent()).toContain('in its own words');
     });
   });
 
