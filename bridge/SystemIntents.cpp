@@ -52,13 +52,14 @@ void SystemIntents::sendSamples() {
         };
     context_.state.system->onActivity = [&dispatcher,
                                          weak = weak_from_this()](const Activity& now) {
-        dispatcher.main(
-            [weak, script = events::systemActivity(now.record), quittable = now.quittable] {
-                const auto self = weak.lock();
-                if (!self) return;
-                self->context_.quitting.know(quittable);
-                self->context_.link.evaluate(script);
-            });
+        dispatcher.main([weak, activity = events::systemActivity(now.record),
+                         details = events::systemDetails(now.details), quittable = now.quittable] {
+            const auto self = weak.lock();
+            if (!self) return;
+            self->context_.quitting.know(quittable);
+            self->context_.link.evaluate(activity);
+            self->context_.link.evaluate(details);
+        });
     };
 }
 

@@ -11,6 +11,10 @@ std::string systemActivity(const nlohmann::ordered_json& activity) {
     return call("onSystemActivity", writeJson(activity, BadText::replaced));
 }
 
+std::string systemDetails(const nlohmann::ordered_json& details) {
+    return call("onSystemDetails", writeJson(details, BadText::replaced));
+}
+
 std::string applicationStopped(std::int64_t process, bool hasEnded) {
     return call("onApplicationStopped", literal({{"pid", process}, {"ended", hasEnded}}));
 }

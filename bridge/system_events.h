@@ -11,6 +11,9 @@ namespace velto::events {
 /// What there is to tell beside the sample that follows.
 std::string systemActivity(const nlohmann::ordered_json& activity);
 
+/// The groups by name with their single processes, and what cannot be seen, for the same sample.
+std::string systemDetails(const nlohmann::ordered_json& details);
+
 /// Whether what a group shows was stopped, which had been asked for: the group's process, and
 /// whether all has ended.
 std::string applicationStopped(std::int64_t process, bool hasEnded);

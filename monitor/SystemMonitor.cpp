@@ -1,10 +1,22 @@
 #include "monitor/SystemMonitor.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/values/units.h"
 
 namespace velto {
+namespace {
+
+/// Bytes per second, where they are known.
+void addRates(sampling::Dictionary& told, const std::optional<ProcessTraffic>& traffic,
+              double elapsed) {
+    if (!traffic || !(elapsed > 0)) return;
+    told["read"] = static_cast<double>(traffic->read) / elapsed;
+    told["written"] = static_cast<double>(traffic->written) / elapsed;
+}
+
+}  // namespace
 
 SystemMonitor::SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue)
     : context_(std::move(context)), ownedQueue_(std::move(queue)), queue_(*ownedQueue_) {
@@ -54,7 +66,9 @@ sampling::Dictionary SystemMonitor::sample() {
     const double now = context_.clock.monotonic();
     const double elapsed = prevStamp ? now - *prevStamp : 0;
     sampling::Dictionary taken = sampling::Dictionary::object();
-    activity_ = {.record = sampling::Dictionary::object(), .quittable = {}};
+    activity_ = {.record = sampling::Dictionary::object(),
+                 .details = sampling::Dictionary::object(),
+                 .quittable = {}};
     addProcessor(taken);
     addMemory(taken);
     addDisk(taken);
@@ -69,6 +83,8 @@ sampling::Dictionary SystemMonitor::sample() {
     addGraphics(elapsed);
     refreshProcessMap();
     taken["procs"] = groups(processMap, prevProcCPU, elapsed);
+    ++samples_;
+    tellUnseen();
     prevStamp = now;
     return taken;
 }
@@ -121,6 +137,7 @@ void SystemMonitor::addGraphics(double elapsed) {
     if (elapsed > 0) {
         if (const auto load = sampling::graphicsLoad(prevGraphics, graphics, elapsed)) {
             activity_.record["gpu"] = {{"pct", *load}};
+            hasSeenGraphics_ = true;
         }
     }
     prevGraphics = std::move(graphics);
@@ -144,9 +161,11 @@ Groups SystemMonitor::gather(const ProcessMap& processes, const ProcessTimes& pr
     times.reserve(processes.size());
     ProcessTraffics traffics;
     Groups gathered;
+    seesOthers_ = false;
     for (const auto& [process, info] : processes) {
         const std::optional<ProcessUsage> usage = context_.processes.usage(process);
         if (!usage) continue;
+        if (!info.isOwn) seesOthers_ = true;
         times.emplace(process, usage->time);
         if (usage->traffic) traffics.emplace(process, *usage->traffic);
         // What the system calls a process that is being taken away.
@@ -160,45 +179,90 @@ Groups SystemMonitor::gather(const ProcessMap& processes, const ProcessTimes& pr
         const auto [found, isNew] = gathered.try_emplace(std::move(key), std::move(fresh));
         Group& group = found->second;
         if (!isNew) ++group.procs;
-        group.cpu += processorPercent(usage->time, previous, elapsedSeconds);
-        group.mem += static_cast<double>(usage->footprint) * mebibytesPerByte;
+        Member member{.process = process,
+                      .cpu = processorPercent(usage->time, previous, elapsedSeconds),
+                      .mem = static_cast<double>(usage->footprint) * mebibytesPerByte,
+                      .traffic = {}};
+        group.cpu += member.cpu;
+        group.mem += member.mem;
         if (group.path.empty()) group.path = bundleOf(context_.processes.executablePath(process));
         if (owner == process) addRoot(group, {process, info.start}, processes, apps, own);
-        const auto moved = prevTraffic.find(process);
-        if (moved == prevTraffic.end()) continue;
-        if (const auto traffic = trafficSince(moved->second, usage->traffic)) {
-            ProcessTraffic& sum = group.traffic ? *group.traffic : group.traffic.emplace();
-            sum.read += traffic->read;
-            sum.written += traffic->written;
+        if (const auto moved = prevTraffic.find(process); moved != prevTraffic.end()) {
+            member.traffic = trafficSince(moved->second, usage->traffic);
+            addTraffic(group.traffic, member.traffic);
         }
+        group.members.push_back(member);
     }
     prevProcCPU = std::move(times);
     prevTraffic = std::move(traffics);
     return gathered;
 }
 
+void SystemMonitor::allowQuitting(const Group& group) {
+    auto& quittable = activity_.quittable;
+    if (std::ranges::find(quittable, group.pid, &QuittableApplication::pid) != quittable.end())
+        return;
+    quittable.push_back({group.pid, group.name, group.roots});
+}
+
 void SystemMonitor::tellGroup(const Group& group, double elapsed) {
     sampling::Dictionary told{{"pid", group.pid}};
-    if (group.traffic && elapsed > 0) {
-        told["read"] = static_cast<double>(group.traffic->read) / elapsed;
-        told["written"] = static_cast<double>(group.traffic->written) / elapsed;
-    }
+    addRates(told, group.traffic, elapsed);
     if (group.canQuit && !group.roots.empty()) {
         told["canQuit"] = true;
-        activity_.quittable.push_back({group.pid, group.name, group.roots});
+        allowQuitting(group);
     }
     activity_.record["procs"].push_back(std::move(told));
+}
+
+/// `drawn` are the processes of the groups whose icons the sample itself has.
+void SystemMonitor::tellNamed(const Groups& named, const ProcessMap& processes,
+                              const std::set<std::int32_t>& drawn, double elapsed) {
+    sampling::Dictionary& groups = activity_.details["groups"] = sampling::Dictionary::array();
+    for (const Group* group : heaviest(named)) {
+        sampling::Dictionary told{{"name", group->name}, {"pid", group->pid},
+                                  {"kind", group->kind}, {"procs", group->procs},
+                                  {"cpu", group->cpu},   {"mem", group->mem}};
+        addRates(told, group->traffic, elapsed);
+        if (!drawn.contains(group->pid)) told["icon"] = iconFor(group->path);
+        if (group->canQuit && !group->roots.empty()) {
+            told["canQuit"] = true;
+            allowQuitting(*group);
+        }
+        if (group->members.size() > 1) {
+            sampling::Dictionary& members = told["members"] = sampling::Dictionary::array();
+            for (const Member* member : heaviestMembers(*group, mostMembers)) {
+                sampling::Dictionary one{{"pid", member->process},
+                                         {"name", processes.at(member->process).name},
+                                         {"cpu", member->cpu},
+                                         {"mem", member->mem}};
+                addRates(one, member->traffic, elapsed);
+                members.push_back(std::move(one));
+            }
+        }
+        groups.push_back(std::move(told));
+    }
+}
+
+/// What there may be, and this program is not told of.
+void SystemMonitor::tellUnseen() {
+    sampling::Dictionary& unseen = activity_.details["unseen"] = sampling::Dictionary::array();
+    if (!seesOthers_) unseen.push_back("processes");
+    if (!activity_.record.contains("temperature")) unseen.push_back("temperature");
+    if (!hasSeenGraphics_ && samples_ > samplesToFindGraphics) unseen.push_back("graphics");
 }
 
 std::vector<sampling::Dictionary> SystemMonitor::groups(const ProcessMap& processes,
                                                         const ProcessTimes& previousTimes,
                                                         double elapsedSeconds) {
-    const Groups gathered = gather(processes, previousTimes, elapsedSeconds);
+    Groups gathered = gather(processes, previousTimes, elapsedSeconds);
     activity_.record["procs"] = sampling::Dictionary::array();
     activity_.quittable.clear();
     std::vector<sampling::Dictionary> result;
+    std::set<std::int32_t> drawn;
     for (const Group* group : heaviest(gathered)) {
         tellGroup(*group, elapsedSeconds);
+        drawn.insert(group->pid);
         result.push_back({{"name", group->name},
                           {"pid", group->pid},
                           {"kind", group->kind},
@@ -207,6 +271,7 @@ std::vector<sampling::Dictionary> SystemMonitor::groups(const ProcessMap& proces
                           {"mem", group->mem},
                           {"icon", iconFor(group->path)}});
     }
+    tellNamed(byName(std::move(gathered)), processes, drawn, elapsedSeconds);
     return result;
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -54,6 +55,9 @@ public:
     static constexpr double period = 2.0;
     static constexpr double processMapAge = 10.0;  // after which it is made anew
     static constexpr int iconPoints = 28;
+    static constexpr std::size_t mostMembers = 40;  // of a group that are told one by one
+    /// The users of a graphics processor are found bit by bit: only then is its load called unseen.
+    static constexpr int samplesToFindGraphics = 5;
 
     /// `queue` is the monitor's own, made under `queueLabel`.
     SystemMonitor(MonitorContext context, std::unique_ptr<SerialQueue> queue);
@@ -133,8 +137,15 @@ private:
     Groups gather(const ProcessMap& processes, const ProcessTimes& previousTimes,
                   double elapsedSeconds);
     void tellGroup(const Group& group, double elapsed);
+    void tellNamed(const Groups& named, const ProcessMap& processes,
+                   const std::set<std::int32_t>& drawn, double elapsed);
+    void tellUnseen();
+    void allowQuitting(const Group& group);
 
     Activity activity_;
+    bool seesOthers_ = false;       // a process of another user has told what it uses
+    bool hasSeenGraphics_ = false;  // their load, at least once
+    int samples_ = 0;
 };
 
 }  // namespace velto

@@ -23,7 +23,8 @@ struct QuittableApplication {
 
 /// What a monitor tells beside each sample.
 struct Activity {
-    sampling::Dictionary record;  // as the page is given it
+    sampling::Dictionary record;   // as the page is given it
+    sampling::Dictionary details;  // the same: the groups by name, and what cannot be seen
     std::vector<QuittableApplication> quittable;
 };
 

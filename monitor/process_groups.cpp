@@ -1,6 +1,9 @@
 #include "monitor/process_groups.h"
 
 #include <algorithm>
+#include <functional>
+#include <tuple>
+#include <utility>
 
 namespace velto {
 namespace {
@@ -31,6 +34,15 @@ bool isBelow(std::int32_t process, std::int32_t ancestor, const ProcessMap& proc
         if (process == ancestor) return true;
     }
     return false;
+}
+
+void join(Group& group, Group&& other) {
+    group.procs += other.procs;
+    group.cpu += other.cpu;
+    group.mem += other.mem;
+    group.pid = std::min(group.pid, other.pid);
+    addTraffic(group.traffic, other.traffic);
+    group.members.insert(group.members.end(), other.members.begin(), other.members.end());
 }
 
 }  // namespace
@@ -90,6 +102,38 @@ void addRoot(Group& group, ProcessBeginning process, const ProcessMap& processes
 std::string bundleOf(const std::string& executable) {
     const std::size_t end = executable.find(".app/");
     return end == std::string::npos ? std::string() : executable.substr(0, end) + ".app";
+}
+
+void addTraffic(std::optional<ProcessTraffic>& sum, const std::optional<ProcessTraffic>& more) {
+    if (!more) return;
+    if (!sum) sum.emplace();
+    sum->read += more->read;
+    sum->written += more->written;
+}
+
+Groups byName(Groups groups) {
+    Groups named;
+    for (auto& [key, group] : groups) {
+        const bool isApplication = group.kind == "app";
+        const std::string name = isApplication ? key : "name:" + group.name;
+        // Where the name is taken, the group is not moved from.
+        const auto [found, isNew] = named.try_emplace(name, std::move(group));
+        if (!isNew) join(found->second, std::move(group));
+    }
+    return named;
+}
+
+std::vector<const Member*> heaviestMembers(const Group& group, std::size_t most) {
+    std::vector<const Member*> members;
+    members.reserve(group.members.size());
+    for (const Member& member : group.members)
+        members.push_back(&member);
+    const auto weight = [](const Member* one) {
+        return std::tuple(-one->cpu, -one->mem, one->process);
+    };
+    std::ranges::sort(members, std::less{}, weight);
+    if (members.size() > most) members.resize(most);
+    return members;
 }
 
 std::vector<const Group*> heaviest(const Groups& groups) {

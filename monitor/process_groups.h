@@ -27,6 +27,14 @@ struct ProcessBeginning {
     bool operator==(const ProcessBeginning&) const = default;
 };
 
+/// One process of a group.
+struct Member {
+    std::int32_t process = 0;
+    double cpu = 0;                         // percent of one processor
+    double mem = 0;                         // mebibytes
+    std::optional<ProcessTraffic> traffic;  // as of its group
+};
+
 /// Processes that belong together.
 struct Group {
     std::string name;
@@ -40,6 +48,7 @@ struct Group {
     std::optional<ProcessTraffic> traffic;  // bytes since the last look, as far as they are told
     std::vector<ProcessBeginning> roots;    // its applications' first processes
     bool canQuit = true;                    // each of these may be asked to, if there is one
+    std::vector<Member> members;            // in no order
 };
 using Groups = std::map<std::string, Group>;
 
@@ -75,6 +84,17 @@ void addRoot(Group& group, ProcessBeginning process, const ProcessMap& processes
 
 /// The outermost bundle that holds an executable; empty when none does.
 std::string bundleOf(const std::string& executable);
+
+/// The applications as they are, and everything else that has one name as one group: its figures
+/// are the sums, its process the one with the lowest number.
+Groups byName(Groups groups);
+
+/// The members that weigh most, by processor time and then memory, at most so many. Valid as long
+/// as the group is.
+std::vector<const Member*> heaviestMembers(const Group& group, std::size_t most);
+
+/// Adds what has passed to a sum of it; what is not known adds nothing.
+void addTraffic(std::optional<ProcessTraffic>& sum, const std::optional<ProcessTraffic>& more);
 
 /// The eight that use most processor time, then those of the eight largest in memory that are not
 /// among them, each by size. Valid as long as `groups` is.

@@ -36,6 +36,18 @@ TEST_F(SystemIntents, ThePageGetsSamplesWhileItWantsThemAndNoneAfter) {
     EXPECT_TRUE(machine.queue->timers.empty());
 }
 
+TEST_F(SystemIntents, WhatGoesBeyondASampleComesWithIt) {
+    machine.processes.add(100, 1, "na\xc3", 64);
+    machine.processes.add(101, 1, "na\xc3", 64);
+    post("systemWatch", {{"on", true}});
+    samples(0.4);
+    const auto details = page->calls("onSystemDetails");
+    ASSERT_EQ(details.size(), 1u);
+    EXPECT_NE(details[0].find("\"name\":\"na\xEF\xBF\xBD\",\"pid\":100"), std::string::npos)
+        << details[0];
+    EXPECT_NE(details[0].find(R"("unseen":["temperature"])"), std::string::npos) << details[0];
+}
+
 TEST_F(SystemIntents, WithoutAPayloadOrWithOneThatMeansNothingSamplingStops) {
     for (const nlohmann::json& payload : {nlohmann::json("on"), nlohmann::json::object(),
                                           nlohmann::json{{"on", "yes"}}, nlohmann::json(true)}) {

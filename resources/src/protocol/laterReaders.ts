@@ -6,7 +6,7 @@ import * as folderGuards from './folderGuards.ts';
 import * as growthGuards from './growthGuards.ts';
 import * as guards from './guards.ts';
 import * as measurementGuards from './measurementGuards.ts';
-import { systemActivity, systemSample } from './systemGuards.ts';
+import { systemActivity, systemDetails, systemSample } from './systemGuards.ts';
 
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
@@ -85,6 +85,10 @@ export const laterReaders: LaterReaders = {
     return result && [result];
   },
   onQuitting: ([value]) => [guards.fieldsOf(value)?.running === 'uninstall' ? 'uninstall' : 'cleanup'],
+  onSystemDetails: ([value]) => {
+    const details = systemDetails(value);
+    return details && [details];
+  },
   onSystemActivity: ([value]) => {
     const activity = systemActivity(value);
     return activity && [activity];

@@ -11,7 +11,7 @@ import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, PutBack, Refusal,
-  RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemSample, TrashItem, WaitingItem,
+  RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemDetails, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
 export type * from './appRecords.ts';
@@ -149,6 +149,7 @@ export interface Events {
   onUninstallProgress: [stage: UninstallStage, percent: number, detail?: string];
   onUninstallResult: [result: UninstallResult];
   onSystemActivity: [activity: SystemActivity];
+  onSystemDetails: [details: SystemDetails];
   onSystem: [sample: SystemSample];
   onApplicationStopped: [pid: number, ended: boolean];
   /** The program ends as soon as what runs is done. */

@@ -257,6 +257,33 @@ export interface GroupActivity {
   canQuit: boolean;
 }
 
+/** What a machine may have and the system does not tell this program. */
+export const unseenParts = ['processes', 'temperature', 'graphics'] as const;
+
+/** One process of a group; what is not known is left out. */
+export interface GroupMember {
+  pid: number;
+  name: string;
+  cpu: number;
+  mem: number;
+  read?: number;
+  written?: number;
+}
+
+/** Everything of one application, or all processes of one name. */
+export interface NamedGroup extends Omit<ProcessGroup, 'icon'>, GroupActivity {
+  /** Left out where the sample that follows has it. */
+  icon?: string;
+  /** The heaviest of its processes, where there are several. */
+  members: GroupMember[];
+}
+
+/** The groups of the sample that follows by their names, and what cannot be seen. */
+export interface SystemDetails {
+  groups: NamedGroup[];
+  unseen: (typeof unseenParts)[number][];
+}
+
 /** What there is to tell beside the sample that follows; what is not known is left out. */
 export interface SystemActivity {
   /** Bytes a second, of all disks together. */

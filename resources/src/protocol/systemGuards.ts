@@ -1,8 +1,8 @@
 /** Reads the samples of the machine. A source that is missing stays missing: nothing is made up. */
 import { icon, percent } from './appGuards.ts';
 import { fieldsOf, list, number, size, text } from './guards.ts';
-import { batteryStates, heatedParts, pressures, thermalStates } from './records.ts';
-import type { GroupActivity, ProcessGroup, SystemActivity, SystemSample } from './records.ts';
+import { batteryStates, heatedParts, pressures, thermalStates, unseenParts } from './records.ts';
+import type { GroupActivity, GroupMember, NamedGroup, ProcessGroup, SystemActivity, SystemDetails, SystemSample } from './records.ts';
 
 type Fields = Record<string, unknown>;
 
@@ -59,14 +59,37 @@ function process(fields: Fields): ProcessGroup | null {
   };
 }
 
+function traffic(fields: Fields): Pick<GroupActivity, 'read' | 'written'> {
+  const isKnown = isNumber(fields.read) && isNumber(fields.written);
+  return isKnown ? { read: size(fields.read), written: size(fields.written) } : {};
+}
+
 function groupActivity(fields: Fields): GroupActivity | null {
   if (!isNumber(fields.pid)) return null;
-  const isKnown = isNumber(fields.read) && isNumber(fields.written);
+  return { pid: Math.trunc(fields.pid), ...traffic(fields), canQuit: fields.canQuit === true };
+}
+
+function member(fields: Fields): GroupMember | null {
+  if (!isNumber(fields.pid)) return null;
+  return { pid: Math.trunc(fields.pid), name: text(fields.name), cpu: size(fields.cpu), mem: size(fields.mem), ...traffic(fields) };
+}
+
+function namedGroup(fields: Fields): NamedGroup | null {
+  const group = process(fields);
+  if (!group) return null;
+  const { icon: picture, ...rest } = group;
   return {
-    pid: Math.trunc(fields.pid),
-    ...(isKnown && { read: size(fields.read), written: size(fields.written) }),
-    canQuit: fields.canQuit === true,
+    ...rest, ...traffic(fields), canQuit: fields.canQuit === true,
+    ...('icon' in fields && { icon: picture }),
+    members: list(fields.members, member),
   };
+}
+
+export function systemDetails(value: unknown): SystemDetails | null {
+  const fields = fieldsOf(value);
+  if (!fields) return null;
+  const told = Array.isArray(fields.unseen) ? fields.unseen : [];
+  return { groups: list(fields.groups, namedGroup), unseen: unseenParts.filter((part) => told.includes(part)) };
 }
 
 /** No part of a computer that runs is colder or hotter. */

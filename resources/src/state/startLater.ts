@@ -68,6 +68,7 @@ export function startLater(): void {
       onUninstallProgress: (stage, percent, item) => uninstalling.progress(stage, percent, item ?? ''),
       onUninstallResult: (result) => tellOutcome(uninstalling.finish(result)),
       onSystemActivity: (activity) => machine.receiveActivity(activity),
+      onSystemDetails: (details) => machine.receiveDetails(details),
       onApplicationStopped: (pid, ended) => quitting.receive(pid, ended),
       onSystem: (sample) => machine.receive(sample),
       onQuitting: (running) => (session.quitting = running),

@@ -2,9 +2,9 @@ import { beforeEach, describe, expect, it, vi } from 'vitest';
 import { appAnalysis, appSizes, installedApps, leftoverLinks, uninstallResult } from '../../src/protocol/appGuards.ts';
 import { connect, listenLater } from '../../src/protocol/connection.ts';
 import { laterReaders } from '../../src/protocol/laterReaders.ts';
-import { systemActivity, systemSample } from '../../src/protocol/systemGuards.ts';
+import { systemActivity, systemDetails, systemSample } from '../../src/protocol/systemGuards.ts';
 import { analysisOf, app, someApps, someLeftovers, someResult } from '../support/apps.ts';
-import { bareSample, firstSample, hostileSample, someActivity, someSample } from '../support/system.ts';
+import { bareSample, firstSample, hostileSample, someActivity, someDetails, someSample } from '../support/system.ts';
 
 const page = globalThis as unknown as { velto?: Record<string, (...values: unknown[]) => void> };
 const again = <Value>(value: Value): unknown => JSON.parse(JSON.stringify(value));
@@ -103,6 +103,18 @@ describe('reading samples', () => {
     const read = systemSample(hostileSample())!;
     expect(read.battery).toEqual({ avail: true, pct: 100, cycles: 1e9 });
     expect(read.procs!.every(({ icon }) => icon === '')).toBe(true);
+  });
+});
+
+describe('reading the groups by name', () => {
+  it('passes complete records through unchanged, and makes nothing up', () => {
+    expect(systemDetails(again(someDetails()))).toEqual(someDetails());
+    expect(systemDetails(7)).toBeNull();
+    expect(systemDetails({ groups: 4, unseen: ['graphics', 'the moon', 'processes'] })).toEqual({ groups: [], unseen: ['processes', 'graphics'] });
+    const odd = { name: 'a', pid: 1, members: [{ pid: 'x' }, { pid: 2, cpu: -4, read: 1 }, 'y'], icon: 'javascript:1' };
+    expect(systemDetails({ groups: [odd, { pid: 3 }] })!.groups).toEqual([
+      { name: 'a', pid: 1, kind: 'other', procs: 1, cpu: 0, mem: 0, icon: '', canQuit: false, members: [{ pid: 2, name: '', cpu: 0, mem: 0 }] },
+    ]);
   });
 });
 

@@ -1,11 +1,11 @@
 import { describe, expect, it } from 'vitest';
 import { formats } from '../../src/language/formats.ts';
 import { memory, rate } from '../../src/language/measures.ts';
-import { span, Timeline } from '../../src/state/timeline.ts';
+import { Averages, hour, minutes, part, Timeline } from '../../src/state/timeline.ts';
 import { memoryParts } from '../../src/views/sistema/memoryParts.ts';
 import { nextTop, roundUp } from '../../src/views/sistema/scale.ts';
-import { busiestFirst, keyed, nextProcessOrder, sortRows, SteadyRows, weighs, withActivity } from '../../src/views/sistema/steadyRows.ts';
-import { group, someActivity, someGroups, someSample } from '../support/system.ts';
+import { busiestFirst, keyed, nextProcessOrder, restOf, sortRows, SteadyRows, weighs, withActivity, withIcons } from '../../src/views/sistema/steadyRows.ts';
+import { group, someActivity, someDetails, someGroups, someSample } from '../support/system.ts';
 
 const { compare } = formats.en;
 const plain = (text: string) => text.replaceAll('\u00a0', ' ');
@@ -16,8 +16,8 @@ describe('the last two minutes', () => {
   it('holds two minutes and no more, however long it runs', () => {
     const line = timeline();
     for (let time = 0; time <= 4000; time += 2) line.add(time, { cpu: 1 });
-    expect(line.times.length).toBeLessThanOrEqual(span / 2 + 2);
-    expect(line.times[0]).toBeLessThanOrEqual(4000 - span);
+    expect(line.times.length).toBeLessThanOrEqual(minutes / 2 + 2);
+    expect(line.times[0]).toBeLessThanOrEqual(4000 - minutes);
     expect(line.values.cpu).toHaveLength(line.times.length);
   });
 
@@ -49,6 +49,54 @@ describe('the last two minutes', () => {
     line.add(5, { cpu: 2 });
     line.add(4, { cpu: 3 });
     expect(line.values.cpu).toEqual([1]);
+  });
+});
+
+describe('the last hour', () => {
+  const averages = () => new Averages(['cpu']);
+
+  it('holds an hour and no more, each ten seconds as their average', () => {
+    const line = averages();
+    for (let time = 0; time < 20_000; time += 2) line.add(time, { cpu: time % 10 });
+    expect(line.times.length).toBeLessThanOrEqual(hour / part + 2);
+    expect(line.times[0]).toBeLessThanOrEqual(20_000 - hour);
+    expect(new Set(line.values.cpu)).toEqual(new Set([4]));
+    expect(line.values.cpu).toHaveLength(line.times.length);
+  });
+
+  it('what is not over yet counts as far as it is known', () => {
+    const line = averages();
+    for (const [time, cpu] of [[10, 20], [12, 40], [20, 90]] as const) line.add(time, { cpu });
+    expect(line.times).toEqual([10, 20]);
+    expect(line.values.cpu).toEqual([30, 90]);
+  });
+
+  it('where nobody looked there is a gap, however short, and none for a sample that is late', () => {
+    const line = averages();
+    for (const time of [10, 12, 21, 32, 2000]) line.add(time, { cpu: 5 });
+    expect(line.values.cpu).toEqual([5, 5, null, 5, null, 5]);
+    expect([...line.times].sort((left, right) => left - right)).toEqual(line.times);
+    expect(new Set(line.times).size).toBe(line.times.length);
+  });
+
+  it('a figure that is missing is no zero in the average', () => {
+    const line = averages();
+    line.add(1, { cpu: null });
+    expect(line.values.cpu).toEqual([null]);
+    line.add(3, { cpu: 40 });
+    expect(line.values.cpu).toEqual([40]);
+  });
+});
+
+describe('groups with their processes', () => {
+  it('take their icons from the sample, and what is not told one by one makes up the sum', () => {
+    const [first] = withIcons(someDetails().groups, someGroups());
+    expect(first).toMatchObject({ name: 'Borealis', icon: someGroups()[0]!.icon, canQuit: true });
+    const rest = restOf(first!)!;
+    expect(rest.procs).toBe(29);
+    expect(rest.mem + 1180 + 800).toBeCloseTo(first!.mem);
+    expect(rest.cpu + 92.1 + 30.2).toBeCloseTo(first!.cpu);
+    expect(restOf({ ...first!, procs: 2 })).toBeNull();
   });
 });
 

@@ -2,7 +2,7 @@ import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open, type OpenPage } from '../support/page.ts';
 import { fullState } from '../support/states.ts';
-import { bareSample, firstSample, group, hostileSample, someActivity, someGroups, someSample } from '../support/system.ts';
+import { bareSample, firstSample, group, hostileSample, someActivity, someDetails, someGroups, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -129,7 +129,7 @@ describe('the figures', () => {
     await withPage(async (opened) => {
       await opened.go('sistema');
       await opened.tell('onSystem', bareSample());
-      expect(await textOf(opened, 'Battery')).toContain('None This computer runs without one.');
+      expect(await textOf(opened, 'Battery')).toContain('None The system reports no battery.');
       expect(await textOf(opened, 'Temperature')).toContain('Unknown This computer does not report it.');
       expect(await textOf(opened, 'Disk')).toContain('Not reported by this computer.');
       expect(await textOf(opened, 'Memory')).toContain('Pressure high');
@@ -153,6 +153,29 @@ describe('the figures', () => {
         return data.filter((value, index) => index % 4 === 3 && value > 200).length;
       });
       expect(drawn).toBeGreaterThan(20);
+    });
+  });
+
+  it('of the last hour are there, also of before another view was shown', async () => {
+    await withPage(async (opened) => {
+      await opened.page.clock.install();
+      await opened.go('sistema');
+      const tell = async (pct: number) => {
+        await opened.tell('onSystem', someSample({ cpu: { pct, cores: 8, load: 1 } }));
+        await opened.page.clock.runFor(10_000);
+      };
+      for (const pct of [10, 90]) await tell(pct);
+      await opened.go('inicio');
+      await opened.page.clock.runFor(600_000);
+      await opened.go('sistema');
+      await tell(30);
+      const curve = card(opened, 'Processor').getByRole('img');
+      expect(await curve.getAttribute('aria-label')).toBe('Processor over the last two minutes: 30% now, between 30% and 30%.');
+      await opened.page.getByRole('radio', { name: '1 h' }).check();
+      expect(await curve.getAttribute('aria-label')).toBe(
+        'Processor over the last hour, in averages of ten seconds: 30% now, between 10% and 90%.',
+      );
+      expect(await curve.locator('.times').textContent()).toContain('1 h ago');
     });
   });
 
@@ -202,6 +225,18 @@ describe('what is told beside a sample', () => {
       expect(await textOf(opened, 'Disk')).not.toContain('Reading');
       expect(await textOf(opened, 'Temperature')).not.toContain('°C');
       expect(await opened.page.getByRole('button', { name: /^Quit/ }).count()).toBe(0);
+    });
+  });
+
+  it('what the system keeps to itself is said in one line, and only then', async () => {
+    await withPage(async (opened) => {
+      await opened.go('sistema');
+      await opened.tell('onSystemDetails', someDetails());
+      await opened.tell('onSystem', someSample());
+      expect(await opened.page.getByText('The system tells Velto nothing').count()).toBe(0);
+      await opened.tell('onSystemDetails', someDetails({ unseen: ['processes', 'temperature'] }));
+      await opened.tell('onSystem', someSample());
+      expect(await opened.page.getByText('The system tells Velto nothing of processes that are not yours and the temperature.').isVisible()).toBe(true);
     });
   });
 
@@ -293,7 +328,7 @@ describe('the heaviest applications', () => {
       await opened.page.mouse.move(0, 0);
       await opened.go('sistema');
       await opened.tell('onSystem', someSample());
-      expect(await stillness.count()).toBe(0);
+      expect(await stillness.isVisible()).toBe(false);
     });
   });
 
@@ -319,13 +354,39 @@ describe('the heaviest applications', () => {
     });
   });
 
+  it('open to their single processes, with the pointer and with keys, and the rest makes up the sum', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      await opened.go('sistema');
+      const tellAll = async () => {
+        await opened.tell('onSystemDetails', someDetails());
+        await opened.tell('onSystem', someSample());
+      };
+      await tellAll();
+      const texts = async () => (await page.locator('[data-key^="app:Borealis>"] .mem').allTextContents()).map(plain);
+      await page.getByRole('button', { name: 'Show the 31 processes of Borealis' }).click();
+      expect(await texts()).toEqual(['1.2 GB', '839 MB', '1.3 GB']);
+      expect(plain(await page.locator('[data-key="app:Borealis>rest"]').textContent())).toContain('29 more, lighter');
+      await page.getByRole('button', { name: 'Hide the processes of Borealis' }).press('Enter');
+      expect(await texts()).toEqual([]);
+      await page.locator('[data-key="app:Borealis"]').focus();
+      await page.keyboard.press('Enter');
+      await tellAll();
+      await page.keyboard.press('ArrowDown');
+      expect(await page.evaluate(() => document.activeElement?.getAttribute('data-key'))).toContain('>pid:501:');
+      await page.keyboard.press(' ');
+      expect(await page.evaluate(() => document.activeElement?.getAttribute('data-key'))).toBe('app:Borealis');
+      expect(await texts()).toEqual([]);
+    });
+  });
+
   it('go on changing places after a click on a column header', async () => {
     await withPage(async (opened) => {
       await opened.go('sistema');
       await tell(opened, 90, 10);
       await opened.page.getByRole('columnheader', { name: 'Processor' }).getByRole('button').click();
       expect(await rowNames(opened)).toEqual(['Beta', 'Alfa']);
-      expect(await opened.page.getByText('The order stands still while you').count()).toBe(0);
+      expect(await opened.page.getByText('The order stands still while you').isVisible()).toBe(false);
       for (let sample = 0; sample < 2; sample += 1) await tell(opened, 10, 90);
       expect(await rowNames(opened)).toEqual(['Alfa', 'Beta']);
     });

@@ -1,5 +1,5 @@
 /** Made-up samples of a machine, as the program would send them. */
-import type { ProcessGroup, SystemActivity, SystemSample } from '../../src/protocol/protocol.ts';
+import type { ProcessGroup, SystemActivity, SystemDetails, SystemSample } from '../../src/protocol/protocol.ts';
 import { picture } from './pictures.ts';
 import { hostileNames } from './states.ts';
 
@@ -48,6 +48,21 @@ export function someActivity(change: Partial<SystemActivity> = {}): SystemActivi
       { pid: 77, read: 52_000, written: 0, canQuit: false },
       { pid: 310, canQuit: false },
     ],
+    ...change,
+  };
+}
+
+/** The same groups by their names; of the largest one more processes than are told one by one. */
+export function someDetails(change: Partial<SystemDetails> = {}): SystemDetails {
+  const members = [
+    { pid: 501, name: 'borealis', cpu: 92.1, mem: 1180, read: 1_000_000, written: 40_000 },
+    { pid: 502, name: 'borealis: pestaña', cpu: 30.2, mem: 800 },
+  ];
+  return {
+    groups: someGroups().map(({ icon: _icon, ...each }) => ({
+      ...each, canQuit: each.pid === 501, members: each.pid === 501 ? members : [],
+    })),
+    unseen: [],
     ...change,
   };
 }

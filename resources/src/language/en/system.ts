@@ -27,11 +27,15 @@ export const systemWords = {
   down: 'Receiving',
   up: 'Sending',
   through: (name: string) => `mostly through ${name}`,
-  twoMinutesAgo: '2 min ago',
+  lookLabel: 'How far back the curves go',
+  looks: {
+    minutes: { name: '2 min', ago: '2 min ago', over: 'the last two minutes' },
+    hour: { name: '1 h', ago: '1 h ago', over: 'the last hour, in averages of ten seconds' },
+  },
   now: 'now',
-  chart: (name: string, now: string, lowest: string, highest: string) =>
-    `${name} over the last two minutes: ${now} now, between ${lowest} and ${highest}.`,
-  chartEmpty: (name: string) => `${name} over the last two minutes: nothing measured yet.`,
+  chart: (name: string, over: string, now: string, lowest: string, highest: string) =>
+    `${name} over ${over}: ${now} now, between ${lowest} and ${highest}.`,
+  chartEmpty: (name: string, over: string) => `${name} over ${over}: nothing measured yet.`,
   pressure: {
     normal: 'Pressure normal',
     warning: 'Pressure raised',
@@ -59,7 +63,7 @@ export const systemWords = {
   writing: 'Writing',
   diskLabel: (pct: number) => `${share(pct / 100)} of the disk in use`,
   noBattery: 'None',
-  noBatteryText: 'This computer runs without one.',
+  noBatteryText: 'The system reports no battery.',
   batteryLabel: (pct: number) => `Battery at ${share(pct / 100)}`,
   batteryStates: {
     charged: 'Charged',
@@ -93,10 +97,10 @@ export const systemWords = {
   lowPower: 'Low power mode is on.',
   notReported: 'Not reported by this computer.',
   processesTitle: 'What weighs most',
-  processesText: 'Applications with everything they run. 100% is one whole processor core.',
+  processesText: 'Applications with all they run, processes of one name together. 100% is one whole core.',
   processesHeld: 'The order stands still while you are in the list.',
   processesLabel: 'Heaviest applications',
-  processesHelp: 'Arrow keys move, up from the first row the column headers. The order stands still while the focus is on a row.',
+  processesHelp: 'Arrow keys move, up from the first row the column headers. Enter shows the single processes of a row and hides them. The order stands still while the focus is on a row.',
   processesEmpty: 'The list comes with the next figures.',
   columns: { icon: 'Icon', name: 'Application', procs: 'Processes', cpu: 'Processor', mem: 'Memory', disk: 'Disk', quit: 'Quit' },
   background: 'Background',
@@ -110,4 +114,15 @@ export const systemWords = {
   endTitle: (name: string) => `End “${name}”?`,
   endText: 'It has not quit by itself. What is not saved in it will be lost.',
   gone: 'No longer among the heaviest',
+  several: (count: number) => `(${number(count)})`,
+  showMembers: (name: string, count: number) => `Show the ${number(count)} processes of ${name}`,
+  hideMembers: (name: string) => `Hide the processes of ${name}`,
+  member: (pid: number) => `process ${pid}`,
+  moreMembers: (count: number) => plural(count, { one: '# more, lighter', other: '# more, lighter' }),
+  unseen: (parts: string) => `The system tells Velto nothing of ${parts}.`,
+  unseenParts: {
+    processes: 'processes that are not yours',
+    temperature: 'the temperature',
+    graphics: 'the load of the graphics processor',
+  },
 };

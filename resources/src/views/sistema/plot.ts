@@ -1,10 +1,10 @@
-/** Curves over the last two minutes, drawn by uPlot; every colour comes from the style sheet. */
+/** Curves over the latest stretch of time, drawn by uPlot; every colour comes from the style sheet. */
 import uPlot from 'uplot';
 import 'uplot/dist/uPlot.min.css';
-import { span } from '../../state/timeline.ts';
 
 export interface Plot {
-  show(times: readonly number[], values: readonly (number | null)[][]): void;
+  /** The last `span` seconds of what was measured. */
+  show(times: readonly number[], values: readonly (number | null)[][], span: number): void;
   /** Glides to another top of the scale, so that the curve is seen to be the same. */
   scaleTo(top: number): void;
   /** After the theme has changed. */
@@ -76,7 +76,7 @@ export function createPlot(host: HTMLElement, count: number, firstTop: number): 
   };
 
   return {
-    show(times, values) {
+    show(times, values, span) {
       const last = times.at(-1) ?? 0;
       chart.batch(() => {
         chart.setData([[...times], ...values.map((line) => [...line])], false);
