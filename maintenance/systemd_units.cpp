@@ -7,15 +7,14 @@
 namespace velto {
 namespace {
 
-/// The program's path as the first word of a command line: "%" begins a specifier, and is doubled
-/// to stand for itself.
-std::string quoted(std::string_view path) {
-    std::string text = "\"";
+/// "%" begins a specifier, and is doubled to stand for itself.
+std::string withoutSpecifiers(std::string_view path) {
+    std::string text;
     for (const char character : path) {
         if (character == '%') text += '%';
         text += character;
     }
-    return text + "\"";
+    return text;
 }
 
 std::string_view calendar(std::string_view frequency) {
@@ -27,7 +26,7 @@ std::string_view calendar(std::string_view frequency) {
 }  // namespace
 
 bool canBeStartedByUnit(std::string_view path) {
-    return std::ranges::none_of(path, [](char character) {
+    return !path.ends_with(' ') && std::ranges::none_of(path, [](char character) {
         const auto code = static_cast<unsigned char>(character);
         return code < 0x20 || code == 0x7F || character == '"' || character == '\'' ||
                character == '\\';
@@ -35,12 +34,14 @@ bool canBeStartedByUnit(std::string_view path) {
 }
 
 std::string maintenanceServiceText(std::string_view executablePath) {
+    // A program that was taken away is no failure: its schedule may outlive it.
     return fmt::format(R"([Unit]
 Description=Velto maintenance
+ConditionFileIsExecutable={0}
 
 [Service]
 Type=oneshot
-ExecStart={} --maintenance
+ExecStart="{0}" --maintenance
 Nice=19
 CPUSchedulingPolicy=idle
 IOSchedulingClass=idle
@@ -50,7 +51,7 @@ RestrictRealtime=yes
 LockPersonality=yes
 SystemCallArchitectures=native
 )",
-                       quoted(executablePath));
+                       withoutSpecifiers(executablePath));
 }
 
 std::string maintenanceTimerText(std::string_view frequency) {

@@ -20,7 +20,8 @@ public:
     virtual std::string finish() = 0;
 };
 
-/// The system library's implementation (OpenSSL on Linux, CommonCrypto on a Mac).
+/// The system library's implementation (on Linux GLib for MD5 and OpenSSL for SHA-256,
+/// CommonCrypto on a Mac).
 std::unique_ptr<Digest> makeDigest(DigestKind kind);
 
 }  // namespace velto

@@ -167,8 +167,14 @@ TEST(SystemdUnits, TheProgramsPathIsOneWordWhateverIsInIt) {
                 HasSubstr("\nExecStart=\"/opt/my 100%% $HOME/velto\" --maintenance\n"));
 }
 
+TEST(SystemdUnits, AProgramThatWasTakenAwayIsNoFailure) {
+    EXPECT_THAT(maintenanceServiceText("/opt/my 100% $HOME/velto"),
+                HasSubstr("\nConditionFileIsExecutable=/opt/my 100%% $HOME/velto\n"));
+}
+
 TEST_F(MaintenanceTimerTest, APathThatSystemdRefusesIsRefusedWithAReason) {
-    for (const char* path : {"/opt/\"x\"/velto", "/opt/a\\b", "/opt/a\nb", "/opt/it's"}) {
+    for (const char* path :
+         {"/opt/\"x\"/velto", "/opt/a\\b", "/opt/a\nb", "/opt/it's", "/opt/velto "}) {
         machine.platform.executablePath = path;
         EXPECT_THROW(scheduler.install("daily"), SchedulerError) << path;
         EXPECT_FALSE(machine.home.exists(service)) << path;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 
@@ -32,6 +33,15 @@ TEST(SystemdUnits, AreVerifiedBySystemd) {
         EXPECT_EQ(result.exitStatus, 0) << frequency;
         EXPECT_EQ(result.standardError, "") << "unknown settings are only warned about";
     }
+    const std::string service = maintenanceServiceText(program);
+    const std::size_t line = service.find("Condition");
+    const std::string condition = service.substr(line, service.find('\n', line) - line);
+    const auto holds = [&] {
+        return PosixToolRunner().run(tool, {"--user", "condition", condition}).exitStatus == 0;
+    };
+    EXPECT_TRUE(holds()) << condition;
+    ASSERT_EQ(unlink(program.c_str()), 0);
+    EXPECT_FALSE(holds()) << "a program that was taken away is not started";
 }
 
 }  // namespace
