@@ -1,10 +1,14 @@
+#include <fmt/format.h>
+
 #include <string>
 #include <vector>
 
+#include "app/information.h"
 #include "app/prepare_folders.h"
 #include "app/program_end.h"
 #include "app/run_modes.h"
 #include "platform/Platform.h"
+#include "settings/VeltoSettings.h"
 
 namespace {
 
@@ -28,7 +32,14 @@ int run(velto::Platform& platform, const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv, argv + argc);
     const auto platform = velto::makePlatform(arguments.empty() ? "" : arguments.front());
+    velto::VeltoSettings settings(*platform->defaults, *platform->locale);
+    const velto::AppLanguage language(settings);
+    if (const auto information = velto::informationAskedFor(arguments, language)) {
+        fmt::print("{}", *information);
+        return 0;
+    }
     if (velto::wantsDetailedLog(arguments)) platform->log->setDetailed();
+    platform->log->line(fmt::format("Velto ▶ versión {}", velto::versionText()));
     velto::setProcessPlatform(*platform);
     const int status = run(*platform, arguments);
     velto::finishWork(*platform, status);

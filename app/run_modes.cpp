@@ -1,23 +1,14 @@
 #include "app/run_modes.h"
 
-#include <algorithm>
-
 #include "analysis/ExclusionService.h"
 #include "analysis/PermissionService.h"
 #include "app/VeltoApp.h"
+#include "app/arguments.h"
 #include "bridge/JSBridge.h"
 #include "maintenance/MaintenanceRun.h"
 #include "platform/background_priority.h"
 
 namespace velto {
-
-namespace {
-
-bool isGiven(std::string_view argument, const std::vector<std::string>& arguments) {
-    return std::find(arguments.begin(), arguments.end(), argument) != arguments.end();
-}
-
-}  // namespace
 
 RunMode runModeOf(const std::vector<std::string>& arguments) {
     if (isGiven("--maintenance", arguments)) return RunMode::maintenance;

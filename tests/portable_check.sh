@@ -31,7 +31,7 @@ fi
     cat <<TEXT
 builddir = $folder
 rule check
-  command = $compiler -std=c++23 -stdlib=libc++ -fsyntax-only -I. -Itests -isystem tests/portable_check/include -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -D_FILE_OFFSET_BITS=64 -DFMT_HEADER_ONLY -DVELTO_FUZZ_CORPUS=\"\" -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers -MMD -MF \$out.d \$in && touch \$out
+  command = $compiler -std=c++23 -stdlib=libc++ -fsyntax-only -I. -Itests -isystem tests/portable_check/include -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -D_FILE_OFFSET_BITS=64 -DFMT_HEADER_ONLY -DVELTO_FUZZ_CORPUS=\"\" -DVELTO_VERSION=\"\" -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers -MMD -MF \$out.d \$in && touch \$out
   depfile = \$out.d
   deps = gcc
   description = \$in

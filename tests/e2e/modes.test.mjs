@@ -1,10 +1,24 @@
 import assert from 'node:assert/strict';
-import { existsSync } from 'node:fs';
+import { existsSync, readdirSync } from 'node:fs';
 import { test } from 'node:test';
 import { Home, temporaryFolder } from './support/home.mjs';
 import { desktopFor, line, programWith, runHeadless, start } from './support/velto.mjs';
 
 const agent = 'Library/LaunchAgents/app.velto.maintenance.plist';
+
+test('--version and --help print, and leave nothing behind', async (t) => {
+  const home = new Home(t);
+  home.text('Documents/letter.txt', 'Dear reader\n');
+  const before = readdirSync(home.path, { recursive: true });
+  const version = await runHeadless(home, ['--reset', '--version']);
+  assert.equal(version.status, 0);
+  assert.match(version.stdout, /^Velto \d+\.\d+\.\d+\n$/);
+  assert.equal(version.stderr, '');
+  const help = await runHeadless(home, ['--maintenance', '--help']);
+  assert.equal(help.status, 0);
+  assert.match(help.stdout, /^ {2}--maintenance /m);
+  assert.deepEqual(readdirSync(home.path, { recursive: true }), before);
+});
 
 const clearLine = (stderr) => stderr.split('\n').filter((one) => one.trim() !== '');
 
