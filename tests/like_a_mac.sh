@@ -15,6 +15,7 @@ build=$(realpath "$1")
 shift
 
 scratch=$(mktemp -d)
+chmod 755 "$scratch"  # some tests act as an ordinary user
 mkdir "$scratch"/{one,other,kept,kept-other}
 
 # mount_volume FOLDER MOUNTPOINT
@@ -22,7 +23,7 @@ mount_volume() {
     head -c 64 /dev/zero >"$1.faults"
     mkfifo "$2.mounted"
     "$build/tests/velto-passing-volume" "$1" "$2" "$1.faults" \
-        folds-names text-names keeps-holes >"$2.mounted" &
+        folds-names text-names keeps-holes for-all >"$2.mounted" &
     [ "$(head -c 1 "$2.mounted")" = m ] || {
         echo "no volume can be mounted here" >&2
         exit 1
@@ -40,7 +41,7 @@ mount_volume "$scratch/kept" "$scratch/one"
 mount_volume "$scratch/kept-other" "$scratch/other"
 
 cd "$scratch/one"
-mkdir tmp
+mkdir -m 1777 tmp
 status=0
 for program in platform cleaning analysis uninstall attack bridge; do
     [ -x "$build/tests/test_$program" ] || continue

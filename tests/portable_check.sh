@@ -26,18 +26,34 @@ if [ -n "$lacking" ]; then
     exit 1
 fi
 
+flags="-std=c++23 -stdlib=libc++ -I. -Itests -isystem tests/portable_check/include -D_FILE_OFFSET_BITS=64"
+flags+=' -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -DVELTO_FUZZ_CORPUS=\"\" -DVELTO_VERSION=\"\"'
 # The warnings are the build's (cmake/options.cmake).
+flags+=' -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers'
+# What every test includes anyway, and what takes longest.
+framework=$folder/framework.h
+[ -e "$framework" ] || echo '#include <gmock/gmock.h>' >"$framework"
 {
     cat <<TEXT
 builddir = $folder
-rule check
-  command = $compiler -std=c++23 -stdlib=libc++ -fsyntax-only -I. -Itests -isystem tests/portable_check/include -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -D_FILE_OFFSET_BITS=64 -DFMT_HEADER_ONLY -DVELTO_FUZZ_CORPUS=\"\" -DVELTO_VERSION=\"\" -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers -MMD -MF \$out.d \$in && touch \$out
+rule prepare
+  command = $compiler $flags -x c++-header -MMD -MF \$out.d -o \$out \$in
   depfile = \$out.d
   deps = gcc
-  description = \$in
+rule check
+  command = $compiler $flags -fsyntax-only \$with -MMD -MF \$out.d \$in && touch \$out
+  depfile = \$out.d
+  deps = gcc
+build $framework.pch: prepare $framework
 TEXT
     portable_sources | while read -r file; do
-        echo "build $folder/$file.ok: check $file"
+        case $file in
+            *_test.cpp)
+                echo "build $folder/$file.ok: check $file | $framework.pch"
+                echo "  with = -include-pch $framework.pch"
+                ;;
+            *) echo "build $folder/$file.ok: check $file" ;;
+        esac
     done
 } >"$folder/build.ninja.new"
 cmp -s "$folder/build.ninja.new" "$folder/build.ninja" || cp "$folder/build.ninja.new" "$folder/build.ninja"

@@ -7,7 +7,8 @@
 // ignores-case (of ASCII letters), folds-names (two spellings of one text are one name, whatever
 // the case and however its accents are composed), text-names (nothing but UTF-8), no-links,
 // no-modes, no-attributes, keeps-holes (tells where a file has no content of its own), coarse-times
-// (two seconds), plain-names (none of the characters that such volumes refuse).
+// (two seconds), plain-names (none of the characters that such volumes refuse), for-all (every user
+// may use it, each with rights of its own).
 
 #define FUSE_USE_VERSION 31
 
@@ -131,6 +132,13 @@ void showAs(struct stat& status) {
     status.st_gid = getegid();
 }
 
+/// What was made belongs to who has asked for it.
+int handedOver(const char* path, int result) {
+    if (result != 0 || !is("for-all")) return result;
+    const fuse_context* const asking = fuse_get_context();
+    return answer(lchown(place(path).c_str(), asking->uid, asking->gid));
+}
+
 void* begin(fuse_conn_info*, fuse_config* config) {
     config->use_ino = 1;
     config->hard_remove = 1;
@@ -157,7 +165,14 @@ int readLink(const char* path, char* target, size_t size) {
 int makeFolder(const char* path, mode_t mode) {
     return change([&] {
         if (const int reason = judgeName(path)) return reason;
-        return answer(mkdir(place(path).c_str(), is("no-modes") ? 0755 : mode));
+        return handedOver(path, answer(mkdir(place(path).c_str(), is("no-modes") ? 0755 : mode)));
+    });
+}
+
+int makePipe(const char* path, mode_t mode, dev_t device) {
+    return change([&] {
+        if (const int reason = judgeName(path)) return reason;
+        return handedOver(path, answer(mknod(place(path).c_str(), mode, device)));
     });
 }
 
@@ -172,7 +187,8 @@ int removeFolder(const char* path) {
 int makeLink(const char* target, const char* path) {
     return change([&] {
         if (const int reason = judgeName(path)) return reason;
-        return is("no-links") ? -EPERM : answer(symlink(target, place(path).c_str()));
+        if (is("no-links")) return -EPERM;
+        return handedOver(path, answer(symlink(target, place(path).c_str())));
     });
 }
 
@@ -243,7 +259,7 @@ int createFile(const char* path, mode_t mode, fuse_file_info* info) {
                               is("no-modes") ? mode_t{0755} : mode);
         if (file < 0) return -errno;
         info->fh = static_cast<std::uint64_t>(file);
-        return 0;
+        return handedOver(path, 0);
     });
 }
 
@@ -328,6 +344,7 @@ fuse_operations operations() {
     calls.getattr = getAttributes;
     calls.readlink = readLink;
     calls.mkdir = makeFolder;
+    if (is("for-all")) calls.mknod = makePipe;
     calls.unlink = removeFile;
     calls.rmdir = removeFolder;
     calls.symlink = makeLink;
@@ -370,8 +387,9 @@ int main(int count, char** values) {
     faults = static_cast<VolumeFaults*>(shared);
 
     const fuse_operations calls = operations();
-    char* name = values[0];
-    fuse_args arguments = FUSE_ARGS_INIT(1, &name);
+    fuse_args arguments = FUSE_ARGS_INIT(0, nullptr);
+    fuse_opt_add_arg(&arguments, values[0]);
+    if (is("for-all")) fuse_opt_add_arg(&arguments, "-oallow_other,default_permissions");
     fuse* const volume = fuse_new(&arguments, &calls, sizeof(calls), nullptr);
     if (volume == nullptr || fuse_mount(volume, values[2]) != 0) return 1;
     if (write(STDOUT_FILENO, "m", 1) != 1) return 1;
