@@ -67,6 +67,9 @@ constexpr std::array<std::string_view, 40> guardedPathTable{{
     "Library/Caches/familycircled",
 }};
 
+// Where other makers' clouds show their files, each behind a prompt of its own.
+constexpr std::string_view cloudStorage = "Library/CloudStorage";
+
 // Folders that only Full Disk Access opens, in the order in which the probe tries them.
 constexpr std::array<std::string_view, 7> accessProbeTable{{
     "Library/Application Support/com.apple.TCC",
@@ -205,6 +208,7 @@ HomeLayout HomeLayout::macOS(const std::string& home) {
     }
     for (std::string_view path : guardedPathTable)
         layout.guardedPaths.push_back(below(path));
+    layout.guardedPaths.push_back(below(cloudStorage));
     for (std::string_view path : accessProbeTable)
         layout.accessProbes.push_back(below(path));
     return layout;

@@ -43,13 +43,21 @@ std::optional<std::unordered_set<std::string>> namesIn(const FileManager& files,
     return names;
 }
 
+/// Listing such a folder may raise the system's prompt; asking for one name in it does not.
+bool isGuarded(const HomeLayout& layout, const std::string& place) {
+    return std::ranges::any_of(layout.guardedPaths,
+                               [&](const std::string& path) { return path + "/" == place; });
+}
+
 }  // namespace
 
 LastUseEstimate::LastUseEstimate(const Platform& platform) : files_(*platform.files) {
     const HomeLayout& layout = platform.layout;
     if (layout.kind == HomeLayout::Kind::macOS) {
-        for (const auto& [folder, suffix] : ownFiles)
-            places_.push_back({layout.userLibrary + std::string(folder), suffix, std::nullopt});
+        for (const auto& [folder, suffix] : ownFiles) {
+            const std::string place = layout.userLibrary + std::string(folder);
+            places_.push_back({place, suffix, std::nullopt, !isGuarded(layout, place)});
+        }
         return;
     }
     for (const std::string* folder :
@@ -60,14 +68,15 @@ LastUseEstimate::LastUseEstimate(const Platform& platform) : files_(*platform.fi
 }
 
 void LastUseEstimate::listFolders() {
-    for (Place& place : places_)
-        place.names = namesIn(files_, place.folder);
+    for (Place& place : places_) {
+        if (place.mayBeListed) place.names = namesIn(files_, place.folder);
+    }
 }
 
 std::optional<double> LastUseEstimate::of(const std::string& bundleID) const {
     if (bundleID.empty() || bundleID.find('/') != std::string::npos) return std::nullopt;
     std::optional<double> latest;
-    for (const auto& [folder, suffix, names] : places_) {
+    for (const auto& [folder, suffix, names, mayBeListed] : places_) {
         const std::string name = bundleID + std::string(suffix);
         // Other letters than these may be spelled in more than one way.
         if (names && isAscii(name) && !names->contains(folded(name))) continue;

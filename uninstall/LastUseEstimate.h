@@ -31,6 +31,7 @@ private:
         std::string_view suffix;  // what follows the identifier there
         // In small letters; nothing while they are not known.
         std::optional<std::unordered_set<std::string>> names;
+        bool mayBeListed = true;
     };
 
     const FileManager& files_;

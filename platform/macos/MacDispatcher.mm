@@ -18,6 +18,18 @@ dispatch_block_t block(Dispatcher::Work work) {
     };
 }
 
+/// The same for work that somebody waits for: the system neither slows it down while the window is
+/// out of sight nor, unless it may, puts the machine to sleep meanwhile.
+dispatch_block_t activity(NSActivityOptions options, Dispatcher::Work work) {
+    return block([options, work = std::move(work)]() mutable {
+        NSProcessInfo* const process = NSProcessInfo.processInfo;
+        const id<NSObject> token = [process beginActivityWithOptions:options reason:@"Velto"];
+        work();
+        work = nullptr;
+        [process endActivity:token];
+    });
+}
+
 std::int64_t nanoseconds(double seconds) {
     return static_cast<std::int64_t>(std::max(seconds, 0.0) * double{NSEC_PER_SEC});
 }
@@ -36,18 +48,21 @@ void MacDispatcher::mainAfter(double seconds, Work work) {
 }
 
 void MacDispatcher::global(QualityOfService quality, Work work) {
-    const auto serviceClass =
-        quality == QualityOfService::userInitiated ? QOS_CLASS_USER_INITIATED : QOS_CLASS_UTILITY;
-    dispatch_group_async(reading_, dispatch_get_global_queue(serviceClass, 0),
-                         block([mayRead = mayRead_, work = std::move(work)]() mutable {
-                             if (*mayRead) work();
-                             work = nullptr;  // letting go may hang too: it counts as reading
-                         }));
+    const bool isAwaited = quality == QualityOfService::userInitiated;
+    Work reading = [mayRead = mayRead_, work = std::move(work)]() mutable {
+        if (*mayRead) work();
+        work = nullptr;  // letting go may hang too: it counts as reading
+    };
+    dispatch_group_async(
+        reading_,
+        dispatch_get_global_queue(isAwaited ? QOS_CLASS_USER_INITIATED : QOS_CLASS_UTILITY, 0),
+        isAwaited ? activity(NSActivityUserInitiatedAllowingIdleSystemSleep, std::move(reading))
+                  : block(std::move(reading)));
 }
 
 void MacDispatcher::change(Work work) {
     dispatch_group_async(changing_, dispatch_get_global_queue(QOS_CLASS_USER_INITIATED, 0),
-                         block(std::move(work)));
+                         activity(NSActivityUserInitiated, std::move(work)));
 }
 
 bool MacDispatcher::finish(double seconds) {

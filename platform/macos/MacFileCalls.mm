@@ -6,22 +6,16 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <string>
 #include <string_view>
 
 #include "platform/posix/FileCalls.h"
+#include "platform/posix/mac_attributes.h"
 #include "platform/posix/same_state.h"
 
 namespace velto {
 namespace {
-
-/// What the system itself writes, here and there with different values.
-constexpr std::array<std::string_view, 5> ownOfSystem{
-    "com.apple.provenance", "com.apple.quarantine", "com.apple.macl", "com.apple.lastuseddate#PS",
-    "com.apple.rootless"};
 
 /// False with `errno` set when it cannot be read. The value may grow between the two calls.
 bool readAttribute(int file, const char* name, std::string& value) {
@@ -75,9 +69,27 @@ ssize_t FileCalls::copyRange(int, int, off_t, std::size_t) {
     return -1;
 }
 
-// Not COPYFILE_STAT: it would lock the copy of a locked file before the rest of it is done.
+// The system copies all or fails at the first that it refuses; then each is tried by itself. Not
+// COPYFILE_STAT: it would lock the copy of a locked file before the rest of it is done.
 int FileCalls::copyAttributes(int from, int to) {
-    return ::fcopyfile(from, to, nullptr, COPYFILE_XATTR);
+    if (::fcopyfile(from, to, nullptr, COPYFILE_XATTR) == 0) return 0;
+    if (errno != EPERM && errno != EACCES) return -1;
+    std::string names;
+    if (!attributeNames(from, names)) return -1;
+    std::string value;
+    for (std::string_view rest = names; !rest.empty();) {
+        const std::string name(rest.substr(0, rest.find('\0')));
+        rest.remove_prefix(name.size() + 1);
+        if (!readAttribute(from, name.c_str(), value)) {
+            if (errno == ENOATTR || mayStayBehindOnMac(name, errno)) continue;
+            return -1;
+        }
+        if (::fsetxattr(to, name.c_str(), value.data(), value.size(), 0, 0) != 0 &&
+            !mayStayBehindOnMac(name, errno)) {
+            return -1;
+        }
+    }
+    return 0;
 }
 
 int FileCalls::holdsAttributes(int from, int to) {
@@ -88,7 +100,7 @@ int FileCalls::holdsAttributes(int from, int to) {
     for (std::string_view rest = names; !rest.empty();) {
         const std::string name(rest.substr(0, rest.find('\0')));
         rest.remove_prefix(name.size() + 1);
-        if (std::find(ownOfSystem.begin(), ownOfSystem.end(), name) != ownOfSystem.end()) continue;
+        if (isAttributeOfMacSystem(name)) continue;
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENOATTR) continue;
             return -1;

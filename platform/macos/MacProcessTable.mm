@@ -3,6 +3,7 @@
 #import <AppKit/AppKit.h>
 
 #include <libproc.h>
+#include <mach/mach_time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +11,7 @@
 #include <string_view>
 
 #include "platform/macos/foundation_text.h"
+#include "platform/values/ticks.h"
 
 namespace velto {
 namespace {
@@ -40,6 +42,16 @@ std::optional<proc_bsdinfo> informationOf(pid_t process) {
     proc_bsdinfo information{};
     const int size = proc_pidinfo(process, PROC_PIDTBSDINFO, 0, &information, sizeof information);
     return size == static_cast<int>(sizeof information) ? std::optional(information) : std::nullopt;
+}
+
+/// The usage record counts in ticks.
+TickLength tickLength() {
+    static const TickLength length = [] {
+        mach_timebase_info_data_t base{};
+        mach_timebase_info(&base);
+        return TickLength{base.numer, base.denom};
+    }();
+    return length;
 }
 
 std::uint64_t startIn(const proc_bsdinfo& information) {
@@ -83,10 +95,11 @@ std::optional<ProcessUsage> MacProcessTable::usage(std::int32_t process) {
     if (proc_pid_rusage(process, RUSAGE_INFO_V4, reinterpret_cast<rusage_info_t*>(&used)) != 0) {
         return std::nullopt;
     }
-    return ProcessUsage{.time = used.ri_user_time + used.ri_system_time,
-                        .footprint = used.ri_phys_footprint,
-                        .traffic = ProcessTraffic{.read = used.ri_diskio_bytesread,
-                                                  .written = used.ri_diskio_byteswritten}};
+    return ProcessUsage{
+        .time = nanosecondsOf(used.ri_user_time + used.ri_system_time, tickLength()),
+        .footprint = used.ri_phys_footprint,
+        .traffic = ProcessTraffic{.read = used.ri_diskio_bytesread,
+                                  .written = used.ri_diskio_byteswritten}};
 }
 
 std::int32_t MacProcessTable::ownProcess() const { return getpid(); }

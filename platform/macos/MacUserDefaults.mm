@@ -17,6 +17,9 @@ id object(std::int64_t value) { return [NSNumber numberWithLongLong:value]; }
 id object(double value) { return [NSNumber numberWithDouble:value]; }
 id object(const std::string& value) { return nsString(value); }
 
+/// A run without a window ends right after it has set a value, before the system would pass it on.
+void handOver() { CFPreferencesAppSynchronize(kCFPreferencesCurrentApplication); }
+
 }  // namespace
 
 std::optional<DefaultsValue> MacUserDefaults::value(const std::string& key) const {
@@ -32,12 +35,14 @@ void MacUserDefaults::setValue(const std::string& key, DefaultsValue value) {
     @autoreleasepool {
         id stored = std::visit([](const auto& held) { return object(held); }, value);
         [NSUserDefaults.standardUserDefaults setObject:stored forKey:nsString(key)];
+        handOver();
     }
 }
 
 void MacUserDefaults::remove(const std::string& key) {
     @autoreleasepool {
         [NSUserDefaults.standardUserDefaults removeObjectForKey:nsString(key)];
+        handOver();
     }
 }
 

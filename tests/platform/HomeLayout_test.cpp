@@ -101,7 +101,8 @@ TEST(HomeLayoutTest, EveryPathThatAMacGuardsIsKnown) {
                          "Library/Caches/com.apple.ap.adprivacyd",
                          "Library/Caches/com.apple.containermanagerd",
                          "Library/Caches/com.apple.homed",
-                         "Library/Caches/familycircled"}));
+                         "Library/Caches/familycircled",
+                         "Library/CloudStorage"}));
 }
 
 TEST(HomeLayoutTest, TheProbesOfTheAccessAreTriedInTheirOrder) {

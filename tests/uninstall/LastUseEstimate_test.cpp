@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "UninstallWorld.h"
+#include "support/WatchedFiles.h"
 
 namespace velto {
 namespace {
@@ -34,6 +35,18 @@ TEST_F(LastUseEstimateTest, ItIsTheLatestChangeOfTheApplicationsOwnFiles) {
     }
     home.text("Library/Caches/com.example.Foo", "x").dated(1, ++time);
     EXPECT_EQ(estimate(), static_cast<double>(time - 1)) << "caches change without any use";
+}
+
+TEST_F(LastUseEstimateTest, AFolderThatTheSystemGuardsIsNeverListed) {
+    auto files = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
+    const WatchedFiles& watched = *files;
+    machine.platform.files = std::move(files);
+    home.text("Library/Containers/com.example.Foo", "x").dated(1, 1'000'000'000);
+    EXPECT_EQ(estimate(), 1'000'000'000);
+    const auto looked = watched.looked();
+    EXPECT_TRUE(looked.contains(home.path("Library/Preferences/")));
+    for (const char* guarded : {"Library/Containers/", "Library/HTTPStorages/"})
+        EXPECT_FALSE(looked.contains(home.path(guarded))) << guarded;
 }
 
 TEST_F(LastUseEstimateTest, WhatIsNoIdentifierNamesNoFile) {
