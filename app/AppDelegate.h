@@ -10,8 +10,8 @@ class AppDelegate {
 public:
     AppDelegate(Platform& platform, AppUsage& usage) : platform_(platform), usage_(usage) {}
 
-    /// Takes back the notifications that maintenance runs have left, and begins to note when
-    /// applications are used.
+    /// Takes back the notifications that maintenance runs have left, begins to note when
+    /// applications are used, and sees to an installed agent (`MaintenanceScheduler::keepGoing`).
     void applicationDidFinishLaunching();
 
     /// Lets live samples begin that the page wants, and the current bridge check Full Disk Access
@@ -20,6 +20,9 @@ public:
 
     /// Nobody looks any more: live samples stop.
     void applicationDidResignActive();
+
+    /// The program ends: what is not saved yet becomes a change that the end waits for.
+    void applicationWillTerminate();
 
     /// No while automatic maintenance is installed: closing the window then leaves the program
     /// running, on purpose.

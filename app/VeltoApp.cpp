@@ -4,6 +4,7 @@
 
 #include "analysis/ExclusionService.h"
 #include "bridge/JSBridge.h"
+#include "platform/notification_permission.h"
 
 namespace velto {
 namespace {
@@ -14,6 +15,8 @@ constexpr std::array<AppCommand, 4> commandTable{{
     {"Desinstalar una aplicación", "Uninstall an application", 'd', true, "goView", "apps"},
     {"Abrir la Papelera de Velto", "Open Velto Trash", 0, false, "goView", "papelera"},
 }};
+
+constexpr AppCommand settingsEntry{"Ajustes…", "Settings…", ',', false, "goView", "ajustes"};
 
 }  // namespace
 
@@ -32,14 +35,16 @@ VeltoApp::~VeltoApp() = default;
 void VeltoApp::setShell(ApplicationShell& shell) { shell_ = &shell; }
 
 void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
-    bridge_ = std::make_shared<JSBridge>(BridgeContext{.platform = platform_,
-                                                       .settings = settings_,
-                                                       .language = language_,
-                                                       .exclusions = ExclusionService::shared(),
-                                                       .shell = *shell_,
-                                                       .usage = AppUsage::shared(),
-                                                       .cleanups = cleanups_,
-                                                       .uninstalls = uninstalls_});
+    bridge_ = std::make_shared<JSBridge>(
+        BridgeContext{.platform = platform_,
+                      .settings = settings_,
+                      .language = language_,
+                      .exclusions = ExclusionService::shared(),
+                      .shell = *shell_,
+                      .usage = AppUsage::shared(),
+                      .cleanups = cleanups_,
+                      .uninstalls = uninstalls_,
+                      .askToNotify = [&platform = platform_] { askToNotify(platform); }});
     bridge_->attach(webView);
     quit_.setView(webView);
 }
@@ -55,6 +60,8 @@ void VeltoApp::windowClosed() {
 }
 
 std::span<const AppCommand> VeltoApp::commands() { return commandTable; }
+
+const AppCommand& VeltoApp::settingsCommand() { return settingsEntry; }
 
 std::string_view VeltoApp::title(const AppCommand& command) const {
     return language_.text(command.titleEs, command.titleEn);

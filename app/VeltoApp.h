@@ -23,7 +23,7 @@ class JSBridge;
 struct AppCommand {
     std::string_view titleEs;
     std::string_view titleEn;
-    char key;    // lower-case letter of the shortcut, 0 for none
+    char key;    // lower-case letter or sign of the shortcut, 0 for none
     bool shift;  // with Shift, beside Command (macOS) or Control (Linux)
     std::string_view intent;
     std::string_view argument;  // string payload, empty for none
@@ -57,6 +57,8 @@ public:
     void windowClosed();
 
     static std::span<const AppCommand> commands();
+    /// The one that a Mac has in the menu with the program's name.
+    static const AppCommand& settingsCommand();
     std::string_view title(const AppCommand& command) const;  // in the current language
     void perform(const AppCommand& command);                  // nothing while no bridge exists
 

@@ -68,8 +68,9 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     const auto apps = std::make_shared<AppsWork>(platform_, context.usage);
     accessIntents_ = std::make_shared<AccessIntents>(
         AccessIntents::Context{link, state, platform_, permissions_, shell_, language_});
-    settingsIntents_ = std::make_shared<SettingsIntents>(SettingsIntents::Context{
-        link, state, platform_, settings_, language_, permissions_, exclusions_});
+    settingsIntents_ = std::make_shared<SettingsIntents>(
+        SettingsIntents::Context{link, state, platform_, settings_, language_, permissions_,
+                                 exclusions_, context.askToNotify});
     trashIntents_ = std::make_shared<TrashIntents>(
         TrashIntents::Context{link, platform_, settings_, language_, shell_, lists_});
     selectionIntents_ =

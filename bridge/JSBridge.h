@@ -40,6 +40,7 @@ struct BridgeContext {
     AppUsage& usage;
     CleanupQueue& cleanups;
     UninstallGate& uninstalls;
+    std::function<void()> askToNotify = nullptr;  // the person, whether notifications may be shown
 };
 
 class AccessIntents;

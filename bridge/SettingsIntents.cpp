@@ -58,9 +58,12 @@ void SettingsIntents::onSettings(const Payload& payload) {
 }
 
 void SettingsIntents::applyMaintenance(const std::string& frequencyBefore) {
+    const bool wasInstalled = scheduler_.isInstalled();
     try {
         if (context_.settings.autoMaintenance()) {
-            scheduler_.install(context_.settings.frequency());
+            scheduler_.ensureInstalled(context_.settings.frequency());
+            // Now that somebody is there to answer; a run by itself would ask nobody.
+            if (!wasInstalled && context_.askToNotify) context_.askToNotify();
         } else {
             scheduler_.remove();
         }

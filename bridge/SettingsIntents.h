@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,7 @@ public:
         AppLanguage& language;
         const PermissionService& permissions;
         const ExclusionService& exclusions;
+        std::function<void()> askToNotify = nullptr;  // may be none
     };
 
     explicit SettingsIntents(const Context& context)

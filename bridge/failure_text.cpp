@@ -177,6 +177,9 @@ FailureText schedulerText(const SchedulerError& error) {
                 "programas.",
                 "Velto lies in a folder with a name from which this system cannot start "
                 "programs."};
+        case SchedulerError::Reason::passingPlace:
+            return {"Lleva primero Velto a la carpeta Aplicaciones y ábrelo desde allí.",
+                    "First move Velto to the Applications folder and open it from there."};
         case SchedulerError::Reason::toolMissing:
             return {"Falta la parte del sistema que inicia programas a su hora.",
                     "The part of the system that starts programs on time is missing."};

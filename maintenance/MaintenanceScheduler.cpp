@@ -1,10 +1,13 @@
 #include "maintenance/MaintenanceScheduler.h"
 
 #include <cerrno>
+#include <mutex>
 
 #include <fmt/format.h>
 
+#include "maintenance/next_run.h"
 #include "maintenance/systemd_units.h"
+#include "platform/program_places.h"
 #include "platform/values/text.h"
 #include "platform/values/uuid.h"
 
@@ -16,6 +19,9 @@ constexpr const char* systemctlPath = "/usr/bin/systemctl";
 constexpr const char* notificationPrefix = "velto.maintenance.";
 constexpr ReadLimit agentLimit = anyFile(1 << 20);  // of an agent or a unit; a link may lead to it
 constexpr std::string_view agentLabel = "app.velto.maintenance";
+
+/// The window's start looks after the agent on a thread of its own.
+std::recursive_mutex oneAtATime;
 
 }  // namespace
 
@@ -48,17 +54,38 @@ std::string launchAgentText(std::string_view executablePath, std::string_view fr
         agentLabel, executablePath, maintenanceInterval(frequency));
 }
 
-void MaintenanceScheduler::install(std::string_view frequency) {
-    const bool isAgent = platform_.layout.kind == HomeLayout::Kind::macOS;
-    if (!isAgent && !canBeStartedByUnit(platform_.executablePath)) {
-        throw SchedulerError(SchedulerError::Reason::programPlace,
-                             fmt::format("systemd cannot start a program with this path: {}",
-                                         platform_.executablePath));
+void MaintenanceScheduler::requireLastingPlace() const {
+    const std::string& program = platform_.executablePath;
+    if (isAgent() && isPassingPlace(program, isOnReadOnlyVolume(program))) {
+        throw SchedulerError(SchedulerError::Reason::passingPlace,
+                             fmt::format("the program is only for now at {}", program));
     }
+    if (!isAgent() && !canBeStartedByUnit(program)) {
+        throw SchedulerError(
+            SchedulerError::Reason::programPlace,
+            fmt::format("systemd cannot start a program with this path: {}", program));
+    }
+}
+
+void MaintenanceScheduler::ensureInstalled(std::string_view frequency) {
+    if (!stands(frequency)) install(frequency);
+}
+
+bool MaintenanceScheduler::stands(std::string_view frequency) const {
+    const Installed now = installed();
+    const std::string& program = platform_.executablePath;
+    if (isAgent()) return now.agent == launchAgentText(program, frequency);
+    return now.agent == maintenanceTimerText(frequency) &&
+           now.service == maintenanceServiceText(program) && now.isEnabled;
+}
+
+void MaintenanceScheduler::install(std::string_view frequency) {
+    const std::lock_guard guard(oneAtATime);
+    requireLastingPlace();
     const Installed before = installed();  // one that cannot be read is not replaced either
     try {
         platform_.files->createFolders(platform_.layout.agentsFolder);
-        isAgent ? installAgent(frequency) : installTimer(frequency);
+        isAgent() ? installAgent(frequency) : installTimer(frequency);
     } catch (...) {
         putBack(before);
         throw;
@@ -128,10 +155,59 @@ void MaintenanceScheduler::installAgent(std::string_view frequency) {
     platform_.files->writeAtomically(file, launchAgentText(platform_.executablePath, frequency));
     // The agent is usually not loaded yet, so the outcome of "unload" says nothing.
     platform_.tools->run(launchctl, {"unload", file});
-    const ToolResult load = platform_.tools->run(launchctl, {"load", file});
+    loadAgent();
+}
+
+/// "load" has been known to complain of an agent that it has loaded: what is loaded counts.
+void MaintenanceScheduler::loadAgent() {
+    const ToolResult load = platform_.tools->run(launchctl, {"load", platform_.layout.agentFile});
     if (!load.started) {
         throw SchedulerError(SchedulerError::Reason::toolMissing,
                              fmt::format("could not start {}: {}", launchctl, load.startError));
+    }
+    const std::string complaint = singleLine(load.standardError);
+    if (load.exitStatus == 0 && complaint.empty()) return;
+    const std::string reason =
+        fmt::format("{} load: status {} {}", launchctl, load.exitStatus, complaint);
+    const ToolResult look = platform_.tools->run(launchctl, {"list", std::string(agentLabel)});
+    if (!look.started || look.exitStatus != 0) {
+        throw SchedulerError(SchedulerError::Reason::toolRefused, reason);
+    }
+    platform_.log->line("Velto ▶ agente de mantenimiento cargado con avisos: " + reason);
+}
+
+bool MaintenanceScheduler::startsThisProgram(std::string_view agent) const {
+    const std::string entry = fmt::format("<string>{}</string>", platform_.executablePath);
+    return agent.find(entry) != std::string_view::npos;
+}
+
+void MaintenanceScheduler::keepGoing(std::string_view frequency) {
+    if (!isAgent()) return;
+    const std::lock_guard guard(oneAtATime);
+    try {
+        const auto agent = textOf(platform_.layout.agentFile);
+        if (!agent) return;
+        // Before the file gets a new date.
+        const bool isOverdue = isMaintenanceOverdue(platform_, frequency);
+        const std::string& program = platform_.executablePath;
+        const bool isPassing = isPassingPlace(program, isOnReadOnlyVolume(program));
+        if (!startsThisProgram(*agent) && !isPassing) {
+            install(frequency);
+            platform_.log->line(
+                "Velto ▶ agente de mantenimiento reescrito: la aplicación cambió de sitio");
+        }
+        if (!isOverdue) return;
+        const ToolResult start = platform_.tools->run(
+            launchctl,
+            {"kickstart", fmt::format("gui/{}/{}", platform_.userIdentifier, agentLabel)});
+        platform_.log->line(
+            start.exitStatus == 0
+                ? "Velto ▶ mantenimiento atrasado: se inicia ahora"
+                : "Velto ▶ mantenimiento atrasado, y no se pudo iniciar: " +
+                      singleLine(start.started ? start.standardError : start.startError));
+    } catch (const std::exception& error) {
+        platform_.log->line("Velto ▶ el agente de mantenimiento no se pudo revisar: " +
+                            singleLine(error.what()));
     }
 }
 
@@ -165,10 +241,10 @@ void MaintenanceScheduler::enableTimer() {
 }
 
 void MaintenanceScheduler::remove() {
-    const bool isAgent = platform_.layout.kind == HomeLayout::Kind::macOS;
+    const std::lock_guard guard(oneAtATime);
     if (isInstalled()) {
         // A tool that cannot be started has nothing loaded; the files have to go all the same.
-        if (isAgent) {
+        if (isAgent()) {
             platform_.tools->run(launchctl, {"unload", platform_.layout.agentFile});
         } else {
             const std::string timer(lastPathComponent(platform_.layout.agentFile));
@@ -181,7 +257,7 @@ void MaintenanceScheduler::remove() {
         platform_.files->removeAll(file);
         hasRemoved = true;
     }
-    if (hasRemoved && !isAgent) systemctl({"daemon-reload"});
+    if (hasRemoved && !isAgent()) systemctl({"daemon-reload"});
 }
 
 bool MaintenanceScheduler::isInstalled() const {

@@ -3,12 +3,22 @@
 #include <algorithm>
 #include <ctime>
 
+#include "maintenance/MaintenanceRecord.h"
 #include "maintenance/MaintenanceScheduler.h"
 
 namespace velto {
 namespace {
 
 constexpr int saturday = 6;  // of tm_wday
+
+/// When an installed agent should run next, also when that has passed.
+std::optional<double> dueTime(const Platform& platform, std::string_view frequency,
+                              std::optional<double> lastRun) {
+    const auto installed = platform.files->attributes(platform.layout.agentFile);
+    if (!installed) return std::nullopt;
+    const double from = std::max(installed->modified, lastRun.value_or(0));
+    return from + maintenanceInterval(frequency);
+}
 
 }  // namespace
 
@@ -32,14 +42,18 @@ double nextCalendarRun(double now, std::string_view frequency) {
 
 std::optional<double> nextMaintenance(const Platform& platform, std::string_view frequency,
                                       std::optional<double> lastRun) {
-    const auto installed = platform.files->attributes(platform.layout.agentFile);
-    if (!installed) return std::nullopt;
     const double now = platform.clock->now();
-    if (platform.layout.kind == HomeLayout::Kind::freedesktop) {
+    const auto due = dueTime(platform, frequency, lastRun);
+    if (due && platform.layout.kind == HomeLayout::Kind::freedesktop) {
         return nextCalendarRun(now, frequency);
     }
-    const double from = std::max(installed->modified, lastRun.value_or(0));
-    return std::max(now, from + maintenanceInterval(frequency));
+    return due ? std::optional(std::max(now, *due)) : std::nullopt;
+}
+
+bool isMaintenanceOverdue(const Platform& platform, std::string_view frequency) {
+    const auto last = lastMaintenance(*platform.files, platform.layout);
+    const auto due = dueTime(platform, frequency, last ? std::optional(last->ts) : std::nullopt);
+    return due && *due <= platform.clock->now();
 }
 
 }  // namespace velto

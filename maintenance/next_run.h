@@ -15,6 +15,10 @@ namespace velto {
 std::optional<double> nextMaintenance(const Platform& platform, std::string_view frequency,
                                       std::optional<double> lastRun);
 
+/// True when the run that an installed agent should have made by now has not happened: its last
+/// run, and its installation, lie longer ago than its interval.
+bool isMaintenanceOverdue(const Platform& platform, std::string_view frequency);
+
 /// The first start of a timer after `now`: the next midnight, the next Saturday's or the next first
 /// of a month's.
 double nextCalendarRun(double now, std::string_view frequency);

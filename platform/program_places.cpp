@@ -58,4 +58,9 @@ std::string snapOfProgram(const std::string& executable) {
     return {};
 }
 
+bool isPassingPlace(const std::string& executable, bool isReadOnly) {
+    if (executable.find("/AppTranslocation/") != std::string::npos) return true;
+    return isReadOnly && executable.starts_with("/Volumes/");
+}
+
 }  // namespace velto

@@ -5,7 +5,8 @@
 
 namespace velto {
 
-// What the place of a program on a Linux machine tells of the application that it is part of.
+// What the place of a program tells: on a Linux machine of the application that it is part of, on a
+// Mac of how long it stays there.
 
 /// The folder that belongs, with all below it, to the application whose program this is: below one
 /// of the folders in which each application has its own ("/usr/lib", "/opt", ...), or one that is
@@ -19,5 +20,14 @@ std::vector<std::string> foldersNamedLike(const std::string& executable);
 /// The name of the Snap that a program is part of: "/snap/<name>/<revision>/...", which some
 /// systems have below /var/lib/snapd. Empty for every other.
 std::string snapOfProgram(const std::string& executable);
+
+/// True for a program that will not be found at its path later: the system shows an application
+/// that was never moved since its download at a random place (translocation), and a disk image goes
+/// with its window. `isReadOnly` tells whether the program's volume takes no changes: an
+/// application on an external disk stays.
+bool isPassingPlace(const std::string& executable, bool isReadOnly);
+
+/// Whether the volume that holds `path` takes no changes; false when that cannot be told.
+bool isOnReadOnlyVolume(const std::string& path);
 
 }  // namespace velto

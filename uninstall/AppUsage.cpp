@@ -9,6 +9,7 @@
 #include "platform/values/parse_json.h"
 #include "platform/values/text.h"
 #include "platform/values/write_json.h"
+#include "platform/write_lightly.h"
 #include "uninstall/desktop_applications.h"
 
 namespace velto {
@@ -16,15 +17,25 @@ namespace {
 
 constexpr const char* fileName = "/app-usage.json";
 constexpr ReadLimit limit = ownFile(16 << 20);  // a line for each application ever seen
+constexpr double pause = 5;                     // seconds between a use and its being saved
 
 }  // namespace
 
-AppUsage::AppUsage(Platform& platform) : platform_(platform) { load(); }
+AppUsage::AppUsage(Platform& platform, Write write)
+    : platform_(platform), write_(std::move(write)) {
+    if (!write_) {
+        write_ = [&platform](const std::string& path, std::string_view content) {
+            platform.files->writeAtomically(path, content);
+        };
+    }
+    load();
+}
 
 AppUsage& AppUsage::shared() {
     // Lives for ever: work on the global queue may use it while the process ends, when the
     // destructors of static objects have run already.
-    static AppUsage* const instance = std::make_unique<AppUsage>(processPlatform()).release();
+    static AppUsage* const instance =
+        std::make_unique<AppUsage>(processPlatform(), writeLightly).release();
     return *instance;
 }
 
@@ -55,11 +66,15 @@ void AppUsage::learnOwners() { knowOwners(ProcessOwners(desktopApplications(plat
 void AppUsage::record(const std::string& bundleID, double time) {
     if (bundleID.empty() || bundleID == platform_.bundleIdentifier || !(time > 0)) return;
     if (!isValidUtf8(bundleID)) return;  // could not be written as JSON
-    const std::lock_guard guard(lock_);
-    double& known = launches_[bundleID];
-    if (known >= time) return;
-    known = time;
-    save();
+    {
+        const std::lock_guard guard(lock_);
+        double& known = launches_[bundleID];
+        if (known >= time) return;
+        known = time;
+        isSaved_ = false;
+        if (std::exchange(isAwaited_, true)) return;
+    }
+    saveLater();
 }
 
 std::map<std::string, double> AppUsage::launches() const {
@@ -68,8 +83,9 @@ std::map<std::string, double> AppUsage::launches() const {
 }
 
 void AppUsage::forget() {
-    const std::lock_guard guard(lock_);
+    const std::scoped_lock guard(saving_, lock_);  // no save puts the file back afterwards
     launches_.clear();
+    isSaved_ = true;
 }
 
 void AppUsage::knowOwners(ProcessOwners owners) {
@@ -113,11 +129,29 @@ void AppUsage::load() {
     }
 }
 
-void AppUsage::save() const {
+/// People switch between applications in bursts.
+void AppUsage::saveLater() {
+    platform_.dispatcher->mainAfter(pause, [this] {
+        {
+            const std::lock_guard guard(lock_);
+            isAwaited_ = false;
+        }
+        platform_.dispatcher->change([this] { save(); });
+    });
+}
+
+void AppUsage::save() {
+    const std::lock_guard one(saving_);
+    std::map<std::string, double> uses;
+    {
+        const std::lock_guard guard(lock_);
+        if (std::exchange(isSaved_, true)) return;
+        uses = launches_;
+    }
     try {
         const std::string& folder = platform_.layout.dataFolder;
         platform_.files->createFolders(folder);
-        platform_.files->writeAtomically(folder + fileName, writeJson(nlohmann::json(launches_)));
+        write_(folder + fileName, writeJson(nlohmann::json(uses)));
     } catch (const FileError&) {
         // What was seen stays in force for the life of the process.
     }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "platform/Platform.h"
 #include "uninstall/ProcessOwners.h"
@@ -14,9 +16,12 @@ namespace velto {
 /// in the data folder. Safe from every thread, but for `start`.
 class AppUsage {
 public:
+    /// Replaces the file at a path; throws FileError.
+    using Write = std::function<void(const std::string& path, std::string_view content)>;
+
     /// Reads the file; a missing or unreadable one counts as empty. The platform outlives the
-    /// object.
-    explicit AppUsage(Platform& platform);
+    /// object, which writes by its files when nothing else is given.
+    explicit AppUsage(Platform& platform, Write write = nullptr);
 
     /// The process's instance, made at first use from the process's platform. Never destroyed.
     static AppUsage& shared();
@@ -27,9 +32,13 @@ public:
     void start();
 
     /// Notes one use. Ignored: an empty identifier, this program itself, a time that is not
-    /// positive and one that is not later than what is known. Saving fails silently; the record
-    /// goes on in memory.
+    /// positive and one that is not later than what is known. Uses that come together are saved
+    /// together, a moment later and off the main thread.
     void record(const std::string& bundleID, double time);
+
+    /// Writes what is not saved yet, if anything. Blocks. Failing is silent; the record goes on in
+    /// memory.
+    void save();
 
     /// The latest use seen, seconds since 1970, by bundle identifier.
     std::map<std::string, double> launches() const;
@@ -48,11 +57,15 @@ private:
     void learnOwners();
     void recordIfInstalled(const RunningApplication& application);
     void load();
-    void save() const;
+    void saveLater();
 
     Platform& platform_;
+    Write write_;
+    std::mutex saving_;  // one at a time; taken before the other one
     mutable std::mutex lock_;
     std::map<std::string, double> launches_;
+    bool isSaved_ = true;
+    bool isAwaited_ = false;  // a save
     ProcessOwners owners_;
 };
 

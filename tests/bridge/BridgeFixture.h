@@ -27,6 +27,7 @@ struct BridgeFixture : testing::Test {
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
     std::shared_ptr<JSBridge> bridge;
+    int questions = 0;  // whether notifications may be shown
 
     /// Makes the bridge and attaches the page, as opening the window does. The trash is read by the
     /// time that the page has loaded.
@@ -48,7 +49,8 @@ struct BridgeFixture : testing::Test {
                                                           .shell = shell,
                                                           .usage = usage,
                                                           .cleanups = *cleanups,
-                                                          .uninstalls = uninstalls});
+                                                          .uninstalls = uninstalls,
+                                                          .askToNotify = [this] { ++questions; }});
         bridge->attach(page);
     }
 

@@ -198,6 +198,8 @@ TEST_F(Intents, AfterAResetNoOlderUseOfAnApplicationIsWrittenDownAgain) {
     post("resetVelto");
     machine.dispatcher.runAll();
     usage.record("com.example.new", 1'700'000'000);
+    machine.dispatcher.advance(60);
+    machine.dispatcher.runAll();
     EXPECT_THAT(AppUsage(machine.platform).launches(),
                 testing::ElementsAre(testing::Pair("com.example.new", 1'700'000'000)));
 }

@@ -79,6 +79,35 @@ TEST_F(SettingsIntent, SwitchingMaintenanceOnInstallsTheAgentAndOffRemovesIt) {
     EXPECT_THAT(machine.tools.commands.back(), ElementsAre("/bin/launchctl", "unload", agent));
 }
 
+TEST_F(SettingsIntent, AnotherSettingLeavesTheScheduleAlone) {
+    post("settings", {{"enabled", true}});
+    machine.tools.commands.clear();
+    post("settings", {{"enabled", true}, {"retention", 7}, {"language", "es"}});
+    EXPECT_TRUE(machine.tools.commands.empty());
+}
+
+TEST_F(SettingsIntent, WhoSwitchesMaintenanceOnIsAskedOnceForNotifications) {
+    EXPECT_EQ(questions, 0);
+    post("settings", {{"enabled", true}});
+    EXPECT_EQ(questions, 1);
+    post("settings", {{"enabled", true}, {"frequency", "monthly"}});
+    post("settings", {{"enabled", false}});
+    EXPECT_EQ(questions, 1);
+}
+
+TEST_F(SettingsIntent, AFailedInstallationAsksForNothing) {
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    post("settings", {{"enabled", true}});
+    EXPECT_EQ(questions, 0);
+}
+
+TEST_F(SettingsIntent, AProgramOnADiskImageSaysWhereItHasToBe) {
+    machine.platform.executablePath = "/private/var/AppTranslocation/0F/d/Velto.app/velto";
+    post("settings", {{"enabled", true}});
+    EXPECT_THAT(page->calls("toast").back(), HasSubstr("move Velto to the Applications folder"));
+    EXPECT_FALSE(settings.autoMaintenance());
+}
+
 TEST_F(SettingsIntent, AFailedInstallationIsToldInTheUsersLanguage) {
     machine.tools.result = {.started = false, .startError = "No such file or directory"};
     post("settings", {{"enabled", true}});

@@ -3,6 +3,7 @@
 
 #include "fuzz/engine/MemoryFiles.h"
 #include "fuzz/engine/Target.h"
+#include "support/FakeDispatcher.h"
 #include "uninstall/AppUsage.h"
 
 namespace velto::fuzz {
@@ -17,11 +18,13 @@ void judge(std::string_view input) {
     platform.layout = HomeLayout::macOS("/Users/ana");
     files->put(platform.layout.dataFolder + "/app-usage.json", input);
     platform.files = std::move(files);
+    platform.dispatcher = std::make_unique<FakeDispatcher>();
     AppUsage usage(platform);
     auto expected = usage.launches();
     if (expected["com.example.nuevo"] >= someTime) return;  // then the file's word counts
     expected["com.example.nuevo"] = someTime;
     usage.record("com.example.nuevo", someTime);
+    usage.save();
     require(usage.launches() == expected, "the use is known");
     require(AppUsage(platform).launches() == expected, "what was saved reads as the same");
 }

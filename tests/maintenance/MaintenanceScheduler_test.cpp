@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
+
+#include "maintenance/MaintenanceRecord.h"
 #include "platform/values/PropertyList.h"
 #include "support/TestPlatform.h"
 #include "support/WatchedFiles.h"
@@ -15,7 +19,26 @@ using testing::SizeIs;
 
 constexpr const char* agent = "Library/LaunchAgents/app.velto.maintenance.plist";
 
+/// Answers a subcommand as the test says, and everything else well.
+class AnsweringTools final : public ToolRunner {
+public:
+    ToolResult run(const std::string&, const std::vector<std::string>& arguments) override {
+        const auto found = answers.find(arguments.at(0));
+        return found == answers.end() ? ToolResult{.started = true, .exitStatus = 0}
+                                      : found->second;
+    }
+
+    std::map<std::string, ToolResult> answers;
+};
+
+ToolResult failed(const std::string& reason) {
+    return {.started = true, .exitStatus = 5, .standardError = reason};
+}
+
 struct SchedulerTest : testing::Test {
+    /// In the place of the tools that answer everything alike.
+    AnsweringTools& tools() { return velto::install<AnsweringTools>(machine.platform.tools); }
+
     TestPlatform machine;
     MaintenanceScheduler scheduler{machine.platform};
 };
@@ -72,8 +95,136 @@ TEST_F(SchedulerTest, InstallingTwiceUnloadsBeforeItLoads) {
 }
 
 TEST_F(SchedulerTest, AFailingUnloadIsNoFailure) {
-    machine.tools.result.exitStatus = 113;
+    tools().answers["unload"] = failed("Unload failed: 5: Input/output error");
     EXPECT_NO_THROW(scheduler.install("daily"));
+}
+
+TEST_F(SchedulerTest, AnAgentThatTheSystemDoesNotLoadIsTold) {
+    auto& asked = tools();
+    asked.answers["load"] = failed("Load failed: 5: Input/output error");
+    asked.answers["list"] = failed("Could not find service");
+    EXPECT_THROW(scheduler.install("daily"), SchedulerError);
+    EXPECT_FALSE(scheduler.isInstalled());
+}
+
+TEST_F(SchedulerTest, AComplaintAboutAnAgentThatIsLoadedIsLoggedAlone) {
+    tools().answers["load"] = failed("Load failed: 5: Input/output error");
+    EXPECT_NO_THROW(scheduler.install("daily"));
+    EXPECT_TRUE(scheduler.isInstalled());
+    ASSERT_THAT(machine.log.lines(), SizeIs(1));
+    EXPECT_THAT(machine.log.lines()[0], testing::HasSubstr("Load failed: 5"));
+}
+
+TEST_F(SchedulerTest, AScheduleThatStandsIsLeftAlone) {
+    scheduler.install("daily");
+    machine.tools.commands.clear();
+    scheduler.ensureInstalled("daily");
+    EXPECT_THAT(machine.tools.commands, IsEmpty()) << "unloading would end a run";
+    scheduler.ensureInstalled("monthly");
+    EXPECT_THAT(machine.tools.commands, SizeIs(2)) << "another frequency";
+    machine.platform.executablePath = "/Applications/Velto.app/Contents/MacOS/velto";
+    scheduler.ensureInstalled("monthly");
+    EXPECT_THAT(machine.tools.commands, SizeIs(4)) << "another place";
+    machine.platform.files->removeAll(machine.platform.layout.agentFile);
+    scheduler.ensureInstalled("monthly");
+    EXPECT_THAT(machine.tools.commands, SizeIs(6)) << "somebody has taken it away";
+    EXPECT_TRUE(scheduler.isInstalled());
+}
+
+TEST_F(SchedulerTest, AProgramThatWillNotStayIsNotScheduled) {
+    machine.platform.executablePath =
+        "/private/var/folders/x/AppTranslocation/0F8F/d/Velto.app/Contents/MacOS/velto";
+    try {
+        scheduler.install("daily");
+        FAIL() << "installed";
+    } catch (const SchedulerError& error) {
+        EXPECT_EQ(error.reason(), SchedulerError::Reason::passingPlace);
+    }
+    EXPECT_FALSE(scheduler.isInstalled());
+    EXPECT_THAT(machine.tools.commands, IsEmpty());
+}
+
+/// What is done at the start of the window.
+struct KeepGoing : SchedulerTest {
+    static constexpr double day = 86400;
+
+    /// An agent that was written, and has run last, that many days ago.
+    void agentOf(const std::string& program, double writtenDaysAgo,
+                 std::optional<double> ranDaysAgo) {
+        machine.home.text(agent, launchAgentText(program, "weekends"))
+            .lastUsed(writtenDaysAgo * day);
+        machine.clock.time = SystemClock().now();
+        if (!ranDaysAgo) return;
+        rememberMaintenance(*machine.platform.files, machine.platform.layout,
+                            {.ts = machine.clock.time - *ranDaysAgo * day});
+    }
+    std::vector<std::string> asked() const {
+        std::vector<std::string> subcommands;
+        for (const auto& command : machine.tools.commands)
+            subcommands.push_back(command.at(1));
+        return subcommands;
+    }
+    static constexpr const char* own = "/opt/velto/velto";
+};
+
+TEST_F(KeepGoing, NothingInstalledStaysSo) {
+    scheduler.keepGoing("weekends");
+    EXPECT_THAT(asked(), IsEmpty());
+    EXPECT_FALSE(scheduler.isInstalled());
+}
+
+TEST_F(KeepGoing, ARunThatIsOverdueIsMadeUpFor) {
+    machine.platform.userIdentifier = 501;
+    agentOf(own, 40, 8);
+    scheduler.keepGoing("weekends");
+    ASSERT_THAT(machine.tools.commands, SizeIs(1));
+    EXPECT_EQ(
+        machine.tools.commands[0],
+        (std::vector<std::string>{"/bin/launchctl", "kickstart", "gui/501/app.velto.maintenance"}));
+}
+
+TEST_F(KeepGoing, ARunThatNeverCameIsMadeUpFor) {
+    agentOf(own, 8, std::nullopt);
+    scheduler.keepGoing("weekends");
+    EXPECT_THAT(asked(), testing::ElementsAre("kickstart"));
+}
+
+TEST_F(KeepGoing, WhatIsNotDueYetIsNotStarted) {
+    agentOf(own, 40, 6);
+    scheduler.keepGoing("weekends");
+    agentOf(own, 6, std::nullopt);
+    scheduler.keepGoing("weekends");
+    EXPECT_THAT(asked(), IsEmpty());
+}
+
+TEST_F(KeepGoing, TheAgentOfAnApplicationThatWasMovedFindsItAgain) {
+    agentOf("/Users/ana/Downloads/Velto.app/Contents/MacOS/velto", 40, 1);
+    scheduler.keepGoing("weekends");
+    EXPECT_EQ(machine.home.read(agent), launchAgentText(own, "weekends"));
+    EXPECT_THAT(asked(), testing::ElementsAre("unload", "load"));
+}
+
+TEST_F(KeepGoing, AMovedApplicationStillMakesUpForItsRun) {
+    agentOf("/Users/ana/Downloads/Velto.app/Contents/MacOS/velto", 40, 8);
+    scheduler.keepGoing("weekends");
+    EXPECT_THAT(asked(), testing::ElementsAre("unload", "load", "kickstart"));
+}
+
+TEST_F(KeepGoing, AProgramThatWillNotStayTakesNoAgentOver) {
+    const std::string old = "/Applications/Velto.app/Contents/MacOS/velto";
+    agentOf(old, 1, 1);
+    machine.platform.executablePath = "/private/var/AppTranslocation/0F/d/Velto.app/velto";
+    scheduler.keepGoing("weekends");
+    EXPECT_EQ(machine.home.read(agent), launchAgentText(old, "weekends"));
+    EXPECT_THAT(asked(), IsEmpty());
+}
+
+TEST_F(KeepGoing, AFailureIsLoggedAndNoMore) {
+    agentOf("/old/velto", 1, 1);
+    machine.tools.result = {.started = false, .startError = "No such file or directory"};
+    EXPECT_NO_THROW(scheduler.keepGoing("weekends"));
+    EXPECT_THAT(machine.log.lines().back(), testing::HasSubstr("No such file or directory"));
+    EXPECT_EQ(machine.home.read(agent), launchAgentText("/old/velto", "weekends"));
 }
 
 TEST_F(SchedulerTest, AMissingToolOrAnUnwritableFolderIsTold) {

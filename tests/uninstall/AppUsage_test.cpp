@@ -23,11 +23,19 @@ protected:
         return {.bundleIdentifier = identifier, .bundlePath = path};
     }
 
+    /// Lets the moment pass after which uses are saved.
+    void save() {
+        machine.dispatcher.advance(60);
+        machine.dispatcher.runAll();
+    }
+
     TestPlatform machine;
 };
 
 TEST_F(AppUsageTest, AUseIsKeptAcrossStarts) {
-    AppUsage(machine.platform).record("com.example.foo", 1000.5);
+    AppUsage usage(machine.platform);
+    usage.record("com.example.foo", 1000.5);
+    save();
     EXPECT_THAT(AppUsage(machine.platform).launches(),
                 ElementsAre(Pair("com.example.foo", 1000.5)));
     EXPECT_EQ(nlohmann::json::parse(machine.home.read(file())),
@@ -51,6 +59,7 @@ TEST_F(AppUsageTest, WhatIsNoUseIsNotRecorded) {
     usage.record("com.example.foo", -1);
     usage.record("com.example.foo", std::numeric_limits<double>::quiet_NaN());
     EXPECT_THAT(usage.launches(), IsEmpty());
+    save();
     EXPECT_FALSE(machine.home.exists(file()));
 }
 
@@ -60,6 +69,7 @@ TEST_F(AppUsageTest, ADamagedFileCountsAsEmptyAndIsReplaced) {
         AppUsage usage(machine.platform);
         EXPECT_THAT(usage.launches(), IsEmpty());
         usage.record("com.example.foo", 1000);
+        save();
         EXPECT_THAT(AppUsage(machine.platform).launches(), testing::SizeIs(1));
     }
     machine.home.text(file(), R"({"a": 5, "b": "text", "c": 7.5})");
@@ -108,8 +118,34 @@ TEST_F(AppUsageTest, WhatWasForgottenIsNotWrittenBackByTheNextUse) {
     usage.forget();
     EXPECT_THAT(usage.launches(), IsEmpty());
     machine.platform.files->removeAll(machine.platform.layout.dataFolder);
+    save();
+    EXPECT_FALSE(machine.home.exists(file())) << "the save that was on its way has nothing to say";
     usage.record("com.example.new", 2000);
+    save();
     EXPECT_THAT(AppUsage(machine.platform).launches(), ElementsAre(Pair("com.example.new", 2000)));
+}
+
+TEST_F(AppUsageTest, UsesThatComeTogetherAreWrittenOnceAndNotOnTheMainThread) {
+    int written = 0;
+    AppUsage usage(machine.platform, [&](const std::string&, std::string_view) { ++written; });
+    for (int number = 1; number <= 20; ++number) {
+        machine.running.add(running("/Applications/" + std::to_string(number) + ".app",
+                                    "com.example." + std::to_string(number)));
+    }
+    usage.start();
+    machine.running.onUse(running("/Applications/Foo.app", "com.example.foo"));
+    EXPECT_EQ(machine.dispatcher.waitingTimers(), 1u);
+    machine.dispatcher.advance(60);
+    machine.dispatcher.runMain();
+    EXPECT_EQ(written, 0);
+    EXPECT_EQ(machine.dispatcher.changes, 1) << "the end of the program waits for it";
+    machine.dispatcher.runGlobal();
+    EXPECT_EQ(written, 1);
+    usage.save();
+    EXPECT_EQ(written, 1) << "nothing is new";
+    usage.record("com.example.foo", machine.clock.time + 1);
+    save();
+    EXPECT_EQ(written, 2);
 }
 
 TEST_F(AppUsageTest, UsesNotedOnTwoThreadsAreAllKept) {
@@ -121,6 +157,7 @@ TEST_F(AppUsageTest, UsesNotedOnTwoThreadsAreAllKept) {
     std::thread other(note, "other");
     note("own");
     other.join();
+    save();
     EXPECT_EQ(usage.launches().size(), 20u);
     EXPECT_EQ(usage.launches().at("other0"), 50);
     EXPECT_EQ(usage.launches().at("own9"), 49);

@@ -128,7 +128,10 @@ private:
         });
     }
 
-    void shutDown() { running_.reset(); }
+    void shutDown() {
+        app_.delegate().applicationWillTerminate();
+        running_.reset();
+    }
 
     void showAppearance() {
         const Appearance appearance = running_->appearance.current();

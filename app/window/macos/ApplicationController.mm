@@ -91,6 +91,7 @@ NSWindow* makeWindow() {
 // leaves open, goes first, then the work.
 - (void)applicationWillTerminate:(NSNotification*)notification {
     [_window close];
+    _app->delegate().applicationWillTerminate();
     velto::finishWork(*_platform, EXIT_SUCCESS);
 }
 
@@ -108,10 +109,13 @@ NSWindow* makeWindow() {
 // The menu.
 
 - (void)installMenu {
-    velto::window::installMainMenu(*_app, self, @selector(performCommand:));
+    velto::window::installMainMenu(*_app, { self, @selector(performCommand:) });
 }
 
 - (void)performCommand:(NSMenuItem*)item {
+    if (item.tag == velto::window::settingsTag) {
+        return _app->perform(velto::VeltoApp::settingsCommand());
+    }
     _app->perform(velto::VeltoApp::commands()[static_cast<std::size_t>(item.tag)]);
 }
 

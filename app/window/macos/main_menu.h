@@ -6,8 +6,15 @@
 
 namespace velto::window {
 
-/// Gives the application its menu bar in the current language. The entries of the program's own
-/// commands send `action` to `target`, with their place in `VeltoApp::commands()` as tag.
-void installMainMenu(VeltoApp& app, id target, SEL action);
+/// Where the entries of the program's own commands send what: an action with the entry, whose tag
+/// is the place in `VeltoApp::commands()`, or `settingsTag`.
+struct CommandReceiver {
+    id target;
+    SEL action;
+};
+inline constexpr NSInteger settingsTag = -1;
+
+/// Gives the application its menu bar in the current language.
+void installMainMenu(VeltoApp& app, const CommandReceiver& receiver);
 
 }  // namespace velto::window

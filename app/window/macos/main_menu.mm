@@ -37,32 +37,41 @@ void fill(NSMenu* menu, std::initializer_list<StandardItem> items, const AppLang
     for (const auto& item : items) [menu addItem:standardItem(item, language)];
 }
 
-void fillWithCommands(NSMenu* menu, const VeltoApp& app, id target, SEL action) {
+NSMenuItem* commandItem(const AppCommand& command, NSInteger tag, const VeltoApp& app,
+                        const CommandReceiver& receiver) {
+    NSString* key = command.key != 0 ? nsString({&command.key, 1}) : @"";
+    auto* entry = [[NSMenuItem alloc] initWithTitle:nsString(app.title(command))
+                                             action:receiver.action
+                                      keyEquivalent:key];
+    entry.keyEquivalentModifierMask =
+        NSEventModifierFlagCommand | (command.shift ? NSEventModifierFlagShift : 0);
+    entry.target = receiver.target;  // held weakly
+    entry.tag = tag;
+    return entry;
+}
+
+void fillWithCommands(NSMenu* menu, const VeltoApp& app, const CommandReceiver& receiver) {
     NSInteger tag = 0;
     for (const AppCommand& command : VeltoApp::commands()) {
-        NSString* key = command.key != 0 ? nsString({&command.key, 1}) : @"";
-        auto* entry = [[NSMenuItem alloc] initWithTitle:nsString(app.title(command))
-                                                 action:action
-                                          keyEquivalent:key];
-        entry.keyEquivalentModifierMask =
-            NSEventModifierFlagCommand | (command.shift ? NSEventModifierFlagShift : 0);
-        entry.target = target;  // held weakly
-        entry.tag = tag++;
-        [menu addItem:entry];
+        [menu addItem:commandItem(command, tag++, app, receiver)];
     }
 }
 
 }  // namespace
 
-void installMainMenu(VeltoApp& app, id target, SEL action) {
+void installMainMenu(VeltoApp& app, const CommandReceiver& receiver) {
     const AppLanguage& language = app.language();
     NSApplication* application = NSApp;
     auto* bar = [[NSMenu alloc] initWithTitle:@""];
     constexpr auto optionCommand = NSEventModifierFlagOption | NSEventModifierFlagCommand;
 
-    fill(addMenu(bar, "Velto"),
+    NSMenu* own = addMenu(bar, "Velto");
+    fill(own,
+         {{"Acerca de Velto", "About Velto", @selector(orderFrontStandardAboutPanel:), @""}, {}},
+         language);
+    [own addItem:commandItem(VeltoApp::settingsCommand(), settingsTag, app, receiver)];
+    fill(own,
          {
-             {"Acerca de Velto", "About Velto", @selector(orderFrontStandardAboutPanel:), @""},
              {},
              {"Ocultar Velto", "Hide Velto", @selector(hide:), @"h"},
              {"Ocultar otros", "Hide Others", @selector(hideOtherApplications:), @"h",
@@ -72,7 +81,7 @@ void installMainMenu(VeltoApp& app, id target, SEL action) {
              {"Salir de Velto", "Quit Velto", @selector(terminate:), @"q"},
          },
          language);
-    fillWithCommands(addMenu(bar, language.text("Acciones", "Actions")), app, target, action);
+    fillWithCommands(addMenu(bar, language.text("Acciones", "Actions")), app, receiver);
     // Without "Redo": its shortcut belongs to taking back the last cleanup.
     fill(addMenu(bar, language.text("Edición", "Edit")),
          {
