@@ -56,6 +56,11 @@ double dragRegionWidth(double containerWidth) {
     return std::max(least, std::min(wanted, most));
 }
 
+TitleAction titleDoubleClickAction(std::string_view setting) {
+    if (setting == "Minimize") return TitleAction::minimise;
+    return setting == "None" ? TitleAction::nothing : TitleAction::zoom;
+}
+
 bool isDeveloperMenuItem(std::string_view title) {
     const std::string lower = lowerCased(title);
     return std::any_of(developerWords.begin(), developerWords.end(), [&](std::string_view word) {

@@ -45,6 +45,12 @@ inline constexpr std::array<WidthRule, 3> dragRegionWidthRules{{
 /// of priority 999 the lower bound wins where both cannot hold.
 double dragRegionWidth(double containerWidth);
 
+/// What a double click on the drag region does to the window.
+enum class TitleAction { zoom, minimise, nothing };
+/// By the user's setting for title bars (AppleActionOnDoubleClick); unset, or of another system's
+/// making, it is zoom.
+TitleAction titleDoubleClickAction(std::string_view setting);
+
 /// True for the developer entries of the web view's context menu, in either language. Broad on
 /// purpose: "inspect", "inspeccionar" or "element" anywhere in the lower-cased title.
 bool isDeveloperMenuItem(std::string_view title);
@@ -58,6 +64,9 @@ inline constexpr std::string_view resourceBundleName = "Velto_velto_app.bundle";
 /// exists. `exists` answers whether a path exists.
 std::optional<std::string> findResourceBundle(
     const std::vector<std::string>& parents, const std::function<bool(const std::string&)>& exists);
+/// The log's line for a message of the page that cannot be told as JSON and is dropped.
+inline constexpr const char* messageWithoutJson =
+    "Velto ▶ mensaje de la página descartado: contiene un valor que JSON no tiene";
 inline constexpr std::string_view missingBundleMessage =
     "unable to find bundle named Velto_velto_app";
 

@@ -15,6 +15,14 @@ using testing::DoubleEq;
 
 constexpr const char* bundle = "Velto_velto_app.bundle";
 
+TEST(WindowRules, ADoubleClickOnTheHandleDoesWhatTheUserHasSetForTitleBars) {
+    EXPECT_EQ(titleDoubleClickAction(""), TitleAction::zoom) << "nothing was ever set";
+    EXPECT_EQ(titleDoubleClickAction("Maximize"), TitleAction::zoom);
+    EXPECT_EQ(titleDoubleClickAction("Fill"), TitleAction::zoom);
+    EXPECT_EQ(titleDoubleClickAction("Minimize"), TitleAction::minimise);
+    EXPECT_EQ(titleDoubleClickAction("None"), TitleAction::nothing);
+}
+
 TEST(WindowRules, TheWindowKeepsAHandleToDragItByAtEveryWidth) {
     EXPECT_THAT(dragRegionWidth(738), DoubleEq(140)) << "the width where both rules meet";
     EXPECT_THAT(dragRegionWidth(739), DoubleEq(141));

@@ -74,7 +74,21 @@ bool hasRegion(NSView* container) {
 }
 
 - (void)mouseDown:(NSEvent*)event {
+    if (event.clickCount == 2) return [self actOnDoubleClick];
     [self.window performWindowDragWithEvent:event];
+}
+
+- (void)actOnDoubleClick {
+    NSString* setting =
+        [NSUserDefaults.standardUserDefaults stringForKey:@"AppleActionOnDoubleClick"];
+    switch (velto::window::titleDoubleClickAction(velto::utf8(setting))) {
+        case velto::window::TitleAction::zoom:
+            return [self.window performZoom:nil];
+        case velto::window::TitleAction::minimise:
+            return [self.window performMiniaturize:nil];
+        case velto::window::TitleAction::nothing:
+            break;
+    }
 }
 
 @end

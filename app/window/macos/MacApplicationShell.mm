@@ -1,13 +1,11 @@
 #include "app/window/macos/MacApplicationShell.h"
 
+#include "app/window/kept_appearance.h"
 #include "app/window/macos/appearance.h"
 #include "platform/macos/foundation_text.h"
 
 namespace velto {
 namespace {
-
-// Beside the window's frame, which the system keeps; no setting of the user's.
-constexpr const char* appearanceKey = "VeltoWindowAppearance";
 
 NSAlert* alertFor(const Confirmation& question) {
     NSAlert* alert = [[NSAlert alloc] init];
@@ -24,11 +22,8 @@ NSAlert* alertFor(const Confirmation& question) {
 
 void MacApplicationShell::setWindow(NSWindow* window) {
     window_ = window;
-    const auto kept = defaults_.value(appearanceKey);
-    for (const Appearance known : {Appearance::light, Appearance::dark}) {
-        if (kept == DefaultsValue(appearanceName(known))) {
-            window.appearance = window::namedAppearance(known);
-        }
+    if (const auto kept = window::keptAppearance(defaults_)) {
+        window.appearance = window::namedAppearance(*kept);
     }
 }
 
@@ -43,12 +38,12 @@ Appearance MacApplicationShell::appearance() const {
 
 void MacApplicationShell::setAppearance(Appearance appearance) {
     window_.appearance = window::namedAppearance(appearance);
-    defaults_.setValue(appearanceKey, appearanceName(appearance));
+    window::keepAppearance(defaults_, appearance);
 }
 
 void MacApplicationShell::followSystemAppearance() {
     window_.appearance = nil;
-    defaults_.remove(appearanceKey);
+    window::keepAppearance(defaults_, std::nullopt);
 }
 
 void MacApplicationShell::confirm(const Confirmation& question, std::function<void(bool)> answer) {

@@ -4,6 +4,7 @@
 
 #include <set>
 
+#include "platform/Log.h"
 #include "platform/WebView.h"
 
 namespace velto {
@@ -15,8 +16,9 @@ namespace velto {
 /// the function that they call.
 class MacWebView final : public WebView {
 public:
-    /// Tells the page, before its own scripts, which system it runs on.
-    explicit MacWebView(WKWebView* view);
+    /// Tells the page, before its own scripts, which system it runs on. The log outlives the
+    /// object.
+    MacWebView(WKWebView* view, Log& log);
     /// Closes the page's channels.
     ~MacWebView() override;
     MacWebView(const MacWebView&) = delete;
@@ -31,6 +33,7 @@ private:
 
     WKWebView* view_;
     WKUserContentController* content_;
+    Log& log_;
     std::set<std::string> channels_;
 };
 

@@ -29,15 +29,19 @@ std::optional<nlohmann::json> jsonOf(id body) {
 
 /// Takes the messages of one channel.
 @interface ScriptMessageReceiver : NSObject <WKScriptMessageHandler>
-- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler;
+- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler log:(velto::Log&)log;
 @end
 
 @implementation ScriptMessageReceiver {
     velto::WebView::MessageHandler _handler;
+    velto::Log* _log;
 }
 
-- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler {
-    if ((self = [super init])) _handler = std::move(handler);
+- (instancetype)initWithHandler:(velto::WebView::MessageHandler)handler log:(velto::Log&)log {
+    if ((self = [super init])) {
+        _handler = std::move(handler);
+        _log = &log;
+    }
     return self;
 }
 
@@ -46,16 +50,17 @@ std::optional<nlohmann::json> jsonOf(id body) {
     WKFrameInfo* frame = message.frameInfo;
     const std::string document = velto::utf8(frame.request.URL.absoluteString);
     if (!velto::window::maySpeak(document, frame.isMainFrame)) return;
-    // A message that is no JSON is malformed, and malformed messages are dropped without a word.
-    if (const auto body = jsonOf(message.body)) _handler(velto::utf8(message.name), *body);
+    const auto body = jsonOf(message.body);
+    if (!body) return _log->line(velto::window::messageWithoutJson);
+    _handler(velto::utf8(message.name), *body);
 }
 
 @end
 
 namespace velto {
 
-MacWebView::MacWebView(WKWebView* view)
-    : view_(view), content_(view.configuration.userContentController) {
+MacWebView::MacWebView(WKWebView* view, Log& log)
+    : view_(view), content_(view.configuration.userContentController), log_(log) {
     addUserScript(window::platformScript("macos"));
 }
 
@@ -78,7 +83,7 @@ void MacWebView::addUserScript(const std::string& script) {
 
 void MacWebView::setMessageHandler(const std::string& name, MessageHandler handler) {
     if (!channels_.insert(name).second) closeChannel(name);  // adding a name twice is refused
-    auto* receiver = [[ScriptMessageReceiver alloc] initWithHandler:std::move(handler)];
+    auto* receiver = [[ScriptMessageReceiver alloc] initWithHandler:std::move(handler) log:log_];
     [content_ addScriptMessageHandler:receiver name:nsString(name)];
 }
 

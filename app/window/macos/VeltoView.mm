@@ -27,7 +27,7 @@
         _coordinator = [[Coordinator alloc] initWithApp:app platform:platform];
         _webView.navigationDelegate = _coordinator;
         _webView.UIDelegate = _coordinator;
-        _page = std::make_shared<velto::MacWebView>(_webView);
+        _page = std::make_shared<velto::MacWebView>(_webView, *platform.log);
         // Before loading, so that the page's own scripts find the state and the channel.
         app.windowOpened(_page);
         [self showPageAt:velto::window::keptZoom(*_defaults)];
@@ -80,6 +80,12 @@
                           completionHandler:^(WKContentRuleList* list, NSError*) {
                             if (list != nil) [content addContentRuleList:list];
                           }];
+}
+
+// Keys go to the page from the start, without a click into it.
+- (void)viewDidMoveToWindow {
+    [super viewDidMoveToWindow];
+    if (_webView != nil) [self.window makeFirstResponder:_webView];
 }
 
 - (void)load {
