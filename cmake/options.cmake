@@ -4,6 +4,8 @@ option(VELTO_BENCH "Build the benchmarks" OFF)
 option(VELTO_FUZZ "Build the fuzz targets, with clang, and none of the tests" OFF)
 set(VELTO_SANITIZE "" CACHE STRING "Value of -fsanitize= for everything built here")
 
+set(VELTO_MACOS_VERSION 13.3)
+
 set(CMAKE_CXX_STANDARD 23)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -29,9 +31,10 @@ add_library(velto_options INTERFACE)
 target_compile_options(velto_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers)
 if(APPLE)
-    target_compile_options(velto_options INTERFACE -mmacosx-version-min=13.0
+    # The page's style sheets need the web engine of 13.3.
+    target_compile_options(velto_options INTERFACE -mmacosx-version-min=${VELTO_MACOS_VERSION}
         $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
-    target_link_options(velto_options INTERFACE -mmacosx-version-min=13.0)
+    target_link_options(velto_options INTERFACE -mmacosx-version-min=${VELTO_MACOS_VERSION})
 else()
     # 64-bit file offsets everywhere; O_PATH, statx and renameat2 are GNU extensions.
     target_compile_definitions(velto_options INTERFACE _GNU_SOURCE _FILE_OFFSET_BITS=64)

@@ -4,8 +4,12 @@ if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
     return()
 endif()
 
-set(VELTO_SIGNING_IDENTITY "-" CACHE STRING
-    "Identity that signs Velto.app; \"-\" signs for this machine alone")
+set(identity "$ENV{VELTO_SIGNING_IDENTITY}")
+if(NOT identity)
+    set(identity "-")
+endif()
+set(VELTO_SIGNING_IDENTITY "${identity}" CACHE STRING
+    "Identity that signs Velto.app; \"-\" signs it ad hoc, for nobody")
 
 set(macos ${CMAKE_CURRENT_SOURCE_DIR}/macos)
 set(application ${CMAKE_BINARY_DIR}/Velto.app)
