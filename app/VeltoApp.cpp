@@ -25,9 +25,12 @@ VeltoApp::VeltoApp(Platform& platform)
       settings_(*platform.defaults, *platform.locale),
       language_(settings_),
       delegate_(platform, AppUsage::shared()),
-      cleanups_(*platform.dispatcher, {.trash = VeltoTrashService::shared(),
-                                       .history = HistoryService::shared(),
-                                       .cloud = CloudFolder::shared()}),
+      progress_(*platform.dispatcher, *platform.clock),
+      cleanups_(*platform.dispatcher,
+                {.trash = VeltoTrashService::shared(),
+                 .history = HistoryService::shared(),
+                 .cloud = CloudFolder::shared()},
+                progress_),
       quit_(platform, language_, cleanups_, uninstalls_) {}
 
 VeltoApp::~VeltoApp() = default;
@@ -44,7 +47,8 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                       .usage = AppUsage::shared(),
                       .cleanups = cleanups_,
                       .uninstalls = uninstalls_,
-                      .askToNotify = [&platform = platform_] { askToNotify(platform); }});
+                      .askToNotify = [&platform = platform_] { askToNotify(platform); },
+                      .progress = &progress_});
     bridge_->attach(webView);
     quit_.setView(webView);
 }

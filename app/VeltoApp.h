@@ -9,6 +9,7 @@
 #include "app/OrderlyQuit.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
+#include "bridge/WorkProgress.h"
 #include "platform/ApplicationShell.h"
 #include "platform/Platform.h"
 #include "platform/WebView.h"
@@ -46,6 +47,10 @@ public:
     /// The shell outlives the application object's use.
     void setShell(ApplicationShell& shell);
 
+    /// Where the desktop shows what runs; null when the program ends, which takes it away. The task
+    /// bar outlives its use.
+    void setTaskBar(TaskBar* taskBar) { progress_.show(taskBar); }
+
     /// A window with its web view exists and has loaded nothing yet: makes the bridge and attaches
     /// it. The bridge holds the view weakly.
     void windowOpened(const std::shared_ptr<WebView>& webView);
@@ -67,6 +72,7 @@ private:
     VeltoSettings settings_;
     AppLanguage language_;
     AppDelegate delegate_;
+    WorkProgress progress_;
     CleanupQueue cleanups_;
     UninstallGate uninstalls_;
     OrderlyQuit quit_;

@@ -10,6 +10,7 @@
 #include "bridge/BridgeState.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
+#include "bridge/WorkProgress.h"
 #include "bridge/payload.h"
 #include "platform/Platform.h"
 #include "settings/AppLanguage.h"
@@ -31,6 +32,7 @@ public:
         std::shared_ptr<AppsWork> work;
         /// Tells whatever window there is by then what a removal has taken away.
         std::function<void(const CleanupOutcome&)> tell;
+        const WorkProgress* progress = nullptr;  // null: shown in the page alone
     };
 
     explicit AppIntents(Context context);

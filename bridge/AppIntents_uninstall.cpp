@@ -191,13 +191,15 @@ void AppIntents::onUninstall(const Payload& payload) {
     const nlohmann::json* const sizes = payload::member(payload, "sizes");
     const Request request{*path, *paths, sizes == nullptr ? nlohmann::json() : *sizes};
     const Platform& platform = context_.platform;
-    platform.dispatcher->change([&platform, work = context_.work, request, pass,
+    auto shown = context_.progress == nullptr ? nullptr : context_.progress->begin(0.0);
+    platform.dispatcher->change([&platform, work = context_.work, request, pass, shown,
                                  cleanups = context_.cleanups, tell = context_.tell,
                                  weak = weak_from_this()]() mutable {
         if (weak.expired()) return;
         Dispatcher& dispatcher = *platform.dispatcher;
         const auto progress = [&](std::string_view stage,
                                   const std::optional<AppRemover::Item>& item, double percent) {
+            if (shown) shown->report(percent / 100);
             const auto detail = item ? std::optional<std::string>(item->name) : std::nullopt;
             dispatcher.main([weak, script = events::uninstallProgress(stage, percent, detail)] {
                 if (const auto self = weak.lock()) self->context_.link.evaluate(script);
@@ -206,6 +208,7 @@ void AppIntents::onUninstall(const Payload& payload) {
         const Outcome outcome = uninstall(platform, *work, request, progress);
         // Before the page knows of the end, which is when it may ask for the next one.
         pass->end();
+        shown.reset();
         dispatcher.main([weak, script = events::uninstallResult(toJson(outcome.result))] {
             const auto self = weak.lock();
             if (!self) return;

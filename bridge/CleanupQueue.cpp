@@ -38,13 +38,14 @@ struct CleanupQueue::Line {
     bool isWorkedOn = false;
 };
 
-CleanupQueue::CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services)
-    : dispatcher_(dispatcher), line_(std::make_shared<Line>(services)) {}
+CleanupQueue::CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services,
+                           std::optional<WorkProgress> shown)
+    : dispatcher_(dispatcher), shown_(std::move(shown)), line_(std::make_shared<Line>(services)) {}
 
 void CleanupQueue::run(Work work) {
     if (!line_->join(std::move(work))) return;
     // Whoever waits for the one before waits here, not on a thread of the global queue.
-    dispatcher_.change([line = line_] {
+    dispatcher_.change([line = line_, shown = shown_ ? shown_->begin() : nullptr] {
         while (const Work next = line->next())
             next(line->services);
     });

@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
+#include "bridge/WorkProgress.h"
 #include "cleaning/CloudFolder.h"
 #include "cleaning/HistoryService.h"
 #include "cleaning/VeltoTrashService.h"
@@ -22,8 +24,10 @@ struct CleanupServices {
 /// one that is opened meanwhile never work on them at the same time. A copy is the same queue.
 class CleanupQueue {
 public:
-    /// The dispatcher and the services outlive the work; the queue itself need not.
-    CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services);
+    /// The dispatcher and the services outlive the work; the queue itself need not. `shown` shows
+    /// that it works.
+    CleanupQueue(Dispatcher& dispatcher, const CleanupServices& services,
+                 std::optional<WorkProgress> shown = {});
 
     /// Runs `work` on the global queue, as a change, once all work asked for before has ended. Safe
     /// from every thread. Work that throws is a program fault.
@@ -37,6 +41,7 @@ private:
     struct Line;
 
     Dispatcher& dispatcher_;
+    std::optional<WorkProgress> shown_;
     std::shared_ptr<Line> line_;
 };
 

@@ -44,7 +44,8 @@ JSBridge::JSBridge(const BridgeContext& context)
       permissions_(context.platform),
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
-      cleanups_(context.cleanups) {
+      cleanups_(context.cleanups),
+      progress_(context.progress) {
     makeIntents(context);
     accessGranted = permissions_.hasAccess();
     if (auto entry = cache_.load()) {
@@ -77,9 +78,9 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         std::make_shared<SelectionIntents>(SelectionIntents::Context{link, platform_});
     appIntents_ = std::make_shared<AppIntents>(
         AppIntents::Context{link, state, platform_, language_, context.uninstalls, cleanups_, apps,
-                            &JSBridge::finishCleanupAnywhere});
+                            &JSBridge::finishCleanupAnywhere, progress_});
     packageIntents_ = std::make_shared<PackageIntents>(
-        PackageIntents::Context{link, platform_, language_, context.uninstalls, apps});
+        PackageIntents::Context{link, platform_, language_, context.uninstalls, apps, progress_});
     quitIntents_ = std::make_shared<QuitIntents>(QuitIntents::Context{link, platform_, language_});
     themeIntents_ = std::make_shared<ThemeIntents>(ThemeIntents::Context{platform_, shell_});
     leftBehindIntent_ =

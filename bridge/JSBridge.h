@@ -17,6 +17,7 @@
 #include "bridge/BridgeState.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/UninstallGate.h"
+#include "bridge/WorkProgress.h"
 #include "bridge/failure_text.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
@@ -41,6 +42,7 @@ struct BridgeContext {
     CleanupQueue& cleanups;
     UninstallGate& uninstalls;
     std::function<void()> askToNotify = nullptr;  // the person, whether notifications may be shown
+    const WorkProgress* progress = nullptr;  // null: what runs is shown in the page alone
 };
 
 class AccessIntents;
@@ -162,6 +164,8 @@ private:
 
     CleanupQueue& cleanups_;
     AnalysisLists lists_;
+    const WorkProgress* progress_;
+    std::shared_ptr<WorkProgress::Work> analysisWork_;  // while one runs
     AnalysisLists::Mark analysisBegun_ = 0;
     std::vector<std::string> analysisExcluded_;    // what the last one kept out of
     std::vector<HistoryEntry> history_;            // what the page knows

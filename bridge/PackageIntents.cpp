@@ -91,7 +91,10 @@ void PackageIntents::removeAlone(std::function<std::string()> work) {
         return;
     }
     Dispatcher& dispatcher = *context_.platform.dispatcher;
-    dispatcher.change([&dispatcher, work = std::move(work), pass, weak = weak_from_this()] {
+    // Taken away when the work is dropped with what it holds.
+    auto shown = context_.progress == nullptr ? nullptr : context_.progress->begin();
+    dispatcher.change([&dispatcher, work = std::move(work), pass, shown = std::move(shown),
+                       weak = weak_from_this()] {
         if (weak.expired()) return;
         const std::string script = work();
         // Before the page knows of the end, which is when it asks for what was left behind.

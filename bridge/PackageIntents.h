@@ -7,6 +7,7 @@
 #include "bridge/AppsWork.h"
 #include "bridge/BridgeLink.h"
 #include "bridge/UninstallGate.h"
+#include "bridge/WorkProgress.h"
 #include "bridge/payload.h"
 #include "platform/Platform.h"
 #include "settings/AppLanguage.h"
@@ -24,6 +25,7 @@ public:
         const AppLanguage& language;
         UninstallGate& uninstalls;
         std::shared_ptr<AppsWork> work;
+        const WorkProgress* progress = nullptr;  // null: shown in the page alone
     };
 
     explicit PackageIntents(Context context) : context_(std::move(context)) {}

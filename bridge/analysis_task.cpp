@@ -21,6 +21,7 @@ void JSBridge::startAnalysis() {
     analysisExcluded_ = exclusions_.paths();
     evaluate(events::scanStarted());
     log("Velto ▶ análisis iniciado");
+    if (progress_ != nullptr) analysisWork_ = progress_->begin();
 
     const CancellationFlag cancelled;
     scanTask = cancelled;
@@ -126,6 +127,7 @@ void JSBridge::failAnalysis(const std::string& line) {
 }
 
 void JSBridge::endAnalysis() {
+    analysisWork_.reset();
     scanTask.reset();
     scanRunning = false;
     if (!pendingAccessRescan) return;

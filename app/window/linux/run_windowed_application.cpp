@@ -18,6 +18,7 @@
 #include "app/window/linux/web_engine.h"
 #include "app/window/linux/web_policies.h"
 #include "app/window/window_rules.h"
+#include "platform/linux/LauncherEntry.h"
 
 namespace velto {
 namespace window {
@@ -47,12 +48,14 @@ private:
             : firstPage(std::move(page)),
               appearance(platform, webDataFolder(platform) + "/appearance"),
               shell(application, appearance),
+              launcher(g_application_get_dbus_connection(G_APPLICATION(application))),
               menu(app, application) {}
 
         std::shared_ptr<GtkWebView> firstPage;  // until the window takes it
         Style style;
         DesktopAppearance appearance;
         GtkApplicationShell shell;
+        LauncherEntry launcher;
         CommandMenu menu;
         std::unique_ptr<MainWindow> window;
         std::unique_ptr<MainWindow> closing;
@@ -84,6 +87,7 @@ private:
         running_->appearance.start(g_application_get_dbus_connection(application));
         showAppearance();
         app_.setShell(running_->shell);
+        app_.setTaskBar(&running_->launcher);
         app_.delegate().applicationDidFinishLaunching();
     }
 
@@ -130,6 +134,7 @@ private:
 
     void shutDown() {
         app_.delegate().applicationWillTerminate();
+        app_.setTaskBar(nullptr);
         running_.reset();
     }
 

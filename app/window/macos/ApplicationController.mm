@@ -92,6 +92,7 @@ NSWindow* makeWindow() {
 - (void)applicationWillTerminate:(NSNotification*)notification {
     [_window close];
     _app->delegate().applicationWillTerminate();
+    _app->setTaskBar(nullptr);
     velto::finishWork(*_platform, EXIT_SUCCESS);
 }
 

@@ -3,6 +3,7 @@
 #import "app/window/macos/ApplicationController.h"
 
 #include "app/VeltoApp.h"
+#include "app/window/macos/DockTile.h"
 
 namespace velto {
 
@@ -13,6 +14,8 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
         [application setActivationPolicy:NSApplicationActivationPolicyRegular];
         MacApplicationShell shell(*platform.defaults);
         app.setShell(shell);
+        DockTile dock;
+        app.setTaskBar(&dock);
         // The application holds its delegate weakly; without the attribute the compiler could
         // release it right after the assignment.
         __attribute__((objc_precise_lifetime)) ApplicationController* controller =

@@ -1,0 +1,108 @@
+// What runs is shown in the task bar while it takes its time, and taken away however it ends.
+#include <utility>
+
+#include "bridge/AppsFixture.h"
+#include "support/FakeTaskBar.h"
+
+namespace velto {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct ShownWork : AppsFixture {
+    void SetUp() override {
+        AppsFixture::SetUp();
+        progress.show(&taskBar);
+        cleanups = std::make_unique<CleanupQueue>(
+            *machine.platform.dispatcher,
+            CleanupServices{.trash = trash, .history = history, .cloud = cloud}, progress);
+        bridge = std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
+                                                          .settings = settings,
+                                                          .language = language,
+                                                          .exclusions = exclusions,
+                                                          .shell = shell,
+                                                          .usage = usage,
+                                                          .cleanups = *cleanups,
+                                                          .uninstalls = uninstalls,
+                                                          .progress = &progress});
+        bridge->attach(page);
+        machine.dispatcher.runAll();
+    }
+
+    /// Time passes in which no work comes to its end.
+    void wait(double seconds = 2) {
+        machine.dispatcher.runMain();
+        machine.clock.time += seconds;
+        machine.dispatcher.advance(seconds);
+    }
+
+    FakeTaskBar taskBar;
+    WorkProgress progress{machine.dispatcher, machine.clock};
+};
+
+TEST_F(ShownWork, AnAnalysisUntilItHasEnded) {
+    post("scan");
+    wait();
+    EXPECT_THAT(taskBar.told, ElementsAre("busy"));
+    machine.dispatcher.runAll();
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_THAT(taskBar.told, ElementsAre("busy", "hidden"));
+}
+
+TEST_F(ShownWork, AnAnalysisUntilItIsStopped) {
+    post("scan");
+    wait();
+    post("stopAnalysis");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onAnalysisStopped"), 1U);
+    EXPECT_THAT(taskBar.told, ElementsAre("busy", "hidden"));
+}
+
+TEST_F(ShownWork, AnAnalysisUntilItsWindowIsClosed) {
+    post("scan");
+    wait();
+    bridge.reset();
+    machine.dispatcher.runMain();
+    EXPECT_THAT(taskBar.told, ElementsAre("busy", "hidden"));
+}
+
+TEST_F(ShownWork, ARemovalAndOneThatFails) {
+    machine.home.file("Documents/a.txt", 100);
+    for (const char* const path : {"Documents/a.txt", "nowhere/b.txt"}) {
+        taskBar.told.clear();
+        post("cleanPaths", {{"paths", {machine.home.path(path)}}});
+        wait();
+        EXPECT_THAT(taskBar.told, ElementsAre("busy")) << path;
+        machine.dispatcher.runAll();
+        EXPECT_THAT(taskBar.told, ElementsAre("busy", "hidden")) << path;
+    }
+}
+
+TEST_F(ShownWork, AnUninstallWithHowMuchOfItIsDone) {
+    const std::string path = application("Notes", "com.example.notes");
+    machine.running.add({.bundlePath = path}).ignoresTerminate = true;
+    machine.sleeper.onSleep = [this, isOver = false]() mutable {
+        if (!std::exchange(isOver, true)) wait();
+    };
+    post("uninstall", {{"path", path}, {"paths", {path}}});
+    machine.dispatcher.runAll();
+    ASSERT_FALSE(machine.platform.files->exists(path));
+    ASSERT_EQ(taskBar.told.size(), 2U);
+    EXPECT_THAT(taskBar.told[0], testing::EndsWith("%"));
+    EXPECT_EQ(taskBar.told[1], "hidden");
+}
+
+TEST_F(ShownWork, NothingOfWhatIsOverInAMoment) {
+    machine.home.file("Documents/a.txt", 100);
+    post("cleanPaths", {{"paths", {machine.home.path("Documents/a.txt")}}});
+    machine.dispatcher.runAll();
+    wait();
+    post("scan");
+    machine.dispatcher.runAll();
+    wait();
+    EXPECT_THAT(taskBar.told, IsEmpty());
+}
+
+}  // namespace
+}  // namespace velto
