@@ -1,5 +1,6 @@
 #include "bridge/CleaningIntents.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -40,6 +41,12 @@ void CleaningIntents::show(std::vector<Candidate> found, AnalysisLists::Mark beg
     context_.lists.replaceCleanables(found);
     context_.measurement.tellCleanables(found);
     context_.link.evaluate(events::cleanables(found));
+    proposed_ = std::move(found);
+}
+
+const Candidate* CleaningIntents::proposal(const std::string& path) const {
+    const auto found = std::ranges::find(proposed_, path, &Candidate::path);
+    return found == proposed_.end() ? nullptr : &*found;
 }
 
 void CleaningIntents::onMoveCloud(const Payload& payload) {

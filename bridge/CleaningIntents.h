@@ -29,10 +29,14 @@ public:
     void onScanCleanables(const Payload& payload);
     void onMoveCloud(const Payload& payload);
 
+    /// What was proposed last at this path; null for anything else. Valid until the next proposals.
+    const Candidate* proposal(const std::string& path) const;
+
 private:
     void show(std::vector<Candidate> found, AnalysisLists::Mark begun);
 
     Context context_;
+    std::vector<Candidate> proposed_;
 };
 
 }  // namespace velto

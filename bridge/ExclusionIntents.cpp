@@ -44,7 +44,7 @@ std::optional<Reason> objection(const std::optional<std::string>& folder,
 
 void ExclusionIntents::onAddExclusion(const Payload& payload) {
     const auto path = payload::path(payload);
-    if (path && path->starts_with('/')) exclude(*path, Asked::byPath);
+    if (path && path->starts_with('/')) exclude(*path);
 }
 
 void ExclusionIntents::onRemoveExclusion(const Payload& payload) {
@@ -77,14 +77,14 @@ void ExclusionIntents::excludeChosen(const std::string& folder) {
                             context_.language.text(reason->spanish, reason->english));
         return;
     }
-    exclude(*path, Asked::asAChoice);
+    exclude(*path);
 }
 
 /// Of a path that was left out already nothing is new: taking it back would take back the other.
-void ExclusionIntents::exclude(const std::string& path, Asked asked) {
+void ExclusionIntents::exclude(const std::string& path) {
     const bool isNew = !context_.exclusions.isExcluded(path);
     context_.exclusions.add(path);
-    if (isNew && asked == Asked::byPath) {
+    if (isNew) {
         context_.link.evaluate(events::call("onExcluded", events::literal(pathText(path))));
     }
     context_.link.toast("Excluido del análisis", "Excluded from the analysis", path);

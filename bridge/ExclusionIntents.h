@@ -36,9 +36,7 @@ public:
     void onChooseExclusion(const Payload& payload);
 
 private:
-    enum class Asked { byPath, asAChoice };
-
-    void exclude(const std::string& path, Asked asked);
+    void exclude(const std::string& path);
     void excludeChosen(const std::string& folder);
     void tell();
 

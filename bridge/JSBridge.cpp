@@ -5,6 +5,7 @@
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/CleaningIntents.h"
+#include "bridge/DeleteNowIntent.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
@@ -101,6 +102,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
                                                                      .shell = shell_});
     cleaningIntents_ = std::make_shared<CleaningIntents>(
         CleaningIntents::Context{link, platform_, lists_, *measurementIntents_});
+    deleteNowIntent_ = std::make_shared<DeleteNowIntent>(
+        DeleteNowIntent::Context{link, platform_, language_, *cleaningIntents_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
 }

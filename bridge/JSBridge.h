@@ -51,6 +51,7 @@ class CleaningIntents;
 class FolderIntents;
 class GrowthIntents;
 class ExclusionIntents;
+class DeleteNowIntent;
 class LeftBehindIntent;
 class MeasurementIntents;
 class PackageIntents;
@@ -188,6 +189,7 @@ private:
     std::shared_ptr<MeasurementIntents> measurementIntents_;
     std::shared_ptr<ExclusionIntents> exclusionIntents_;
     std::shared_ptr<CleaningIntents> cleaningIntents_;
+    std::shared_ptr<DeleteNowIntent> deleteNowIntent_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -1,85 +1,18 @@
 #include "bridge/TrashIntents.h"
 
-#include <algorithm>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "cleaning/folder_size.h"
+#include "bridge/trash_work.h"
 #include "platform/values/text.h"
-#include "platform/values/units.h"
 #include "settings/sentence_number.h"
 
 namespace velto {
 namespace {
 
 constexpr const char* cleanupKind = "wind";
-
-/// Adds the sizes of the folders that the page's lists say nothing about: the trash itself would
-/// only see the folders' own few bytes.
-void measureFolders(const std::vector<std::string>& paths, const Platform& platform,
-                    VeltoTrashService::KnownSizes& sizes) {
-    std::vector<std::string> folders;
-    for (const std::string& path : paths) {
-        if (sizes.contains(path)) continue;
-        const auto attributes = platform.files->attributes(path);
-        if (attributes && attributes->kind == FileKind::folder) folders.push_back(path);
-    }
-    const auto measured = folderSizes(*platform.directories, folders);
-    for (std::size_t index = 0; index < folders.size(); ++index) {
-        if (measured[index]) sizes[folders[index]] = gigabytes(*measured[index]);
-    }
-}
-
-/// One refused path stops the whole selection; which ones they are is found out at once.
-void requireAdmitted(VeltoTrashService& trash, const std::vector<std::string>& paths) {
-    Refusal refusal;
-    for (const std::string& path : paths) {
-        try {
-            trash.validate(path);
-            refusal.rest.push_back(path);
-        } catch (const TrashError& error) {
-            refusal.items.push_back({.path = path, .reason = error.reason()});
-        }
-    }
-    if (!refusal.items.empty()) throw RefusedSelection(std::move(refusal));
-}
-
-Operation moved(VeltoTrashService& trash, const std::vector<std::string>& paths,
-                const std::string& kind, const VeltoTrashService::KnownSizes& sizes) {
-    try {
-        return trash.moveToTrash(paths, kind, sizes);
-    } catch (const TrashError&) {
-        requireAdmitted(trash, paths);  // something has changed since the first look
-        throw;
-    }
-}
-
-/// Does something with an item; a refusal names it.
-template <typename Action>
-void withItem(VeltoTrashService& trash, const std::string& id, Action action) {
-    const auto& items = trash.items();
-    const auto found = std::ranges::find(items, id, &TrashItem::id);
-    const std::string path = found == items.end() ? std::string() : found->originalPath;
-    try {
-        action();
-    } catch (const TrashError& error) {
-        throw RefusedSelection({.items = {{.path = path, .reason = error.reason()}}, .rest = {}});
-    }
-}
-
-/// An undo of the rest does not make them unhappen, so the history learns of them.
-void deleteForGood(CleanupServices& services, const std::vector<std::string>& ids) {
-    for (const std::string& id : ids) {
-        const auto& items = services.trash.items();
-        const auto found = std::ranges::find(items, id, &TrashItem::id);
-        const auto item = found == items.end() ? std::nullopt : std::optional(*found);
-        withItem(services.trash, id, [&] { services.trash.deletePermanently(id); });
-        if (item) services.history.noteDeleted(*item);
-    }
-}
 
 }  // namespace
 
@@ -110,7 +43,7 @@ void TrashIntents::moveToTrash(const std::vector<std::string>& paths, const std:
             requireAdmitted(services.trash, paths);
             auto allSizes = sizes;
             measureFolders(paths, platform, allSizes);
-            const Operation operation = moved(services.trash, paths, kind, allSizes);
+            const Operation operation = moveSelection(services.trash, paths, kind, allSizes);
             services.history.record(operation);
             outcome.gb = operation.gb;
         },

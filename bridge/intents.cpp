@@ -5,6 +5,7 @@
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/CleaningIntents.h"
+#include "bridge/DeleteNowIntent.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
@@ -53,6 +54,7 @@ struct IntentTable {
     static constexpr auto folders = &JSBridge::folderIntents_;
     static constexpr auto growing = &JSBridge::growthIntents_;
     static constexpr auto measured = &JSBridge::measurementIntents_;
+    static constexpr auto deletingNow = &JSBridge::deleteNowIntent_;
     static constexpr auto exclusions = &JSBridge::exclusionIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
@@ -105,6 +107,7 @@ struct IntentTable {
         {"purgeOperation", at<trash, &TrashIntents::onPurgeOperation>},
         {"checkSelection", at<selection, &SelectionIntents::onCheckSelection>},
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
+        {"deleteNow", at<deletingNow, &DeleteNowIntent::onDeleteNow>},
         {"followSystemTheme", at<theme, &ThemeIntents::onFollowSystemTheme>},
     });
 };

@@ -84,6 +84,7 @@ export interface Intents {
   scanCleanables: void;
   continueComparison: void;
   stopComparison: void;
+  deleteNow: { paths: string[] };
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
   resetVelto: void;

@@ -2,6 +2,7 @@
 import { send } from '../protocol/connection.ts';
 import type { SystemActivity, SystemDetails, SystemSample } from '../protocol/protocol.ts';
 import { quitting } from './quitting.svelte.ts';
+import { session } from './session.svelte.ts';
 import { Averages, Timeline } from './timeline.ts';
 
 /** Seconds without a sample after which what is shown is no longer now. */
@@ -95,6 +96,7 @@ class Machine {
     this.coming = null;
     this.comingDetails = null;
     quitting.keep(new Set([...(sample.procs ?? []), ...(this.details?.groups ?? [])].map(({ pid }) => pid)));
+    if (sample.disk) session.space = { total: sample.disk.total, free: sample.disk.free };
     this.heardAt = performance.now();
     const time = this.stopwatch.read();
     const heard = {

@@ -102,6 +102,7 @@ function showRefusal(title: string, kind: RequestKind, refusal: Refusal): void {
 function noteOnFailure(kind: RequestKind): string {
   const words = language.words.trash;
   if (kind === 'remove') return words.nothingMoved;
+  if (kind === 'deleteNow') return words.nothingDeleted;
   return kind === 'undo' || kind === 'restore' ? words.notPutBack : words.notDeleted;
 }
 

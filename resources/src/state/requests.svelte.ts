@@ -5,7 +5,7 @@
  */
 import type { TrashItem } from '../protocol/protocol.ts';
 
-export type RequestKind = 'remove' | 'undo' | 'restore' | 'purge' | 'empty';
+export type RequestKind = 'remove' | 'undo' | 'restore' | 'purge' | 'empty' | 'deleteNow';
 /** "unclear": the trash has changed, but not in the way that was expected. */
 export type Outcome = 'done' | 'failed' | 'unclear';
 
@@ -27,6 +27,11 @@ const titles: Record<RequestKind, { done: readonly string[]; failed: readonly st
   undo: { done: [], failed: ['No se pudo deshacer', "Couldn't undo"] },
   restore: { done: [], failed: ['No se pudo restaurar', "Couldn't restore"] },
   purge: { done: ['Eliminado', 'Deleted'], failed: ['No se pudo eliminar', "Couldn't delete"] },
+  // What was deleted in part has all left its place.
+  deleteNow: {
+    done: ['Eliminado definitivamente', 'Deleted for good', 'Eliminado en parte', 'Deleted in part'],
+    failed: ['No se pudo eliminar ahora', "Couldn't delete now"],
+  },
   empty: { done: ['Papelera vaciada', 'Trash emptied'], failed: ['No se pudo vaciar', "Couldn't empty Trash"] },
 };
 
@@ -42,6 +47,7 @@ class Requests {
   readonly moving: number = $derived(
     this.waiting.reduce((sum, { kind, keys }) => sum + (kind === 'remove' ? keys.length : 0), 0),
   );
+  readonly deleting: boolean = $derived(this.waiting.some(({ kind }) => kind === 'deleteNow'));
   readonly emptying: boolean = $derived(this.waiting.some(({ kind }) => kind === 'empty'));
 
   ask(kind: RequestKind, keys: readonly string[]): Promise<Outcome> {

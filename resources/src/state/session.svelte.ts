@@ -10,9 +10,17 @@ export type Access = 'unknown' | 'granted' | 'missing';
 /** "stopping" runs still. */
 export type ScanPhase = 'idle' | 'running' | 'stopping' | 'stopped' | 'failed';
 
+/** Of the volume that holds the home, in GB. */
+export interface Space {
+  total: number;
+  free: number;
+}
+
 class Session {
   /** Null until the program has sent a state. */
   disk = $state.raw<DiskState | null>(null);
+  /** The newest figures of the disk, whoever has told them: what every view shows. Null while nobody has. */
+  space = $state.raw<Space | null>(null);
   /** When the shown analysis was made, seconds since 1970. */
   stamp = $state<number | undefined>();
   /** The first state is on screen; what the first frame can do without may follow. */
@@ -100,6 +108,13 @@ class Session {
   measureMaintenance(): void {
     this.measuring = true;
     send('measureMaintenance');
+  }
+
+  /** A state says again what it said last unless something was measured since: that is no news. */
+  receiveDisk(disk: DiskState): void {
+    const { total, free } = disk;
+    if (total > 0 && (this.disk?.total !== total || this.disk.free !== free)) this.space = { total, free };
+    this.disk = disk;
   }
 
   /** A status without measurements leaves the last ones standing: only the schedule has changed. */

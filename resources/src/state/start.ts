@@ -55,7 +55,7 @@ function isShown(state: DiskState): boolean {
 
 function showState(state: DiskState, stamp: number | undefined): void {
   // The program pushes at every load what the page has from the start already: nothing to render.
-  if (!isShown(state)) session.disk = state;
+  if (!isShown(state)) session.receiveDisk(state);
   if (stamp !== undefined) session.stamp = stamp;
   if (!reported) {
     reported = true;

@@ -55,6 +55,44 @@ describe('cleanup', () => {
     });
   });
 
+  it('on a disk with room offers no deleting for good, on one nearly full what the user has chosen of what is certain', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      await ready(opened);
+      const button = page.getByRole('button', { name: 'Delete for good…' });
+      expect(await button.count()).toBe(0);
+      await opened.tell('setState', fullState({ free: 4.2 }));
+      expect(await page.getByText('The disk is nearly full').textContent()).toContain('4.2\u00a0GB free');
+      expect(await button.getAttribute('aria-disabled'), 'what is preselected is nobody\'s choice').toBe('true');
+      await page.getByRole('button', { name: 'Clear selection' }).click();
+      expect(await button.getAttribute('aria-disabled')).toBe('true');
+      await tick(opened, /Curso de fotografía/);
+      await tick(opened, /org\.example\.Render/);
+      expect(await button.getAttribute('aria-disabled'), 'a download is only possible').toBe('true');
+      await tick(opened, /Curso de fotografía/);
+      const { x, y } = (await button.boundingBox())!;
+      expect(await opened.during(() => page.mouse.click(x + 5, y + 5))).toEqual([]);
+      const dialog = page.getByRole('dialog');
+      expect((await dialog.textContent())!.replaceAll('\u00a0', ' ')).toContain('Delete 1 item for good?');
+      expect((await dialog.textContent())!.replaceAll('\u00a0', ' ')).toContain('cannot be put back. Its applications make it again when they need it.It frees 3.4 GB now.');
+      expect(await page.evaluate(() => document.activeElement?.textContent?.trim())).toBe('Cancel');
+      expect(await opened.during(() => page.keyboard.press('Escape'))).toEqual([]);
+      await button.click();
+      expect(await opened.during(() => dialog.getByRole('button', { name: 'Delete for good' }).click()))
+        .toEqual([{ type: 'deleteNow', payload: { paths: [renderCache] } }]);
+      expect(await button.getAttribute('aria-disabled')).toBe('true');
+      await opened.tell('toast', "Couldn't delete now", 'Some of it is not certain any more.');
+      expect((await toastTexts(opened)).at(-1)).toContain('Nothing was deleted: everything is where it was.');
+      await button.click();
+      await dialog.getByRole('button', { name: 'Delete for good' }).click();
+      await opened.tell('toast', 'Deleted for good', '1 item; its space is free again.');
+      await opened.tell('setState', fullState({ free: 7.6 }));
+      expect(await page.locator(`[data-key="${renderCache}"]`).count()).toBe(0);
+      expect(await page.locator('.toast').getByRole('button', { name: 'Undo' }).count()).toBe(0);
+      expect(await button.count()).toBe(0);
+    });
+  });
+
   it('shows and proposes by what has changed inside, not by the date of the folder alone', async () => {
     await withPage(async (opened) => {
       await opened.go('limpieza');

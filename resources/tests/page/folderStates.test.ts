@@ -155,6 +155,10 @@ describe('an analysis that is stopped', () => {
     await go('ajustes');
     await tell('onExclusions', []);
     expect(await during(() => page.getByRole('button', { name: 'Exclude a folder…' }).click())).toEqual([{ type: 'chooseExclusion' }]);
+    await tell('onExcluded', '/home/marina/Proyectos');
+    await tell('toast', 'Excluded from the analysis', '/home/marina/Proyectos');
+    expect(await during(() => page.getByRole('button', { name: 'Undo' }).click()))
+      .toEqual([{ type: 'removeExclusion', payload: '/home/marina/Proyectos' }]);
     await close();
   });
 });

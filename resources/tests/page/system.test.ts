@@ -1,5 +1,6 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
+import { someTrash } from '../support/cleaning.ts';
 import { launch, open, type OpenPage } from '../support/page.ts';
 import { fullState } from '../support/states.ts';
 import { bareSample, firstSample, group, hostileSample, someActivity, someDetails, someGroups, someSample } from '../support/system.ts';
@@ -113,6 +114,33 @@ describe('the figures', () => {
       expect(plain(await card(opened, 'What the memory holds').getByRole('img').getAttribute('aria-label'))).toBe(
         'What the memory holds: Applications 5.9 GB, System 2.4 GB, Compressed 2.6 GB, Cached files 4.1 GB, and Free 2.2 GB.',
       );
+    });
+  });
+
+  it('of the disk are one and the same wherever they are shown', async () => {
+    await withPage(async (opened) => {
+      const { page } = opened;
+      const free = async (text: Promise<string | null>) => /([\d.]+ [GT]B) free/.exec(plain(await text))?.[1];
+      await opened.tell('onTrashState', someTrash());
+      await opened.go('sistema');
+      const shownEverywhere = async () => {
+        const seen = [await free(card(opened, 'Disk').textContent())];
+        await opened.go('inicio');
+        seen.push(await free(page.locator('section:has(.score)').first().textContent()));
+        await opened.go('papelera');
+        seen.push(/([\d.]+ [GT]B)/.exec(plain(await page.getByText('free now').textContent()))?.[1]);
+        await opened.go('sistema');
+        return seen;
+      };
+      await opened.tell('onSystem', someSample({ disk: { total: 994.7, free: 288.8, pct: 71 } }));
+      expect(await shownEverywhere()).toEqual(['288.8 GB', '288.8 GB', '288.8 GB']);
+      // What a state says again was not measured again.
+      await opened.tell('setState', fullState({ history: [] }));
+      expect(await shownEverywhere()).toEqual(['288.8 GB', '288.8 GB', '288.8 GB']);
+      await opened.tell('setState', fullState({ free: 290.1 }));
+      expect(await shownEverywhere()).toEqual(['290.1 GB', '290.1 GB', '290.1 GB']);
+      await opened.tell('onSystem', someSample({ disk: { total: 994.7, free: 291.5, pct: 70.7 } }));
+      expect(await shownEverywhere()).toEqual(['291.5 GB', '291.5 GB', '291.5 GB']);
     });
   });
 

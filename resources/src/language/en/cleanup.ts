@@ -55,6 +55,13 @@ export const cleanup = {
   groupSummary: (count: number, gb: number) => `${plural(count, items)} · ${size(gb)}`,
   groupLabel: (name: string, selected: number, count: number) => `${name}: ${selected} of ${plural(count, items)} selected`,
   remove: (count: number, gb: number) => `Move ${plural(count, items)}, ${size(gb)}, to Velto Trash`,
+  nearlyFull: (free: number) =>
+    `The disk is nearly full: ${size(free)} free. What goes to Velto Trash frees nothing until that is emptied. What is certain, you can also delete for good at once: select it yourself.`,
+  deleteNow: 'Delete for good…',
+  deleteTitle: (count: number) => plural(count, { one: 'Delete # item for good?', other: 'Delete # items for good?' }),
+  deleteText: 'It does not stay in Velto Trash and cannot be put back. Its applications make it again when they need it.',
+  deleteFrees: (gb: number) => `It frees ${size(gb)} now.`,
+  deleteConfirm: 'Delete for good',
   selectedOf: (count: number, all: number) => `${count} of ${plural(all, items)} selected`,
   sizeOf: (gb: number, all: number) => `${size(gb)} of ${size(all)}`,
   lookingTitle: 'Looking for what can go',

@@ -97,6 +97,7 @@ export const trash = {
   nothingToUndo: 'Nothing to undo',
   nothingToUndoText: 'Velto Trash is empty.',
   nothingMoved: 'Nothing was moved: everything is where it was.',
+  nothingDeleted: 'Nothing was deleted: everything is where it was.',
   notPutBack: 'What is not back in its place stays in Velto Trash.',
   notDeleted: 'What was not deleted stays in Velto Trash.',
   refused: {

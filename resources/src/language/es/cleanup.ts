@@ -55,6 +55,14 @@ export const cleanup: typeof english = {
   groupSummary: (count, gb) => `${plural(count, items)} · ${size(gb)}`,
   groupLabel: (name, selected, count) => `${name}: ${selected} de ${plural(count, items)} en la selección`,
   remove: (count, gb) => `Mover ${plural(count, items)}, ${size(gb)}, a la Papelera de Velto`,
+  nearlyFull: (free) =>
+    `El disco está casi lleno: ${size(free)} libres. Lo que va a la Papelera de Velto no libera nada hasta vaciarla. Lo seguro también lo puedes eliminar definitivamente y al momento: selecciónalo tú.`,
+  deleteNow: 'Eliminar definitivamente…',
+  deleteTitle: (count) =>
+    plural(count, { one: '¿Eliminar # elemento definitivamente?', other: '¿Eliminar # elementos definitivamente?' }),
+  deleteText: 'No se queda en la Papelera de Velto ni se puede recuperar. Sus aplicaciones lo vuelven a crear cuando lo necesitan.',
+  deleteFrees: (gb) => `Libera ${size(gb)} ahora.`,
+  deleteConfirm: 'Eliminar definitivamente',
   selectedOf: (count, all) => `${count} de ${all} seleccionados`,
   sizeOf: (gb, all) => `${size(gb)} de ${size(all)}`,
   lookingTitle: 'Buscando lo prescindible',

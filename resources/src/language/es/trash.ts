@@ -99,6 +99,7 @@ export const trash: typeof english = {
   nothingToUndo: 'No hay nada que deshacer',
   nothingToUndoText: 'La Papelera de Velto está vacía.',
   nothingMoved: 'No se ha movido nada: todo sigue donde estaba.',
+  nothingDeleted: 'No se ha eliminado nada: todo sigue donde estaba.',
   notPutBack: 'Lo que no ha vuelto a su sitio sigue en la Papelera de Velto.',
   notDeleted: 'Lo que no se ha eliminado sigue en la Papelera de Velto.',
   refused: {

@@ -38,6 +38,11 @@ class Cleanup {
   readonly selectedItems: Proposal[] = $derived(this.items.filter(({ path }) => this.selection.selected.has(path)));
   readonly selectedGb: number = $derived(totalGb(this.selectedItems));
 
+  /** Chosen by the user and by nobody else, and all of it is made again: it may be deleted for good. */
+  readonly mayDeleteNow: boolean = $derived(
+    this.chosen !== null && this.selectedItems.length > 0 && this.selectedItems.every(({ certain }) => certain),
+  );
+
   private readonly selectable = (path: string): boolean => this.selectableSet.has(path) && !requests.busy.has(path);
 
   constructor() {
