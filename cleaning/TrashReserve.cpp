@@ -56,8 +56,9 @@ void TrashReserve::keep(std::int64_t records) {
         }
     };
     if (hasKept(wanted)) return;
-    std::ranges::any_of(smallerSizes,
-                        [&](std::int64_t smaller) { return smaller <= size || hasKept(smaller); });
+    for (const std::int64_t smaller : smallerSizes) {
+        if (smaller <= size || hasKept(smaller)) return;
+    }
 }
 
 }  // namespace velto

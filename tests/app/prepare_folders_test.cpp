@@ -23,7 +23,7 @@ struct PrepareFolders : testing::Test {
         EXPECT_EQ(lstat(item.c_str(), &status), 0) << item;
         return status.st_mode & 07777;
     }
-    void made(const char* path, unsigned bits) {
+    void made(const char* path, mode_t bits) {
         machine.home.folder(path);
         ASSERT_EQ(chmod(machine.home.path(path).c_str(), bits), 0);
     }

@@ -1,5 +1,6 @@
 #include "bridge/GrowthIntents.h"
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "analysis/growth/GrowthKeeper.h"
