@@ -40,12 +40,17 @@ trap finish EXIT
 mount_volume "$scratch/kept" "$scratch/one"
 mount_volume "$scratch/kept-other" "$scratch/other"
 
+# Not trees as deep as they get: the volume spells every path from its root on, which such a one has
+# no room for. Nor what kills a program at each of its calls, which is another folder's business.
+tests=(--gtest_filter='-*TreeDeeper*:*Of2000Levels*:*AsDeepAsTheyGet*:TreeWalkDepth*:*Crash*:*Fault*')
+[ $# -eq 0 ] || tests=("$@")
+
 cd "$scratch/one"
 mkdir -m 1777 tmp
 status=0
 for program in platform cleaning analysis uninstall attack bridge; do
     [ -x "$build/tests/test_$program" ] || continue
     TMPDIR=$scratch/one/tmp VELTO_OTHER_VOLUME=$scratch/other \
-        "$build/tests/test_$program" --gtest_brief=1 "$@" || status=1
+        "$build/tests/test_$program" --gtest_brief=1 "${tests[@]}" || status=1
 done
 exit $status

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <initializer_list>
 
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/PosixFileManager.h"
@@ -64,7 +65,7 @@ struct OwnFolderTest : testing::Test {
         EXPECT_EQ(lstat(item.c_str(), &status), 0) << item;
         return status.st_mode & 07777;
     }
-    static void setMode(const std::string& item, unsigned bits) {
+    static void setMode(const std::string& item, mode_t bits) {
         ASSERT_EQ(chmod(item.c_str(), bits), 0) << item;
     }
     std::optional<UnsafeFolder::Reason> flaw() {
@@ -91,7 +92,7 @@ TEST_F(OwnFolderTest, ANewFolderIsForTheUserAloneWhateverTheUmask) {
 }
 
 TEST_F(OwnFolderTest, AFolderThatOthersCouldEnterIsClosed) {
-    for (const unsigned old : {0775u, 0777u, 0755u, 0750u, 0711u, 01777u}) {
+    for (const mode_t old : std::initializer_list<mode_t>{0775, 0777, 0755, 0750, 0711, 01777}) {
         home.folder("share/Velto");
         setMode(path, old);
         EXPECT_TRUE(makeOwnFolder(path)) << old;
