@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+
 #include "UninstallWorld.h"
 #include "support/made_property_list.h"
 

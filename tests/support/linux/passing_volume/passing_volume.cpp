@@ -66,7 +66,9 @@ std::string spelling(const std::string& folder, const std::string& name) {
     struct stat status {};
     if (lstat((folder + "/" + name).c_str(), &status) == 0) return name;
     std::string found = name;
-    if (DIR* const stream = opendir(folder.c_str())) {
+    // This look is nobody's.
+    const int looked = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOATIME);
+    if (DIR* const stream = looked < 0 ? opendir(folder.c_str()) : fdopendir(looked)) {
         while (const dirent* entry = readdir(stream)) {
             if (areAlike(entry->d_name, name.c_str())) found = entry->d_name;
         }
