@@ -4,6 +4,7 @@ import { launch, open, painted } from '../support/page.ts';
 import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, trashItem, withHistory } from '../support/cleaning.ts';
 import { hostileDisk, macDisk, serveFolders } from '../support/folders.ts';
+import { tellMeasurement } from '../support/measurement.ts';
 import { fullState, home, hostileState, inSpanish, manyDuplicates, manyFiles, withoutAccess } from '../support/states.ts';
 import { hostileActivity, hostileSample, someActivity, someSample } from '../support/system.ts';
 
@@ -174,6 +175,34 @@ describe('room for the list', () => {
     await opened.go('explorar');
     await opened.page.getByRole('grid').waitFor();
     expect((await opened.page.locator('.scroller').boundingBox())!.height).toBeGreaterThan(200);
+    await opened.close();
+  });
+
+  it('in the smallest window what can be done with a selection is in sight, and rows tell their names', async () => {
+    const opened = await open(browser, { saved: inSpanish(fullState()), context: { viewport: { width: 720, height: 480 } } });
+    const { page } = opened;
+    const growth = { [home]: { Library: 4_100_000_000, Movies: -900_000_000 } };
+    await serveFolders(opened, { disk: macDisk(), growth });
+    await opened.tell('onExclusions', [`${home}/Music`]);
+    await tellMeasurement(opened);
+    await tellCleaning(opened);
+    for (const view of ['duplicados', 'archivos', 'limpieza', 'explorar']) {
+      await opened.go(view);
+      await page.locator('[data-key]').first().waitFor();
+      const { y, height } = (await page.locator('.bar').boundingBox())!;
+      expect(Math.round(y + height), view).toBe(480);
+    }
+    const cut = (found: Element[]) =>
+      found.filter(({ scrollWidth, clientWidth }) => scrollWidth > clientWidth).map(({ textContent }) => textContent!.trim());
+    await page.locator('.row .growth').first().waitFor();
+    // What is said of a folder besides comes first, and may need more room than there is.
+    expect(await page.locator('.row .more:not(:has(span))').evaluateAll(cut)).toEqual([]);
+    await page.setViewportSize({ width: 1180, height: 760 });
+    await painted(page);
+    const widths = await page.locator('.row .title').evaluateAll((found) => found.map((title) => title.getBoundingClientRect().width));
+    expect(widths.length).toBeGreaterThan(5);
+    expect(Math.min(...widths)).toBeGreaterThan(30);
+    expect(await page.locator('.row .title').evaluateAll(cut)).toEqual([]);
     await opened.close();
   });
 
