@@ -23,6 +23,11 @@ constexpr std::string_view agentLabel = "app.velto.maintenance";
 /// The window's start looks after the agent on a thread of its own.
 std::recursive_mutex oneAtATime;
 
+/// Why a tool has not done what it was asked.
+std::string reasonOf(const ToolResult& result) {
+    return singleLine(result.started ? result.standardError : result.startError);
+}
+
 }  // namespace
 
 int maintenanceInterval(std::string_view frequency) {
@@ -200,11 +205,10 @@ void MaintenanceScheduler::keepGoing(std::string_view frequency) {
         const ToolResult start = platform_.tools->run(
             launchctl,
             {"kickstart", fmt::format("gui/{}/{}", platform_.userIdentifier, agentLabel)});
-        platform_.log->line(
-            start.exitStatus == 0
-                ? "Velto ▶ mantenimiento atrasado: se inicia ahora"
-                : "Velto ▶ mantenimiento atrasado, y no se pudo iniciar: " +
-                      singleLine(start.started ? start.standardError : start.startError));
+        platform_.log->line(start.exitStatus == 0
+                                ? "Velto ▶ mantenimiento atrasado: se inicia ahora"
+                                : "Velto ▶ mantenimiento atrasado, y no se pudo iniciar: " +
+                                      reasonOf(start));
     } catch (const std::exception& error) {
         platform_.log->line("Velto ▶ el agente de mantenimiento no se pudo revisar: " +
                             singleLine(error.what()));
@@ -245,7 +249,11 @@ void MaintenanceScheduler::remove() {
     if (isInstalled()) {
         // A tool that cannot be started has nothing loaded; the files have to go all the same.
         if (isAgent()) {
-            platform_.tools->run(launchctl, {"unload", platform_.layout.agentFile});
+            const ToolResult unload =
+                platform_.tools->run(launchctl, {"unload", platform_.layout.agentFile});
+            if (unload.exitStatus != 0) {
+                platform_.log->line("Velto ▶ launchctl unload: " + reasonOf(unload));
+            }
         } else {
             const std::string timer(lastPathComponent(platform_.layout.agentFile));
             systemctl({"disable", "--now", timer});

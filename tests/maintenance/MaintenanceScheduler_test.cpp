@@ -144,6 +144,15 @@ TEST_F(SchedulerTest, AProgramThatWillNotStayIsNotScheduled) {
     EXPECT_THAT(machine.tools.commands, IsEmpty());
 }
 
+TEST_F(SchedulerTest, AnAgentThatCannotBeUnloadedGoesAllTheSameAndIsLogged) {
+    scheduler.install("daily");
+    tools().answers["unload"] = failed("Unload failed: 5: Input/output error");
+    scheduler.remove();
+    EXPECT_FALSE(scheduler.isInstalled());
+    EXPECT_TRUE(
+        machine.log.holds("Velto ▶ launchctl unload: Unload failed: 5: Input/output error"));
+}
+
 /// What is done at the start of the window.
 struct KeepGoing : SchedulerTest {
     static constexpr double day = 86400;
