@@ -113,7 +113,7 @@ TEST_F(StaleTemporaries, WhereThereAreNoLocksSavesGoOnAndNothingIsSwept) {
 
 TEST_F(StaleTemporaries, OnlyOwnFilesOfExactlyThatFormGo) {
     const std::vector<std::string> kept{".velto-0123456789abcde",  ".velto-0123456789abcdef0",
-                                        ".velto-0123456789ABCDEF", ".velto-0123456789abcdeg",
+                                        ".velto-9876543210ABCDEF", ".velto-0123456789abcdeg",
                                         "velto-0123456789abcdef",  "history.json",
                                         ".velto-itA1B2C3D4"};
     for (const std::string& name : kept)

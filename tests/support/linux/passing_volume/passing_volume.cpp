@@ -77,7 +77,9 @@ std::string spelling(const std::string& folder, const std::string& name) {
     return found;
 }
 
+/// Nowhere for a file that is open and has lost its name.
 std::string place(const char* path) {
+    if (path == nullptr) return "";
     if (!ignoresSpelling()) return root + path;
     std::string found = root;
     for (std::string rest = path; rest.size() > 1;) {
@@ -148,9 +150,11 @@ void* begin(fuse_conn_info*, fuse_config* config) {
     return nullptr;
 }
 
-int getAttributes(const char* path, struct stat* status, fuse_file_info*) {
+int getAttributes(const char* path, struct stat* status, fuse_file_info* info) {
     return look([&] {
-        const int result = answer(lstat(place(path).c_str(), status));
+        const bool isOpen = path == nullptr && info != nullptr;
+        const int result = answer(isOpen ? fstat(static_cast<int>(info->fh), status)
+                                         : lstat(place(path).c_str(), status));
         showAs(*status);
         return result;
     });
@@ -229,8 +233,12 @@ int changeOwner(const char* path, uid_t user, gid_t group, fuse_file_info*) {
     });
 }
 
-int resize(const char* path, off_t size, fuse_file_info*) {
-    return change([&] { return answer(truncate(place(path).c_str(), size)); });
+int resize(const char* path, off_t size, fuse_file_info* info) {
+    return change([&] {
+        const bool isOpen = path == nullptr && info != nullptr;
+        return answer(isOpen ? ftruncate(static_cast<int>(info->fh), size)
+                             : truncate(place(path).c_str(), size));
+    });
 }
 
 int setTimes(const char* path, const timespec times[2], fuse_file_info*) {
