@@ -18,10 +18,8 @@ const look = (page: Page, selector: string, part?: string) =>
   page.locator(selector).first().evaluate((element, pseudo) => {
     const style = getComputedStyle(element, pseudo);
     const { color, borderTopWidth, outlineStyle, inlineSize, height } = style;
-    // A forced colour keeps how clear it was: the page, of the same colour, is seen through it.
-    const canvas = getComputedStyle(document.body).backgroundColor;
-    const isClear = (one: string) => one.startsWith('rgba(');
-    const backgroundColor = isClear(style.backgroundColor) ? (isClear(canvas) ? 'rgb(255, 255, 255)' : canvas) : style.backgroundColor;
+    // A forced background keeps how clear it was; the page, of the same white, is seen through it.
+    const backgroundColor = style.backgroundColor.replace(/^rgba\(255, 255, 255, .*|^rgba\(.*, 0\)$/, 'rgb(255, 255, 255)');
     return { backgroundColor, color, borderTopWidth, outlineStyle, inlineSize, height, row: getComputedStyle(element).height };
   }, part);
 
