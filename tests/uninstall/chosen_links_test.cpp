@@ -7,6 +7,7 @@
 
 #include "UninstallWorld.h"
 #include "support/tree_text.h"
+#include "support/volumes.h"
 #include "uninstall/Leftovers.h"
 
 namespace velto {
@@ -46,6 +47,7 @@ protected:
 class LinkOnALinuxHome : public ChosenLink {
 protected:
     void SetUp() override {
+        if (!tellsCaseApart(home.path())) GTEST_SKIP() << "two spellings lead to the one link here";
         fs::remove_all(home.path("Library"));
         machine.platform.layout = HomeLayout::freedesktop(
             home.path(), [](const std::string&) { return std::nullopt; }, "");
