@@ -18,6 +18,7 @@
 #include "analysis/ScannerService.h"
 #include "platform/values/text.h"
 #include "support/TestPlatform.h"
+#include "support/volumes.h"
 
 namespace velto {
 namespace {
@@ -72,7 +73,8 @@ std::map<std::string, Sum> sumsIn(const FolderTree& tree) {
 /// links, deep chains.
 class Grove {
 public:
-    Grove(TempHome& home, unsigned seed) : home_(home), random_(seed) {}
+    Grove(TempHome& home, unsigned seed)
+        : home_(home), random_(seed), anyBytes_(takesNamesOfAnyBytes(home.path())) {}
 
     void grow() {
         for (int index = 0; index < 40; ++index)
@@ -89,7 +91,7 @@ private:
     unsigned upTo(unsigned bound) { return static_cast<unsigned>(random_() % bound); }
 
     std::string name() {
-        static constexpr std::array prefixes{"", ".", "a", "a-", "z ", "\xFF", "ñ"};
+        const std::array prefixes{"", ".", "a", "a-", "z ", anyBytes_ ? "\xFF" : "y", "ñ"};
         return prefixes.at(upTo(prefixes.size())) + std::to_string(++count_);
     }
 
@@ -123,6 +125,7 @@ private:
 
     TempHome& home_;
     std::minstd_rand random_;
+    bool anyBytes_;
     std::vector<std::string> folders_;
     std::vector<std::string> files_;
     int count_ = 0;
