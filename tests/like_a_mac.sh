@@ -43,6 +43,8 @@ mount_volume "$scratch/kept-other" "$scratch/other"
 # Not what a Mac does not run. Nor paths as long as they get: the volume spells every one from its root
 # on, and has no room for those. Nor what kills a program at each of its calls: another folder's business.
 left_out='*TreeDeeper*:*Of2000Levels*:*AsDeepAsTheyGet*:*OfAnyLength*:*100000Bytes*:TreeWalkDepth*:*Crash*:*Fault*'
+# Linux copies between two such volumes inside the kernel, in one go; a Mac does not.
+left_out+=':ChangingSource.ABigFileThatBecomesShorterWhileItIsCopiedStays'
 while read -r suite; do
     left_out+=":*$suite.*"
 done < <(grep -hoE '^TEST(_F|_P)?\(\w+' "$root"/tests/*/linux/*_test.cpp | sed 's/.*(//' | sort -u)
