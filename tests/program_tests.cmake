@@ -55,6 +55,8 @@ target_link_libraries(clipboard_text PRIVATE PkgConfig::GTK velto_options)
 # What a screen reader asks of the page.
 add_executable(screen_reader e2e/support/screen_reader.cpp)
 target_link_libraries(screen_reader PRIVATE PkgConfig::GIO nlohmann_json::nlohmann_json velto_options)
+add_custom_target(test_helpers
+    DEPENDS notification_service load drag_source clipboard_text screen_reader)
 
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)

@@ -11,7 +11,7 @@ run_tests() {
         compile release velto
         attach_second_volume
     else
-        compile release velto notification_service load drag_source clipboard_text
+        compile release velto test_helpers
     fi
     combine_tests asan tsan release
     say "Testing"
