@@ -78,9 +78,11 @@ test('an application is quit from the list, and one that stays open is ended onl
   const willing = await run(t, keeper, 'hold', megabytes);
   const stubborn = await run(t, clinger, 'stubborn', megabytes);
   const hasEnded = ({ exitCode, signalCode }) => exitCode !== null || signalCode !== null;
-  // High enough for the rows to be in sight, whatever else weighs much meanwhile.
-  const page = await openGuided(t, home, { size: { width: 1180, height: 1500 } });
+  const page = await openGuided(t, home);
   await page.click('System');
+  await page.sees('What weighs most');
+  // The rows come into sight, whatever else weighs much meanwhile.
+  await page.desktop.scrollDown(600, 400, 30);
 
   await page.click('Quit Archive Keeper');
   await willing.ended;
@@ -104,7 +106,7 @@ test('samples are asked for by the view that shows them, and stopped when it is 
   assert.equal(page.intents('systemWatch'), 0);
   await page.click('System');
   await told({ on: true });
-  await page.sees('Battery None This computer runs without one.');
+  await page.sees('Battery None The system reports no battery.');
   await page.click('Overview');
   await told({ on: false });
   assert.equal(page.intents('systemWatch'), 2);

@@ -125,6 +125,11 @@ export async function startDesktop({ width = 1180, height = 760 } = {}) {
       await this.input('mousemove', x, y, 'click', 1);
     },
 
+    /** Turns the wheel down by so many notches where the pointer is then. */
+    async scrollDown(x, y, notches) {
+      await this.input('mousemove', x, y, 'click', '--repeat', notches, 5);
+    },
+
     /** Answers the dialog of this title, which asks for a folder, by typing the folder's path. */
     async chooseFolder(title, folder) {
       // No window manager gives the keyboard to a window that opens.

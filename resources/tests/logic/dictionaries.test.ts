@@ -16,6 +16,7 @@ function entries(value: unknown, path: string[] = []): [path: string, value: unk
 const shared = [
   'overview.places.safari', 'overview.places.icloud', 'overview.places.mail',
   'settings.general', 'apps.storeElsewhere', 'system.thermalStates.nominal',
+  'system.looks.minutes.name', 'system.looks.hour.name',
 ];
 
 describe('dictionaries', () => {

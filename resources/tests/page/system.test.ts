@@ -264,7 +264,7 @@ describe('what is told beside a sample', () => {
       expect(await opened.page.getByText('The system tells Velto nothing').count()).toBe(0);
       await opened.tell('onSystemDetails', someDetails({ unseen: ['processes', 'temperature'] }));
       await opened.tell('onSystem', someSample());
-      expect(await opened.page.getByText('The system tells Velto nothing of processes that are not yours and the temperature.').isVisible()).toBe(true);
+      expect(await opened.page.getByText('The system tells Velto nothing of processes that are not yours and the temperature in degrees.').isVisible()).toBe(true);
     });
   });
 

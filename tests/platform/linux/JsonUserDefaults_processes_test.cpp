@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/posix/PosixFileManager.h"
@@ -30,17 +32,22 @@ TEST(SettingsOfTwoProcesses, AreAllThereInTheEnd) {
     const TempHome home;
     constexpr int processes = 3;
     constexpr int changes = 40;
+    std::vector<pid_t> children;
     for (int process = 0; process < processes; ++process) {
-        if (fork() != 0) continue;
+        if (const pid_t child = fork(); child != 0) {
+            children.push_back(child);
+            continue;
+        }
         SettingsOwner owner(home);
         for (int number = 0; number < changes; ++number) {
             owner.store.setValue(std::to_string(process) + "." + std::to_string(number), true);
         }
         _exit(owner.log.lines().empty() ? 0 : 1);
     }
-    for (int process = 0; process < processes; ++process) {
+    for (const pid_t child : children) {
         int status = 0;
-        ASSERT_GT(wait(&status), 0);
+        // Another test's child may end meanwhile.
+        ASSERT_EQ(waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0) << "a setting could not be stored";
     }
     SettingsOwner owner(home);

@@ -122,7 +122,7 @@ export const systemWords = {
   unseen: (parts: string) => `The system tells Velto nothing of ${parts}.`,
   unseenParts: {
     processes: 'processes that are not yours',
-    temperature: 'the temperature',
+    temperature: 'the temperature in degrees',
     graphics: 'the load of the graphics processor',
   },
 };

@@ -121,7 +121,7 @@ export const systemWords: typeof english = {
   unseen: (parts) => `El sistema no le dice nada a Velto de ${parts}.`,
   unseenParts: {
     processes: 'los procesos que no son tuyos',
-    temperature: 'la temperatura',
+    temperature: 'la temperatura en grados',
     graphics: 'la carga del procesador gráfico',
   },
 };
