@@ -14,10 +14,8 @@ std::unique_ptr<FolderHandle> openIn(FileMover& mover, const FolderHandle& above
     return folder;
 }
 
-/// Nothing stands at the name; somebody may have taken it away just now.
-bool isMissing(FileMover& mover, const FolderHandle& above, const std::string& path,
-               const FileError& error) {
-    return error.code() == ENOENT && !mover.attributes(above, std::string(lastPathComponent(path)));
+bool isMissing(FileMover& mover, const FolderHandle& above, const std::string& path) {
+    return !mover.attributes(above, std::string(lastPathComponent(path)));
 }
 
 }  // namespace
@@ -37,9 +35,10 @@ std::unique_ptr<FolderHandle> openOwnFolder(FileMover& mover, const std::string&
     try {
         return openIn(mover, *above, path);
     } catch (const FileError& error) {
-        if (isMissing(mover, *above, path, error)) return nullptr;
-        throw;
+        if (error.code() != ENOENT) throw;
+        if (isMissing(mover, *above, path)) return nullptr;
     }
+    return openIn(mover, *above, path);  // made between the two looks
 }
 
 std::unique_ptr<FolderHandle> makeOwnFolder(FileMover& mover, const std::string& path) {
@@ -47,7 +46,7 @@ std::unique_ptr<FolderHandle> makeOwnFolder(FileMover& mover, const std::string&
     try {
         return openIn(mover, *above, path);
     } catch (const FileError& error) {
-        if (!isMissing(mover, *above, path, error)) throw;
+        if (error.code() != ENOENT) throw;
     }
     try {
         mover.makeFolder(*above, std::string(lastPathComponent(path)));
