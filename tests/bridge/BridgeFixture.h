@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
+
 #include "bridge/JSBridge.h"
 #include "support/FakeWebView.h"
 #include "support/TestPlatform.h"
@@ -27,14 +29,15 @@ struct BridgeFixture : testing::Test {
     FakeApplicationShell shell;
     std::shared_ptr<FakeWebView> page = std::make_shared<FakeWebView>();
     std::shared_ptr<JSBridge> bridge;
-    int questions = 0;  // whether notifications may be shown
+    int questions = 0;                     // whether notifications may be shown
+    std::optional<WorkProgress> progress;  // where a test looks at the task bar; before `open`
 
     /// Makes the bridge and attaches the page, as opening the window does. The trash is read by the
     /// time that the page has loaded.
     void open() {
         cleanups = std::make_unique<CleanupQueue>(
             *machine.platform.dispatcher,
-            CleanupServices{.trash = trash, .history = history, .cloud = cloud});
+            CleanupServices{.trash = trash, .history = history, .cloud = cloud}, progress);
         openAnother();
         if (auto* queues = dynamic_cast<FakeDispatcher*>(machine.platform.dispatcher.get())) {
             queues->runAll();
@@ -42,15 +45,17 @@ struct BridgeFixture : testing::Test {
     }
 
     void openAnother() {
-        bridge = std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
-                                                          .settings = settings,
-                                                          .language = language,
-                                                          .exclusions = exclusions,
-                                                          .shell = shell,
-                                                          .usage = usage,
-                                                          .cleanups = *cleanups,
-                                                          .uninstalls = uninstalls,
-                                                          .askToNotify = [this] { ++questions; }});
+        bridge =
+            std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
+                                                     .settings = settings,
+                                                     .language = language,
+                                                     .exclusions = exclusions,
+                                                     .shell = shell,
+                                                     .usage = usage,
+                                                     .cleanups = *cleanups,
+                                                     .uninstalls = uninstalls,
+                                                     .askToNotify = [this] { ++questions; },
+                                                     .progress = progress ? &*progress : nullptr});
         bridge->attach(page);
     }
 

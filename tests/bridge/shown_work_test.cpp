@@ -12,22 +12,8 @@ using testing::IsEmpty;
 
 struct ShownWork : AppsFixture {
     void SetUp() override {
+        progress.emplace(machine.dispatcher, machine.clock).show(&taskBar);
         AppsFixture::SetUp();
-        progress.show(&taskBar);
-        cleanups = std::make_unique<CleanupQueue>(
-            *machine.platform.dispatcher,
-            CleanupServices{.trash = trash, .history = history, .cloud = cloud}, progress);
-        bridge = std::make_shared<JSBridge>(BridgeContext{.platform = machine.platform,
-                                                          .settings = settings,
-                                                          .language = language,
-                                                          .exclusions = exclusions,
-                                                          .shell = shell,
-                                                          .usage = usage,
-                                                          .cleanups = *cleanups,
-                                                          .uninstalls = uninstalls,
-                                                          .progress = &progress});
-        bridge->attach(page);
-        machine.dispatcher.runAll();
     }
 
     /// Time passes in which no work comes to its end.
@@ -38,7 +24,6 @@ struct ShownWork : AppsFixture {
     }
 
     FakeTaskBar taskBar;
-    WorkProgress progress{machine.dispatcher, machine.clock};
 };
 
 TEST_F(ShownWork, AnAnalysisUntilItHasEnded) {

@@ -6,7 +6,6 @@
 #include <mutex>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -49,6 +48,29 @@ private:
     std::size_t most_ = 0;
     std::mutex lock_;
     std::condition_variable arrived_;
+};
+
+/// How often the pace has been asked, which reads can wait for: a walk then takes as many ticks as
+/// a test wants, however fast the machine is.
+class Ticks {
+public:
+    std::size_t next() {
+        const std::lock_guard guard(lock_);
+        passed_.notify_all();
+        return ++count_;
+    }
+
+    void await(std::size_t count) {
+        std::unique_lock guard(lock_);
+        passed_.wait(guard, [&] { return count_ >= count; });
+    }
+
+    std::size_t count() const { return count_; }
+
+private:
+    std::size_t count_ = 0;
+    std::mutex lock_;
+    std::condition_variable passed_;
 };
 
 struct TreeWalkThreadsTest : testing::Test {
@@ -101,27 +123,27 @@ TEST_F(TreeWalkThreadsTest, ThoseOfABusyWalkStayAlone) {
 // Joining, pausing and resuming in every order that the moment brings about: each file is met once,
 // and the walk ends.
 TEST_F(TreeWalkThreadsTest, WhateverThePaceNothingIsMetTwiceOrMissed) {
-    for (int round = 0; round < 2; ++round) {
-        int asked = 0;
-        double used = 0;
-        options.firstThreads = 1;
-        options.processorTime = [&] { return ++asked % 3 == 0 ? used : used += 1000; };
-        reader.beforeRead = [](const auto&) { std::this_thread::sleep_for(2ms); };
-        EXPECT_EQ(walk(6), folders);
-        EXPECT_GT(asked, 2);
-    }
+    Ticks ticks;
+    std::atomic<std::size_t> read{0};
+    double used = 0;
+    options.firstThreads = 1;
+    options.processorTime = [&] { return ticks.next() % 3 == 0 ? used : used += 1000; };
+    reader.beforeRead = [&](const auto&) { ticks.await(++read / 40); };
+    EXPECT_EQ(walk(6), folders);
+    EXPECT_GE(ticks.count(), 10U);
 }
 
 TEST_F(TreeWalkThreadsTest, AFailureEndsThoseThatPauseToo) {
+    Ticks ticks;
+    std::atomic<std::size_t> read{0};
     double used = 0;
-    int asked = 0;
     options.firstThreads = 1;
     // All join, then all but one pause.
-    options.processorTime = [&] { return ++asked < 5 ? used : used += 1000; };
-    std::atomic<std::size_t> read{0};
+    options.processorTime = [&] { return ticks.next() < 5 ? used : used += 1000; };
     reader.beforeRead = [&](const auto&) {
-        std::this_thread::sleep_for(4ms);
-        if (++read == folders) throw std::runtime_error("the reader fails");
+        const std::size_t number = ++read;
+        ticks.await(number / 20);
+        if (number == folders) throw std::runtime_error("the reader fails");
     };
     EXPECT_THROW(walk(6), std::runtime_error);
 }
