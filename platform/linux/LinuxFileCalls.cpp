@@ -17,6 +17,7 @@
 
 #include "platform/linux/mount_table.h"
 #include "platform/posix/FileCalls.h"
+#include "platform/posix/attribute_names.h"
 #include "platform/posix/uninterrupted.h"
 
 namespace velto {
@@ -109,9 +110,7 @@ int FileCalls::copyAttributes(int from, int to) {
     std::string names;
     if (!attributeNames(from, names)) return -1;
     std::string value;
-    for (std::string_view rest = names; !rest.empty();) {
-        const std::string name(rest.substr(0, rest.find('\0')));
-        rest.remove_prefix(name.size() + 1);
+    for (const std::string& name : attributeNamesIn(names)) {
         if (std::ranges::find(accessLists, name) != accessLists.end()) continue;
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENODATA || mayBeLeftOut(name)) continue;
@@ -130,9 +129,7 @@ int FileCalls::holdsAttributes(int from, int to) {
     if (!attributeNames(from, names)) return -1;
     std::string value;
     std::string kept;
-    for (std::string_view rest = names; !rest.empty();) {
-        const std::string name(rest.substr(0, rest.find('\0')));
-        rest.remove_prefix(name.size() + 1);
+    for (const std::string& name : attributeNamesIn(names)) {
         if (!name.starts_with("user.")) continue;  // may differ from place to place
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENODATA) continue;

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "platform/posix/FileCalls.h"
+#include "platform/posix/attribute_names.h"
 #include "platform/posix/mac_attributes.h"
 #include "platform/posix/same_state.h"
 
@@ -77,9 +78,7 @@ int FileCalls::copyAttributes(int from, int to) {
     std::string names;
     if (!attributeNames(from, names)) return -1;
     std::string value;
-    for (std::string_view rest = names; !rest.empty();) {
-        const std::string name(rest.substr(0, rest.find('\0')));
-        rest.remove_prefix(name.size() + 1);
+    for (const std::string& name : attributeNamesIn(names)) {
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENOATTR || mayStayBehindOnMac(name, errno)) continue;
             return -1;
@@ -97,9 +96,7 @@ int FileCalls::holdsAttributes(int from, int to) {
     if (!attributeNames(from, names)) return -1;
     std::string value;
     std::string kept;
-    for (std::string_view rest = names; !rest.empty();) {
-        const std::string name(rest.substr(0, rest.find('\0')));
-        rest.remove_prefix(name.size() + 1);
+    for (const std::string& name : attributeNamesIn(names)) {
         if (isAttributeOfMacSystem(name)) continue;
         if (!readAttribute(from, name.c_str(), value)) {
             if (errno == ENOATTR) continue;
