@@ -14,6 +14,7 @@
 #include "bridge/failure_text.h"
 #include "cleaning/HistoryRecords.h"
 #include "cleaning/TrashRecords.h"
+#include "maintenance/holdings.h"
 #include "platform/Platform.h"
 
 namespace velto {
@@ -40,6 +41,7 @@ struct CleanupOutcome {
     // As all is when the item ends.
     std::vector<TrashItem> trash;                    // oldest first
     std::map<std::string, std::int64_t> trashBytes;  // by id, where that is known
+    std::vector<HeldItem> held;                      // what the maintenance has moved there
     std::vector<WaitingItem> waiting;
     std::vector<HistoryEntry> history;
     VolumeFigures volume;

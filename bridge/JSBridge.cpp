@@ -10,6 +10,7 @@
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/LeftBehindIntent.h"
+#include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
@@ -70,9 +71,10 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     const auto apps = std::make_shared<AppsWork>(platform_, context.usage);
     accessIntents_ = std::make_shared<AccessIntents>(
         AccessIntents::Context{link, state, platform_, permissions_, shell_, language_});
-    settingsIntents_ = std::make_shared<SettingsIntents>(
-        SettingsIntents::Context{link, state, platform_, settings_, language_, permissions_,
-                                 exclusions_, context.askToNotify});
+    maintenanceIntents_ = std::make_shared<MaintenanceIntents>(
+        MaintenanceIntents::Context{link, state, platform_, settings_, permissions_, exclusions_});
+    settingsIntents_ = std::make_shared<SettingsIntents>(SettingsIntents::Context{
+        link, platform_, settings_, language_, *maintenanceIntents_, context.askToNotify});
     trashIntents_ = std::make_shared<TrashIntents>(
         TrashIntents::Context{link, platform_, settings_, language_, shell_, lists_});
     selectionIntents_ =

@@ -53,6 +53,7 @@ class GrowthIntents;
 class ExclusionIntents;
 class DeleteNowIntent;
 class LeftBehindIntent;
+class MaintenanceIntents;
 class MeasurementIntents;
 class PackageIntents;
 class QuitIntents;
@@ -175,6 +176,7 @@ private:
     bool isWaitingForTrash_ = false;               // the page has loaded first
     int resetsAhead_ = 0;                          // asked for and not done yet
     std::shared_ptr<AccessIntents> accessIntents_;
+    std::shared_ptr<MaintenanceIntents> maintenanceIntents_;
     std::shared_ptr<SettingsIntents> settingsIntents_;
     std::shared_ptr<TrashIntents> trashIntents_;
     std::shared_ptr<SelectionIntents> selectionIntents_;

@@ -6,9 +6,8 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "bridge/events.h"
+#include "bridge/MaintenanceIntents.h"
 #include "bridge/failure_text.h"
-#include "maintenance/MaintenanceStatus.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -54,7 +53,7 @@ void SettingsIntents::onSettings(const Payload& payload) {
                     context_.settings.autoMaintenance() ? "sí" : "no"));
     applyMaintenance(frequencyBefore);
     context_.link.showSettings();
-    onMaintenanceStatus({});
+    context_.maintenance.tell();
 }
 
 void SettingsIntents::applyMaintenance(const std::string& frequencyBefore) {
@@ -79,33 +78,6 @@ void SettingsIntents::applyMaintenance(const std::string& frequencyBefore) {
                             "Automatic maintenance couldn't be set up",
                             context_.language.text(reason.spanish, reason.english));
     }
-}
-
-void SettingsIntents::onMaintenanceStatus(const Payload&) {
-    context_.link.evaluate(events::maintenance(
-        toJson(maintenanceStatus(context_.platform, context_.settings.frequency()))));
-}
-
-/// Measuring takes a while; one is enough at a time.
-void SettingsIntents::onMeasureMaintenance(const Payload&) {
-    if (context_.state.maintenanceMeasuring) return;
-    context_.state.maintenanceMeasuring = true;
-    Platform& platform = context_.platform;
-    const MaintenanceRules::Limits limits{.hasAccess = context_.permissions.hasAccess(),
-                                          .excluded = context_.exclusions.paths()};
-    platform.dispatcher->global(
-        QualityOfService::userInitiated,
-        [&platform, limits, frequency = context_.settings.frequency(), weak = weak_from_this()] {
-            if (weak.expired()) return;
-            MaintenanceStatus status = maintenanceStatus(platform, frequency);
-            measureRules(status, platform, limits);
-            platform.dispatcher->main([weak, script = events::maintenance(toJson(status))] {
-                const auto self = weak.lock();
-                if (!self) return;
-                self->context_.state.maintenanceMeasuring = false;
-                self->context_.link.evaluate(script);
-            });
-        });
 }
 
 }  // namespace velto

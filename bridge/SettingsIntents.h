@@ -1,13 +1,9 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 
-#include "analysis/ExclusionService.h"
-#include "analysis/PermissionService.h"
 #include "bridge/BridgeLink.h"
-#include "bridge/BridgeState.h"
 #include "bridge/payload.h"
 #include "maintenance/MaintenanceScheduler.h"
 #include "platform/Platform.h"
@@ -16,19 +12,18 @@
 
 namespace velto {
 
-/// The intents that change the settings, and those that ask about automatic maintenance. Main
-/// thread. Make it with std::make_shared.
-class SettingsIntents : public std::enable_shared_from_this<SettingsIntents> {
+class MaintenanceIntents;
+
+/// The intents that change the settings. Main thread.
+class SettingsIntents {
 public:
     /// Everything outlives the object, which belongs to the bridge behind `link`.
     struct Context {
         BridgeLink& link;
-        BridgeState& state;
         Platform& platform;
         VeltoSettings& settings;
         AppLanguage& language;
-        const PermissionService& permissions;
-        const ExclusionService& exclusions;
+        MaintenanceIntents& maintenance;
         std::function<void()> askToNotify = nullptr;  // may be none
     };
 
@@ -36,8 +31,6 @@ public:
         : context_(context), scheduler_(context.platform) {}
 
     void onSettings(const Payload& payload);
-    void onMaintenanceStatus(const Payload& payload);
-    void onMeasureMaintenance(const Payload& payload);
 
 private:
     void applyMaintenance(const std::string& frequencyBefore);

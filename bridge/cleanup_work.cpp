@@ -6,6 +6,7 @@
 #include "bridge/CleanupOutcome.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 #include "bridge/selection_events.h"
@@ -77,6 +78,8 @@ std::shared_ptr<const CleanupOutcome> carryOut(
     outcome->returned = services.trash.takeReturned();
     outcome->trash = services.trash.items();
     outcome->trashBytes = services.trash.exactSizes();
+    outcome->held = heldItems(outcome->trash, services.trash.operations(), outcome->trashBytes,
+                              TakenItems(*platform.files, platform.layout));
     outcome->waiting = services.trash.waitingItems();
     outcome->history = services.history.entries();
     outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
@@ -130,6 +133,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     trash_ = outcome.trash;
     measurementIntents_->takeTrash(outcome.trashBytes);
     folderIntents_->takeTrash(outcome);
+    const bool hasHeldChanged = maintenanceIntents_->takeHeld(outcome.held);
     const bool hadWaiting = !waiting_.empty();
     waiting_ = outcome.waiting;
     history_ = outcome.history;
@@ -147,6 +151,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
         if (hadWaiting || !waiting_.empty()) evaluate(events::trashWaiting(waiting_));
         pushTrash();
     }
+    if (hasHeldChanged) maintenanceIntents_->tell();
     if (hasTrashChanged || hasStateChanged) pushState();
     measurementIntents_->tellNewTrash();
 }

@@ -11,6 +11,7 @@
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
+#include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
 #include "bridge/QuitIntents.h"
@@ -43,6 +44,7 @@ struct IntentTable {
     static constexpr auto access = &JSBridge::accessIntents_;
     static constexpr auto apps = &JSBridge::appIntents_;
     static constexpr auto settings = &JSBridge::settingsIntents_;
+    static constexpr auto maintenance = &JSBridge::maintenanceIntents_;
     static constexpr auto system = &JSBridge::systemIntents_;
     static constexpr auto cleaning = &JSBridge::cleaningIntents_;
     static constexpr auto trash = &JSBridge::trashIntents_;
@@ -86,8 +88,11 @@ struct IntentTable {
         {"setAutoMaintenance", at<settings, &SettingsIntents::onSettings>},
         {"exclusions", at<exclusions, &ExclusionIntents::onExclusions>},
         {"removeExclusion", at<exclusions, &ExclusionIntents::onRemoveExclusion>},
-        {"maintenanceStatus", at<settings, &SettingsIntents::onMaintenanceStatus>},
-        {"measureMaintenance", at<settings, &SettingsIntents::onMeasureMaintenance>},
+        {"maintenanceStatus", at<maintenance, &MaintenanceIntents::onMaintenanceStatus>},
+        {"measureMaintenance", at<maintenance, &MaintenanceIntents::onMeasureMaintenance>},
+        {"foretellCaches", at<maintenance, &MaintenanceIntents::onForetellCaches>},
+        {"keepCaches", at<maintenance, &MaintenanceIntents::onKeepCaches>},
+        {"fullDiskNotice", at<maintenance, &MaintenanceIntents::onFullDiskNotice>},
         {"restoreItemTo", at<trash, &TrashIntents::onRestoreItemTo>},
         {"appPackage", at<packages, &PackageIntents::onAppPackage>},
         {"removePackage", at<packages, &PackageIntents::onRemovePackage>},

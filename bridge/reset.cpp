@@ -7,8 +7,8 @@
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
+#include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
-#include "bridge/SettingsIntents.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
 #include "cleaning/own_folder.h"
@@ -182,7 +182,7 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     growthIntents_->tellAnew();
     measurementIntents_->forget();
     evaluate(events::exclusions(exclusions_.paths()));
-    settingsIntents_->onMaintenanceStatus({});  // nothing is scheduled any more
+    maintenanceIntents_->tell();  // nothing is scheduled any more
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",
               language_.text(remains->spanish, remains->english));

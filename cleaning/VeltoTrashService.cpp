@@ -133,19 +133,21 @@ std::vector<FileError> VeltoTrashService::erase(const std::function<void(bool is
     return failures;
 }
 
-double VeltoTrashService::purgeExpired(std::int64_t retentionDays) {
+double VeltoTrashService::purgeExpired(std::int64_t retentionDays, const OwnRetention& own) {
     try {
-        return purge(clock_.now() - static_cast<double>(retentionDays) * secondsPerDay);
+        return purge(retentionDays, own);
     } catch (const FileError&) {
         return 0;  // out of reach: what is expired now still is at the next purge
     }
 }
 
-double VeltoTrashService::purge(double cutoff) {
+double VeltoTrashService::purge(std::int64_t retentionDays, const OwnRetention& own) {
     const Change change = begin();
+    const double now = clock_.now();
     std::vector<TrashItem> expired;
     std::ranges::copy_if(lists_.items, std::back_inserter(expired), [&](const TrashItem& item) {
-        return item.taken < cutoff &&
+        const std::int64_t days = own ? std::min(own(item), retentionDays) : retentionDays;
+        return item.taken < now - static_cast<double>(days) * secondsPerDay &&
                !folder_.isUnderWay(item, folder_.openOperation(item.opID).get());
     });
     if (expired.empty()) return 0;

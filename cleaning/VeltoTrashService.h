@@ -91,10 +91,14 @@ public:
     /// when another process goes on using it: then nothing was done.
     std::vector<FileError> erase(const std::function<void(bool isGone)>& alongside);
 
-    /// Deletes for good what was moved in more than that many days ago, and returns the GB freed
-    /// (as the disk counts them, not rounded). What resists is forgotten all the same. Never
-    /// throws; a trash that is out of reach is left to the next purge.
-    double purgeExpired(std::int64_t retentionDays);
+    /// Days that an item is kept; more than everything is are not granted.
+    using OwnRetention = std::function<std::int64_t(const TrashItem& item)>;
+
+    /// Deletes for good what was moved in more than that many days ago, or than its own where
+    /// `own` (which may be empty) gives it fewer, and returns the GB freed (as the disk counts
+    /// them, not rounded). What resists is forgotten all the same. Never throws; a trash that is
+    /// out of reach is left to the next purge.
+    double purgeExpired(std::int64_t retentionDays, const OwnRetention& own = {});
 
     /// What items take up, in bytes by their ids, as far as that is known better than their `gb`
     /// tells: files are looked at in the trash, once each; a folder's size is told where it was
@@ -181,7 +185,7 @@ private:
                  const std::string& targetPath, JournalEntry& entry, Change& change);
 
     void removeItem(const FolderHandle& operation, const TrashItem& item, const Change& change);
-    double purge(double cutoff);
+    double purge(std::int64_t retentionDays, const OwnRetention& own);
     const TrashItem& itemWith(const std::string& id) const;
     void forget(const std::vector<TrashItem>& gone);
     std::string lockPath() const { return layout_.trashFolder + ".lock"; }

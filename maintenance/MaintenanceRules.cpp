@@ -93,7 +93,16 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::find(const Switches& swit
         return !seen.insert(one.candidate.path).second ||
                trashRefusal(platform_, one.candidate.path);
     });
+    rulesByPath_.clear();
+    for (const Found& one : all)
+        rulesByPath_.emplace(one.candidate.path, one.rule());
     return all;
+}
+
+std::string_view MaintenanceRules::Found::rule() const {
+    if (cache) return cachesRule;
+    if (duplicate) return "duplicates";
+    return isFromSystemTrash ? "systemTrash" : "oldDownloads";
 }
 
 std::vector<MaintenanceRules::Found> MaintenanceRules::fromSystemTrash() const {

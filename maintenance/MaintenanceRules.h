@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cleaning/CleaningRules.h"
@@ -13,6 +14,9 @@
 #include "platform/Platform.h"
 
 namespace velto {
+
+/// The rule of the caches, those of Xcode included.
+inline constexpr std::string_view cachesRule = "caches";
 
 /// What the unattended pass moves into the program's own trash. Nothing is ever deleted here. One
 /// thread at a time.
@@ -51,6 +55,9 @@ public:
     /// Moves the candidates, all at once or, when that fails, one by one, and returns those moved.
     std::vector<Candidate> run(const Switches& switches);
 
+    /// The rules, by path, that offered what the last look for candidates has found.
+    const std::map<std::string, std::string>& rulesByPath() const { return rulesByPath_; }
+
     /// True when the last look for candidates compared files: not when "duplicates" was off, the
     /// access was missing, or the comparison failed.
     bool hasLookedForDuplicates() const { return hasLookedForDuplicates_; }
@@ -61,6 +68,8 @@ private:
         std::optional<DuplicateCopy> duplicate;  // what makes it one
         std::optional<velto::Candidate> cache;   // the same
         bool isFromSystemTrash = false;
+
+        std::string_view rule() const;
     };
 
     std::vector<Found> find(const Switches& switches);
@@ -78,6 +87,7 @@ private:
     CleaningRules& cleaning_;
     Limits limits_;
     SystemTrash systemTrash_;
+    std::map<std::string, std::string> rulesByPath_;
     bool hasLookedForDuplicates_ = false;
 };
 

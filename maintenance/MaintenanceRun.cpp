@@ -5,7 +5,11 @@
 #include <fmt/format.h>
 
 #include "maintenance/MaintenanceRecord.h"
+#include "maintenance/TakenItems.h"
+#include "maintenance/full_disk_notice.h"
+#include "maintenance/holdings.h"
 #include "platform/values/units.h"
+#include "platform/values/uuid.h"
 
 namespace velto {
 namespace {
@@ -46,17 +50,25 @@ void MaintenanceRun::perform(const MaintenanceRules::Limits& limits) {
 }
 
 void MaintenanceRun::performAlone(const MaintenanceRules::Limits& limits) {
-    const double freed = trash_.purgeExpired(settings_.retention());
+    TakenItems taken(*platform_.files, platform_.layout);
+    const KeptFor kept = keptFor(settings_);
+    const double freed = trash_.purgeExpired(
+        kept.retention, [&](const TrashItem& item) { return kept.days(taken.ruleOf(item)); });
     double movedGB = 0;
+    const MaintenanceRules* found = nullptr;
     CleaningRules cleaning(platform_, [&] { return limits.hasAccess; });
     const auto mover = [&](const std::vector<std::string>& paths,
                            const MaintenanceRules::Sizes& sizes) {
-        const double gb = trash_.moveToTrash(paths, maintenanceKind, sizes).gb;
-        movedGB += gb;
-        return gb;
+        const Operation operation = trash_.moveToTrash(paths, maintenanceKind, sizes);
+        taken.note(operation, found->rulesByPath());
+        movedGB += operation.gb;
+        return operation.gb;
     };
     MaintenanceRules rules(platform_, mover, cleaning, limits);
+    found = &rules;
     const std::size_t moved = moveToTrash(rules).size();
+    taken.keepOnly(trash_.items());
+    taken.save();
     platform_.log->line(
         fmt::format("Velto ▶ mantenimiento: {} GB liberados, {} elementos a la Papelera de Velto",
                     tenths(freed), moved));
@@ -66,6 +78,7 @@ void MaintenanceRun::performAlone(const MaintenanceRules::Limits& limits) {
                          .moved = static_cast<std::int64_t>(moved),
                          .movedGB = movedGB});
     notify(freed, moved);
+    tellOfFullDisk();
 }
 
 /// Duplicates are handled unattended at most once in 30 days, whatever the schedule.
@@ -86,6 +99,16 @@ void MaintenanceRun::notify(double freed, std::size_t moved) {
     scheduler_.notify(std::string(language_.text("Mantenimiento de Velto completado",
                                                  "Velto maintenance complete")),
                       message);
+}
+
+void MaintenanceRun::tellOfFullDisk() {
+    const auto available = platform_.volumes->availableCapacity(platform_.layout.home);
+    const FullDiskNotice notice = fullDiskNotice(settings_.fullDiskGB(), available,
+                                                 settings_.fullDiskTold(), platform_.clock->now());
+    if (notice.told != settings_.fullDiskTold()) settings_.setFullDiskTold(notice.told);
+    if (!notice.isDue) return;
+    platform_.notifications->post("velto.disk." + newUUID(), fullDiskTitle(language_),
+                                  fullDiskMessage(language_, *available));
 }
 
 }  // namespace velto

@@ -32,6 +32,7 @@ private:
     void performAlone(const MaintenanceRules::Limits& limits);
     std::vector<MaintenanceRules::Candidate> moveToTrash(MaintenanceRules& rules);
     void notify(double freed, std::size_t moved);
+    void tellOfFullDisk();
 
     Platform& platform_;
     VeltoSettings& settings_;

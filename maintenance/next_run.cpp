@@ -11,13 +11,16 @@ namespace {
 
 constexpr int saturday = 6;  // of tm_wday
 
-/// When an installed agent should run next, also when that has passed.
+/// When an installed schedule should run next, also when that has passed.
 std::optional<double> dueTime(const Platform& platform, std::string_view frequency,
                               std::optional<double> lastRun) {
     const auto installed = platform.files->attributes(platform.layout.agentFile);
     if (!installed) return std::nullopt;
-    const double from = std::max(installed->modified, lastRun.value_or(0));
-    return from + maintenanceInterval(frequency);
+    // A time that is still to come was noted before the clock was set back.
+    const double from =
+        std::min(std::max(installed->modified, lastRun.value_or(0)), platform.clock->now());
+    const bool isTimer = platform.layout.kind == HomeLayout::Kind::freedesktop;
+    return isTimer ? nextCalendarRun(from, frequency) : from + maintenanceInterval(frequency);
 }
 
 }  // namespace
@@ -42,12 +45,8 @@ double nextCalendarRun(double now, std::string_view frequency) {
 
 std::optional<double> nextMaintenance(const Platform& platform, std::string_view frequency,
                                       std::optional<double> lastRun) {
-    const double now = platform.clock->now();
     const auto due = dueTime(platform, frequency, lastRun);
-    if (due && platform.layout.kind == HomeLayout::Kind::freedesktop) {
-        return nextCalendarRun(now, frequency);
-    }
-    return due ? std::optional(std::max(now, *due)) : std::nullopt;
+    return due ? std::optional(std::max(platform.clock->now(), *due)) : std::nullopt;
 }
 
 bool isMaintenanceOverdue(const Platform& platform, std::string_view frequency) {

@@ -30,6 +30,20 @@ std::optional<double> readNumber(const UserDefaults& defaults, const std::string
     return read<double>(defaults, key);
 }
 
+/// Seconds since 1970, 0 for none.
+double readTime(const UserDefaults& defaults, const std::string& key) {
+    const double time = readNumber(defaults, key).value_or(0);
+    return std::isfinite(time) ? time : 0;
+}
+
+/// A whole number from 0 to `most`; nothing for what is no number.
+std::optional<std::int64_t> readCount(const UserDefaults& defaults, const std::string& key,
+                                      std::int64_t most) {
+    const auto number = readNumber(defaults, key);
+    if (!number || std::isnan(*number)) return std::nullopt;
+    return static_cast<std::int64_t>(std::clamp(*number, 0.0, static_cast<double>(most)));
+}
+
 }  // namespace
 
 VeltoSettings::VeltoSettings(UserDefaults& defaults, const Locale& locale)
@@ -97,12 +111,35 @@ bool VeltoSettings::settingsConfigured() const {
 void VeltoSettings::markConfigured() { defaults_.setValue(defaultsKey::settingsConfigured, true); }
 
 double VeltoSettings::duplicatesRound() const {
-    const double time = readNumber(defaults_, defaultsKey::duplicatesRound).value_or(0);
-    return std::isfinite(time) ? time : 0;
+    return readTime(defaults_, defaultsKey::duplicatesRound);
 }
 
 void VeltoSettings::setDuplicatesRound(double time) {
     defaults_.setValue(defaultsKey::duplicatesRound, time);
+}
+
+std::optional<std::int64_t> VeltoSettings::cacheDays() const {
+    return readCount(defaults_, defaultsKey::cacheDays, longestRetentionDays);
+}
+
+void VeltoSettings::setCacheDays(std::int64_t days) {
+    defaults_.setValue(defaultsKey::cacheDays, days);
+}
+
+std::int64_t VeltoSettings::fullDiskGB() const {
+    return readCount(defaults_, defaultsKey::fullDiskGB, largestFullDiskGB).value_or(0);
+}
+
+void VeltoSettings::setFullDiskGB(std::int64_t gigabytes) {
+    defaults_.setValue(defaultsKey::fullDiskGB, gigabytes);
+}
+
+double VeltoSettings::fullDiskTold() const {
+    return readTime(defaults_, defaultsKey::fullDiskTold);
+}
+
+void VeltoSettings::setFullDiskTold(double time) {
+    defaults_.setValue(defaultsKey::fullDiskTold, time);
 }
 
 Settings VeltoSettings::record() const {

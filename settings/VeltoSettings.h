@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,9 @@ inline constexpr const char* language = "velto.language";
 inline constexpr const char* rulePrefix = "velto.rule.";  // + rule id
 inline constexpr const char* settingsConfigured = "velto.settingsConfigured";
 inline constexpr const char* duplicatesRound = "velto.duplicatesRound";
+inline constexpr const char* cacheDays = "velto.cacheDays";
+inline constexpr const char* fullDiskGB = "velto.fullDiskGB";
+inline constexpr const char* fullDiskTold = "velto.fullDiskTold";
 }  // namespace defaultsKey
 
 struct RuleSwitch {
@@ -38,6 +42,9 @@ inline constexpr std::array<RuleSwitch, 4> ruleSwitches{{
 inline constexpr std::int64_t defaultRetentionDays = 30;
 /// More than that no calendar holds; it is as good as forever.
 inline constexpr std::int64_t longestRetentionDays = 1'000'000;
+
+/// More than any disk has.
+inline constexpr std::int64_t largestFullDiskGB = 1'000'000;
 
 /// The user's settings, read with their defaults and normalised. Thread rules of UserDefaults.
 class VeltoSettings {
@@ -69,6 +76,18 @@ public:
 
     double duplicatesRound() const;  // seconds since 1970, 0 when never
     void setDuplicatesRound(double time);
+
+    /// Days that caches which the maintenance has taken stay in the trash; 0: as long as everything
+    /// else, nothing: the user has not been asked yet.
+    std::optional<std::int64_t> cacheDays() const;
+    void setCacheDays(std::int64_t days);
+
+    /// Free space, in GB, below which the maintenance says that the disk gets full; 0 for never.
+    std::int64_t fullDiskGB() const;
+    void setFullDiskGB(std::int64_t gigabytes);
+
+    double fullDiskTold() const;  // seconds since 1970 when it said so, 0 when there is room again
+    void setFullDiskTold(double time);
 
     /// The record that the page receives.
     Settings record() const;

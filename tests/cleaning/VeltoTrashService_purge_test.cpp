@@ -29,6 +29,19 @@ TEST_F(TrashPurgeTest, AnItemIsKeptToTheVeryLastSecond) {
     EXPECT_EQ(readByOthers().items, refusing.items());
 }
 
+TEST_F(TrashPurgeTest, AnItemMayHaveFewerDaysOfItsOwnAndNeverMore) {
+    const TrashItem short_ = aged("short", 3 * 86400.0 + 1);
+    const TrashItem exact = aged("exact", 3 * 86400.0);
+    const TrashItem other = aged("other", 5 * 86400.0);
+    const TrashItem longer = aged("longer", 30 * 86400.0 + 1);
+    refusing.purgeExpired(30, [&](const TrashItem& item) -> std::int64_t {
+        if (item.id == other.id) return 30;
+        return item.id == longer.id ? 400 : 3;
+    });
+    EXPECT_THAT(refusing.items(), ElementsAre(exact, other));
+    EXPECT_FALSE(exists(operationFolder(short_.opID)));
+}
+
 TEST_F(TrashPurgeTest, WhatWasFreedIsTheUnroundedSumOfWhatTheDiskCounts) {
     aged("a", 2_days);
     aged("b", 2_days);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <filesystem>
 
 #include "support/TestPlatform.h"
 
@@ -48,6 +49,53 @@ TEST(NextMaintenance, AMissedRunComesAtOnce) {
     const double now = machine.clock.time;
     installed(machine, now - 9 * day);
     EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now);
+}
+
+TEST(NextMaintenance, AClockThatWasSetBackDoesNotPutItOff) {
+    TestPlatform machine;
+    const double now = machine.clock.time;
+    installed(machine, now + 400 * day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now + day);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", now + 300 * day), now + day);
+    EXPECT_FALSE(isMaintenanceOverdue(machine.platform, "daily"));
+}
+
+TEST(NextMaintenance, AfterAResetItCountsFromTheNewInstallation) {
+    TestPlatform machine;
+    const double now = machine.clock.time;
+    installed(machine, now - 3 * day);
+    std::filesystem::remove(machine.home.path(agent));
+    EXPECT_FALSE(nextMaintenance(machine.platform, "daily", std::nullopt));
+    installed(machine, now - 10);
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now - 10 + day);
+}
+
+struct NextTimerRun : testing::Test {
+    NextTimerRun() {
+        machine.platform.layout.kind = HomeLayout::Kind::freedesktop;
+        machine.platform.layout.agentFile = machine.home.path(agent);
+        machine.clock.time = localTime(2026, 11, 20, 9);
+    }
+    TestPlatform machine;
+};
+
+TEST_F(NextTimerRun, GoesByTheCalendar) {
+    installed(machine, localTime(2026, 11, 19, 20));
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", localTime(2026, 11, 20, 0) + 600),
+              localTime(2026, 11, 21, 0));
+}
+
+TEST_F(NextTimerRun, AMissedRunIsMadeUpForNow) {
+    installed(machine, localTime(2026, 11, 10, 20));
+    EXPECT_EQ(nextMaintenance(machine.platform, "daily", localTime(2026, 11, 18, 0)),
+              machine.clock.time);
+    EXPECT_TRUE(isMaintenanceOverdue(machine.platform, "daily"));
+}
+
+TEST_F(NextTimerRun, AClockThatWasSetBackDoesNotPutItOff) {
+    installed(machine, localTime(2028, 1, 1, 0));
+    EXPECT_EQ(nextMaintenance(machine.platform, "monthly", std::nullopt),
+              localTime(2026, 12, 1, 0));
 }
 
 TEST(NextCalendarRun, IsTheNextMidnightSaturdayOrFirstOfAMonth) {

@@ -2,7 +2,7 @@
 import { distinct, fieldsOf, list, number, size, text, texts, type Fields } from './guards.ts';
 import { cacheReasons, refusalReasons, ruleIds, selectionReasons, waitReasons } from './records.ts';
 import type {
-  CacheFact, Cleanable, CleanableFacts, CloudMove, MaintenanceRule, MaintenanceStatus, PutBack, Refusal, RestoreBlock, SelectionCheck, TrashItem,
+  CacheFact, Cleanable, CleanableFacts, CloudMove, Holdings, MaintenanceRule, MaintenanceStatus, PutBack, Refusal, RestoreBlock, SelectionCheck, TrashItem,
   WaitingItem,
 } from './records.ts';
 
@@ -96,7 +96,18 @@ function maintenanceRule(fields: Fields): MaintenanceRule {
   const isMeasured = typeof fields.items === 'number' && typeof fields.gb === 'number';
   return {
     places: texts(fields.places),
+    ...(fields.needsAccess === true && { needsAccess: true }),
     ...(isMeasured && { items: Math.trunc(size(fields.items)), gb: size(fields.gb) }),
+  };
+}
+
+function holdings(value: unknown): Holdings {
+  const fields = fieldsOf(value) ?? {};
+  return {
+    items: Math.trunc(size(fields.items)),
+    bytes: size(fields.bytes),
+    returns: list(fields.returns, ({ from, bytes }) => (number(from) > 0 ? { from: number(from), bytes: size(bytes) } : null)),
+    days: new Map(Object.entries(fieldsOf(fields.days) ?? {}).map(([id, days]) => [id, size(days)])),
   };
 }
 
@@ -115,5 +126,11 @@ export function maintenanceStatus(value: unknown): MaintenanceStatus {
     },
     next: typeof fields.next === 'number' && Number.isFinite(fields.next) ? fields.next : null,
     rules: Object.fromEntries(known),
+    held: holdings(fields.held),
+    cacheDays: typeof fields.cacheDays === 'number' ? size(fields.cacheDays) : null,
+    fullDiskGB: size(fields.fullDiskGB),
+    foretold: new Map(
+      list(fields.foretold, ({ days, bytes }) => ({ days: size(days), bytes: size(bytes) })).map(({ days, bytes }) => [days, bytes]),
+    ),
   };
 }

@@ -20,7 +20,7 @@ export type * from './growthRecords.ts';
 export type * from './measurementRecords.ts';
 export type * from './records.ts';
 export { growthKinds } from './growthRecords.ts';
-export { frequencies, ruleIds } from './records.ts';
+export { cacheDayChoices, frequencies, ruleIds } from './records.ts';
 
 /** Only what changed is sent; the program pushes the state again afterwards. */
 export interface SettingsChange {
@@ -81,6 +81,9 @@ export interface Intents {
   removeExclusion: string;
   maintenanceStatus: void;
   measureMaintenance: void;
+  foretellCaches: void;
+  keepCaches: { days: number };
+  fullDiskNotice: { gb: number };
   scanCleanables: void;
   continueComparison: void;
   stopComparison: void;

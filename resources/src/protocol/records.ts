@@ -76,6 +76,8 @@ export interface Settings {
 /** What one rule looks at and, once it was measured, what it would move now. */
 export interface MaintenanceRule {
   places: string[];
+  /** Without Full Disk Access, which is missing, it does nothing. */
+  needsAccess?: boolean;
   items?: number;
   gb?: number;
 }
@@ -87,7 +89,27 @@ export interface MaintenanceStatus {
   /** When the next run starts; null when nothing is scheduled. */
   next: number | null;
   rules: Partial<Record<RuleId, MaintenanceRule>>;
+  held: Holdings;
+  /** Days that caches stay; 0 as long as everything, null while nobody has said. */
+  cacheDays: number | null;
+  /** Free space below which a notification comes; 0 for never. */
+  fullDiskGB: number;
+  /** Bytes of caches that Velto Trash would come to hold, by the days they are kept; empty until measured. */
+  foretold: ReadonlyMap<number, number>;
 }
+
+/** What maintenance has moved to Velto Trash, and from when on a run gives it back. */
+export interface Holdings {
+  items: number;
+  bytes: number;
+  /** Earliest first. */
+  returns: { from: number; bytes: number }[];
+  /** Days, by item, of what does not stay as long as everything else. */
+  days: ReadonlyMap<string, number>;
+}
+
+/** The choices for how long caches are kept; 0: as long as everything. */
+export const cacheDayChoices: readonly number[] = [0, 7, 3, 1];
 
 export interface DiskState {
   total: number;

@@ -12,6 +12,8 @@ export interface Question {
   notes?: Note[];
   /** The verb on the button; null where there is nothing to agree to. */
   confirm: string | null;
+  /** What the other button says; to cancel, where it is left out. */
+  decline?: string;
   /** Nothing is deleted by it. */
   harmless?: boolean;
 }

@@ -110,6 +110,21 @@ class Session {
     send('measureMaintenance');
   }
 
+  /** What the settings of maintenance speak of beyond that: what caches would come to. */
+  foretellCaches(): void {
+    send('foretellCaches');
+  }
+
+  keepCaches(days: number): void {
+    send('keepCaches', { days });
+    if (this.maintenance) this.maintenance = { ...this.maintenance, cacheDays: days };
+  }
+
+  sayWhenFull(gb: number): void {
+    send('fullDiskNotice', { gb });
+    if (this.maintenance) this.maintenance = { ...this.maintenance, fullDiskGB: gb };
+  }
+
   /** A state says again what it said last unless something was measured since: that is no news. */
   receiveDisk(disk: DiskState): void {
     const { total, free } = disk;

@@ -83,6 +83,66 @@ it('measures when asked, once at a time, and keeps the figures when the schedule
   await close();
 });
 
+const held = {
+  items: 5, bytes: 1.2e9,
+  returns: [{ from: noon + 86400, items: 2, bytes: 2e8 }, { from: noon + 2 * 86400, items: 2, bytes: 3e8 }, { from: noon + 29 * 86400, items: 1, bytes: 7e8 }],
+  days: {},
+};
+const foretold = [{ days: 0, bytes: 4.65e9 }, { days: 7, bytes: 1.2e9 }, { days: 3, bytes: 6e8 }, { days: 1, bytes: 3e8 }];
+const unasked = {
+  installed: false, last: null, next: null, rules: { ...places, oldDownloads: { ...places.oldDownloads, needsAccess: true } },
+  held, cacheDays: null, fullDiskGB: 0, foretold,
+};
+
+async function switchedOff(): Promise<OpenPage> {
+  const opened = await settings();
+  const state = fullState();
+  state.settings.autoMaintenance = false;
+  await opened.tell('setState', state, noon);
+  return opened;
+}
+
+it('asks once how long caches are to be kept, and tells what that comes to', async () => {
+  const { page, tell, intents, during, close, complaints } = await switchedOff();
+  expect(await intents()).toContainEqual({ type: 'foretellCaches' });
+  await tell('onMaintenance', unasked);
+  expect(await page.getByText('Velto Trash would come to hold up to 4.7 GB of them.').isVisible()).toBe(true);
+  expect(await page.getByText('Does nothing without Full Disk Access.').count()).toBe(1);
+  expect(await page.getByText('1.2 GB in Velto Trash. While maintenance is off, it stays there.').isVisible()).toBe(true);
+
+  const enable = page.getByRole('switch', { name: 'Run maintenance automatically' });
+  await enable.click();
+  const question = page.getByRole('dialog', { name: 'How long should caches be kept?' });
+  expect(await question.getByText('That could come to 4.7 GB; with 3 days, to 0.6 GB.').isVisible()).toBe(true);
+  expect(await violations(page)).toEqual([]);
+  expect(await during(() => question.getByRole('button', { name: 'Keep caches for 3 days' }).click())).toEqual([
+    { type: 'keepCaches', payload: { days: 3 } },
+  ]);
+  expect(await page.getByLabel('Keep caches for').inputValue()).toBe('3');
+  expect(await page.getByText('Velto Trash would come to hold up to 0.6 GB of them.').isVisible()).toBe(true);
+  expect(
+    await page.getByText('Comes back: 0.2 GB from November 23, 2026, 0.3 GB from November 24, 2026, and 0.7 GB from December 21, 2026.').isVisible(),
+  ).toBe(true);
+
+  await enable.click();
+  await enable.click();
+  expect(await question.count(), 'asked once').toBe(0);
+  expect(await during(() => page.getByLabel('Say when the disk gets full').selectOption('20'))).toEqual([
+    { type: 'fullDiskNotice', payload: { gb: 20 } },
+  ]);
+  await close();
+  expect(complaints).toEqual([]);
+});
+
+it('caches stay as long as everything when nobody wants it otherwise', async () => {
+  const { page, tell, during, close } = await switchedOff();
+  await tell('onMaintenance', unasked);
+  await page.getByRole('switch', { name: 'Run maintenance automatically' }).click();
+  expect(await during(() => page.keyboard.press('Escape'))).toEqual([{ type: 'keepCaches', payload: { days: 0 } }]);
+  expect(await page.getByLabel('Keep caches for').inputValue()).toBe('0');
+  await close();
+});
+
 it('a malformed status harms nothing', async () => {
   const { page, tell, close, complaints } = await settings();
   for (const status of [null, 3, 'x', [], { rules: [] }, { rules: { caches: 7, other: {} }, last: 'x', next: 'soon' }]) {

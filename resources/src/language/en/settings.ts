@@ -1,7 +1,7 @@
 import type { MaintenanceStatus } from '../../protocol/protocol.ts';
 import { formats } from '../formats.ts';
 
-const { date, moment, plural, size } = formats.en;
+const { date, list, moment, plural, size } = formats.en;
 
 export const settings = {
   general: 'General',
@@ -12,6 +12,27 @@ export const settings = {
   retention: 'Keep removed items for',
   retentionHelp: 'What you remove can be taken back during this time. After it, automatic maintenance deletes it for good.',
   days: (count: number) => plural(count, { one: '# day', other: '# days' }),
+  keepCaches: 'Keep caches for',
+  keepCachesHelp: 'Of what maintenance has moved. Applications make caches again within days, so copies that are kept for long fill the disk.',
+  asEverything: 'As long as everything',
+  foretold: (bytes: number) => `Velto Trash would come to hold up to ${size(bytes / 1e9)} of them.`,
+  held: 'Held by maintenance',
+  heldNothing: 'Nothing of what is in Velto Trash was moved there by maintenance.',
+  heldSome: (bytes: number, returns: readonly { from: number; bytes: number }[]) =>
+    `${size(bytes / 1e9)} in Velto Trash. Comes back: ${list(returns.map((one) => `${size(one.bytes / 1e9)} from ${date(one.from)}`))}.`,
+  heldStays: (bytes: number) => `${size(bytes / 1e9)} in Velto Trash. While maintenance is off, it stays there.`,
+  fullDisk: 'Say when the disk gets full',
+  fullDiskHelp: 'A notification after a maintenance run, at most once a week while the disk stays full.',
+  fullDiskNeeds: 'Comes with maintenance, which is off.',
+  never: 'Never',
+  below: (gb: number) => `Below ${size(gb)} free`,
+  ruleNeedsAccess: 'Does nothing without Full Disk Access.',
+  askCachesTitle: 'How long should caches be kept?',
+  askCachesText: (days: string) =>
+    `Maintenance moves caches to Velto Trash at every run, and applications make them again. Kept for ${days} like everything else, the copies pile up.`,
+  askCachesForetold: (all: number, few: number) => `That could come to ${size(all / 1e9)}; with 3 days, to ${size(few / 1e9)}.`,
+  askCachesAdvice: '3 days are enough to take back what turns out to be missing.',
+  askCachesConfirm: 'Keep caches for 3 days',
   maintenance: 'Automatic maintenance',
   enabled: 'Run maintenance automatically',
   enabledHelp: 'Moves what can go to Velto Trash, and deletes for good what has been there longer than you keep it.',

@@ -1,7 +1,7 @@
 import type { settings as english } from '../en/settings.ts';
 import { formats } from '../formats.ts';
 
-const { date, moment, plural, size } = formats.es;
+const { date, list, moment, plural, size } = formats.es;
 
 export const settings: typeof english = {
   general: 'General',
@@ -12,6 +12,27 @@ export const settings: typeof english = {
   retention: 'Conservar lo que quitas durante',
   retentionHelp: 'En ese tiempo puedes recuperar lo que hayas quitado. Después, el mantenimiento automático lo borra definitivamente.',
   days: (count) => plural(count, { one: '# día', many: '# de días', other: '# días' }),
+  keepCaches: 'Conservar las cachés durante',
+  keepCachesHelp: 'Las que ha movido el mantenimiento. Las aplicaciones las vuelven a crear en pocos días, así que guardar mucho tiempo las copias llena el disco.',
+  asEverything: 'Lo mismo que todo',
+  foretold: (bytes) => `La Papelera de Velto llegaría a guardar hasta ${size(bytes / 1e9)} de cachés.`,
+  held: 'Lo que guarda el mantenimiento',
+  heldNothing: 'Nada de lo que hay en la Papelera de Velto lo ha movido el mantenimiento.',
+  heldSome: (bytes, returns) =>
+    `${size(bytes / 1e9)} en la Papelera de Velto. Se recuperan ${list(returns.map((one) => `${size(one.bytes / 1e9)} a partir del ${date(one.from)}`))}.`,
+  heldStays: (bytes) => `${size(bytes / 1e9)} en la Papelera de Velto. Con el mantenimiento desactivado se quedan ahí.`,
+  fullDisk: 'Avisar cuando quede poco espacio',
+  fullDiskHelp: 'Una notificación tras una pasada de mantenimiento, como mucho una vez por semana mientras siga lleno.',
+  fullDiskNeeds: 'Llega con el mantenimiento, que está desactivado.',
+  never: 'Nunca',
+  below: (gb) => `Con menos de ${size(gb)} libres`,
+  ruleNeedsAccess: 'No hace nada sin acceso total al disco.',
+  askCachesTitle: '¿Cuánto tiempo conservar las cachés?',
+  askCachesText: (days) =>
+    `El mantenimiento lleva las cachés a la Papelera de Velto en cada pasada, y las aplicaciones las vuelven a crear. Si se conservan ${days}, como todo lo demás, las copias se acumulan.`,
+  askCachesForetold: (all, few) => `Podrían llegar a ocupar ${size(all / 1e9)}; con 3 días, ${size(few / 1e9)}.`,
+  askCachesAdvice: 'Con 3 días basta para recuperar lo que resulte que hacía falta.',
+  askCachesConfirm: 'Conservarlas 3 días',
   maintenance: 'Mantenimiento automático',
   enabled: 'Hacer mantenimiento automáticamente',
   enabledHelp: 'Mueve lo prescindible a la Papelera de Velto y borra definitivamente lo que lleva allí más tiempo del que lo conservas.',

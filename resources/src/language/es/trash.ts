@@ -23,6 +23,7 @@ export const trash: typeof english = {
   freeThen: (free, then) => `Libres ahora: ${size(free)}. Tras vaciarla: unos ${size(then)}.`,
   kept: (days) => `Los elementos se conservan ${days}; después, el mantenimiento automático los elimina definitivamente.`,
   keptLonger: (days) => `Los elementos se conservan ${days}. El mantenimiento automático está desactivado: se quedan aún más, hasta que los elimines.`,
+  maintained: (held) => `Movidos por el mantenimiento: ${held}`,
   keptChange: 'Cambiar',
   empty: 'Vaciar la papelera…',
   emptying: 'Vaciando…',
@@ -31,6 +32,7 @@ export const trash: typeof english = {
   justNow: 'ahora mismo',
   freeAgain: (gb) => `${size(gb)} libres de nuevo.`,
   staysOn: 'Sin plazo',
+  cachesLeft: (left) => `Cachés: ${left.toLowerCase()}`,
   daysLeft: (days) =>
     days > 0 ? plural(days, { one: 'Queda # día', many: 'Quedan # de días', other: 'Quedan # días' }) : 'Plazo cumplido',
   keptUntil: (date) => `Se conserva hasta el ${date}`,
