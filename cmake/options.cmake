@@ -1,8 +1,20 @@
 option(VELTO_TESTS "Build the unit tests" ON)
 set(VELTO_TEST_FOLDERS "" CACHE STRING "Folders whose unit tests are built; empty for all")
+option(VELTO_PROGRAM_TESTS "Build what the tests of the real program need" ON)
 option(VELTO_BENCH "Build the benchmarks" OFF)
 option(VELTO_FUZZ "Build the fuzz targets, with clang, and none of the tests" OFF)
+option(VELTO_WARNINGS_AS_ERRORS "A warning of the compiler fails the build (the presets say so)" OFF)
 set(VELTO_SANITIZE "" CACHE STRING "Value of -fsanitize= for everything built here")
+
+set(VELTO_APP_ID app.velto CACHE STRING
+    "The program's identifier: on the session bus, of its windows, desktop entry, icon and units")
+if(NOT VELTO_APP_ID MATCHES "^[A-Za-z_][A-Za-z0-9_-]*(\\.[A-Za-z_][A-Za-z0-9_-]*)+$")
+    message(FATAL_ERROR "VELTO_APP_ID: \"${VELTO_APP_ID}\" is no application identifier (parts of letters, digits, \"_\" and \"-\" with full stops between)")
+endif()
+
+if(APPLE)
+    set(VELTO_APP_ID app.velto)  # what a Mac knows the program's permissions by
+endif()
 
 set(VELTO_MACOS_VERSION 13.3)
 
@@ -29,7 +41,8 @@ endif()
 # Designated initialisers leave the other members at their defaults on purpose.
 add_library(velto_options INTERFACE)
 target_compile_options(velto_options INTERFACE
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers)
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${VELTO_WARNINGS_AS_ERRORS}>:-Werror>
+    -Wno-missing-field-initializers)
 if(APPLE)
     # The page's style sheets need the web engine of 13.3.
     target_compile_options(velto_options INTERFACE -mmacosx-version-min=${VELTO_MACOS_VERSION}
@@ -71,11 +84,11 @@ if(VELTO_SANITIZE)
     if(LLD_PROGRAM AND NOT APPLE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
         target_link_options(velto_options INTERFACE -fuse-ld=lld)
     endif()
-    if(CMAKE_UNITY_BUILD)
-        # What another source of the same unit names is hidden by nothing. The plain builds warn.
-        target_compile_options(velto_options INTERFACE -Wno-shadow)
-    endif()
     target_link_options(velto_options INTERFACE -fsanitize=${VELTO_SANITIZE})
+endif()
+if(CMAKE_UNITY_BUILD)
+    # What another source of the same unit names is hidden by nothing. The plain builds warn.
+    target_compile_options(velto_options INTERFACE -Wno-shadow)
 endif()
 if(VELTO_SANITIZE MATCHES "address")
     # A null pointer that is followed, or an access outside an object, is the address sanitizer's to
@@ -86,6 +99,9 @@ endif()
 # The sanitized builds share precompiled headers: they compile everything anew where nothing is
 # cached. The plain builds go without, so that no source gets away with a missing include.
 function(velto_precompile target from)
+    if(CMAKE_UNITY_BUILD)
+        velto_compile_alone(${target})
+    endif()
     if(NOT VELTO_SANITIZE OR APPLE)
         return()
     endif()
@@ -100,5 +116,4 @@ function(velto_precompile target from)
     else()
         target_precompile_headers(${target} REUSE_FROM ${from})
     endif()
-    velto_compile_alone(${target})
 endfunction()
