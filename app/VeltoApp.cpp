@@ -1,8 +1,10 @@
 #include "app/VeltoApp.h"
 
 #include <array>
+#include <utility>
 
 #include "analysis/ExclusionService.h"
+#include "app/arguments.h"
 #include "bridge/JSBridge.h"
 #include "platform/notification_permission.h"
 
@@ -10,10 +12,12 @@ namespace velto {
 namespace {
 
 constexpr std::array<AppCommand, 4> commandTable{{
-    {"Analizar disco", "Analyze disk", 'r', false, "scan", ""},
-    {"Deshacer última limpieza", "Undo last cleanup", 'z', true, "undoLast", ""},
-    {"Desinstalar una aplicación", "Uninstall an application", 'd', true, "goView", "apps"},
-    {"Abrir la Papelera de Velto", "Open Velto Trash", 0, false, "goView", "papelera"},
+    {"Analizar disco", "Analyze disk", 'r', false, "scan", "", "analyze", "--analyze"},
+    {"Deshacer última limpieza", "Undo last cleanup", 'z', true, "undoLast", "", "undo", ""},
+    {"Desinstalar una aplicación", "Uninstall an application", 'd', true, "goView", "apps",
+     "applications", "--applications"},
+    {"Abrir la Papelera de Velto", "Open Velto Trash", 0, false, "goView", "papelera", "trash",
+     "--trash"},
 }};
 
 constexpr AppCommand settingsEntry{"Ajustes…", "Settings…", ',', false, "goView", "ajustes"};
@@ -56,9 +60,12 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
 void VeltoApp::pageLoaded() {
     if (bridge_) bridge_->applyBootState();
     quit_.pageLoaded();
+    pageStands_ = true;
+    if (const AppCommand* command = std::exchange(waiting_, nullptr)) perform(*command);
 }
 
 void VeltoApp::windowClosed() {
+    pageStands_ = false;
     quit_.setView(nullptr);
     bridge_.reset();
 }
@@ -77,6 +84,18 @@ void VeltoApp::perform(const AppCommand& command) {
     const Payload payload =
         command.argument.empty() ? Payload() : Payload(std::string(command.argument));
     bridge->handle(std::string(command.intent), payload);
+}
+
+void VeltoApp::performWhenShown(const AppCommand& command) {
+    if (pageStands_) return perform(command);
+    waiting_ = &command;
+}
+
+const AppCommand* VeltoApp::askedFor(const std::vector<std::string>& arguments) {
+    for (const AppCommand& command : commandTable) {
+        if (!command.option.empty() && isGiven(command.option, arguments)) return &command;
+    }
+    return nullptr;
 }
 
 }  // namespace velto

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/AppDelegate.h"
 #include "app/OrderlyQuit.h"
@@ -28,6 +29,8 @@ struct AppCommand {
     bool shift;  // with Shift, beside Command (macOS) or Control (Linux)
     std::string_view intent;
     std::string_view argument;  // string payload, empty for none
+    std::string_view action;    // its name among the actions on Linux's session bus
+    std::string_view option;    // of the command line; empty for none
 };
 
 /// The windowed application without its windows: what the code of each system carries out, in this
@@ -66,6 +69,11 @@ public:
     static const AppCommand& settingsCommand();
     std::string_view title(const AppCommand& command) const;  // in the current language
     void perform(const AppCommand& command);                  // nothing while no bridge exists
+    /// As `perform`, but where no page stands it waits for the next one. Of several that wait, the
+    /// last one is carried out.
+    void performWhenShown(const AppCommand& command);
+    /// The command of whose option one of the process arguments is the very text; else null.
+    static const AppCommand* askedFor(const std::vector<std::string>& arguments);
 
 private:
     Platform& platform_;
@@ -78,10 +86,13 @@ private:
     OrderlyQuit quit_;
     ApplicationShell* shell_ = nullptr;
     std::shared_ptr<JSBridge> bridge_;
+    bool pageStands_ = false;
+    const AppCommand* waiting_ = nullptr;
 };
 
-/// Runs the application with its window until it ends; returns the exit status. Implemented once
-/// per system (app/window/<system>).
-int runWindowedApplication(VeltoApp& app, Platform& platform);
+/// Runs the application with its window until it ends; returns the exit status. `asked` (or null)
+/// is carried out once the page stands, by the application that runs already where one does.
+/// Implemented once per system (app/window/<system>).
+int runWindowedApplication(VeltoApp& app, Platform& platform, const AppCommand* asked);
 
 }  // namespace velto

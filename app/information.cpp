@@ -11,6 +11,9 @@ constexpr std::string_view english = R"(Velto shows what fills a disk and gives 
 
 usage: velto [OPTION]
 
+  --analyze      open the window and analyze the disk
+  --applications open the window with the applications to uninstall
+  --trash        open the window with Velto Trash
   --maintenance  one maintenance pass without a window, as the schedule starts it
   --reset        take away the schedule and all that Velto keeps about this home,
                  what waits in Velto Trash included; the settings stay
@@ -24,6 +27,9 @@ constexpr std::string_view spanish =
 
 uso: velto [OPCIÓN]
 
+  --analyze      abre la ventana y analiza el disco
+  --applications abre la ventana con las aplicaciones que se pueden desinstalar
+  --trash        abre la ventana con la Papelera de Velto
   --maintenance  una pasada de mantenimiento sin ventana, como la inicia el programa
                  periódico
   --reset        quita el programa periódico y todo lo que Velto guarda de esta carpeta

@@ -24,7 +24,7 @@ int run(velto::Platform& platform, const std::vector<std::string>& arguments) {
         case velto::RunMode::interactive:
             break;
     }
-    return velto::runInteractive(platform);
+    return velto::runInteractive(platform, arguments);
 }
 
 }  // namespace

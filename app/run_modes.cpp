@@ -39,9 +39,9 @@ int runMaintenance(Platform& platform) {
     return 0;
 }
 
-int runInteractive(Platform& platform) {
+int runInteractive(Platform& platform, const std::vector<std::string>& arguments) {
     VeltoApp app(platform);
-    return runWindowedApplication(app, platform);
+    return runWindowedApplication(app, platform, VeltoApp::askedFor(arguments));
 }
 
 }  // namespace velto

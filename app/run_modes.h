@@ -25,6 +25,6 @@ int runReset(Platform& platform);
 int runMaintenance(Platform& platform);
 
 /// The windowed application. Returns the exit status.
-int runInteractive(Platform& platform);
+int runInteractive(Platform& platform, const std::vector<std::string>& arguments);
 
 }  // namespace velto

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "platform/HomeLayout.h"
+#include "platform/program_identifier.h"
 #include "platform/values/text.h"
 #include "platform/xdg_folders.h"
 
@@ -98,8 +99,8 @@ HomeLayout HomeLayout::freedesktop(const std::string& home, const Environment& e
     layout.trashFolder = layout.dataFolder + "/Trash";
     layout.systemTrash = layout.applicationSupport + "/Trash";
     layout.agentsFolder = configuration + "/systemd/user";
-    layout.agentFile = layout.agentsFolder + "/app.velto.maintenance.timer";
-    layout.agentService = layout.agentsFolder + "/app.velto.maintenance.service";
+    layout.agentFile = layout.agentsFolder + "/" + programIdentifier + ".maintenance.timer";
+    layout.agentService = layout.agentsFolder + "/" + programIdentifier + ".maintenance.service";
 
     layout.configuration = configuration;
     layout.applicationState = folders.state;

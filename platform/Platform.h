@@ -28,11 +28,9 @@
 #include "platform/UserDefaults.h"
 #include "platform/VolumeInfo.h"
 #include "platform/Workspace.h"
+#include "platform/program_identifier.h"
 
 namespace velto {
-
-/// The program's fixed identifier, used where it runs without a bundle of its own.
-inline constexpr const char* programIdentifier = "app.velto";
 
 /// What the program asks of the machine it runs on; built once at start and handed to constructors.
 struct Platform {

@@ -12,6 +12,7 @@
 #include "platform/linux/bundle_application.h"
 #include "platform/linux/process_files.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/program_identifier.h"
 
 namespace velto {
 
@@ -31,7 +32,7 @@ public:
     struct Sources {
         std::string proc = "/proc";
         std::int32_t ownProcess = 0;  // left out; what it has started is `own`
-        RunningApp own{.name = "Velto", .bundle = "app.velto", .path = {}};
+        RunningApp own{.name = "Velto", .bundle = programIdentifier, .path = {}};
 
         /// The installed applications as they are now; the same object as long as nothing
         /// changes. May be empty, or give null: then there are only bundles.

@@ -143,6 +143,37 @@ TEST_F(ApplicationTest, CommandsSendTheirIntents) {
     EXPECT_EQ(JSBridge::current(), nullptr);
 }
 
+TEST_F(ApplicationTest, AnOptionOfTheCommandLineAsksForItsCommand) {
+    const auto titleFor = [](const std::vector<std::string>& arguments) {
+        const AppCommand* const asked = VeltoApp::askedFor(arguments);
+        return asked == nullptr ? "" : std::string(asked->titleEn);
+    };
+    EXPECT_EQ(titleFor({"velto", "--analyze"}), "Analyze disk");
+    EXPECT_EQ(titleFor({"velto", "--debug-log", "--applications"}), "Uninstall an application");
+    EXPECT_EQ(titleFor({"velto", "--trash"}), "Open Velto Trash");
+    EXPECT_EQ(titleFor({"velto"}), "");
+    EXPECT_EQ(titleFor({"velto", "trash", "--undo", ""}), "") << "an undo is asked for in sight";
+}
+
+TEST_F(ApplicationTest, ACommandThatWaitsForThePageIsCarriedOutOnceThere) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.performWhenShown(command(0));
+    app.performWhenShown(command(3));
+    app.windowOpened(page);
+    EXPECT_THAT(JSBridge::current()->pendingIntents, testing::IsEmpty());
+    app.pageLoaded();
+    EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView"));
+    EXPECT_THAT(page->scripts, testing::Contains(testing::HasSubstr("go('papelera')")));
+    app.performWhenShown(command(2));
+    EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView", "goView"));
+    app.windowClosed();
+    app.performWhenShown(command(3));
+    app.windowOpened(page);
+    app.pageLoaded();
+    EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView"));
+}
+
 TEST_F(ApplicationTest, CommandTitlesFollowTheLanguage) {
     VeltoApp app(machine.platform);
     EXPECT_EQ(app.title(command(0)), "Analyze disk");

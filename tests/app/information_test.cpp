@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "app/VeltoApp.h"
 #include "support/fakes.h"
 
 namespace velto {
@@ -45,6 +46,8 @@ TEST_F(InformationTest, HelpNamesEveryOptionInTheUsersLanguage) {
         EXPECT_THAT(text, Optional(AllOf(HasSubstr("\n  --maintenance "), HasSubstr("\n  --reset "),
                                          HasSubstr("\n  --debug-log "), HasSubstr("\n  --version "),
                                          HasSubstr("\n  --help "))));
+        for (const AppCommand& command : VeltoApp::commands())
+            EXPECT_THAT(text, Optional(HasSubstr(std::string(command.option))));
     }
 }
 

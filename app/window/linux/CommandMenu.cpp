@@ -7,8 +7,6 @@
 namespace velto::window {
 namespace {
 
-std::string actionName(std::size_t index) { return fmt::format("command{}", index); }
-
 std::string shortcutOf(const AppCommand& command) {
     if (command.key == 0) return {};
     return fmt::format("<Control>{}{}", command.shift ? "<Shift>" : "", command.key);
@@ -26,10 +24,9 @@ CommandMenu::CommandMenu(VeltoApp& app, GtkApplication* application)
       menu_(g_menu_new()),
       alive_(std::make_shared<bool>(true)) {
     for (const AppCommand& command : VeltoApp::commands()) {
-        const std::string name = actionName(entries_.size());
         entries_.push_back(std::make_unique<Entry>(Entry{app, command}));
-        addAction(name.c_str(), shortcutOf(command).c_str(), G_CALLBACK(&CommandMenu::perform),
-                  entries_.back().get());
+        addAction(command.action.data(), shortcutOf(command).c_str(),
+                  G_CALLBACK(&CommandMenu::perform), entries_.back().get());
     }
     addAction("quit", "<Control>q", G_CALLBACK(quit), application);
     update();
@@ -39,8 +36,8 @@ CommandMenu::CommandMenu(VeltoApp& app, GtkApplication* application)
 }
 
 CommandMenu::~CommandMenu() {
-    for (std::size_t index = 0; index < entries_.size(); ++index) {
-        g_action_map_remove_action(G_ACTION_MAP(application_), actionName(index).c_str());
+    for (const auto& entry : entries_) {
+        g_action_map_remove_action(G_ACTION_MAP(application_), entry->command.action.data());
     }
     if (button_ != nullptr) {
         g_object_remove_weak_pointer(G_OBJECT(button_), reinterpret_cast<gpointer*>(&button_));
@@ -71,15 +68,16 @@ void CommandMenu::addAction(const char* name, const char* shortcut, GCallback ca
 
 void CommandMenu::perform(GSimpleAction*, GVariant*, gpointer entry) {
     const auto& [app, command] = *static_cast<const Entry*>(entry);
-    app.perform(command);
+    app.performWhenShown(command);
 }
 
 void CommandMenu::update() {
     g_menu_remove_all(menu_.get());
     const GlibReference<GMenu> commands(g_menu_new());
-    for (std::size_t index = 0; index < entries_.size(); ++index) {
-        const std::string title(app_.title(entries_[index]->command));
-        g_menu_append(commands.get(), title.c_str(), ("app." + actionName(index)).c_str());
+    for (const auto& entry : entries_) {
+        const std::string title(app_.title(entry->command));
+        const std::string action = fmt::format("app.{}", entry->command.action);
+        g_menu_append(commands.get(), title.c_str(), action.c_str());
     }
     const GlibReference<GMenu> end(g_menu_new());
     const std::string quitTitle(app_.language().text("Salir de Velto", "Quit Velto"));

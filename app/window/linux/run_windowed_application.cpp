@@ -38,7 +38,10 @@ public:
         connect("shutdown", G_CALLBACK(+[](GApplication*, gpointer self) { of(self).shutDown(); }));
     }
 
-    int run() { return g_application_run(G_APPLICATION(application_.get()), 0, nullptr); }
+    int run(const AppCommand* asked) {
+        if (asked != nullptr) ask(*asked);
+        return g_application_run(G_APPLICATION(application_.get()), 0, nullptr);
+    }
 
 private:
     /// What stands while the application runs, in the order in which it is made.
@@ -60,6 +63,19 @@ private:
         std::unique_ptr<MainWindow> window;
         std::unique_ptr<MainWindow> closing;
     };
+
+    /// The application that runs already is asked by its action; this process then only has it show
+    /// its window.
+    void ask(const AppCommand& command) {
+        GApplication* const application = G_APPLICATION(application_.get());
+        if (g_application_register(application, nullptr, nullptr) != FALSE &&
+            g_application_get_is_remote(application) != FALSE) {
+            g_action_group_activate_action(G_ACTION_GROUP(application), command.action.data(),
+                                           nullptr);
+            return;
+        }
+        app_.performWhenShown(command);
+    }
 
     static WindowedApplication& of(gpointer self) {
         return *static_cast<WindowedApplication*>(self);
@@ -154,19 +170,23 @@ private:
 }  // namespace
 }  // namespace window
 
-int runWindowedApplication(VeltoApp& app, Platform& platform) {
+int runWindowedApplication(VeltoApp& app, Platform& platform, const AppCommand* asked) {
     const auto bundle = window::bundleFolder(platform);
     if (!bundle) fatal(window::missingBundleMessage);
     window::prepareEnvironment(platform);
     auto session = window::makeSession(platform);
+    // What the display knows the program by: its windows belong to the desktop entry of that name.
+    g_set_prgname(programIdentifier);
+    g_set_application_name("Velto");
     if (gtk_init_check() == FALSE) {
         std::fputs("velto: no display: neither a Wayland nor an X11 display answers\n", stderr);
         return EXIT_FAILURE;
     }
+    gtk_window_set_default_icon_name(programIdentifier);
     window::nameLanguage(platform);
     const window::PageFiles page(*platform.files, *bundle);
     window::servePage(page);
-    return window::WindowedApplication(app, platform, std::move(session)).run();
+    return window::WindowedApplication(app, platform, std::move(session)).run(asked);
 }
 
 }  // namespace velto

@@ -128,7 +128,7 @@ void nameLanguage(const Platform& platform) {
 std::optional<std::string> bundleFolder(const Platform& platform) {
     const std::string folder = parentFolder(platform.executablePath);
     const auto bundle =
-        findResourceBundle({folder, folder + "/../share/velto", folder + "/../lib/velto"},
+        findResourceBundle({folder, folder + "/../../share/velto", folder + "/../share/velto"},
                            [&](const std::string& path) { return platform.files->exists(path); });
     if (!bundle) return std::nullopt;
     return platform.files->resolved(*bundle);

@@ -7,7 +7,7 @@
 
 namespace velto {
 
-int runWindowedApplication(VeltoApp& app, Platform& platform) {
+int runWindowedApplication(VeltoApp& app, Platform& platform, const AppCommand* asked) {
     @autoreleasepool {
         NSApplication* application = NSApplication.sharedApplication;
         // Outside a bundle a program has neither a menu bar nor a place in the Dock by itself.
@@ -16,6 +16,7 @@ int runWindowedApplication(VeltoApp& app, Platform& platform) {
         app.setShell(shell);
         DockTile dock;
         app.setTaskBar(&dock);
+        if (asked != nullptr) app.performWhenShown(*asked);
         // The application holds its delegate weakly; without the attribute the compiler could
         // release it right after the assignment.
         __attribute__((objc_precise_lifetime)) ApplicationController* controller =
