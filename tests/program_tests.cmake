@@ -1,6 +1,6 @@
 # The tests that need no test program of their own: the page's, the real program's, and the
 # check of the macOS sources and of their configuration. Sanitized builds leave them to the plain ones.
-if(VELTO_SANITIZE)
+if(VELTO_SANITIZE OR NOT VELTO_PROGRAM_TESTS)
     return()
 endif()
 
@@ -35,6 +35,11 @@ if(CMAKE_BUILD_TYPE STREQUAL "Release")
     add_test(NAME program.hardening COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/hardening_test.sh
         $<TARGET_FILE:velto> $<TARGET_OBJECTS:velto> ${CMAKE_BINARY_DIR}/compile_commands.json)
 endif()
+
+add_test(NAME packages.identifier COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/packages/identifier_test.sh
+    ${CMAKE_CURRENT_BINARY_DIR}/identifier)
+add_test(NAME packages.version COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/packages/version_test.sh
+    $<TARGET_FILE:velto> ${CMAKE_BINARY_DIR} ${PROJECT_VERSION})
 
 # What the tests of the real program need besides it.
 velto_system_package(GIO gio-unix-2.0)

@@ -1,10 +1,92 @@
-# The application as it is given to others. Sourced by ./dev.
+# The program as it is given to others. Sourced by ./dev.
 
-# On Linux `cmake --install` lays out the package (docs/development.md).
 run_package() {
-    on_mac || fail "the disk image can only be made on a Mac"
     setup_build
+    if on_mac; then
+        build_page
+        compile universal
+        packaging/macos/disk_image.sh build/universal build/package
+        return
+    fi
+    need_packages package
     build_page
-    compile universal
-    packaging/macos/disk_image.sh build/universal build/package
+    package_linux build/package
+    source_archive build/package/packages
+    say "Packages: build/package/packages"
+    (cd build/package/packages && ls -1 -- *.deb *.rpm *.tar.xz)
+}
+
+# The day of the sources: what is made of them carries it, and is therefore the same each time.
+source_date() {
+    if [ -n "${SOURCE_DATE_EPOCH:-}" ]; then
+        echo "$SOURCE_DATE_EPOCH"
+    else
+        git log -1 --format=%ct 2>/dev/null || stat -c %Y CHANGELOG.md
+    fi
+}
+
+project_version() { sed -n 's/^project(velto VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
+
+# Packages of one version for several releases of a distribution differ in what they depend on, and so
+# in their names: "1~deb12". VELTO_PACKAGE_NUMBER counts packages of the same version.
+package_release() {
+    local number=${VELTO_PACKAGE_NUMBER:-1}
+    (
+        # shellcheck source=/dev/null
+        . /etc/os-release
+        case $ID in
+            debian) echo "$number~deb${VERSION_ID:-0}" ;;
+            ubuntu) echo "$number~ubuntu$VERSION_ID" ;;
+            *) echo "$number" ;;
+        esac
+    )
+}
+
+# package_linux FOLDER: builds there and leaves a .deb and a .rpm in FOLDER/packages.
+package_linux() {
+    local folder=$1 log=$logs/package.log
+    SOURCE_DATE_EPOCH=$(source_date)
+    export SOURCE_DATE_EPOCH
+    umask 022
+    say "Building the packages"
+    rm -rf "$folder/packages"
+    {
+        cmake --preset package -B "$folder" -DVELTO_PACKAGE_RELEASE="$(package_release)" &&
+            cmake --build "$folder" --parallel "$(cores)" --target velto velto-icons page &&
+            (cd "$folder" && cpack -G DEB && cpack -G RPM)
+    } >"$log" 2>&1 || {
+        grep -A 12 -E '^FAILED|[Ee]rror' "$log" | head -n 40 >&2
+        fail "the packages cannot be made (log: ${log#"$root"/})"
+    }
+    rm -rf "$folder/packages/_CPack_Packages"
+    pack_again "$folder"/packages/*.deb
+}
+
+# pack_again DEB: CPack packs files in the order and with the times in which it meets them.
+pack_again() {
+    local tree=$1.tree
+    rm -rf "$tree"
+    dpkg-deb --raw-extract "$1" "$tree"
+    find "$tree" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
+    dpkg-deb --root-owner-group -Zxz --threads-max=1 --build "$tree" "$1" >>"$logs/package.log"
+    rm -rf "$tree"
+}
+
+# source_archive FOLDER: the sources as git has them, with the built page: what a distribution builds
+# from needs neither Node nor a network.
+source_archive() {
+    local version name tree
+    version=$(project_version)
+    name=velto-$version
+    tree=$(git stash create 2>/dev/null || true)
+    local work=$root/build/source-archive
+    rm -rf "$work"
+    mkdir -p "$work"
+    git archive --prefix="$name/" "${tree:-HEAD}" | tar -x -C "$work" ||
+        fail "the source archive is made in a git working tree"
+    mkdir -p "$work/$name/resources/dist"
+    cp -r resources/dist/. "$work/$name/resources/dist/"
+    tar -C "$work" --sort=name --mtime="@$(source_date)" --owner=0 --group=0 --numeric-owner \
+        --mode=go=rX,u+rw --format=gnu -c "$name" | xz -T1 -6 >"$1/$name.tar.xz"
+    rm -rf "$work"
 }

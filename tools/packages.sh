@@ -8,7 +8,10 @@ debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-them
 debian_test=("${debian_display[@]}" at-spi2-core xdotool chromium-headless-shell clang libclang-rt-dev lld llvm strace
     procps sysstat lm-sensors iproute2 systemd packagekit polkitd
     btrfs-progs dosfstools e2fsprogs libfuse3-dev xfsprogs)
-debian_check=(clang clang-format clang-tidy shellcheck clang-19 libc++-19-dev libfuse3-dev)
+debian_package=(dpkg-dev rpm git xz-utils)
+debian_check=(clang clang-format clang-tidy shellcheck clang-19 libc++-19-dev libfuse3-dev
+    "${debian_package[@]}" lintian desktop-file-utils appstream man-db)
+debian_trees=(debootstrap)
 debian_fuzz=(clang libclang-rt-dev llvm)
 debian_bench=("${debian_display[@]}" time ncdu gdu jdupes fdupes rmlint)
 
@@ -16,7 +19,8 @@ mac_build=(cmake ninja pkgconf ccache fmt nlohmann-json googletest google-benchm
 mac_check=(clang-format llvm shellcheck)
 mac_bench=(ncdu gdu jdupes fdupes)
 
-# need_packages TASK: installs what is missing for build, display, test, check, fuzz or bench.
+# need_packages TASK: installs what is missing for build, display, test, package, check, trees, fuzz
+# or bench.
 need_packages() {
     local -a wanted=()
     if on_mac; then
@@ -31,7 +35,9 @@ need_packages() {
             build) wanted=("${debian_build[@]}") ;;
             display) wanted=("${debian_display[@]}") ;;
             test) wanted=("${debian_test[@]}") ;;
+            package) wanted=("${debian_package[@]}") ;;
             check) wanted=("${debian_check[@]}") ;;
+            trees) wanted=("${debian_trees[@]}") ;;
             fuzz) wanted=("${debian_fuzz[@]}") ;;
             bench) wanted=("${debian_bench[@]}") ;;
         esac

@@ -1,26 +1,67 @@
-# The program looks for its resource bundle and for its worker beside itself, so all live in a folder
-# of their own and the command is a link to the program (which asks the system where it really is).
+# Where everything goes on Linux. The worker stands beside the program, which looks for it there; the
+# command is a link to the program (which asks the system where it really is); the page is the same for
+# every processor.
 include(GNUInstallDirs)
+include(${CMAKE_CURRENT_LIST_DIR}/documents.cmake)
+
 set(folder lib/velto)
 install(TARGETS velto velto-icons DESTINATION ${folder})
-install(DIRECTORY ${CMAKE_BINARY_DIR}/Velto_velto_app.bundle DESTINATION ${folder})
-set(command ${CMAKE_INSTALL_BINDIR}/velto)
-install(CODE "
-    set(command \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${command}\")
-    cmake_path(GET command PARENT_PATH parent)
-    file(MAKE_DIRECTORY \"\${parent}\")
-    file(RELATIVE_PATH target \"\${parent}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${folder}/velto\")
-    message(STATUS \"Linking: \${command} -> \${target}\")
-    file(CREATE_LINK \"\${target}\" \"\${command}\" SYMBOLIC)
-")
+install(DIRECTORY ${CMAKE_BINARY_DIR}/Velto_velto_app.bundle
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/velto)
+file(RELATIVE_PATH target /${CMAKE_INSTALL_BINDIR} /${folder}/velto)
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/bin)
+file(CREATE_LINK ${target} ${CMAKE_CURRENT_BINARY_DIR}/bin/velto SYMBOLIC)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/bin/velto DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-set(linux ${CMAKE_CURRENT_SOURCE_DIR}/linux)
+# What follows needs nothing that is compiled: `cmake --install BUILD --component desktop` is enough.
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME desktop)
+set(made ${CMAKE_CURRENT_BINARY_DIR}/made)
+
+# AppStream wants three parts.
+string(REGEX MATCHALL "\\." stops "${VELTO_APP_ID}")
+list(LENGTH stops stops)
+set(VELTO_COMPONENT_ID ${VELTO_APP_ID})
+if(stops LESS 2)
+    string(APPEND VELTO_COMPONENT_ID .velto)
+endif()
+string(REGEX REPLACE "\\.[^.]*$" "" VELTO_DEVELOPER_ID "${VELTO_COMPONENT_ID}")
+set(VELTO_HOMEPAGE_ELEMENT "")
+if(VELTO_HOMEPAGE)
+    set(VELTO_HOMEPAGE_ELEMENT "  <url type=\"homepage\">${VELTO_HOMEPAGE}</url>\n")
+endif()
+set(VELTO_RELEASE_TYPE stable)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    set(VELTO_RELEASE_TYPE development)
+endif()
+
+configure_file(linux/velto.desktop.in ${made}/${VELTO_APP_ID}.desktop @ONLY)
+configure_file(linux/velto.metainfo.xml.in ${made}/${VELTO_COMPONENT_ID}.metainfo.xml @ONLY)
+install(FILES ${made}/${VELTO_APP_ID}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
+install(FILES ${made}/${VELTO_COMPONENT_ID}.metainfo.xml
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+
 set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
-install(FILES ${linux}/app.velto.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-install(FILES ${linux}/app.velto.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo
-    RENAME app.velto.Velto.metainfo.xml)
-install(FILES icon.svg DESTINATION ${icons}/scalable/apps RENAME app.velto.svg)
+install(FILES icon.svg DESTINATION ${icons}/scalable/apps RENAME ${VELTO_APP_ID}.svg)
+install(FILES linux/icon-symbolic.svg
+    DESTINATION ${icons}/symbolic/apps RENAME ${VELTO_APP_ID}-symbolic.svg)
 foreach(size 128 256)
-    install(FILES ${linux}/icon-${size}.png
-        DESTINATION ${icons}/${size}x${size}/apps RENAME app.velto.png)
+    install(FILES linux/icon-${size}.png
+        DESTINATION ${icons}/${size}x${size}/apps RENAME ${VELTO_APP_ID}.png)
 endforeach()
+
+velto_compressed_page(linux/man/velto.1.in velto.1 ${CMAKE_INSTALL_MANDIR}/man1)
+velto_compressed_page(linux/man/velto.es.1.in es/velto.1 ${CMAKE_INSTALL_MANDIR}/es/man1)
+
+# Debian's zsh looks for what packages bring in a folder of its own.
+set(zsh site-functions)
+if(EXISTS /etc/debian_version)
+    set(zsh vendor-completions)
+endif()
+set(completions linux/completions)
+install(FILES ${completions}/velto.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME velto)
+install(FILES ${completions}/_velto DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh})
+install(FILES ${completions}/velto.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+
+velto_install_documents(${CMAKE_INSTALL_DATADIR}/doc/velto)
