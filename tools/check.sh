@@ -36,6 +36,9 @@ run_checks() {
     say "The page's types (svelte-check)"
     npm run --silent --prefix resources check || failed+=(svelte-check)
 
+    say "Links in the documents"
+    node tests/document_links.mjs || failed+=(links)
+
     say "Type-check of the macOS sources"
     if on_mac; then
         echo "    skipped: here the compiler itself sees them"
@@ -49,6 +52,9 @@ run_checks() {
 
         say "CMake's configuration for a Mac"
         tests/mac_configure.sh || failed+=(mac-configuration)
+
+        say "The packages (lintian, desktop entry, metainfo, manual pages, the same bytes twice)"
+        check_packages || failed+=(packages)
 
         say "Tests on volumes that take names as a Mac's do"
         compile debug velto-passing-volume test_platform test_cleaning test_analysis test_uninstall \

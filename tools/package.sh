@@ -53,13 +53,19 @@ package_linux() {
     {
         cmake --preset package -B "$folder" -DVELTO_PACKAGE_RELEASE="$(package_release)" &&
             cmake --build "$folder" --parallel "$(cores)" --target velto velto-icons page &&
-            (cd "$folder" && cpack -G DEB && cpack -G RPM)
+            (for_each_packer "$folder")
     } >"$log" 2>&1 || {
         grep -A 12 -E '^FAILED|[Ee]rror' "$log" | head -n 40 >&2
         fail "the packages cannot be made (log: ${log#"$root"/})"
     }
     rm -rf "$folder/packages/_CPack_Packages"
-    pack_again "$folder"/packages/*.deb
+    ! have dpkg-deb || pack_again "$folder"/packages/*.deb
+}
+
+for_each_packer() {
+    cd "$1" &&
+        { ! have dpkg-shlibdeps || cpack -G DEB; } &&
+        { ! have rpmbuild || cpack -G RPM; }
 }
 
 # pack_again DEB: CPack packs files in the order and with the times in which it meets them.
@@ -89,4 +95,43 @@ source_archive() {
     tar -C "$work" --sort=name --mtime="@$(source_date)" --owner=0 --group=0 --numeric-owner \
         --mode=go=rX,u+rw --format=gnu -c "$name" | xz -T1 -6 >"$1/$name.tar.xz"
     rm -rf "$work"
+}
+
+# What the tools of Debian and of the desktops have to say about the packages, and whether they come out
+# the same when they are built again somewhere else.
+check_packages() {
+    local failed=0 page
+    build_page
+    package_linux build/package
+    source_archive build/package/packages
+    local made=build/package/packages
+    # No changelog entry closes a request for packaging: this is no upload to Debian.
+    lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs "$made"/*.deb || failed=1
+    local installed=build/package/checked
+    rm -rf "$installed"
+    dpkg-deb --extract "$made"/*.deb "$installed"
+    desktop-file-validate "$installed"/usr/share/applications/*.desktop || failed=1
+    appstreamcli validate --pedantic --no-net "$installed"/usr/share/metainfo/*.xml || failed=1
+    for page in "$installed"/usr/share/man/man1/velto.1.gz "$installed"/usr/share/man/es/man1/velto.1.gz; do
+        LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$page" \
+            2>"$logs/man.log" >/dev/null || failed=1
+        [ ! -s "$logs/man.log" ] || { cat "$logs/man.log" && failed=1; }
+    done
+    tests/packages/reproducible.sh "$made" || failed=1
+    return $failed
+}
+
+try_packages() {
+    [ "$(id -u)" -eq 0 ] || fail "only root can make and enter the trees"
+    [ $# -gt 0 ] || set -- bookworm trixie
+    need_packages trees
+    setup_build
+    build_page
+    local archive=build/trees/source release
+    mkdir -p "$archive"
+    source_archive "$archive"
+    for release in "$@"; do
+        tests/packages/debian.sh "$release" "$archive/velto-$(project_version).tar.xz" "$(source_date)" \
+            2>&1 | tee "$logs/package-$release.log"
+    done
 }

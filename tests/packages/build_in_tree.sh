@@ -1,0 +1,23 @@
+#!/usr/bin/env bash
+# Inside a tree (debian.sh): two packages from the source archive, one with the next number.
+set -euo pipefail
+rm -rf /build
+mkdir /build
+tar -x -C /build -f /shared/source.tar.xz
+cd /build/velto-*
+root=$PWD
+logs=$PWD/build/logs
+mkdir -p "$logs"
+export root logs
+# shellcheck source=/dev/null
+. tools/common.sh
+# shellcheck source=/dev/null
+. tools/package.sh
+for number in 1 2; do
+    VELTO_PACKAGE_NUMBER=$number package_linux build/package
+    mkdir -p "/shared/packages/$number"
+    rm -f "/shared/packages/$number"/*
+    cp build/package/packages/* "/shared/packages/$number/"
+done
+cp "$logs/package.log" /shared/
+grep -c 'warning:' "$logs/package.log" | sed 's/$/ warnings of the compiler/'
