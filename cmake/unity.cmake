@@ -19,7 +19,8 @@ set(compiled_alone
     platform/linux/application_unit platform/linux/flatpak_instances
     platform/linux/icon_theme_name platform/linux/installed_applications
     platform/linux/kernel_file platform/linux/launchers platform/linux/mount_table
-    platform/linux/process_files platform/linux/read_property_list platform/linux/thermal_zones
+    platform/linux/process_files platform/linux/thermal_zones
+    platform/linux/with_libplist/read_property_list
     cleaning/CloudFolder cleaning/TrashRecovery_sides
     analysis/ExclusionService analysis/MeasurementFile analysis/folders/FolderCache
     analysis/folders/folder_file analysis/growth/thinning

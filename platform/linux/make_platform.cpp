@@ -25,6 +25,7 @@
 #include "platform/linux/packages/PackageKit.h"
 #include "platform/linux/packages/Snapd.h"
 #include "platform/linux/packages/SystemFlatpaks.h"
+#include "platform/linux/property_lists.h"
 #include "platform/posix/PosixFileManager.h"
 #include "platform/posix/PosixToolRunner.h"
 #include "platform/values/text.h"
@@ -151,6 +152,12 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
 
     const std::string home = resolvedHome(*platform->files);
     platform->layout = layoutOf(home, *platform->files);
+    if (platform->layout.kind == HomeLayout::Kind::macOS && !readsPropertyLists()) {
+        platform->log->line(
+            "Velto ▶ compilado sin libplist: las aplicaciones de esta carpeta personal de Mac no "
+            "se "
+            "pueden leer");
+    }
     const std::string configuration = platform->layout.kind == HomeLayout::Kind::freedesktop
                                           ? platform->layout.configuration
                                           : configurationFolder(home, *platform->files);

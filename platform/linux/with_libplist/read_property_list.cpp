@@ -4,6 +4,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "platform/linux/property_lists.h"
 #include "platform/values/PropertyList.h"
 
 namespace velto {
@@ -106,6 +107,8 @@ PropertyList convert(plist_t node, int depth) {
 }
 
 }  // namespace
+
+bool readsPropertyLists() { return true; }
 
 std::optional<PropertyList> readPropertyList(std::string_view bytes) {
     if (!isBoundedPropertyList(bytes)) return std::nullopt;
