@@ -1,7 +1,9 @@
 # What CPack does with the files of a package between laying them out and packing them.
-file(GLOB_RECURSE changes ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/changelog.Debian.gz)
-if(changes AND NOT CPACK_GENERATOR STREQUAL "DEB")
-    file(REMOVE ${changes})
+if(NOT CPACK_GENERATOR STREQUAL "DEB")
+    file(GLOB_RECURSE changes ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/changelog.Debian.gz)
+    file(GLOB lintian ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/share/lintian
+        ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/share/lintian)
+    file(REMOVE_RECURSE ${changes} ${lintian})
 endif()
 # All files are as old as the sources.
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
