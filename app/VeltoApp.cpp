@@ -5,6 +5,7 @@
 
 #include "analysis/ExclusionService.h"
 #include "app/arguments.h"
+#include "app/information.h"
 #include "bridge/JSBridge.h"
 #include "platform/notification_permission.h"
 
@@ -19,6 +20,8 @@ constexpr std::array<AppCommand, 4> commandTable{{
     {"Abrir la Papelera de Velto", "Open Velto Trash", 0, false, "goView", "papelera", "trash",
      "--trash"},
 }};
+
+constexpr AppCommand guideEntry{"Guía de Velto", "Velto Guide", 0, false, "goView", "guia"};
 
 constexpr AppCommand settingsEntry{"Ajustes…", "Settings…", ',', false, "goView", "ajustes"};
 
@@ -52,7 +55,8 @@ void VeltoApp::windowOpened(const std::shared_ptr<WebView>& webView) {
                       .cleanups = cleanups_,
                       .uninstalls = uninstalls_,
                       .askToNotify = [&platform = platform_] { askToNotify(platform); },
-                      .progress = &progress_});
+                      .progress = &progress_,
+                      .version = versionText()});
     bridge_->attach(webView);
     quit_.setView(webView);
 }
@@ -73,6 +77,8 @@ void VeltoApp::windowClosed() {
 std::span<const AppCommand> VeltoApp::commands() { return commandTable; }
 
 const AppCommand& VeltoApp::settingsCommand() { return settingsEntry; }
+
+const AppCommand& VeltoApp::guideCommand() { return guideEntry; }
 
 std::string_view VeltoApp::title(const AppCommand& command) const {
     return language_.text(command.titleEs, command.titleEn);

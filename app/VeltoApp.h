@@ -67,6 +67,8 @@ public:
     static std::span<const AppCommand> commands();
     /// The one that a Mac has in the menu with the program's name.
     static const AppCommand& settingsCommand();
+    /// The one for help, after all others.
+    static const AppCommand& guideCommand();
     std::string_view title(const AppCommand& command) const;  // in the current language
     void perform(const AppCommand& command);                  // nothing while no bridge exists
     /// As `perform`, but where no page stands it waits for the next one. Of several that wait, the

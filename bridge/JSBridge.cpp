@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "bridge/AboutIntent.h"
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/CleaningIntents.h"
@@ -20,6 +21,7 @@
 #include "bridge/SystemIntents.h"
 #include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
+#include "bridge/UsageIntents.h"
 #include "bridge/events.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
@@ -108,6 +110,10 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         DeleteNowIntent::Context{link, platform_, language_, *cleaningIntents_});
     systemIntents_ = std::make_shared<SystemIntents>(
         SystemIntents::Context{link, state, platform_, *quitIntents_});
+    aboutIntent_ =
+        std::make_shared<AboutIntent>(AboutIntent::Context{link, platform_, context.version});
+    usageIntents_ = std::make_shared<UsageIntents>(
+        UsageIntents::Context{link, platform_, language_, context.usage});
 }
 
 JSBridge::~JSBridge() {

@@ -42,9 +42,11 @@ struct BridgeContext {
     CleanupQueue& cleanups;
     UninstallGate& uninstalls;
     std::function<void()> askToNotify = nullptr;  // the person, whether notifications may be shown
-    const WorkProgress* progress = nullptr;  // null: what runs is shown in the page alone
+    const WorkProgress* progress = nullptr;       // null: what runs is shown in the page alone
+    std::string_view version;                     // of this build
 };
 
+class AboutIntent;
 class AccessIntents;
 class AppIntents;
 class CleaningIntents;
@@ -62,6 +64,7 @@ class ThemeIntents;
 class SettingsIntents;
 class SystemIntents;
 class TrashIntents;
+class UsageIntents;
 
 /// The controller between the page and every service: intents in (`intents.cpp` holds their table),
 /// events out (`events.h`), the first state, the analysis and the watch on Full Disk Access.
@@ -192,6 +195,8 @@ private:
     std::shared_ptr<ExclusionIntents> exclusionIntents_;
     std::shared_ptr<CleaningIntents> cleaningIntents_;
     std::shared_ptr<DeleteNowIntent> deleteNowIntent_;
+    std::shared_ptr<AboutIntent> aboutIntent_;
+    std::shared_ptr<UsageIntents> usageIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "bridge/AboutIntent.h"
 #include "bridge/AccessIntents.h"
 #include "bridge/AppIntents.h"
 #include "bridge/CleaningIntents.h"
@@ -20,6 +21,7 @@
 #include "bridge/SystemIntents.h"
 #include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
+#include "bridge/UsageIntents.h"
 #include "bridge/events.h"
 
 namespace velto {
@@ -58,6 +60,8 @@ struct IntentTable {
     static constexpr auto measured = &JSBridge::measurementIntents_;
     static constexpr auto deletingNow = &JSBridge::deleteNowIntent_;
     static constexpr auto exclusions = &JSBridge::exclusionIntents_;
+    static constexpr auto about = &JSBridge::aboutIntent_;
+    static constexpr auto usage = &JSBridge::usageIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -114,6 +118,9 @@ struct IntentTable {
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
         {"deleteNow", at<deletingNow, &DeleteNowIntent::onDeleteNow>},
         {"followSystemTheme", at<theme, &ThemeIntents::onFollowSystemTheme>},
+        {"about", at<about, &AboutIntent::onAbout>},
+        {"appUses", at<usage, &UsageIntents::onAppUses>},
+        {"recordAppUses", at<usage, &UsageIntents::onRecordAppUses>},
     });
 };
 

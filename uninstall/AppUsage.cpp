@@ -28,7 +28,9 @@ AppUsage::AppUsage(Platform& platform, Write write)
             platform.files->writeAtomically(path, content);
         };
     }
-    load();
+    const auto stored = platform_.defaults->value(defaultsKey::recordUses);
+    isRecording_ = stored != DefaultsValue(false);
+    if (isRecording_) load();
 }
 
 AppUsage& AppUsage::shared() {
@@ -68,6 +70,7 @@ void AppUsage::record(const std::string& bundleID, double time) {
     if (!isValidUtf8(bundleID)) return;  // could not be written as JSON
     {
         const std::lock_guard guard(lock_);
+        if (!isRecording_) return;
         double& known = launches_[bundleID];
         if (known >= time) return;
         known = time;
@@ -80,6 +83,24 @@ void AppUsage::record(const std::string& bundleID, double time) {
 std::map<std::string, double> AppUsage::launches() const {
     const std::lock_guard guard(lock_);
     return launches_;
+}
+
+bool AppUsage::isRecording() const {
+    const std::lock_guard guard(lock_);
+    return isRecording_;
+}
+
+void AppUsage::setRecording(bool on) {
+    const std::lock_guard one(saving_);  // no save puts the file back afterwards
+    platform_.defaults->setValue(defaultsKey::recordUses, on);
+    {
+        const std::lock_guard guard(lock_);
+        isRecording_ = on;
+        if (on) return;
+        launches_.clear();
+        isSaved_ = true;
+    }
+    platform_.files->removeAll(platform_.layout.dataFolder + fileName);
 }
 
 void AppUsage::forget() {

@@ -12,8 +12,13 @@
 
 namespace velto {
 
+namespace defaultsKey {
+inline constexpr const char* recordUses = "velto.recordUses";  // true unless switched off
+}  // namespace defaultsKey
+
 /// When applications were last used: what was seen while the program ran, kept in "app-usage.json"
-/// in the data folder. Safe from every thread, but for `start`.
+/// in the data folder, unless the user has switched that off. Safe from every thread, but for
+/// `start`.
 class AppUsage {
 public:
     /// Replaces the file at a path; throws FileError.
@@ -31,9 +36,9 @@ public:
     /// long as the platform's dispatcher runs its work.
     void start();
 
-    /// Notes one use. Ignored: an empty identifier, this program itself, a time that is not
-    /// positive and one that is not later than what is known. Uses that come together are saved
-    /// together, a moment later and off the main thread.
+    /// Notes one use. Ignored: every use while it is switched off, an empty identifier, this
+    /// program itself, a time that is not positive and one that is not later than what is known.
+    /// Uses that come together are saved together, a moment later and off the main thread.
     void record(const std::string& bundleID, double time);
 
     /// Writes what is not saved yet, if anything. Blocks. Failing is silent; the record goes on in
@@ -42,6 +47,13 @@ public:
 
     /// The latest use seen, seconds since 1970, by bundle identifier.
     std::map<std::string, double> launches() const;
+
+    /// Whether uses are noted.
+    bool isRecording() const;
+
+    /// Switches that, for later starts too. Off: every use is forgotten and the file removed.
+    /// Blocks. Throws FileError when the file cannot be removed; nothing reads it while it is off.
+    void setRecording(bool on);
 
     /// Forgets every use; the file is for whoever resets the data folder to remove.
     void forget();
@@ -64,6 +76,7 @@ private:
     std::mutex saving_;  // one at a time; taken before the other one
     mutable std::mutex lock_;
     std::map<std::string, double> launches_;
+    bool isRecording_ = true;
     bool isSaved_ = true;
     bool isAwaited_ = false;  // a save
     ProcessOwners owners_;

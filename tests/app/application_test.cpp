@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/VeltoApp.h"
+#include "app/information.h"
 #include "app/run_modes.h"
 #include "bridge/JSBridge.h"
 #include "platform/posix/PosixFileManager.h"
@@ -172,6 +173,26 @@ TEST_F(ApplicationTest, ACommandThatWaitsForThePageIsCarriedOutOnceThere) {
     app.windowOpened(page);
     app.pageLoaded();
     EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView"));
+}
+
+TEST_F(ApplicationTest, TheMenuOpensTheGuide) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    app.perform(VeltoApp::guideCommand());
+    EXPECT_THAT(page->scripts.back(), testing::HasSubstr("go('guia')"));
+    EXPECT_EQ(app.title(VeltoApp::guideCommand()), "Velto Guide");
+    app.windowClosed();
+}
+
+TEST_F(ApplicationTest, ThePageIsToldTheVersionThatTheProgramPrints) {
+    VeltoApp app(machine.platform);
+    app.setShell(shell);
+    app.windowOpened(page);
+    page->post({{"type", "about"}});
+    EXPECT_THAT(page->scripts.back(),
+                testing::HasSubstr(R"("version":")" + std::string(versionText()) + '"'));
+    app.windowClosed();
 }
 
 TEST_F(ApplicationTest, CommandTitlesFollowTheLanguage) {

@@ -55,7 +55,8 @@ struct BridgeFixture : testing::Test {
                                                      .cleanups = *cleanups,
                                                      .uninstalls = uninstalls,
                                                      .askToNotify = [this] { ++questions; },
-                                                     .progress = progress ? &*progress : nullptr});
+                                                     .progress = progress ? &*progress : nullptr,
+                                                     .version = "1.2.3"});
         bridge->attach(page);
     }
 

@@ -80,7 +80,7 @@ TEST_F(Intents, EveryKnownNameSurvivesEveryWrongPayload) {
         "cleanPaths",   "clearHistory",    "addExclusion",       "scanCleanables",
         "moveCloud",    "goView",          "maintenanceStatus",  "setAutoMaintenance",
         "exclusions",   "removeExclusion", "measureMaintenance", "restoreItemTo",
-        "stopAnalysis", "chooseExclusion"};
+        "stopAnalysis", "chooseExclusion", "recordAppUses"};
     const std::vector<json> wrong{nullptr,
                                   true,
                                   3.5,

@@ -4,6 +4,7 @@
 #include "fuzz/engine/MemoryFiles.h"
 #include "fuzz/engine/Target.h"
 #include "support/FakeDispatcher.h"
+#include "support/fakes.h"
 #include "uninstall/AppUsage.h"
 
 namespace velto::fuzz {
@@ -18,6 +19,7 @@ void judge(std::string_view input) {
     platform.layout = HomeLayout::macOS("/Users/ana");
     files->put(platform.layout.dataFolder + "/app-usage.json", input);
     platform.files = std::move(files);
+    platform.defaults = std::make_unique<FakeUserDefaults>();
     platform.dispatcher = std::make_unique<FakeDispatcher>();
     AppUsage usage(platform);
     auto expected = usage.launches();

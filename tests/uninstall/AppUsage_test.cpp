@@ -125,6 +125,48 @@ TEST_F(AppUsageTest, WhatWasForgottenIsNotWrittenBackByTheNextUse) {
     EXPECT_THAT(AppUsage(machine.platform).launches(), ElementsAre(Pair("com.example.new", 2000)));
 }
 
+TEST_F(AppUsageTest, SwitchedOffItForgetsRemovesItsFileAndRecordsNothingMore) {
+    {
+        AppUsage usage(machine.platform);
+        usage.record("com.example.old", 1000);
+        save();
+        usage.record("com.example.recent", 2000);  // its save is on its way
+        usage.setRecording(false);
+        usage.record("com.example.new", 3000);
+        EXPECT_THAT(usage.launches(), IsEmpty());
+        save();
+        usage.save();
+    }
+    EXPECT_FALSE(machine.home.exists(file()));
+    AppUsage later(machine.platform);
+    EXPECT_FALSE(later.isRecording()) << "the next start has forgotten the switch";
+    later.record("com.example.new", 4000);
+    later.save();
+    EXPECT_FALSE(machine.home.exists(file()));
+}
+
+TEST_F(AppUsageTest, SwitchedOnAgainItBeginsWithNothing) {
+    AppUsage usage(machine.platform);
+    EXPECT_TRUE(usage.isRecording());
+    usage.record("com.example.old", 1000);
+    usage.setRecording(false);
+    usage.setRecording(true);
+    usage.record("com.example.new", 2000);
+    save();
+    EXPECT_THAT(AppUsage(machine.platform).launches(), ElementsAre(Pair("com.example.new", 2000)));
+}
+
+TEST_F(AppUsageTest, AFileThatCouldNotBeRemovedIsNotReadWhileItIsOff) {
+    machine.defaults.setValue(defaultsKey::recordUses, false);
+    machine.home.text(file(), R"({"com.example.old": 1000})");
+    EXPECT_THAT(AppUsage(machine.platform).launches(), IsEmpty());
+}
+
+TEST_F(AppUsageTest, ASwitchThatIsNoSwitchLeavesItOn) {
+    machine.defaults.setValue(defaultsKey::recordUses, std::string("no"));
+    EXPECT_TRUE(AppUsage(machine.platform).isRecording());
+}
+
 TEST_F(AppUsageTest, UsesThatComeTogetherAreWrittenOnceAndNotOnTheMainThread) {
     int written = 0;
     AppUsage usage(machine.platform, [&](const std::string&, std::string_view) { ++written; });

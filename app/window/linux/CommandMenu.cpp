@@ -28,6 +28,8 @@ CommandMenu::CommandMenu(VeltoApp& app, GtkApplication* application)
         addAction(command.action.data(), shortcutOf(command).c_str(),
                   G_CALLBACK(&CommandMenu::perform), entries_.back().get());
     }
+    guide_ = std::make_unique<Entry>(Entry{app, VeltoApp::guideCommand()});
+    addAction("guide", "", G_CALLBACK(&CommandMenu::perform), guide_.get());
     addAction("quit", "<Control>q", G_CALLBACK(quit), application);
     update();
     app.language().observe([this, alive = std::weak_ptr<bool>(alive_)] {
@@ -39,6 +41,7 @@ CommandMenu::~CommandMenu() {
     for (const auto& entry : entries_) {
         g_action_map_remove_action(G_ACTION_MAP(application_), entry->command.action.data());
     }
+    g_action_map_remove_action(G_ACTION_MAP(application_), "guide");
     if (button_ != nullptr) {
         g_object_remove_weak_pointer(G_OBJECT(button_), reinterpret_cast<gpointer*>(&button_));
     }
@@ -80,6 +83,8 @@ void CommandMenu::update() {
         g_menu_append(commands.get(), title.c_str(), action.c_str());
     }
     const GlibReference<GMenu> end(g_menu_new());
+    const std::string guideTitle(app_.title(guide_->command));
+    g_menu_append(end.get(), guideTitle.c_str(), "app.guide");
     const std::string quitTitle(app_.language().text("Salir de Velto", "Quit Velto"));
     g_menu_append(end.get(), quitTitle.c_str(), "app.quit");
     g_menu_append_section(menu_.get(), nullptr, G_MENU_MODEL(commands.get()));

@@ -35,6 +35,7 @@ private:
     VeltoApp& app_;
     GtkApplication* application_;
     std::vector<std::unique_ptr<Entry>> entries_;
+    std::unique_ptr<Entry> guide_;
     GlibReference<GMenu> menu_;
     GtkWidget* button_ = nullptr;  // null while no window has one
     std::shared_ptr<bool> alive_;  // the language keeps its observers longer than this lives

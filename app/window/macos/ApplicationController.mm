@@ -117,6 +117,9 @@ NSWindow* makeWindow() {
     if (item.tag == velto::window::settingsTag) {
         return _app->perform(velto::VeltoApp::settingsCommand());
     }
+    if (item.tag == velto::window::guideTag) {
+        return _app->perform(velto::VeltoApp::guideCommand());
+    }
     _app->perform(velto::VeltoApp::commands()[static_cast<std::size_t>(item.tag)]);
 }
 

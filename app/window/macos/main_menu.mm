@@ -111,8 +111,11 @@ void installMainMenu(VeltoApp& app, const CommandReceiver& receiver) {
              {"Traer todo al frente", "Bring All to Front", @selector(arrangeInFront:), @""},
          },
          language);
+    NSMenu* helpMenu = addMenu(bar, language.text("Ayuda", "Help"));
+    [helpMenu addItem:commandItem(VeltoApp::guideCommand(), guideTag, app, receiver)];
 
     application.mainMenu = bar;
+    application.helpMenu = helpMenu;       // the system adds its search through the menus
     application.windowsMenu = windowMenu;  // the system adds the open windows to it
 }
 
