@@ -1,15 +1,18 @@
+import { fileURLToPath } from 'node:url';
 import { svelte } from '@sveltejs/vite-plugin-svelte';
 import { defineConfig } from 'vitest/config';
 import { classicPage } from './build/classicPage.ts';
+import { licenseList, papers } from './build/papers.ts';
 import { staticIcons } from './build/staticIcons.ts';
 
 export default defineConfig({
   base: './',
-  plugins: [staticIcons(), svelte(), classicPage()],
+  plugins: [staticIcons(), svelte(), classicPage(), papers(fileURLToPath(new URL('..', import.meta.url)))],
   build: {
     target: 'safari16.4',
     modulePreload: false,
     assetsInlineLimit: 0,
+    license: { fileName: licenseList },
     rolldownOptions: {
       // Vite hands `import.meta.url` to its preloading, which classicPage replaces.
       checks: { emptyImportMeta: false },

@@ -11,7 +11,7 @@ need_page_packages() {
 }
 
 page_fingerprint() {
-    (cd resources && fingerprint index.html src build ./*.json ./*.ts ./*.js)
+    (cd resources && fingerprint index.html src build ./*.json ./*.ts ./*.js ../LICENSE ../docs/guide ../packaging/notices)
 }
 
 build_page() {

@@ -17,7 +17,7 @@ const policy = [
   "form-action 'none'",
 ].join('; ');
 
-const table = 'globalThis.veltoScripts';
+export const table = 'globalThis.veltoScripts';
 
 /** The first script makes the table; asking for a script that has not been loaded is an error. */
 function classicScript(fileName: string, code: string, isFirst: boolean): string {
@@ -35,7 +35,7 @@ function classicScript(fileName: string, code: string, isFirst: boolean): string
  * The engine keeps a script of ASCII alone in half the memory and reads it faster. Beyond it there
  * are only texts here, where an escape means the same.
  */
-function inAscii(code: string): string {
+export function inAscii(code: string): string {
   return code.replace(/[^\0-\x7f]/g, (unit) => `\\u${unit.charCodeAt(0).toString(16).padStart(4, '0')}`);
 }
 

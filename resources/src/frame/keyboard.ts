@@ -40,6 +40,9 @@ export function handleKey(event: KeyboardEvent): void {
   if (event.key === 'F6') {
     event.preventDefault();
     focusNextRegion(event.shiftKey);
+  } else if (event.key === 'F1') {
+    event.preventDefault();
+    navigation.arrive('guia');
   } else if (command && event.key.toLowerCase() === 'f') {
     const search = document.querySelector<HTMLInputElement>('[data-search]');
     if (!search) return;

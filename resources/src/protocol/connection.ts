@@ -56,7 +56,7 @@ const laterEvents = [
   'onFolderGrowth', 'onGrowth', 'onHome', 'onHomeFolders', 'onCloudDrive', 'onCloudMove', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
   'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',
-  'onSystemActivity', 'onSystemDetails', 'onSystem', 'onApplicationStopped', 'onQuitting',
+  'onAbout', 'onAppUses', 'onSystemActivity', 'onSystemDetails', 'onSystem', 'onApplicationStopped', 'onQuitting',
 ] as const satisfies readonly EventName[];
 
 type LaterEvent = (typeof laterEvents)[number];

@@ -1,4 +1,5 @@
 /** Reads the arguments of the events that the second script listens for; see `Readers`. */
+import * as aboutGuards from './aboutGuards.ts';
 import * as appGuards from './appGuards.ts';
 import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
@@ -10,6 +11,14 @@ import { systemActivity, systemDetails, systemSample } from './systemGuards.ts';
 
 export const laterReaders: LaterReaders = {
   toast: ([title, detail]) => [guards.text(title), guards.text(detail)],
+  onAbout: ([value]) => {
+    const about = aboutGuards.about(value);
+    return about && [about];
+  },
+  onAppUses: ([value]) => {
+    const uses = aboutGuards.appUses(value);
+    return uses && [uses];
+  },
   onHome: ([path]) => [guards.text(path)],
   onHomeFolders: ([value]) => {
     const folders = folderGuards.homeFolders(value);

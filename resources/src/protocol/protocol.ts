@@ -2,6 +2,7 @@
  * Everything the page can ask of the native program (intents) and everything the program can tell
  * the page (events). docs/protocol.md shows an example of each.
  */
+import type { About, AppUses } from './aboutRecords.ts';
 import type {
   AppAnalysis, AppRemoval, InstalledApp, LeftBehindItem, LeftoverLink, PackageEnd, PackagePlan, UninstallResult,
   UninstallStage,
@@ -14,6 +15,7 @@ import type {
   RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemDetails, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
 
+export type * from './aboutRecords.ts';
 export type * from './appRecords.ts';
 export type * from './folderRecords.ts';
 export type * from './growthRecords.ts';
@@ -35,7 +37,7 @@ export interface SettingsChange {
 
 export type ViewName =
   | 'inicio' | 'explorar' | 'archivos' | 'duplicados' | 'limpieza' | 'papelera'
-  | 'historial' | 'apps' | 'sistema' | 'ajustes';
+  | 'historial' | 'apps' | 'sistema' | 'ajustes' | 'guia' | 'avisos';
 
 /** Intent name to payload; `void` means that nothing is sent along. */
 export interface Intents {
@@ -90,6 +92,9 @@ export interface Intents {
   deleteNow: { paths: string[] };
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
+  about: void;
+  appUses: void;
+  recordAppUses: { on: boolean };
   resetVelto: void;
   goView: ViewName;
   setAutoMaintenance: SettingsChange;
@@ -115,6 +120,8 @@ export interface Events {
   onExclusions: [paths: string[]];
   /** Comes before its `toast`. */
   onExcluded: [path: string];
+  onAbout: [about: About];
+  onAppUses: [uses: AppUses];
   onHome: [path: string];
   onHomeFolders: [folders: HomeFolders];
   onExactSizes: [sizes: ExactSizes];

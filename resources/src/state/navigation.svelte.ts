@@ -3,11 +3,16 @@ import { publish } from '../protocol/connection.ts';
 import type { ViewName } from '../protocol/protocol.ts';
 
 export const viewNames: readonly ViewName[] = [
-  'inicio', 'explorar', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'apps', 'sistema', 'ajustes',
+  'inicio', 'explorar', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'apps', 'sistema', 'ajustes', 'guia', 'avisos',
 ];
+
+/** Read for a moment, and left for the view before. */
+const papers: readonly ViewName[] = ['guia', 'avisos'];
 
 class Navigation {
   view = $state<ViewName>('inicio');
+  /** Where the way back from the guide and the notices leads. */
+  before = $state<ViewName>('ajustes');
   /** The path that the list of large files should show and focus; taken by the list. */
   wantedFile = $state<string | null>(null);
   /** The category whose large files should be listed; taken by their view. */
@@ -26,6 +31,7 @@ class Navigation {
   }
 
   arrive(view: ViewName): void {
+    if (papers.includes(view) && !papers.includes(this.view)) this.before = this.view;
     this.view = view;
     this.arrived = true;
   }

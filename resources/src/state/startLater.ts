@@ -5,6 +5,7 @@ import { language } from '../language/language.svelte.ts';
 import { listenLater, type LaterListeners } from '../protocol/connection.ts';
 import { laterReaders } from '../protocol/laterReaders.ts';
 import type { TrashItem } from '../protocol/protocol.ts';
+import { about } from './about.svelte.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { cloud } from './cloud.svelte.ts';
 import { folders } from './folders.svelte.ts';
@@ -34,6 +35,8 @@ export function startLater(): void {
       },
       onCloudDrive: (isThere) => (cloud.isThere = isThere),
       onCloudMove: (result) => cloud.receive(result),
+      onAbout: (told) => (about.program = told),
+      onAppUses: (uses) => (about.uses = uses),
       onHome: (path) => (session.home = path),
       onHomeFolders: (told) => (session.homeFolders = told),
       onExactSizes: (sizes) => (session.sizes = { ...session.sizes, ...sizes }),

@@ -8,9 +8,11 @@ import type { ViewName } from '../protocol/protocol.ts';
 import Ajustes from './ajustes/Ajustes.svelte';
 import Apps from './apps/Apps.svelte';
 import Archivos from './archivos/Archivos.svelte';
+import Avisos from './avisos/Avisos.svelte';
 import Duplicados from './duplicados/Duplicados.svelte';
 import Explorar from './explorar/Explorar.svelte';
 import GrowthCard from './explorar/growth/GrowthCard.svelte';
+import Guia from './guia/Guia.svelte';
 import Historial from './historial/Historial.svelte';
 import MapStrip from './inicio/measured/MapStrip.svelte';
 import NotMeasured from './inicio/measured/NotMeasured.svelte';
@@ -29,6 +31,8 @@ const contents: Record<Exclude<ViewName, 'inicio'>, Component> = {
   apps: Apps,
   sistema: Sistema,
   ajustes: Ajustes,
+  guia: Guia,
+  avisos: Avisos,
 };
 
 export { default as Overlays } from '../frame/Overlays.svelte';

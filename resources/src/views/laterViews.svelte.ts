@@ -17,7 +17,7 @@ function add(element: HTMLScriptElement | HTMLLinkElement): Promise<void> {
   });
 }
 
-function addScript(file: string): Promise<void> {
+export function addScript(file: string): Promise<void> {
   return add(Object.assign(document.createElement('script'), { src: file }));
 }
 

@@ -2,6 +2,7 @@ import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { violations } from '../support/axe.ts';
 import { launch, open, painted, type OpenPage, type Setting } from '../support/page.ts';
+import { tellAbout } from '../support/about.ts';
 import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult } from '../support/apps.ts';
 import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
 import { someMeasurement, tellMeasurement } from '../support/measurement.ts';
@@ -49,7 +50,8 @@ describe.each(languages)('$language', ({ translate }) => {
   }
 
   it('the views have no violation', async () => {
-    await check({ saved: translate(fullState()) }, ['inicio', 'archivos', 'duplicados', 'ajustes', 'apps'], async (opened) => {
+    await check({ saved: translate(fullState()) }, ['inicio', 'archivos', 'duplicados', 'ajustes', 'apps', 'guia', 'avisos'], async (opened) => {
+      await tellAbout(opened);
       await opened.tell('onPermissions', { fda: true });
       await opened.tell('onExclusions', ['/Users/marina/Music']);
     });

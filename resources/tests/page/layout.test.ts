@@ -1,6 +1,7 @@
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { launch, open, painted } from '../support/page.ts';
+import { tellAbout } from '../support/about.ts';
 import { analysisOf, hostileApps, hostileLeftovers, someApps, someLeftovers } from '../support/apps.ts';
 import { tellCleaning, trashItem, withHistory } from '../support/cleaning.ts';
 import { hostileDisk, macDisk, serveFolders } from '../support/folders.ts';
@@ -15,7 +16,7 @@ beforeAll(async () => {
 });
 afterAll(() => browser.close());
 
-const views = ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes', 'apps'];
+const views = ['inicio', 'archivos', 'duplicados', 'limpieza', 'papelera', 'historial', 'ajustes', 'guia', 'avisos', 'apps'];
 
 /** What sticks out sideways of the window or of a scrolling part of it, or out of its own control. */
 function sticksOut(page: Page): Promise<string[]> {
@@ -50,6 +51,7 @@ describe.each(sizes)('$name', ({ width, height, zoom }) => {
     await opened.tell('onPermissions', { fda: false });
     await opened.page.evaluate((size) => (document.documentElement.style.fontSize = size), zoom);
     await tellCleaning(opened, hostile);
+    await tellAbout(opened);
     for (const view of views) {
       await opened.go(view);
       await opened.tell('onExclusions', state.files.map(({ path }) => path));

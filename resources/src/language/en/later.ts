@@ -1,3 +1,4 @@
+import { about } from './about.ts';
 import { appWords } from './apps.ts';
 import { cleanup } from './cleanup.ts';
 import { cloud } from './cloud.ts';
@@ -11,4 +12,4 @@ import { systemWords } from './system.ts';
 import { trash } from './trash.ts';
 
 /** The words that come with the second script. */
-export const laterEn = { lists, cloud, folders, growth, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };
+export const laterEn = { about, lists, cloud, folders, growth, measured, settings, cleanup, trash, history, apps: appWords, system: systemWords };
