@@ -1,13 +1,14 @@
 // Makes a home with believable content, for pictures and for looking at the page with one's own
-// eyes: `node tools/sample_home.mjs FOLDER`, then `HOME=FOLDER build/release/velto`. It takes about
-// 40 GB of disk, most of it reserved without being written.
+// eyes: `node tools/sample_home.mjs FOLDER [SHARE]`, then `HOME=FOLDER build/release/velto`. It takes
+// about 40 GB of disk, or that share of it (0.25 for a quarter), most of it reserved without being
+// written.
 import { execFileSync } from 'node:child_process';
 import { mkdirSync, utimesSync, writeFileSync } from 'node:fs';
 import { dirname, join } from 'node:path';
 
-const home = process.argv[2];
-if (!home) {
-  console.error('usage: node tools/sample_home.mjs FOLDER');
+const [home, share = '1'] = process.argv.slice(2);
+if (!home || !(Number(share) > 0)) {
+  console.error('usage: node tools/sample_home.mjs FOLDER [SHARE]');
   process.exit(2);
 }
 
@@ -29,7 +30,7 @@ function make(path) {
 /** Reserved, never written. No two are of one size: all are full of zeros, hence equal. */
 let made = 0;
 function large(path, gb, days) {
-  const bytes = Math.round(gb * GB) + 100_000 * made++;
+  const bytes = Math.round(gb * GB * Number(share)) + 100_000 * made++;
   execFileSync('fallocate', ['-l', String(bytes), make(path)]);
   place(path, days);
 }
