@@ -12,6 +12,8 @@ function(velto_page_test name script)
 endfunction()
 velto_page_test(types check)
 velto_page_test(logic test)
+add_test(NAME release.papers COMMAND node --test --test-reporter=spec
+    ${CMAKE_CURRENT_SOURCE_DIR}/release/release.test.mjs)
 
 if(APPLE)
     # Skipped in sight of everyone, each with its reason.

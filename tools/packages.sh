@@ -42,8 +42,12 @@ need_packages() {
             bench) wanted=("${debian_bench[@]}") ;;
         esac
         install_with_apt "${wanted[@]}"
+    elif have dnf; then
+        # shellcheck source=/dev/null
+        . "$root/tools/packages_fedora.sh"
+        install_with_dnf "$1"
     else
-        fail "this machine has neither apt-get nor Homebrew: install the packages of tools/packages.sh by hand"
+        fail "this machine has neither apt-get, dnf nor Homebrew: install the packages of tools/packages.sh by hand"
     fi
 }
 
