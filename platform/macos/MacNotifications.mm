@@ -3,12 +3,52 @@
 #import <UserNotifications/UserNotifications.h>
 
 #include "platform/macos/foundation_text.h"
+#include "platform/notification_delivery.h"
 
 namespace velto {
 namespace {
 
-// The first notification asks the user whether there may be any; nobody may be there to answer.
-constexpr int64_t patience = 30 * NSEC_PER_SEC;
+using namespace std::chrono_literals;
+constexpr auto patience = 5s;  // nobody is asked, so only a centre in trouble takes longer
+
+NotificationPermission permissionOf(UNAuthorizationStatus status) {
+    switch (status) {
+        case UNAuthorizationStatusNotDetermined:
+            return NotificationPermission::unasked;
+        case UNAuthorizationStatusDenied:
+            return NotificationPermission::refused;
+        default:
+            return NotificationPermission::given;
+    }
+}
+
+class UserNotificationCentre final : public NotificationCentre {
+public:
+    void permission(std::function<void(NotificationPermission)> answer) override {
+        [centre() getNotificationSettingsWithCompletionHandler:^(UNNotificationSettings* settings) {
+          answer(permissionOf(settings.authorizationStatus));
+        }];
+    }
+
+    void add(const Notification& notification, std::function<void(std::string)> answer) override {
+        UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
+        content.title = nsString(notification.title);
+        content.body = nsString(notification.body);
+        UNNotificationRequest* const request =
+            [UNNotificationRequest requestWithIdentifier:nsString(notification.identifier)
+                                                 content:content
+                                                 trigger:nil];
+        [centre() addNotificationRequest:request
+                   withCompletionHandler:^(NSError* error) {
+                     answer(utf8(error.localizedDescription));
+                   }];
+    }
+
+private:
+    static UNUserNotificationCenter* centre() {
+        return UNUserNotificationCenter.currentNotificationCenter;
+    }
+};
 
 }  // namespace
 
@@ -24,32 +64,8 @@ void MacNotifications::post(const std::string& identifier, const std::string& ti
         return;
     }
     @autoreleasepool {
-        UNMutableNotificationContent* const content = [[UNMutableNotificationContent alloc] init];
-        content.title = nsString(title);
-        content.body = nsString(body);
-        UNNotificationRequest* const request =
-            [UNNotificationRequest requestWithIdentifier:nsString(identifier)
-                                                 content:content
-                                                 trigger:nil];
-        UNUserNotificationCenter* const centre = UNUserNotificationCenter.currentNotificationCenter;
-        dispatch_semaphore_t const done = dispatch_semaphore_create(0);
-        __block NSString* failure = nil;
-        void (^const finish)(NSError*) = ^(NSError* error) {
-          failure = error.localizedDescription;
-          dispatch_semaphore_signal(done);
-        };
-        [centre requestAuthorizationWithOptions:UNAuthorizationOptionAlert
-                              completionHandler:^(BOOL, NSError*) {
-                                // Refused: adding it tells why.
-                                [centre addNotificationRequest:request
-                                         withCompletionHandler:finish];
-                              }];
-        const long isLate =
-            dispatch_semaphore_wait(done, dispatch_time(DISPATCH_TIME_NOW, patience));
-        NSString* const reason = isLate != 0 ? @"no answer" : failure;
-        if (reason != nil) {
-            log_.line("Velto ▶ no se pudo entregar la notificación: " + utf8(reason));
-        }
+        UserNotificationCentre centre;
+        deliver(centre, {.identifier = identifier, .title = title, .body = body}, patience, log_);
     }
 }
 
