@@ -46,12 +46,12 @@ nlohmann::json sizesOf(const InstalledApps& apps, const std::vector<std::string>
 /// and remembered: a removal goes by what was shown. So is whether the application itself can go.
 /// Nothing when there is no such application.
 std::vector<std::string> analysisScripts(const Platform& platform, AppsWork& work,
-                                         const std::string& path) {
+                                         const std::string& path, bool hasAccess) {
     auto entry = work.apps.readApp(path);
     if (!entry) return {};
     entry->team = work.apps.teamID(path).value_or("");
     entry->running = work.apps.isRunning(*entry);
-    const nlohmann::json analysis = Leftovers::analyze(platform, work.apps, *entry);
+    const nlohmann::json analysis = Leftovers::analyze(platform, work.apps, *entry, hasAccess);
     AppRemover::ShownTargets shown;
     nlohmann::json links = nlohmann::json::array();
     for (const auto& [item, target] : Leftovers::linkTargets(platform, work.apps, analysis)) {
@@ -121,9 +121,10 @@ void AppIntents::onAppAnalysis(const Payload& payload) {
     Dispatcher& dispatcher = *context_.platform.dispatcher;
     dispatcher.global(QualityOfService::userInitiated, [&dispatcher, &platform = context_.platform,
                                                         work = context_.work, path = *path,
+                                                        hasAccess = context_.state.accessGranted,
                                                         weak = weak_from_this()] {
         if (weak.expired()) return;
-        const auto scripts = analysisScripts(platform, *work, path);
+        const auto scripts = analysisScripts(platform, *work, path, hasAccess);
         dispatcher.main([weak, scripts, path] {
             const auto self = weak.lock();
             if (!self) return;

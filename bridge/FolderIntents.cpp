@@ -4,6 +4,7 @@
 
 #include "bridge/events.h"
 #include "bridge/folder_search.h"
+#include "platform/privacy_gate.h"
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
 
@@ -95,9 +96,12 @@ void FolderIntents::onFolder(const Payload& payload) {
     const auto text = payload::stringMember(payload, "path");
     if (!text) return;
     const std::string& home = context_.platform.layout.home;
-    const FolderRequest question{.request = requestOf(payload),
-                                 .path = text->empty() ? home : pathBytes(*text)};
+    FolderRequest question{.request = requestOf(payload),
+                           .path = text->empty() ? home : pathBytes(*text)};
     if (!question.path.starts_with('/')) return;
+    // An earlier analysis may have had the access that the program lacks by now.
+    question.isWithheld = !context_.state.accessGranted &&
+                          isBehindPrivacyGate(context_.platform.layout, question.path);
     whenLoaded([weak = weak_from_this(), question] {
         if (const auto self = weak.lock()) self->open(question);
     });

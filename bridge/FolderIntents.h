@@ -7,6 +7,7 @@
 
 #include "analysis/folders/FolderCache.h"
 #include "bridge/BridgeLink.h"
+#include "bridge/BridgeState.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/Departures.h"
 #include "bridge/folder_contents.h"
@@ -24,6 +25,7 @@ public:
     /// Everything outlives the object, which belongs to the bridge behind `link`.
     struct Context {
         BridgeLink& link;
+        const BridgeState& state;
         Platform& platform;
         CleanupQueue& cleanups;
     };

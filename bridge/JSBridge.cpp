@@ -90,8 +90,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     themeIntents_ = std::make_shared<ThemeIntents>(ThemeIntents::Context{platform_, shell_});
     leftBehindIntent_ =
         std::make_shared<LeftBehindIntent>(LeftBehindIntent::Context{link, platform_, exclusions_});
-    folderIntents_ = std::make_shared<FolderIntents>(
-        FolderIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
+    folderIntents_ = std::make_shared<FolderIntents>(FolderIntents::Context{
+        .link = link, .state = state, .platform = platform_, .cleanups = cleanups_});
     growthIntents_ = std::make_shared<GrowthIntents>(
         GrowthIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
     measurementIntents_ = std::make_shared<MeasurementIntents>(MeasurementIntents::Context{

@@ -202,6 +202,7 @@ std::string folderContents(DirectoryReader& reader, const MeasuredFolders* measu
     // What was left out stays so: the system keeps some of it from programs, and asks the user.
     const FolderState state = tree[index].own.state;
     if (state != FolderState::measured) return answer.notFound(nameOf(state), &tree[index]);
+    if (question.isWithheld) return answer.notFound(nameOf(FolderState::withheld), &tree[index]);
 
     Listing listing;
     errno = 0;

@@ -23,7 +23,8 @@ using VolumeUses = std::map<std::string, VolumeUse, std::less<>>;
 /// What the page has asked of a folder.
 struct FolderRequest {
     std::int64_t request = 0;
-    std::string path;  // absolute
+    std::string path;         // absolute
+    bool isWithheld = false;  // by the system, which would ask the user: not opened
 };
 
 /// The answer as JSON (`onFolder`): what the analysis has measured, beside what is in the folder

@@ -13,6 +13,7 @@
 #include "cleaning/folder_size.h"
 #include "cleaning/known_caches.h"
 #include "cleaning/trash_refusal.h"
+#include "platform/privacy_gate.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
@@ -133,6 +134,12 @@ std::vector<Candidate> CleaningRules::caches() {
         std::erase_if(entries, [](const std::string& name) {
             return knownCache(name) == KnownCache::neverTaken;
         });
+    }
+    const auto isGuarded = [this](const std::string& name) {
+        return isBehindPrivacyGate(platform_.layout, inside(platform_.layout.caches, name));
+    };
+    if (std::ranges::any_of(entries, isGuarded) && !hasAccess_()) {
+        std::erase_if(entries, isGuarded);
     }
     std::vector<std::string> paths;
     paths.reserve(entries.size());

@@ -9,6 +9,7 @@
 
 #include "cleaning/folder_size.h"
 #include "cleaning/trash_refusal.h"
+#include "platform/privacy_gate.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
 
@@ -75,9 +76,13 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::find(const Switches& swit
         const auto rule = switches.find(id);
         return rule != switches.end() && rule->second;
     };
+    const auto mayRead = [&](const std::string& folder) {
+        return limits_.hasAccess || !isBehindPrivacyGate(platform_.layout, folder);
+    };
     std::vector<Found> all;
-    if (isOn("systemTrash")) append(all, [&] { return fromSystemTrash(); });
-    if (isOn("oldDownloads") && limits_.hasAccess) {
+    if (isOn("systemTrash") && mayRead(platform_.layout.systemTrash))
+        append(all, [&] { return fromSystemTrash(); });
+    if (isOn("oldDownloads") && mayRead(platform_.layout.downloads)) {
         append(all, [&] { return fromOldDownloads(); });
     }
     if (isOn("caches")) {

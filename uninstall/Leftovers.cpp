@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/privacy_gate.h"
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
 #include "platform/values/units.h"
@@ -54,22 +55,24 @@ std::vector<std::pair<std::string, std::string>> searchRoots(const HomeLayout& h
             {home.userLibrary + "/Logs", "logs"}};
 }
 
-std::vector<Candidate> searched(const Platform& platform, const AppEntry& entry) {
+std::vector<Candidate> searched(const Platform& platform, const AppEntry& entry, const Gate& gate) {
     if (platform.layout.kind == HomeLayout::Kind::freedesktop) {
         return desktopFindings(platform, entry);
     }
     std::vector<Candidate> all;
     for (const auto& [root, cat] : searchRoots(platform.layout)) {
-        const auto found = searchByName(*platform.files, *platform.locale, entry.name, {root}, cat);
+        const auto found = searchByName(*platform.files, *platform.locale, entry.name, {root}, cat,
+                                        searchLimit, gate);
         all.insert(all.end(), found.begin(), found.end());
     }
     return all;
 }
 
-std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& entry) {
+std::vector<Candidate> allCandidates(const Platform& platform, const AppEntry& entry,
+                                     const Gate& gate) {
     auto candidates =
         buildCandidates(entry.bid, entry.name, entry.exec, entry.path, entry.team, platform.layout);
-    const auto found = searched(platform, entry);
+    const auto found = searched(platform, entry, gate);
     candidates.insert(candidates.end(), found.begin(), found.end());
     return candidates;
 }
@@ -83,18 +86,34 @@ std::string measuredPath(const Platform& platform, const ItemRemoval& removal,
     return removal.placeOf(path).value_or(path);
 }
 
+/// Each item by the place where its size lies; what stays closed keeps 0.
+void measure(std::vector<Item>& items, const std::vector<std::string>& places,
+             const InstalledApps& apps, const Gate& gate) {
+    std::vector<Item*> open;
+    std::vector<std::string> paths;
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        if (gate && gate(places[index])) continue;
+        open.push_back(&items[index]);
+        paths.push_back(places[index]);
+    }
+    const auto sizes = apps.sizesOf(paths);
+    for (std::size_t index = 0; index < open.size(); ++index) {
+        open[index]->gb = roundedToThousandth(gigabytes(sizes[index]));
+    }
+}
+
 /// Everything that exists, each path once, in the order of the candidates.
 std::vector<Item> verifiedItems(const Platform& platform, const InstalledApps& apps,
-                                const AppEntry& entry, const Progress& progress) {
+                                const AppEntry& entry, const Gate& gate, const Progress& progress) {
     std::unordered_set<std::string> accepted{entry.path};
     std::vector<Item> items;
-    std::vector<std::string> paths;
+    std::vector<std::string> measured;
     const ItemRemoval removal(platform, apps);
-    for (const Candidate& candidate : allCandidates(platform, entry)) {
-        for (Candidate& found : expand(*platform.files, candidate)) {
+    for (const Candidate& candidate : allCandidates(platform, entry, gate)) {
+        for (Candidate& found : expand(*platform.files, candidate, expansionLimit, gate)) {
             if (accepted.contains(found.path) || !exists(*platform.files, found.path)) continue;
             accepted.insert(found.path);
-            paths.push_back(measuredPath(platform, removal, found.path));
+            measured.push_back(measuredPath(platform, removal, found.path));
             const std::string name(lastPathComponent(found.path));
             items.push_back({.id = "un-" + std::to_string(items.size() + 1),
                              .name = name,
@@ -102,10 +121,7 @@ std::vector<Item> verifiedItems(const Platform& platform, const InstalledApps& a
             if (progress) progress(name);
         }
     }
-    const auto sizes = apps.sizesOf(paths);
-    for (std::size_t index = 0; index < items.size(); ++index) {
-        items[index].gb = roundedToThousandth(gigabytes(sizes[index]));
-    }
+    measure(items, measured, apps, gate);
     return items;
 }
 
@@ -147,12 +163,18 @@ Totals totalsOf(const std::vector<Item>& items) {
 std::string_view rawValue(Conf conf) { return conf == Conf::certain ? "certain" : "possible"; }
 
 nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, const AppEntry& entry,
-                       const Progress& progress) {
+                       bool hasAccess, const Progress& progress) {
+    Gate gate;
+    if (!hasAccess) {
+        gate = [&layout = platform.layout](const std::string& path) {
+            return isBehindPrivacyGate(layout, path);
+        };
+    }
     const double gb =
         roundedToThousandth(entry.gb > 0 ? entry.gb : gigabytes(apps.sizeOf(entry.path)));
     std::vector<Item> items{
         {.id = "un-app", .name = entry.name, .what = {.path = entry.path, .cat = "app"}, .gb = gb}};
-    for (Item& item : verifiedItems(platform, apps, entry, progress))
+    for (Item& item : verifiedItems(platform, apps, entry, gate, progress))
         items.push_back(std::move(item));
     const Totals totals = totalsOf(items);
     return {{"bid", entry.bid},

@@ -47,28 +47,33 @@ std::vector<Candidate> buildCandidates(const std::string& bid, const std::string
                                        const std::string& exec, const std::string& bundlePath,
                                        const std::string& team, const HomeLayout& home);
 
+/// Tells which places stay closed, neither listed nor measured. An empty one closes none.
+using Gate = std::function<bool(const std::string& path)>;
+
 /// Folders below the roots that are named like the application, and entries so named one level
 /// deeper, each as `possible`. In every root at most `limit` folders are opened, in the order in
 /// which the system lists them; the first entry whose name begins with a full stop ends the search
-/// of its root, on purpose.
+/// of its root, on purpose. What the gate keeps is not opened.
 std::vector<Candidate> searchByName(const FileManager& files, const Locale& locale,
                                     const std::string& name, const std::vector<std::string>& roots,
-                                    const std::string& cat, int limit = searchLimit);
+                                    const std::string& cat, int limit = searchLimit,
+                                    const Gate& gate = {});
 
 /// What a candidate stands for: itself, or the first `limit` entries, by name, of its folder that
 /// begin with the prefix. An empty prefix stands for nothing, so that what is inside a bundle is
-/// never listed beside it, on purpose.
+/// never listed beside it, on purpose. Nor is a folder listed that the gate keeps.
 std::vector<Candidate> expand(const FileManager& files, const Candidate& candidate,
-                              int limit = expansionLimit);
+                              int limit = expansionLimit, const Gate& gate = {});
 
 /// The name of each item as it is found.
 using Progress = std::function<void(const std::string& name)>;
 
 /// The application and everything of it that exists, grouped, with sizes (decimal GB, three
 /// decimals) and totals; the shape is in docs/protocol.md. Blocking; safe from every thread. What
-/// cannot be read contributes nothing.
+/// cannot be read contributes nothing. Without access (`hasAccess`) what the system guards is named
+/// where its name is known, with the size 0, and not opened: the system would ask the user.
 nlohmann::json analyze(const Platform& platform, const InstalledApps& apps, const AppEntry& entry,
-                       const Progress& progress = {});
+                       bool hasAccess, const Progress& progress = {});
 
 /// Where each path of an analysis leads that is a link or lies behind one, by path: beside what
 /// `analyze` has found the user has to see what a removal would really reach. On a Linux home a

@@ -21,6 +21,8 @@ std::vector<std::string> namesIn(const FileManager& files, const std::string& fo
     }
 }
 
+bool isClosed(const Gate& gate, const std::string& folder) { return gate && gate(folder); }
+
 /// A link to a folder counts as one, as it does for whoever opens it.
 bool isFolder(const FileManager& files, const std::string& path) {
     const auto attributes = files.attributes(path);
@@ -38,12 +40,13 @@ bool isFolder(const FileManager& files, const std::string& path) {
 class Search {
 public:
     Search(const FileManager& files, const Locale& locale, Tokens tokens,
-           std::optional<std::string> second, std::string cat)
+           std::optional<std::string> second, std::string cat, const Gate& gate)
         : files_(files),
           locale_(locale),
           tokens_(std::move(tokens)),
           second_(std::move(second)),
-          cat_(std::move(cat)) {}
+          cat_(std::move(cat)),
+          gate_(gate) {}
 
     void run(const std::string& root, int limit, std::vector<Candidate>& found) const {
         int opened = 0;
@@ -56,6 +59,7 @@ public:
                 found.push_back(match(path));
                 continue;
             }
+            if (isClosed(gate_, path)) continue;
             if (opened == limit) return;
             ++opened;
             for (const std::string& child : namesIn(files_, path)) {
@@ -77,30 +81,32 @@ private:
     Tokens tokens_;
     std::optional<std::string> second_;
     std::string cat_;
+    const Gate& gate_;
 };
 
 }  // namespace
 
 std::vector<Candidate> searchByName(const FileManager& files, const Locale& locale,
                                     const std::string& name, const std::vector<std::string>& roots,
-                                    const std::string& cat, int limit) {
+                                    const std::string& cat, int limit, const Gate& gate) {
     const auto tokens = nameTokens(name, locale);
     std::vector<Candidate> found;
     if (tokens.empty()) return found;
     const Search search(files, locale, Tokens(tokens.begin(), tokens.end()),
-                        secondWord(name, locale), cat);
+                        secondWord(name, locale), cat, gate);
     for (const std::string& root : roots)
         search.run(root, limit, found);
     return found;
 }
 
-std::vector<Candidate> expand(const FileManager& files, const Candidate& candidate, int limit) {
+std::vector<Candidate> expand(const FileManager& files, const Candidate& candidate, int limit,
+                              const Gate& gate) {
     if (!candidate.prefix) return {candidate};
     const std::size_t slash = candidate.path.rfind('/');
     if (slash == std::string::npos || slash == 0) return {};
     const std::string folder = candidate.path.substr(0, slash);
     const std::string prefix = candidate.path.substr(slash + 1);
-    if (prefix.empty()) return {};
+    if (prefix.empty() || isClosed(gate, folder)) return {};
     std::vector<std::string> names = namesIn(files, folder);
     std::erase_if(names, [&](const std::string& name) { return !name.starts_with(prefix); });
     std::ranges::sort(names);

@@ -90,6 +90,23 @@ TEST_F(FolderIntentsTest, WhatIsNewIsNamedAndWhatIsGoneIsLeftOut) {
     EXPECT_THAT(gone["folders"], IsEmpty());
 }
 
+TEST_F(FolderIntentsTest, WhatAnEarlierAnalysisCouldReadStaysClosedWithoutAccess) {
+    home.file("Documents/letters/a", 10);
+    home.file("Music/a", 10);
+    analyse();
+    ASSERT_EQ(ask(home.path("Documents/letters"))["found"], true);
+    std::filesystem::remove_all(home.path("Library/Safari"));  // what the probe reads
+    bridge->checkFullDiskAccess();
+    machine.dispatcher.runAll();
+    for (const char* path : {"Documents", "Documents/letters"}) {
+        const nlohmann::json told = ask(home.path(path));
+        EXPECT_EQ(told["found"], false) << path;
+        EXPECT_EQ(told["state"], "withheld") << path;
+        EXPECT_GT(told["bytes"], 0) << "as it was measured";
+    }
+    EXPECT_EQ(ask(home.path("Music"))["found"], true);
+}
+
 TEST_F(FolderIntentsTest, AFolderThatHasBecomeALinkIsNotFollowed) {
     home.file("Music/albums/a", 10);
     home.file("elsewhere/private", 10);

@@ -7,6 +7,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 struct CleaningRulesDownloadsTest : CleaningRulesTest {
     void useLinuxHome(std::string_view userDirs) {
@@ -114,6 +115,15 @@ TEST_F(CleaningRulesDownloadsTest, AnOldInstallerIsListedOnceAsAnOldDownload) {
                                       .daysOld = 500,
                                       .label = "«old.dmg», sin abrir más de un año."}));
     EXPECT_THAT(paths(discover("installers")), ElementsAre(path));
+}
+
+TEST_F(CleaningRulesDownloadsTest, WithoutAccessTheCachesThatTheSystemGuardsAreNotMeasured) {
+    const std::string guarded = folderOf("Library/Caches/com.apple.HomeKit", 60'000'000);
+    const std::string cache = folderOf("Library/Caches/app", 60'000'000);
+    hasAccess = false;
+    EXPECT_THAT(paths(discover("caches")), ElementsAre(cache));
+    hasAccess = true;
+    EXPECT_THAT(paths(discover("caches")), UnorderedElementsAre(cache, guarded));
 }
 
 TEST_F(CleaningRulesDownloadsTest, WithoutAccessTheDownloadsAreNotEvenLookedAt) {

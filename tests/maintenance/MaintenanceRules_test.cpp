@@ -85,10 +85,12 @@ TEST_F(MaintenanceRulesTest, OneLockedFileKeepsNoOtherFromBeingMoved) {
 
 TEST_F(MaintenanceRulesTest, WithoutAccessNothingAsksForTheGuardedFolders) {
     limits.hasAccess = false;
+    thrownAway("a.iso", 60 * megabyte, 31);
     home().sparse("Downloads/film.mkv", 70 * megabyte).dated(now() - 400 * day, now() - 400 * day);
     filled("Downloads/one.bin", 'x');
     filled("Documents/other.bin", 'x');
-    EXPECT_THAT(run({{"oldDownloads", true}, {"duplicates", true}}), IsEmpty());
+    EXPECT_THAT(run({{"systemTrash", true}, {"oldDownloads", true}, {"duplicates", true}}),
+                IsEmpty());
 }
 
 struct CareTest : MaintenanceRulesTest {

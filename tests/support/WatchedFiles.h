@@ -30,6 +30,10 @@ public:
     }
     std::vector<std::string> list(const std::string& folder) const override {
         look(folder);
+        {
+            const std::lock_guard guard(lock_);
+            listed_.insert(folder);
+        }
         if (unlistable.contains(folder)) throw FileError("list", folder, EACCES);
         const auto replaced = listingOf.find(folder);
         return replaced == listingOf.end() ? files_->list(folder) : replaced->second;
@@ -55,6 +59,12 @@ public:
     std::set<std::string> unwritable;
     std::set<std::string> unremovable;
 
+    /// Every folder that was listed, or would have been.
+    std::set<std::string> listed() const {
+        const std::lock_guard guard(lock_);
+        return listed_;
+    }
+
     /// Every path that was looked at.
     std::set<std::string> looked() const {
         const std::lock_guard guard(lock_);
@@ -70,6 +80,7 @@ private:
     std::unique_ptr<FileManager> files_;
     mutable std::mutex lock_;
     mutable std::set<std::string> looked_;
+    mutable std::set<std::string> listed_;
 };
 
 }  // namespace velto

@@ -1,10 +1,13 @@
 #include "uninstall/Leftovers.h"
 
+#include <set>
+
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
 
 #include "UninstallWorld.h"
+#include "platform/privacy_gate.h"
 #include "support/WatchedFiles.h"
 
 namespace velto {
@@ -20,7 +23,7 @@ protected:
         return entry;
     }
     nlohmann::json analyzed(const AppEntry& entry) {
-        return Leftovers::analyze(machine.platform, apps, entry,
+        return Leftovers::analyze(machine.platform, apps, entry, hasAccess,
                                   [&](const std::string& name) { progress.push_back(name); });
     }
     static std::vector<nlohmann::json> itemsOf(const nlohmann::json& analysis) {
@@ -40,6 +43,7 @@ protected:
     std::string support() const { return home.path("Library/Application Support"); }
 
     std::string team;
+    bool hasAccess = true;
     std::vector<std::string> progress;
 };
 
@@ -192,6 +196,79 @@ TEST_F(LeftoversTest, AnAnalysisWithoutALibraryIsStillOne) {
     const AppEntry entry = entryOf("Foobar");
     std::filesystem::remove_all(home.path("Library"));
     EXPECT_EQ(analyzed(entry)["count"], 1);
+}
+
+// Folders that the system guards
+
+/// Keeps which folders were opened below the home.
+class OpenedFolders final : public DirectoryReader {
+public:
+    explicit OpenedFolders(std::unique_ptr<DirectoryReader> reader) : reader_(std::move(reader)) {}
+
+    std::shared_ptr<OpenFolder> open(const std::string& path) override {
+        paths.push_back(path);
+        return reader_->open(path);
+    }
+    std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override {
+        return reader_->openChild(parent, name);
+    }
+    bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override {
+        return reader_->read(folder, options, entries);
+    }
+    bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) override {
+        return reader_->status(folder, name, status);
+    }
+
+    std::vector<std::string> paths;
+
+private:
+    std::unique_ptr<DirectoryReader> reader_;
+};
+
+class LeftoversBehindTheGateTest : public LeftoversTest {
+protected:
+    LeftoversBehindTheGateTest() {
+        team = "TEAM";
+        library("Containers/com.example.foobar/data");
+        library("Group Containers/TEAM.com.example.foobar/data");
+        library("Group Containers/TEAM.shared/data");
+        library("Application Support/com.apple.TCC/foobar");
+        library("Application Support/Acme/foobar");
+        home.file("Library/Caches/com.example.foobar/x", 2'000'000);
+        auto watched = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
+        files = watched.get();
+        machine.platform.files = std::move(watched);
+        auto reader = std::make_unique<OpenedFolders>(std::move(machine.platform.directories));
+        opened = reader.get();
+        machine.platform.directories = std::move(reader);
+    }
+
+    WatchedFiles* files = nullptr;
+    OpenedFolders* opened = nullptr;
+};
+
+TEST_F(LeftoversBehindTheGateTest, WithoutAccessNothingThereIsListedOrMeasured) {
+    const AppEntry entry = entryOf("Foobar");
+    hasAccess = false;
+    const auto analysis = analyzed(entry);
+    EXPECT_THAT(pathsOf(analysis),
+                testing::UnorderedElementsAre(
+                    entry.path, home.path("Library/Containers/com.example.foobar"),
+                    home.path("Library/Group Containers/TEAM.com.example.foobar"),
+                    support() + "/Acme/foobar", home.path("Library/Caches/com.example.foobar")))
+        << "what is known by its name is a leftover all the same";
+    EXPECT_EQ(analysis["certain"], 0.002) << "of the cache";
+    std::set<std::string> looked = files->listed();
+    looked.insert(opened->paths.begin(), opened->paths.end());
+    EXPECT_THAT(looked, testing::Contains(support() + "/Acme"));
+    for (const std::string& path : looked)
+        EXPECT_FALSE(isBehindPrivacyGate(machine.platform.layout, path)) << path;
+}
+
+TEST_F(LeftoversBehindTheGateTest, WithAccessAllOfItIsFound) {
+    const auto paths = pathsOf(analyzed(entryOf("Foobar")));
+    EXPECT_THAT(paths, testing::IsSupersetOf({home.path("Library/Group Containers/TEAM.shared"),
+                                              support() + "/com.apple.TCC/foobar"}));
 }
 
 TEST_F(LeftoversTest, AllThreeRootsAreSearched) {

@@ -22,7 +22,7 @@ using Failure = AppRemover::Failure;
 class ChosenLink : public testing::Test, protected UninstallWorld {
 protected:
     std::map<std::string, LinkTarget> targets() {
-        analysis = Leftovers::analyze(machine.platform, apps, entry);
+        analysis = Leftovers::analyze(machine.platform, apps, entry, true);
         return Leftovers::linkTargets(machine.platform, apps, analysis);
     }
     nlohmann::json itemAt(const std::string& path) const {

@@ -66,7 +66,7 @@ void judge(std::string_view input) {
         require(!entry.bid.empty(), "a listed application has an identifier");
         entry.team = apps.teamID(entry.path).value_or("");
         require(!toJson(entry).dump().empty(), "it can be shown");
-        const auto analysis = Leftovers::analyze(platform, apps, entry);
+        const auto analysis = Leftovers::analyze(platform, apps, entry, true);
         require(!analysis.dump().empty(), "and so can what it leaves");
         proveLeftovers(analysis, platform.layout);
     }

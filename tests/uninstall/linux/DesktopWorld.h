@@ -69,7 +69,7 @@ struct DesktopWorld : UninstallWorld {
     std::vector<std::string> leftoversOf(const AppEntry& application,
                                          const std::string& conf = "") const {
         std::vector<std::string> paths;
-        const auto analysis = Leftovers::analyze(machine.platform, apps, application);
+        const auto analysis = Leftovers::analyze(machine.platform, apps, application, true);
         for (const auto& group : analysis["groups"]) {
             for (const auto& item : group["items"]) {
                 if (item["id"] == "un-app") continue;

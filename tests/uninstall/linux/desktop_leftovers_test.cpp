@@ -64,7 +64,7 @@ TEST_F(DesktopLeftovers, CommandsThatLeadIntoTheApplicationAreAPartOfIt) {
     EXPECT_THAT(leftoversOf(entry, "certain"),
                 UnorderedElementsAre(".local/share/applications/org.acme.Foobar.desktop",
                                      ".local/bin/foobar"));
-    const auto analysis = Leftovers::analyze(machine.platform, apps, entry);
+    const auto analysis = Leftovers::analyze(machine.platform, apps, entry, true);
     EXPECT_TRUE(Leftovers::linkTargets(machine.platform, apps, analysis).empty());
     const auto result = remover.uninstall(entry, {entry.path, home.path(".local/bin/foobar")});
     EXPECT_EQ(result.removed, 2) << "also when what it leads to is gone already";
@@ -184,7 +184,7 @@ TEST_F(DesktopLeftovers, ALinkThatWasChosenIsToldWithWhereItLeads) {
     home.text("dotfiles/foobar/settings", "x");
     home.folder(".config");
     home.link(".config/foobar", home.path("dotfiles/foobar"));
-    const auto analysis = Leftovers::analyze(machine.platform, apps, entry);
+    const auto analysis = Leftovers::analyze(machine.platform, apps, entry, true);
     const auto targets = Leftovers::linkTargets(machine.platform, apps, analysis);
     ASSERT_EQ(targets.count(home.path(".config/foobar")), 1u);
     EXPECT_EQ(targets.at(home.path(".config/foobar")),
