@@ -46,8 +46,13 @@ void CleanupQueue::run(Work work) {
     if (!line_->join(std::move(work))) return;
     // Whoever waits for the one before waits here, not on a thread of the global queue.
     dispatcher_.change([line = line_, shown = shown_ ? shown_->begin() : nullptr] {
-        while (const Work next = line->next())
-            next(line->services);
+        CleanupServices services = line->services;
+        services.shown = shown.get();
+        for (bool isFirst = true; const Work next = line->next(); isFirst = false) {
+            // How much of this one is done nobody has told yet.
+            if (shown && !isFirst) shown->report(std::nullopt);
+            next(services);
+        }
     });
 }
 

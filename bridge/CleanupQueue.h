@@ -17,6 +17,7 @@ struct CleanupServices {
     VeltoTrashService& trash;
     HistoryService& history;
     CloudFolder& cloud;
+    const WorkProgress::Work* shown = nullptr;  // the work in hand in the task bar; null: nowhere
 };
 
 /// One queue for all work on those services: one work item at a time touches them, in the order in

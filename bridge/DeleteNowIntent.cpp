@@ -87,7 +87,7 @@ void DeleteNowIntent::carryOut(const Platform& platform, Work& work, CleanupServ
     try {
         for (const TrashItem& item : operation.items) {
             deleteForGood(services, {item.id});
-            ++work.deleted;
+            showDone(services, ++work.deleted, operation.items.size());
             outcome.gone.push_back(item.originalPath);
         }
     } catch (const std::exception& error) {

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include "bridge/events.h"
 #include "bridge/trash_work.h"
 #include "platform/values/text.h"
 #include "settings/sentence_number.h"
@@ -13,6 +14,7 @@ namespace velto {
 namespace {
 
 constexpr const char* cleanupKind = "wind";
+constexpr double betweenWords = 0.25;  // seconds, on how far an emptying is
 
 }  // namespace
 
@@ -204,17 +206,37 @@ void TrashIntents::onPurgeOperation(const Payload& payload) {
         });
 }
 
+/// Tells the page how far the emptying is, a few times a second, from the thread of the work.
+VeltoTrashService::Progress TrashIntents::emptyingTold() {
+    return [&platform = platform_, weak = weak_from_this(), last = platform_.clock->monotonic()](
+               std::size_t done, std::size_t of) mutable {
+        const double now = platform.clock->monotonic();
+        if (now - last < betweenWords) return;
+        last = now;
+        platform.dispatcher->main([weak, done, of] {
+            if (const auto self = weak.lock())
+                self->link_.evaluate(events::trashEmptying(done, of));
+        });
+    };
+}
+
 void TrashIntents::onPurgeTrash(const Payload&) {
-    link_.enqueue([](CleanupServices& services, CleanupOutcome&) { services.trash.emptyTrash(); },
-                  [this](const CleanupOutcome& outcome) {
-                      if (outcome.failure) {
-                          link_.toastFailure("No se pudo vaciar", "Couldn't empty Trash", outcome);
-                      } else {
-                          link_.toast("Papelera vaciada", "Trash emptied",
-                                      language_.text("Elementos eliminados definitivamente.",
-                                                     "Items deleted permanently."));
-                      }
-                  });
+    link_.enqueue(
+        [tell = emptyingTold()](CleanupServices& services, CleanupOutcome&) {
+            services.trash.emptyTrash([&](std::size_t done, std::size_t of) {
+                showDone(services, done, of);
+                tell(done, of);
+            });
+        },
+        [this](const CleanupOutcome& outcome) {
+            if (outcome.failure) {
+                link_.toastFailure("No se pudo vaciar", "Couldn't empty Trash", outcome);
+            } else {
+                link_.toast("Papelera vaciada", "Trash emptied",
+                            language_.text("Elementos eliminados definitivamente.",
+                                           "Items deleted permanently."));
+            }
+        });
 }
 
 /// In its turn among the work on the trash, which writes the history too.

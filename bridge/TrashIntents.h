@@ -45,6 +45,7 @@ private:
     void moveToTrash(const std::vector<std::string>& paths, const std::string& kind);
     void tellMoved(const CleanupOutcome& outcome);
     VeltoTrashService::KnownSizes knownSizes(const std::vector<std::string>& paths) const;
+    VeltoTrashService::Progress emptyingTold();
     void restoreTo(const std::string& itemID, const std::string& name, const std::string& folder);
 
     BridgeLink& link_;

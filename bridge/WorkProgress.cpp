@@ -105,7 +105,7 @@ WorkProgress::Work::~Work() {
     state_->later([number = number_](State& all) { all.pieces.erase(number); });
 }
 
-void WorkProgress::Work::report(double fraction) const {
+void WorkProgress::Work::report(std::optional<double> fraction) const {
     state_->later([number = number_, fraction](State& all) {
         const auto piece = all.pieces.find(number);
         if (piece != all.pieces.end()) piece->second.fraction = fraction;

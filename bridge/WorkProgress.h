@@ -28,8 +28,8 @@ public:
         Work(const Work&) = delete;
         Work& operator=(const Work&) = delete;
 
-        /// `fraction`, from 0 to 1, of it is done.
-        void report(double fraction) const;
+        /// `fraction`, from 0 to 1, of it is done; nothing: nobody knows how much.
+        void report(std::optional<double> fraction) const;
 
     private:
         std::shared_ptr<State> state_;

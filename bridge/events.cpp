@@ -142,6 +142,10 @@ std::string restoreBlocked(const RestoreBlock& block) {
                 literal({{"id", block.itemID}, {"path", pathText(block.obstacle)}}));
 }
 
+std::string trashEmptying(std::size_t done, std::size_t of) {
+    return call("onTrashEmptying", fmt::format("{}, {}", done, of));
+}
+
 std::string trashChanged(double gb) { return call("onTrashChanged", tenths(gb)); }
 
 std::string cleanables(const std::vector<Candidate>& candidates) {

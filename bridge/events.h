@@ -62,7 +62,8 @@ std::string refused(const Refusal& refusal, const std::string& home);
 
 /// An item could not be restored: `path` is what stands on the way to its place.
 std::string restoreBlocked(const RestoreBlock& block);
-std::string trashChanged(double gb);  // GB in the trash, with one decimal
+std::string trashEmptying(std::size_t done, std::size_t of);  // items
+std::string trashChanged(double gb);                          // GB in the trash, with one decimal
 std::string cleanables(const std::vector<Candidate>& candidates);
 /// By path: {"certain", "reason"}, the reasons as `word` gives them.
 /// Whole days by path, of what has changed inside since.

@@ -59,13 +59,21 @@ void withItem(VeltoTrashService& trash, const std::string& id,
     }
 }
 
+void showDone(const CleanupServices& services, std::size_t done, std::size_t of) {
+    // Of a single thing it says nothing.
+    if (services.shown == nullptr || of < 2) return;
+    services.shown->report(static_cast<double>(done) / static_cast<double>(of));
+}
+
 void deleteForGood(CleanupServices& services, const std::vector<std::string>& ids) {
+    std::size_t done = 0;
     for (const std::string& id : ids) {
         const auto& items = services.trash.items();
         const auto found = std::ranges::find(items, id, &TrashItem::id);
         const auto item = found == items.end() ? std::nullopt : std::optional(*found);
         withItem(services.trash, id, [&] { services.trash.deletePermanently(id); });
         if (item) services.history.noteDeleted(*item);
+        showDone(services, ++done, ids.size());
     }
 }
 

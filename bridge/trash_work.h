@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,8 +27,12 @@ Operation moveSelection(VeltoTrashService& trash, const std::vector<std::string>
 /// Does something with an item; a refusal names it.
 void withItem(VeltoTrashService& trash, const std::string& id, const std::function<void()>& action);
 
+/// The task bar shows how much of a work on several things is done.
+void showDone(const CleanupServices& services, std::size_t done, std::size_t of);
+
 /// Deletes items for good in their order, up to the first that fails, which is thrown. An undo of
-/// the rest does not make them unhappen, so the history learns of them.
+/// the rest does not make them unhappen, so the history learns of them. The task bar shows how far
+/// it is.
 void deleteForGood(CleanupServices& services, const std::vector<std::string>& ids);
 
 }  // namespace velto

@@ -80,7 +80,7 @@ void VeltoTrashService::removeItem(const FolderHandle& operation, const TrashIte
     }
 }
 
-void VeltoTrashService::emptyTrash() {
+void VeltoTrashService::emptyTrash(const Progress& progress) {
     const Change change = begin();
     // What an earlier change has left unsettled may be the only copy of a file.
     if (change.unsettled && !change.isOnlyUnsaved) throw FileError(*change.unsettled);
@@ -92,11 +92,13 @@ void VeltoTrashService::emptyTrash() {
     announce({.kind = Kind::empty, .operation = {}, .itemIDs = idsOf(items), .steps = {}}, change);
     std::unique_ptr<FolderHandle> operation;
     std::string opened;
+    std::size_t done = 0;
     for (const TrashItem& item : items) {
         if (item.opID != std::exchange(opened, item.opID)) {
             operation = folder_.openOperation(item.opID);
         }
         if (operation) removeItem(*operation, item, change);
+        if (progress) progress(++done, items.size());
     }
     try {
         folder_.removeEverything(kept);

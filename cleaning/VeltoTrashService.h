@@ -82,8 +82,12 @@ public:
     /// Deletes an item for good.
     void deletePermanently(std::string itemID);
 
+    /// How many of the items are done with, and of how many. Called on the thread of the work,
+    /// after each of them; throws nothing.
+    using Progress = std::function<void(std::size_t done, std::size_t of)>;
+
     /// Deletes the whole trash for good.
-    void emptyTrash();
+    void emptyTrash(const Progress& progress = {});
 
     /// Deletes the trash for good with all of its records, as far as it lets itself be deleted,
     /// also what waits. Returns what stood in the way; that stays listed. `alongside` is called at

@@ -75,6 +75,22 @@ TEST_F(TrashEmptyTest, NothingIsLeftAndTheManifestIsMadeAgain) {
     EXPECT_EQ(service.totalGB(), 0);
 }
 
+TEST_F(TrashEmptyTest, HowManyItemsAreDeletedIsTold) {
+    service.moveToTrash({folder("a"), file("b")}, "wind");
+    service.moveToTrash({file("c")}, "wind");
+    std::vector<std::pair<std::size_t, std::size_t>> told;
+    service.emptyTrash([&](std::size_t done, std::size_t of) {
+        told.emplace_back(done, of);
+        std::size_t left = 0;
+        for (const std::string& name : process.files.list(layout.trashFolder)) {
+            if (name.starts_with("op"))
+                left += process.files.list(layout.trashFolder + "/" + name).size();
+        }
+        EXPECT_EQ(left, of - done) << "after it is gone";
+    });
+    EXPECT_THAT(told, ElementsAre(testing::Pair(1, 3), testing::Pair(2, 3), testing::Pair(3, 3)));
+}
+
 TEST_F(TrashEmptyTest, AnEmptyTrashCanBeEmptied) {
     service.emptyTrash();
     EXPECT_EQ(manifest(), R"({"items":[],"operations":[]})");

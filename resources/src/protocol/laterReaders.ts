@@ -43,6 +43,7 @@ export const laterReaders: LaterReaders = {
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
   onTrashWaiting: ([items]) => [cleaningGuards.waitingItems(items)],
+  onTrashEmptying: ([done, of]) => [guards.number(done), guards.number(of)],
   onTrashChanged: ([gb]) => [guards.number(gb)],
   onRefused: ([value]) => {
     const refusal = cleaningGuards.refusal(value);

@@ -139,6 +139,7 @@ export interface Events {
   onTrashState: [items: TrashItem[]];
   /** Comes before the `onTrashState` that may hold some of the same items. */
   onTrashWaiting: [items: WaitingItem[]];
+  onTrashEmptying: [done: number, of: number];
   onTrashChanged: [gb: number];
   onRefused: [refusal: Refusal];
   onSelection: [check: SelectionCheck];

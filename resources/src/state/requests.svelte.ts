@@ -50,6 +50,13 @@ class Requests {
   readonly deleting: boolean = $derived(this.waiting.some(({ kind }) => kind === 'deleteNow'));
   readonly emptying: boolean = $derived(this.waiting.some(({ kind }) => kind === 'empty'));
 
+  /** How far the emptying is; null while nobody has said, or it would say nothing. */
+  emptied = $state.raw<{ done: number; of: number } | null>(null);
+
+  emptyingIs(done: number, of: number): void {
+    if (this.emptying && of > 1) this.emptied = { done, of };
+  }
+
   ask(kind: RequestKind, keys: readonly string[]): Promise<Outcome> {
     return new Promise((settle) => {
       this.waiting = [...this.waiting, { kind, keys, settle }];
@@ -89,6 +96,7 @@ class Requests {
 
   private finish(request: Request, outcome: Outcome): void {
     this.waiting = this.waiting.filter((other) => other !== request);
+    if (!this.emptying) this.emptied = null;
     request.settle(outcome);
   }
 }

@@ -50,6 +50,7 @@ export function startLater(): void {
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
       onTrashWaiting: (items) => (session.waiting = items),
+      onTrashEmptying: (done, of) => requests.emptyingIs(done, of),
       onTrashChanged: (gb) => (session.toldTrashGb = gb),
       onRefused: (refusal) => holdRefusal(refusal),
       onSelection: (check) => selectionChecks.receive(check),

@@ -29,6 +29,20 @@ describe('which request a toast answers', () => {
   });
 });
 
+describe('how far an emptying is', () => {
+  it('is known while one is asked for, and forgotten with it', () => {
+    requests.emptyingIs(1, 9);
+    expect(requests.emptied).toBeNull();
+    void requests.ask('empty', []);
+    requests.emptyingIs(1, 1);
+    expect(requests.emptied).toBeNull();
+    requests.emptyingIs(2, 9);
+    expect(requests.emptied).toEqual({ done: 2, of: 9 });
+    requests.answer('No se pudo vaciar');
+    expect(requests.emptied).toBeNull();
+  });
+});
+
 describe('putting back', () => {
   it('is done when the trash no longer holds any of it, not before', async () => {
     const back = requests.ask('restore', [item.id]);

@@ -203,6 +203,9 @@ describe('Velto Trash', () => {
       expect(await opened.during(() => opened.page.keyboard.press('Escape'))).toEqual([]);
       await empty.click();
       expect(await opened.during(() => opened.page.getByRole('button', { name: 'Empty Velto Trash', exact: true }).click())).toEqual([{ type: 'purgeTrash' }]);
+      expect(await opened.page.getByRole('button', { name: 'Emptying…' }).count()).toBe(1);
+      await opened.tell('onTrashEmptying', 7, 12);
+      expect(await opened.page.getByRole('button', { name: 'Emptying: 7 of 12…' }).count()).toBe(1);
       await opened.tell('toast', 'Trash emptied', 'Items deleted permanently.');
       await opened.tell('onTrashState', []);
       expect(await opened.page.getByRole('heading', { name: 'Velto Trash is empty' }).isVisible()).toBe(true);

@@ -1,6 +1,6 @@
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.en;
+const { number, plural, size } = formats.en;
 
 const items = { one: '# item', other: '# items' };
 
@@ -26,6 +26,7 @@ export const trash = {
   keptChange: 'Change',
   empty: 'Empty trash…',
   emptying: 'Emptying…',
+  emptied: (done: number, of: number) => `Emptying: ${number(done)} of ${number(of)}…`,
   moved: (when: string) => `Moved ${when}`,
   movedUnknown: 'Moved, time unknown',
   justNow: 'just now',

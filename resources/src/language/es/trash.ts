@@ -1,7 +1,7 @@
 import type { trash as english } from '../en/trash.ts';
 import { formats } from '../formats.ts';
 
-const { plural, size } = formats.es;
+const { number, plural, size } = formats.es;
 
 const items = { one: '# elemento', many: '# de elementos', other: '# elementos' };
 
@@ -27,6 +27,7 @@ export const trash: typeof english = {
   keptChange: 'Cambiar',
   empty: 'Vaciar la papelera…',
   emptying: 'Vaciando…',
+  emptied: (done, of) => `Vaciando: ${number(done)} de ${number(of)}…`,
   moved: (when) => `Movido ${when}`,
   movedUnknown: 'Movido, fecha desconocida',
   justNow: 'ahora mismo',
