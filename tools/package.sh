@@ -110,6 +110,8 @@ check_packages() {
     source_archive build/package/packages
     local made=build/package/packages
     lintian --fail-on error,warning "$made"/*.deb || failed=1
+    tests/hardening_test.sh build/package/velto build/package/app/CMakeFiles/velto.dir/Unity/unity_0_cxx.cxx.o \
+        build/package/compile_commands.json || failed=1
     local installed=build/package/checked
     rm -rf "$installed"
     dpkg-deb --extract "$made"/*.deb "$installed"

@@ -47,7 +47,6 @@ desktop() {
     # The engine's sandbox needs namespaces, which a container may refuse.
     bwrap --unshare-pid --unshare-uts --unshare-net --die-with-parent --ro-bind / / --dev /dev --proc /proc \
         true 2>/dev/null || export WEBKIT_DISABLE_SANDBOX_THIS_IS_DANGEROUS=1
-    # The user's manager, where one can be started here, brings the session's bus along.
     Xvfb :7 -screen 0 1180x760x24 -nolisten tcp -noreset >/dev/null 2>&1 &
     export DISPLAY=:7
     until_true 30 test -S /tmp/.X11-unix/X7 || fail "no virtual display"

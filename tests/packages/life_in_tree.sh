@@ -9,6 +9,31 @@ wrong() {
     failed=1
 }
 person() { setpriv --reuid=1000 --regid=1000 --clear-groups --inh-caps=-all /shared/as_user_in_tree.sh "$@"; }
+# The step has what a manager of the user's units asks for: control groups that it may divide, and the
+# mark of a machine whose init is systemd.
+with_units() {
+    local hierarchy group
+    local -a groups=()
+    for hierarchy in /sys/fs/cgroup /sys/fs/cgroup/systemd /sys/fs/cgroup/unified; do
+        [ -e $hierarchy/cgroup.procs ] || continue
+        group=$hierarchy/velto-try
+        mkdir -p $group
+        chown -R 1000:1000 $group
+        groups+=("$group")
+    done
+    mkdir -p /run/systemd/system
+    local status=0
+    (
+        for group in "${groups[@]}"; do echo $BASHPID >"$group/cgroup.procs"; done
+        "$@"
+    ) || status=$?
+    rmdir /run/systemd/system
+    for group in "${groups[@]}"; do
+        find "$group" -depth -type d -exec rmdir {} + 2>/dev/null || true
+    done
+    return $status
+}
+
 # For this step alone the page has a script beside it that posts what its switch for maintenance does.
 with_switching_page() {
     local bundle=/usr/share/velto/Velto_velto_app.bundle
@@ -40,7 +65,7 @@ dpkg -V velto || wrong "dpkg does not find the files as it has put them"
 dpkg -L velto | grep -vE '^/(\.|usr(/|$))' && wrong "files outside /usr"
 person ends_with_version
 person opens_window
-with_switching_page person switches_maintenance_on
+with_switching_page with_units person switches_maintenance_on
 
 say "Upgrading"
 before=$(dpkg-query -W -f '${Version}' velto)
@@ -48,7 +73,7 @@ apt_quietly install --no-install-recommends /shared/next.deb
 after=$(dpkg-query -W -f '${Version}' velto)
 dpkg --compare-versions "$before" lt "$after" || wrong "$after does not replace $before"
 echo "$before -> $after"
-person maintenance_runs
+with_units person maintenance_runs
 person opens_window
 
 say "Removing: apt purge velto"
@@ -65,7 +90,7 @@ if [ -s /tmp/traces ]; then
     wrong "traces on the system:"
     cat /tmp/traces
 fi
-person schedule_does_nothing
+with_units person schedule_does_nothing
 person home_is_untouched
 [ $failed -eq 0 ] && say "All of it as it has to be"
 exit $failed
