@@ -15,6 +15,7 @@
 
 #include "linux/BenchPlatform.h"
 #include "platform/linux/GlibDispatcher.h"
+#include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LinuxLocale.h"
 #include "platform/linux/LinuxRunningApplications.h"
 #include "stopwatch.h"
@@ -47,6 +48,8 @@ int main(int count, char** arguments) try {
     platform->contents = velto::makeFileContentReader();
     platform->dispatcher = std::make_unique<velto::GlibDispatcher>();
     platform->running = std::make_unique<velto::LinuxRunningApplications>(*platform->dispatcher);
+    platform->defaults = std::make_unique<velto::JsonUserDefaults>(
+        *platform->files, nullptr, *platform->log, platform->layout.home + "/no settings.json");
     platform->locale = std::make_unique<velto::LinuxLocale>(
         [](const std::string&) { return std::optional<std::string>("en_US.UTF-8"); });
     platform->layout.setSystemRoot(platform->layout.home + "/no system");

@@ -44,6 +44,7 @@ ModelPlatform::ModelPlatform(FileCalls& calls, const HomeLayout& ofHome) {
     files = std::make_unique<PosixFileManager>(calls);
     mover = std::make_unique<PosixFileManager>(calls);
     directories = std::make_unique<FakeDirectoryReader>();
+    defaults = std::make_unique<FakeUserDefaults>();
     layout = ofHome;
 }
 
