@@ -101,7 +101,7 @@ void ScanWorker::file(const WalkedFolder& folder, const DirectoryEntry& entry, c
     categoryBytes_[static_cast<std::size_t>(category)] += size;
     ++categoryFiles_[static_cast<std::size_t>(category)];
     if (size >= DupFinder::smallestSize) {
-        duplicateCandidates_.push_back({folder.pathOf(entry.name), size});
+        duplicateCandidates_.push_back({folder.pathOf(entry.name), size, entry.logicalSize});
     }
     if (size >= smallestBigFile) {
         bigFiles_.push_back({folder.pathOf(entry.name), size, lastUse(entry), category});

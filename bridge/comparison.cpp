@@ -11,16 +11,16 @@
 namespace velto {
 namespace {
 
-/// Of one part; a set of files of one size is never divided, since they are compared with each
+/// Of one part; a set of files of one length is never divided, since they are compared with each
 /// other.
 constexpr std::size_t filesInPart = 64;
 
 std::vector<std::vector<FileRecord>> parts(const std::vector<FileRecord>& files) {
-    std::map<std::int64_t, std::vector<FileRecord>> bySize;
+    std::map<std::int64_t, std::vector<FileRecord>> byLength;
     for (const FileRecord& file : files)
-        bySize[file.size].push_back(file);
+        byLength[file.lengthToCompare()].push_back(file);
     std::vector<std::vector<FileRecord>> result;
-    for (auto& [size, set] : bySize) {
+    for (auto& [length, set] : byLength) {
         if (result.empty() || result.back().size() >= filesInPart) result.emplace_back();
         result.back().insert(result.back().end(), set.begin(), set.end());
     }

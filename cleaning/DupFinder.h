@@ -11,10 +11,15 @@
 
 namespace velto {
 
-/// A file to compare: absolute path as stored bytes, size in bytes.
+/// A file to compare.
 struct FileRecord {
-    std::string path;
-    std::int64_t size = 0;
+    std::string path;         // absolute, bytes as stored
+    std::int64_t size = 0;    // bytes that it takes up
+    std::int64_t length = 0;  // bytes that it holds; 0: as many as it takes up
+
+    /// Only files that hold as much as each other can be equal. What they take up may differ: a
+    /// file system compresses, and free space comes in pieces.
+    std::int64_t lengthToCompare() const { return length > 0 ? length : size; }
 
     bool operator==(const FileRecord&) const = default;
 };

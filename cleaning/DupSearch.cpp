@@ -67,7 +67,7 @@ std::span<std::byte> DupSearch::Tools::buffer(std::size_t length) {
 }
 
 DupFinder::Result DupSearch::run() {
-    const std::vector<Set> sets = narrowed(sameSize(), &DupSearch::firstBytes);
+    const std::vector<Set> sets = narrowed(sameLength(), &DupSearch::firstBytes);
     if (budget_ == DupFinder::Budget::twelveSeconds) deadline_ = clock_.monotonic() + longest;
     std::vector<Set> equal;
     std::vector<Set> batch;
@@ -96,14 +96,14 @@ DupFinder::Result DupSearch::run() {
     return result;
 }
 
-/// Files large enough in sets of one size, the smallest size first: one pair of huge files must not
+/// Files large enough in sets of one length, the smallest first: one pair of huge files must not
 /// use up the time that many others would have been settled in.
-std::vector<DupSearch::Set> DupSearch::sameSize() const {
+std::vector<DupSearch::Set> DupSearch::sameLength() const {
     Set all;
     for (std::size_t file = 0; file < files_.size(); ++file) {
         if (files_[file].size >= DupFinder::smallestSize) all.push_back(file);
     }
-    return divided({all}, [&](std::size_t file) { return files_[file].size; });
+    return divided({all}, [&](std::size_t file) { return files_[file].lengthToCompare(); });
 }
 
 /// Applies the test to every file of the sets, several at once, and divides the sets by it. A set
@@ -155,7 +155,7 @@ DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
     return {true, std::move(text)};
 }
 
-/// The logical size is part of it: what was allocated may be the same for files of two lengths.
+/// The length is part of it: it may be another by now, and it may not have been known.
 std::string DupSearch::firstBytes(FileContent& content, std::int64_t size, Tools& tools) {
     const auto bytes = readFrom(content, 0, tools.buffer(quickLength));
     if (!bytes) return {};

@@ -15,7 +15,7 @@
 namespace velto {
 
 /// One search for duplicates. It narrows sets of files that may be equal, from the cheapest test to
-/// the dearest: size, first bytes, a few bytes from further in, whole content. Only the last one
+/// the dearest: length, first bytes, a few bytes from further in, whole content. Only the last one
 /// makes files equal; the others just tell apart.
 class DupSearch {
 public:
@@ -46,7 +46,7 @@ private:
     };
     using Test = std::string (DupSearch::*)(FileContent& content, std::int64_t size, Tools& tools);
 
-    std::vector<Set> sameSize() const;
+    std::vector<Set> sameLength() const;
     std::vector<Set> narrowed(const std::vector<Set>& sets, Test test);
     bool wasReached(const Set& set) const;
     void leave(const Set& set);

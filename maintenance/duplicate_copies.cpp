@@ -24,7 +24,8 @@ public:
             entry.allocatedSize >= 0 ? entry.allocatedSize : entry.logicalSize;
         if (size < DupFinder::smallestSize) return;
         std::string path = folder.pathOf(entry.name);
-        if (!isProtectedPath(path)) found_[folder.root()].push_back({std::move(path), size});
+        if (isProtectedPath(path)) return;
+        found_[folder.root()].push_back({std::move(path), size, entry.logicalSize});
     }
 
     const std::vector<FileRecord>& found(std::size_t root) const { return found_[root]; }

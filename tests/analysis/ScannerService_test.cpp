@@ -69,9 +69,9 @@ TEST_F(Scanner, AFileThatTakesNoSpaceIsNotCounted) {
 
 TEST_F(Scanner, OnlyMoreThanAMillionBytesAreADuplicateCandidate) {
     file("Music/exact", 1'000'000);
-    file("Music/more", 1'000'001);
+    file("Music/more", 1'000'001, 5'000'000);
     scan();
-    EXPECT_THAT(scanner.fileList, ElementsAre(FileRecord{at("Music/more"), 1'000'001}));
+    EXPECT_THAT(scanner.fileList, ElementsAre(FileRecord{at("Music/more"), 1'000'001, 5'000'000}));
     EXPECT_TRUE(
         machine.log.holds("Velto ▶ recorrido completo: 2 archivos, candidatos duplicado: 1"));
 }

@@ -70,6 +70,20 @@ TEST_F(DupFinderTest, ThreeIdenticalFilesAreOneGroupWithItsHashAndSize) {
               "f30207a92765493dcdd80a5a2b541b3f67073c413676ab523b30c4feb12fac90");
 }
 
+TEST_F(DupFinderTest, EqualFilesThatTakeUpDifferentRoomAreFound) {
+    add("/plain", filled(1'500'000));
+    add("/compressed", filled(1'500'000));
+    add("/other", filled(1'500'001));
+    records[0] = {"/plain", 1'507'328, 1'500'000};
+    records[1] = {"/compressed", 1'048'576, 1'500'000};
+    records[2] = {"/other", 1'507'328, 1'500'001};
+    const auto result = find();
+    ASSERT_THAT(result.groups, SizeIs(1));
+    EXPECT_THAT(result.groups[0].paths, ElementsAre("/plain", "/compressed"));
+    EXPECT_EQ(result.groups[0].gb, 0.001507328) << "of the first";
+    EXPECT_EQ(contents.bytesRead("/other"), 0) << "no other file has its length";
+}
+
 TEST_F(DupFinderTest, AFileOfAnotherSizeIsNotEvenOpened) {
     add("/1", filled(2'000'000));
     add("/2", filled(2'000'001));
