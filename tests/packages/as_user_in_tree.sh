@@ -105,7 +105,6 @@ switches_maintenance_on() {
     user_manager || fail "no manager of the user's units starts here"
     start_velto --debug-log
     expect_logged 'intención: webReady'
-    expect_logged 'Velto ▶ análisis terminado: '
     until_true 60 test -e .config/systemd/user/app.velto.maintenance.timer || { tail -n 20 "$log" && fail "no timer"; }
     until_true 30 systemctl --user is-active --quiet app.velto.maintenance.timer || fail "the timer does not run"
     end_velto

@@ -42,5 +42,7 @@ cp "$5" "$trying/shared/next.deb"
 cp "$root"/tests/packages/{life_in_tree,as_user_in_tree}.sh "$trying/shared/"
 status=0
 enter "$trying" /shared/life_in_tree.sh || status=$?
+# What a step that was cut off has left of its control groups.
+find /sys/fs/cgroup -maxdepth 2 -name velto-try -exec find {} -depth -type d -exec rmdir {} + \; 2>/dev/null || true
 rm -rf "$trying/changed" "$trying/work"
 exit $status
