@@ -42,6 +42,8 @@ add_test(NAME packages.identifier COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/packages/i
     ${CMAKE_CURRENT_BINARY_DIR}/identifier)
 add_test(NAME packages.version COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/packages/version_test.sh
     $<TARGET_FILE:velto> ${CMAKE_BINARY_DIR} ${PROJECT_VERSION})
+add_test(NAME packages.options COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/packages/options_test.sh
+    $<TARGET_FILE:velto>)
 
 # What the tests of the real program need besides it.
 velto_system_package(GIO gio-unix-2.0)
