@@ -1,8 +1,11 @@
 import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { existsSync } from 'node:fs';
+import { dirname } from 'node:path';
 import { test } from 'node:test';
 import { furnishedHome, MB, temporaryFolder } from './support/home.mjs';
 import { played, probePage, reports } from './support/probe_page.mjs';
-import { desktopFor, expectInOrder, line, programWith, start } from './support/velto.mjs';
+import { desktopFor, expectInOrder, line, program, programWith, start } from './support/velto.mjs';
 
 /** Starts the program with a page that plays `steps`. */
 async function startProbe(t, home, steps, variables) {
@@ -110,6 +113,29 @@ test('settings are kept for the next start, and the page speaks the chosen langu
   assert.equal(kept.language, 'es');
   assert.equal(kept.rules.caches, false);
   assert.equal(kept.rules.systemTrash, true);
+});
+
+test('last uses that are switched off are deleted, and stay off at the next start', async (t) => {
+  const home = await analysedHome(t);
+  const file = home.data('app-usage.json');
+  home.text(file, '{"com.example.one":1700000000,"com.example.two":1700000001}');
+  const velto = await startProbe(t, home, [
+    { send: { type: 'about' }, until: 'onAbout' },
+    { send: { type: 'appUses' }, until: 'onAppUses' },
+    { send: { type: 'recordAppUses', payload: { on: false } }, until: 'onAppUses' },
+  ]);
+  const seen = await played(velto);
+  const [about] = last(seen, 'onAbout').args;
+  assert.equal(`Velto ${about.version}\n`, execFileSync(program, ['--version'], { encoding: 'utf8' }));
+  const data = about.places.find(({ role }) => role === 'data');
+  assert.deepEqual(data, { role: 'data', path: dirname(home.at(file)), there: true });
+  const uses = seen.filter(({ what }) => what === 'onAppUses').map(({ args }) => args[0]);
+  assert.deepEqual(uses, [{ recording: true, applications: 2 }, { recording: false, applications: 0 }]);
+  await velto.stop();
+  assert.equal(existsSync(home.at(file)), false);
+
+  const next = await startProbe(t, home, [{ send: { type: 'appUses' }, until: 'onAppUses' }]);
+  assert.deepEqual(last(await played(next), 'onAppUses').args, [{ recording: false, applications: 0 }]);
 });
 
 test('every intent is logged, echoed to the console, and shown its view', async (t) => {

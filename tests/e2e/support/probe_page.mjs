@@ -54,7 +54,7 @@ const velto = (window.velto = window.velto || {});
 for (const name of ['onScanStarted', 'onScanProgress', 'onScanFinished', 'onScanFailed',
   'onPermissions', 'toast', 'onCleanableFacts', 'onCleanables', 'onTrashState', 'onTrashChanged', 'onCloudMove',
   'onApps', 'onAppSizes', 'onAppAnalysis', 'onUninstallProgress', 'onUninstallResult', 'onSystem',
-  'onExclusions', 'onQuitting', 'onFolder', 'onFolderSearch', 'setState']) {
+  'onExclusions', 'onAbout', 'onAppUses', 'onQuitting', 'onFolder', 'onFolderSearch', 'setState']) {
   velto[name] = (...args) => tell(name, args);
 }
 window.go = (name) => tell('go', [name]);
