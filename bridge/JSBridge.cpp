@@ -113,7 +113,7 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     aboutIntent_ =
         std::make_shared<AboutIntent>(AboutIntent::Context{link, platform_, context.version});
     usageIntents_ = std::make_shared<UsageIntents>(
-        UsageIntents::Context{link, platform_, language_, context.usage});
+        UsageIntents::Context{link, platform_, language_, context.usage, cleanups_});
 }
 
 JSBridge::~JSBridge() {

@@ -20,8 +20,9 @@ void UsageIntents::onRecordAppUses(const Payload& payload) {
     const auto on = payload::boolMember(payload, "on");
     if (!on) return;
     const Platform& platform = context_.platform;
-    platform.dispatcher->change([&platform, &usage = context_.usage, on = *on,
-                                 weak = weak_from_this()] {
+    // In its turn: what was asked for last is what holds, and a reset comes before it or after it.
+    context_.cleanups.run([&platform, &usage = context_.usage, on = *on,
+                           weak = weak_from_this()](CleanupServices&) {
         bool isFileLeft = false;
         try {
             usage.setRecording(on);

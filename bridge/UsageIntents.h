@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "bridge/BridgeLink.h"
+#include "bridge/CleanupQueue.h"
 #include "bridge/payload.h"
 #include "platform/Platform.h"
 #include "settings/AppLanguage.h"
@@ -20,6 +21,7 @@ public:
         const Platform& platform;
         const AppLanguage& language;
         AppUsage& usage;
+        CleanupQueue& cleanups;
     };
 
     explicit UsageIntents(const Context& context) : context_(context) {}

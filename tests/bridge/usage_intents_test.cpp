@@ -72,6 +72,16 @@ TEST_F(UsageIntentsTest, SwitchedOffWhatWasRecordedIsDeletedAndThePageIsTold) {
     expectTold(true, 0);
 }
 
+TEST_F(UsageIntentsTest, WhatWasAskedForLastHolds) {
+    usage.record("com.example.one", 1000);
+    post("recordAppUses", {{"on", false}});
+    post("recordAppUses", {{"on", true}});
+    machine.dispatcher.runAll();
+    expectTold(true, 0);
+    EXPECT_TRUE(usage.isRecording());
+    EXPECT_TRUE(usage.launches().empty()) << "what was to be forgotten came back";
+}
+
 TEST_F(UsageIntentsTest, AFileThatCannotBeDeletedIsNamed) {
     usage.record("com.example.one", 1000);
     // Services of the fixture hold the first one.
