@@ -39,6 +39,8 @@ describe('about Velto', () => {
       };
     });
     await button(page, 'Copy the location: Schedule of the maintenance').click();
+    // With another schedule other things stand where they stood.
+    expect(await during(() => opened.tell('onMaintenance', {}))).toEqual([{ type: 'appUses' }, { type: 'about' }]);
     expect(await page.locator('html').getAttribute('data-copied')).toBe(`${home}/Library/LaunchAgents/app.velto.maintenance.plist`);
     await opened.close();
     expect(opened.complaints).toEqual([]);
