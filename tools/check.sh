@@ -30,7 +30,7 @@ run_checks() {
 
     say "Shell scripts (shellcheck)"
     # SC2154: what ./dev sets before it reads its parts.
-    grep -lE '^#!.*bash' dev .ci/run bench/* tests/*.sh tests/*/*.sh packaging/*/*.sh 2>/dev/null |
+    grep -lE '^#!.*bash' dev .ci/run bench/* tests/*.sh tests/*/*.sh packaging/*/*.sh .github/scripts/*.sh 2>/dev/null |
         xargs shellcheck --shell=bash --exclude=SC2154 tools/*.sh || failed+=(shellcheck)
 
     say "The page's types (svelte-check)"
