@@ -7,7 +7,7 @@ import { analysisOf, sizesOf, someApps, someFailures, someLeftovers, someResult 
 import { someTrash, someWaiting, tellCleaning, withHistory } from '../support/cleaning.ts';
 import { someMeasurement, tellMeasurement } from '../support/measurement.ts';
 import { bareState, emptyState, fullState, inSpanish, withoutAccess } from '../support/states.ts';
-import { bareSample, someActivity, someSample } from '../support/system.ts';
+import { bareSample, someActivity, someDetails, someSample } from '../support/system.ts';
 
 let browser: Browser;
 
@@ -126,10 +126,15 @@ describe.each(languages)('$language', ({ translate }) => {
 
   it('the live view of the machine has none', async () => {
     const saved = translate(fullState());
-    await check({ saved }, ['sistema'], async ({ tell }) => {
+    await check({ saved }, ['sistema'], async ({ page, tell }) => {
       await tell('onSystem', someSample());
       await tell('onSystemActivity', someActivity());
+      await tell('onSystemDetails', someDetails());
       await tell('onSystem', someSample());
+      // A row that opens to the single processes.
+      const opener = page.locator('button.opener').first();
+      if ((await opener.getAttribute('aria-expanded')) === 'false') await opener.click();
+      await page.getByRole('row').filter({ hasText: 'borealis: pestaña' }).waitFor();
     });
     await check({ saved }, ['sistema'], ({ tell }) => tell('onSystem', bareSample()));
     await check({ saved }, ['sistema']);
