@@ -8,7 +8,7 @@ debian_display=(xvfb dbus-daemon imagemagick fonts-dejavu-core adwaita-icon-them
 debian_test=("${debian_display[@]}" at-spi2-core xdotool chromium-headless-shell clang libclang-rt-dev lld llvm strace
     procps sysstat lm-sensors iproute2 systemd packagekit polkitd
     btrfs-progs dosfstools e2fsprogs libfuse3-dev xfsprogs)
-debian_package=(dpkg-dev rpm git xz-utils)
+debian_package=(dpkg-dev file rpm git xz-utils)
 debian_check=(clang clang-format clang-tidy shellcheck clang-19 libc++-19-dev libfuse3-dev
     "${debian_package[@]}" lintian desktop-file-utils appstream man-db)
 debian_trees=(debootstrap)

@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
 # Inside a tree (debian.sh): two packages from the source archive, one with the next number.
 set -euo pipefail
-rm -rf /build
-mkdir /build
-tar -x -C /build -f /shared/source.tar.xz
+# A trial that is repeated compiles what is new alone.
+if ! cmp -s /shared/source.tar.xz /build/source.tar.xz; then
+    rm -rf /build
+    mkdir /build
+    tar -x -C /build -f /shared/source.tar.xz
+    cp /shared/source.tar.xz /build/
+fi
 cd /build/velto-*
 root=$PWD
 logs=$PWD/build/logs
