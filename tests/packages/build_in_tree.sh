@@ -22,6 +22,6 @@ for number in 1 2; do
     mkdir -p "/shared/packages/$number"
     rm -f "/shared/packages/$number"/*
     cp build/package/packages/* "/shared/packages/$number/"
+    cp "$logs/package.log" "/shared/package-$number.log"
+    grep -c 'warning:' "$logs/package.log" | sed 's/$/ warnings of the compiler/' || true
 done
-cp "$logs/package.log" /shared/
-grep -c 'warning:' "$logs/package.log" | sed 's/$/ warnings of the compiler/'
