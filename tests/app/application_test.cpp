@@ -166,6 +166,8 @@ TEST_F(ApplicationTest, ACommandThatWaitsForThePageIsCarriedOutOnceThere) {
     app.pageLoaded();
     EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView"));
     EXPECT_THAT(page->scripts, testing::Contains(testing::HasSubstr("go('papelera')")));
+    app.pageLoaded();  // once more, as after the end of the page's process
+    EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView"));
     app.performWhenShown(command(2));
     EXPECT_THAT(JSBridge::current()->pendingIntents, ElementsAre("goView", "goView"));
     app.windowClosed();
