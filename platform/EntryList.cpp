@@ -19,7 +19,8 @@ DirectoryEntry& EntryList::add(std::string_view name) {
     if (used_ + name.size() > chunkSize) {
         ++chunk_;
         used_ = 0;
-        if (chunk_ == chunks_.size()) chunks_.push_back(std::make_unique_for_overwrite<char[]>(chunkSize));
+        if (chunk_ == chunks_.size())
+            chunks_.push_back(std::make_unique_for_overwrite<char[]>(chunkSize));
     }
     char* stored = chunks_[chunk_].get() + used_;
     std::memcpy(stored, name.data(), name.size());

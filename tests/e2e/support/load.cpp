@@ -1,7 +1,7 @@
 // Something for the live view to show: `load busy PROCESSES` computes in as many processes,
 // `load hold MEGABYTES` fills that much memory, `load talk` sends bytes to itself over the loopback
-// interface as fast as it can, `load stubborn MEGABYTES` holds memory too and does not end when it is
-// asked to. Writes "ready" once it does, and goes on until it is ended.
+// interface as fast as it can, `load stubborn MEGABYTES` holds memory too and does not end when it
+// is asked to. Writes "ready" once it does, and goes on until it is ended.
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <signal.h>
