@@ -43,6 +43,8 @@ cp "$root"/tests/packages/{life_in_tree,as_user_in_tree}.sh "$trying/shared/"
 status=0
 enter "$trying" /shared/life_in_tree.sh || status=$?
 # What a step that was cut off has left of its control groups.
-find /sys/fs/cgroup -maxdepth 2 -name velto-try -exec find {} -depth -type d -exec rmdir {} + \; 2>/dev/null || true
+for group in /sys/fs/cgroup/velto-try /sys/fs/cgroup/*/velto-try; do
+    [ ! -d "$group" ] || find "$group" -depth -type d -exec rmdir {} + 2>/dev/null || true
+done
 rm -rf "$trying/changed" "$trying/work"
 exit $status
