@@ -60,8 +60,8 @@ void measureRules(RuleStatuses& rules, const Platform& platform,
 /// {"installed","last","next","rules","held","cacheDays","fullDiskGB","foretold"}: `last` (an
 /// object of the record's fields), `next` and `cacheDays` are null when unknown; each rule has
 /// "places" and "needsAccess" and, when it was measured, "items" and "gb"; "held" has "items",
-/// "bytes" and "returns", a list of "from", "items" and "bytes", and "days" by item id; "foretold" is a list of "days" and
-/// "bytes".
+/// "bytes" and "returns", a list of "from", "items" and "bytes", and "days" by item id; "foretold"
+/// is a list of "days" and "bytes".
 nlohmann::json toJson(const MaintenanceStatus& status);
 
 }  // namespace velto

@@ -68,7 +68,8 @@ void TakenItems::save() {
         items.push_back({{"id", key.second}, {"operation", key.first}, {"rule", rule}});
     try {
         files_.createFolders(layout_.dataFolder);
-        files_.writeAtomically(takenFile(layout_), writeJson(nlohmann::ordered_json{{"items", std::move(items)}}));
+        files_.writeAtomically(takenFile(layout_),
+                               writeJson(nlohmann::ordered_json{{"items", std::move(items)}}));
         hasChanged_ = false;
     } catch (const FileError&) {
         // See the declaration.
