@@ -220,6 +220,8 @@ test('in the window: switching maintenance on installs the timer, switching it o
   await page.click('Settings');
   await page.sees('Maintenance has not run yet.');
   await page.click('Run maintenance automatically');
+  await page.sees('How long should caches be kept?');
+  await page.click('Keep caches for 3 days');
   await page.sees('The next run is due on');
   for (const unit of all) assert.ok(home.has(`${units}/${unit}`), unit);
   assert.match(home.read(`${units}/${all[0]}`), /OnCalendar=daily/);

@@ -299,7 +299,9 @@ describe('settings', () => {
   it('asks for the exclusions and takes one back', async () => {
     const opened = await open(browser, { saved: fullState() });
     const asked = await opened.during(() => opened.page.getByRole('button', { name: 'Settings' }).click());
-    expect(asked).toEqual([{ type: 'maintenanceStatus' }, { type: 'exclusions' }, { type: 'appUses' }, { type: 'about' }]);
+    expect(asked).toEqual([
+      { type: 'maintenanceStatus' }, { type: 'foretellCaches' }, { type: 'exclusions' }, { type: 'appUses' }, { type: 'about' },
+    ]);
     await opened.tell('onExclusions', ['/a/Music', '/b']);
     const back = await opened.during(() => opened.page.getByRole('button', { name: 'Include /a/Music again' }).click());
     expect(back).toEqual([{ type: 'removeExclusion', payload: '/a/Music' }]);
