@@ -14,7 +14,7 @@ namespace velto {
 
 MaintenanceStatus MaintenanceIntents::status() const {
     MaintenanceStatus status = maintenanceStatus(context_.platform, context_.settings.frequency(),
-                                                 context_.permissions.hasAccess());
+                                                 context_.state.accessGranted);
     status.held = holdings(held_, keptFor(context_.settings));
     status.cacheDays = context_.settings.cacheDays();
     status.fullDiskGB = context_.settings.fullDiskGB();

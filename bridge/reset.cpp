@@ -3,12 +3,14 @@
 
 #include <fmt/format.h>
 
+#include "bridge/AboutIntent.h"
 #include "bridge/CleanupOutcome.h"
 #include "bridge/FolderIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
+#include "bridge/UsageIntents.h"
 #include "bridge/events.h"
 #include "bridge/failure_text.h"
 #include "cleaning/own_folder.h"
@@ -183,6 +185,8 @@ void JSBridge::forgetLocalData(const std::optional<FailureText>& remains) {
     measurementIntents_->forget();
     evaluate(events::exclusions(exclusions_.paths()));
     maintenanceIntents_->tell();  // nothing is scheduled any more
+    aboutIntent_->onAbout({});
+    usageIntents_->onAppUses({});
     if (remains) {
         toast("Velto no se ha restablecido del todo", "Velto has not been reset completely",
               language_.text(remains->spanish, remains->english));

@@ -54,19 +54,20 @@ void MaintenanceRun::performAlone(const MaintenanceRules::Limits& limits) {
     const KeptFor kept = keptFor(settings_);
     const double freed = trash_.purgeExpired(
         kept.retention, [&](const TrashItem& item) { return kept.days(taken.ruleOf(item)); });
-    double movedGB = 0;
-    const MaintenanceRules* found = nullptr;
+    std::vector<Operation> operations;
     CleaningRules cleaning(platform_, [&] { return limits.hasAccess; });
     const auto mover = [&](const std::vector<std::string>& paths,
                            const MaintenanceRules::Sizes& sizes) {
-        const Operation operation = trash_.moveToTrash(paths, maintenanceKind, sizes);
-        taken.note(operation, found->rulesByPath());
-        movedGB += operation.gb;
-        return operation.gb;
+        operations.push_back(trash_.moveToTrash(paths, maintenanceKind, sizes));
+        return operations.back().gb;
     };
     MaintenanceRules rules(platform_, mover, cleaning, limits);
-    found = &rules;
     const std::size_t moved = moveToTrash(rules).size();
+    double movedGB = 0;
+    for (const Operation& operation : operations) {
+        taken.note(operation, rules.rulesByPath());
+        movedGB += operation.gb;
+    }
     taken.keepOnly(trash_.items());
     taken.save();
     platform_.log->line(

@@ -154,9 +154,8 @@ std::unique_ptr<Platform> makePlatform(const std::string& programPath) {
     platform->layout = layoutOf(home, *platform->files);
     if (platform->layout.kind == HomeLayout::Kind::macOS && !readsPropertyLists()) {
         platform->log->line(
-            "Velto ▶ compilado sin libplist: las aplicaciones de esta carpeta personal de Mac no "
-            "se "
-            "pueden leer");
+            "Velto ▶ compilado sin libplist: no se pueden leer las aplicaciones de una carpeta "
+            "personal de Mac");
     }
     const std::string configuration = platform->layout.kind == HomeLayout::Kind::freedesktop
                                           ? platform->layout.configuration

@@ -66,6 +66,7 @@ TEST_F(MaintenanceIntents, ARuleThatDoesNothingWithoutAccessSaysSo) {
         EXPECT_EQ(answer()["rules"][rule]["needsAccess"], true) << rule;
     EXPECT_EQ(answer()["rules"]["caches"]["needsAccess"], false);
     machine.grantAccess();
+    post("checkAccess");
     post("maintenanceStatus");
     EXPECT_EQ(answer()["rules"]["systemTrash"]["needsAccess"], false);
 }

@@ -69,6 +69,21 @@ TEST_F(Reset, ThePageHearsThatNothingIsScheduledAnyMore) {
     EXPECT_TRUE(lastArgument(*page, "onMaintenance")["next"].is_null());
 }
 
+TEST_F(Reset, ThePageHearsWhatIsStillThere) {
+    usage.record("com.example.App", 5);
+    usage.save();
+    page->scripts.clear();
+    post("resetVelto");
+    machine.dispatcher.runAll();
+    ASSERT_EQ(count("onAbout"), 1u);
+    const auto about = lastArgument(*page, "onAbout");
+    for (const auto& place : about["places"]) {
+        if (place["role"] != "settings") EXPECT_EQ(place["there"], false) << place;
+    }
+    ASSERT_EQ(count("onAppUses"), 1u);
+    EXPECT_EQ(lastArgument(*page, "onAppUses")["applications"], 0);
+}
+
 TEST_F(Reset, WhatStaysIsToldAndStaysListed) {
     remove({archive, copy1});
     remove({film, copy2});

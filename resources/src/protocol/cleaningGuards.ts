@@ -96,7 +96,7 @@ function maintenanceRule(fields: Fields): MaintenanceRule {
   const isMeasured = typeof fields.items === 'number' && typeof fields.gb === 'number';
   return {
     places: texts(fields.places),
-    ...(fields.needsAccess === true && { needsAccess: true }),
+    needsAccess: fields.needsAccess === true,
     ...(isMeasured && { items: Math.trunc(size(fields.items)), gb: size(fields.gb) }),
   };
 }

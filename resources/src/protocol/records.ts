@@ -77,7 +77,7 @@ export interface Settings {
 export interface MaintenanceRule {
   places: string[];
   /** Without Full Disk Access, which is missing, it does nothing. */
-  needsAccess?: boolean;
+  needsAccess: boolean;
   items?: number;
   gb?: number;
 }

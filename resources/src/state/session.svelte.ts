@@ -1,7 +1,7 @@
 /** What the program has told the page so far. Views read it; only `start.ts` listens for it. */
 import type {
-  AnalysisPhase, BigFile, DiskState, ExactSizes, HomeFolders, LinkedCopies, MaintenanceStatus, Measurement, Running, SettingsChange,
-  TrashItem, WaitingItem,
+  AnalysisPhase, BigFile, DiskState, ExactSizes, HomeFolders, LinkedCopies, MaintenanceRule, MaintenanceStatus, Measurement, RuleId, Running,
+  SettingsChange, TrashItem, WaitingItem,
 } from '../protocol/protocol.ts';
 import { send } from '../protocol/connection.ts';
 import { exactly } from './exactly.ts';
@@ -14,6 +14,15 @@ export type ScanPhase = 'idle' | 'running' | 'stopping' | 'stopped' | 'failed';
 export interface Space {
   total: number;
   free: number;
+}
+
+type Rules = MaintenanceStatus['rules'];
+
+/** The rules with what was measured of them before. */
+function withFigures(rules: Rules, before: Rules = {}): Rules {
+  const merged: Rules = {};
+  for (const [id, rule] of Object.entries(rules) as [RuleId, MaintenanceRule][]) merged[id] = { ...before[id], ...rule };
+  return merged;
 }
 
 class Session {
@@ -132,12 +141,11 @@ class Session {
     this.disk = disk;
   }
 
-  /** A status without measurements leaves the last ones standing: only the schedule has changed. */
+  /** A status without measurements leaves the last ones standing. */
   receiveMaintenance(status: MaintenanceStatus): void {
     const isMeasured = Object.values(status.rules).some((rule) => rule.items !== undefined);
     if (isMeasured) this.measuring = false;
-    const rules = isMeasured ? status.rules : (this.maintenance?.rules ?? status.rules);
-    this.maintenance = { ...status, rules };
+    this.maintenance = isMeasured ? status : { ...status, rules: withFigures(status.rules, this.maintenance?.rules) };
   }
 
   /** Shows the empty history at once; the program confirms it with its next state. */

@@ -79,6 +79,15 @@ it('measures when asked, once at a time, and keeps the figures when the schedule
   await tell('onMaintenance', { installed: true, last: null, next: noon, rules: places });
   expect(await page.getByText('Now: 1 item, 1.3 GB').isVisible()).toBe(true);
   expect(await measure.isVisible()).toBe(true);
+  // What else is said of a rule is news.
+  const withheld = page.getByText('Does nothing without Full Disk Access.');
+  for (const needsAccess of [true, false]) {
+    await tell('onMaintenance', {
+      installed: true, last: null, next: noon, rules: { ...places, duplicates: { ...places.duplicates, needsAccess } },
+    });
+    expect(await withheld.count()).toBe(needsAccess ? 1 : 0);
+    expect(await page.getByText('Now: 1 item, 1.3 GB').isVisible()).toBe(true);
+  }
   expect(await violations(page)).toEqual([]);
   await close();
 });
