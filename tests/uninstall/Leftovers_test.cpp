@@ -1,5 +1,6 @@
 #include "uninstall/Leftovers.h"
 
+#include <mutex>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -200,13 +201,16 @@ TEST_F(LeftoversTest, AnAnalysisWithoutALibraryIsStillOne) {
 
 // Folders that the system guards
 
-/// Keeps which folders were opened below the home.
+/// Keeps which folders were opened below the home. A walk opens them from several threads.
 class OpenedFolders final : public DirectoryReader {
 public:
     explicit OpenedFolders(std::unique_ptr<DirectoryReader> reader) : reader_(std::move(reader)) {}
 
     std::shared_ptr<OpenFolder> open(const std::string& path) override {
-        paths.push_back(path);
+        {
+            const std::lock_guard guard(lock_);
+            paths_.push_back(path);
+        }
         return reader_->open(path);
     }
     std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override {
@@ -219,10 +223,15 @@ public:
         return reader_->status(folder, name, status);
     }
 
-    std::vector<std::string> paths;
+    std::vector<std::string> paths() const {
+        const std::lock_guard guard(lock_);
+        return paths_;
+    }
 
 private:
     std::unique_ptr<DirectoryReader> reader_;
+    mutable std::mutex lock_;
+    std::vector<std::string> paths_;
 };
 
 class LeftoversBehindTheGateTest : public LeftoversTest {
@@ -238,13 +247,13 @@ protected:
         auto watched = std::make_unique<WatchedFiles>(std::move(machine.platform.files));
         files = watched.get();
         machine.platform.files = std::move(watched);
-        auto reader = std::make_unique<OpenedFolders>(std::move(machine.platform.directories));
-        opened = reader.get();
-        machine.platform.directories = std::move(reader);
+        auto kept = std::make_unique<OpenedFolders>(std::move(machine.platform.directories));
+        reader = kept.get();
+        machine.platform.directories = std::move(kept);
     }
 
     WatchedFiles* files = nullptr;
-    OpenedFolders* opened = nullptr;
+    OpenedFolders* reader = nullptr;
 };
 
 TEST_F(LeftoversBehindTheGateTest, WithoutAccessNothingThereIsListedOrMeasured) {
@@ -259,7 +268,8 @@ TEST_F(LeftoversBehindTheGateTest, WithoutAccessNothingThereIsListedOrMeasured) 
         << "what is known by its name is a leftover all the same";
     EXPECT_EQ(analysis["certain"], 0.002) << "of the cache";
     std::set<std::string> looked = files->listed();
-    looked.insert(opened->paths.begin(), opened->paths.end());
+    const auto opened = reader->paths();
+    looked.insert(opened.begin(), opened.end());
     EXPECT_THAT(looked, testing::Contains(support() + "/Acme"));
     for (const std::string& path : looked)
         EXPECT_FALSE(isBehindPrivacyGate(machine.platform.layout, path)) << path;
