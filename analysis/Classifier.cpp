@@ -74,12 +74,6 @@ void Classifier::note(WalkedFolder& folder) const {
     if (!isCounted) folder.mark |= uncounted;
 }
 
-bool Classifier::counts(const WalkedFolder& folder, const DirectoryEntry& entry) const {
-    if (!counts(folder.mark)) return false;
-    if (hiddenCountsInLibraries_ && areaOf(folder.mark) == libraryArea) return true;
-    return !folder.hides(entry);
-}
-
 void Classifier::noteArea(WalkedFolder& folder, Area above, Area area) const {
     if (area != libraryArea) {
         folder.mark = mark(area, ruleOf(folder.mark));
@@ -132,6 +126,7 @@ Category Classifier::libraryCategory(const WalkedFolder& folder, std::string_vie
     for (const std::uint32_t index : rulesOfNames_) {
         if (index >= limit) break;
         const Rule& rule = rules_[index];
+        if (!rule.spansFolders && rule.substring.size() > fileName.size()) continue;
         const bool matches = rule.spansFolders
                                  ? folder.pathOf(fileName).find(rule.substring) != std::string::npos
                                  : fileName.find(rule.substring) != std::string_view::npos;

@@ -29,7 +29,11 @@ public:
     /// True for an entry that belongs to a category. What is hidden belongs to none; on a
     /// freedesktop home the hidden folders of the home itself are libraries, and in a library all
     /// counts.
-    bool counts(const WalkedFolder& folder, const DirectoryEntry& entry) const;
+    bool counts(const WalkedFolder& folder, const DirectoryEntry& entry) const {
+        if (!counts(folder.mark)) return false;
+        if (hiddenCountsInLibraries_ && areaOf(folder.mark) == libraryArea) return true;
+        return !folder.hides(entry);
+    }
 
     /// The same of a folder that has its mark.
     bool counts(const WalkedFolder& folder) const { return counts(folder.mark); }

@@ -41,7 +41,7 @@ velto::FolderTree made(bool isLater) {
                            .facts = {.inode = 1'000'000 + number,
                                      .ownBytes = 1'000'000 + number % 5'000'000 + more}});
     }
-    return FolderTreeBuilder::build(std::move(entries));
+    return FolderTreeBuilder::build(entries);
 }
 
 velto::GrowthSnapshot snapshot(const velto::FolderTree& tree, std::int64_t moment) {

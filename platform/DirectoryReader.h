@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,18 @@ public:
     void clear();
     /// Copies `name` into the list and returns the new entry.
     DirectoryEntry& add(std::string_view name);
+    /// Room of at least `bytes` in the list's own memory, aligned for any record. It is the
+    /// caller's to write until something else is asked of the list; what is kept of it lives as
+    /// long as the names.
+    std::span<char> room(std::size_t bytes);
+    /// Keeps the first `bytes` of the room given last.
+    void keep(std::size_t bytes) { used_ += bytes; }
+    /// A new entry whose name lies in what was kept, or will be before the list is asked anew.
+    DirectoryEntry& addKept(std::string_view name) {
+        DirectoryEntry& entry = entries_.emplace_back();
+        entry.name = name;
+        return entry;
+    }
     const std::vector<DirectoryEntry>& entries() const { return entries_; }
     /// For who reads names first and attributes later.
     std::vector<DirectoryEntry>& entries() { return entries_; }
@@ -40,6 +53,7 @@ public:
 
 private:
     static constexpr std::size_t chunkSize = 64 * 1024;
+
     std::vector<DirectoryEntry> entries_;
     std::vector<std::unique_ptr<char[]>> chunks_;
     std::size_t chunk_ = 0;

@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "platform/DirectoryReader.h"
@@ -15,19 +15,22 @@ DirectoryEntry& EntryList::add(std::string_view name) {
     // A file name has at most 255 bytes (1,023 in decomposed UTF-8 on a Mac), so it fits a chunk;
     // a longer one, from a hostile file system, is cut.
     name = name.substr(0, chunkSize);
-    if (chunks_.empty()) chunks_.push_back(std::make_unique_for_overwrite<char[]>(chunkSize));
-    if (used_ + name.size() > chunkSize) {
-        ++chunk_;
+    char* const stored = room(name.size()).data();
+    std::memcpy(stored, name.data(), name.size());
+    keep(name.size());
+    return addKept({stored, name.size()});
+}
+
+std::span<char> EntryList::room(std::size_t bytes) {
+    constexpr std::size_t alignment = alignof(std::max_align_t);
+    used_ = (used_ + alignment - 1) / alignment * alignment;
+    if (chunks_.empty() || used_ + bytes > chunkSize) {
+        if (!chunks_.empty()) ++chunk_;
         used_ = 0;
         if (chunk_ == chunks_.size())
             chunks_.push_back(std::make_unique_for_overwrite<char[]>(chunkSize));
     }
-    char* stored = chunks_[chunk_].get() + used_;
-    std::memcpy(stored, name.data(), name.size());
-    used_ += name.size();
-    DirectoryEntry& entry = entries_.emplace_back();
-    entry.name = std::string_view(stored, name.size());
-    return entry;
+    return {chunks_[chunk_].get() + used_, chunkSize - used_};
 }
 
 }  // namespace velto

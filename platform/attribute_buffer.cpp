@@ -4,6 +4,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/values/units.h"
+
 namespace velto::attributes {
 namespace {
 
@@ -44,7 +46,7 @@ public:
     double nextTime() {
         const auto seconds = next<std::int64_t>();
         const auto nanoseconds = next<std::int64_t>();
-        return static_cast<double>(seconds) + static_cast<double>(nanoseconds) / 1e9;
+        return momentOf(seconds, nanoseconds);
     }
 
     bool complete() const { return complete_; }

@@ -69,7 +69,7 @@ public:
     /// Takes the folders, puts them in order and adds up what lies below each. Roots stand in the
     /// order of their numbers, the folders of each folder in the byte order of their names. Entries
     /// whose parent is missing are left out with everything below them.
-    static FolderTree build(std::vector<Entry> entries);
+    static FolderTree build(const std::vector<Entry>& entries);
 
 private:
     static void addUp(FolderTree& tree);

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <utility>
+#include <span>
 
 #include "analysis/folders/FolderTree.h"
 #include "analysis/folders/saturated.h"
@@ -8,58 +8,75 @@ namespace velto {
 namespace {
 
 using Entry = FolderTreeBuilder::Entry;
+using Number = FolderTreeBuilder::Number;
 
-/// By parent, roots first; below one parent by name, roots by number.
-bool standsBefore(const Entry& one, const Entry& other) {
-    if (one.parent != other.parent) {
-        if (one.parent == FolderTreeBuilder::noParent) return true;
-        return other.parent != FolderTreeBuilder::noParent && one.parent < other.parent;
+using Position = std::uint32_t;  // in the list of records
+
+/// Where the records of one folder's folders stand, and the roots', by the folder's number. Records
+/// are large: they stay where they are.
+class Groups {
+public:
+    explicit Groups(const std::vector<Entry>& entries) : entries_(entries) {
+        std::size_t numbers = 0;
+        for (const Entry& entry : entries)
+            numbers = std::max<std::size_t>(numbers, std::size_t{entry.number} + 1);
+        // Each group's end first, which becomes its start as it is filled from its end.
+        starts_.resize(numbers + 1, 0);
+        for (const Entry& entry : entries) {
+            if (entry.parent < numbers) ++starts_[entry.parent];
+        }
+        Position end = 0;
+        for (Position& start : starts_)
+            start = end += start;
+        places_.resize(end);
+        for (Position place = 0; place < entries.size(); ++place) {
+            const Number parent = entries[place].parent;
+            if (parent < numbers) {
+                places_[--starts_[parent]] = place;
+            } else if (parent == FolderTreeBuilder::noParent) {
+                roots_.push_back(place);
+            }
+        }
+        std::ranges::sort(roots_, {}, [&](Position place) { return entries_[place].number; });
     }
-    if (one.parent == FolderTreeBuilder::noParent) return one.number < other.number;
-    return one.name < other.name;
-}
 
-bool isTwin(const Entry& one, const Entry& other) {
-    return one.parent != FolderTreeBuilder::noParent && one.parent == other.parent &&
-           one.name == other.name;
-}
+    const std::vector<Position>& roots() const { return roots_; }
 
-/// Where the folders of each folder stand in the sorted list, by the number of the folder.
-std::vector<std::pair<std::uint32_t, std::uint32_t>> groups(const std::vector<Entry>& sorted,
-                                                            std::size_t first) {
-    std::size_t numbers = 0;
-    for (const Entry& entry : sorted)
-        numbers = std::max<std::size_t>(numbers, std::size_t{entry.number} + 1);
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> found(numbers, {0, 0});
-    for (std::size_t index = first; index < sorted.size(); ++index) {
-        if (sorted[index].parent >= found.size()) continue;
-        auto& [start, end] = found[sorted[index].parent];
-        if (start == end) start = static_cast<std::uint32_t>(index);
-        end = static_cast<std::uint32_t>(index + 1);
+    /// By name, each once: a folder that was made anew while the one above it was listed may have
+    /// been listed twice.
+    std::span<const Position> inside(Number folder) {
+        const auto group =
+            std::span(places_).subspan(starts_[folder], starts_[folder + 1] - starts_[folder]);
+        const auto name = [&](Position place) { return entries_[place].name; };
+        std::ranges::sort(group, {}, name);
+        const auto end = std::unique(group.begin(), group.end(), [&](Position one, Position other) {
+            return name(one) == name(other);
+        });
+        return group.first(static_cast<std::size_t>(end - group.begin()));
     }
-    return found;
-}
+
+private:
+    const std::vector<Entry>& entries_;
+    std::vector<Position> starts_;  // and the end of the last one
+    std::vector<Position> places_;
+    std::vector<Position> roots_;
+};
 
 }  // namespace
 
-FolderTree FolderTreeBuilder::build(std::vector<Entry> entries) {
-    std::ranges::sort(entries, standsBefore);
-    // A folder that was made anew while the one above it was listed may have been listed twice.
-    entries.erase(std::unique(entries.begin(), entries.end(), isTwin), entries.end());
-    const auto isRoot = [](const Entry& entry) { return entry.parent == noParent; };
-    const auto roots = static_cast<std::uint32_t>(std::ranges::count_if(entries, isRoot));
-    const auto childrenOf = groups(entries, roots);
+FolderTree FolderTreeBuilder::build(const std::vector<Entry>& entries) {
+    Groups groups(entries);
 
     FolderTree tree;
-    tree.rootCount_ = roots;
+    tree.rootCount_ = static_cast<std::uint32_t>(groups.roots().size());
     tree.folders_.reserve(entries.size());
-    std::vector<std::uint32_t> order;  // of what is in the tree already, by its place in `entries`
+    std::vector<Position> order;  // of what is in the tree already
     order.reserve(entries.size());
     std::size_t names = 0;
     for (const Entry& entry : entries)
         names += entry.name.size();
     tree.names_.reserve(names);
-    const auto take = [&](std::uint32_t place, FolderTree::Index parent) {
+    const auto take = [&](Position place, FolderTree::Index parent) {
         const Entry& entry = entries[place];
         order.push_back(place);
         tree.names_ += entry.name;
@@ -73,12 +90,11 @@ FolderTree FolderTreeBuilder::build(std::vector<Entry> entries) {
         folder.parent = parent;
         folder.nameEnd = static_cast<std::uint32_t>(tree.names_.size());
     };
-    for (std::uint32_t root = 0; root < roots; ++root)
+    for (const Position root : groups.roots())
         take(root, FolderTree::none);
     for (FolderTree::Index index = 0; index < order.size(); ++index) {
         tree.folders_[index].firstChild = static_cast<FolderTree::Index>(order.size());
-        const auto [first, last] = childrenOf[entries[order[index]].number];
-        for (std::uint32_t child = first; child < last; ++child)
+        for (const Position child : groups.inside(entries[order[index]].number))
             take(child, index);
     }
     addUp(tree);

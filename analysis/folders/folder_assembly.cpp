@@ -121,7 +121,7 @@ AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders, 
     result.hiddenBytes = saturatedSum(result.hiddenBytes, linked);
     // A root that could not be opened has a number and no record.
     std::erase_if(byNumber, [](const Entry& entry) { return entry.name.empty(); });
-    result.tree = FolderTreeBuilder::build(std::move(byNumber));
+    result.tree = FolderTreeBuilder::build(byNumber);
     return result;
 }
 

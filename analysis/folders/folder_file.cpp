@@ -191,7 +191,7 @@ std::shared_ptr<const MeasuredFolders> decode(std::string_view content, std::str
     const bool isOwn = entries.empty() || entries.front().name == home;
     if (!reader.isGood() || !isOwn) return nullptr;
     folders->tree =
-        std::make_shared<const FolderTree>(FolderTreeBuilder::build(std::move(entries)));
+        std::make_shared<const FolderTree>(FolderTreeBuilder::build(entries));
     return folders;
 }
 

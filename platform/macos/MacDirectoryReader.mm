@@ -15,6 +15,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/same_state.h"
 #include "platform/posix/uninterrupted.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -132,8 +133,7 @@ bool MacDirectoryReader::status(OpenFolder& folder, std::string_view name, Folde
     status.inode = found.st_ino;
     status.allocatedSize = static_cast<std::int64_t>(found.st_blocks) * blockSize;
     const timespec modified = modifiedTime(found);
-    status.modified =
-        static_cast<double>(modified.tv_sec) + static_cast<double>(modified.tv_nsec) / 1e9;
+    status.modified = momentOf(modified.tv_sec, modified.tv_nsec);
     return true;
 }
 

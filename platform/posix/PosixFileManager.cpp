@@ -10,6 +10,7 @@
 #include "platform/posix/PosixFolder.h"
 #include "platform/posix/readable_file.h"
 #include "platform/posix/same_state.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -29,7 +30,7 @@ void requireWholePath(const char* attempt, const std::string& path) {
 }
 
 double seconds(const timespec& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+    return momentOf(time.tv_sec, time.tv_nsec);
 }
 
 /// Makes a folder whose own name has reached the disk before anything is put into it. False with

@@ -173,10 +173,14 @@ std::string parentFolder(std::string_view path) {
     return slash == 0 ? "/" : std::string(path.substr(0, slash));
 }
 
-std::string lowerCaseExtension(std::string_view name) {
+std::string_view extensionOf(std::string_view name) {
     const std::size_t stop = name.rfind('.');
     if (stop == std::string_view::npos || stop == 0) return {};
-    std::string extension(name.substr(stop + 1));
+    return name.substr(stop + 1);
+}
+
+std::string lowerCaseExtension(std::string_view name) {
+    std::string extension(extensionOf(name));
     for (char& character : extension) {
         if (character >= 'A' && character <= 'Z') {
             character = static_cast<char>(character - 'A' + 'a');

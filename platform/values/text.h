@@ -36,8 +36,11 @@ bool isComponent(std::string_view name);
 /// without a slash.
 std::string parentFolder(std::string_view path);
 
-/// The lower-cased (ASCII) text after the last full stop of a file's name, empty when there is none
-/// or when the only full stop begins the name.
+/// The text after the last full stop of a file's name, empty when there is none or when the only
+/// full stop begins the name. Points into `name`.
+std::string_view extensionOf(std::string_view name);
+
+/// The same in lower case (ASCII).
 std::string lowerCaseExtension(std::string_view name);
 
 /// True when `path` is `folder` or lies below it. Exact comparison, no normalisation.

@@ -33,10 +33,17 @@ void WalkQueue::pause(std::unique_lock<std::mutex>& guard) {
     }
 }
 
-bool WalkQueue::next(Item& item) {
+bool WalkQueue::next(Item& item, Listed& listed) {
     // Closing a folder is a system call and letting go of one may free many: not under the lock.
-    const bool wasBusy = static_cast<bool>(std::exchange(item, Item()).folder);
+    FolderReference done = std::exchange(item, Item()).folder;
+    const bool wasBusy = static_cast<bool>(done);
+    Handles closing;
+    if (listed.children.empty()) {
+        listed.handle = nullptr;
+        done = FolderReference();
+    }
     std::unique_lock guard(lock_);
+    if (done) add(*done, listed, closing);
     if (wasBusy) --busy_;
     if (isOver()) {
         changed_.notify_all();
@@ -64,19 +71,15 @@ std::shared_ptr<OpenFolder> WalkQueue::takeHandle(WalkedFolder& parent) {
     return std::exchange(parent.handle_, nullptr);
 }
 
-void WalkQueue::add(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle,
-                    std::vector<FolderReference>& children) {
-    if (children.empty()) return;
-    Handles closing;
-    const std::lock_guard guard(lock_);
-    folder.waitingChildren_ = children.size();
-    std::move(children.begin(), children.end(), std::back_inserter(waiting_));
-    keep(folder, std::move(handle), closing);
-    // The caller takes one of them itself.
-    const std::size_t wanted = std::min(idle_, children.size() - 1);
+/// Under the lock. The caller takes one of them itself.
+void WalkQueue::add(WalkedFolder& folder, Listed& listed, Handles& closing) {
+    folder.waitingChildren_ = listed.children.size();
+    std::ranges::move(listed.children, std::back_inserter(waiting_));
+    keep(folder, std::exchange(listed.handle, nullptr), closing);
+    const std::size_t wanted = std::min(idle_, listed.children.size() - 1);
     for (std::size_t woken = 0; woken < wanted; ++woken)
         changed_.notify_one();
-    children.clear();
+    listed.children.clear();
 }
 
 void WalkQueue::stop() {

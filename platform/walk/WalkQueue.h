@@ -38,13 +38,16 @@ public:
     /// A worker takes part from now on.
     void join();
 
-    /// The next folder, in place of the one that `item` holds, which has been read. Waits while
-    /// other workers may still find some. False at the end of the walk and after `stop`.
-    bool next(Item& item);
+    /// The folders found in one, and that one's handle, null when it was not opened.
+    struct Listed {
+        std::shared_ptr<OpenFolder> handle;
+        std::vector<FolderReference> children;
+    };
 
-    /// Adds the folders found in `folder`, which is open through `handle`; empties `children`.
-    void add(WalkedFolder& folder, std::shared_ptr<OpenFolder> handle,
-             std::vector<FolderReference>& children);
+    /// The next folder, in place of the one that `item` holds, which has been read: what was found
+    /// in it is added, and `listed` emptied. Waits while other workers may still find some. False
+    /// at the end of the walk and after `stop`.
+    bool next(Item& item, Listed& listed);
 
     /// Lets all workers end.
     void stop();
@@ -64,6 +67,7 @@ private:
     using Handles = std::vector<std::shared_ptr<OpenFolder>>;
 
     bool isOver() const { return stopped_ || (waiting_.empty() && busy_ == 0); }
+    void add(WalkedFolder& folder, Listed& listed, Handles& closing);
     void pause(std::unique_lock<std::mutex>& guard);
 
     std::shared_ptr<OpenFolder> takeHandle(WalkedFolder& parent);

@@ -11,7 +11,7 @@ namespace velto {
 void WalkWorker::run() {
     setting_.queue.join();
     WalkQueue::Item item;
-    while (setting_.queue.next(item))
+    while (setting_.queue.next(item, listed_))
         walk(item);
 }
 
@@ -21,8 +21,7 @@ void WalkWorker::walk(const WalkQueue::Item& item) {
     if (setting_.cancelled.isCancelled()) return setting_.queue.stop();
     if (isRoot && !visitor_.enter(folder)) return;
 
-    std::shared_ptr<OpenFolder> handle;
-    switch (open(item, handle)) {
+    switch (open(item, listed_.handle)) {
         case Opening::done:
             break;
         case Opening::declined:
@@ -39,15 +38,13 @@ void WalkWorker::walk(const WalkQueue::Item& item) {
             return;
     }
     entries_.clear();
-    const bool isComplete = setting_.reader.read(*handle, readOptions(folder), entries_);
+    const bool isComplete = setting_.reader.read(*listed_.handle, readOptions(folder), entries_);
     if (!isComplete) ++unreadable_;
 
-    children_.clear();
     for (const DirectoryEntry& entry : entries_.entries()) {
         if (!meet(item.folder, entry)) return setting_.queue.stop();
     }
     visitor_.end(folder, isComplete);
-    setting_.queue.add(folder, std::move(handle), children_);
 }
 
 ReadOptions WalkWorker::readOptions(const WalkedFolder& folder) const {
@@ -77,7 +74,7 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
             visitor_.other(*folder, entry);
             FolderReference child = FolderReference::inside(folder, entry.name, place);
             child->isHidden = folder->hides(entry);
-            if (visitor_.enter(*child)) children_.push_back(std::move(child));
+            if (visitor_.enter(*child)) listed_.children.push_back(std::move(child));
             break;
         }
         case EntryKind::unreadable:

@@ -45,7 +45,7 @@ private:
     TreeVisitor& visitor_;
     std::int64_t unreadable_ = 0;
     EntryList entries_;
-    std::vector<FolderReference> children_;
+    WalkQueue::Listed listed_;  // of the folder whose turn it is
 };
 
 }  // namespace velto

@@ -51,9 +51,7 @@ WalkedFolder::WalkedFolder(FolderReference parent, std::string name, const Place
     root_ = parent_->root_;
 }
 
-bool WalkedFolder::hides(const DirectoryEntry& entry) const {
-    if (entry.name.starts_with('.')) return true;
-    if (!entry.hiddenFlag) return false;
+bool WalkedFolder::hidesFlagged(const DirectoryEntry& entry) const {
     return place_ == nullptr ||
            std::ranges::find(place_->keepFlagged, entry.name) == place_->keepFlagged.end();
 }

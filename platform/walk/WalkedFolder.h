@@ -70,7 +70,9 @@ public:
 
     /// True for an entry of this folder that is hidden: its name begins with a full stop, or its
     /// file system flags it and the walk's table does not keep it.
-    bool hides(const DirectoryEntry& entry) const;
+    bool hides(const DirectoryEntry& entry) const {
+        return entry.name.starts_with('.') || (entry.hiddenFlag && hidesFlagged(entry));
+    }
 
     /// What the visitor noted about the folder; a new folder has the mark of the one above it.
     std::uint32_t mark = 0;
@@ -85,6 +87,7 @@ private:
     friend class FolderReference;
     friend class WalkQueue;
 
+    bool hidesFlagged(const DirectoryEntry& entry) const;
     std::string joined(const WalkedFolder* stop, std::string_view name) const;
 
     FolderReference parent_;

@@ -89,7 +89,7 @@ TEST(FolderTree, WhatCouldNotBeReadIsCountedUpwards) {
     entries[1].facts.unreadable = 3;
     entries[2].facts.state = FolderState::unreadable;
     entries[2].facts.latest = 7;
-    const FolderTree tree = FolderTreeBuilder::build(std::move(entries));
+    const FolderTree tree = FolderTreeBuilder::build(entries);
     EXPECT_EQ(tree[0].unreadable, 4U);
     EXPECT_EQ(tree[tree.find("/h/a/locked")].unreadable, 1U);
     EXPECT_EQ(tree[0].latest, 7U);

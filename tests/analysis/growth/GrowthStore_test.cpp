@@ -170,7 +170,7 @@ TEST_F(GrowthStoreTest, AHomeOfTooManyFoldersIsKeptWithTheLargerOnes) {
                            .parent = 0,
                            .name = names[index],
                            .facts = {.ownBytes = 1'000'000 + index * 40}});
-    const FolderTree tree = FolderTreeBuilder::build(std::move(entries));
+    const FolderTree tree = FolderTreeBuilder::build(entries);
     EXPECT_TRUE(GrowthKeeper(machine.platform).keep(tree, start, {}));
     const auto kept = store.load(start);
     ASSERT_NE(kept, nullptr);

@@ -54,7 +54,7 @@ public:
                  .name = isHome ? std::string_view(home) : lastPathComponent(path),
                  .facts = facts});
         }
-        return FolderTreeBuilder::build(std::move(entries));
+        return FolderTreeBuilder::build(entries);
     }
 
     GrowthSnapshot snapshot(std::int64_t moment = 1'800'000'000,
