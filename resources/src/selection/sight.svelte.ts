@@ -4,8 +4,8 @@ import { around, indicesInSight, scrollToRow, type Sight } from './windowing.ts'
 /** What is near enough for a first guess: asking would lay everything out before its time. */
 const usualRow = 44;
 const usualShare = 0.7;
-/** Beyond the edges of a list that stands still: one notch of a wheel turns less. */
-const aroundAtRest = 8;
+/** Beyond the edges of a list that stands still: two notches of a wheel, 120 pixels each, turn less. */
+const aroundAtRest = 6;
 
 /** The part of an element that its scroller shows, below a head that stays in place. */
 export class SeenPart {
