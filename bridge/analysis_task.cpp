@@ -10,6 +10,7 @@
 #include "bridge/MeasurementIntents.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/events.h"
+#include "platform/background_priority.h"
 #include "platform/values/units.h"
 
 namespace velto {
@@ -50,8 +51,10 @@ void JSBridge::startAnalysis() {
         QualityOfService::userInitiated,
         [scanner = scanner_, excluded = analysisExcluded_, cancelled, end, progress, comparing] {
             try {
-                const auto output = std::make_shared<const AnalysisOutput>(
-                    scanner->scanner.scan(excluded, cancelled, progress, comparing));
+                const auto output = std::make_shared<AnalysisOutput>();
+                runLettingOthersGoFirst([&] {
+                    *output = scanner->scanner.scan(excluded, cancelled, progress, comparing);
+                });
                 end([output](JSBridge& bridge) { bridge.finishAnalysis(*output); });
             } catch (const CancellationError&) {
                 end([](JSBridge& bridge) { bridge.failAnalysis("Velto ▶ análisis cancelado"); });

@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/background_priority.h"
+
 namespace velto {
 namespace {
 
@@ -49,7 +51,10 @@ public:
     }
     void start(Run& run) {
         const std::size_t number = threads_.size() + 1;
-        threads_.emplace_back([&run, number] { run.onThread(number); });
+        threads_.emplace_back([&run, number, priority = PassedPriority()] {
+            priority.take();
+            run.onThread(number);
+        });
     }
 
 private:

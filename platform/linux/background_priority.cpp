@@ -14,6 +14,9 @@ constexpr int idleClass = 3;
 constexpr int classShift = 13;
 
 constexpr int lowestPriority = 19;
+// A busy thread of the usual priority gets three times as much of a processor as one of this
+// (sched(7), the weights of nice values).
+constexpr int behindOthers = 5;
 
 }  // namespace
 
@@ -26,5 +29,14 @@ void runInBackground() {
 
 // All three calls are about the calling thread on this system, and its threads inherit them.
 void runThreadInBackground() { runInBackground(); }
+
+void letOthersGoFirst() {
+    // As the process, so the thread: what runs lower already stays there.
+    if (getpriority(PRIO_PROCESS, 0) < behindOthers) setpriority(PRIO_PROCESS, 0, behindOthers);
+}
+
+// A thread has the priority of the one that starts it.
+PassedPriority::PassedPriority() = default;
+void PassedPriority::take() const {}
 
 }  // namespace velto

@@ -1,5 +1,6 @@
 #include "platform/background_priority.h"
 
+#include <pthread.h>
 #include <sys/resource.h>
 
 namespace velto {
@@ -7,5 +8,15 @@ namespace velto {
 void runInBackground() { setpriority(PRIO_DARWIN_PROCESS, 0, PRIO_DARWIN_BG); }
 
 void runThreadInBackground() { setpriority(PRIO_DARWIN_THREAD, 0, PRIO_DARWIN_BG); }
+
+void letOthersGoFirst() { pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0); }
+
+PassedPriority::PassedPriority() : value_(qos_class_self()) {}
+
+void PassedPriority::take() const {
+    if (value_ != QOS_CLASS_UNSPECIFIED) {
+        pthread_set_qos_class_self_np(static_cast<qos_class_t>(value_), 0);
+    }
+}
 
 }  // namespace velto

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/background_priority.h"
 #include "platform/walk/WalkPace.h"
 #include "platform/walk/WalkQueue.h"
 #include "platform/walk/WalkWorker.h"
@@ -36,7 +37,10 @@ public:
             ++running_;
         }
         try {
-            threads_.emplace_back([this, &worker] { work(worker); });
+            threads_.emplace_back([this, &worker, priority = PassedPriority()] {
+                priority.take();
+                work(worker);
+            });
         } catch (...) {
             const std::lock_guard guard(lock_);
             --running_;
