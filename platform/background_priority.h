@@ -12,8 +12,8 @@ void runInBackground();
 void runThreadInBackground();
 
 /// Lets the threads of the window, and what else somebody waits for, go before the calling thread,
-/// for the rest of its life. It still moves on beside busy ones, unlike what runs in the background,
-/// and on an idle machine it is as fast as any.
+/// for the rest of its life. It still moves on beside busy ones, unlike what runs in the
+/// background, and on an idle machine it is as fast as any.
 void letOthersGoFirst();
 
 /// Runs `work` on a thread of its own that lets others go first, and so do the threads that it

@@ -20,4 +20,6 @@ run_benchmarks() {
     node bench/start.mjs build/release
     say "Measuring the live system view"
     node bench/live.mjs build/release
+    say "Measuring how soon the window answers beside busy processors"
+    node bench/load.mjs build/release
 }
