@@ -3,7 +3,7 @@ find_package(Threads REQUIRED)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 
-if(VELTO_SANITIZE AND NOT APPLE)
+if(VELTO_COMPILE_TOGETHER)
     file(WRITE ${CMAKE_BINARY_DIR}/precompiled.cpp "")
     add_library(velto_precompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
     target_link_libraries(velto_precompiled PRIVATE

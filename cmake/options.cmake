@@ -102,13 +102,12 @@ if(VELTO_SANITIZE MATCHES "address")
     target_compile_options(velto_options INTERFACE -fno-sanitize=null,object-size)
 endif()
 
-# The sanitized builds share precompiled headers: they compile everything anew where nothing is
-# cached. The plain builds go without, so that no source gets away with a missing include.
+# What is compiled together shares precompiled headers as well (unity.cmake).
 function(velto_precompile target from)
     if(CMAKE_UNITY_BUILD)
         velto_compile_alone(${target})
     endif()
-    if(NOT VELTO_SANITIZE OR APPLE)
+    if(NOT VELTO_COMPILE_TOGETHER)
         return()
     endif()
     # What ccache wants to see.

@@ -1,10 +1,15 @@
-# The sanitized builds compile several sources as one: what the sources of a folder share, their
-# headers and the templates that they make use of, is compiled once for all of them and not anew for
-# each, which is most of what a cold build does. -DCMAKE_UNITY_BUILD=OFF gives every source its own
-# object again, as the plain builds do, so that no source gets away with a missing include.
-if(VELTO_SANITIZE AND NOT APPLE)
+# The builds that ./dev test makes compile several sources as one, with precompiled headers: what the
+# sources of a folder share, their headers and the templates that they make use of, is compiled once for
+# all of them and not anew for each, which is most of what a cold build does. -DCMAKE_UNITY_BUILD=OFF gives
+# every source its own object again. The debug build does that, and clang-tidy, both in ./dev check: there no
+# source gets away with a missing include.
+option(VELTO_COMPILE_TOGETHER "Compile several sources as one, with precompiled headers" OFF)
+if((VELTO_SANITIZE OR VELTO_COMPILE_TOGETHER) AND NOT APPLE)
+    set(VELTO_COMPILE_TOGETHER ON)
     set(CMAKE_UNITY_BUILD ON CACHE BOOL "Compile several sources as one")
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 10 CACHE STRING "How many at most")
+else()
+    set(VELTO_COMPILE_TOGETHER OFF)
 endif()
 
 # Sources whose unnamed namespaces have a name in common with another source's of the same library
