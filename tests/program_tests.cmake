@@ -4,6 +4,12 @@ if(VELTO_SANITIZE OR NOT VELTO_PROGRAM_TESTS)
     return()
 endif()
 
+# What the tests that say so depend on, files and folders: ./dev test leaves them out while nothing of
+# that has changed since they passed (tools/selection). The others, which take a moment, always run.
+set(page ${CMAKE_SOURCE_DIR}/resources)
+set(page_configuration ${page}/package.json ${page}/package-lock.json ${page}/tsconfig.json
+    ${page}/svelte.config.js ${page}/vite.config.ts ${page}/build)
+
 # `node` is looked for on the PATH when the test runs: ./dev puts a new enough one there.
 function(velto_page_test name script)
     add_test(NAME page.${name} COMMAND npm run --silent ${script}
@@ -12,8 +18,15 @@ function(velto_page_test name script)
 endfunction()
 velto_page_test(types check)
 velto_page_test(logic test)
+set_tests_properties(page.types page.logic PROPERTIES REQUIRED_FILES
+    "${page_configuration};${page}/src;${page}/tests;${page}/index.html;${CMAKE_SOURCE_DIR}/docs/guide;${CMAKE_SOURCE_DIR}/packaging/notices")
 add_test(NAME release.papers COMMAND node --test --test-reporter=spec
     ${CMAKE_CURRENT_SOURCE_DIR}/release/release.test.mjs)
+
+add_test(NAME selection COMMAND node --test --test-reporter=spec
+    ${CMAKE_CURRENT_SOURCE_DIR}/selection/selection.test.mjs)
+set_tests_properties(selection PROPERTIES REQUIRED_FILES
+    "${CMAKE_SOURCE_DIR}/tools/selection;${CMAKE_SOURCE_DIR}/tools/test.sh;${CMAKE_SOURCE_DIR}/tools/test_output.awk;${CMAKE_SOURCE_DIR}/tools/common.sh;${CMAKE_CURRENT_SOURCE_DIR}/selection")
 
 if(APPLE)
     # Skipped in sight of everyone, each with its reason.
@@ -30,7 +43,8 @@ endif()
 
 velto_page_test(browser test:page)
 # The longest test starts first; a high cost is how CTest is told.
-set_tests_properties(page.browser PROPERTIES COST 1000 RESOURCE_LOCK window)
+set_tests_properties(page.browser PROPERTIES COST 1000 RESOURCE_LOCK window REQUIRED_FILES
+    "${page_configuration};${page}/dist;${page}/src;${page}/tests/page;${page}/tests/support")
 
 # The debug build leaves out what only an optimising compiler can do.
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
@@ -67,6 +81,10 @@ target_link_libraries(screen_reader PRIVATE PkgConfig::GIO nlohmann_json::nlohma
 add_custom_target(test_helpers
     DEPENDS notification_service load drag_source clipboard_text screen_reader)
 
+set(desktop $<TARGET_FILE:velto> $<TARGET_FILE:velto-icons> ${CMAKE_BINARY_DIR}/Velto_velto_app.bundle
+    $<TARGET_FILE:notification_service> $<TARGET_FILE:load> $<TARGET_FILE:drag_source>
+    $<TARGET_FILE:clipboard_text> $<TARGET_FILE:screen_reader>
+    ${CMAKE_CURRENT_SOURCE_DIR}/e2e/support ${CMAKE_SOURCE_DIR}/tools/desktop)
 file(GLOB scenarios CONFIGURE_DEPENDS e2e/*.test.mjs)
 foreach(scenario IN LISTS scenarios)
     get_filename_component(name ${scenario} NAME_WE)
@@ -74,6 +92,7 @@ foreach(scenario IN LISTS scenarios)
     # One window at a time: they share the machine's cores, and each waits for what it sees.
     set_tests_properties(e2e.${name} PROPERTIES
         LABELS e2e TIMEOUT 600 COST 500 RESOURCE_LOCK window
+        REQUIRED_FILES "${scenario};${desktop}"
         ENVIRONMENT "VELTO_PROGRAM=$<TARGET_FILE:velto>;NOTIFICATION_SERVICE=$<TARGET_FILE:notification_service>;LOAD=$<TARGET_FILE:load>;DRAG_SOURCE=$<TARGET_FILE:drag_source>;CLIPBOARD_TEXT=$<TARGET_FILE:clipboard_text>;SCREEN_READER=$<TARGET_FILE:screen_reader>")
 endforeach()
 
