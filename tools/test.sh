@@ -39,9 +39,9 @@ test_what_changed() {
         return
     fi
     say "Testing"
-    # ctest's closing lines come last.
+    # ctest's closing lines come last. Of two tests one waits, for the disk or for a window.
     ctest --test-dir "$folder" --tests-information "$folder/chosen" --output-on-failure \
-        --parallel "$(cores)" --no-tests=error 2>&1 |
+        --parallel "$((2 * $(cores)))" --no-tests=error 2>&1 |
         tee "$logs/test.log" | awk -v LOG="$folder/Testing/Temporary/LastTest.log" -f "$tools/test_output.awk" || status=$?
     node "$tools/selection/select.mjs" record "$folder" "$logs/test.log"
     return "$status"
