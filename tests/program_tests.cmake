@@ -93,7 +93,7 @@ foreach(program IN ITEMS velto velto-icons)
         COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:${program}> ${without_page}/${program}
         DEPENDS ${program} VERBATIM)
 endforeach()
-add_custom_target(velto_without_page DEPENDS ${without_page}/velto ${without_page}/velto-icons)
+add_custom_target(velto_without_page ALL DEPENDS ${without_page}/velto ${without_page}/velto-icons)
 add_dependencies(test_helpers velto_without_page)
 
 set(helpers $<TARGET_FILE:notification_service> $<TARGET_FILE:load> $<TARGET_FILE:drag_source>
