@@ -115,11 +115,10 @@ export async function openGuided(
     /** Types a key until the focus is at a control of this name, or at the row of this path. */
     async keyTo(key, name, most = 40) {
       for (let count = 0; count < most; count++) {
-        const before = latest().focus;
         await desktop.input('key', key);
-        // A key that moves nothing tells nothing: it is typed again after a while.
-        const now = await shows('another focus', ({ focus }) => focus !== before && { focus }, 700).catch(latest);
-        if (matches(now.focus, name)) return;
+        const reached = await shows(`the focus at "${name}"`, ({ focus }) => matches(focus, name), 700)
+          .catch(() => false);
+        if (reached) return;
       }
       throw new Error(`${key} never came to "${name}"; the focus is at "${latest().focus}"`);
     },
