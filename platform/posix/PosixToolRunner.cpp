@@ -62,7 +62,7 @@ private:
 
 struct Child {
     pid_t process;
-    Descriptor standardError;
+    Descriptor output;  // of the stream that is captured
 };
 
 /// 0 or an error number.
@@ -87,8 +87,9 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// 0 or an error number.
-int spawn(const std::string& path, const std::vector<std::string>& arguments,
+/// 0 or an error number. Of the tool's standard streams `captured` comes through the child's pipe;
+/// the others are the null device.
+int spawn(int captured, const std::string& path, const std::vector<std::string>& arguments,
           const std::vector<std::string>& environment, Child& child) {
     std::vector<std::string> texts{path};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -98,12 +99,13 @@ int spawn(const std::string& path, const std::vector<std::string>& arguments,
     static std::mutex oneAtATime;
     const std::lock_guard lock(oneAtATime);
     Descriptor writer;
-    if (const int error = openPipe(child.standardError, writer); error != 0) return error;
+    if (const int error = openPipe(child.output, writer); error != 0) return error;
     SpawnActions actions;
     const SpawnAttributes attributes;
-    int error = posix_spawn_file_actions_adddup2(actions.get(), writer.number(), STDERR_FILENO);
-    for (int stream : {STDIN_FILENO, STDOUT_FILENO}) {
+    int error = posix_spawn_file_actions_adddup2(actions.get(), writer.number(), captured);
+    for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (error != 0) break;
+        if (stream == captured) continue;
         error = posix_spawn_file_actions_addopen(actions.get(), stream, "/dev/null", O_RDWR, 0);
     }
     if (error != 0) return error;
@@ -153,14 +155,25 @@ PosixToolRunner::PosixToolRunner(std::chrono::milliseconds limit) : limit_(limit
 
 ToolResult PosixToolRunner::run(const std::string& path,
                                 const std::vector<std::string>& arguments) {
+    return runCapturing(STDERR_FILENO, path, arguments);
+}
+
+ToolResult PosixToolRunner::read(const std::string& path,
+                                 const std::vector<std::string>& arguments) {
+    return runCapturing(STDOUT_FILENO, path, arguments);
+}
+
+ToolResult PosixToolRunner::runCapturing(int stream, const std::string& path,
+                                         const std::vector<std::string>& arguments) {
     ToolResult result;
+    std::string& text = stream == STDERR_FILENO ? result.standardError : result.standardOutput;
     Child child{};
-    if (const int error = spawn(path, arguments, environment_, child); error != 0) {
+    if (const int error = spawn(stream, path, arguments, environment_, child); error != 0) {
         result.startError = std::generic_category().message(error);
         return result;
     }
     result.started = true;
-    const int pipe = child.standardError.number();
+    const int pipe = child.output.number();
     const auto end = std::chrono::steady_clock::now() + limit_;
     std::optional<int> status;
     bool isOpen = true;
@@ -170,11 +183,11 @@ ToolResult PosixToolRunner::run(const std::string& path,
              isOpen ? exitCheckInterval : 5);  // interrupted or not: both questions are asked below
         // Asked before reading: what a tool that has ended wrote is in the pipe by now.
         status = waitFor(child.process, WNOHANG);
-        if (isOpen) isOpen = drain(pipe, result.standardError) == ReadEnd::open;
+        if (isOpen) isOpen = drain(pipe, text) == ReadEnd::open;
     }
     // Before the pipe is closed, which would end a tool that writes in its own way.
     if (!status) kill(child.process, SIGKILL);
-    child.standardError = Descriptor();
+    child.output = Descriptor();
     result.exitStatus = exitStatusOf(status ? *status : *waitFor(child.process, 0));
     return result;
 }

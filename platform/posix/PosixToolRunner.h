@@ -20,8 +20,12 @@ public:
     explicit PosixToolRunner(std::chrono::milliseconds limit = usualLimit);
 
     ToolResult run(const std::string& path, const std::vector<std::string>& arguments) override;
+    ToolResult read(const std::string& path, const std::vector<std::string>& arguments) override;
 
 private:
+    ToolResult runCapturing(int stream, const std::string& path,
+                            const std::vector<std::string>& arguments);
+
     std::vector<std::string> environment_;  // "NAME=value" each
     std::chrono::milliseconds limit_;
 };

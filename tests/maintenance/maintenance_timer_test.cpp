@@ -30,6 +30,9 @@ class FailingTool final : public ToolRunner {
 public:
     explicit FailingTool(std::string command) : command_(std::move(command)) {}
 
+    ToolResult read(const std::string& path, const std::vector<std::string>& arguments) override {
+        return run(path, arguments);
+    }
     ToolResult run(const std::string&, const std::vector<std::string>& arguments) override {
         commands.push_back(arguments);
         if (onEnable && std::ranges::count(arguments, "enable") > 0) onEnable();

@@ -208,7 +208,14 @@ public:
         commands.push_back(std::move(command));
         return result;
     }
+    ToolResult read(const std::string& path, const std::vector<std::string>& arguments) override {
+        ToolResult answer = run(path, arguments);
+        const auto output = outputs.find(std::string(path.substr(path.rfind('/') + 1)));
+        if (output != outputs.end()) answer.standardOutput = output->second;
+        return answer;
+    }
 
+    std::map<std::string, std::string> outputs;  // of `read`, by the tool's name
     ToolResult result{.started = true, .startError = "", .exitStatus = 0, .standardError = ""};
     std::vector<std::vector<std::string>> commands;
 };

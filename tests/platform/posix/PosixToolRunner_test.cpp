@@ -99,6 +99,14 @@ TEST(PosixToolRunner, AToolReadsNothingAndItsOutputGoesNowhere) {
     EXPECT_THAT(result.standardError, IsEmpty());
 }
 
+TEST(PosixToolRunner, AToolThatIsAskedAnswersOnItsOutputAndItsComplaintsGoNowhere) {
+    const ToolResult result = PosixToolRunner().read(
+        "/bin/sh", {"-c", "echo answer; echo noise >&2; test -c /dev/fd/0 && test -c /dev/fd/2"});
+    EXPECT_EQ(result.exitStatus, 0);
+    EXPECT_EQ(result.standardOutput, "answer\n");
+    EXPECT_THAT(result.standardError, IsEmpty());
+}
+
 TEST(PosixToolRunner, TheProgramKeepsNoDescriptorOfAFinishedTool) {
     const int before = dup(0);
     close(before);
