@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "cleaning/CleaningRules.h"
+#include "cleaning/RunningPrograms.h"
 #include "platform/Platform.h"
 
 namespace velto {
@@ -54,13 +54,10 @@ public:
     FactsByPath facts(const std::vector<Candidate>& candidates) const;
 
 private:
-    void note(const RunningApplication& application);
     bool isInUse(const std::string& path) const;
 
     bool isMac_;
-    std::unordered_set<std::string> words_;  // what running applications are called, lower case
-    std::vector<std::string> identifiers_;   // of running bundles, lower case
-    std::vector<std::string> executables_;   // absolute
+    RunningPrograms running_;
 };
 
 }  // namespace velto
