@@ -204,5 +204,25 @@ TEST_F(MaintenanceRulesTest, ACandidateTellsItsNameAndItsSize) {
     EXPECT_THAT(calls, IsEmpty()) << "asking moves nothing";
 }
 
+TEST_F(MaintenanceRulesTest, WhatTheFurtherRulesFindIsOfferedToPeopleAlone) {
+    machine.platform.layout = HomeLayout::freedesktop(
+        home().path(), [](const std::string&) { return std::nullopt; }, "");
+    home().sparse("work/shop/node_modules/a/index.js", 90 * megabyte);
+    home().text("work/shop/package.json", "{}");
+    home().sparse(".npm/_cacache/content-v2/x", 90 * megabyte);
+    home().sparse(".cargo/registry/cache/x.crate", 90 * megabyte);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(home().path()))
+        TempHome::File(entry.path().string()).dated(now() - 400 * day, now() - 400 * day);
+    EXPECT_THAT(run({{"caches", true},
+                     {"xcode", true},
+                     {"oldDownloads", true},
+                     {"installers", true},
+                     {"systemTrash", true},
+                     {"dups", true}}),
+                IsEmpty());
+    EXPECT_TRUE(home().exists("work/shop/node_modules/a/index.js"));
+    EXPECT_TRUE(home().exists(".npm/_cacache/content-v2/x"));
+}
+
 }  // namespace
 }  // namespace velto
