@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/values/text.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -45,6 +46,7 @@ void AnalysisLists::forget() {
     files_.clear();
     groups_.clear();
     cleanables_.clear();
+    further_.clear();
     gone_.clear();
 }
 
@@ -52,6 +54,14 @@ void AnalysisLists::replaceCleanables(const std::vector<Candidate>& found) {
     cleanables_.clear();
     for (const Candidate& candidate : found)
         cleanables_[candidate.path] = candidate.gb;
+}
+
+void AnalysisLists::replaceFurther(const std::vector<FurtherGroup>& found) {
+    further_.clear();
+    for (const FurtherGroup& group : found) {
+        for (const FurtherItem& item : group.items)
+            further_[item.path] = gigabytes(item.bytes);
+    }
 }
 
 void AnalysisLists::noteGone(const std::vector<std::string>& paths) {
@@ -102,7 +112,9 @@ std::optional<double> AnalysisLists::sizeOf(const std::string& path) const {
         return sizeIn(group, static_cast<std::size_t>(copy - group.paths.begin()));
     }
     const auto cleanable = cleanables_.find(path);
-    return cleanable == cleanables_.end() ? std::nullopt : std::optional(cleanable->second);
+    if (cleanable != cleanables_.end()) return cleanable->second;
+    const auto further = further_.find(path);
+    return further == further_.end() ? std::nullopt : std::optional(further->second);
 }
 
 bool AnalysisLists::isGone(const std::string& path) const { return lastGone(path).has_value(); }

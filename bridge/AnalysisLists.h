@@ -8,6 +8,7 @@
 
 #include "analysis/DiskState.h"
 #include "cleaning/CleaningRules.h"
+#include "cleaning/further/FurtherDiscovery.h"
 
 namespace velto {
 
@@ -34,6 +35,9 @@ public:
     /// Takes what the cleaning rules have proposed last, for its sizes.
     void replaceCleanables(const std::vector<Candidate>& found);
 
+    /// The same of what the further rules have found.
+    void replaceFurther(const std::vector<FurtherGroup>& found);
+
     /// The paths, with everything below them, are not at their place any more, or are again.
     void noteGone(const std::vector<std::string>& paths);
     void noteBack(const std::vector<std::string>& paths);
@@ -55,6 +59,7 @@ private:
     std::vector<BigFile> files_;
     std::vector<DupGroup> groups_;
     std::map<std::string, double> cleanables_;  // GB by path
+    std::map<std::string, double> further_;     // the same
     std::map<std::string, Mark> gone_;          // standardised paths
     Mark lastMark_ = 0;
 };

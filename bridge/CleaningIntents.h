@@ -32,6 +32,9 @@ public:
     /// What was proposed last at this path; null for anything else. Valid until the next proposals.
     const Candidate* proposal(const std::string& path) const;
 
+    /// All that was proposed last.
+    const std::vector<Candidate>& proposals() const { return proposed_; }
+
 private:
     void show(std::vector<Candidate> found, AnalysisLists::Mark begun);
 

@@ -9,6 +9,7 @@
 #include "bridge/DeleteNowIntent.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/FurtherIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/LeftBehindIntent.h"
 #include "bridge/MaintenanceIntents.h"
@@ -106,6 +107,13 @@ void JSBridge::makeIntents(const BridgeContext& context) {
                                                                      .shell = shell_});
     cleaningIntents_ = std::make_shared<CleaningIntents>(
         CleaningIntents::Context{link, platform_, lists_, *measurementIntents_});
+    furtherIntents_ = std::make_shared<FurtherIntents>(
+        FurtherIntents::Context{.link = link,
+                                .platform = platform_,
+                                .lists = lists_,
+                                .exclusions = exclusions_,
+                                .cleaning = *cleaningIntents_,
+                                .smallest = context.smallestFurther});
     deleteNowIntent_ = std::make_shared<DeleteNowIntent>(
         DeleteNowIntent::Context{link, platform_, language_, *cleaningIntents_});
     systemIntents_ = std::make_shared<SystemIntents>(

@@ -21,6 +21,7 @@
 #include "bridge/failure_text.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
+#include "cleaning/further/FurtherDiscovery.h"
 #include "platform/ApplicationShell.h"
 #include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
@@ -44,6 +45,8 @@ struct BridgeContext {
     std::function<void()> askToNotify = nullptr;  // the person, whether notifications may be shown
     const WorkProgress* progress = nullptr;       // null: what runs is shown in the page alone
     std::string_view version;                     // of this build
+    /// What the further rules find of less is not told, in bytes.
+    std::int64_t smallestFurther = FurtherDiscovery::smallestItem;
 };
 
 class AboutIntent;
@@ -51,6 +54,7 @@ class AccessIntents;
 class AppIntents;
 class CleaningIntents;
 class FolderIntents;
+class FurtherIntents;
 class GrowthIntents;
 class ExclusionIntents;
 class DeleteNowIntent;
@@ -194,6 +198,7 @@ private:
     std::shared_ptr<MeasurementIntents> measurementIntents_;
     std::shared_ptr<ExclusionIntents> exclusionIntents_;
     std::shared_ptr<CleaningIntents> cleaningIntents_;
+    std::shared_ptr<FurtherIntents> furtherIntents_;
     std::shared_ptr<DeleteNowIntent> deleteNowIntent_;
     std::shared_ptr<AboutIntent> aboutIntent_;
     std::shared_ptr<UsageIntents> usageIntents_;

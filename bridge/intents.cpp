@@ -9,6 +9,7 @@
 #include "bridge/DeleteNowIntent.h"
 #include "bridge/ExclusionIntents.h"
 #include "bridge/FolderIntents.h"
+#include "bridge/FurtherIntents.h"
 #include "bridge/GrowthIntents.h"
 #include "bridge/JSBridge.h"
 #include "bridge/LeftBehindIntent.h"
@@ -60,6 +61,7 @@ struct IntentTable {
     static constexpr auto measured = &JSBridge::measurementIntents_;
     static constexpr auto deletingNow = &JSBridge::deleteNowIntent_;
     static constexpr auto exclusions = &JSBridge::exclusionIntents_;
+    static constexpr auto further = &JSBridge::furtherIntents_;
     static constexpr auto about = &JSBridge::aboutIntent_;
     static constexpr auto usage = &JSBridge::usageIntents_;
 
@@ -117,6 +119,7 @@ struct IntentTable {
         {"checkSelection", at<selection, &SelectionIntents::onCheckSelection>},
         {"chooseExclusion", at<exclusions, &ExclusionIntents::onChooseExclusion>},
         {"deleteNow", at<deletingNow, &DeleteNowIntent::onDeleteNow>},
+        {"scanFurther", at<further, &FurtherIntents::onScanFurther>},
         {"followSystemTheme", at<theme, &ThemeIntents::onFollowSystemTheme>},
         {"about", at<about, &AboutIntent::onAbout>},
         {"appUses", at<usage, &UsageIntents::onAppUses>},

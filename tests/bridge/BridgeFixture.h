@@ -56,7 +56,8 @@ struct BridgeFixture : testing::Test {
                                                      .uninstalls = uninstalls,
                                                      .askToNotify = [this] { ++questions; },
                                                      .progress = progress ? &*progress : nullptr,
-                                                     .version = "1.2.3"});
+                                                     .version = "1.2.3",
+                                                     .smallestFurther = 1});
         bridge->attach(page);
     }
 
