@@ -51,7 +51,7 @@ const readers: Readers = {
 
 /** Events that only the second script listens for; they wait for it. */
 const laterEvents = [
-  'toast', 'onExclusions', 'onExcluded', 'onCleanableAges', 'onCleanableFacts', 'onCleanables', 'onMaintenance', 'onTrashState',
+  'toast', 'onExclusions', 'onExcluded', 'onCleanableAges', 'onCleanableFacts', 'onCleanables', 'onFurtherCleanables', 'onMaintenance', 'onTrashState',
   'onTrashChanged', 'onTrashEmptying', 'onTrashWaiting', 'onRefused', 'onSelection', 'onPutBack', 'onRestoreBlocked', 'onFolder', 'onFolderSearch',
   'onFolderGrowth', 'onGrowth', 'onHome', 'onHomeFolders', 'onCloudDrive', 'onCloudMove', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',

@@ -5,6 +5,7 @@ import * as cleaningGuards from './cleaningGuards.ts';
 import type { LaterReaders } from './connection.ts';
 import * as folderGuards from './folderGuards.ts';
 import * as growthGuards from './growthGuards.ts';
+import { furtherCleanables } from './furtherGuards.ts';
 import * as guards from './guards.ts';
 import * as measurementGuards from './measurementGuards.ts';
 import { systemActivity, systemDetails, systemSample } from './systemGuards.ts';
@@ -40,6 +41,10 @@ export const laterReaders: LaterReaders = {
   onExcluded: ([path]) => [guards.text(path)],
   onCleanableFacts: ([facts]) => [cleaningGuards.cleanableFacts(facts)],
   onCleanables: ([candidates]) => [cleaningGuards.cleanables(candidates)],
+  onFurtherCleanables: ([value]) => {
+    const further = furtherCleanables(value);
+    return further && [further];
+  },
   onMaintenance: ([status]) => [cleaningGuards.maintenanceStatus(status)],
   onTrashState: ([items]) => [cleaningGuards.trashItems(items)],
   onTrashWaiting: ([items]) => [cleaningGuards.waitingItems(items)],

@@ -8,6 +8,7 @@ import type {
   UninstallStage,
 } from './appRecords.ts';
 import type { FolderContents, FolderGrowth, FolderSearch, GrowthSince, HomeFolders } from './folderRecords.ts';
+import type { FurtherCleanables } from './furtherRecords.ts';
 import type { Growth } from './growthRecords.ts';
 import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords.ts';
 import type {
@@ -18,6 +19,7 @@ import type {
 export type * from './aboutRecords.ts';
 export type * from './appRecords.ts';
 export type * from './folderRecords.ts';
+export type * from './furtherRecords.ts';
 export type * from './growthRecords.ts';
 export type * from './measurementRecords.ts';
 export type * from './records.ts';
@@ -87,6 +89,7 @@ export interface Intents {
   keepCaches: { days: number };
   fullDiskNotice: { gb: number };
   scanCleanables: void;
+  scanFurther: void;
   continueComparison: void;
   stopComparison: void;
   deleteNow: { paths: string[] };
@@ -136,6 +139,7 @@ export interface Events {
   /** Whole days by path: what has changed inside since. Comes before the list. */
   onCleanableAges: [ages: ReadonlyMap<string, number>];
   onCleanableFacts: [facts: CleanableFacts];
+  onFurtherCleanables: [further: FurtherCleanables];
   onTrashState: [items: TrashItem[]];
   /** Comes before the `onTrashState` that may hold some of the same items. */
   onTrashWaiting: [items: WaitingItem[]];

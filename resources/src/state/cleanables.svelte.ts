@@ -3,6 +3,7 @@ import { untrack } from 'svelte';
 import { hasGoneWith } from '../names/gone.ts';
 import { send } from '../protocol/connection.ts';
 import type { Cleanable, CleanableFacts } from '../protocol/protocol.ts';
+import { further } from './further.svelte.ts';
 import { session } from './session.svelte.ts';
 
 export type LookPhase = 'idle' | 'looking' | 'late' | 'failed';
@@ -71,10 +72,13 @@ class Cleanables {
     this.phase = 'idle';
     this.list = this.withAgesInside(list);
     this.emptied = false;
+    // Afterwards: what is on this list is on no other.
+    further.look();
   }
 
   /** Takes out what lies in Velto Trash now, with a folder all that is in it. */
   forget(paths: readonly string[]): void {
+    further.forget(paths);
     if (!this.list) return;
     const gone = new Set(paths);
     const left = this.list.filter(({ path }) => !hasGoneWith(path, gone));

@@ -140,8 +140,17 @@ function undoOfExclusion(title: string): (() => void) | null {
  * text can say goes as a file URL.
  */
 export function copyPaths(paths: string[]): void {
+  const words = language.words.lists;
+  copyText(
+    paths.map((path) => (hasStrayBytes(path) ? fileUrl(path) : path)).join('\n'),
+    paths.length === 1 ? words.copied : words.copiedMany(paths.length),
+  );
+}
+
+/** `sign` tells that it is done. */
+export function copyText(text: string, sign: string): void {
   const fill = (event: ClipboardEvent) => {
-    event.clipboardData?.setData('text/plain', paths.map((path) => (hasStrayBytes(path) ? fileUrl(path) : path)).join('\n'));
+    event.clipboardData?.setData('text/plain', text);
     event.preventDefault();
     event.stopPropagation();
   };
@@ -152,6 +161,5 @@ export function copyPaths(paths: string[]): void {
   document.execCommand('copy');
   document.removeEventListener('copy', fill, { capture: true });
   document.removeEventListener('beforecopy', announce, { capture: true });
-  const words = language.words.lists;
-  toasts.sign(paths.length === 1 ? words.copied : words.copiedMany(paths.length));
+  toasts.sign(sign);
 }

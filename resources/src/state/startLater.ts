@@ -9,6 +9,7 @@ import { about } from './about.svelte.ts';
 import { cleanables } from './cleanables.svelte.ts';
 import { cloud } from './cloud.svelte.ts';
 import { folders } from './folders.svelte.ts';
+import { further } from './further.svelte.ts';
 import { growth } from './growth.svelte.ts';
 import { installedApps } from './installedApps.svelte.ts';
 import { leftBehind } from './leftBehind.svelte.ts';
@@ -47,6 +48,7 @@ export function startLater(): void {
       onExcluded: (path) => holdExclusion(path),
       onCleanableFacts: (facts) => cleanables.receiveFacts(facts),
       onCleanables: (candidates) => cleanables.receive(candidates),
+      onFurtherCleanables: (found) => further.receive(found),
       onMaintenance: (status) => session.receiveMaintenance(status),
       onTrashState: (items) => showTrash(items),
       onTrashWaiting: (items) => (session.waiting = items),

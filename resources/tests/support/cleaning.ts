@@ -1,5 +1,6 @@
 /** Made-up cleaning candidates, trash contents and histories, as the program would describe them. */
-import type { CacheReason, Cleanable, DiskState, HistoryEntry, TrashItem, WaitingItem } from '../../src/protocol/protocol.ts';
+import { readFileSync } from 'node:fs';
+import type { CacheReason, Cleanable, DiskState, FurtherItem, FurtherReason, HistoryEntry, TrashItem, WaitingItem } from '../../src/protocol/protocol.ts';
 import type { OpenPage } from './page.ts';
 import { home, hostileNames } from './states.ts';
 
@@ -32,6 +33,47 @@ export function someCleanables(): Cleanable[] {
   ];
 }
 
+/** A rule's file as the program sends it. */
+export function ruleFile(id: string): Record<string, unknown> {
+  return JSON.parse(readFileSync(new URL(`../../../rules/${id}.json`, import.meta.url), 'utf8')) as Record<string, unknown>;
+}
+
+function furtherItem(path: string, gb: number, days: number, reason: FurtherReason, linked = 0): FurtherItem {
+  return { path: `${home}/${path}`, bytes: gb * 1e9, linked: linked * 1e9, days, certain: reason === 'madeAgain', reason };
+}
+
+/** What rules of each group find, as the program sends it. */
+export function someFurther(asking = false): Record<string, unknown> {
+  return {
+    asking,
+    groups: [
+      {
+        rule: ruleFile('cargo'), bytes: null, parts: [],
+        items: [furtherItem('.cargo/registry/src', 2.31, 45, 'madeAgain'), furtherItem('.cargo/registry/cache', 0.42, 45, 'madeAgain')],
+      },
+      { rule: ruleFile('npm'), bytes: null, parts: [], items: [furtherItem('.npm/_cacache', 1.84, 2, 'running')] },
+      {
+        rule: ruleFile('node-modules'), bytes: null, parts: [],
+        items: [
+          furtherItem('Proyectos/tienda/node_modules', 0.94, 210, 'unknown'),
+          furtherItem('Proyectos/web de la asociación/node_modules', 0.61, 130, 'unknown', 0.48),
+        ],
+      },
+      {
+        rule: ruleFile('docker'), bytes: asking ? null : 49_290_834_600, items: [],
+        parts: asking
+          ? []
+          : [
+              { name: 'Images', bytes: 34_150_000_000, command: 'docker image prune --all' },
+              { name: 'Local Volumes', bytes: 15_140_000_000, command: 'docker volume prune --all' },
+              { name: 'Containers', bytes: 834_600, command: 'docker container prune' },
+            ],
+      },
+      { rule: ruleFile('device-backups'), bytes: 22_400_000_000, parts: [], items: [] },
+    ],
+  };
+}
+
 /** What the program tells of caches, by the names below the folder of the caches. */
 export function cleanableFacts(reasons: Record<string, CacheReason>): Record<string, unknown> {
   return Object.fromEntries(
@@ -47,6 +89,23 @@ export function hostileCleanables(): Cleanable[] {
     const candidate = cleanable(rule, `Downloads/${hostile}`, 10 - index, index * 50);
     return { ...candidate, label: '<img src=x onerror="document.title=3">' };
   });
+}
+
+/** Names of every kind, in what the home holds and in what a tool answers. */
+export function hostileFurther(): Record<string, unknown> {
+  return {
+    asking: false,
+    groups: [
+      {
+        rule: ruleFile('node-modules'), bytes: null, parts: [],
+        items: hostileNames.map((hostile, index) => furtherItem(`Proyectos/${hostile}/node_modules`, 3 - index / 10, 200, 'unknown')),
+      },
+      {
+        rule: { ...ruleFile('docker'), id: '<b>docker</b>', name: { en: '<img src=x onerror="document.title=3">' } }, bytes: 5e9, items: [],
+        parts: hostileNames.slice(0, 6).map((hostile) => ({ name: hostile, bytes: 1e9, command: `docker ${hostile}` })),
+      },
+    ],
+  };
 }
 
 let nextItem = 1;
@@ -123,6 +182,7 @@ export function hostileHistory(): HistoryEntry[] {
 /** Tells the page what the views of the cleanup show. */
 export async function tellCleaning({ tell }: OpenPage, hostile = false): Promise<void> {
   await tell('onCleanables', hostile ? hostileCleanables() : someCleanables());
+  await tell('onFurtherCleanables', hostile ? hostileFurther() : someFurther());
   await tell('onTrashState', hostile ? hostileTrash() : someTrash());
 }
 

@@ -2,17 +2,19 @@
 import { onListChange } from '../../selection/leftRows.svelte.ts';
 import { extend, keepListed, nothing, selectAll, toggle, type Selection } from '../../selection/selection.ts';
 import { cleanables } from '../../state/cleanables.svelte.ts';
+import { further } from '../../state/further.svelte.ts';
 import { totalGb } from '../../state/operations.ts';
+import type { FurtherGroup } from '../../protocol/protocol.ts';
 import { exactly } from '../../state/exactly.ts';
 import { requests } from '../../state/requests.svelte.ts';
 import { session } from '../../state/session.svelte.ts';
-import { groupsOf, isSelectable, preselected, type Group, type Proposal, type RuleName } from './candidates.ts';
+import { furtherGroupsOf, groupsOf, isSelectable, preselected, type Group, type Proposal } from './candidates.ts';
 
 /** The rows of whole kinds stand among those of the items; a path begins with a slash. */
 const kindPrefix = 'kind:';
 
-export function kindKey(rule: RuleName): string {
-  return kindPrefix + rule;
+export function kindKey(id: string): string {
+  return kindPrefix + id;
 }
 
 class Cleanup {
@@ -23,12 +25,17 @@ class Cleanup {
   /** What has been on the list and is not: should it come back, it is not proposed a second time. */
   private left = $state.raw<ReadonlySet<string>>(new Set());
 
-  readonly groups: Group[] = $derived(groupsOf(exactly(cleanables.list ?? [], session.sizes.cleanables, ({ path }) => path), cleanables.facts));
+  readonly groups: Group[] = $derived([
+    ...groupsOf(exactly(cleanables.list ?? [], session.sizes.cleanables, ({ path }) => path), cleanables.facts),
+    ...furtherGroupsOf(further.groups ?? [], cleanables.list ?? []),
+  ]);
+  /** What other programs take away. */
+  readonly explained: FurtherGroup[] = $derived((further.groups ?? []).filter(({ rule }) => rule.explained));
   readonly items: Proposal[] = $derived(this.groups.flatMap(({ items }) => items));
   readonly gb: number = $derived(totalGb(this.items));
   /** The rows in the order shown. */
   readonly keys: string[] = $derived(
-    this.groups.flatMap(({ rule, items }) => [kindKey(rule), ...items.map(({ path }) => path)]),
+    this.groups.flatMap(({ id, items }) => [kindKey(id), ...items.map(({ path }) => path)]),
   );
   private readonly selectablePaths: string[] = $derived(this.items.filter(isSelectable).map(({ path }) => path));
   private readonly selectableSet: ReadonlySet<string> = $derived(new Set(this.selectablePaths));
@@ -40,7 +47,7 @@ class Cleanup {
 
   /** Chosen by the user and by nobody else, and all of it is made again: it may be deleted for good. */
   readonly mayDeleteNow: boolean = $derived(
-    this.chosen !== null && this.selectedItems.length > 0 && this.selectedItems.every(({ certain }) => certain),
+    this.chosen !== null && this.selectedItems.length > 0 && this.selectedItems.every(({ certain, further }) => certain && !further),
   );
 
   private readonly selectable = (path: string): boolean => this.selectableSet.has(path) && !requests.busy.has(path);
@@ -69,7 +76,7 @@ class Cleanup {
   }
 
   toggle(key: string): void {
-    const group = this.groups.find(({ rule }) => kindKey(rule) === key);
+    const group = this.groups.find(({ id }) => kindKey(id) === key);
     if (group) this.toggleGroup(group);
     else this.chosen = toggle(this.selection, key, this.selectable);
   }
@@ -94,7 +101,7 @@ class Cleanup {
 
   /** The paths that a row stands for: its own, or those of its kind. */
   pathsOf(key: string): string[] {
-    const group = this.groups.find(({ rule }) => kindKey(rule) === key);
+    const group = this.groups.find(({ id }) => kindKey(id) === key);
     return group ? group.items.map(({ path }) => path) : [key];
   }
 }
