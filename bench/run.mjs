@@ -12,7 +12,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
+const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'further', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -66,6 +66,9 @@ const largeHome = () => made('home-2m-200k', 17, (folder) => {
 });
 const fullCaches = () => made('caches-200k', 1, (folder) => {
   output([program('bench_make_caches'), folder]);
+});
+const developersHome = () => made('projects-400k', 3, (folder) => {
+  output([program('bench_make_projects'), folder, '400000']);
 });
 const copies = () => made('duplicates', 1, (folder) => {
   output([program('bench_make_duplicates'), folder]);
@@ -172,6 +175,30 @@ function cleanables() {
   table(results, 'velto');
   const ratio = results[0].median / results[1].median;
   console.log(`against du: ${ratio.toFixed(2)} (target: at most 0.60)`);
+}
+
+/** Throws unless each thing that a rule names is found with the very bytes that du says it takes up. */
+function sameAllocated(home) {
+  const found = output([program('bench_further'), home]).trim().split('\n').map((line) => line.split(/ (.*)/));
+  const expected = output(['du', '-s', '--block-size=1', ...found.map(([, path]) => path)]).trim().split('\n').map((line) => line.split('\t'));
+  const bytes = new Map(expected.map(([size, path]) => [path, size]));
+  for (const [size, path] of found) {
+    if (bytes.get(path) !== size) throw new Error(`${path}: found ${size} bytes, not ${bytes.get(path)}`);
+  }
+  return found.length;
+}
+
+function further() {
+  const home = developersHome();
+  if (!home) return;
+  const count = sameAllocated(home);
+  console.log(`\nWhat all rules name in a developer's home of 400,000 files (${count} things), warm cache, as processes`);
+  const results = compareProcesses([
+    { name: 'velto', command: [program('bench_further'), home] },
+    { name: 'du', command: ['du', '-s', home] },
+  ], runs);
+  table(results, 'velto');
+  console.log(`against du: ${(results[0].median / results[1].median).toFixed(2)} (target: at most 0.60)`);
 }
 
 function duplicates() {
@@ -286,7 +313,7 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, cold, memory, folders, cleanables, duplicates, trash, removal, copy, growth, monitor, apps]) {
+  for (const part of [walk, cold, memory, folders, cleanables, further, duplicates, trash, removal, copy, growth, monitor, apps]) {
     if (only === '' || only === part.name) part();
   }
 }

@@ -16,6 +16,14 @@ public:
     void line(std::string_view) override {}
 };
 
+/// As if nothing ran: listing processes is no part of what is measured.
+class NothingRuns final : public RunningApplications {
+public:
+    std::vector<RunningApplication> list() override { return {}; }
+    std::unique_ptr<ProcessControl> control(const RunningApplication&) override { return nullptr; }
+    void observe(std::function<void(const RunningApplication&)>) override {}
+};
+
 class ClosedFiles final : public FileContentReader {
 public:
     std::unique_ptr<FileContent> open(const std::string&) override {
@@ -31,6 +39,8 @@ std::unique_ptr<Platform> benchPlatform(const std::string& home) {
     platform->log = std::make_unique<SilentLog>();
     platform->clock = std::make_unique<SystemClock>();
     platform->files = std::make_unique<PosixFileManager>();
+    platform->mover = std::make_unique<PosixFileManager>();
+    platform->running = std::make_unique<NothingRuns>();
     platform->directories = std::make_unique<LinuxDirectoryReader>();
     platform->contents = std::make_unique<ClosedFiles>();
     platform->volumes = std::make_unique<LinuxVolumeInfo>();
