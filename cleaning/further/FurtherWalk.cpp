@@ -57,7 +57,8 @@ struct LinkedFile {
 struct SearchedFolder {
     std::uint32_t number = 0;
     std::uint32_t parent = 0;
-    double newest = 0;
+    double newest = 0;  // of the files directly in it
+    double own = 0;     // the folder's own date: something came or went
 };
 
 }  // namespace
@@ -75,7 +76,8 @@ public:
     }
 
     bool begin(const WalkedFolder& folder, const FolderStatus& status) override {
-        newest_ = status.modified;
+        newest_ = 0;
+        own_ = status.modified;
         if (folder.parent() == nullptr) {
             walk_.device_ = status.device;
             walk_.mount_ = status.mount;
@@ -123,7 +125,8 @@ public:
         const WalkedFolder* parent = folder.parent();
         searched_.push_back({.number = folder.number,
                              .parent = parent == nullptr ? 0 : parent->number,
-                             .newest = newest_});
+                             .newest = newest_,
+                             .own = own_});
     }
 
     const std::vector<Total>& totals() const { return totals_; }
@@ -187,6 +190,7 @@ private:
 
     FurtherWalk& walk_;
     double newest_ = 0;  // of the folder whose turn it is
+    double own_ = 0;     // the same
     std::vector<Total> totals_;
     std::vector<LinkedFile> linked_;
     std::vector<SearchedFolder> searched_;
@@ -260,6 +264,7 @@ std::vector<FurtherWalk::Found> FurtherWalk::collect(
         found.push_back({.rule = candidate.rule, .path = candidate.path});
     std::vector<LinkedFile> linked;
     std::vector<double> newest(nextNumber_.load());
+    std::vector<double> own(newest.size());
     std::vector<std::uint32_t> parents(newest.size());
     for (const auto& visitor : visitors) {
         for (std::size_t index = 0; index < visitor->totals().size(); ++index) {
@@ -274,13 +279,15 @@ std::vector<FurtherWalk::Found> FurtherWalk::collect(
         linked.insert(linked.end(), visitor->linked().begin(), visitor->linked().end());
         for (const SearchedFolder& folder : visitor->searchedFolders()) {
             newest[folder.number] = folder.newest;
+            own[folder.number] = folder.own;
             parents[folder.number] = folder.parent;
         }
     }
-    // What is in a folder is in all those around it.
+    // What is in a folder is in all those around it. Its own date counts for those alone: what was
+    // moved out of a project and put back has changed the project's folder, and nothing else.
     for (std::size_t number = newest.size(); number-- > 1;) {
         double& above = newest[parents[number]];
-        above = std::max(above, newest[number]);
+        above = std::max({above, newest[number], own[number]});
     }
     std::ranges::sort(
         linked, {}, [](const LinkedFile& file) { return std::tuple(file.candidate, file.inode); });

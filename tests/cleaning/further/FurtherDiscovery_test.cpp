@@ -73,6 +73,14 @@ TEST_F(FurtherDiscoveryTest, AProjectIsIdleByTheNewestChangeAnywhereInIt) {
     EXPECT_THAT(taken(), IsEmpty()) << "a file was deleted";
 }
 
+TEST_F(FurtherDiscoveryTest, WhatWasMovedAwayAndPutBackIsStillIdle) {
+    project("work/shop");
+    age(200);
+    std::filesystem::rename(home().path("work/shop/node_modules"), home().path("away"));
+    std::filesystem::rename(home().path("away"), home().path("work/shop/node_modules"));
+    EXPECT_THAT(taken(), ElementsAre("work/shop/node_modules"));
+}
+
 TEST_F(FurtherDiscoveryTest, ACommitOfTodayMakesAProjectBusy) {
     project("work/shop");
     file("work/shop/.git/index");
