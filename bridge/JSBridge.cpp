@@ -19,6 +19,7 @@
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
+#include "bridge/SharingIntents.h"
 #include "bridge/SystemIntents.h"
 #include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
@@ -122,6 +123,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         std::make_shared<AboutIntent>(AboutIntent::Context{link, platform_, context.version});
     usageIntents_ = std::make_shared<UsageIntents>(
         UsageIntents::Context{link, platform_, language_, context.usage, cleanups_});
+    sharingIntents_ =
+        std::make_shared<SharingIntents>(SharingIntents::Context{link, state, platform_});
 }
 
 JSBridge::~JSBridge() {

@@ -66,6 +66,7 @@ class QuitIntents;
 class SelectionIntents;
 class ThemeIntents;
 class SettingsIntents;
+class SharingIntents;
 class SystemIntents;
 class TrashIntents;
 class UsageIntents;
@@ -202,6 +203,7 @@ private:
     std::shared_ptr<DeleteNowIntent> deleteNowIntent_;
     std::shared_ptr<AboutIntent> aboutIntent_;
     std::shared_ptr<UsageIntents> usageIntents_;
+    std::shared_ptr<SharingIntents> sharingIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

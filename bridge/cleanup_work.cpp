@@ -10,6 +10,7 @@
 #include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
 #include "bridge/selection_events.h"
+#include "cleaning/SpaceSharing.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -186,9 +187,10 @@ void JSBridge::refreshTrash() {
     const FileManager& files = *platform_.files;
     const double since = bootState ? bootState->stamp : 0;
     runCleanup(
-        [&files, since](CleanupServices& services, CleanupOutcome& outcome) {
+        [&files, &platform = platform_, since](CleanupServices& services, CleanupOutcome& outcome) {
             outcome.hasActed = false;
             services.cloud.settle();
+            SpaceSharing(platform).settle();
             for (const TrashItem& item : services.trash.items()) {
                 if (item.taken > since && !files.exists(item.originalPath)) {
                     outcome.gone.push_back(item.originalPath);

@@ -19,6 +19,7 @@
 #include "bridge/QuitIntents.h"
 #include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
+#include "bridge/SharingIntents.h"
 #include "bridge/SystemIntents.h"
 #include "bridge/ThemeIntents.h"
 #include "bridge/TrashIntents.h"
@@ -64,6 +65,7 @@ struct IntentTable {
     static constexpr auto further = &JSBridge::furtherIntents_;
     static constexpr auto about = &JSBridge::aboutIntent_;
     static constexpr auto usage = &JSBridge::usageIntents_;
+    static constexpr auto sharing = &JSBridge::sharingIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -124,6 +126,9 @@ struct IntentTable {
         {"about", at<about, &AboutIntent::onAbout>},
         {"appUses", at<usage, &UsageIntents::onAppUses>},
         {"recordAppUses", at<usage, &UsageIntents::onRecordAppUses>},
+        {"foretellSharing", at<sharing, &SharingIntents::onForetellSharing>},
+        {"shareSpace", at<sharing, &SharingIntents::onShareSpace>},
+        {"stopSharing", at<sharing, &SharingIntents::onStopSharing>},
     });
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/ApplicationActivity.h"
+#include "platform/BlockSharing.h"
 #include "platform/Clock.h"
 #include "platform/DirectoryReader.h"
 #include "platform/Dispatcher.h"
@@ -40,6 +41,7 @@ struct Platform {
     std::unique_ptr<FileMover> mover;
     std::unique_ptr<DirectoryReader> directories;
     std::unique_ptr<FileContentReader> contents = makeFileContentReader();  // on every system
+    std::unique_ptr<BlockSharing> sharing = makeBlockSharing();             // on every system
     std::unique_ptr<VolumeInfo> volumes;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<Locale> locale;

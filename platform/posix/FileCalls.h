@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/BlockSharing.h"
 #include "platform/posix/Descriptor.h"
 
 namespace velto {
@@ -91,6 +92,25 @@ public:
     /// next to be read of it is what the disk has. System.
     virtual int dropCache(int file);
     virtual int lock(int file, int operation);  // flock
+    /// Whether `to` could lie in the blocks of `from`; nothing is changed. Fails with ENOTSUP where
+    /// their volume cannot do that, with EXDEV for two volumes, else with why not these files.
+    /// System.
+    virtual int mayShare(int from, int to);
+    /// Compares the range in both files and lets `to` lie in the blocks of `from` there, in one
+    /// step of the system. Returns the bytes that are common now, 0 where they differ. System;
+    /// ENOTSUP on a Mac.
+    virtual ssize_t shareRange(int from, int to, off_t offset, std::size_t size);
+    /// See OwnSpace. ENOTSUP where the volume does not tell. System.
+    virtual int ownSpace(int file, OwnSpace& space);
+    /// 1 when both files lie in the same blocks, 0 when not. System.
+    virtual int isOneWith(int file, int other);
+    /// Makes a file of that name that lies in the blocks of an open one; EEXIST when something
+    /// stands there. System.
+    virtual int cloneTo(int file, int folder, const char* name);
+    /// Lets two names stand for each other's file, in one step. System.
+    virtual int exchange(int oneFolder, const char* one, int otherFolder, const char* other);
+    /// 1 when somebody else than this process has the file open, 0 when not. System.
+    virtual int isOpenElsewhere(int file);
 };
 
 /// The calls of this machine.

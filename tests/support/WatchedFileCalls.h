@@ -171,6 +171,35 @@ public:
         return run(false, "lock", "", [&] { return FileCalls::lock(file, operation); });
     }
 
+    int mayShare(int from, int to) override {
+        return run(false, "mayShare", "", [&] { return FileCalls::mayShare(from, to); });
+    }
+    ssize_t shareRange(int from, int to, off_t offset, std::size_t size) override {
+        return run(
+            true, "shareRange", "", [&] { return FileCalls::shareRange(from, to, offset, size); },
+            [&] { FileCalls::shareRange(from, to, offset, size / 2 / 4096 * 4096); });
+    }
+    int ownSpace(int file, OwnSpace& space) override {
+        return run(false, "ownSpace", "", [&] { return FileCalls::ownSpace(file, space); });
+    }
+    int isOneWith(int file, int other) override {
+        return run(false, "isOneWith", "", [&] { return FileCalls::isOneWith(file, other); });
+    }
+    int cloneTo(int file, int folder, const char* name) override {
+        return run(true, "cloneTo", name, [&] { return FileCalls::cloneTo(file, folder, name); });
+    }
+    int exchange(int oneFolder, const char* one, int otherFolder, const char* other) override {
+        return run(true, "exchange", one,
+                   [&] { return FileCalls::exchange(oneFolder, one, otherFolder, other); });
+    }
+    int isOpenElsewhere(int file) override {
+        return run(false, "isOpenElsewhere", "", [&] {
+            return openElsewhere ? openElsewhere() : FileCalls::isOpenElsewhere(file);
+        });
+    }
+
+    /// Answers for the system, which does not know it everywhere.
+    std::function<int()> openElsewhere;
     /// False: as on a file system that cannot rename without replacing.
     bool knowsExclusiveRename = true;
     /// False: syncing is counted but not done. What a process leaves behind is the same.
