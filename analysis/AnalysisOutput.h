@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "analysis/DiskState.h"
 #include "analysis/Measurement.h"
 #include "analysis/list_details.h"
+#include "cleaning/DigestStore.h"
 #include "cleaning/DupFinder.h"
 
 namespace velto {
@@ -23,7 +25,8 @@ struct AnalysisOutput {
     // Besides, for what the page says of them.
     ListDetails details;
     Measurement measurement;
-    std::vector<FileRecord> uncompared;  // what the search for duplicates did not get through
+    std::vector<FileRecord> uncompared;    // what the search for duplicates did not get through
+    std::shared_ptr<DigestStore> digests;  // what it knows of files; null: nothing is remembered
 };
 
 }  // namespace velto

@@ -103,6 +103,7 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     unreadable_ = 0;
     folders_ = nullptr;
     hiddenBytes_ = 0;
+    digests_ = DigestFile(*platform_.files, platform_.layout).load();
     const bool hasAccess = permissions_.hasAccess();
     walk(excluded, hasAccess, cancelled, progress);
     platform_.log->line(
@@ -120,8 +121,8 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     ComparisonPacer pacer(*platform_.clock, comparing);
     DupFinder::Progress compared;
     if (comparing) compared = [&](auto files, auto bytes) { pacer.report(files, bytes); };
-    AnalysisOutput output =
-        postProcess(platform_, *this, unreadable_, std::move(keptOut), cancelled, compared);
+    AnalysisOutput output = postProcess(platform_, *this, unreadable_, std::move(keptOut),
+                                        cancelled, compared, digests_);
     output.measurement.withheld = std::move(withheld);
     output.measurement.excluded = excluded;
     if (folders_) addFolders(output.measurement, *folders_, hiddenBytes_);

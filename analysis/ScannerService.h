@@ -52,6 +52,10 @@ public:
     /// Bytes of files that the tree holds and no category does: what is hidden.
     std::int64_t hiddenBytes() const { return hiddenBytes_; }
 
+    /// What the last analysis knows of files that it has compared, also after a cancelled one: the
+    /// next begins from there. Null before the first one.
+    std::shared_ptr<const DigestStore> digests() const { return digests_; }
+
 private:
     void walk(const std::vector<std::string>& excluded, bool hasAccess,
               const CancellationFlag& cancelled, const Progress& progress);
@@ -62,6 +66,7 @@ private:
     std::int64_t unreadable_ = 0;
     std::shared_ptr<const FolderTree> folders_;
     std::int64_t hiddenBytes_ = 0;
+    std::shared_ptr<DigestStore> digests_;
 };
 
 }  // namespace velto

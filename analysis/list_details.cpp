@@ -19,6 +19,7 @@ void addGroup(ListDetails& details, const DupGroup& group, const FileManager& ma
         const auto attributes = fileAt(path, manager);
         if (!attributes) continue;
         details.copies[path] = attributes->logicalSize;
+        details.dates[path] = attributes->modified;
         const auto known = std::ranges::find(files, attributes->identity,
                                              &std::pair<FileIdentity, ListDetails::Names>::first);
         if (known == files.end()) {

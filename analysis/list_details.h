@@ -16,8 +16,9 @@ struct ListDetails {
     /// Names of one file, two and more, in the order of the group.
     using Names = std::vector<std::string>;
 
-    Sizes files;   // of large files, as the disk counts them
-    Sizes copies;  // of duplicates: the length of their content
+    Sizes files;                          // of large files, as the disk counts them
+    Sizes copies;                         // of duplicates: the length of their content
+    std::map<std::string, double> dates;  // of duplicates: when each was changed last, since 1970
     /// By group: the copies that are other names of one file, one list a file. Groups without any
     /// are left out.
     std::map<std::string, std::vector<Names>> linked;

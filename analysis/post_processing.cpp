@@ -105,7 +105,8 @@ std::vector<DupGroup> duplicateGroups(const std::vector<DupFinder::Group>& group
 
 AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::int64_t unreadable,
                            std::vector<std::string> protectedLocations,
-                           const CancellationFlag& cancelled, const DupFinder::Progress& progress) {
+                           const CancellationFlag& cancelled, const DupFinder::Progress& progress,
+                           const std::shared_ptr<DigestStore>& digests) {
     if (unreadable > 0) {
         platform.log->line(
             fmt::format("Velto escáner: {} elementos no legibles (omitidos)", unreadable));
@@ -121,10 +122,13 @@ AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::in
     output.cats = categories(bytes, totals.catFiles);
     output.files = largestFiles(totals.catTop);
 
-    const DupFinder finder(*platform.clock, *platform.contents);
+    const DupFinder finder(*platform.clock, *platform.contents, 0, digests.get());
     const DupFinder::Result duplicates = finder.find(
         totals.fileList, [&] { return cancelled.isCancelled(); }, DupFinder::Budget::twelveSeconds,
         progress);
+    // Those that were not asked about are gone or changed, if it got to all of them.
+    if (digests && duplicates.left.empty()) digests->dropUnused();
+    output.digests = digests;
     if (duplicates.budgetExhausted) {
         platform.log->line(
             "Velto ▶ duplicados: presupuesto de tiempo agotado, se devuelve lo comprobado");

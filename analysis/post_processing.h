@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -37,10 +38,12 @@ std::vector<DupGroup> duplicateGroups(const std::vector<DupFinder::Group>& group
 
 /// All of the above for a walk of the home, with its log lines. `unreadable` is the number of items
 /// that the walk could not read, `protectedLocations` are those that it kept out of. A set flag
-/// ends the search for duplicates early, of which `progress` is told as DupFinder does.
+/// ends the search for duplicates early, of which `progress` is told as DupFinder does. Files that
+/// `digests` knows are not read again (null: nothing is remembered).
 AnalysisOutput postProcess(Platform& platform, const WalkTotals& totals, std::int64_t unreadable,
                            std::vector<std::string> protectedLocations,
                            const CancellationFlag& cancelled = {},
-                           const DupFinder::Progress& progress = {});
+                           const DupFinder::Progress& progress = {},
+                           const std::shared_ptr<DigestStore>& digests = nullptr);
 
 }  // namespace velto

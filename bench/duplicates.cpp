@@ -1,5 +1,6 @@
-// The duplicate finder over the files of a folder: `bench_duplicates FOLDER`. Prints the number of
-// groups and of files in them.
+// The duplicate finder over the files of a folder: `bench_duplicates FOLDER [DATA]`. Prints the
+// number of groups and of files in them. What was read of files is remembered in the folder DATA,
+// and not read again.
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -7,13 +8,15 @@
 
 #include <fmt/format.h>
 
+#include "cleaning/DigestStore.h"
 #include "cleaning/DupFinder.h"
 #include "platform/Clock.h"
 #include "platform/FileContent.h"
+#include "platform/posix/PosixFileManager.h"
 
 int main(int count, char** arguments) try {
-    if (count != 2) {
-        fmt::print(stderr, "usage: bench_duplicates FOLDER\n");
+    if (count != 2 && count != 3) {
+        fmt::print(stderr, "usage: bench_duplicates FOLDER [DATA]\n");
         return 2;
     }
     std::vector<velto::FileRecord> files;
@@ -23,7 +26,13 @@ int main(int count, char** arguments) try {
     }
     const velto::SystemClock clock;
     const auto contents = velto::makeFileContentReader();
-    const auto result = velto::DupFinder(clock, *contents).find(files);
+    velto::PosixFileManager manager;
+    velto::HomeLayout layout;
+    if (count == 3) layout.dataFolder = arguments[2];
+    const velto::DigestFile file(manager, layout);
+    const auto known = count == 3 ? file.load() : nullptr;
+    const auto result = velto::DupFinder(clock, *contents, 0, known.get()).find(files);
+    if (known) file.save(*known);
     std::size_t copies = 0;
     for (const auto& group : result.groups)
         copies += group.paths.size();

@@ -2,9 +2,9 @@
 // monitor against the bare floor and against other tools. Usage and how to read the result:
 // bench/README.md.
 import {
-  existsSync, lstatSync, mkdirSync, readdirSync, rmSync, statfsSync, writeFileSync,
+  existsSync, lstatSync, mkdirSync, mkdtempSync, readdirSync, rmSync, statfsSync, writeFileSync,
 } from 'node:fs';
-import { cpus, loadavg } from 'node:os';
+import { cpus, loadavg, tmpdir } from 'node:os';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { compareCold } from './cold.mjs';
@@ -216,6 +216,17 @@ function duplicates() {
     { name: 'rmlint', command: ['rmlint', '-T', 'duplicates', '-o', 'fdupes:stdout', folder] },
   ], runs);
   table(results, 'velto');
+
+  console.log('\nThe same a second time: what was read of unchanged files is not read again');
+  const memory = mkdtempSync(join(tmpdir(), 'velto-digests-'));
+  output([program('bench_duplicates'), folder, memory]);
+  const again = compareProcesses([
+    { name: 'first', command: [program('bench_duplicates'), folder] },
+    { name: 'again', command: [program('bench_duplicates'), folder, memory] },
+  ], runs);
+  table(again, 'first');
+  rmSync(memory, { recursive: true });
+  console.log(`against the first: ${(again[1].median / again[0].median).toFixed(3)} (target: at most 0.1)`);
 }
 
 /** The medians of the columns that `name` prints for its folders, after one line. */

@@ -97,9 +97,10 @@ void JSBridge::makeIntents(const BridgeContext& context) {
     growthIntents_ = std::make_shared<GrowthIntents>(
         GrowthIntents::Context{.link = link, .platform = platform_, .cleanups = cleanups_});
     measurementIntents_ = std::make_shared<MeasurementIntents>(MeasurementIntents::Context{
-        .link = link, .platform = platform_, .found = [this](const auto& groups) {
-            addDuplicates(groups);
-        }});
+        .link = link,
+        .platform = platform_,
+        .cleanups = cleanups_,
+        .found = [this](const auto& groups) { addDuplicates(groups); }});
     exclusionIntents_ =
         std::make_shared<ExclusionIntents>(ExclusionIntents::Context{.link = link,
                                                                      .platform = platform_,

@@ -50,11 +50,22 @@ void MeasurementIntents::takeAnalysis(const AnalysisOutput& output, double stamp
     details_ = output.details;
     measurement_ = output.measurement;
     uncompared_ = output.uncompared;
+    digests_ = output.digests;
     stamp_ = stamp;
     remembers_ = remembers;
     if (remembers_) file_.save(*measurement_, stamp_);
+    keepDigests();
     tellLists();
     tellMeasurement();
+}
+
+/// What was read need not be read again at the next analysis. In its turn with a reset, which none
+/// of it may outlive.
+void MeasurementIntents::keepDigests() {
+    if (!remembers_ || !digests_) return;
+    context_.cleanups.run([&platform = context_.platform, digests = digests_](CleanupServices&) {
+        DigestFile(*platform.files, platform.layout).save(*digests);
+    });
 }
 
 void MeasurementIntents::forget() {
@@ -62,6 +73,7 @@ void MeasurementIntents::forget() {
     details_ = {};
     measurement_.reset();
     uncompared_.clear();
+    digests_.reset();
     remembers_ = false;
 }
 
@@ -72,15 +84,16 @@ void MeasurementIntents::onContinueComparison(const Payload&) {
     platform.log->line(fmt::format("Velto ▶ duplicados: comparación sin límite de {} archivos",
                                    uncompared_.size()));
     platform.dispatcher->global(
-        QualityOfService::utility, [&platform, weak = weak_from_this(), run = run_,
-                                    files = uncompared_, cancelled = *comparison_] {
+        QualityOfService::utility,
+        [&platform, weak = weak_from_this(), run = run_, files = uncompared_, digests = digests_,
+         cancelled = *comparison_] {
             const auto tell = [&](ComparedPart part, bool isLast) {
                 platform.dispatcher->main([weak, run, slice = Slice{std::move(part), isLast}] {
                     if (const auto self = weak.lock()) self->takeSlice(run, slice);
                 });
             };
             ComparedPart last{.groups = {}, .details = {}, .left = files};
-            compareInParts(platform, files, cancelled, [&](ComparedPart part) {
+            compareInParts(platform, files, digests.get(), cancelled, [&](ComparedPart part) {
                 last.left = part.left;
                 tell(std::move(part), false);
             });
@@ -97,6 +110,7 @@ void MeasurementIntents::takeSlice(std::uint64_t run, const Slice& slice) {
         context_.platform.log->line(fmt::format(
             "Velto ▶ duplicados: comparación terminada, quedan {} archivos", uncompared_.size()));
         comparison_.reset();
+        keepDigests();
     }
     if (measurement_) {
         measurement_->compared = {.complete = uncompared_.empty(),
@@ -106,6 +120,7 @@ void MeasurementIntents::takeSlice(std::uint64_t run, const Slice& slice) {
     }
     if (!part.groups.empty()) {
         details_.copies.insert(part.details.copies.begin(), part.details.copies.end());
+        details_.dates.insert(part.details.dates.begin(), part.details.dates.end());
         details_.linked.insert(part.details.linked.begin(), part.details.linked.end());
         tellLists();
         context_.found(part.groups);
@@ -138,6 +153,7 @@ void MeasurementIntents::tellLists() {
     if (!details_.files.empty() || !details_.copies.empty()) {
         context_.link.evaluate(events::exactListSizes(details_));
         context_.link.evaluate(events::linkedCopies(details_));
+        context_.link.evaluate(events::copyDates(details_));
     }
 }
 

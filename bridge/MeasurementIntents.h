@@ -9,6 +9,7 @@
 #include "analysis/AnalysisOutput.h"
 #include "analysis/MeasurementFile.h"
 #include "bridge/BridgeLink.h"
+#include "bridge/CleanupQueue.h"
 #include "bridge/measurement_events.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
@@ -26,6 +27,7 @@ public:
     struct Context {
         BridgeLink& link;
         Platform& platform;
+        CleanupQueue& cleanups;  // in whose turn files are written, as a reset takes them away
         /// Duplicates that the continued comparison has found; they come one time each.
         std::function<void(const std::vector<DupGroup>&)> found;
     };
@@ -67,6 +69,7 @@ private:
     void tellLists();
     void tellMeasurement();
     void endComparison();
+    void keepDigests();
 
     Context context_;
     MeasurementFile file_;
@@ -80,6 +83,7 @@ private:
     bool hasNewTrash_ = false;
 
     std::vector<FileRecord> uncompared_;
+    std::shared_ptr<DigestStore> digests_;        // of the last analysis; null: none
     std::optional<CancellationFlag> comparison_;  // the running one
     std::uint64_t run_ = 0;                       // tells what a comparison brings from what an
                                                   // earlier one does

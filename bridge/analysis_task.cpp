@@ -125,6 +125,12 @@ void JSBridge::addDuplicates(const std::vector<DupGroup>& groups) {
 
 void JSBridge::failAnalysis(const std::string& line) {
     log(line);
+    // What it has read of files need not be read again.
+    if (const auto digests = scanner_->scanner.digests(); digests && resetsAhead_ == 0) {
+        cleanups_.run([&platform = platform_, digests](CleanupServices&) {
+            DigestFile(*platform.files, platform.layout).save(*digests);
+        });
+    }
     if (scanTask->isCancelled()) evaluate(events::analysisStopped());
     evaluate(events::scanFailed());
 }

@@ -27,9 +27,9 @@ std::vector<std::vector<FileRecord>> parts(const std::vector<FileRecord>& files)
     return result;
 }
 
-void compare(Platform& platform, const std::vector<FileRecord>& files,
+void compare(Platform& platform, const std::vector<FileRecord>& files, DigestStore* digests,
              const CancellationFlag& cancelled, const std::function<void(ComparedPart)>& tell) {
-    const DupFinder finder(*platform.clock, *platform.contents, 1);
+    const DupFinder finder(*platform.clock, *platform.contents, 1, digests);
     const auto all = parts(files);
     for (auto part = all.begin(); part != all.end() && !cancelled.isCancelled(); ++part) {
         const auto result = finder.find(
@@ -46,13 +46,13 @@ void compare(Platform& platform, const std::vector<FileRecord>& files,
 
 }  // namespace
 
-void compareInParts(Platform& platform, const std::vector<FileRecord>& files,
+void compareInParts(Platform& platform, const std::vector<FileRecord>& files, DigestStore* digests,
                     const CancellationFlag& cancelled,
                     const std::function<void(ComparedPart)>& tell) {
     // A thread of its own: a lowered priority is kept for life.
     std::thread worker([&] {
         runThreadInBackground();
-        compare(platform, files, cancelled, tell);
+        compare(platform, files, digests, cancelled, tell);
     });
     worker.join();
 }

@@ -1,5 +1,7 @@
 #include "bridge/measurement_events.h"
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "bridge/events.h"
@@ -33,6 +35,13 @@ std::string exactTrashSizes(const SizesByKey& byId) {
     for (const auto& [id, bytes] : byId)
         object[id] = bytes;
     return call("onExactSizes", literal({{"trash", object}}));
+}
+
+std::string copyDates(const ListDetails& details) {
+    SizesByKey seconds;
+    for (const auto& [path, date] : details.dates)
+        seconds[path] = static_cast<std::int64_t>(std::clamp(date, -1e15, 1e15));
+    return call("onCopyDates", literal(byPathText(seconds)));
 }
 
 std::string linkedCopies(const ListDetails& details) {

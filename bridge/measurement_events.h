@@ -22,6 +22,9 @@ std::string exactCleanableSizes(const SizesByKey& byPath);
 /// Bytes of the trash's items, by id.
 std::string exactTrashSizes(const SizesByKey& byId);
 
+/// When each duplicate was changed last, by path: whole seconds since 1970.
+std::string copyDates(const ListDetails& details);
+
 /// By group: lists of the copies that are names of one file.
 std::string linkedCopies(const ListDetails& details);
 

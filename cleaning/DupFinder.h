@@ -11,6 +11,8 @@
 
 namespace velto {
 
+class DigestStore;
+
 /// A file to compare.
 struct FileRecord {
     std::string path;         // absolute, bytes as stored
@@ -50,9 +52,11 @@ public:
     /// Smaller files are not compared: more than a million bytes, on purpose.
     static constexpr std::int64_t smallestSize = 1'000'001;
 
-    /// Both outlive the finder. `threads` 0: one per processor.
-    DupFinder(const Clock& clock, FileContentReader& contents, std::size_t threads = 0)
-        : clock_(clock), contents_(contents), threads_(threads) {}
+    /// All outlive the finder. `threads` 0: one per processor. `known`, which may be null, holds
+    /// what earlier searches have read, and gets what this one reads.
+    DupFinder(const Clock& clock, FileContentReader& contents, std::size_t threads = 0,
+              DigestStore* known = nullptr)
+        : clock_(clock), contents_(contents), threads_(threads), known_(known) {}
 
     /// Blocks; hashing stops at the end of the budget and what was compared until then is returned.
     /// Files that cannot be read, or whose size changes meanwhile, are left out. `stopped`, asked
@@ -65,6 +69,7 @@ private:
     const Clock& clock_;
     FileContentReader& contents_;
     std::size_t threads_;
+    DigestStore* known_;
 };
 
 }  // namespace velto

@@ -39,12 +39,13 @@ std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std:
 }  // namespace
 
 DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
-                     FileContentReader& contents, std::size_t threads,
+                     FileContentReader& contents, std::size_t threads, DigestStore* known,
                      const std::function<bool()>& stopped, DupFinder::Budget budget,
                      const DupFinder::Progress& progress)
     : files_(files),
       clock_(clock),
       contents_(contents),
+      known_(known),
       stopped_(stopped),
       budget_(budget),
       progress_(progress),
@@ -146,21 +147,54 @@ DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
     if (shouldStop()) return {};
     if (test == &DupSearch::firstBytes) ++filesSeen_;
     tell();
+    if (auto key = remembered(test, file)) return *key;
     const auto content = contents_.open(files_[file].path);
     if (!content) return {true, {}};
     const std::int64_t size = content->size();
     if (size < 0) return {true, {}};
-    std::string text = (this->*test)(*content, size, tools);
-    if (stopping_ && text.empty()) return {};
-    return {true, std::move(text)};
+    const std::string digest = read(test, *content, size, tools);
+    if (stopping_ && digest.empty()) return {};
+    return {true, keyText(test, digest, size)};
 }
 
-/// The length is part of it: it may be another by now, and it may not have been known.
-std::string DupSearch::firstBytes(FileContent& content, std::int64_t size, Tools& tools) {
+/// Applies the test, and remembers what it says of a file that nobody has changed meanwhile.
+std::string DupSearch::read(Test test, FileContent& content, std::int64_t size, Tools& tools) {
+    const double begun = clock_.now();
+    const auto before = known_ ? content.stamp() : std::nullopt;
+    std::string digest = (this->*test)(content, size, tools);
+    if (before && !digest.empty() && before->length == size && content.stamp() == before) {
+        known_->put(*before, part(test), digest, begun);
+    }
+    return digest;
+}
+
+/// What an earlier search has read of the file, if it is unchanged since.
+std::optional<DupSearch::Key> DupSearch::remembered(Test test, std::size_t file) {
+    if (!known_) return std::nullopt;
+    const auto stamp = contents_.stamp(files_[file].path);
+    if (!stamp) return std::nullopt;
+    const auto digest = known_->find(*stamp, part(test));
+    if (!digest) return std::nullopt;
+    return Key{true, keyText(test, *digest, stamp->length)};
+}
+
+DigestStore::Part DupSearch::part(Test test) {
+    if (test == &DupSearch::firstBytes) return DigestStore::Part::firstBytes;
+    return test == &DupSearch::samples ? DigestStore::Part::samples
+                                       : DigestStore::Part::wholeContent;
+}
+
+/// The length is part of the first one: it may be another by now, and it may not have been known.
+std::string DupSearch::keyText(Test test, const std::string& digest, std::int64_t size) {
+    if (digest.empty() || test != &DupSearch::firstBytes) return digest;
+    return fmt::format("{} {}", digest, size);
+}
+
+std::string DupSearch::firstBytes(FileContent& content, std::int64_t /*size*/, Tools& tools) {
     const auto bytes = readFrom(content, 0, tools.buffer(quickLength));
     if (!bytes) return {};
     tools.md5().update(*bytes);
-    return fmt::format("{} {}", tools.md5().finish(), size);
+    return tools.md5().finish();
 }
 
 /// Files of one format and length often begin alike and differ soon after: a look at the middle and

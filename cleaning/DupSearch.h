@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "cleaning/DigestStore.h"
 #include "cleaning/DupFinder.h"
 #include "platform/Digest.h"
 
@@ -20,8 +21,8 @@ namespace velto {
 class DupSearch {
 public:
     DupSearch(const std::vector<FileRecord>& files, const Clock& clock, FileContentReader& contents,
-              std::size_t threads, const std::function<bool()>& stopped, DupFinder::Budget budget,
-              const DupFinder::Progress& progress);
+              std::size_t threads, DigestStore* known, const std::function<bool()>& stopped,
+              DupFinder::Budget budget, const DupFinder::Progress& progress);
 
     DupFinder::Result run();
 
@@ -53,6 +54,10 @@ private:
     DupFinder::Group group(const Set& set) const;
 
     Key apply(Test test, std::size_t file, Tools& tools);
+    std::string read(Test test, FileContent& content, std::int64_t size, Tools& tools);
+    std::optional<Key> remembered(Test test, std::size_t file);
+    static DigestStore::Part part(Test test);
+    static std::string keyText(Test test, const std::string& digest, std::int64_t size);
     std::string firstBytes(FileContent& content, std::int64_t size, Tools& tools);
     std::string samples(FileContent& content, std::int64_t size, Tools& tools);
     std::string wholeContent(FileContent& content, std::int64_t size, Tools& tools);
@@ -65,6 +70,7 @@ private:
     const std::vector<FileRecord>& files_;
     const Clock& clock_;
     FileContentReader& contents_;
+    DigestStore* const known_;  // null: nothing is remembered
     const std::function<bool()>& stopped_;
     const DupFinder::Budget budget_;
     const DupFinder::Progress& progress_;

@@ -3,8 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+
+#include "platform/FileStamp.h"
 
 namespace velto {
 
@@ -15,6 +18,9 @@ public:
 
     /// Logical size at this moment, in bytes; -1 with `errno` set when it cannot be told.
     virtual std::int64_t size() const = 0;
+
+    /// Which file it is and what tells whether it has changed; nothing when that cannot be told.
+    virtual std::optional<FileStamp> stamp() const { return std::nullopt; }
 
     /// Reads at most `buffer.size()` bytes from `offset` on. Returns how many, 0 at the end of the
     /// file, -1 with `errno` set on failure. EINTR is the caller's to retry.
@@ -30,6 +36,10 @@ public:
     /// pipe or a device that has taken a file's place does not), and opening never blocks on the
     /// other end of something. Where the system allows it, reading leaves the access time alone.
     virtual std::unique_ptr<FileContent> open(const std::string& path) = 0;
+
+    /// The stamp of a regular file that stands there, without opening it; nothing for whatever
+    /// `open` would not open by its kind, or when it cannot be told.
+    virtual std::optional<FileStamp> stamp(const std::string& /*path*/) { return std::nullopt; }
 };
 
 /// The POSIX implementation, of every machine that this program runs on.

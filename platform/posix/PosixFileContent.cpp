@@ -7,6 +7,7 @@
 
 #include "platform/FileContent.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PosixBlockSharing.h"
 
 namespace velto {
 namespace {
@@ -19,6 +20,12 @@ public:
         struct stat status {};
         if (::fstat(descriptor_.number(), &status) != 0) return -1;
         return static_cast<std::int64_t>(status.st_size);
+    }
+
+    std::optional<FileStamp> stamp() const override {
+        struct stat status {};
+        if (::fstat(descriptor_.number(), &status) != 0) return std::nullopt;
+        return stampFrom(status);
     }
 
     std::ptrdiff_t read(std::int64_t offset, std::span<std::byte> buffer) override {
@@ -61,6 +68,12 @@ public:
         descriptor = Descriptor();
         errno = reason;
         return nullptr;
+    }
+
+    std::optional<FileStamp> stamp(const std::string& path) override {
+        struct stat status {};
+        if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+        return stampFrom(status);
     }
 };
 

@@ -24,6 +24,12 @@ TEST(MeasurementEvents, SizesToTheByteComeByPart) {
               R"({"trash":{"it1":4096}});)");
 }
 
+TEST(MeasurementEvents, DatesOfCopiesAreWholeSeconds) {
+    EXPECT_EQ(events::copyDates({.files = {}, .copies = {}, .dates = {{"/h/a", 1732300000.9}}}),
+              "window.velto && window.velto.onCopyDates && window.velto.onCopyDates("
+              R"({"/h/a":1732300000});)");
+}
+
 TEST(MeasurementEvents, NamesOfOneFileComeByGroup) {
     EXPECT_EQ(events::linkedCopies({.files = {},
                                     .copies = {},

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,8 @@ public:
         int interruptions = 0;               // reads that fail with EINTR before one succeeds
         std::size_t longestRead = SIZE_MAX;  // short reads
         std::int64_t sizeAfterReads = -1;    // size once it has been read, when not -1
+        std::optional<FileStamp> stamp{};    // of its length; none: the system does not say
+        std::optional<FileStamp> stampAfterReads{};  // once it has been read, when there is one
     };
     struct Read {
         std::string path;
@@ -45,6 +48,11 @@ public:
         if (errno != 0) return nullptr;
         ++opened_;
         return std::make_unique<Content>(*this, path, found->second);
+    }
+
+    std::optional<FileStamp> stamp(const std::string& path) override {
+        const auto found = files.find(path);
+        return found == files.end() ? std::nullopt : found->second.stamp;
     }
 
     std::vector<Read> reads() const {
@@ -73,6 +81,10 @@ private:
         std::int64_t size() const override {
             if (wasRead_ && file_.sizeAfterReads >= 0) return file_.sizeAfterReads;
             return static_cast<std::int64_t>(file_.content.size());
+        }
+
+        std::optional<FileStamp> stamp() const override {
+            return wasRead_ && file_.stampAfterReads ? file_.stampAfterReads : file_.stamp;
         }
 
         std::ptrdiff_t read(std::int64_t offset, std::span<std::byte> buffer) override {
