@@ -8,6 +8,7 @@ import * as growthGuards from './growthGuards.ts';
 import { furtherCleanables } from './furtherGuards.ts';
 import * as guards from './guards.ts';
 import * as measurementGuards from './measurementGuards.ts';
+import * as sharingGuards from './sharingGuards.ts';
 import { systemActivity, systemDetails, systemSample } from './systemGuards.ts';
 
 export const laterReaders: LaterReaders = {
@@ -32,6 +33,19 @@ export const laterReaders: LaterReaders = {
   },
   onExactSizes: ([sizes]) => [measurementGuards.exactSizes(sizes)],
   onLinkedCopies: ([groups]) => [measurementGuards.linkedCopies(groups)],
+  onCopyDates: ([dates]) => [measurementGuards.bytesByKey(dates) ?? new Map()],
+  onSharable: ([value]) => {
+    const told = sharingGuards.sharable(value);
+    return told && [told];
+  },
+  onSharing: ([value]) => {
+    const progress = sharingGuards.sharingProgress(value);
+    return progress && [progress];
+  },
+  onShared: ([value]) => {
+    const end = sharingGuards.sharingEnd(value);
+    return end && [end];
+  },
   onMeasurement: ([value]) => {
     const measurement = measurementGuards.measurement(value);
     return measurement && [measurement];

@@ -4,7 +4,8 @@ import type { ExactSizes, LinkedCopies, Measurement } from './measurementRecords
 
 const parts = ['files', 'copies', 'cleanables', 'trash'] as const;
 
-function bytesByKey(value: unknown): ReadonlyMap<string, number> | null {
+/** Whole numbers by path or id; what is none is left out. */
+export function bytesByKey(value: unknown): ReadonlyMap<string, number> | null {
   const fields = fieldsOf(value);
   if (!fields) return null;
   const known = Object.entries(fields).filter(

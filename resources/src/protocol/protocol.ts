@@ -15,6 +15,7 @@ import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, PutBack, Refusal,
   RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemDetails, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
+import type { Sharable, SharingEnd, SharingGroup, SharingProgress } from './sharingRecords.ts';
 
 export type * from './aboutRecords.ts';
 export type * from './appRecords.ts';
@@ -23,7 +24,9 @@ export type * from './furtherRecords.ts';
 export type * from './growthRecords.ts';
 export type * from './measurementRecords.ts';
 export type * from './records.ts';
+export type * from './sharingRecords.ts';
 export { growthKinds } from './growthRecords.ts';
+export { sharingReasons } from './sharingRecords.ts';
 export { cacheDayChoices, frequencies, ruleIds } from './records.ts';
 
 /** Only what changed is sent; the program pushes the state again afterwards. */
@@ -92,6 +95,9 @@ export interface Intents {
   scanFurther: void;
   continueComparison: void;
   stopComparison: void;
+  foretellSharing: { request: number; groups: SharingGroup[] };
+  shareSpace: { groups: SharingGroup[] };
+  stopSharing: void;
   deleteNow: { paths: string[] };
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
@@ -129,6 +135,11 @@ export interface Events {
   onHomeFolders: [folders: HomeFolders];
   onExactSizes: [sizes: ExactSizes];
   onLinkedCopies: [groups: LinkedCopies];
+  /** When each copy was changed last, by path: seconds since 1970. */
+  onCopyDates: [dates: ReadonlyMap<string, number>];
+  onSharable: [told: Sharable];
+  onSharing: [progress: SharingProgress];
+  onShared: [end: SharingEnd];
   onMeasurement: [measurement: Measurement];
   onMaintenance: [status: MaintenanceStatus];
   onFolder: [contents: FolderContents];

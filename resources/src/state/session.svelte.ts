@@ -60,6 +60,8 @@ class Session {
   sizes = $state.raw<ExactSizes>({});
   /** Copies that are names of one file, by group. */
   linked = $state.raw<LinkedCopies>(new Map());
+  /** When each copy was changed last, by path: seconds since 1970. */
+  copyDates = $state.raw<ReadonlyMap<string, number>>(new Map());
   /** What the analysis has measured, and what it has not; null until the program has told. */
   measurement = $state.raw<Measurement | null>(null);
   /** The large files, to the byte where that is known. */

@@ -22,6 +22,7 @@ import { holdExclusion, showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
 import { selectionChecks } from './selectionChecks.svelte.ts';
 import { session } from './session.svelte.ts';
+import { sharing } from './sharing.svelte.ts';
 import { tellOutcome } from './uninstallOutcome.ts';
 import { uninstalling } from './uninstalling.svelte.ts';
 import { explorer } from '../views/explorar/state.svelte.ts';
@@ -42,6 +43,10 @@ export function startLater(): void {
       onHomeFolders: (told) => (session.homeFolders = told),
       onExactSizes: (sizes) => (session.sizes = { ...session.sizes, ...sizes }),
       onLinkedCopies: (groups) => (session.linked = groups),
+      onCopyDates: (dates) => (session.copyDates = dates),
+      onSharable: (told) => sharing.receive(told),
+      onSharing: (progress) => sharing.receiveProgress(progress),
+      onShared: (end) => sharing.finish(end),
       onMeasurement: (measurement) => (session.measurement = measurement),
       onExclusions: (paths) => (session.exclusions = paths),
       onCleanableAges: (ages) => cleanables.receiveAges(ages),

@@ -105,12 +105,22 @@ function prepare({ saved, stamp, platform, hosted, storage }: {
     queueMicrotask(() => (page.velto as Record<string, (value: unknown) => void>).onSelection!(told));
     return true;
   };
+  /** What sharing would bring: nothing, but for the groups that a test has put into `__sharable`. */
+  const answerSharing = ({ type, payload }: Intent): boolean => {
+    if (type !== 'foretellSharing') return false;
+    const { request, groups } = payload as { request: number; groups: { id: string }[] };
+    const known = (page.__sharable ?? {}) as Record<string, unknown>;
+    const told = { request, groups: Object.fromEntries(groups.flatMap(({ id }) => (known[id] ? [[id, known[id]]] : []))) };
+    page.__foretold = payload;
+    queueMicrotask(() => (page.velto as Record<string, (value: unknown) => void>).onSharable!(told));
+    return true;
+  };
   if (!hosted) return;
   page.webkit = {
     messageHandlers: {
       velto: {
         postMessage: (message: unknown) => {
-          if (answerCheck(message as Intent)) return;
+          if (answerCheck(message as Intent) || answerSharing(message as Intent)) return;
           const framesShown = shownAt === null ? -1 : frame - shownAt;
           intents.push({ ...(structuredClone(message) as object), framesShown });
         },

@@ -11,6 +11,10 @@ export interface CopyFacts {
   sizes?: ReadonlyMap<string, number>;
   /** Copies that are names of one file. */
   linked?: LinkedCopies;
+  /** Copies that share their space with another one: their removal brings nothing. */
+  one?: ReadonlySet<string>;
+  /** A folder whose copies all stay. */
+  reference?: string | null;
 }
 
 /** The size of one copy in GB; 0 stands for less than 0.05 GB. */
@@ -40,7 +44,12 @@ export function filesOf(group: DuplicateGroup, { linked }: CopyFacts = {}): stri
 
 /** Other names of a file take up nothing. */
 export function wastedBy(group: DuplicateGroup, facts: CopyFacts = {}): number {
-  return copySize(group, facts) * (filesOf(group, facts).length - 1);
+  const files = filesOf(group, facts).filter((names) => takesUpSpace(names, facts));
+  return copySize(group, facts) * Math.max(0, files.length - 1);
+}
+
+function takesUpSpace(names: readonly string[], { one }: CopyFacts): boolean {
+  return !one || !names.some((path) => one.has(path));
 }
 
 export function totalWasted(groups: readonly DuplicateGroup[], facts: CopyFacts = {}): number {
@@ -67,20 +76,24 @@ export function keptPath(group: DuplicateGroup, keeps: Keeps): string {
   return chosen !== undefined && group.paths.includes(chosen) ? chosen : group.paths[group.recommended]!;
 }
 
-export function isRemovable(group: DuplicateGroup, path: string, keeps: Keeps): boolean {
-  return path !== keptPath(group, keeps) && !isProtectedPath(path);
+export function isRemovable(group: DuplicateGroup, path: string, keeps: Keeps, facts: CopyFacts = {}): boolean {
+  return path !== keptPath(group, keeps) && !isProtectedPath(path) && !isInReference(path, facts);
+}
+
+export function isInReference(path: string, { reference }: CopyFacts): boolean {
+  return reference !== null && reference !== undefined && path.startsWith(`${reference}/`);
 }
 
 /** Every copy that may go; the kept copy of each group is never among them. */
-export function removablePaths(groups: readonly DuplicateGroup[], keeps: Keeps): string[] {
-  return groups.flatMap((group) => group.paths.filter((path) => isRemovable(group, path, keeps)));
+export function removablePaths(groups: readonly DuplicateGroup[], keeps: Keeps, facts: CopyFacts = {}): string[] {
+  return groups.flatMap((group) => group.paths.filter((path) => isRemovable(group, path, keeps, facts)));
 }
 
 /** Every copy whose going frees space: of a file with several names all of them, or none. */
 export function extraPaths(groups: readonly DuplicateGroup[], keeps: Keeps, facts: CopyFacts = {}): string[] {
   return groups.flatMap((group) =>
     filesOf(group, facts)
-      .filter((names) => names.every((path) => isRemovable(group, path, keeps)))
+      .filter((names) => names.every((path) => isRemovable(group, path, keeps, facts)) && takesUpSpace(names, facts))
       .flat(),
   );
 }
@@ -95,7 +108,7 @@ export function selectedSize(
     (sum, group) =>
       sum +
       copySize(group, facts) *
-        filesOf(group, facts).filter((names) => names.every((path) => selected.has(path))).length,
+        filesOf(group, facts).filter((names) => names.every((path) => selected.has(path)) && takesUpSpace(names, facts)).length,
     0,
   );
 }

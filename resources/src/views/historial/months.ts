@@ -21,6 +21,11 @@ function middleOf(month: number): number {
   return new Date(Math.floor(month / 12), month % 12, 15).getTime() / 1000;
 }
 
+/** What was removed: where space is shared every file stays. */
+export function removedGb(entries: readonly HistoryEntry[]): number {
+  return totalGb(entries.filter(({ kind }) => kind !== 'share'));
+}
+
 export function monthsOf(history: readonly HistoryEntry[]): Month[] {
   const dated = history.filter(({ ts }) => ts > 0).sort((left, right) => right.ts - left.ts);
   const undated = history.filter(({ ts }) => ts <= 0);
@@ -30,8 +35,8 @@ export function monthsOf(history: readonly HistoryEntry[]): Month[] {
     months.set(month, [...(months.get(month) ?? []), entry]);
   }
   return [
-    ...[...months].map(([month, entries]) => ({ stamp: middleOf(month), gb: totalGb(entries), entries })),
-    ...(undated.length ? [{ stamp: 0, gb: totalGb(undated), entries: undated }] : []),
+    ...[...months].map(([month, entries]) => ({ stamp: middleOf(month), gb: removedGb(entries), entries })),
+    ...(undated.length ? [{ stamp: 0, gb: removedGb(undated), entries: undated }] : []),
   ];
 }
 
