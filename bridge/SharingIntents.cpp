@@ -111,7 +111,8 @@ void SharingIntents::onForetellSharing(const Payload& payload) {
 }
 
 void SharingIntents::onShareSpace(const Payload& payload) {
-    if (sharing_) return;
+    // Whoever wants files changed says which.
+    if (sharing_ || payload::member(payload, "groups") == nullptr) return;
     const auto work = std::make_shared<Work>();
     work->asked = askedFor(payload);
     if (work->asked.empty()) return;

@@ -80,7 +80,8 @@ TEST_F(Intents, EveryKnownNameSurvivesEveryWrongPayload) {
         "cleanPaths",   "clearHistory",    "addExclusion",       "scanCleanables",
         "moveCloud",    "goView",          "maintenanceStatus",  "setAutoMaintenance",
         "exclusions",   "removeExclusion", "measureMaintenance", "restoreItemTo",
-        "stopAnalysis", "chooseExclusion", "recordAppUses"};
+        "stopAnalysis", "chooseExclusion", "recordAppUses",      "foretellSharing",
+        "shareSpace",   "stopSharing"};
     const std::vector<json> wrong{nullptr,
                                   true,
                                   3.5,

@@ -67,6 +67,10 @@ TEST_F(SharingIntents, WhatIsNotListedIsNotTouched) {
     ask("shareSpace", {{"groups", json::array({{{"id", "other"}, {"kept", copy1}}})}});
     ask("shareSpace", group(film));
     ask("shareSpace", {{"groups", "hash"}});
+    ask("shareSpace", {{"groups", json::array({"hash", 7, nullptr})}});
+    ask("shareSpace", {{"paths", {copy1}}});
+    ask("shareSpace", json::array({1}));
+    ask("shareSpace");
     EXPECT_THAT(volume->asked, IsEmpty());
     EXPECT_EQ(count("onShared"), 0u);
     EXPECT_THAT(history.entries(), IsEmpty());
