@@ -8,19 +8,19 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Reason = FurtherItem::Reason;
+using Doubt = FurtherItem::Reason;
 
 struct FurtherDiscoveryTest : FurtherFixture {
     void project(const std::string& folder) {
         file(folder + "/package.json");
         file(folder + "/node_modules/a/index.js");
     }
-    Reason reasonOf(const std::string& path) {
+    Doubt reasonOf(const std::string& path) {
         for (const FurtherItem& item : items()) {
             if (item.path == home().path(path)) return item.reason;
         }
         ADD_FAILURE() << path << " is not found";
-        return Reason::unknown;
+        return Doubt::unknown;
     }
 };
 
@@ -166,22 +166,22 @@ TEST_F(FurtherDiscoveryTest, WhatRunsIsOnlyPossible) {
     file(".npm/_cacache/x");
     file(".cache/thumbnails/large/a.png");
     file(".var/app/org.gimp.GIMP/cache/babl/x");
-    EXPECT_EQ(reasonOf(".npm/_cacache"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf(".npm/_cacache"), Doubt::madeAgain);
     machine.running.add({.bundlePath = "", .executable = "/usr/bin/node", .script = ""});
-    EXPECT_EQ(reasonOf(".npm/_cacache"), Reason::running);
-    EXPECT_EQ(reasonOf(".cache/thumbnails"), Reason::madeAgain);
-    EXPECT_EQ(reasonOf(".var/app/org.gimp.GIMP/cache/babl"), Reason::unknown);
+    EXPECT_EQ(reasonOf(".npm/_cacache"), Doubt::running);
+    EXPECT_EQ(reasonOf(".cache/thumbnails"), Doubt::madeAgain);
+    EXPECT_EQ(reasonOf(".var/app/org.gimp.GIMP/cache/babl"), Doubt::unknown);
     machine.running.add({.executable = "/app/bin/gimp", .flatpak = "org.gimp.GIMP"});
-    EXPECT_EQ(reasonOf(".var/app/org.gimp.GIMP/cache/babl"), Reason::running);
+    EXPECT_EQ(reasonOf(".var/app/org.gimp.GIMP/cache/babl"), Doubt::running);
 }
 
 TEST_F(FurtherDiscoveryTest, AProgramThatWasStartedFromInsideMakesItBusy) {
     file("work/engine/Cargo.toml");
     file("work/engine/target/debug/engine");
     age(200);
-    EXPECT_EQ(reasonOf("work/engine/target"), Reason::unknown);
+    EXPECT_EQ(reasonOf("work/engine/target"), Doubt::unknown);
     machine.running.add({.executable = home().path("work/engine/target/debug/engine")});
-    EXPECT_EQ(reasonOf("work/engine/target"), Reason::running);
+    EXPECT_EQ(reasonOf("work/engine/target"), Doubt::running);
 }
 
 TEST_F(FurtherDiscoveryTest, WhatCannotBeReadWholeIsNotCertain) {
@@ -192,7 +192,7 @@ TEST_F(FurtherDiscoveryTest, WhatCannotBeReadWholeIsNotCertain) {
         std::filesystem::permissions(closed, std::filesystem::perms::none);
         const auto found = items();
         std::filesystem::permissions(closed, std::filesystem::perms::owner_all);
-        return found.size() == 1 && found[0].reason == Reason::unread ? 0 : 1;
+        return found.size() == 1 && found[0].reason == Doubt::unread ? 0 : 1;
     });
     EXPECT_EQ(result, 0);
 }
