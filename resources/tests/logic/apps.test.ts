@@ -104,6 +104,7 @@ describe('what an application left behind', () => {
         closes: false, services: 1, count: 8, app: 'goes', left: 3, stays: 2,
       });
       expect(planOf({ ...analysis, running: true }, sections, certain).closes).toBe(true);
+      expect(planOf({ ...analysis, running: true }, sections, new Set<string>()).closes).toBe(false);
     });
 
     it('says when the application itself is kept', () => {

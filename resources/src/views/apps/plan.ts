@@ -4,7 +4,7 @@ import { totalGb } from '../../state/operations.ts';
 import { isForAllUsers, type Section } from './sections.ts';
 
 export interface Plan {
-  /** The application is running and is closed first. */
+  /** The application is running and is closed first, if anything is removed at all. */
   closes: boolean;
   /** How many services that run in the background are ended. */
   services: number;
@@ -36,7 +36,7 @@ export function planOf(
   const isEntry = removal?.stays === 'entry';
   const stays = all.filter((item) => item.stays && item.stays !== 'nested').length;
   return {
-    closes: analysis.running,
+    closes: analysis.running && removable.length > 0,
     services: removable.filter(({ cat }) => cat === 'agents').length,
     count: removable.length,
     gb: totalGb(removable),
