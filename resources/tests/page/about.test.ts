@@ -24,7 +24,7 @@ describe('about Velto', () => {
     await opened.go('ajustes');
     await tellAbout(opened);
     expect(await page.getByText('Velto 1.2.3').isVisible()).toBe(true);
-    expect(await page.getByText('under the MIT licence').isVisible()).toBe(true);
+    expect(await page.getByText('under the MIT license').isVisible()).toBe(true);
     expect(await page.getByText('Not there at the moment.').count()).toBe(1);
 
     const [data] = someAbout().places;
@@ -55,7 +55,7 @@ describe('about Velto', () => {
     await button(page, 'Show the notices').click();
     await page.locator('pre').waitFor();
     expect(await page.locator('pre').textContent()).toBe(await readFile(join(builtPage(), 'NOTICES.txt'), 'utf8'));
-    expect(await title(page).and(page.locator(':focus')).textContent()).toBe('Licence notices');
+    expect(await title(page).and(page.locator(':focus')).textContent()).toBe('License notices');
     await button(page, 'Settings').last().click();
     expect(await title(page).textContent()).toBe('Settings');
     await opened.close();

@@ -5,12 +5,12 @@ const { plural } = formats.en;
 export const about = {
   title: 'About Velto',
   version: 'Version',
-  /** A copy of the licence stands at the head of the notices. */
-  license: (name: string) => `Free software under the ${name} licence.`,
+  /** A copy of the license stands at the head of the notices. */
+  license: (name: string) => `Free software under the ${name} license.`,
   guideLabel: 'The guide',
   guideHelp: 'What each view shows, how maintenance works, and how to get things back. It also opens with F1.',
   openGuide: 'Open the guide',
-  noticesLabel: 'Licence notices',
+  noticesLabel: 'License notices',
   noticesHelp: 'Whose work is inside Velto, and under which terms.',
   openNotices: 'Show the notices',
   places: 'Where Velto keeps what',

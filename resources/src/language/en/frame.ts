@@ -17,7 +17,7 @@ export const frame = {
     sistema: 'System',
     ajustes: 'Settings',
     guia: 'Guide',
-    avisos: 'Licence notices',
+    avisos: 'License notices',
   },
   toDark: 'Light, switch to the dark theme',
   toLight: 'Dark, switch to the light theme',
