@@ -38,33 +38,34 @@ std::int64_t saturatedSum(std::int64_t left, std::int64_t right) {
     return right > most - left ? most : left + right;
 }
 
-struct Total {
-    std::int64_t bytes = 0;
-    double newest = 0;
-    bool isThere = false;
-    bool isWhole = true;
-    bool isRead = true;
-};
-
-struct LinkedFile {
-    std::uint32_t candidate = 0;
-    std::uint64_t inode = 0;
-    std::uint32_t names = 0;  // here and elsewhere
-    std::int64_t bytes = 0;
-};
-
-/// A folder that was looked through; a folder's number is greater than that of the one around it.
-struct SearchedFolder {
-    std::uint32_t number = 0;
-    std::uint32_t parent = 0;
-    double newest = 0;  // of the files directly in it
-    double own = 0;     // the folder's own date: something came or went
-};
-
 }  // namespace
 
 class FurtherWalk::Visitor final : public TreeVisitor {
 public:
+    struct Total {
+        std::int64_t bytes = 0;
+        double newest = 0;
+        bool isThere = false;
+        bool isWhole = true;
+        bool isRead = true;
+    };
+
+    struct LinkedFile {
+        std::uint32_t candidate = 0;
+        std::uint64_t inode = 0;
+        std::uint32_t names = 0;  // here and elsewhere
+        std::int64_t bytes = 0;
+    };
+
+    /// A folder that was looked through; a folder's number is greater than that of the one around
+    /// it.
+    struct SearchedFolder {
+        std::uint32_t number = 0;
+        std::uint32_t parent = 0;
+        double newest = 0;  // of the files directly in it
+        double own = 0;     // the folder's own date: something came or went
+    };
+
     explicit Visitor(FurtherWalk& walk) : walk_(walk) {}
 
     bool enter(WalkedFolder& folder) override {
@@ -262,13 +263,13 @@ std::vector<FurtherWalk::Found> FurtherWalk::collect(
     std::vector<bool> isThere(candidates_.size());
     for (const Candidate& candidate : candidates_)
         found.push_back({.rule = candidate.rule, .path = candidate.path});
-    std::vector<LinkedFile> linked;
+    std::vector<Visitor::LinkedFile> linked;
     std::vector<double> newest(nextNumber_.load());
     std::vector<double> own(newest.size());
     std::vector<std::uint32_t> parents(newest.size());
     for (const auto& visitor : visitors) {
         for (std::size_t index = 0; index < visitor->totals().size(); ++index) {
-            const Total& total = visitor->totals()[index];
+            const auto& total = visitor->totals()[index];
             Found& one = found[index];
             one.bytes = saturatedSum(one.bytes, total.bytes);
             one.newest = std::max(one.newest, total.newest);
@@ -277,7 +278,7 @@ std::vector<FurtherWalk::Found> FurtherWalk::collect(
             isThere[index] = isThere[index] || total.isThere;
         }
         linked.insert(linked.end(), visitor->linked().begin(), visitor->linked().end());
-        for (const SearchedFolder& folder : visitor->searchedFolders()) {
+        for (const auto& folder : visitor->searchedFolders()) {
             newest[folder.number] = folder.newest;
             own[folder.number] = folder.own;
             parents[folder.number] = folder.parent;
@@ -289,10 +290,10 @@ std::vector<FurtherWalk::Found> FurtherWalk::collect(
         double& above = newest[parents[number]];
         above = std::max({above, newest[number], own[number]});
     }
-    std::ranges::sort(
-        linked, {}, [](const LinkedFile& file) { return std::tuple(file.candidate, file.inode); });
+    std::ranges::sort(linked, {},
+                      [](const auto& file) { return std::tuple(file.candidate, file.inode); });
     for (auto file = linked.begin(); file != linked.end();) {
-        const auto next = std::find_if(file, linked.end(), [&](const LinkedFile& other) {
+        const auto next = std::find_if(file, linked.end(), [&](const auto& other) {
             return other.candidate != file->candidate || other.inode != file->inode;
         });
         Found& one = found[file->candidate];
