@@ -61,6 +61,12 @@ else()
     target_compile_options(velto_options INTERFACE -pthread)
 endif()
 
+# What nothing calls is left out of what is linked.
+if(NOT VELTO_SANITIZE AND NOT APPLE)
+    target_compile_options(velto_options INTERFACE -ffunction-sections -fdata-sections)
+    target_link_options(velto_options INTERFACE -Wl,--gc-sections)
+endif()
+
 # What makes a mistake end the program and not give it away. The sanitized builds have better.
 if(NOT VELTO_SANITIZE)
     target_compile_options(velto_options INTERFACE -fstack-protector-strong

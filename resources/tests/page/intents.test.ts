@@ -87,6 +87,7 @@ describe('large files', () => {
       async ({ page, during }) => {
         const tick = (name: string) => page.getByRole('row', { name }).getByRole('gridcell').first().click();
         await tick('Boda Clara y Hugo.mp4');
+        await page.mouse.wheel(0, 2000);
         await tick('frames.cache');
         const intents = await during(() => page.getByRole('button', { name: 'Move to Velto Trash' }).click());
         expect(intents).toEqual([
@@ -133,11 +134,13 @@ describe('large files', () => {
   it('what an undo brings back comes without its old selection', async () => {
     await inView('Large files', async ({ page, tell }) => {
       await page.getByRole('row', { name: 'Boda Clara y Hugo.mp4' }).getByRole('gridcell').first().click();
+      await page.mouse.wheel(0, 2000);
       await page.getByRole('row', { name: 'frames.cache' }).getByRole('gridcell').first().click();
       const whole = fullState();
       await tell('setState', { ...whole, files: whole.files.filter(({ path }) => path !== wedding) });
       expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
       await tell('setState', whole);
+      await page.mouse.wheel(0, -2000);
       await page.getByText('Boda Clara y Hugo.mp4').waitFor();
       expect(await page.locator('[aria-selected="true"]').count()).toBe(1);
       expect(await page.getByText('1 selected').first().isVisible()).toBe(true);
