@@ -1,7 +1,7 @@
 // A move to another volume against copying and comparing: `bench_copy FOLDER OTHER ROUNDS`, two
 // folders on different volumes. Prints one line a round, in milliseconds: moving one large file,
-// cp and cmp of it, moving a folder of small files, cp and diff of it. Both folders are emptied
-// before and after.
+// cp and cmp of it, the same with the copy written to the disk and read from there, and these three
+// for a folder of small files (with diff). Both folders are emptied before and after.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -10,8 +10,10 @@
 #include <stdexcept>
 #include <string>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 
+#include "platform/posix/FileCalls.h"
 #include "platform/posix/PosixFileManager.h"
 #include "rounds.h"
 #include "stopwatch.h"
@@ -70,18 +72,39 @@ public:
         return time;
     }
 
-    /// Neither waits for the disk nor removes anything, as the move does.
-    double copyAndCompare(const std::string& compare) const {
-        const std::string copy =
-            fmt::format("cp -a {0}/item {1}/moved && {2} {0}/item {1}/moved", from_, to_, compare);
-        int result = 0;
-        const double time = velto::milliseconds([&] { result = std::system(copy.c_str()); });
-        if (result != 0) throw std::runtime_error(copy);
+    enum class Copy { inMemory, onDisk };
+
+    /// Removes nothing, as the move does.
+    double copyAndCompare(const std::string& compare, Copy where) {
+        const double time = velto::milliseconds([&] {
+            run(fmt::format("cp -a {}/item {}/moved", from_, to_));
+            if (where == Copy::onDisk) leaveMemory(to_ + "/moved");
+            run(fmt::format("{} {}/item {}/moved", compare, from_, to_));
+        });
         fs::remove_all(to_ + "/moved");
         return time;
     }
 
 private:
+    static void run(const std::string& command) {
+        if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+    }
+
+    void leaveMemory(const std::string& copy) {
+        if (fs::is_regular_file(copy)) return writeAndForget(copy);
+        for (const auto& entry : fs::recursive_directory_iterator(copy)) {
+            if (entry.is_regular_file()) writeAndForget(entry.path());
+        }
+    }
+
+    void writeAndForget(const std::string& file) {
+        const velto::Descriptor opened(
+            calls_.open(AT_FDCWD, file.c_str(), O_RDONLY | O_CLOEXEC, 0));
+        if (!opened.isOpen() || calls_.sync(opened.number()) != 0)
+            throw std::runtime_error("cannot sync " + file);
+        calls_.dropCache(opened.number());
+    }
+
     void empty() const {
         fs::remove_all(from_);
         fs::remove_all(to_);
@@ -90,6 +113,7 @@ private:
     std::string from_;
     std::string to_;
     velto::PosixFileManager files_;
+    velto::FileCalls calls_;
 };
 
 }  // namespace
@@ -101,11 +125,14 @@ int main(int count, char** arguments) {
     }
     return velto::printRounds(arguments[3], [&] {
         Bench bench(arguments[1], arguments[2]);
+        using Copy = Bench::Copy;
         bench.makeFile();
-        const double fileTools = bench.copyAndCompare("cmp");
+        const double fileTools = bench.copyAndCompare("cmp", Copy::inMemory);
+        const double fileOnDisk = bench.copyAndCompare("cmp", Copy::onDisk);
         const double fileMove = bench.move();
         bench.makeFolder();
-        const double folderTools = bench.copyAndCompare("diff -r");
-        return std::array{fileMove, fileTools, bench.move(), folderTools};
+        const double folderTools = bench.copyAndCompare("diff -r", Copy::inMemory);
+        const double folderOnDisk = bench.copyAndCompare("diff -r", Copy::onDisk);
+        return std::array{fileMove, fileTools, fileOnDisk, bench.move(), folderTools, folderOnDisk};
     });
 }
