@@ -27,7 +27,7 @@ if [ -n "$lacking" ]; then
 fi
 
 flags="-std=c++23 -stdlib=libc++ -I. -Itests -isystem tests/portable_check/include -D_FILE_OFFSET_BITS=64"
-flags+=' -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -DVELTO_FUZZ_CORPUS=\"\" -DVELTO_VERSION=\"\" -DVELTO_APP_ID=\"\"'
+flags+=' -D_LIBCPP_REMOVE_TRANSITIVE_INCLUDES -DVELTO_FUZZ_CORPUS=\"\" -DVELTO_RULES=\"\" -DVELTO_RULE_TREES=\"\" -DVELTO_VERSION=\"\" -DVELTO_APP_ID=\"\"'
 # The warnings are the build's (cmake/options.cmake).
 flags+=' -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -Wno-missing-field-initializers'
 # What every test includes anyway, and what takes longest.
