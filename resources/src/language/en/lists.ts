@@ -140,5 +140,5 @@ export const lists = {
   clearedTitle: 'All extra copies are in Velto Trash.',
   clearedText: 'One copy of each is where it was. Until the trash is emptied, the others can be put back.',
   noDuplicatesText: 'Velto found no two files over 1 MB with the same content.',
-  protected: 'Protected',
+  keptProtected: 'protected',
 };

@@ -141,5 +141,5 @@ export const lists: typeof english = {
   clearedTitle: 'Todas las copias de más están en la Papelera de Velto.',
   clearedText: 'De cada una queda una copia en su sitio. Hasta que vacíes la papelera, las demás se pueden devolver.',
   noDuplicatesText: 'Velto no ha encontrado dos archivos de más de 1 MB con el mismo contenido.',
-  protected: 'Protegido',
+  keptProtected: 'protegida',
 };
