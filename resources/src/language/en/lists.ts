@@ -97,6 +97,7 @@ export const lists = {
   ruleHere: { newest: 'Keep the newest of this group', oldest: 'Keep the oldest of this group', shortest: 'Keep the shortest path of this group' },
   referenceLabel: 'Folder whose copies always stay',
   referenceNone: 'No folder that always stays',
+  referenceAny: 'No fixed folder',
   referenceOf: (folder: string) => `Always keep: ${folder}`,
   referenceSet: (folder: string) => `Copies in “${folder}” always stay`,
   referenceOff: 'No folder always stays any more',
