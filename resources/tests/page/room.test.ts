@@ -200,3 +200,29 @@ it('a copy in a protected place stays, and is not offered as the one to keep', a
     await page.locator(`.kept[data-key="${locked}"]`).waitFor();
   });
 });
+
+it('the menu of a copy is whole with large text, and marks the one item that is pointed at', async () => {
+  await look({ ...usual, text: 200, saved: inSpanish(fullState()) }, async ({ page, go }) => {
+    await go('duplicados');
+    await page.locator('[data-key]').first().dispatchEvent('contextmenu', { button: 0 });
+    const menu = page.getByRole('menu');
+    const { y, height } = await boxOf(menu);
+    expect(y).toBeGreaterThanOrEqual(0);
+    expect(y + height).toBeLessThanOrEqual(usual.height);
+    await menu.getByRole('menuitem').nth(2).hover();
+    await painted(page);
+    const plain = await menu.evaluate((each) => getComputedStyle(each).color);
+    const colours = await menu.getByRole('menuitem').evaluateAll((all) => all.map((each) => getComputedStyle(each).color));
+    expect(colours.filter((colour) => colour !== plain)).toHaveLength(1);
+    expect(colours[2]).not.toBe(plain);
+  });
+});
+
+it('with large text a list that finds nothing says so in sight, and what to do', async () => {
+  await look({ ...usual, text: 200, saved: inSpanish(fullState()) }, async ({ page, go }) => {
+    await go('archivos');
+    await page.locator('[data-search]').fill('zzz');
+    const all = await boxOf(page.getByRole('button', { name: 'Ver todos los archivos' }));
+    expect(all.y + all.height).toBeLessThan((await boxOf(page.locator('[data-region="actions"]'))).y);
+  });
+});
