@@ -15,6 +15,7 @@
 #include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
+#include "bridge/PreviewIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/ScannerWithAccess.h"
 #include "bridge/SelectionIntents.h"
@@ -126,6 +127,8 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         UsageIntents::Context{link, platform_, language_, context.usage, cleanups_});
     sharingIntents_ =
         std::make_shared<SharingIntents>(SharingIntents::Context{link, state, platform_});
+    previewIntents_ =
+        std::make_shared<PreviewIntents>(PreviewIntents::Context{link, state, platform_});
 }
 
 JSBridge::~JSBridge() {

@@ -62,6 +62,7 @@ class LeftBehindIntent;
 class MaintenanceIntents;
 class MeasurementIntents;
 class PackageIntents;
+class PreviewIntents;
 class QuitIntents;
 class SelectionIntents;
 class ThemeIntents;
@@ -204,6 +205,7 @@ private:
     std::shared_ptr<AboutIntent> aboutIntent_;
     std::shared_ptr<UsageIntents> usageIntents_;
     std::shared_ptr<SharingIntents> sharingIntents_;
+    std::shared_ptr<PreviewIntents> previewIntents_;
 };
 
 /// Takes the agent and all local data away, the trash with its lock held; the part of a full reset

@@ -16,6 +16,7 @@
 #include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/PackageIntents.h"
+#include "bridge/PreviewIntents.h"
 #include "bridge/QuitIntents.h"
 #include "bridge/SelectionIntents.h"
 #include "bridge/SettingsIntents.h"
@@ -66,6 +67,7 @@ struct IntentTable {
     static constexpr auto about = &JSBridge::aboutIntent_;
     static constexpr auto usage = &JSBridge::usageIntents_;
     static constexpr auto sharing = &JSBridge::sharingIntents_;
+    static constexpr auto previewing = &JSBridge::previewIntents_;
 
     static constexpr auto rows = std::to_array<Row>({
         {"webReady", nullptr},
@@ -129,6 +131,7 @@ struct IntentTable {
         {"foretellSharing", at<sharing, &SharingIntents::onForetellSharing>},
         {"shareSpace", at<sharing, &SharingIntents::onShareSpace>},
         {"stopSharing", at<sharing, &SharingIntents::onStopSharing>},
+        {"preview", at<previewing, &PreviewIntents::onPreview>},
     });
 };
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/attr.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/vnode.h>
 #include <unistd.h>
@@ -11,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/WithoutCloudDownloads.h"
 #include "platform/attribute_buffer.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/same_state.h"
@@ -49,30 +49,6 @@ struct MacFolder final : OpenFolder {
 };
 
 int descriptorOf(OpenFolder& folder) { return static_cast<MacFolder&>(folder).descriptor.number(); }
-
-/// While it lives, this thread gets EDEADLK for what lies only in the cloud, instead of a download.
-class WithoutCloudDownloads {
-public:
-    WithoutCloudDownloads()
-        : before_(getiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD)) {
-        set(IOPOL_MATERIALIZE_DATALESS_FILES_OFF);
-    }
-    ~WithoutCloudDownloads() {
-        const int cause = errno;  // the caller's, not ours
-        set(before_ < 0 ? IOPOL_MATERIALIZE_DATALESS_FILES_DEFAULT : before_);
-        errno = cause;
-    }
-    WithoutCloudDownloads(const WithoutCloudDownloads&) = delete;
-    WithoutCloudDownloads& operator=(const WithoutCloudDownloads&) = delete;
-
-private:
-    // A refusal changes nothing but that reading may wait for a download.
-    static void set(int policy) {
-        setiopolicy_np(IOPOL_TYPE_VFS_MATERIALIZE_DATALESS_FILES, IOPOL_SCOPE_THREAD, policy);
-    }
-
-    int before_;
-};
 
 std::shared_ptr<OpenFolder> opened(int descriptor) {
     if (descriptor < 0) return nullptr;
