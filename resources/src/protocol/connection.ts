@@ -54,7 +54,7 @@ const laterEvents = [
   'toast', 'onExclusions', 'onExcluded', 'onCleanableAges', 'onCleanableFacts', 'onCleanables', 'onFurtherCleanables', 'onMaintenance', 'onTrashState',
   'onTrashChanged', 'onTrashEmptying', 'onTrashWaiting', 'onRefused', 'onSelection', 'onPutBack', 'onRestoreBlocked', 'onFolder', 'onFolderSearch',
   'onFolderGrowth', 'onGrowth', 'onHome', 'onHomeFolders', 'onCloudDrive', 'onCloudMove', 'onExactSizes', 'onLinkedCopies', 'onMeasurement',
-  'onCopyDates', 'onSharable', 'onSharing', 'onShared',
+  'onCopyDates', 'onSharable', 'onSharing', 'onShared', 'onPreview',
   'onApps', 'onAppSizes', 'onLeftoverLinks', 'onAppRemoval', 'onAppAnalysis', 'onLeftBehind',
   'onAppPackage', 'onPackageRemoval', 'onUnusedRuntimes', 'onUninstallProgress', 'onUninstallResult',
   'onAbout', 'onAppUses', 'onSystemActivity', 'onSystemDetails', 'onSystem', 'onApplicationStopped', 'onQuitting',

@@ -8,6 +8,7 @@ import * as growthGuards from './growthGuards.ts';
 import { furtherCleanables } from './furtherGuards.ts';
 import * as guards from './guards.ts';
 import * as measurementGuards from './measurementGuards.ts';
+import { filePreview } from './previewGuards.ts';
 import * as sharingGuards from './sharingGuards.ts';
 import { systemActivity, systemDetails, systemSample } from './systemGuards.ts';
 
@@ -45,6 +46,10 @@ export const laterReaders: LaterReaders = {
   onShared: ([value]) => {
     const end = sharingGuards.sharingEnd(value);
     return end && [end];
+  },
+  onPreview: ([value]) => {
+    const preview = filePreview(value);
+    return preview && [preview];
   },
   onMeasurement: ([value]) => {
     const measurement = measurementGuards.measurement(value);

@@ -15,6 +15,7 @@ import type {
   Cleanable, CleanableFacts, CloudMove, DiskState, Frequency, LanguageCode, MaintenanceStatus, Permissions, PutBack, Refusal,
   RestoreBlock, RuleId, Running, SelectionCheck, SystemActivity, SystemDetails, SystemSample, TrashItem, WaitingItem,
 } from './records.ts';
+import type { FilePreview } from './previewRecords.ts';
 import type { Sharable, SharingEnd, SharingGroup, SharingProgress } from './sharingRecords.ts';
 
 export type * from './aboutRecords.ts';
@@ -23,6 +24,7 @@ export type * from './folderRecords.ts';
 export type * from './furtherRecords.ts';
 export type * from './growthRecords.ts';
 export type * from './measurementRecords.ts';
+export type * from './previewRecords.ts';
 export type * from './records.ts';
 export type * from './sharingRecords.ts';
 export { growthKinds } from './growthRecords.ts';
@@ -98,6 +100,8 @@ export interface Intents {
   foretellSharing: { request: number; groups: SharingGroup[] };
   shareSpace: { groups: SharingGroup[] };
   stopSharing: void;
+  /** Without a path: nothing is to be read any more. */
+  preview: { request: number; path?: string };
   deleteNow: { paths: string[] };
   cleanPaths: { paths: string[] };
   moveCloud: { paths: string[]; direction: 'to' | 'from' };
@@ -140,6 +144,7 @@ export interface Events {
   onSharable: [told: Sharable];
   onSharing: [progress: SharingProgress];
   onShared: [end: SharingEnd];
+  onPreview: [preview: FilePreview];
   onMeasurement: [measurement: Measurement];
   onMaintenance: [status: MaintenanceStatus];
   onFolder: [contents: FolderContents];

@@ -22,6 +22,7 @@ import { holdExclusion, showAnswer } from './removal.ts';
 import { requests } from './requests.svelte.ts';
 import { selectionChecks } from './selectionChecks.svelte.ts';
 import { session } from './session.svelte.ts';
+import { preview } from './preview.svelte.ts';
 import { sharing } from './sharing.svelte.ts';
 import { tellOutcome } from './uninstallOutcome.ts';
 import { uninstalling } from './uninstalling.svelte.ts';
@@ -47,6 +48,7 @@ export function startLater(): void {
       onSharable: (told) => sharing.receive(told),
       onSharing: (progress) => sharing.receiveProgress(progress),
       onShared: (end) => sharing.finish(end),
+      onPreview: (told) => preview.receive(told),
       onMeasurement: (measurement) => (session.measurement = measurement),
       onExclusions: (paths) => (session.exclusions = paths),
       onCleanableAges: (ages) => cleanables.receiveAges(ages),

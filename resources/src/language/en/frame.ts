@@ -76,6 +76,7 @@ export const frame = {
     extend: 'Extend the selection',
     all: 'Select all',
     clear: 'Clear the selection, end the search',
+    preview: 'See what a file holds',
     copy: 'Copy the location',
     menuKey: 'Menu key',
     menu: 'What can be done with the row',

@@ -79,6 +79,7 @@ export const frame: typeof english = {
     extend: 'Ampliar la selección',
     all: 'Seleccionar todo',
     clear: 'Quitar la selección, salir de la búsqueda',
+    preview: 'Ver qué contiene un archivo',
     copy: 'Copiar la ubicación',
     menuKey: 'Tecla de menú',
     menu: 'Qué se puede hacer con la fila',

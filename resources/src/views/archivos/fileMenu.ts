@@ -1,5 +1,6 @@
 /** What can be done with a row of the large files, or with all that is selected when the row is part of it. */
 import ClipboardCopy from '@lucide/svelte/icons/clipboard-copy';
+import Eye from '@lucide/svelte/icons/eye';
 import EyeOff from '@lucide/svelte/icons/eye-off';
 import FolderOpen from '@lucide/svelte/icons/folder-open';
 import FolderTree from '@lucide/svelte/icons/folder-tree';
@@ -14,7 +15,7 @@ import { copyPaths, excludeFromAnalysis, moveToTrash, revealInFolder } from '../
 import { session } from '../../state/session.svelte.ts';
 import { isKeptFolder } from '../explorar/homeFolders.ts';
 
-export function menuOf(file: BigFile, selected: readonly BigFile[]): MenuItem[] {
+export function menuOf(file: BigFile, selected: readonly BigFile[], showPreview: (path: string) => void): MenuItem[] {
   const words = language.words.lists;
   const { path } = file;
   const folder = folderOf(path);
@@ -22,6 +23,7 @@ export function menuOf(file: BigFile, selected: readonly BigFile[]): MenuItem[] 
   const home = session.home ?? '';
   const canExcludeFolder = home !== '' && folder.startsWith(`${home}/`) && !isKeptFolder(folder, home, session.homeFolders);
   return [
+    { label: words.preview, icon: Eye, run: () => showPreview(path) },
     { label: words.reveal, icon: FolderOpen, run: () => revealInFolder(path) },
     { label: words.openFolder, icon: FolderTree, run: () => navigation.openFolder(folder) },
     { label: words.copyPaths, icon: ClipboardCopy, run: () => copyPaths(several) },

@@ -3,6 +3,7 @@ import ClipboardCopy from '@lucide/svelte/icons/clipboard-copy';
 import Copy from '@lucide/svelte/icons/copy';
 import FolderCheck from '@lucide/svelte/icons/folder-check';
 import FolderLock from '@lucide/svelte/icons/folder-lock';
+import Eye from '@lucide/svelte/icons/eye';
 import FolderOpen from '@lucide/svelte/icons/folder-open';
 import Pin from '@lucide/svelte/icons/pin';
 import type { MenuItem } from '../../common/ContextMenu.svelte';
@@ -18,13 +19,14 @@ import { toasts } from '../../state/toasts.svelte.ts';
 import { keepRules } from './choices.ts';
 import { duplicates } from './state.svelte.ts';
 
-export function menuOf(group: DuplicateGroup, path: string): MenuItem[] {
+export function menuOf(group: DuplicateGroup, path: string, showPreview: (path: string) => void): MenuItem[] {
   const words = language.words.lists;
   const folder = folderOf(path);
   const folderWord = shortInMiddle(plainName(fromHome(folder, session.home)), 40);
   const able = sharing.able.get(group.id);
   const selected = duplicates.selectedShown;
   return [
+    { label: words.preview, icon: Eye, run: () => showPreview(path) },
     ...(duplicates.kept(group) === path ? [] : [{ label: words.keep, icon: Pin, run: () => duplicates.keep(path) }]),
     ...keepRules.map((rule) => ({ label: words.ruleHere[rule], icon: Pin, run: () => duplicates.keepBy(group, rule) })),
     {
