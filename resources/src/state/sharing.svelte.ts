@@ -7,6 +7,9 @@ import { toasts } from './toasts.svelte.ts';
 class Sharing {
   private known = $state.raw<Sharable['groups']>(new Map());
   private request = 0;
+  private asked: readonly SharingGroup[] = [];
+  /** Whose answer still holds, by id. */
+  private readonly fresh = new Set<string>();
   /** While it runs. */
   progress = $state.raw<SharingProgress | null>(null);
   /** Asked to stop, and not stopped yet. */
@@ -29,15 +32,36 @@ class Sharing {
     ),
   );
 
-  /** Asks what it would bring; the answer to an earlier question does not count any more. */
-  foretell(groups: SharingGroup[]): void {
+  /**
+   * Asks what it would bring, of the groups whose answer is not known: each costs the disk a look at every copy. The
+   * answer to an earlier question does not count any more.
+   */
+  foretell(groups: readonly SharingGroup[]): void {
+    const missing = groups.filter(({ id, kept }) => !this.fresh.has(id) || this.known.get(id)?.kept !== kept);
+    if (!missing.length) return;
+    this.asked = missing;
     this.request += 1;
-    if (groups.length) send('foretellSharing', { request: this.request, groups });
-    else this.known = new Map();
+    send('foretellSharing', { request: this.request, groups: missing });
+  }
+
+  /** What was told may not hold any more; it stays until there is another answer. */
+  doubt(): void {
+    this.fresh.clear();
   }
 
   receive(told: Sharable): void {
-    if (told.request === this.request) this.known = told.groups;
+    if (told.request !== this.request) return;
+    const known = new Map(this.known);
+    for (const { id, kept } of this.asked) {
+      known.set(id, told.groups.get(id) ?? { kept: kept ?? '', copies: [] });
+      this.fresh.add(id);
+    }
+    this.known = known;
+  }
+
+  /** Groups that were asked about and answered. */
+  knows(id: string): boolean {
+    return this.known.has(id);
   }
 
   share(groups: SharingGroup[]): void {
@@ -59,6 +83,7 @@ class Sharing {
   finish(end: SharingEnd): void {
     this.progress = null;
     this.stopping = false;
+    this.doubt();
     const words = language.words.lists;
     const { title, text } = end.files || end.bytes
       ? { title: words.sharedTitle, text: words.sharedText(end.files, end.bytes / 1e9, end.exact) }

@@ -101,6 +101,33 @@ describe('sharing the space', () => {
     });
   });
 
+  it('is asked about what is looked at alone, and not again while nothing has changed', async () => {
+    const many = Array.from({ length: 60 }, (_, index) => ({
+      ...playa, id: `many-${index}`, paths: playa.paths.map((path) => `${path}.${index}`),
+    }));
+    const saved = { ...state, dupGroups: many };
+    await inDuplicates(async ({ page }) => {
+      const asked = () => page.evaluate(() => {
+        const told = (window as unknown as Record<string, unknown>).__foretold as { groups: { id: string }[] } | undefined;
+        (window as unknown as Record<string, unknown>).__foretold = undefined;
+        return told?.groups.map(({ id }) => id) ?? null;
+      });
+      const isAsked = () => page.waitForFunction(() => (window as unknown as Record<string, unknown>).__foretold !== undefined);
+      await isAsked();
+      const first = (await asked())!;
+      expect(first.length).toBeLessThan(30);
+      // What stays of one group is another file: that group alone is asked about.
+      const other = page.locator(`[role="rowgroup"] .row:not(.kept)`).first();
+      await other.focus();
+      await page.keyboard.press('k');
+      await isAsked();
+      expect(await asked()).toHaveLength(1);
+      await page.locator('.content').evaluate((list) => (list.closest('.page')!.scrollTop = list.closest('.page')!.scrollHeight, (list.scrollTop = list.scrollHeight)));
+      await isAsked();
+      expect((await asked())!.some((id) => first.includes(id))).toBe(false);
+    }, { saved });
+  });
+
   it('says what comes back, shows how far it is, and can be stopped', async () => {
     await inDuplicates(async (opened) => {
       const { page, during, tell } = opened;

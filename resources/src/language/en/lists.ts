@@ -130,6 +130,7 @@ export const lists = {
   sharedAlready: 'space shared',
   shareIntro: (gb: number, exact: boolean, copies: number) =>
     `This disk can let ${plural(copies, { one: '# copy', other: '# copies' })} share the space of the one that stays: ${exact ? '' : 'up to '}${size(gb)} comes back at once, and every file stays where it is.`,
+  shareAskOthers: (count: number) => plural(count, { one: 'Look at # more group', other: 'Look at # more groups' }),
   shareAll: 'Share the space',
   shareGroup: (gb: number) => `Share the space of this group (${size(gb)} back)`,
   sharing: (done: number, of: number) => `Sharing the space: ${done} of ${plural(of, { one: '# copy', other: '# copies' })}`,

@@ -131,6 +131,7 @@ export const lists: typeof english = {
   sharedAlready: 'espacio compartido',
   shareIntro: (gb, exact, copies) =>
     `En este disco ${plural(copies, { one: '# copia puede', many: '# de copias pueden', other: '# copias pueden' })} compartir el espacio de la que se queda: ${exact ? 'vuelven' : 'vuelven hasta'} ${size(gb)} al momento y todos los archivos siguen en su sitio.`,
+  shareAskOthers: (count) => plural(count, { one: 'Mirar # grupo más', many: 'Mirar # de grupos más', other: 'Mirar # grupos más' }),
   shareAll: 'Compartir el espacio',
   shareGroup: (gb) => `Compartir el espacio de este grupo (vuelven ${size(gb)})`,
   sharing: (done, of) => `Compartiendo el espacio: ${done} de ${plural(of, { one: '# copia', many: '# de copias', other: '# copias' })}`,

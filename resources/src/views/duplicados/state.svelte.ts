@@ -19,6 +19,8 @@ const mostFolders = 40;
 
 class Duplicates {
   focused = $state<string | null>(null);
+  /** Ids of the groups that the list has made. */
+  made = $state.raw<ReadonlySet<string>>(new Set());
   search = $state('');
   ordering = $state<GroupOrder>('space');
   private byHand = $state.raw<Keeps>(new Map());
@@ -158,6 +160,11 @@ class Duplicates {
   /** What sharing is asked about: each group with the copy that stays. */
   sharingGroups(groups: readonly DuplicateGroup[] = this.all): SharingGroup[] {
     return groups.map((group) => ({ id: group.id, kept: this.kept(group) }));
+  }
+
+  /** Groups that are looked at, or of which a copy is selected. */
+  get looked(): DuplicateGroup[] {
+    return this.shown.filter(({ id, paths }) => this.made.has(id) || paths.some((path) => this.selection.selected.has(path)));
   }
 
   clear(): void {
