@@ -18,11 +18,18 @@ constexpr std::string_view heading = "velto-digests 1";
 constexpr std::string_view unknown = "-";
 constexpr const char* digestFileName = "/digests";
 constexpr ReadLimit digestFileLimit = ownFile(64 << 20);
-constexpr std::array<std::size_t, DigestStore::parts> digestLengths{32, 64, 64};
+constexpr std::array<std::size_t, 3> digestLengths{32, 64, 64};
+constexpr auto beginnings = static_cast<std::size_t>(DigestStore::Part::beginnings);
 constexpr double nanosecond = 1e-9;  // in seconds
 
-bool isDigest(std::string_view text, std::size_t length) {
-    return text.size() == length && std::ranges::all_of(text, [](char letter) {
+bool hasLength(std::size_t part, std::size_t length) {
+    if (part != beginnings) return length == digestLengths[part];
+    return length > 0 && length % DigestStore::beginningLength == 0 &&
+           length <= DigestStore::mostBeginnings * DigestStore::beginningLength;
+}
+
+bool isDigest(std::size_t part, std::string_view text) {
+    return hasLength(part, text.size()) && std::ranges::all_of(text, [](char letter) {
                return (letter >= '0' && letter <= '9') || (letter >= 'a' && letter <= 'f');
            });
 }
@@ -69,7 +76,7 @@ void DigestStore::put(const FileStamp& stamp, Part part, std::string_view digest
     const auto index = static_cast<std::size_t>(part);
     const double changed =
         static_cast<double>(std::max(stamp.modified, stamp.changed)) * nanosecond;
-    if (readAt - changed <= coarsest || !isDigest(digest, digestLengths[index])) return;
+    if (readAt - changed <= coarsest || !isDigest(index, digest)) return;
     const std::lock_guard guard(lock_);
     const auto known = files_.find(stamp.identity);
     if (known == files_.end() && files_.size() >= mostFiles) return;
@@ -106,7 +113,9 @@ std::string DigestStore::encoded() const {
             fmt::format_to(std::back_inserter(text), "{} {} {} {} {} ", identity.device,
                            identity.number, file.stamp.length, file.stamp.modified,
                            file.stamp.changed);
-            for (const std::string& digest : file.digests) {
+            for (std::size_t index = 0; index < parts; ++index) {
+                const std::string& digest = file.digests[index];
+                if (index == beginnings && digest.empty()) continue;
                 text += digest.empty() ? unknown : std::string_view(digest);
                 text += ' ';
             }
@@ -136,10 +145,11 @@ std::shared_ptr<DigestStore> DigestStore::decoded(std::string_view text) {
             return nothing();
         }
         for (std::size_t index = 0; index < parts; ++index) {
+            if (index == beginnings && line->empty()) break;
             const auto digest = piece(*line, ' ');
             if (!digest) return nothing();
-            if (*digest == unknown) continue;
-            if (!isDigest(*digest, digestLengths[index])) return nothing();
+            if (*digest == unknown && index != beginnings) continue;
+            if (!isDigest(index, *digest)) return nothing();
             file.digests[index] = *digest;
         }
         if (!line->empty() || store->files_.size() >= mostFiles) return nothing();

@@ -21,11 +21,16 @@ namespace velto {
 /// every thread.
 class DigestStore {
 public:
-    /// The tests of a search, each with a digest of its own.
-    enum class Part { firstBytes, samples, wholeContent };
-    static constexpr std::size_t parts = 3;
+    /// The tests of a search, each with a digest of its own. Of `beginnings` there is one for each
+    /// length up to which a large file was compared, one after another: a file that differs soon
+    /// has no digest of its whole content. Of each the first `beginningLength` characters, since
+    /// they only tell files apart.
+    enum class Part { firstBytes, samples, wholeContent, beginnings };
+    static constexpr std::size_t parts = 4;
+    static constexpr std::size_t beginningLength = 16;
+    static constexpr std::size_t mostBeginnings = 40;  // the lengths double each time
 
-    /// So many files are remembered at most: some 30 MB on disk.
+    /// So many files are remembered at most: some 30 MB on disk, and more of many large ones.
     static constexpr std::size_t mostFiles = 100'000;
 
     /// A change within so many seconds after another one may leave the times as they are: clocks of
@@ -46,7 +51,8 @@ public:
     bool hasChanged() const;  // since it was made
     std::size_t size() const;
 
-    /// Lines of text: one that names form and version, one a file, and the SHA-256 of all of them.
+    /// Lines of text: one that names form and version, one a file (the beginnings are left out
+    /// where there are none), and the SHA-256 of all of them.
     std::string encoded() const;
 
     /// An empty one for what `encoded` has not written whole, or of any other version.

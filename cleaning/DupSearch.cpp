@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
-#include <map>
+#include <numeric>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "cleaning/LightReading.h"
+#include "cleaning/divided.h"
+#include "cleaning/read_order.h"
 #include "platform/parallel.h"
 #include "platform/values/units.h"
 
@@ -17,24 +19,10 @@ namespace {
 constexpr double longest = 12;             // seconds of hashing whole files
 constexpr std::size_t quickLength = 4096;  // bytes at the start of a file
 constexpr std::size_t sampleLength = 4096;
-constexpr std::size_t chunkLength = 1024 * 1024;
-constexpr std::size_t filesAtOnce = 64;  // hashed before their groups are settled
-
-/// `sets` divided by `keyOf` each file; what ends up alone, or has no key, is dropped.
-template <typename KeyOf>
-std::vector<std::vector<std::size_t>> divided(const std::vector<std::vector<std::size_t>>& sets,
-                                              const KeyOf& keyOf) {
-    std::vector<std::vector<std::size_t>> result;
-    for (const auto& set : sets) {
-        std::map<decltype(keyOf(0)), std::vector<std::size_t>> parts;
-        for (std::size_t file : set)
-            parts[keyOf(file)].push_back(file);
-        for (auto& [key, part] : parts) {
-            if (key != decltype(keyOf(0))() && part.size() > 1) result.push_back(std::move(part));
-        }
-    }
-    return result;
-}
+constexpr std::size_t filesAtOnce = 64;  // looked into before their contents are compared
+// Sets that are read side by side hold so many bytes (or are one set): what the end of the budget
+// finds half read is lost.
+constexpr std::int64_t bytesAtOnce = 256 * 1024 * 1024;
 
 }  // namespace
 
@@ -49,17 +37,19 @@ DupSearch::DupSearch(const std::vector<FileRecord>& files, const Clock& clock,
       stopped_(stopped),
       budget_(budget),
       progress_(progress),
-      tools_(threads == 0 ? processorCount() : threads),
-      keys_(files.size()) {}
+      threads_(threads),
+      tools_(threads == 0 ? std::max(processorCount(), smallReadsAtOnce) : threads),
+      places_(files.size()),
+      keys_(files.size()),
+      lengths_(files.size()),
+      readings_(files.size()),
+      twins_(files.size()) {
+    std::iota(twins_.begin(), twins_.end(), std::size_t{0});
+}
 
 Digest& DupSearch::Tools::md5() {
     if (!md5_) md5_ = makeDigest(DigestKind::md5);
     return *md5_;
-}
-
-Digest& DupSearch::Tools::sha256() {
-    if (!sha256_) sha256_ = makeDigest(DigestKind::sha256);
-    return *sha256_;
 }
 
 std::span<std::byte> DupSearch::Tools::buffer(std::size_t length) {
@@ -68,9 +58,10 @@ std::span<std::byte> DupSearch::Tools::buffer(std::size_t length) {
 }
 
 DupFinder::Result DupSearch::run() {
-    const std::vector<Set> sets = narrowed(sameLength(), &DupSearch::firstBytes);
+    const std::vector<Set> candidates = sameLength();
+    findPlaces(candidates);
+    const std::vector<Set> sets = narrowed(candidates, &DupSearch::firstBytes);
     if (budget_ == DupFinder::Budget::twelveSeconds) deadline_ = clock_.monotonic() + longest;
-    std::vector<Set> equal;
     std::vector<Set> batch;
     std::size_t batchFiles = 0;
     for (std::size_t index = 0; index < sets.size(); ++index) {
@@ -81,17 +72,16 @@ DupFinder::Result DupSearch::run() {
         batch.push_back(sets[index]);
         batchFiles += sets[index].size();
         if (batchFiles < filesAtOnce && index + 1 < sets.size()) continue;
-        std::ranges::move(narrowed(narrowed(batch, &DupSearch::samples), &DupSearch::wholeContent),
-                          std::back_inserter(equal));
+        compare(narrowed(batch, &DupSearch::samples));
         batch.clear();
         batchFiles = 0;
     }
-    std::ranges::sort(equal, {}, [](const Set& set) { return set.front(); });
+    std::ranges::sort(equal_, {}, [](const Set& set) { return set.front(); });
     std::ranges::sort(left_);
     DupFinder::Result result;
     for (std::size_t file : left_)
         result.left.push_back(files_[file]);
-    for (const Set& set : equal)
+    for (const Set& set : equal_)
         result.groups.push_back(group(set));
     result.budgetExhausted = budgetExhausted_;
     return result;
@@ -107,15 +97,40 @@ std::vector<DupSearch::Set> DupSearch::sameLength() const {
     return divided({all}, [&](std::size_t file) { return files_[file].lengthToCompare(); });
 }
 
+/// Which disk each file is on, and where on one that rotates.
+void DupSearch::findPlaces(const std::vector<Set>& sets) {
+    Set files;
+    for (const Set& set : sets)
+        files.insert(files.end(), set.begin(), set.end());
+    forEachInParallel(files.size(), tools_.size(), [&](std::size_t index, std::size_t) {
+        if (!shouldStop()) places_[files[index]] = contents_.place(files_[files[index]].path);
+    });
+}
+
+/// Compares the whole contents of the sets, so many at a time as hold not too much.
+void DupSearch::compare(const std::vector<Set>& sets) {
+    std::vector<Set> together;
+    std::int64_t bytes = 0;
+    for (std::size_t index = 0; index < sets.size(); ++index) {
+        together.push_back(sets[index]);
+        bytes += static_cast<std::int64_t>(sets[index].size()) * lengths_[sets[index].front()];
+        if (bytes < bytesAtOnce && index + 1 < sets.size()) continue;
+        compareContents(std::exchange(together, {}));
+        bytes = 0;
+    }
+}
+
 /// Applies the test to every file of the sets, several at once, and divides the sets by it. A set
 /// that the search did not get through is left whole for another one.
 std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Test test) {
     Set files;
     for (const Set& set : sets)
         files.insert(files.end(), set.begin(), set.end());
-    forEachInParallel(files.size(), tools_.size(), [&](std::size_t index, std::size_t thread) {
-        keys_[files[index]] = apply(test, files[index], tools_[thread]);
-    });
+    Set own;
+    std::ranges::copy_if(files, std::back_inserter(own),
+                         [&](std::size_t file) { return twins_[file] == file; });
+    applyToAll(own, test);
+    takeFromTwins(files, test);
     std::vector<Set> reached;
     for (const Set& set : sets) {
         if (wasReached(set)) {
@@ -125,6 +140,42 @@ std::vector<DupSearch::Set> DupSearch::narrowed(const std::vector<Set>& sets, Te
         }
     }
     return divided(reached, [&](std::size_t file) { return keys_[file].text; });
+}
+
+void DupSearch::applyToAll(const Set& files, Test test) {
+    const auto lanes = readLanes(
+        files, [&](std::size_t file) -> const std::optional<FilePlace>& { return places_[file]; });
+    forEachInParallel(lanes.size(), readsAtOnce(test), [&](std::size_t lane, std::size_t thread) {
+        for (const std::size_t file : lanes[lane])
+            keys_[file] = shouldStop() ? Key() : (this->*test)(file, tools_[thread]);
+    });
+}
+
+std::size_t DupSearch::readsAtOnce(Test test) const {
+    if (threads_ != 0) return threads_;
+    // Digests of whole contents keep processors busy; what they need is on its way by then.
+    return test == &DupSearch::nextPart ? processorCount() : tools_.size();
+}
+
+/// What was read of a file goes for all its names. What has become of one name says nothing of the
+/// others: where it could not be read, each of them is read for itself.
+void DupSearch::takeFromTwins(const Set& files, Test test) {
+    Set alone;
+    for (const std::size_t file : files) {
+        const std::size_t twin = twins_[file];
+        if (twin == file) continue;
+        const bool isSame = contents_.stamp(files_[file].path) == readings_[twin]->stamp;
+        if (!keys_[twin].reached || (isSame && !keys_[twin].text.empty())) {
+            keys_[file] = keys_[twin];
+            readings_[file]->compared = readings_[twin]->compared;
+            readings_[file]->comparisons = readings_[twin]->comparisons;
+        } else {
+            alone.push_back(file);
+        }
+    }
+    for (const std::size_t file : alone)
+        twins_[file] = file;
+    if (!alone.empty()) applyToAll(alone, test);
 }
 
 bool DupSearch::wasReached(const Set& set) const {
@@ -143,54 +194,53 @@ DupFinder::Group DupSearch::group(const Set& set) const {
     return result;
 }
 
-DupSearch::Key DupSearch::apply(Test test, std::size_t file, Tools& tools) {
-    if (shouldStop()) return {};
-    if (test == &DupSearch::firstBytes) ++filesSeen_;
+/// The length is part of the key: it may be another by now, and it may not have been known.
+DupSearch::Key DupSearch::firstBytes(std::size_t file, Tools& tools) {
+    ++filesSeen_;
+    Key key = applyToPieces(DigestStore::Part::firstBytes, &DupSearch::firstPiece, file, tools);
+    if (!key.text.empty()) key.text += fmt::format(" {}", lengths_[file]);
+    return key;
+}
+
+DupSearch::Key DupSearch::samples(std::size_t file, Tools& tools) {
+    return applyToPieces(DigestStore::Part::samples, &DupSearch::laterPieces, file, tools);
+}
+
+/// What an earlier search has read of the file if it is unchanged since, or what is read of it now.
+DupSearch::Key DupSearch::applyToPieces(DigestStore::Part part, PieceTest test, std::size_t file,
+                                        Tools& tools) {
     tell();
-    if (auto key = remembered(test, file)) return *key;
-    const auto content = contents_.open(files_[file].path);
+    const std::string& path = files_[file].path;
+    if (const auto stamp = known_ ? contents_.stamp(path) : std::nullopt) {
+        lengths_[file] = stamp->length;
+        if (auto digest = known_->find(*stamp, part)) return {true, std::move(*digest)};
+    }
+    const auto content = contents_.open(path);
     if (!content) return {true, {}};
-    const std::int64_t size = content->size();
-    if (size < 0) return {true, {}};
-    const std::string digest = read(test, *content, size, tools);
+    lengths_[file] = content->size();
+    if (lengths_[file] < 0) return {true, {}};
+    content->readAsTold();
+    std::string digest = digestOfPieces(part, test, *content, tools);
     if (stopping_ && digest.empty()) return {};
-    return {true, keyText(test, digest, size)};
+    return {true, std::move(digest)};
 }
 
 /// Applies the test, and remembers what it says of a file that nobody has changed meanwhile.
-std::string DupSearch::read(Test test, FileContent& content, std::int64_t size, Tools& tools) {
+std::string DupSearch::digestOfPieces(DigestStore::Part part, PieceTest test, FileContent& content,
+                                      Tools& tools) {
     const double begun = clock_.now();
     const auto before = known_ ? content.stamp() : std::nullopt;
+    const std::int64_t size = content.size();
     std::string digest = (this->*test)(content, size, tools);
     if (before && !digest.empty() && before->length == size && content.stamp() == before) {
-        known_->put(*before, part(test), digest, begun);
+        known_->put(*before, part, digest, begun);
     }
     return digest;
 }
 
-/// What an earlier search has read of the file, if it is unchanged since.
-std::optional<DupSearch::Key> DupSearch::remembered(Test test, std::size_t file) {
-    if (!known_) return std::nullopt;
-    const auto stamp = contents_.stamp(files_[file].path);
-    if (!stamp) return std::nullopt;
-    const auto digest = known_->find(*stamp, part(test));
-    if (!digest) return std::nullopt;
-    return Key{true, keyText(test, *digest, stamp->length)};
-}
-
-DigestStore::Part DupSearch::part(Test test) {
-    if (test == &DupSearch::firstBytes) return DigestStore::Part::firstBytes;
-    return test == &DupSearch::samples ? DigestStore::Part::samples
-                                       : DigestStore::Part::wholeContent;
-}
-
-/// The length is part of the first one: it may be another by now, and it may not have been known.
-std::string DupSearch::keyText(Test test, const std::string& digest, std::int64_t size) {
-    if (digest.empty() || test != &DupSearch::firstBytes) return digest;
-    return fmt::format("{} {}", digest, size);
-}
-
-std::string DupSearch::firstBytes(FileContent& content, std::int64_t /*size*/, Tools& tools) {
+std::string DupSearch::firstPiece(FileContent& content, std::int64_t size, Tools& tools) {
+    LightReading light(content, {0, std::min<std::int64_t>(size, quickLength)});
+    light.goTo(0);
     const auto bytes = readFrom(content, 0, tools.buffer(quickLength));
     if (!bytes) return {};
     tools.md5().update(*bytes);
@@ -198,32 +248,23 @@ std::string DupSearch::firstBytes(FileContent& content, std::int64_t /*size*/, T
 }
 
 /// Files of one format and length often begin alike and differ soon after: a look at the middle and
-/// at the end spares most of them being read whole.
-std::string DupSearch::samples(FileContent& content, std::int64_t size, Tools& tools) {
+/// at the end spares most of them being read further.
+std::string DupSearch::laterPieces(FileContent& content, std::int64_t size, Tools& tools) {
     const auto length = static_cast<std::int64_t>(sampleLength);
+    const std::int64_t middle = size / 2;
+    const std::int64_t last = std::max<std::int64_t>(0, size - length);
+    LightReading lightMiddle(content, {middle, std::min(length, size - middle)});
+    LightReading lightLast(content, {last, std::min(length, size)});
+    lightMiddle.goTo(middle);
+    lightLast.goTo(last);
     std::string text;
-    for (const std::int64_t offset : {size / 2, std::max<std::int64_t>(0, size - length)}) {
+    for (const std::int64_t offset : {middle, last}) {
         const auto bytes = readFrom(content, offset, tools.buffer(sampleLength));
         if (!bytes) return {};
         tools.md5().update(*bytes);
         text += tools.md5().finish();
     }
     return text;
-}
-
-std::string DupSearch::wholeContent(FileContent& content, std::int64_t size, Tools& tools) {
-    for (std::int64_t offset = 0; offset < size;) {
-        if (offset > 0 && shouldStop()) return {};
-        const auto bytes = readFrom(content, offset, tools.buffer(chunkLength));
-        if (!bytes || bytes->empty()) {
-            tools.sha256().finish();  // drops what a file that cannot be read on has left in it
-            return {};
-        }
-        tools.sha256().update(*bytes);
-        offset += static_cast<std::int64_t>(bytes->size());
-    }
-    std::string hash = tools.sha256().finish();
-    return content.size() == size ? hash : std::string();
 }
 
 /// Reads until `buffer` is full or the file ends. Nothing on a read error.

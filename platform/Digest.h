@@ -18,6 +18,9 @@ public:
     /// Lower-case hexadecimal of everything so far (32 characters for MD5, 64 for SHA-256). The
     /// digest then starts anew.
     virtual std::string finish() = 0;
+
+    /// The same, and the digest goes on.
+    virtual std::string soFar() const = 0;
 };
 
 /// The system library's implementation (on Linux GLib for MD5 and OpenSSL for SHA-256,

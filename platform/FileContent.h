@@ -6,10 +6,29 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/FileStamp.h"
 
 namespace velto {
+
+/// A part of a file, in bytes.
+struct ByteRange {
+    std::int64_t offset = 0;
+    std::int64_t length = 0;
+
+    std::int64_t end() const { return offset + length; }
+    bool operator==(const ByteRange&) const = default;
+};
+
+/// Where a file lies.
+struct FilePlace {
+    std::uint64_t volume = 0;    // the number that the system gives it
+    bool diskRotates = false;    // moving from place to place takes it milliseconds
+    std::uint64_t position = 0;  // on a disk that rotates: grows along the disk; else 0
+
+    bool operator==(const FilePlace&) const = default;
+};
 
 /// The content of one open regular file. Closing is the destructor's. One thread at a time.
 class FileContent {
@@ -25,9 +44,24 @@ public:
     /// Reads at most `buffer.size()` bytes from `offset` on. Returns how many, 0 at the end of the
     /// file, -1 with `errno` set on failure. EINTR is the caller's to retry.
     virtual std::ptrdiff_t read(std::int64_t offset, std::span<std::byte> buffer) = 0;
+
+    /// Before the first read, of who tells himself what is needed next: from here on the system
+    /// reads nothing ahead unasked and, where it can be told so, keeps nothing in its cache that
+    /// was not there already.
+    virtual void readAsTold() {}
+
+    /// What of a range is not in the system's cache, in ascending order; nothing where the system
+    /// does not say. Reads nothing.
+    virtual std::vector<ByteRange> notCached(ByteRange /*range*/) { return {}; }
+
+    /// The range will be read soon. Does not wait for it.
+    virtual void readAhead(ByteRange /*range*/) {}
+
+    /// The range is of no more use to this program: it may leave the system's cache.
+    virtual void forget(ByteRange /*range*/) {}
 };
 
-/// Opens files to read what is in them. Stateless; safe from every thread.
+/// Opens files to read what is in them. Safe from every thread.
 class FileContentReader {
 public:
     virtual ~FileContentReader() = default;
@@ -40,6 +74,9 @@ public:
     /// The stamp of a regular file that stands there, without opening it; nothing for whatever
     /// `open` would not open by its kind, or when it cannot be told.
     virtual std::optional<FileStamp> stamp(const std::string& /*path*/) { return std::nullopt; }
+
+    /// Where such a file lies; nothing when that cannot be told.
+    virtual std::optional<FilePlace> place(const std::string& /*path*/) { return std::nullopt; }
 };
 
 /// The POSIX implementation, of every machine that this program runs on.

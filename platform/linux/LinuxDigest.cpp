@@ -28,9 +28,15 @@ public:
         return text;
     }
 
+    std::string soFar() const override {
+        const Checksum copy(g_checksum_copy(checksum_.get()), &g_checksum_free);
+        return g_checksum_get_string(copy.get());
+    }
+
 private:
-    std::unique_ptr<GChecksum, decltype(&g_checksum_free)> checksum_{g_checksum_new(G_CHECKSUM_MD5),
-                                                                     &g_checksum_free};
+    using Checksum = std::unique_ptr<GChecksum, decltype(&g_checksum_free)>;
+
+    Checksum checksum_{g_checksum_new(G_CHECKSUM_MD5), &g_checksum_free};
 };
 
 class OpenSslSha256 final : public Digest {
@@ -42,10 +48,26 @@ public:
     }
 
     std::string finish() override {
+        std::string text = endOf(context_.get());
+        start();
+        return text;
+    }
+
+    std::string soFar() const override {
+        const Context copy(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
+        require(EVP_MD_CTX_copy_ex(copy.get(), context_.get()));
+        return endOf(copy.get());
+    }
+
+private:
+    using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
+
+    void start() { require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr)); }
+
+    static std::string endOf(EVP_MD_CTX* context) {
         std::array<unsigned char, EVP_MAX_MD_SIZE> value;
         unsigned length = 0;
-        require(EVP_DigestFinal_ex(context_.get(), value.data(), &length));
-        start();
+        require(EVP_DigestFinal_ex(context, value.data(), &length));
         std::string text;
         text.reserve(2 * length);
         for (unsigned index = 0; index < length; ++index) {
@@ -54,16 +76,12 @@ public:
         return text;
     }
 
-private:
-    void start() { require(EVP_DigestInit_ex(context_.get(), EVP_sha256(), nullptr)); }
-
     static void require(int succeeded) {
         // Only a library without the algorithm fails here (a restricted build).
         if (succeeded != 1) throw std::runtime_error("the digest is not available");
     }
 
-    std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context_{EVP_MD_CTX_new(),
-                                                                     &EVP_MD_CTX_free};
+    Context context_{EVP_MD_CTX_new(), &EVP_MD_CTX_free};
 };
 
 }  // namespace

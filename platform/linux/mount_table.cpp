@@ -48,16 +48,6 @@ Mount mountIn(std::string_view line) {
     return mount;
 }
 
-/// The device of the mount on which a path lies: the longest place above it, the last one there.
-std::string_view deviceOf(const std::vector<Mount>& mounts, std::string_view path) {
-    const Mount* found = nullptr;
-    for (const Mount& mount : mounts) {
-        if (!isAtOrBelow(path, mount.place)) continue;
-        if (found == nullptr || mount.place.size() >= found->place.size()) found = &mount;
-    }
-    return found == nullptr ? std::string_view() : found->device;
-}
-
 }  // namespace
 
 std::optional<std::vector<Mount>> mountsIn(std::string_view table) {
@@ -74,6 +64,16 @@ std::optional<std::vector<Mount>> systemMounts() {
     return table ? mountsIn(*table) : std::nullopt;
 }
 
+/// The longest place above it, the last one there.
+const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path) {
+    const Mount* found = nullptr;
+    for (const Mount& mount : mounts) {
+        if (!isAtOrBelow(path, mount.place)) continue;
+        if (found == nullptr || mount.place.size() >= found->place.size()) found = &mount;
+    }
+    return found;
+}
+
 bool holdsMount(const std::vector<Mount>& mounts, std::string_view path) {
     return std::ranges::any_of(mounts,
                                [&](const Mount& mount) { return isAtOrBelow(mount.place, path); });
@@ -85,7 +85,8 @@ std::vector<Mount> otherVolumesBelow(const std::vector<Mount>& mounts, std::stri
         if (mount.place != folder && isAtOrBelow(mount.place, folder))
             atPlace[mount.place] = &mount;
     }
-    const std::string_view own = deviceOf(mounts, folder);
+    const Mount* const under = mountOf(mounts, folder);
+    const std::string_view own = under == nullptr ? std::string_view() : under->device;
     std::vector<Mount> others;
     for (const auto& [place, mount] : atPlace) {
         if (mount->device != own) others.push_back(*mount);

@@ -24,6 +24,9 @@ std::optional<std::vector<Mount>> mountsIn(std::string_view table);
 /// All that this process sees; nothing when they cannot be told.
 std::optional<std::vector<Mount>> systemMounts();
 
+/// The mount on which an absolute path lies; null when the table has none.
+const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path);
+
 /// Whether one of the mounts stands at an absolute path or below it.
 bool holdsMount(const std::vector<Mount>& mounts, std::string_view path);
 

@@ -44,9 +44,20 @@ public:
     }
 
     std::string finish() override {
-        std::array<unsigned char, Algorithm::size> digest;
-        Algorithm::end(digest.data(), &context_);
+        std::string text = endOf(context_);
         Algorithm::start(&context_);
+        return text;
+    }
+
+    std::string soFar() const override {
+        typename Algorithm::Context copy = context_;
+        return endOf(copy);
+    }
+
+private:
+    static std::string endOf(typename Algorithm::Context& context) {
+        std::array<unsigned char, Algorithm::size> digest;
+        Algorithm::end(digest.data(), &context);
         std::string text;
         for (const unsigned char byte : digest) {
             text += digits[byte >> 4];
@@ -55,7 +66,6 @@ public:
         return text;
     }
 
-private:
     static constexpr std::string_view digits = "0123456789abcdef";
 
     typename Algorithm::Context context_;

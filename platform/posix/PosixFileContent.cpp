@@ -3,11 +3,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include "platform/FileContent.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/PosixBlockSharing.h"
+#include "platform/posix/reading_advice.h"
 
 namespace velto {
 namespace {
@@ -32,6 +35,13 @@ public:
         return ::pread(descriptor_.number(), buffer.data(), buffer.size(),
                        static_cast<off_t>(offset));
     }
+
+    void readAsTold() override { velto::readAsTold(descriptor_.number()); }
+    std::vector<ByteRange> notCached(ByteRange range) override {
+        return velto::notCached(descriptor_.number(), range);
+    }
+    void readAhead(ByteRange range) override { velto::readAhead(descriptor_.number(), range); }
+    void forget(ByteRange range) override { velto::forget(descriptor_.number(), range); }
 
 private:
     Descriptor descriptor_;
@@ -75,6 +85,31 @@ public:
         if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
         return stampFrom(status);
     }
+
+    std::optional<FilePlace> place(const std::string& path) override {
+        struct stat status {};
+        if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+        FilePlace place{.volume = static_cast<std::uint64_t>(status.st_dev),
+                        .diskRotates = rotates(status, path)};
+        if (!place.diskRotates) return place;
+        const Descriptor file = openForReading(path);
+        // Files of one folder are numbered, and on most file systems stored, one after another.
+        place.position =
+            firstBlock(file.number()).value_or(static_cast<std::uint64_t>(status.st_ino));
+        return place;
+    }
+
+private:
+    /// Asked once of each volume.
+    bool rotates(const struct stat& status, const std::string& path) {
+        const std::lock_guard guard(lock_);
+        const auto [found, isNew] = rotates_.try_emplace(status.st_dev);
+        if (isNew) found->second = liesOnRotatingDisk(status, path);
+        return found->second;
+    }
+
+    std::mutex lock_;
+    std::map<dev_t, bool> rotates_;
 };
 
 }  // namespace

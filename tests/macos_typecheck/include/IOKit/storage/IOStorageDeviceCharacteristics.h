@@ -1,0 +1,5 @@
+#pragma once
+
+#define kIOPropertyDeviceCharacteristicsKey "Device Characteristics"
+#define kIOPropertyMediumTypeKey "Medium Type"
+#define kIOPropertyMediumTypeRotationalKey "Rotational"
