@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -29,6 +30,9 @@ public:
         std::int64_t sizeAfterReads = -1;    // size once it has been read, when not -1
         std::optional<FileStamp> stamp{};    // of its length; none: the system does not say
         std::optional<FileStamp> stampAfterReads{};  // once it has been read, when there is one
+        std::optional<FilePlace> place{};            // none: the system does not say
+        int opensBeforeItIsGone = -1;                // it is gone after so many, when not -1
+        std::size_t endsAt = SIZE_MAX;               // where reads meet its end, whatever its size
     };
     struct Read {
         std::string path;
@@ -46,6 +50,11 @@ public:
         const auto found = files.find(path);
         errno = found == files.end() ? ENOENT : found->second.openError;
         if (errno != 0) return nullptr;
+        const std::int64_t before = counted(path);
+        if (found->second.opensBeforeItIsGone >= 0 && before >= found->second.opensBeforeItIsGone) {
+            errno = ENOENT;
+            return nullptr;
+        }
         ++opened_;
         return std::make_unique<Content>(*this, path, found->second);
     }
@@ -53,6 +62,11 @@ public:
     std::optional<FileStamp> stamp(const std::string& path) override {
         const auto found = files.find(path);
         return found == files.end() ? std::nullopt : found->second.stamp;
+    }
+
+    std::optional<FilePlace> place(const std::string& path) override {
+        const auto found = files.find(path);
+        return found == files.end() ? std::nullopt : found->second.place;
     }
 
     std::vector<Read> reads() const {
@@ -69,14 +83,30 @@ public:
     }
     std::int64_t opened() const { return opened_; }
 
+    /// The most that were open at a time.
+    std::int64_t mostOpen() const { return mostOpen_; }
+
 private:
+    /// So often has it been opened before; counts this time too.
+    std::int64_t counted(const std::string& path) {
+        const std::lock_guard guard(lock_);
+        return opens_[path]++;
+    }
+
     class Content final : public FileContent {
     public:
         Content(FakeFileContents& owner, std::string path, const File& file)
             : owner_(owner),
               path_(std::move(path)),
               file_(file),
-              interruptions_(file.interruptions) {}
+              interruptions_(file.interruptions) {
+            const std::lock_guard guard(owner_.lock_);
+            owner_.mostOpen_ = std::max(owner_.mostOpen_, ++owner_.open_);
+        }
+        ~Content() override {
+            const std::lock_guard guard(owner_.lock_);
+            --owner_.open_;
+        }
 
         std::int64_t size() const override {
             if (wasRead_ && file_.sizeAfterReads >= 0) return file_.sizeAfterReads;
@@ -99,9 +129,9 @@ private:
                 errno = file_.readError;
                 return -1;
             }
-            const auto start = std::min(static_cast<std::size_t>(offset), file_.content.size());
-            const std::size_t length =
-                std::min({buffer.size(), file_.content.size() - start, file_.longestRead});
+            const std::size_t end = std::min(file_.content.size(), file_.endsAt);
+            const auto start = std::min(static_cast<std::size_t>(offset), end);
+            const std::size_t length = std::min({buffer.size(), end - start, file_.longestRead});
             std::memcpy(buffer.data(), file_.content.data() + start, length);
             wasRead_ = true;
             const std::lock_guard guard(owner_.lock_);
@@ -120,6 +150,9 @@ private:
     std::atomic<std::int64_t> opened_{0};
     mutable std::mutex lock_;
     std::vector<Read> reads_;
+    std::map<std::string, std::int64_t> opens_;
+    std::int64_t open_ = 0;
+    std::int64_t mostOpen_ = 0;
 };
 
 }  // namespace velto
