@@ -3,14 +3,9 @@
 import { spawnSync } from 'node:child_process';
 import { existsSync, mkdirSync, rmSync, truncateSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { compareProcesses, output, table } from './measure.mjs';
+import { compareProcesses, dropCaches, output, table } from './measure.mjs';
 
 const target = 0.4; // of the fastest peer's time
-
-function dropCaches() {
-  output(['sync']);
-  writeFileSync('/proc/sys/vm/drop_caches', '3');
-}
 
 function compare(title, home, programs, runs) {
   console.log(`\nWalk of what is in no cache, ${title}`);

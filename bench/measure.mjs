@@ -1,5 +1,6 @@
 // Timing of processes.
 import { spawnSync } from 'node:child_process';
+import { writeFileSync } from 'node:fs';
 
 export function median(values) {
   const sorted = [...values].sort((one, other) => one - other);
@@ -25,8 +26,14 @@ function time([file, ...rest]) {
   return Number(end - start) / 1e6;
 }
 
-function isInstalled(file) {
+export function isInstalled(file) {
   return spawnSync('sh', ['-c', 'command -v "$0"', file], { stdio: 'ignore' }).status === 0;
+}
+
+/** Empties the system's caches of what is on disks; for root. */
+export function dropCaches() {
+  output(['sync']);
+  writeFileSync('/proc/sys/vm/drop_caches', '3');
 }
 
 /**

@@ -8,11 +8,12 @@ import { cpus, loadavg, tmpdir } from 'node:os';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { compareCold } from './cold.mjs';
+import { compareLarge } from './large_duplicates.mjs';
 import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'further', 'duplicates', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
+const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'further', 'duplicates', 'duplicates-cold', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -229,6 +230,13 @@ function duplicates() {
   console.log(`against the first: ${(again[1].median / again[0].median).toFixed(3)} (target: at most 0.1)`);
 }
 
+function duplicatesCold() {
+  const images = made('duplicates-20g', 20, (folder) => {
+    output([program('bench_make_images'), folder, '20']);
+  });
+  if (images) compareLarge(program('bench_duplicates'), images, Math.min(runs, 3));
+}
+
 /** The medians of the columns that `name` prints for its folders, after one line. */
 function medians(name, ...folders) {
   const lines = output([program(`bench_${name}`), ...folders, String(runs + 1)])
@@ -317,17 +325,21 @@ function apps() {
     `ratio ${(list / read).toFixed(2)} (target: at most 2.00)`);
 }
 
+/** The parts that were chosen; a part's name is that of its function, in words. */
+function run(parts) {
+  const nameOf = (part) => part.name.replace(/[A-Z]/g, (letter) => `-${letter.toLowerCase()}`);
+  for (const part of parts) {
+    if (only === '' || only === nameOf(part)) part();
+  }
+}
+
 if (clean) {
   rmSync(data, { recursive: true, force: true });
 } else if (process.platform === 'darwin') {
   console.log('The walk and the discovery are measured on Linux only.');
-  for (const part of [duplicates, trash, removal, copy, growth]) {
-    if (only === '' || only === part.name) part();
-  }
+  run([duplicates, duplicatesCold, trash, removal, copy, growth]);
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  for (const part of [walk, cold, memory, folders, cleanables, further, duplicates, trash, removal, copy, growth, monitor, apps]) {
-    if (only === '' || only === part.name) part();
-  }
+  run([walk, cold, memory, folders, cleanables, further, duplicates, duplicatesCold, trash, removal, copy, growth, monitor, apps]);
 }

@@ -80,10 +80,13 @@ void DigestStore::put(const FileStamp& stamp, Part part, std::string_view digest
     const std::lock_guard guard(lock_);
     const auto known = files_.find(stamp.identity);
     if (known == files_.end() && files_.size() >= mostFiles) return;
+    if (part == Part::beginnings && ofBeginnings_ + digest.size() > mostOfBeginnings) return;
     Known& file = files_[stamp.identity];
+    const std::size_t before = file.digests[beginnings].size();
     if (file.stamp != stamp) file = {.stamp = stamp, .digests = {}};
     file.isUsed = true;
     file.digests[index] = digest;
+    ofBeginnings_ = ofBeginnings_ - before + file.digests[beginnings].size();
     hasChanged_ = true;
 }
 
@@ -92,6 +95,13 @@ void DigestStore::dropUnused() {
     const auto dropped =
         std::erase_if(files_, [](const auto& entry) { return !entry.second.isUsed; });
     if (dropped > 0) hasChanged_ = true;
+    countBeginnings();
+}
+
+void DigestStore::countBeginnings() {
+    ofBeginnings_ = 0;
+    for (const auto& [identity, file] : files_)
+        ofBeginnings_ += file.digests[beginnings].size();
 }
 
 bool DigestStore::hasChanged() const {
@@ -155,6 +165,7 @@ std::shared_ptr<DigestStore> DigestStore::decoded(std::string_view text) {
         if (!line->empty() || store->files_.size() >= mostFiles) return nothing();
         store->files_[stamp.identity] = std::move(file);
     }
+    store->countBeginnings();
     return store;
 }
 

@@ -24,13 +24,16 @@ public:
     /// The tests of a search, each with a digest of its own. Of `beginnings` there is one for each
     /// length up to which a large file was compared, one after another: a file that differs soon
     /// has no digest of its whole content. Of each the first `beginningLength` characters, since
-    /// they only tell files apart.
+    /// they only tell files apart (two that are wrongly alike are read further, and no more).
     enum class Part { firstBytes, samples, wholeContent, beginnings };
     static constexpr std::size_t parts = 4;
-    static constexpr std::size_t beginningLength = 16;
-    static constexpr std::size_t mostBeginnings = 40;  // the lengths double each time
+    static constexpr std::size_t beginningLength = 8;
+    static constexpr std::size_t mostBeginnings = 80;  // of a file
 
-    /// So many files are remembered at most: some 30 MB on disk, and more of many large ones.
+    /// So many characters of all beginnings are remembered; those of further files are not.
+    static constexpr std::size_t mostOfBeginnings = 20'000'000;
+
+    /// So many files are remembered at most: some 30 MB on disk, 50 with the beginnings.
     static constexpr std::size_t mostFiles = 100'000;
 
     /// A change within so many seconds after another one may leave the times as they are: clocks of
@@ -68,8 +71,11 @@ private:
         std::size_t operator()(const FileIdentity& identity) const;
     };
 
+    void countBeginnings();
+
     mutable std::mutex lock_;
     std::unordered_map<FileIdentity, Known, Hash> files_;
+    std::size_t ofBeginnings_ = 0;  // characters
     bool hasChanged_ = false;
 };
 

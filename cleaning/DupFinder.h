@@ -52,14 +52,15 @@ public:
     /// Smaller files are not compared: more than a million bytes, on purpose.
     static constexpr std::int64_t smallestSize = 1'000'001;
 
-    /// All outlive the finder. `threads` 0: one per processor. `known`, which may be null, holds
-    /// what earlier searches have read, and gets what this one reads.
+    /// All outlive the finder. `threads` 0: as many as the disks and processors can use. `known`,
+    /// which may be null, holds what earlier searches have read, and gets what this one reads.
     DupFinder(const Clock& clock, FileContentReader& contents, std::size_t threads = 0,
               DigestStore* known = nullptr)
         : clock_(clock), contents_(contents), threads_(threads), known_(known) {}
 
     /// Blocks; hashing stops at the end of the budget and what was compared until then is returned.
-    /// Files that cannot be read, or whose size changes meanwhile, are left out. `stopped`, asked
+    /// Files that cannot be read, whose size changes meanwhile, or that change in any way between
+    /// two parts of a large one, are left out. `stopped`, asked
     /// from several threads before each file and between its chunks, ends the search early, as the
     /// end of the budget does.
     Result find(const std::vector<FileRecord>& files, const std::function<bool()>& stopped = {},

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::int64_t mebibyte = 1024 * 1024;
 constexpr std::int64_t inOneGo = 4 * mebibyte;
+constexpr std::int64_t endOfDoubling = 8 * mebibyte;
 
 }  // namespace
 
@@ -37,7 +38,11 @@ std::vector<ReadLane> readLanes(
 
 std::int64_t nextComparison(std::int64_t compared, std::int64_t length) {
     if (length <= inOneGo) return length;
-    return std::min(length, std::max(mebibyte, 2 * compared));
+    // In whole MiB: what is remembered of a file holds for these ends only.
+    const std::int64_t next = compared < endOfDoubling
+                                  ? std::max(mebibyte, 2 * compared)
+                                  : compared + compared / 4 / mebibyte * mebibyte;
+    return std::min(length, next);
 }
 
 }  // namespace velto

@@ -26,9 +26,9 @@ std::vector<ReadLane> readLanes(
 constexpr std::size_t smallReadsAtOnce = 16;
 
 /// Up to where a file of `length` bytes that was compared with the others up to `compared` is read
-/// next. Small ones in one go. Large ones to 1 MiB and then to twice as far each time: so of a file
-/// that differs somewhere no more than twice as much is read as had to be, and few pieces suffice
-/// for the largest.
+/// next. Small ones in one go. Large ones to 1 MiB, twice as far each time up to 8 MiB, and from
+/// there on by a quarter: so little more is read of a file that differs somewhere than has to be,
+/// and 80 parts suffice for one of 16 TiB.
 std::int64_t nextComparison(std::int64_t compared, std::int64_t length);
 
 }  // namespace velto

@@ -83,6 +83,36 @@ TEST(DigestStore, WhatNobodyAskedForIsForgottenAndTheRestIsNot) {
     EXPECT_TRUE(store->hasChanged());
 }
 
+TEST(DigestStore, BeginningsAreKnownAgainAsManyAsThereAre) {
+    DigestStore store;
+    const std::string two(2 * DigestStore::beginningLength, 'd');
+    store.put(stamp(1), Part::beginnings, two, 2'000);
+    store.put(stamp(2), Part::beginnings, two.substr(1), 2'000);
+    store.put(stamp(3), Part::firstBytes, md5, 2'000);
+    const auto again = DigestStore::decoded(store.encoded());
+    EXPECT_EQ(again->size(), 2u);
+    EXPECT_EQ(again->find(stamp(1), Part::beginnings), two);
+    EXPECT_EQ(again->find(stamp(3), Part::beginnings), std::nullopt);
+    EXPECT_EQ(again->find(stamp(3), Part::firstBytes), md5);
+}
+
+TEST(DigestStore, BeginningsAreBoundedTogether) {
+    DigestStore store;
+    const std::string most(DigestStore::mostBeginnings * DigestStore::beginningLength, 'd');
+    const std::size_t files = DigestStore::mostOfBeginnings / most.size();
+    for (std::uint64_t number = 0; number < files + 10; ++number)
+        store.put(stamp(number), Part::beginnings, most, 2'000);
+    EXPECT_EQ(store.size(), files);
+    const auto again = DigestStore::decoded(store.encoded());
+    EXPECT_EQ(again->size(), files);
+    again->put(stamp(files), Part::beginnings, most, 2'000);
+    EXPECT_EQ(again->size(), files);
+    again->find(stamp(1), Part::beginnings);
+    again->dropUnused();
+    again->put(stamp(files), Part::beginnings, most, 2'000);
+    EXPECT_EQ(again->size(), 2u) << "there is room again";
+}
+
 TEST(DigestStore, ItIsBounded) {
     DigestStore store;
     for (std::uint64_t number = 0; number < DigestStore::mostFiles + 10; ++number)

@@ -39,6 +39,17 @@ TEST(Digest, AFileReadInPiecesHasTheDigestOfTheWhole) {
     EXPECT_EQ(digest->finish(), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
+TEST(Digest, WhatItIsSoFarIsThatOfTheBeginningAndEndsNothing) {
+    for (const DigestKind kind : {DigestKind::md5, DigestKind::sha256}) {
+        const auto digest = makeDigest(kind);
+        digest->update(std::as_bytes(std::span(std::string_view("message "))));
+        EXPECT_EQ(digest->soFar(), digestOf(kind, "message "));
+        digest->update(std::as_bytes(std::span(std::string_view("digest"))));
+        EXPECT_EQ(digest->soFar(), digestOf(kind, "message digest"));
+        EXPECT_EQ(digest->finish(), digestOf(kind, "message digest"));
+    }
+}
+
 TEST(Digest, TheNextFileStartsAnew) {
     const auto digest = makeDigest(DigestKind::md5);
     digest->update(std::as_bytes(std::span(std::string_view("first file"))));

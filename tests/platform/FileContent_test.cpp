@@ -63,10 +63,36 @@ TEST_F(FileContentTest, ComparingAFileDoesNotCountAsUsingIt) {
     const timespec times[2] = {{1'000'000'000, 0}, {1'100'000'000, 0}};
     ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
     std::array<std::byte, 8> buffer{};
-    ASSERT_EQ(reader->open(path)->read(0, buffer), 5);
+    const auto content = reader->open(path);
+    content->readAsTold();
+    content->notCached({0, 5});
+    ASSERT_EQ(content->read(0, buffer), 5);
     struct stat status {};
     ASSERT_EQ(::stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_atime, 1'000'000'000);
+}
+
+TEST_F(FileContentTest, AFilesPlaceIsToldAndThatOfNothingElse) {
+    const auto place = reader->place(home.text("a", "velto").path());
+    ASSERT_TRUE(place.has_value());
+    struct stat status {};
+    ASSERT_EQ(::stat(home.path("a").c_str(), &status), 0);
+    EXPECT_EQ(place->volume, static_cast<std::uint64_t>(status.st_dev));
+    EXPECT_EQ(place->position != 0, place->diskRotates);
+    home.link("link", home.path("a"));
+    EXPECT_FALSE(reader->place(home.path("link")).has_value());
+    EXPECT_FALSE(reader->place(home.path("missing")).has_value());
+}
+
+TEST_F(FileContentTest, AdviceChangesNothingOfWhatIsRead) {
+    const auto content = reader->open(home.text("a", "velto").path());
+    content->readAsTold();
+    content->readAhead({0, 5});
+    content->notCached({0, 5});
+    content->forget({0, 5});
+    content->notCached({100, 0});
+    std::array<std::byte, 8> buffer{};
+    EXPECT_EQ(content->read(0, buffer), 5);
 }
 
 }  // namespace
