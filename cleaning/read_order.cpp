@@ -1,6 +1,7 @@
 #include "cleaning/read_order.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <utility>
 

@@ -9,7 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr std::int64_t mebibyte = 1024 * 1024;
+constexpr std::int64_t oneMiB = 1024 * 1024;
 
 std::vector<ReadLane> lanesOf(const std::vector<std::optional<FilePlace>>& places) {
     std::vector<std::size_t> files(places.size());
@@ -46,15 +46,15 @@ TEST(ReadOrder, TheSlowDiskIsBegunFirst) {
 
 TEST(ReadOrder, SmallFilesAreComparedInOneGo) {
     EXPECT_EQ(nextComparison(0, 1'000'001), 1'000'001);
-    EXPECT_EQ(nextComparison(0, 4 * mebibyte), 4 * mebibyte);
+    EXPECT_EQ(nextComparison(0, 4 * oneMiB), 4 * oneMiB);
 }
 
 TEST(ReadOrder, LargeFilesAreComparedFurtherEachTime) {
-    const std::int64_t length = 30 * mebibyte;
+    const std::int64_t length = 30 * oneMiB;
     std::vector<std::int64_t> ends;
     for (std::int64_t compared = 0; compared < length;) {
         compared = nextComparison(compared, length);
-        ends.push_back(compared / mebibyte);
+        ends.push_back(compared / oneMiB);
     }
     EXPECT_THAT(ends, ElementsAre(1, 2, 4, 8, 10, 12, 15, 18, 22, 27, 30));
 }
