@@ -20,6 +20,7 @@ ApplicationActivity::~ApplicationActivity() = default;
 void ApplicationActivity::set(bool active) {
     if (active == isActive_) return;
     isActive_ = active;
+    wasActive_ = true;
     observers_->forgetTheGone();
     const auto told = observers_->all;  // an observer may add another one
     for (const auto& observer : told) {

@@ -19,6 +19,10 @@ public:
 
     bool isActive() const { return isActive_; }
 
+    /// True when the user has turned to something else. An application that has not been in front
+    /// yet is still expected there.
+    bool isLeft() const { return wasActive_ && !isActive_; }
+
     /// The window system has spoken; observers hear of changes only.
     void set(bool active);
 
@@ -30,6 +34,7 @@ private:
     struct List;
 
     bool isActive_ = false;
+    bool wasActive_ = false;
     std::unique_ptr<List> observers_;
 };
 

@@ -21,6 +21,7 @@ public:
     void onThread(std::size_t thread) {
         try {
             for (std::size_t index = next_++; index < count_; index = next_++) {
+                followPriority();
                 work_(index, thread);
             }
         } catch (...) {

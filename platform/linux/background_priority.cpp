@@ -35,8 +35,17 @@ void letOthersGoFirst() {
     if (getpriority(PRIO_PROCESS, 0) < behindOthers) setpriority(PRIO_PROCESS, 0, behindOthers);
 }
 
+// Its nice value stays: a thread may not lower that again (setpriority(2)), and while it is idle it
+// counts for nothing. A thread that another in the background has started is there already.
+void setThreadInBackground(bool isInBackground) {
+    const sched_param parameters{};
+    sched_setscheduler(0, isInBackground ? SCHED_IDLE : SCHED_OTHER, &parameters);
+    const int disk = isInBackground ? idleClass << classShift : 0;  // 0: as the nice value says
+    syscall(SYS_ioprio_set, whoProcess, 0, disk);
+}
+
 // A thread has the priority of the one that starts it.
-PassedPriority::PassedPriority() = default;
-void PassedPriority::take() const {}
+unsigned threadPriority() { return 0; }
+void takeThreadPriority(unsigned) {}
 
 }  // namespace velto

@@ -11,11 +11,15 @@ void runThreadInBackground() { setpriority(PRIO_DARWIN_THREAD, 0, PRIO_DARWIN_BG
 
 void letOthersGoFirst() { pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0); }
 
-PassedPriority::PassedPriority() : value_(qos_class_self()) {}
+void setThreadInBackground(bool isInBackground) {
+    setpriority(PRIO_DARWIN_THREAD, 0, isInBackground ? PRIO_DARWIN_BG : 0);
+}
 
-void PassedPriority::take() const {
-    if (value_ != QOS_CLASS_UNSPECIFIED) {
-        pthread_set_qos_class_self_np(static_cast<qos_class_t>(value_), 0);
+unsigned threadPriority() { return qos_class_self(); }
+
+void takeThreadPriority(unsigned value) {
+    if (value != QOS_CLASS_UNSPECIFIED) {
+        pthread_set_qos_class_self_np(static_cast<qos_class_t>(value), 0);
     }
 }
 

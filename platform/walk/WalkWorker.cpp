@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/background_priority.h"
 #include "platform/values/text.h"
 
 namespace velto {
@@ -11,8 +12,10 @@ namespace velto {
 void WalkWorker::run() {
     setting_.queue.join();
     WalkQueue::Item item;
-    while (setting_.queue.next(item, listed_))
+    while (setting_.queue.next(item, listed_)) {
+        followPriority();
         walk(item);
+    }
 }
 
 void WalkWorker::walk(const WalkQueue::Item& item) {

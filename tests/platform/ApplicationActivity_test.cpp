@@ -31,5 +31,15 @@ TEST(ApplicationActivity, WhoGaveTheTokenBackHearsNothingMore) {
     kept.reset();  // outlived what it came from
 }
 
+TEST(ApplicationActivity, IsLeftOnlyWhenItWasInFrontBefore) {
+    ApplicationActivity activity;
+    activity.set(false);
+    EXPECT_FALSE(activity.isLeft()) << "it is about to be shown";
+    activity.set(true);
+    EXPECT_FALSE(activity.isLeft());
+    activity.set(false);
+    EXPECT_TRUE(activity.isLeft());
+}
+
 }  // namespace
 }  // namespace velto

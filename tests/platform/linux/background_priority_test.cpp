@@ -1,8 +1,13 @@
 #include "platform/background_priority.h"
 
+#include <sched.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <vector>
@@ -59,6 +64,48 @@ TEST(BackgroundPriority, WhatIsLowerStaysLower) {
         inside = ownPriority();
     });
     EXPECT_EQ(inside, lowest);
+}
+
+/// Of the calling thread.
+bool isIdle() { return sched_getscheduler(0) == SCHED_IDLE; }
+int diskClass() {
+    constexpr int whoProcess = 1;
+    constexpr int classShift = 13;
+    return static_cast<int>(syscall(SYS_ioprio_get, whoProcess, 0)) >> classShift;
+}
+
+TEST(BackgroundPriority, WorkThatNobodyLooksAtLeavesTheMachineToOthers) {
+    const auto unwatched = std::make_shared<std::atomic<bool>>(true);
+    std::mutex lock;
+    std::vector<bool> idle;
+    runLettingOthersGoFirst(
+        [&] {
+            forEachInParallel(64, 4, [&](std::size_t, std::size_t) {
+                const std::lock_guard guard(lock);
+                idle.push_back(isIdle() && diskClass() == 3);
+            });
+        },
+        unwatched);
+    EXPECT_EQ(idle.size(), 64U);
+    EXPECT_THAT(idle, testing::Each(true));
+    EXPECT_FALSE(isIdle());
+}
+
+TEST(BackgroundPriority, ItDoesSoFromTheMomentInWhichNobodyLooksAnyMore) {
+    const auto unwatched = std::make_shared<std::atomic<bool>>(false);
+    runLettingOthersGoFirst(
+        [&] {
+            followPriority();
+            EXPECT_FALSE(isIdle());
+            *unwatched = true;
+            followPriority();
+            EXPECT_TRUE(isIdle());
+            EXPECT_EQ(diskClass(), 3);
+            *unwatched = false;
+            followPriority();
+            EXPECT_NE(diskClass(), 3) << "whoever looks again gets the disk at once";
+        },
+        unwatched);
 }
 
 }  // namespace
