@@ -14,6 +14,7 @@
 #include "platform/FileContent.h"
 #include "platform/FileManager.h"
 #include "platform/FileMover.h"
+#include "platform/FolderChanges.h"
 #include "platform/HomeLayout.h"
 #include "platform/Icons.h"
 #include "platform/Locale.h"
@@ -42,6 +43,7 @@ struct Platform {
     std::unique_ptr<DirectoryReader> directories;
     std::unique_ptr<FileContentReader> contents = makeFileContentReader();  // on every system
     std::unique_ptr<BlockSharing> sharing = makeBlockSharing();             // on every system
+    std::unique_ptr<FolderChanges> changes = makeFolderChanges();           // on every system
     std::unique_ptr<VolumeInfo> volumes;
     std::unique_ptr<UserDefaults> defaults;
     std::unique_ptr<Locale> locale;

@@ -11,6 +11,7 @@ TestPlatform::TestPlatform()
       clock(install<FakeClock>(platform.clock)),
       dispatcher(install<FakeDispatcher>(platform.dispatcher)),
       volumes(install<FakeVolumeInfo>(platform.volumes)),
+      changes(install<FakeFolderChanges>(platform.changes)),
       defaults(install<FakeUserDefaults>(platform.defaults)),
       locale(install<FakeLocale>(platform.locale)),
       tools(install<FakeToolRunner>(platform.tools)),

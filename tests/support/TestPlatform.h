@@ -4,6 +4,7 @@
 
 #include "platform/Platform.h"
 #include "support/FakeDispatcher.h"
+#include "support/FakeFolderChanges.h"
 #include "support/FakeSerialQueue.h"
 #include "support/FakeSystemCounters.h"
 #include "support/TempHome.h"
@@ -23,6 +24,7 @@ struct TestPlatform {
     FakeClock& clock;
     FakeDispatcher& dispatcher;
     FakeVolumeInfo& volumes;
+    FakeFolderChanges& changes;
     FakeUserDefaults& defaults;
     FakeLocale& locale;
     FakeToolRunner& tools;
