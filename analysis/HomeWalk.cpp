@@ -59,6 +59,7 @@ void HomeWalk::findRoots() {
         if (isReached && !(home && isOnAnotherVolume(path, *home))) continue;
         addRoot(path);
     }
+    isSimple_ = roots_.size() == 1 && roots_.front().path == layout.home;
     // Should a walk come to a root from above all the same, it is not walked twice.
     for (const WalkRoot& root : roots_) {
         if (root.path != layout.home) places_.leaveOut(root.path, reason(FolderState::otherVolume));
@@ -73,6 +74,37 @@ bool HomeWalk::isOnAnotherVolume(const std::string& root, const FolderStatus& ho
 void HomeWalk::addRoot(const std::string& path) {
     recording_.roots.push_back({.number = recording_.next++, .name = path});
     roots_.push_back({path, classifier_.markOfRoot(path), question_.layout.home});
+}
+
+void HomeWalk::noteFolders(double recent, const EarlierWalk* earlier) {
+    earlier_ = earlier;
+    noting_.clear();
+    for (const auto& worker : workers_)
+        noting_.push_back(std::make_unique<NotingVisitor>(*worker, recent, earlier));
+}
+
+void HomeWalk::runAgain(const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
+    const KeptWalk& before = earlier_->walk;
+    roots_.clear();
+    recording_.roots.clear();
+    recording_.next = 0;
+    for (const std::uint32_t folder : earlier_->readings.folders) {
+        const std::string path = before.path(folder);
+        recording_.roots.push_back({.number = recording_.next++, .name = path});
+        roots_.push_back({path, before.folders[folder].mark, question_.layout.home});
+    }
+    walk(roots_, cancelled, tick);
+    isSimple_ = takeBound().empty();
+}
+
+std::optional<AssembledWalk> HomeWalk::noted() const {
+    if (noting_.empty() || !isSimple_) return std::nullopt;
+    NotedWalk noted{.roots = recording_.roots, .numbers = recording_.next, .earlier = earlier_};
+    for (const auto& visitor : noting_)
+        noted.visitors.push_back(visitor.get());
+    for (const FolderRecorder* recorder : recorders())
+        noted.recorders.push_back(recorder);
+    return assembleWalk(noted);
 }
 
 void HomeWalk::run(const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
@@ -90,8 +122,12 @@ TreeWalk::Result HomeWalk::walk(const std::vector<WalkRoot>& roots,
                                 const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
     std::vector<TreeVisitor*> visitors;
     visitors.reserve(workers_.size());
-    for (const auto& worker : workers_)
-        visitors.push_back(worker.get());
+    for (const auto& visitor : noting_)
+        visitors.push_back(visitor.get());
+    if (noting_.empty()) {
+        for (const auto& worker : workers_)
+            visitors.push_back(worker.get());
+    }
     const WalkOptions options{.allocatedOfEveryFile = true,
                               .folderStatus = true,
                               .places = &places_,
@@ -104,6 +140,7 @@ TreeWalk::Result HomeWalk::walk(const std::vector<WalkRoot>& roots,
 void HomeWalk::walkBound(const CancellationFlag& cancelled, const TreeWalk::Tick& tick) {
     auto bound = takeBound();
     if (bound.empty()) return;
+    isSimple_ = false;
     WalkedFolders walked = walkedFolders(recorders(), recording_.roots, recording_.next);
     for (; !bound.empty(); bound = takeBound()) {
         for (const BoundFolder& folder : bound) {
@@ -156,6 +193,12 @@ HomeWalk::Folders HomeWalk::takeFolders() {
     AssembledFolders assembled = assembleFolders(recorders(), recording_.next);
     return {.tree = std::make_shared<const FolderTree>(std::move(assembled.tree)),
             .hiddenBytes = assembled.hiddenBytes};
+}
+
+HomeWalk::Folders HomeWalk::takeFolders(const AssembledWalk& assembled) {
+    AssembledFolders folders = foldersOf(assembled, recorders());
+    return {.tree = std::make_shared<const FolderTree>(std::move(folders.tree)),
+            .hiddenBytes = folders.hiddenBytes};
 }
 
 }  // namespace velto

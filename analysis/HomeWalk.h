@@ -2,11 +2,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "analysis/Classifier.h"
 #include "analysis/ScanWorker.h"
+#include "analysis/again/NotingVisitor.h"
+#include "analysis/again/walk_assembly.h"
 #include "analysis/folders/FolderRecorder.h"
 #include "platform/CancellationFlag.h"
 #include "platform/HomeLayout.h"
@@ -31,6 +34,22 @@ public:
 
     explicit HomeWalk(const Question& question);
 
+    /// From now on it is noted, folder by folder, what the walk makes of each; see NotingVisitor.
+    /// `earlier` outlives the walk.
+    void noteFolders(double recent, const EarlierWalk* earlier = nullptr);
+
+    /// True as long as all lies on one volume and is reached from the home, bound to no second
+    /// place: what is more than that is not noted.
+    bool isSimple() const { return isSimple_; }
+
+    /// Reads what an earlier walk has to have read again, in place of `run`. Assemble what is
+    /// noted to see whether it adds up.
+    void runAgain(const CancellationFlag& cancelled, const TreeWalk::Tick& tick);
+
+    /// What was noted, before the workers hand over what they have; nothing when it does not add
+    /// up to a walk.
+    std::optional<AssembledWalk> noted() const;
+
     /// Returns when all has been walked, or the flag was set.
     void run(const CancellationFlag& cancelled, const TreeWalk::Tick& tick);
 
@@ -47,6 +66,8 @@ public:
         std::int64_t hiddenBytes = 0;
     };
     Folders takeFolders();
+    /// The same of a walk that went by an earlier one.
+    Folders takeFolders(const AssembledWalk& assembled);
 
 private:
     void leaveOut();
@@ -67,6 +88,9 @@ private:
     FolderRecording recording_;
     std::vector<WalkRoot> roots_;
     std::vector<std::unique_ptr<ScanWorker>> workers_;
+    std::vector<std::unique_ptr<NotingVisitor>> noting_;  // one for each worker, or none
+    const EarlierWalk* earlier_ = nullptr;
+    bool isSimple_ = true;
     int homeError_ = 0;
     std::int64_t unreadableRoots_ = 0;
 };

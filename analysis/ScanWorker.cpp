@@ -118,7 +118,19 @@ void ScanWorker::handOver(WalkTotals& totals, std::vector<BigFileFound>& bigFile
         totals.catFiles[id] += categoryFiles_[index];
     }
     moveTo(totals.fileList, duplicateCandidates_);
-    moveTo(bigFiles, bigFiles_);
+    takeBigFiles(bigFiles);
+}
+
+void ScanWorker::takeBigFiles(std::vector<BigFileFound>& bigFiles) { moveTo(bigFiles, bigFiles_); }
+
+ScanWorker::Tally ScanWorker::tally() const {
+    return {.categoryBytes = categoryBytes_,
+            .categoryFiles = categoryFiles_,
+            .hiddenBytes = folders_.hiddenBytes(),
+            .unreadable = unreadable_,
+            .candidates = duplicateCandidates_.size(),
+            .bigFiles = bigFiles_.size(),
+            .linked = folders_.linked().size()};
 }
 
 }  // namespace velto

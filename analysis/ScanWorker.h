@@ -54,6 +54,26 @@ public:
 
     FolderRecorder& folders() { return folders_; }
 
+    /// All that was counted so far, between two turns.
+    struct Tally {
+        std::array<std::int64_t, categoryCount> categoryBytes{};
+        std::array<std::int64_t, categoryCount> categoryFiles{};
+        std::int64_t hiddenBytes = 0;
+        std::int64_t unreadable = 0;
+        std::size_t candidates = 0;
+        std::size_t bigFiles = 0;
+        std::size_t linked = 0;
+    };
+    Tally tally() const;
+    const FolderFacts& lastFacts() const { return folders_.lastFacts(); }
+    bool isOfTheSameMount(const WalkedFolder& folder, const FolderStatus& status) const {
+        return folders_.isOfTheSameMount(folder, status);
+    }
+    const std::vector<FileRecord>& candidates() const { return duplicateCandidates_; }
+
+    /// Moves what `handOver` would move last, alone.
+    void takeBigFiles(std::vector<BigFileFound>& bigFiles);
+
 private:
     const Classifier& classifier_;
     const bool entersMediaLibraries_;

@@ -9,7 +9,6 @@
 
 #include <fmt/format.h>
 
-#include "analysis/HomeWalk.h"
 #include "analysis/PermissionService.h"
 #include "analysis/ScanWorker.h"
 #include "analysis/post_processing.h"
@@ -103,6 +102,7 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     unreadable_ = 0;
     folders_ = nullptr;
     hiddenBytes_ = 0;
+    keptWalk_ = nullptr;
     digests_ = DigestFile(*platform_.files, platform_.layout).load();
     const bool hasAccess = permissions_.hasAccess();
     walk(excluded, hasAccess, cancelled, progress);
@@ -132,16 +132,25 @@ AnalysisOutput ScannerService::scan(const std::vector<std::string>& excluded,
     return output;
 }
 
+HomeWalk::Question ScannerService::question(const std::vector<std::string>& excluded,
+                                            bool hasAccess) const {
+    const std::size_t processors = processorCount();
+    return {.reader = *platform_.directories,
+            .layout = platform_.layout,
+            .excluded = excluded,
+            .hasAccess = hasAccess,
+            .threads = threads_ == 0 ? std::max(processors, waitingThreads) : threads_,
+            .firstThreads = threads_ == 0 ? processors : 0};
+}
+
 /// Fills the totals. Throws CancellationError with what was counted until then.
 void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAccess,
                           const CancellationFlag& cancelled, const Progress& progress) {
-    const std::size_t processors = processorCount();
-    HomeWalk walk({.reader = *platform_.directories,
-                   .layout = platform_.layout,
-                   .excluded = excluded,
-                   .hasAccess = hasAccess,
-                   .threads = threads_ == 0 ? std::max(processors, waitingThreads) : threads_,
-                   .firstThreads = threads_ == 0 ? processors : 0});
+    WalkKeeper keeper(platform_, excluded, hasAccess);
+    if (walkAgain(keeper, excluded, hasAccess, cancelled, progress)) return;
+
+    HomeWalk walk(question(excluded, hasAccess));
+    if (keeper.isOn() && walk.isSimple()) walk.noteFolders(keeper.recentFrom());
     ProgressPacer pacer(*platform_.clock, progress);
     walk.run(cancelled, [&] { pacer.report(walk.workers()); });
     if (walk.homeError() != 0) {
@@ -149,6 +158,9 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
                           std::strerror(walk.homeError())));
     }
     unreadable_ = walk.unreadableRoots();
+    if (!cancelled.isCancelled()) {
+        if (const auto noted = walk.noted()) keptWalk_ = keeper.text(noted->walk, nullptr);
+    }
 
     std::vector<ScanWorker::BigFileFound> found;
     for (const auto& worker : walk.workers()) {
@@ -158,14 +170,63 @@ void ScannerService::walk(const std::vector<std::string>& excluded, bool hasAcce
     if (cancelled.isCancelled()) throw CancellationError();
     // Which worker met what, and when, must not show.
     std::ranges::sort(fileList, {}, &FileRecord::path);
+    takeBigFiles(std::move(found));
+    HomeWalk::Folders walked = walk.takeFolders();
+    folders_ = std::move(walked.tree);
+    hiddenBytes_ = walked.hiddenBytes;
+}
+
+/// The same by what is kept of an earlier walk and what is told of changes since. False, and
+/// nothing filled, when there is any doubt.
+bool ScannerService::walkAgain(WalkKeeper& keeper, const std::vector<std::string>& excluded,
+                               bool hasAccess, const CancellationFlag& cancelled,
+                               const Progress& progress) {
+    doubt_ = keeper.doubt();
+    if (!keeper.isOn()) return false;
+    const auto before = keeper.earlier(cancelled);
+    doubt_ = keeper.doubt();
+    if (cancelled.isCancelled()) throw CancellationError();
+    if (!before) {
+        platform_.log->line(fmt::format("Velto ▶ recorrido entero: {}", textOf(doubt_)));
+        return false;
+    }
+    const EarlierWalk earlier{before->walk, before->readings};
+    doubt_ = WalkDoubt::notOneWalk;
+    HomeWalk walk(question(excluded, hasAccess));
+    if (!walk.isSimple()) return false;
+    walk.noteFolders(keeper.recentFrom(), &earlier);
+    ProgressPacer pacer(*platform_.clock, progress);
+    walk.runAgain(cancelled, [&] { pacer.report(walk.workers()); });
+    if (cancelled.isCancelled()) throw CancellationError();
+    const auto assembled = walk.noted();
+    if (!assembled) {
+        platform_.log->line(fmt::format("Velto ▶ recorrido entero: {}", textOf(doubt_)));
+        return false;
+    }
+    doubt_ = WalkDoubt::none;
+    platform_.log->line(fmt::format("Velto ▶ carpetas leídas de nuevo: {} de {}",
+                                    before->readings.folders.size(),
+                                    assembled->walk.folders.size()));
+    assembled->walk.addTo(*this);
+    std::ranges::sort(fileList, {}, &FileRecord::path);
+    unreadable_ = assembled->walk.unreadable();
+    std::vector<ScanWorker::BigFileFound> found;
+    for (const auto& worker : walk.workers())
+        worker->takeBigFiles(found);
+    takeBigFiles(std::move(found));
+    HomeWalk::Folders walked = walk.takeFolders(*assembled);
+    folders_ = std::move(walked.tree);
+    hiddenBytes_ = walked.hiddenBytes;
+    keptWalk_ = keeper.text(assembled->walk, before.get());
+    return true;
+}
+
+void ScannerService::takeBigFiles(std::vector<ScanWorker::BigFileFound> found) {
     std::ranges::sort(found, {}, &ScanWorker::BigFileFound::path);
     const double now = platform_.clock->now();
     for (const auto& file : found) {
         catTop[std::string(row(file.category).id)].push_back(bigFile(file, now));
     }
-    HomeWalk::Folders walked = walk.takeFolders();
-    folders_ = std::move(walked.tree);
-    hiddenBytes_ = walked.hiddenBytes;
 }
 
 }  // namespace velto

@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "analysis/AnalysisOutput.h"
+#include "analysis/HomeWalk.h"
 #include "analysis/WalkTotals.h"
+#include "analysis/again/WalkKeeper.h"
 #include "analysis/folders/FolderTree.h"
 #include "platform/CancellationFlag.h"
 #include "platform/Platform.h"
@@ -52,6 +54,13 @@ public:
     /// Bytes of files that the tree holds and no category does: what is hidden.
     std::int64_t hiddenBytes() const { return hiddenBytes_; }
 
+    /// What the next walk may go by, to be saved with WalkKeeper once the analysis is; null where
+    /// it could not be used.
+    std::shared_ptr<const std::string> keptWalk() const { return keptWalk_; }
+
+    /// Why the last walk has read every folder; none when it did not.
+    WalkDoubt doubt() const { return doubt_; }
+
     /// What the last analysis knows of files that it has compared, also after a cancelled one: the
     /// next begins from there. Null before the first one.
     std::shared_ptr<const DigestStore> digests() const { return digests_; }
@@ -60,12 +69,19 @@ private:
     void walk(const std::vector<std::string>& excluded, bool hasAccess,
               const CancellationFlag& cancelled, const Progress& progress);
 
+    bool walkAgain(WalkKeeper& keeper, const std::vector<std::string>& excluded, bool hasAccess,
+                   const CancellationFlag& cancelled, const Progress& progress);
+    void takeBigFiles(std::vector<ScanWorker::BigFileFound> found);
+    HomeWalk::Question question(const std::vector<std::string>& excluded, bool hasAccess) const;
+
     Platform& platform_;
     const PermissionService& permissions_;
     const std::size_t threads_;  // 0 as above
     std::int64_t unreadable_ = 0;
     std::shared_ptr<const FolderTree> folders_;
     std::int64_t hiddenBytes_ = 0;
+    std::shared_ptr<const std::string> keptWalk_;
+    WalkDoubt doubt_ = WalkDoubt::nothingTold;
     std::shared_ptr<DigestStore> digests_;
 };
 

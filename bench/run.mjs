@@ -13,7 +13,7 @@ import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'cold', 'memory', 'folders', 'cleanables', 'further', 'duplicates', 'duplicates-cold', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
+const partNames = ['walk', 'cold', 'memory', 'again', 'folders', 'cleanables', 'further', 'duplicates', 'duplicates-cold', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
@@ -123,6 +123,17 @@ function walk() {
 function cold() {
   const home = smallHome();
   if (home) compareCold(home, data, { scan: program('bench_scan'), floor: program('bench_floor') }, Math.min(runs, 5));
+}
+
+function again() {
+  const home = smallHome();
+  if (!home) return;
+  console.log('\nThe second walk, 1 % of the folders changed; in process, told of the changes by the benchmark');
+  const lines = output([program('bench_again'), home, String(runs + 1)]).trim().split('\n').slice(1);
+  const rows = lines.map((line) => line.split(' ').map(Number));
+  const [whole, part] = [0, 1].map((column) => median(rows.map((row) => row[column])));
+  console.log(`${rows[0][3]} of ${rows[0][2]} folders: ${part.toFixed(1)} ms, a walk of everything ${whole.toFixed(1)} ms, ` +
+    `ratio ${(part / whole).toFixed(3)} (target: at most 0.100)`);
 }
 
 function memory() {
@@ -341,5 +352,5 @@ if (clean) {
 } else {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
-  run([walk, cold, memory, folders, cleanables, further, duplicates, duplicatesCold, trash, removal, copy, growth, monitor, apps]);
+  run([walk, cold, memory, again, folders, cleanables, further, duplicates, duplicatesCold, trash, removal, copy, growth, monitor, apps]);
 }

@@ -49,6 +49,8 @@ struct HomeLayout {
     // walked from the home too, unless another volume begins there.
     std::vector<std::string> walkRoots;
     std::vector<std::string> neverWalked;  // whatever the access
+    /// Folders whose files lie elsewhere and are brought and taken away by the system itself.
+    std::vector<std::string> providedFiles;
 
     // Privacy. Without a gate access always counts as granted.
     bool hasPrivacyGate = true;

@@ -187,6 +187,7 @@ HomeLayout HomeLayout::macOS(const std::string& home) {
     layout.agentFile = layout.agentsFolder + "/app.velto.maintenance.plist";
     layout.cloudDrive = below("Library/Mobile Documents/com~apple~CloudDocs");
     layout.cloudFolder = layout.cloudDrive + "/Velto";
+    layout.providedFiles = {below("Library/Mobile Documents"), below("Library/CloudStorage")};
 
     layout.xcodeApplications = {below("Applications/Xcode.app"), "/Applications/Xcode.app"};
     layout.xcodeDerivedData = below("Library/Developer/Xcode/DerivedData");

@@ -88,12 +88,14 @@ void FolderRecorder::count(const WalkedFolder& folder, const DirectoryEntry& ent
     const bool isRegular = entry.kind == EntryKind::regular;
     if (entry.links > 1 && entry.inode != 0) {
         const std::uint64_t device = recording_.roots[folder.root()].device;
-        linked_.push_back({.identity = {.device = device, .inode = entry.inode},
-                           .bytes = bytes,
-                           .folder = folder.number,
-                           .isRegular = isRegular,
-                           .isCounted = isCounted,
-                           .name = kept(entry.name)});
+        linked_.push_back(
+            {.identity = {.device = device, .inode = entry.inode},
+             .bytes = bytes,
+             .folder = folder.number,
+             .isRegular = isRegular,
+             .isCounted = isCounted,
+             .links = static_cast<std::uint16_t>(std::min<std::uint32_t>(entry.links, UINT16_MAX)),
+             .name = kept(entry.name)});
         return;
     }
     facts_.ownBytes = saturatedSum(facts_.ownBytes, bytes);

@@ -95,8 +95,21 @@ public:
         Number folder = 0;
         bool isRegular = true;
         bool isCounted = false;
+        std::uint16_t links = 0;  // names of the file; the most that fits in
         std::string_view name;
     };
+
+    // Between two turns of a walk.
+    const std::vector<Linked>& linked() const { return linked_; }
+    /// Of the folder whose turn has ended.
+    const FolderFacts& lastFacts() const {
+        return chunks_.back()[(count_ - 1) % chunkLength].facts;
+    }
+    /// True for a folder that is seen through the same mount as its root.
+    bool isOfTheSameMount(const WalkedFolder& folder, const FolderStatus& status) const {
+        const FolderRecording::Root& root = recording_.roots[folder.root()];
+        return status.device == root.device && status.mount == root.mount;
+    }
 
     // After the walk.
     std::vector<Linked> takeLinked() { return std::exchange(linked_, {}); }

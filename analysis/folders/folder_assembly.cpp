@@ -117,12 +117,16 @@ AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders, 
         recorder->moveTo(byNumber);
         result.hiddenBytes = saturatedSum(result.hiddenBytes, recorder->hiddenBytes());
     }
-    const std::int64_t linked = countLinked(allLinked(recorders), byNumber);
-    result.hiddenBytes = saturatedSum(result.hiddenBytes, linked);
+    addTree(result, std::move(byNumber), allLinked(recorders));
+    return result;
+}
+
+void addTree(AssembledFolders& result, std::vector<Entry> byNumber, std::vector<Linked> linked) {
+    const std::int64_t hidden = countLinked(std::move(linked), byNumber);
+    result.hiddenBytes = saturatedSum(result.hiddenBytes, hidden);
     // A root that could not be opened has a number and no record.
     std::erase_if(byNumber, [](const Entry& entry) { return entry.name.empty(); });
     result.tree = FolderTreeBuilder::build(byNumber);
-    return result;
 }
 
 WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,

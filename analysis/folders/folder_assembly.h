@@ -20,6 +20,12 @@ struct AssembledFolders {
 AssembledFolders assembleFolders(const std::vector<FolderRecorder*>& recorders,
                                  FolderTreeBuilder::Number numbers);
 
+/// Builds the tree of the folders, each at its number; of a file's several names, which are not in
+/// the folders' figures, the first in the byte order of paths counts. A folder without a name is
+/// none.
+void addTree(AssembledFolders& result, std::vector<FolderTreeBuilder::Entry> byNumber,
+             std::vector<FolderRecorder::Linked> linked);
+
 /// The folders that the recorders hold so far and have not left out.
 WalkedFolders walkedFolders(const std::vector<FolderRecorder*>& recorders,
                             const std::vector<FolderRecording::Root>& roots,

@@ -1,98 +1,27 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include <fmt/format.h>
-
 #include "analysis/folders/FolderCache.h"
+#include "analysis/folders/number_text.h"
 #include "platform/values/text.h"
 
 namespace velto::folder_file {
 namespace {
 
+using number_text::append;
+using number_text::Reader;
+
 using Entry = FolderTreeBuilder::Entry;
 
 constexpr std::string_view heading = "Velto folders 1\n";
-constexpr std::size_t checksumLength = 16;  // hexadecimal digits
-constexpr std::size_t shortestRecord = 8;   // a byte for each number, and none for the name
-constexpr std::uint64_t base = 127;         // a digit and one is never NUL
-constexpr double stampUnit = 1e6;           // the stamp is kept in millionths of a second
-
-/// FNV-1a of 64 bits: no change of a single byte leaves it as it was.
-std::uint64_t checksumOf(std::string_view content) {
-    std::uint64_t sum = 0xCBF29CE484222325;
-    for (const char character : content) {
-        sum ^= static_cast<unsigned char>(character);
-        sum *= 0x100000001B3;
-    }
-    return sum;
-}
-
-/// Lowest digit first, each with one added; the high bit says that another follows.
-void append(std::string& text, std::uint64_t number) {
-    for (; number >= base; number /= base)
-        text += static_cast<char>((number % base + 1) | 0x80);
-    text += static_cast<char>(number + 1);
-}
-
-void append(std::string& text, std::int64_t number) {
-    append(text, static_cast<std::uint64_t>(std::max<std::int64_t>(number, 0)));
-}
-
-/// Takes what `append` has written off the front. What is not as it should be is remembered, and
-/// from then on everything reads as zero.
-class Reader {
-public:
-    explicit Reader(std::string_view content) : rest_(content) {}
-
-    std::uint64_t number(std::uint64_t most) {
-        std::uint64_t result = 0;
-        std::uint64_t weight = 1;
-        while (isGood_) {
-            if (rest_.empty()) return fail();
-            const auto byte = static_cast<unsigned char>(rest_.front());
-            rest_.remove_prefix(1);
-            const std::uint64_t digit = byte & 0x7F;
-            std::uint64_t part = 0;
-            if (digit == 0 || __builtin_mul_overflow(digit - 1, weight, &part) ||
-                __builtin_add_overflow(result, part, &result) || result > most) {
-                return fail();
-            }
-            if ((byte & 0x80) == 0) return result;
-            if (__builtin_mul_overflow(weight, base, &weight)) return fail();
-        }
-        return 0;
-    }
-
-    template <typename Number>
-    Number number() {
-        return static_cast<Number>(
-            number(static_cast<std::uint64_t>(std::numeric_limits<Number>::max())));
-    }
-
-    std::string_view text(std::size_t length) {
-        if (length > rest_.size()) return fail(), std::string_view();
-        const std::string_view text = rest_.substr(0, length);
-        rest_.remove_prefix(length);
-        return text;
-    }
-
-    std::size_t left() const { return rest_.size(); }
-    bool isGood() const { return isGood_; }
-    std::uint64_t fail() {
-        isGood_ = false;
-        return 0;
-    }
-
-private:
-    std::string_view rest_;
-    bool isGood_ = true;
-};
+using number_text::checksumLength;
+constexpr std::size_t shortestRecord = 8;  // a byte for each number, and none for the name
+constexpr double stampUnit = 1e6;          // the stamp is kept in millionths of a second
 
 struct Record {
     std::uint32_t folders = 0;  // directly inside
@@ -170,7 +99,7 @@ std::string encode(const MeasuredFolders& folders) {
         append(text, std::uint64_t{facts.unreadable});
         append(text, std::uint64_t{facts.latest});
     }
-    text += fmt::format("{:016x}", checksumOf(text));
+    text += number_text::checksumOf(text);
     return text;
 }
 
@@ -179,7 +108,7 @@ std::shared_ptr<const MeasuredFolders> decode(std::string_view content, std::str
         return nullptr;
     }
     const std::string_view body = content.substr(0, content.size() - checksumLength);
-    if (content.substr(body.size()) != fmt::format("{:016x}", checksumOf(body))) return nullptr;
+    if (content.substr(body.size()) != number_text::checksumOf(body)) return nullptr;
 
     Reader reader(body.substr(heading.size()));
     auto folders = std::make_shared<MeasuredFolders>();
@@ -190,8 +119,7 @@ std::shared_ptr<const MeasuredFolders> decode(std::string_view content, std::str
     std::vector<Entry> entries = readEntries(reader, roots, count);
     const bool isOwn = entries.empty() || entries.front().name == home;
     if (!reader.isGood() || !isOwn) return nullptr;
-    folders->tree =
-        std::make_shared<const FolderTree>(FolderTreeBuilder::build(entries));
+    folders->tree = std::make_shared<const FolderTree>(FolderTreeBuilder::build(entries));
     return folders;
 }
 

@@ -177,6 +177,25 @@ bool FakeDirectoryReader::status(OpenFolder& folder, std::string_view name, Fold
     return true;
 }
 
+void FakeDirectoryReader::remove(std::string_view path) {
+    if (Node* node = find(path)) node->parent->children.erase(node->name);
+}
+
+void FakeDirectoryReader::move(std::string_view from, std::string_view to) {
+    Node* node = find(from);
+    if (node == nullptr) return;
+    node->parent->children.erase(node->name);
+    const std::size_t slash = to.rfind('/');
+    node->parent = &folder(to.substr(0, slash));
+    node->name = to.substr(slash + 1);
+    node->parent->children.emplace(node->name, node);
+}
+
+void FakeDirectoryReader::forgetRead() {
+    const std::lock_guard guard(lock_);
+    read_.clear();
+}
+
 std::vector<std::string> FakeDirectoryReader::readFolders() const {
     const std::lock_guard guard(lock_);
     std::vector<std::string> paths;

@@ -64,6 +64,13 @@ public:
     std::int64_t opened() const { return opened_; }
     /// The paths of the folders that were read, sorted.
     std::vector<std::string> readFolders() const;
+    void forgetRead();
+
+    // Between walks. Paths of which nothing is there are ignored.
+    Node* nodeAt(std::string_view path) { return find(path); }
+    void remove(std::string_view path);
+    /// To a name that is free, in a folder that is there.
+    void move(std::string_view from, std::string_view to);
 
 private:
     class Opened;
