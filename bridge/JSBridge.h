@@ -177,6 +177,7 @@ private:
     AnalysisLists lists_;
     const WorkProgress* progress_;
     std::shared_ptr<WorkProgress::Work> analysisWork_;  // while one runs
+    ApplicationActivity::Token analysisWatch_;          // whether somebody looks at it
     AnalysisLists::Mark analysisBegun_ = 0;
     std::vector<std::string> analysisExcluded_;    // what the last one kept out of
     std::vector<HistoryEntry> history_;            // what the page knows

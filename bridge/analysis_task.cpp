@@ -1,4 +1,6 @@
+#include <atomic>
 #include <exception>
+#include <memory>
 #include <utility>
 
 #include <fmt/format.h>
@@ -47,22 +49,25 @@ void JSBridge::startAnalysis() {
             if (const auto bridge = weak.lock()) bridge->evaluate(script);
         });
     };
-    dispatcher.global(
-        QualityOfService::userInitiated,
-        [scanner = scanner_, excluded = analysisExcluded_, cancelled, end, progress, comparing] {
-            try {
-                const auto output = std::make_shared<AnalysisOutput>();
-                runLettingOthersGoFirst([&] {
-                    *output = scanner->scanner.scan(excluded, cancelled, progress, comparing);
-                });
-                end([output](JSBridge& bridge) { bridge.finishAnalysis(*output); });
-            } catch (const CancellationError&) {
-                end([](JSBridge& bridge) { bridge.failAnalysis("Velto ▶ análisis cancelado"); });
-            } catch (const std::exception& error) {
-                const std::string line = fmt::format("Velto ▶ error de análisis: {}", error.what());
-                end([line](JSBridge& bridge) { bridge.failAnalysis(line); });
-            }
-        });
+    const auto unwatched = std::make_shared<std::atomic<bool>>(false);
+    analysisWatch_ = platform_.activity.observe(
+        [unwatched, &activity = platform_.activity](bool) { *unwatched = activity.isLeft(); });
+    dispatcher.global(QualityOfService::userInitiated, [scanner = scanner_, unwatched,
+                                                        excluded = analysisExcluded_, cancelled,
+                                                        end, progress, comparing] {
+        try {
+            const auto output = std::make_shared<AnalysisOutput>();
+            runLettingOthersGoFirst(
+                [&] { *output = scanner->scanner.scan(excluded, cancelled, progress, comparing); },
+                unwatched);
+            end([output](JSBridge& bridge) { bridge.finishAnalysis(*output); });
+        } catch (const CancellationError&) {
+            end([](JSBridge& bridge) { bridge.failAnalysis("Velto ▶ análisis cancelado"); });
+        } catch (const std::exception& error) {
+            const std::string line = fmt::format("Velto ▶ error de análisis: {}", error.what());
+            end([line](JSBridge& bridge) { bridge.failAnalysis(line); });
+        }
+    });
 }
 
 /// The state stays as it is. Nothing when no analysis runs.
@@ -112,6 +117,11 @@ void JSBridge::keepFolders(double measured) {
     const bool isKept = resetsAhead_ == 0;
     folderIntents_->replace(folders, isKept);
     if (isKept) growthIntents_->keep(folders->tree, measured, analysisExcluded_);
+    if (const auto walk = scanner.keptWalk(); walk && isKept) {
+        // In its turn with a reset, which it may not outlive.
+        cleanups_.run(
+            [&platform = platform_, walk](CleanupServices&) { WalkKeeper::save(platform, *walk); });
+    }
 }
 
 /// Of files that the analysis had no time for.
@@ -137,6 +147,7 @@ void JSBridge::failAnalysis(const std::string& line) {
 
 void JSBridge::endAnalysis() {
     analysisWork_.reset();
+    analysisWatch_.reset();
     scanTask.reset();
     scanRunning = false;
     if (!pendingAccessRescan) return;
