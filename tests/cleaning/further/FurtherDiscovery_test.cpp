@@ -1,7 +1,10 @@
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "cleaning/further/FurtherFixture.h"
 #include "support/ordinary_user.h"
+#include "support/system_platform.h"
 
 namespace velto {
 namespace {
@@ -23,6 +26,48 @@ struct FurtherDiscoveryTest : FurtherFixture {
         return Doubt::unknown;
     }
 };
+
+/// The machine's own reader, for which the folder of one inode begins another volume.
+class VolumeBelow final : public DirectoryReader {
+public:
+    explicit VolumeBelow(std::uint64_t inode) : inode_(inode) {}
+    std::shared_ptr<OpenFolder> open(const std::string& path) override {
+        return reader_->open(path);
+    }
+    std::shared_ptr<OpenFolder> openChild(OpenFolder& parent, std::string_view name) override {
+        return reader_->openChild(parent, name);
+    }
+    bool read(OpenFolder& folder, const ReadOptions& options, EntryList& entries) override {
+        return reader_->read(folder, options, entries);
+    }
+    bool status(OpenFolder& folder, std::string_view name, FolderStatus& status) override {
+        if (!reader_->status(folder, name, status)) return false;
+        if (status.inode == inode_) ++status.device;
+        return true;
+    }
+
+private:
+    const std::unique_ptr<DirectoryReader> reader_ = systemDirectoryReader();
+    const std::uint64_t inode_;
+};
+
+std::uint64_t inodeOf(const std::string& path) {
+    struct stat status = {};
+    EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+    return status.st_ino;
+}
+
+TEST_F(FurtherDiscoveryTest, AnotherVolumeBelowTheHomeIsNeitherSearchedNorProposed) {
+    project("work/shop");
+    project("disk/old");
+    age(200);
+    EXPECT_THAT(taken(), ElementsAre("disk/old/node_modules", "work/shop/node_modules"));
+    machine.platform.directories = std::make_unique<VolumeBelow>(inodeOf(home().path("disk")));
+    EXPECT_THAT(taken(), ElementsAre("work/shop/node_modules"));
+    machine.platform.directories =
+        std::make_unique<VolumeBelow>(inodeOf(home().path("work/shop/node_modules/a")));
+    EXPECT_THAT(taken(), ElementsAre("disk/old/node_modules")) << "one that holds a volume";
+}
 
 TEST_F(FurtherDiscoveryTest, SizesAreWhatTheFilesTakeUpOnDisk) {
     home().sparse(".npm/_cacache/sparse", 1'000'000'000);
