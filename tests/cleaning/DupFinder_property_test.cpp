@@ -14,6 +14,7 @@
 #include "cleaning/DupFinder.h"
 #include "platform/Digest.h"
 #include "support/FakeFileContents.h"
+#include "support/exhaustive.h"
 #include "support/fakes.h"
 
 namespace velto {
@@ -203,7 +204,7 @@ TEST_P(DupFinderProperty, WhereverItIsStoppedTheRestIsFoundAmongWhatIsLeft) {
     EXPECT_EQ(found, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, DupFinderProperty, testing::Range(0u, 60u));
+INSTANTIATE_TEST_SUITE_P(Seeds, DupFinderProperty, testing::Range(0u, isExhaustive() ? 60u : 20u));
 
 }  // namespace
 }  // namespace velto

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -62,6 +63,10 @@ struct SharedTrash {
                 } catch (const TrashError& error) {
                     // The other one was faster.
                     if (error.reason() != TrashError::Reason::notFound) return false;
+                } catch (const FileError& error) {
+                    // The lock was the other one's for as long as is waited for it: nothing was
+                    // done.
+                    if (error.code() != EWOULDBLOCK) return false;
                 }
             }
             return true;

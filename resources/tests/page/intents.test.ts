@@ -202,13 +202,14 @@ describe('large files', () => {
       await row.click({ button: 'right' });
       const menu = page.getByRole('menu');
       expect(await menu.getByRole('menuitem').allInnerTexts()).toEqual([
-        'Show in folder', 'Open its folder in Folders', 'Copy location', 'Exclude from the analysis', 'Move to Velto Trash',
+        'Preview', 'Show in folder', 'Open its folder in Folders', 'Copy location', 'Exclude from the analysis', 'Move to Velto Trash',
       ]);
       await page.keyboard.press('End');
       await page.keyboard.press('Escape');
       expect(await menu.count()).toBe(0);
       expect(await row.evaluate((element) => element === document.activeElement)).toBe(true);
       await row.dispatchEvent('contextmenu', { button: 0 });
+      await page.keyboard.press('ArrowDown');
       expect(await during(() => page.keyboard.press('Enter'))).toEqual([{ type: 'revealPath', payload: wedding }]);
       await page.getByText('Opening its folder…').waitFor();
       const height = () => page.locator('[data-region="actions"]').evaluate((bar) => bar.getBoundingClientRect().height);
