@@ -89,6 +89,20 @@ test('a screen reader finds its way through every view, and is told what happens
   }
   const table = (name) => (now) => named(now, 'table', name)?.nRows > 1;
 
+  /** A dialog over the page: its name, the focus in it, and of a question its words and the safe answer. */
+  async function asks(title, safe) {
+    const dialog = await until(title, (now) => every(now).find((one) => one.role === 'dialog' && title.test(one.name)));
+    assert.deepEqual(faults(tree), [], dialog.name);
+    assert.ok(dialog.states.includes('modal'), 'what lies behind it is out of reach');
+    assert.ok(every(dialog).some(({ path }) => path === focused(tree)?.path), 'the focus is in it');
+    if (safe) {
+      assert.equal(focused(tree).name, safe);
+      assert.ok(dialog.description, 'its words are read with it');
+    }
+    await key('Escape');
+    await until('its end', (now) => !every(now).some(({ role }) => role === 'dialog'));
+  }
+
   await until('the overview', (now) => named(now, 'heading', 'Overview') && table('By category')(now));
   assert.deepEqual(faults(tree), [], 'Overview');
 
@@ -111,6 +125,9 @@ test('a screen reader finds its way through every view, and is told what happens
   assert.match(said(focused(tree)), new RegExp(film));
   await reader.hears('of the focus', ({ event, path, values }) =>
     event === 'StateChanged' && path === focused(tree).path && /'focused', 1/.test(values), { from: quiet });
+  await key('p');
+  await asks(new RegExp(film));
+  await until('the focus back in the list', (now) => focused(now)?.role === 'table row');
   await key('space');
   await until('the row selected', (now) => focused(now)?.states.includes('selected'));
   await key('Delete');
@@ -120,20 +137,6 @@ test('a screen reader finds its way through every view, and is told what happens
   assert.match(every(message).map(said).join(' '), /0.4 GB in Velto Trash/);
   await reader.hears('the message', ({ event, path }) =>
     ['ChildrenChanged', 'TextChanged'].includes(event) && every(message).some((one) => one.path === path), { from: quiet });
-
-  /** A question over the page: its name, its words, and the focus on what does nothing. */
-  async function asks(title, safe) {
-    const dialog = await until(title, (now) => every(now).find((one) => one.role === 'dialog' && title.test(one.name)));
-    assert.deepEqual(faults(tree), [], dialog.name);
-    assert.ok(dialog.states.includes('modal'), 'what lies behind it is out of reach');
-    assert.ok(every(dialog).some(({ path }) => path === focused(tree)?.path), 'the focus is in it');
-    if (safe) {
-      assert.equal(focused(tree).name, safe);
-      assert.ok(dialog.description, 'its words are read with it');
-    }
-    await key('Escape');
-    await until('its end', (now) => !every(now).some(({ role }) => role === 'dialog'));
-  }
 
   await opens('Velto Trash', table(/./));
   assert.ok(every(tree).some((one) => said(one) === film));

@@ -12,16 +12,20 @@ import { desktopFor, line, programWith, start } from './support/velto.mjs';
 const on = { type: 'systemWatch', payload: { on: true } };
 const off = { type: 'systemWatch', payload: { on: false } };
 
-/** More megabytes than any other process here has, as the view counts them. */
+/** More megabytes than all processes of any other name have, which are one row of the view. */
 function moreThanAnyOther() {
-  const kilobytes = readdirSync('/proc').filter((name) => /^\d+$/.test(name)).map((process) => {
+  const kilobytes = new Map();
+  for (const process of readdirSync('/proc').filter((name) => /^\d+$/.test(name))) {
     try {
-      return Number(readFileSync(`/proc/${process}/status`, 'utf8').match(/RssAnon:\s+(\d+)/)?.[1] ?? 0);
+      const status = readFileSync(`/proc/${process}/status`, 'utf8');
+      const name = status.match(/Name:\s+(.*)/)[1];
+      const held = Number(status.match(/RssAnon:\s+(\d+)/)?.[1] ?? 0);
+      kilobytes.set(name, (kilobytes.get(name) ?? 0) + held);
     } catch {
-      return 0; // it has ended
+      // It has ended.
     }
-  });
-  return Math.round((Math.max(...kilobytes) * 1.024 * 1.5) / 1000) + 300;
+  }
+  return Math.round((Math.max(...kilobytes.values()) * 1.024 * 1.5) / 1000) + 300;
 }
 
 const nameOf = ({ cells }) => cells[1];
