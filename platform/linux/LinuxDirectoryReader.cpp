@@ -54,9 +54,7 @@ std::shared_ptr<OpenFolder> openAt(int parent, const char* name, int extraFlags)
     return std::make_shared<LinuxFolder>(Descriptor(number));
 }
 
-double seconds(const struct statx_timestamp& time) {
-    return momentOf(time.tv_sec, time.tv_nsec);
-}
+double seconds(const struct statx_timestamp& time) { return momentOf(time.tv_sec, time.tv_nsec); }
 
 EntryKind kindOfType(std::uint8_t type) {
     switch (type) {

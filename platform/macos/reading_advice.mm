@@ -37,8 +37,8 @@ bool liesOnRotatingDisk(const struct stat&, const std::string& path) {
     if (!source.starts_with(devices)) return false;  // a network volume
     @autoreleasepool {
         const io_service_t medium = IOServiceGetMatchingService(
-            kIOMainPortDefault, IOBSDNameMatching(kIOMainPortDefault, 0,
-                                                  figures.f_mntfromname + devices.size()));
+            kIOMainPortDefault,
+            IOBSDNameMatching(kIOMainPortDefault, 0, figures.f_mntfromname + devices.size()));
         if (medium == IO_OBJECT_NULL) return false;
         const id device = CFBridgingRelease(IORegistryEntrySearchCFProperty(
             medium, kIOServicePlane, CFSTR(kIOPropertyDeviceCharacteristicsKey),

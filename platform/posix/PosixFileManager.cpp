@@ -29,9 +29,7 @@ void requireWholePath(const char* attempt, const std::string& path) {
     }
 }
 
-double seconds(const timespec& time) {
-    return momentOf(time.tv_sec, time.tv_nsec);
-}
+double seconds(const timespec& time) { return momentOf(time.tv_sec, time.tv_nsec); }
 
 /// Makes a folder whose own name has reached the disk before anything is put into it. False with
 /// `errno` when it was not made.
