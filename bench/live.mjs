@@ -6,7 +6,7 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { setTimeout as pause } from 'node:timers/promises';
 import { startDesktop } from '../tools/desktop/desktop.mjs';
-import { startProgram } from '../tools/desktop/program.mjs';
+import { homeVariables, startProgram } from '../tools/desktop/program.mjs';
 
 const build = process.argv[2] ?? 'build/release';
 const seconds = Number(process.argv[3] ?? 60);
@@ -87,10 +87,7 @@ async function main() {
   const desktop = await startDesktop();
   const velto = startProgram(join(build, 'velto'), [], {
     ...desktop.variables,
-    HOME: folder,
-    XDG_RUNTIME_DIR: folder,
-    XDG_CONFIG_HOME: undefined, XDG_DATA_HOME: undefined, XDG_CACHE_HOME: undefined,
-    XDG_STATE_HOME: undefined,
+    ...homeVariables(folder),
   });
   try {
     await velto.waitFor('Velto ▶ intención: webReady');

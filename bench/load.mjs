@@ -9,7 +9,7 @@ import { join } from 'node:path';
 import { setTimeout as pause } from 'node:timers/promises';
 import { promisify } from 'node:util';
 import { startDesktop } from '../tools/desktop/desktop.mjs';
-import { startProgram } from '../tools/desktop/program.mjs';
+import { homeVariables, startProgram } from '../tools/desktop/program.mjs';
 
 const build = process.argv[2] ?? 'build/release';
 const clicks = Number(process.argv[3] ?? 60);
@@ -61,10 +61,7 @@ async function main() {
   const desktop = await startDesktop();
   const variables = {
     ...desktop.variables,
-    HOME: home,
-    XDG_RUNTIME_DIR: folder,
-    XDG_CONFIG_HOME: undefined, XDG_DATA_HOME: undefined, XDG_CACHE_HOME: undefined,
-    XDG_STATE_HOME: undefined,
+    ...homeVariables(home, folder),
   };
   const velto = startProgram(join(build, 'velto'), [], variables);
   const loops = [];

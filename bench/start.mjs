@@ -5,7 +5,7 @@ import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { startDesktop } from '../tools/desktop/desktop.mjs';
-import { startProgram } from '../tools/desktop/program.mjs';
+import { homeVariables, startProgram } from '../tools/desktop/program.mjs';
 
 const build = process.argv[2] ?? 'build/release';
 const runs = Number(process.argv[3] ?? 15);
@@ -88,10 +88,7 @@ async function main() {
   const desktop = await startDesktop();
   const variables = {
     ...desktop.variables,
-    HOME: folder,
-    XDG_RUNTIME_DIR: folder,
-    XDG_CONFIG_HOME: undefined, XDG_DATA_HOME: undefined, XDG_CACHE_HOME: undefined,
-    XDG_STATE_HOME: undefined,
+    ...homeVariables(folder),
   };
   try {
     // The first pair fills the caches of the machine and is not counted.

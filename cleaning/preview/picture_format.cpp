@@ -40,7 +40,7 @@ private:
     std::string_view text_;
 };
 
-// PNG specification, 5.2 and 11.2.1: a signature, then IHDR with two numbers of four bytes.
+// ISO/IEC 15948 (PNG): a signature, then the chunk IHDR with two numbers of four bytes.
 std::optional<PictureSize> pngSize(const Bytes& bytes) {
     if (!bytes.is(12, "IHDR") || !bytes.has(16, 8)) return std::nullopt;
     return PictureSize{.width = bytes.big(16, 4), .height = bytes.big(20, 4)};

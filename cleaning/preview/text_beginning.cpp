@@ -30,14 +30,6 @@ std::string_view withoutHalfCharacter(std::string_view text) {
     return text;
 }
 
-std::size_t countOf(std::string_view what, std::string_view text) {
-    std::size_t count = 0;
-    for (std::size_t at = text.find(what); at != std::string_view::npos;
-         at = text.find(what, at + what.size()))
-        ++count;
-    return count;
-}
-
 }  // namespace
 
 std::optional<std::string> textBeginning(std::string_view head, bool isWhole) {
@@ -45,7 +37,7 @@ std::optional<std::string> textBeginning(std::string_view head, bool isWhole) {
     if (!isWhole) head = withoutHalfCharacter(head);
     if (std::ranges::any_of(head, isOfNoText)) return std::nullopt;
     std::string text = validUtf8(head);
-    const std::size_t bad = countOf(replacement, text) - countOf(replacement, head);
+    const std::size_t bad = occurrences(text, replacement) - occurrences(head, replacement);
     if (bad * 10 > head.size()) return std::nullopt;
     return text;
 }

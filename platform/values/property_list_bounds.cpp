@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "platform/values/PropertyList.h"
+#include "platform/values/text.h"
 
 namespace velto {
 namespace {
@@ -16,14 +17,6 @@ constexpr std::uint64_t mostValues = 1'000'000;  // of it, with every reference 
 constexpr std::string_view binaryMark = "bplist";
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
-
-std::size_t occurrences(std::string_view text, std::string_view word) {
-    std::size_t count = 0;
-    for (std::size_t at = text.find(word); at != std::string_view::npos;
-         at = text.find(word, at + word.size()))
-        ++count;
-    return count;
-}
 
 /// The object table of a binary property list (the format of CFBinaryPList): every object has an
 /// offset, and arrays, sets and dictionaries refer to others by number, several times if they like.

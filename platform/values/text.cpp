@@ -94,6 +94,14 @@ std::string validUtf8(std::string_view bytes) {
     return text;
 }
 
+std::size_t occurrences(std::string_view text, std::string_view word) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(word); at != std::string_view::npos;
+         at = text.find(word, at + word.size()))
+        ++count;
+    return count;
+}
+
 std::string singleLine(std::string_view text) {
     std::string line;
     line.reserve(text.size());

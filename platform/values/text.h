@@ -20,6 +20,9 @@ std::string singleLine(std::string_view text);
 /// `mostBytes`: a longer one ends with "…".
 std::string logText(std::string_view text, std::size_t mostBytes);
 
+/// How often `word`, which is not empty, stands in `text`, none overlapping another.
+std::size_t occurrences(std::string_view text, std::string_view word);
+
 /// An absolute path without doubled or trailing slashes, "." and "..", by its text alone: links
 /// play no part, and ".." at the top is dropped. Empty for a path that is not absolute.
 std::string standardizedPath(std::string_view path);

@@ -1,6 +1,16 @@
 // The real program under observation: its log as a list of lines that can be waited for.
 import { startChild, stopChild } from './children.mjs';
 
+/** The variables of a program that lives in a home, with nothing of the caller's folders. */
+export const homeVariables = (home, runtime = home) => ({
+  HOME: home,
+  XDG_RUNTIME_DIR: runtime,
+  XDG_CONFIG_HOME: undefined,
+  XDG_DATA_HOME: undefined,
+  XDG_CACHE_HOME: undefined,
+  XDG_STATE_HOME: undefined,
+});
+
 /**
  * Starts `program`. `variables` are set on top of the caller's environment; an undefined value
  * removes the variable.

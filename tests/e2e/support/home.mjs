@@ -18,6 +18,7 @@ import {
 } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
+import { homeVariables } from '../../../tools/desktop/program.mjs';
 
 export const MB = 1_000_000;
 
@@ -155,12 +156,7 @@ export class Home {
   /** The environment of a program that lives in this home; nothing of the caller's leaks in. */
   get variables() {
     return {
-      HOME: this.path,
-      XDG_RUNTIME_DIR: this.runtime,
-      XDG_CONFIG_HOME: undefined,
-      XDG_DATA_HOME: undefined,
-      XDG_CACHE_HOME: undefined,
-      XDG_STATE_HOME: undefined,
+      ...homeVariables(this.path, this.runtime),
       XDG_CONFIG_DIRS: undefined,
       WAYLAND_DISPLAY: undefined,
       LANG: 'C.UTF-8',

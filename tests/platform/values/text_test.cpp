@@ -28,6 +28,13 @@ TEST(Text, AToastTextIsOneLineWithoutBackslashes) {
     EXPECT_EQ(singleLine(std::string_view("a\0b", 3)), "a b");
 }
 
+TEST(Text, OccurrencesDoNotOverlap) {
+    EXPECT_EQ(occurrences("", "a"), 0u);
+    EXPECT_EQ(occurrences("banana", "an"), 2u);
+    EXPECT_EQ(occurrences("aaaaa", "aa"), 2u);
+    EXPECT_EQ(occurrences("a", "aa"), 0u);
+}
+
 TEST(Text, TheLastComponentIgnoresATrailingSlash) {
     EXPECT_EQ(lastPathComponent("/a/b.txt"), "b.txt");
     EXPECT_EQ(lastPathComponent("/a/b/"), "b");
