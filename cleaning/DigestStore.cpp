@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include "platform/Digest.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -20,7 +21,6 @@ constexpr const char* digestFileName = "/digests";
 constexpr ReadLimit digestFileLimit = ownFile(64 << 20);
 constexpr std::array<std::size_t, 3> digestLengths{32, 64, 64};
 constexpr auto beginnings = static_cast<std::size_t>(DigestStore::Part::beginnings);
-constexpr double nanosecond = 1e-9;  // in seconds
 
 bool hasLength(std::size_t part, std::size_t length) {
     if (part != beginnings) return length == digestLengths[part];
@@ -74,8 +74,7 @@ std::optional<std::string> DigestStore::find(const FileStamp& stamp, Part part) 
 
 void DigestStore::put(const FileStamp& stamp, Part part, std::string_view digest, double readAt) {
     const auto index = static_cast<std::size_t>(part);
-    const double changed =
-        static_cast<double>(std::max(stamp.modified, stamp.changed)) * nanosecond;
+    const double changed = momentOf(0, std::max(stamp.modified, stamp.changed));
     if (readAt - changed <= coarsest || !isDigest(index, digest)) return;
     const std::lock_guard guard(lock_);
     const auto known = files_.find(stamp.identity);

@@ -8,6 +8,7 @@
 #include "cleaning/SharingJournal.h"
 #include "cleaning/TrashGuard.h"
 #include "platform/values/scratch_name.h"
+#include "platform/values/units.h"
 #include "platform/values/uuid.h"
 
 namespace velto {
@@ -69,8 +70,7 @@ public:
             file.file = sharing_.open(*file.place.folder, file.place.name);
             file.stamp = file.file->stamp();
             if (file.stamp.identity != admitted.attributes.identity) throw Stays{Why::changed};
-            constexpr double nanosecond = 1e-9;  // in seconds
-            if (static_cast<double>(file.stamp.modified) * nanosecond > compared_) {
+            if (momentOf(0, file.stamp.modified) > compared_) {
                 throw Stays{Why::changed};
             }
             return file;

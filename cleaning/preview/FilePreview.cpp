@@ -9,6 +9,7 @@
 #include "cleaning/TrashGuard.h"
 #include "cleaning/preview/text_beginning.h"
 #include "platform/WithoutCloudDownloads.h"
+#include "platform/values/units.h"
 
 namespace velto {
 namespace {
@@ -79,9 +80,8 @@ std::unique_ptr<FileContent> openJudged(const Platform& platform, const std::str
 bool fillIn(FilePreview& preview, FileContent& file, const CancellationFlag& cancelled) {
     const auto stamp = file.stamp();
     if (!stamp) throw NoPreview::other;
-    constexpr double nanosecond = 1e-9;  // in seconds
     preview.bytes = stamp->length;
-    preview.modified = static_cast<double>(stamp->modified) * nanosecond;
+    preview.modified = momentOf(0, stamp->modified);
     const auto head = beginning(file, FilePreviewReader::mostTextBytes, cancelled);
     if (!head) return false;
     const auto format = pictureFormat(*head);

@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/extent_flags.h"
 #include "platform/posix/FileCalls.h"
 #include "platform/posix/extents.h"
 #include "platform/posix/uninterrupted.h"
@@ -57,8 +58,6 @@ int failWith(int error) {
 
 /// Linux tells where each piece of a file lies (FS_IOC_FIEMAP), once all is written out.
 int extentsOf(int file, std::vector<FileExtent>& found) {
-    constexpr __u32 nowhere = FIEMAP_EXTENT_UNKNOWN | FIEMAP_EXTENT_DELALLOC |
-                              FIEMAP_EXTENT_DATA_INLINE | FIEMAP_EXTENT_NOT_ALIGNED;
     std::vector<std::byte> buffer(sizeof(fiemap) + extentsAtOnce * sizeof(fiemap_extent));
     for (__u64 start = 0;;) {
         std::ranges::fill(buffer, std::byte{0});
@@ -80,7 +79,7 @@ int extentsOf(int file, std::vector<FileExtent>& found) {
                              .length = static_cast<std::int64_t>(extent.fe_length),
                              .isShared = (extent.fe_flags & FIEMAP_EXTENT_SHARED) != 0,
                              .isEncoded = (extent.fe_flags & FIEMAP_EXTENT_ENCODED) != 0,
-                             .isNowhere = (extent.fe_flags & nowhere) != 0});
+                             .isNowhere = (extent.fe_flags & withoutPosition) != 0});
             if ((extent.fe_flags & FIEMAP_EXTENT_LAST) != 0) return 0;
             start = extent.fe_logical + extent.fe_length;
         }

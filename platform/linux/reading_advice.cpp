@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "platform/linux/extent_flags.h"
 #include "platform/linux/mount_table.h"
 #include "platform/linux/rotating_disk.h"
 
@@ -79,8 +80,6 @@ void forget(int file, ByteRange range) {
 }
 
 std::optional<std::uint64_t> firstBlock(int file) {
-    constexpr __u32 nowhere = FIEMAP_EXTENT_UNKNOWN | FIEMAP_EXTENT_DELALLOC |
-                              FIEMAP_EXTENT_DATA_INLINE | FIEMAP_EXTENT_NOT_ALIGNED;
     alignas(fiemap) std::array<std::byte, sizeof(fiemap) + sizeof(fiemap_extent)> memory{};
     auto* const map = reinterpret_cast<fiemap*>(memory.data());
     map->fm_length = FIEMAP_MAX_OFFSET;
@@ -88,7 +87,7 @@ std::optional<std::uint64_t> firstBlock(int file) {
     if (::ioctl(file, FS_IOC_FIEMAP, map) != 0 || map->fm_mapped_extents == 0) return std::nullopt;
     fiemap_extent extent{};
     std::memcpy(&extent, memory.data() + offsetof(fiemap, fm_extents), sizeof extent);
-    if ((extent.fe_flags & nowhere) != 0) return std::nullopt;
+    if ((extent.fe_flags & withoutPosition) != 0) return std::nullopt;
     return extent.fe_physical;
 }
 
