@@ -12,6 +12,7 @@ namespace velto {
 namespace {
 
 constexpr std::int64_t smallestBigFile = 300'000'000;  // 0.3 GB
+static_assert(smallestBigFile >= DupFinder::smallestSize);
 
 constexpr std::array<std::string_view, 3> mediaLibraryExtensions{"photoslibrary", "musiclibrary",
                                                                  "tvlibrary"};
@@ -100,12 +101,15 @@ void ScanWorker::file(const WalkedFolder& folder, const DirectoryEntry& entry, c
     const Category category = classifier_.categoryOf(folder, entry.name, place);
     categoryBytes_[static_cast<std::size_t>(category)] += size;
     ++categoryFiles_[static_cast<std::size_t>(category)];
-    if (size >= DupFinder::smallestSize) {
-        duplicateCandidates_.push_back({folder.pathOf(entry.name), size, entry.logicalSize});
-    }
-    if (size >= smallestBigFile) {
-        bigFiles_.push_back({folder.pathOf(entry.name), size, lastUse(entry), category});
-    }
+    if (size >= DupFinder::smallestSize) list(folder, entry, size, category);
+}
+
+/// A file that is worth its path.
+void ScanWorker::list(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t size,
+                      Category category) {
+    const std::string path = folder.pathOf(entry.name);
+    duplicateCandidates_.push_back({path, size, entry.logicalSize});
+    if (size >= smallestBigFile) bigFiles_.push_back({path, size, lastUse(entry), category});
 }
 
 void ScanWorker::handOver(WalkTotals& totals, std::vector<BigFileFound>& bigFiles) {

@@ -15,8 +15,8 @@
 namespace velto {
 
 /// One thread's part of the scanner's walk: it counts what it meets and keeps what later steps
-/// need, for itself alone.
-class ScanWorker final : public TreeVisitor {
+/// need, for itself alone: not even a cache line (of 64 bytes) is shared with another.
+class alignas(64) ScanWorker final : public TreeVisitor {
 public:
     struct BigFileFound {
         std::string path;  // bytes as stored
@@ -75,6 +75,9 @@ public:
     void takeBigFiles(std::vector<BigFileFound>& bigFiles);
 
 private:
+    void list(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t size,
+              Category category);
+
     const Classifier& classifier_;
     const bool entersMediaLibraries_;
     std::array<std::int64_t, categoryCount> categoryBytes_{};

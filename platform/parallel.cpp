@@ -31,6 +31,8 @@ public:
         }
     }
 
+    bool hasMore() const { return next_ < count_; }
+
     void rethrow() {
         if (failure_) std::rethrow_exception(failure_);
     }
@@ -74,7 +76,8 @@ void forEachInParallel(std::size_t count, std::size_t threads,
     {
         Threads others;
         const std::size_t wanted = std::min(count, threads == 0 ? processorCount() : threads);
-        for (std::size_t number = 1; number < wanted; ++number)
+        // A thread takes as long to start as many a small piece of work does to end.
+        for (std::size_t number = 1; number < wanted && run.hasMore(); ++number)
             others.start(run);
         run.onThread(0);
     }

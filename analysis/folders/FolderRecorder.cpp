@@ -6,8 +6,6 @@
 #include <limits>
 #include <utility>
 
-#include "analysis/folders/saturated.h"
-
 namespace velto {
 namespace {
 
@@ -73,34 +71,17 @@ bool FolderRecorder::begin(const WalkedFolder& folder, const FolderStatus& statu
     return true;
 }
 
-void FolderRecorder::file(const WalkedFolder& folder, const DirectoryEntry& entry, bool isCounted) {
-    const std::int64_t size = entry.allocatedSize >= 0 ? entry.allocatedSize : entry.logicalSize;
-    count(folder, entry, std::max<std::int64_t>(size, 0), isCounted);
-}
-
-void FolderRecorder::other(const WalkedFolder& folder, const DirectoryEntry& entry) {
-    count(folder, entry, std::max<std::int64_t>(entry.allocatedSize, 0), true);
-}
-
-void FolderRecorder::count(const WalkedFolder& folder, const DirectoryEntry& entry,
-                           std::int64_t bytes, bool isCounted) {
-    latest_ = std::max(latest_, entry.modified);
-    const bool isRegular = entry.kind == EntryKind::regular;
-    if (entry.links > 1 && entry.inode != 0) {
-        const std::uint64_t device = recording_.roots[folder.root()].device;
-        linked_.push_back(
-            {.identity = {.device = device, .inode = entry.inode},
-             .bytes = bytes,
-             .folder = folder.number,
-             .isRegular = isRegular,
-             .isCounted = isCounted,
-             .links = static_cast<std::uint16_t>(std::min<std::uint32_t>(entry.links, UINT16_MAX)),
-             .name = kept(entry.name)});
-        return;
-    }
-    facts_.ownBytes = saturatedSum(facts_.ownBytes, bytes);
-    if (isRegular) ++facts_.ownFiles;
-    if (!isCounted) hiddenBytes_ = saturatedSum(hiddenBytes_, bytes);
+void FolderRecorder::countLinked(const WalkedFolder& folder, const DirectoryEntry& entry,
+                                 std::int64_t bytes, bool isCounted) {
+    const std::uint64_t device = recording_.roots[folder.root()].device;
+    linked_.push_back(
+        {.identity = {.device = device, .inode = entry.inode},
+         .bytes = bytes,
+         .folder = folder.number,
+         .isRegular = entry.kind == EntryKind::regular,
+         .isCounted = isCounted,
+         .links = static_cast<std::uint16_t>(std::min<std::uint32_t>(entry.links, UINT16_MAX)),
+         .name = kept(entry.name)});
 }
 
 void FolderRecorder::unopened(const WalkedFolder& folder) {

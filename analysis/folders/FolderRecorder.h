@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <memory>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "analysis/folders/FolderTree.h"
+#include "analysis/folders/saturated.h"
 #include "platform/walk/TreeWalk.h"
 
 namespace velto {
@@ -80,8 +82,13 @@ public:
     // The turn of a folder, as TreeVisitor has it.
     bool begin(const WalkedFolder& folder, const FolderStatus& status);
     /// `isCounted`: it is part of a category.
-    void file(const WalkedFolder& folder, const DirectoryEntry& entry, bool isCounted);
-    void other(const WalkedFolder& folder, const DirectoryEntry& entry);
+    void file(const WalkedFolder& folder, const DirectoryEntry& entry, bool isCounted) {
+        const bool isKnown = entry.allocatedSize >= 0;
+        count(folder, entry, isKnown ? entry.allocatedSize : entry.logicalSize, isCounted);
+    }
+    void other(const WalkedFolder& folder, const DirectoryEntry& entry) {
+        count(folder, entry, entry.allocatedSize, true);
+    }
     void unreadable() { ++facts_.unreadable; }
     void unopened(const WalkedFolder& folder);
     /// The folder whose turn it is was removed before it could be opened: it leaves no record.
@@ -134,8 +141,21 @@ private:
     std::string_view kept(std::string_view name);
     void add(Number number, Number parent, std::string_view name, const FolderFacts& facts);
     void record(const WalkedFolder& folder);
+    void countLinked(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t bytes,
+                     bool isCounted);
+    // Here, as every file of a home comes by.
     void count(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t bytes,
-               bool isCounted);
+               bool isCounted) {
+        bytes = std::max<std::int64_t>(bytes, 0);
+        latest_ = std::max(latest_, entry.modified);
+        if (entry.links > 1 && entry.inode != 0) {
+            countLinked(folder, entry, bytes, isCounted);
+            return;
+        }
+        facts_.ownBytes = saturatedSum(facts_.ownBytes, bytes);
+        if (entry.kind == EntryKind::regular) ++facts_.ownFiles;
+        if (!isCounted) hiddenBytes_ = saturatedSum(hiddenBytes_, bytes);
+    }
 
     FolderRecording& recording_;
     FolderFacts facts_;  // of the folder whose turn it is

@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <span>
 #include <utility>
 #include <vector>
@@ -41,6 +42,9 @@ struct LinuxFolder final : OpenFolder {
 // At least so much is asked of a listing at once: what one call costs beside its entries is lost in
 // it. A small folder's second call, which tells the end, leaves the rest of the room unused.
 constexpr std::size_t listingBytes = 16 * 1024;
+// Where a file system that numbers the names of a folder up to here (ext4, btrfs) stands behind the
+// last one: nothing can follow it, and the call that would say so is spared.
+constexpr std::int64_t lastPosition = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t statxBlock = 512;  // stx_blocks counts units of 512 bytes (statx(2))
 
 std::shared_ptr<OpenFolder> openAt(int parent, const char* name, int extraFlags) {
@@ -164,9 +168,11 @@ bool list(int folder, const ReadOptions& options, EntryList& entries, const Foun
             [&] { return ::syscall(SYS_getdents64, folder, listing.data(), listing.size()); });
         if (bytes <= 0) return bytes == 0;
         entries.keep(static_cast<std::size_t>(bytes));
+        std::int64_t next = 0;
         for (long position = 0; position < bytes;) {
             const auto& record = *reinterpret_cast<const LinuxDirent*>(listing.data() + position);
             position += record.length;
+            next = record.offset;
             const char* name = record.name;
             if (name[0] == '.') {
                 if (options.skipHidden) continue;
@@ -174,6 +180,7 @@ bool list(int folder, const ReadOptions& options, EntryList& entries, const Foun
             }
             found(record, entries.addKept(name));
         }
+        if (next == lastPosition) return true;
     }
 }
 

@@ -73,13 +73,9 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
         case EntryKind::regular:
             visitor_.file(*folder, entry, place);
             break;
-        case EntryKind::folder: {
-            visitor_.other(*folder, entry);
-            FolderReference child = FolderReference::inside(folder, entry.name, place);
-            child->isHidden = folder->hides(entry);
-            if (visitor_.enter(*child)) listed_.children.push_back(std::move(child));
+        case EntryKind::folder:
+            meetFolder(folder, entry, place);
             break;
-        }
         case EntryKind::unreadable:
             ++unreadable_;
             visitor_.unreadable(*folder, entry);
@@ -90,6 +86,14 @@ bool WalkWorker::meet(const FolderReference& folder, const DirectoryEntry& entry
             break;
     }
     return true;
+}
+
+void WalkWorker::meetFolder(const FolderReference& folder, const DirectoryEntry& entry,
+                            const Place* place) {
+    visitor_.other(*folder, entry);
+    FolderReference child = FolderReference::inside(folder, entry.name, place);
+    child->isHidden = folder->hides(entry);
+    if (visitor_.enter(*child)) listed_.children.push_back(std::move(child));
 }
 
 /// On failure `errno` is set.

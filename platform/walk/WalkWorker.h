@@ -19,8 +19,8 @@ struct WalkSetting {
     std::vector<int>& rootErrors;  // each entry is written by the one worker that opens the root
 };
 
-/// One thread's part of a walk.
-class WalkWorker {
+/// One thread's part of a walk, on cache lines (of 64 bytes) of its own.
+class alignas(64) WalkWorker {
 public:
     WalkWorker(const WalkSetting& setting, TreeVisitor& visitor)
         : setting_(setting), visitor_(visitor) {}
@@ -33,6 +33,7 @@ public:
 private:
     void walk(const WalkQueue::Item& item);
     bool meet(const FolderReference& folder, const DirectoryEntry& entry);
+    void meetFolder(const FolderReference& folder, const DirectoryEntry& entry, const Place* place);
     ReadOptions readOptions(const WalkedFolder& folder) const;
 
     enum class Opening { done, declined, failed };
