@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -15,9 +16,12 @@ inline constexpr std::uint64_t base = 127;  // a digit and one is never NUL
 
 /// Lowest digit first, each with one added; the high bit says that another follows.
 inline void append(std::string& text, std::uint64_t number) {
+    std::array<char, 10> digits;  // 127 to the power of ten is more than any number
+    char* end = digits.data();
     for (; number >= base; number /= base)
-        text += static_cast<char>((number % base + 1) | 0x80);
-    text += static_cast<char>(number + 1);
+        *end++ = static_cast<char>((number % base + 1) | 0x80);
+    *end++ = static_cast<char>(number + 1);
+    text.append(digits.data(), static_cast<std::size_t>(end - digits.data()));
 }
 
 /// What is negative is kept as zero.

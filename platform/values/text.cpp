@@ -172,7 +172,7 @@ std::string_view lastPathComponent(std::string_view path) {
 
 bool isComponent(std::string_view name) {
     return !name.empty() && name != "." && name != ".." &&
-           name.find_first_of(std::string_view("/\0", 2)) == std::string_view::npos;
+           name.find('/') == std::string_view::npos && name.find('\0') == std::string_view::npos;
 }
 
 std::string parentFolder(std::string_view path) {
