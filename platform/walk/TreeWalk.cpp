@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
-#include <ctime>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -18,6 +17,9 @@
 namespace velto {
 namespace {
 
+// The first ticks come sooner, each after twice the time of the one before: what is in no cache is
+// read by many threads from early on.
+constexpr std::chrono::milliseconds firstTick{10};
 constexpr std::chrono::milliseconds tickInterval{50};
 
 /// The threads of one walk. Its end joins them, whatever the calling thread is going through.
@@ -53,7 +55,8 @@ public:
     void wait(const TreeWalk::Tick& tick) {
         std::unique_lock guard(lock_);
         const auto ended = [this] { return running_ == 0; };
-        while (!ended_.wait_for(guard, tickInterval, ended)) {
+        for (auto interval = firstTick; !ended_.wait_for(guard, interval, ended);
+             interval = std::min(tickInterval, 2 * interval)) {
             guard.unlock();
             tick();
             guard.lock();
@@ -83,10 +86,6 @@ private:
     std::exception_ptr failure_;
 };
 
-double systemProcessorTime() {
-    return static_cast<double>(std::clock()) / static_cast<double>(CLOCKS_PER_SEC);
-}
-
 /// Starts the workers of a walk as its pace asks for them.
 class PacedWorkers {
 public:
@@ -95,20 +94,21 @@ public:
         : workers_(workers),
           queue_(queue),
           threads_(threads),
-          processorTime_(options.processorTime ? options.processorTime : systemProcessorTime),
+          processorUse_(options.processorUse ? options.processorUse : velto::processorUse),
           pace_(options.firstThreads == 0 ? workers.size() : options.firstThreads, workers.size()),
           asked_(std::chrono::steady_clock::now()),
-          used_(processorTime_()) {
+          spent_(processorUse_()) {
         allow(pace_.threads());
     }
 
     void adapt() {
         if (pace_.isFixed()) return;
         const auto now = std::chrono::steady_clock::now();
-        const double used = processorTime_();
-        allow(pace_.next(std::chrono::duration<double>(now - asked_).count(), used - used_));
+        const ProcessorUse spent = processorUse_();
+        allow(pace_.next(std::chrono::duration<double>(now - asked_).count(),
+                         {spent.used - spent_.used, spent.delayed - spent_.delayed}));
         asked_ = now;
-        used_ = used;
+        spent_ = spent;
     }
 
 private:
@@ -121,10 +121,10 @@ private:
     const std::vector<std::unique_ptr<WalkWorker>>& workers_;
     WalkQueue& queue_;
     WalkThreads& threads_;
-    const std::function<double()> processorTime_;
+    const std::function<ProcessorUse()> processorUse_;
     WalkPace pace_;
     std::chrono::steady_clock::time_point asked_;
-    double used_;
+    ProcessorUse spent_;
     std::size_t started_ = 0;
 };
 

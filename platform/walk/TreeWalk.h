@@ -8,6 +8,7 @@
 
 #include "platform/CancellationFlag.h"
 #include "platform/DirectoryReader.h"
+#include "platform/processor_use.h"
 #include "platform/values/PlaceTable.h"
 #include "platform/walk/WalkedFolder.h"
 
@@ -96,8 +97,8 @@ struct WalkOptions {
     /// So many threads begin, as many as the walk may keep processors busy; the others join while
     /// it mostly waits for the disk, and pause when it no longer does. 0: all from the beginning.
     std::size_t firstThreads = 0;
-    /// Seconds of processors that the process has used so far; empty: as the system counts them.
-    std::function<double()> processorTime;
+    /// What the process has used of processors so far; empty: as the system counts it.
+    std::function<ProcessorUse()> processorUse;
 };
 
 /// The program's one way through folder trees: several threads over a DirectoryReader, depth first,

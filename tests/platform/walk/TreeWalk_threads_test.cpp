@@ -103,7 +103,7 @@ TEST_F(TreeWalkThreadsTest, TheyJoinWhileTheProcessorsAreIdle) {
         if (folder.name == "inner") meeting.attend();
     };
     options.firstThreads = 2;
-    options.processorTime = [] { return 0.0; };
+    options.processorUse = [] { return ProcessorUse(); };
     EXPECT_EQ(walk(8), folders);
     EXPECT_EQ(meeting.most(), 8U);
 }
@@ -115,7 +115,7 @@ TEST_F(TreeWalkThreadsTest, ThoseOfABusyWalkStayAlone) {
         if (folder.name == "inner") meeting.attend();
     };
     options.firstThreads = 2;
-    options.processorTime = [used = 0.0]() mutable { return used += 1000; };
+    options.processorUse = [used = 0.0]() mutable { return ProcessorUse{used += 1000}; };
     EXPECT_EQ(walk(8), folders);
     EXPECT_LE(meeting.most(), 2U);
 }
@@ -127,7 +127,9 @@ TEST_F(TreeWalkThreadsTest, WhateverThePaceNothingIsMetTwiceOrMissed) {
     std::atomic<std::size_t> read{0};
     double used = 0;
     options.firstThreads = 1;
-    options.processorTime = [&] { return ticks.next() % 3 == 0 ? used : used += 1000; };
+    options.processorUse = [&] {
+        return ProcessorUse{ticks.next() % 3 == 0 ? used : used += 1000};
+    };
     reader.beforeRead = [&](const auto&) { ticks.await(++read / 40); };
     EXPECT_EQ(walk(6), folders);
     EXPECT_GE(ticks.count(), 10U);
@@ -139,7 +141,7 @@ TEST_F(TreeWalkThreadsTest, AFailureEndsThoseThatPauseToo) {
     double used = 0;
     options.firstThreads = 1;
     // All join, then all but one pause.
-    options.processorTime = [&] { return ticks.next() < 5 ? used : used += 1000; };
+    options.processorUse = [&] { return ProcessorUse{ticks.next() < 5 ? used : used += 1000}; };
     reader.beforeRead = [&](const auto&) {
         const std::size_t number = ++read;
         ticks.await(number / 20);
