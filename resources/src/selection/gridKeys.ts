@@ -74,6 +74,14 @@ function moveBetweenRows(event: KeyboardEvent, actions: ListActions): boolean {
   return true;
 }
 
+/**
+ * A row's own menu, where it has one. A letter asks for it: a Mac's keyboards have no menu key, and WebKitGTK answers that
+ * key itself, with an empty menu in the window's corner, before the page hears of it.
+ */
+function openMenu(event: KeyboardEvent): boolean {
+  return !event.target!.dispatchEvent(new MouseEvent('contextmenu', { bubbles: true, cancelable: true }));
+}
+
 function act(event: KeyboardEvent, actions: ListActions): boolean {
   const command = (event.metaKey || event.ctrlKey) && !event.altKey;
   const key = event.key.toLowerCase();
@@ -82,6 +90,7 @@ function act(event: KeyboardEvent, actions: ListActions): boolean {
   else if (command) return false;
   else if (event.key === 'Escape') actions.clear();
   else if (event.key === 'Delete' || event.key === 'Backspace') actions.remove();
+  else if (key === 'm' && openMenu(event)) return true;
   else if (event.key === ' ' && actions.focused !== null) {
     if (event.shiftKey) actions.extend(actions.focused);
     else actions.toggle(actions.focused);

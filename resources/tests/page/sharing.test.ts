@@ -53,6 +53,19 @@ describe('which copy stays', () => {
     });
   });
 
+  it('is chosen in the menu of a row by keyboard alone', async () => {
+    await inDuplicates(async ({ page }) => {
+      const wanted = `${home}/Movies/Verano/playa.mp4`;
+      await page.locator(`[data-key="${wanted}"]`).focus();
+      await page.keyboard.press('m');
+      expect(await page.evaluate(() => document.activeElement?.textContent)).toContain('Preview');
+      await page.keyboard.press('ArrowDown');
+      await page.keyboard.press('Enter');
+      expect(await kept(page)).toContain(wanted);
+      expect(await page.evaluate(() => (document.activeElement as HTMLElement).dataset.key)).toBe(wanted);
+    });
+  });
+
   it('a reference folder keeps all its copies, and says so', async () => {
     await inDuplicates(async ({ page }) => {
       await page.getByLabel('Folder whose copies always stay').selectOption(`${home}/Downloads`);

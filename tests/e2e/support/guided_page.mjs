@@ -13,17 +13,17 @@ let told = '';
 const clean = (text) => text.replace(/\\s+/g, ' ').trim();
 function look() {
   const controls = [];
-  for (const element of document.querySelectorAll('button, [data-search], [role="row"][data-key] > .tick')) {
+  for (const element of document.querySelectorAll('button, select, [data-search], [role="row"][data-key] > .tick')) {
     const { left, top, width, height } = element.getBoundingClientRect();
     const [x, y] = [left + width / 2, top + height / 2];
     const hit = document.elementFromPoint(x, y);
     if (!hit || !(element.contains(hit) || hit.contains(element))) continue;
     const row = element.closest('[role="row"]');
     const label = document.getElementById(element.getAttribute('aria-labelledby'));
-    const name = element.matches('button, [data-search]')
+    const name = element.matches('button, select, [data-search]')
       ? clean(element.getAttribute('aria-label') ?? (label ?? element).textContent)
       : 'tick ' + row.dataset.key;
-    controls.push({ name, x, y, off: element.ariaDisabled === 'true' || element.disabled === true,
+    controls.push({ name, x, y, value: element.selectedOptions?.[0].text ?? element.value, off: element.ariaDisabled === 'true' || element.disabled === true,
       on: row?.ariaSelected === 'true' || element.ariaChecked === 'true' });
   }
   const rows = [...document.querySelectorAll('[role="row"][data-key]')].map((row) => ({
@@ -112,6 +112,16 @@ export async function openGuided(
       // The page fills the window, and the window stands in the display's corner.
       await desktop.click(Math.round(control.x), Math.round(control.y));
     },
+    /** Opens the menu of the row of a path with the pointer's other button. */
+    async openMenu(path) {
+      const { x, y } = await shows(`the row of ${path}`, ({ controls }) =>
+        controls.find(({ name }) => name === `tick ${path}`));
+      await desktop.input('mousemove', Math.round(x), Math.round(y), 'click', 3);
+    },
+    /** Waits until the list of choices or the field of this name stands at `value`. */
+    holds: (name, value) =>
+      shows(`"${name}" at "${value}"`, ({ controls }) =>
+        controls.some((one) => matches(one.name, name) && matches(one.value, value))),
     /** Types a key until the focus is at a control of this name, or at the row of this path. */
     async keyTo(key, name, most = 40) {
       for (let count = 0; count < most; count++) {

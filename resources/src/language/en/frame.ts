@@ -78,7 +78,6 @@ export const frame = {
     clear: 'Clear the selection, end the search',
     preview: 'See what a file holds',
     copy: 'Copy the location',
-    menuKey: 'Menu key',
     menu: 'What can be done with the row',
     delete: 'Delete',
     remove: 'Move the selection to Velto Trash',

@@ -31,7 +31,7 @@ export const lists = {
   shownOf: (count: number, all: number, gb: number) =>
     `${count} of ${plural(all, { one: '# file', other: '# files' })} · ${size(gb)}`,
   filesLabel: 'Large files',
-  filesHelp: 'Arrow keys move, Space selects, Shift extends, P shows a preview, Escape clears the selection, right arrow reaches the actions of a row, up from the first row the column headers.',
+  filesHelp: 'Arrow keys move, Space selects, Shift extends, P shows a preview, M opens the menu of the row, Escape clears the selection, right arrow reaches the actions of a row, up from the first row the column headers.',
   filesIntro: 'The largest files of the analysis, from 0.3 GB up.',
   noLargeTitle: 'No large files',
   noLargeText: 'No single file of 0.3 GB or more was found. The space is spread over many small ones.',
@@ -59,7 +59,7 @@ export const lists = {
   selectionStatus: (count: number, gb: number) =>
     count ? `${plural(count, { one: '# selected', other: '# selected' })}, ${size(gb)}` : 'Nothing selected',
   duplicatesLabel: 'Groups of identical files',
-  duplicatesHelp: 'Arrow keys move, Space selects a copy for removal, K keeps a copy, P shows a preview, Escape clears the selection.',
+  duplicatesHelp: 'Arrow keys move, Space selects a copy for removal, K keeps a copy, P shows a preview, M opens the menu of the row, Escape clears the selection.',
   duplicatesIntro: 'Files with exactly the same content, compared by all of their content. One copy of each group always stays.',
   wasted: (gb: number) => `About ${size(gb)} in extra copies`,
   wastedNone: 'Less than 0.1 GB in extra copies',

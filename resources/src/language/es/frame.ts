@@ -81,7 +81,6 @@ export const frame: typeof english = {
     clear: 'Quitar la selección, salir de la búsqueda',
     preview: 'Ver qué contiene un archivo',
     copy: 'Copiar la ubicación',
-    menuKey: 'Tecla de menú',
     menu: 'Qué se puede hacer con la fila',
     delete: 'Suprimir',
     remove: 'Mover la selección a la Papelera de Velto',

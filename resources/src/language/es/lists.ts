@@ -31,7 +31,7 @@ export const lists: typeof english = {
   shown: (count, gb) => `${plural(count, files)} · ${size(gb)}`,
   shownOf: (count, all, gb) => `${count} de ${plural(all, files)} · ${size(gb)}`,
   filesLabel: 'Archivos grandes',
-  filesHelp: 'Las flechas mueven, Espacio selecciona, Mayúsculas amplía, P muestra una vista previa, Escape quita la selección, la flecha derecha llega a las acciones de la fila y, desde la primera fila, la flecha arriba a los encabezados.',
+  filesHelp: 'Las flechas mueven, Espacio selecciona, Mayúsculas amplía, P muestra una vista previa, M abre el menú de la fila, Escape quita la selección, la flecha derecha llega a las acciones de la fila y, desde la primera fila, la flecha arriba a los encabezados.',
   filesIntro: 'Los archivos más grandes del análisis, desde 0,3 GB.',
   noLargeTitle: 'No hay archivos grandes',
   noLargeText: 'Ningún archivo llega a 0,3 GB. El espacio se reparte entre muchos pequeños.',
@@ -60,7 +60,7 @@ export const lists: typeof english = {
   selectionStatus: (count, gb) =>
     count ? `${plural(count, { one: '# seleccionado', other: '# seleccionados' })}, ${size(gb)}` : 'Nada seleccionado',
   duplicatesLabel: 'Grupos de archivos idénticos',
-  duplicatesHelp: 'Las flechas mueven, Espacio selecciona una copia para quitarla, K conserva una copia, P muestra una vista previa, Escape quita la selección.',
+  duplicatesHelp: 'Las flechas mueven, Espacio selecciona una copia para quitarla, K conserva una copia, P muestra una vista previa, M abre el menú de la fila, Escape quita la selección.',
   duplicatesIntro: 'Archivos con exactamente el mismo contenido, comparados por entero. Siempre queda una copia de cada grupo.',
   wasted: (gb) => `Unos ${size(gb)} en copias de más`,
   wastedNone: 'Menos de 0,1 GB en copias de más',
