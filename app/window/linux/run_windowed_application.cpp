@@ -12,6 +12,7 @@
 #include "app/window/linux/DesktopAppearance.h"
 #include "app/window/linux/GtkApplicationShell.h"
 #include "app/window/linux/MainWindow.h"
+#include "app/window/linux/drawing_memory.h"
 #include "app/window/linux/gtk.h"
 #include "app/window/linux/page_scheme.h"
 #include "app/window/linux/style.h"
@@ -173,6 +174,7 @@ private:
 int runWindowedApplication(VeltoApp& app, Platform& platform, const AppCommand* asked) {
     const auto bundle = window::bundleFolder(platform);
     if (!bundle) fatal(window::missingBundleMessage);
+    window::keepDrawingMemory();
     window::prepareEnvironment(platform);
     auto session = window::makeSession(platform);
     // What the display knows the program by: its windows belong to the desktop entry of that name.
