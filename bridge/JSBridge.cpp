@@ -52,6 +52,7 @@ JSBridge::JSBridge(const BridgeContext& context)
       cache_(*context.platform.files, context.platform.layout),
       scanner_(std::make_shared<ScannerWithAccess>(context.platform)),
       cleanups_(context.cleanups),
+      saves_(*context.platform.dispatcher),
       progress_(context.progress) {
     makeIntents(context);
     accessGranted = permissions_.hasAccess();
@@ -101,6 +102,7 @@ void JSBridge::makeIntents(const BridgeContext& context) {
         .link = link,
         .platform = platform_,
         .cleanups = cleanups_,
+        .saves = saves_,
         .found = [this](const auto& groups) { addDuplicates(groups); }});
     exclusionIntents_ =
         std::make_shared<ExclusionIntents>(ExclusionIntents::Context{.link = link,
@@ -134,6 +136,7 @@ void JSBridge::makeIntents(const BridgeContext& context) {
 JSBridge::~JSBridge() {
     if (scanTask) scanTask->cancel();
     if (accessWatch) accessWatch->cancel();
+    saves_.finish();  // the next window reads it
 }
 
 std::shared_ptr<JSBridge> JSBridge::current() { return currentBridge().lock(); }
@@ -216,9 +219,16 @@ void JSBridge::showSettings() {
 
 void JSBridge::checkFullDiskAccess() { accessIntents_->check(); }
 
-/// For the next start; not while a reset is on its way, which the file would outlive.
-void JSBridge::rememberState() const {
-    if (bootState && resetsAhead_ == 0) cache_.save(bootState->state, bootState->stamp);
+/// For the next start; not while a reset is on its way, which the file would outlive. `then` runs
+/// later, when that is done.
+void JSBridge::rememberState(SaveQueue::Work then) const {
+    if (!bootState || resetsAhead_ > 0) {
+        if (then) platform_.dispatcher->main(std::move(then));
+        return;
+    }
+    saves_.put(
+        "analysis", [cache = cache_, shown = *bootState] { cache.save(shown.state, shown.stamp); },
+        std::move(then));
 }
 
 void JSBridge::log(const std::string& line) const { platform_.log->line(line); }

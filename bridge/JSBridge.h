@@ -16,6 +16,7 @@
 #include "bridge/BridgeLink.h"
 #include "bridge/BridgeState.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/SaveQueue.h"
 #include "bridge/UninstallGate.h"
 #include "bridge/WorkProgress.h"
 #include "bridge/failure_text.h"
@@ -132,11 +133,12 @@ private:
     // Analysis (analysis_task.cpp).
     void startAnalysis() override;
     void finishAnalysis(const AnalysisOutput& output);
+    void tellAnalysis(const std::string& line);
     void keepFolders(double measured);
     void failAnalysis(const std::string& line);
     void endAnalysis();
     DiskState stateToShow() const;
-    void rememberState() const;
+    void rememberState(SaveQueue::Work then = {}) const;
     void addDuplicates(const std::vector<DupGroup>& groups);
 
     void makeIntents(const BridgeContext& context);
@@ -174,6 +176,7 @@ private:
     std::weak_ptr<WebView> webView_;
 
     CleanupQueue& cleanups_;
+    const SaveQueue saves_;  // of the last analysis and its measurement
     AnalysisLists lists_;
     const WorkProgress* progress_;
     std::shared_ptr<WorkProgress::Work> analysisWork_;  // while one runs

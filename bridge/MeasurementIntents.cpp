@@ -53,10 +53,17 @@ void MeasurementIntents::takeAnalysis(const AnalysisOutput& output, double stamp
     digests_ = output.digests;
     stamp_ = stamp;
     remembers_ = remembers;
-    if (remembers_) file_.save(*measurement_, stamp_);
+    saveMeasurement();
     keepDigests();
     tellLists();
     tellMeasurement();
+}
+
+void MeasurementIntents::saveMeasurement() {
+    if (!remembers_) return;
+    context_.saves.put("measurement", [file = file_, measurement = *measurement_, stamp = stamp_] {
+        file.save(measurement, stamp);
+    });
 }
 
 /// What was read need not be read again at the next analysis. In its turn with a reset, which none
@@ -115,8 +122,8 @@ void MeasurementIntents::takeSlice(std::uint64_t run, const Slice& slice) {
     if (measurement_) {
         measurement_->compared = {.complete = uncompared_.empty(),
                                   .left = static_cast<std::int64_t>(uncompared_.size())};
-        // Once: a file that is written and synced after each part would hold the window up.
-        if (remembers_ && slice.isLast) file_.save(*measurement_, stamp_);
+        // Once: between two parts it changes by a number alone.
+        if (slice.isLast) saveMeasurement();
     }
     if (!part.groups.empty()) {
         details_.copies.insert(part.details.copies.begin(), part.details.copies.end());

@@ -10,6 +10,7 @@
 #include "analysis/MeasurementFile.h"
 #include "bridge/BridgeLink.h"
 #include "bridge/CleanupQueue.h"
+#include "bridge/SaveQueue.h"
 #include "bridge/measurement_events.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
@@ -27,7 +28,8 @@ public:
     struct Context {
         BridgeLink& link;
         Platform& platform;
-        CleanupQueue& cleanups;  // in whose turn files are written, as a reset takes them away
+        CleanupQueue& cleanups;  // in whose turn digests are written, as a reset takes them away
+        const SaveQueue& saves;  // the same of the measurement
         /// Duplicates that the continued comparison has found; they come one time each.
         std::function<void(const std::vector<DupGroup>&)> found;
     };
@@ -69,6 +71,7 @@ private:
     void tellLists();
     void tellMeasurement();
     void endComparison();
+    void saveMeasurement();
     void keepDigests();
 
     Context context_;

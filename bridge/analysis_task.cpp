@@ -30,13 +30,11 @@ void JSBridge::startAnalysis() {
     scanTask = cancelled;
     Dispatcher& dispatcher = *platform_.dispatcher;
     const std::weak_ptr<JSBridge> weak = weak_from_this();
-    // Back on the main thread, `finish` runs if the bridge still exists; then the analysis is over.
+    // Back on the main thread, `finish` runs if the bridge still exists.
     const auto end = [&dispatcher, weak](std::function<void(JSBridge&)> finish) {
         dispatcher.main([weak, finish = std::move(finish)] {
             const auto bridge = weak.lock();
-            if (!bridge) return;
-            finish(*bridge);
-            bridge->endAnalysis();
+            if (bridge) finish(*bridge);
         });
     };
     const auto progress = [&dispatcher, weak](std::int64_t files, double gb) {
@@ -77,6 +75,8 @@ void JSBridge::onStopAnalysis(const Payload&) {
     pendingAccessRescan = false;  // whoever stops one does not want the next
 }
 
+/// Takes the analysis over and has it saved; the page hears of it after that. It cannot be stopped
+/// any more.
 void JSBridge::finishAnalysis(const AnalysisOutput& output) {
     // Stopped in its last moment: it ends as if it had been noticed.
     if (scanTask->isCancelled()) {
@@ -97,13 +97,22 @@ void JSBridge::finishAnalysis(const AnalysisOutput& output) {
     lists_.replace(bootState->state, analysisBegun_);
     lists_.show(bootState->state);  // without what has left while the walk was on its way
     needsFirstScan = false;
-    rememberState();
+    scanTask.reset();
+    const std::string line =
+        fmt::format("Velto ▶ análisis terminado: {} archivos top, {} GB libres",
+                    output.files.size(), tenths(output.free));
+    rememberState([weak = weak_from_this(), line] {
+        if (const auto bridge = weak.lock()) bridge->tellAnalysis(line);
+    });
     keepFolders(now);
     measurementIntents_->takeAnalysis(output, now, resetsAhead_ == 0);
+}
+
+void JSBridge::tellAnalysis(const std::string& line) {
     pushState();
     evaluate(events::scanFinished());
-    log(fmt::format("Velto ▶ análisis terminado: {} archivos top, {} GB libres",
-                    output.files.size(), tenths(output.free)));
+    log(line);
+    endAnalysis();
 }
 
 /// The scanner is at rest until this analysis has ended.
@@ -143,6 +152,7 @@ void JSBridge::failAnalysis(const std::string& line) {
     }
     if (scanTask->isCancelled()) evaluate(events::analysisStopped());
     evaluate(events::scanFailed());
+    endAnalysis();
 }
 
 void JSBridge::endAnalysis() {

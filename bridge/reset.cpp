@@ -164,7 +164,10 @@ void JSBridge::onResetVelto(const Payload&) {
     Platform& platform = platform_;
     ++resetsAhead_;
     runCleanup(
-        [&platform, &usage = usage_](CleanupServices& services, CleanupOutcome& outcome) {
+        [&platform, &usage = usage_, saves = saves_](CleanupServices& services,
+                                                     CleanupOutcome& outcome) {
+            // What was asked for before would come back after the folder has gone.
+            saves.finish();
             // Before its file goes: a use noted in between is written without the older ones.
             usage.forget();
             outcome.failure = resetLocalData(platform, services.trash);

@@ -1,3 +1,4 @@
+#include "analysis/MeasurementFile.h"
 #include "bridge/BridgeFixture.h"
 
 namespace velto {
@@ -71,6 +72,88 @@ TEST_F(AnalysisTask, AFinishedAnalysisIsSavedBeforeThePageHearsOfIt) {
     EXPECT_TRUE(machine.log.holds("Velto ▶ análisis terminado: 0 archivos top, 125.0 GB libres"));
     EXPECT_FALSE(bridge->scanRunning);
     EXPECT_FALSE(bridge->scanTask);
+}
+
+/// An analysis whose result the main thread has taken over and nobody has saved yet.
+struct AnalysisBeingSaved : AnalysisTask {
+    void SetUp() override {
+        machine.home.file("Music/a.mp3", 2_MB);
+        open();
+        post("scan");
+        machine.dispatcher.runGlobal();
+        machine.dispatcher.runMain();
+    }
+
+    std::optional<ScanCache::Entry> saved() {
+        return ScanCache(*machine.platform.files, machine.platform.layout).load();
+    }
+};
+
+TEST_F(AnalysisBeingSaved, ThePageHearsThatItIsOverWhenTheFileStandsAndNotBefore) {
+    EXPECT_FALSE(saved()) << "the main thread writes nothing itself";
+    EXPECT_EQ(count("onScanFinished"), 0u);
+    EXPECT_TRUE(bridge->scanRunning);
+    machine.dispatcher.runGlobal();
+    ASSERT_TRUE(saved());
+    EXPECT_EQ(saved()->state, bridge->bootState->state);
+    EXPECT_EQ(count("onScanFinished"), 0u);
+    machine.dispatcher.runMain();
+    EXPECT_EQ(count("onScanFinished"), 1u);
+    EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(AnalysisBeingSaved, AWindowThatClosesThenLosesNeitherStateNorMeasurement) {
+    const DiskState made = bridge->bootState->state;
+    bridge.reset();
+    ASSERT_TRUE(saved());
+    EXPECT_EQ(saved()->state, made);
+    EXPECT_TRUE(
+        MeasurementFile(*machine.platform.files, machine.platform.layout).load(saved()->ts));
+    openAnother();
+    EXPECT_FALSE(bridge->needsFirstScan);
+    EXPECT_EQ(bridge->bootState->state, made);
+}
+
+TEST_F(AnalysisBeingSaved, WhatIsChangedThenIsSavedWithIt) {
+    post("settings", {{"retention", 7}});
+    machine.dispatcher.runAll();
+    ASSERT_TRUE(saved());
+    EXPECT_EQ(saved()->state.settings.retention, 7);
+    EXPECT_EQ(saved()->state, bridge->bootState->state);
+    EXPECT_EQ(count("onScanFinished"), 1u);
+}
+
+TEST_F(AnalysisBeingSaved, StoppingItComesTooLate) {
+    post("stopAnalysis");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onScanFinished"), 1u);
+    EXPECT_EQ(count("onAnalysisStopped"), 0u);
+    EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(AnalysisTask, AResetIsNotOutlivedByTheAnalysisThatIsBeingSaved) {
+    open();
+    post("scan");
+    machine.dispatcher.runGlobal();
+    bridge->refreshTrash();  // at work before the analysis is saved, and the reset goes along
+    machine.dispatcher.runMain();
+    post("resetVelto");
+    machine.dispatcher.runAll();
+    EXPECT_FALSE(machine.home.exists("Library/Application Support/Velto"));
+    EXPECT_FALSE(bridge->bootState);
+    EXPECT_EQ(count("onScanFinished"), 1u);
+    EXPECT_FALSE(bridge->scanRunning);
+}
+
+TEST_F(AnalysisTask, AnAnalysisThatCannotBeSavedIsShownAllTheSame) {
+    // A folder that holds something is replaced by no file.
+    machine.home.text("Library/Application Support/Velto/lastScan.json/taken", "");
+    open();
+    post("scan");
+    machine.dispatcher.runAll();
+    EXPECT_EQ(count("onScanFinished"), 1u);
+    EXPECT_FALSE(bridge->scanRunning);
+    EXPECT_THAT(page->calls("setState").back(), HasSubstr("\"id\":\"musica\""));
 }
 
 TEST_F(AnalysisTask, TheComparisonIsAPhaseOfItsOwnBetweenTheCountAndTheEnd) {

@@ -162,6 +162,7 @@ TEST_F(SettingsIntent, ThePageGetsTheNewStateAndTheSavedAnalysisKeepsItsStamp) {
     post("settings", {{"retention", 7}});
     EXPECT_THAT(page->calls("setState").back(), HasSubstr("\"retention\":7"));
     EXPECT_THAT(page->calls("setState").back(), HasSubstr(", 1600000000.0);"));
+    machine.dispatcher.runAll();
     const auto saved = ScanCache(*machine.platform.files, machine.platform.layout).load();
     ASSERT_TRUE(saved);
     EXPECT_EQ(saved->ts, 1'600'000'000);

@@ -108,8 +108,7 @@ TEST_F(TrashState, AnAnalysisThatRunsMeanwhileDoesNotBringBackWhatHasGone) {
     post("scan");
     machine.dispatcher.runGlobal();  // the walk has seen the file
     post("deleteFiles", {{"paths", {machine.home.path("Music/large.wav")}}});
-    machine.dispatcher.runGlobal();
-    machine.dispatcher.runMain();
+    machine.dispatcher.runAll();
     EXPECT_EQ(count("onScanFinished"), 1u);
     EXPECT_THAT(shownFiles(), IsEmpty());
     EXPECT_THAT(shown()["history"], SizeIs(1));
