@@ -64,8 +64,10 @@ set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
     ${share}/bash-completion ${share}/bash-completion/completions
     ${share}/zsh ${share}/zsh/site-functions ${share}/zsh/vendor-completions
     ${share}/fish ${share}/fish/vendor_completions.d ${share}/doc)
+# As for a .deb; CPack knows no word for it, but what it writes at the head of the specification is read as well.
 set(CPACK_RPM_SPEC_MORE_DEFINE
-"%define _build_id_links none
+"Recommends: librsvg2, adwaita-icon-theme
+%define _build_id_links none
 %define use_source_date_epoch_as_buildtime 1
 %define clamp_mtime_to_source_date_epoch 1
 %define _buildhost localhost")

@@ -3,7 +3,9 @@ if(NOT CPACK_GENERATOR STREQUAL "DEB")
     file(GLOB_RECURSE changes ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/changelog.Debian.gz)
     file(GLOB lintian ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/*/share/lintian
         ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/share/lintian)
-    file(REMOVE_RECURSE ${changes} ${lintian})
+    if(changes OR lintian)
+        file(REMOVE_RECURSE ${changes} ${lintian})
+    endif()
 endif()
 # All files are as old as the sources.
 if(DEFINED ENV{SOURCE_DATE_EPOCH})

@@ -128,8 +128,25 @@ check_packages() {
             2>"$logs/man.log" >/dev/null || failed=1
         [ ! -s "$logs/man.log" ] || { cat "$logs/man.log" && failed=1; }
     done
+    rpm_lives build/package || failed=1
     tests/packages/reproducible.sh "$made" || failed=1
     return $failed
+}
+
+# rpm_lives FOLDER: the .rpm that was made there, and one with the next number, in a tree of their own.
+rpm_lives() {
+    if ! have rpmbuild; then
+        echo "    skipped: no rpmbuild"
+        return
+    fi
+    local next=$1/next-rpm
+    rm -rf "$next"
+    SOURCE_DATE_EPOCH=$(source_date) cpack -G RPM --config "$1/CPackConfig.cmake" -B "$next" \
+        -D CPACK_RPM_PACKAGE_RELEASE=2 >"$logs/next-rpm.log" 2>&1 || {
+        tail -n 20 "$logs/next-rpm.log"
+        return 1
+    }
+    tests/packages/rpm_in_tree.sh "$1"/packages/*.rpm "$next"/*.rpm
 }
 
 try_packages() {
