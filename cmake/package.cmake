@@ -3,6 +3,7 @@
 set(VELTO_PACKAGE_RELEASE 1 CACHE STRING
     "What tells packages of one version apart, as \"1\" or \"1~deb12\"")
 set(VELTO_HOMEPAGE "" CACHE STRING "Address of the project's pages, for packages and software centres")
+set(VELTO_SCREENSHOTS "" CACHE STRING "Address of a folder like docs/guide, whose pictures software centres show")
 # As Debian's own tools know who packages.
 set(maintainer "The Velto authors <velto@packages.invalid>")
 if(DEFINED ENV{DEBEMAIL} AND DEFINED ENV{DEBFULLNAME})

@@ -42,6 +42,13 @@ package_release() {
     )
 }
 
+# Where the project's pages and the pictures of this version are; known to who publishes it (VELTO_REPOSITORY,
+# "owner/name") and to nobody else.
+homepage() { echo "${VELTO_REPOSITORY:+https://github.com/$VELTO_REPOSITORY}"; }
+screenshots() {
+    echo "${VELTO_REPOSITORY:+https://raw.githubusercontent.com/$VELTO_REPOSITORY/v$(project_version)/docs/guide}"
+}
+
 # package_linux FOLDER: builds there and leaves a .deb and a .rpm in FOLDER/packages.
 package_linux() {
     local folder=$1 log=$logs/package.log
@@ -52,7 +59,7 @@ package_linux() {
     rm -rf "$folder/packages"
     {
         cmake --preset package -B "$folder" -DVELTO_PACKAGE_RELEASE="$(package_release)" \
-            -DVELTO_HOMEPAGE="${VELTO_REPOSITORY:+https://github.com/$VELTO_REPOSITORY}" &&
+            "-DVELTO_HOMEPAGE=$(homepage)" "-DVELTO_SCREENSHOTS=$(screenshots)" &&
             cmake --build "$folder" --parallel "$(cores)" --target velto velto-icons page &&
             (for_each_packer "$folder")
     } >"$log" 2>&1 || {
@@ -117,7 +124,9 @@ check_packages() {
     rm -rf "$installed"
     dpkg-deb --extract "$made"/*.deb "$installed"
     desktop-file-validate "$installed"/usr/share/applications/*.desktop || failed=1
-    # Where the project's pages are is known to who publishes it, and to the build by VELTO_REPOSITORY.
+    # As a release has it, with the addresses that are known to who publishes it, and as it was just made.
+    published_metainfo build/published &&
+        appstreamcli validate --pedantic --no-net build/published/installed/share/metainfo/*.xml || failed=1
     local -a lenient=()
     if [ -z "${VELTO_REPOSITORY:-}" ] && ! appstreamcli --version | grep -q ' 0\.'; then
         lenient=(--override=url-homepage-missing=info)
@@ -131,6 +140,14 @@ check_packages() {
     rpm_lives build/package || failed=1
     tests/packages/reproducible.sh "$made" || failed=1
     return $failed
+}
+
+# published_metainfo FOLDER: what needs no compiler, installed in FOLDER/installed as a release of "owner/name" has it.
+published_metainfo() {
+    local VELTO_REPOSITORY=owner/name
+    quietly published.log cmake --preset package -B "$1" "-DVELTO_HOMEPAGE=$(homepage)" \
+        "-DVELTO_SCREENSHOTS=$(screenshots)"
+    quietly published.log cmake --install "$1" --component desktop --prefix "$1/installed"
 }
 
 # rpm_lives FOLDER: the .rpm that was made there, and one with the next number, in a tree of their own.

@@ -6,7 +6,9 @@ SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
 export SOURCE_DATE_EPOCH
 ./dev setup
 npm --prefix resources run build
-cmake --preset package -DVELTO_HOMEPAGE="${VELTO_REPOSITORY:+https://github.com/$VELTO_REPOSITORY}"
+# shellcheck source=/dev/null
+. tools/package.sh
+cmake --preset package "-DVELTO_HOMEPAGE=$(homepage)" "-DVELTO_SCREENSHOTS=$(screenshots)"
 cmake --build build/package --parallel "$(nproc)" --target velto velto-icons page
 cd build/package
 cpack -G RPM

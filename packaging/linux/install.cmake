@@ -29,6 +29,28 @@ set(VELTO_HOMEPAGE_ELEMENT "")
 if(VELTO_HOMEPAGE)
     set(VELTO_HOMEPAGE_ELEMENT "  <url type=\"homepage\">${VELTO_HOMEPAGE}</url>\n")
 endif()
+# The guide's pictures, of the view that a person sees first on top.
+set(VELTO_SCREENSHOTS_ELEMENT "")
+if(VELTO_SCREENSHOTS)
+    set(kind " type=\"default\"")
+    string(APPEND VELTO_SCREENSHOTS_ELEMENT "  <screenshots>\n")
+    foreach(picture IN ITEMS
+            "overview|What fills the disk|Qué llena el disco" "folders|Folders, and what has grown|Carpetas, y lo que ha crecido"
+            "cleanup|What can go|Lo que puede irse" "trash|The way back|El camino de vuelta")
+        string(REPLACE "|" ";" picture "${picture}")
+        list(GET picture 0 name)
+        list(GET picture 1 en)
+        list(GET picture 2 es)
+        string(APPEND VELTO_SCREENSHOTS_ELEMENT
+            "    <screenshot${kind}>\n"
+            "      <caption>${en}</caption>\n      <caption xml:lang=\"es\">${es}</caption>\n"
+            "      <image>${VELTO_SCREENSHOTS}/en/guide-${name}-en.png</image>\n"
+            "      <image xml:lang=\"es\">${VELTO_SCREENSHOTS}/es/guide-${name}-es.png</image>\n"
+            "    </screenshot>\n")
+        set(kind "")
+    endforeach()
+    string(APPEND VELTO_SCREENSHOTS_ELEMENT "  </screenshots>\n")
+endif()
 set(VELTO_RELEASE_TYPE stable)
 if(PROJECT_VERSION_MAJOR EQUAL 0)
     set(VELTO_RELEASE_TYPE development)
