@@ -14,6 +14,11 @@ export function totalGb(items: readonly { gb: number }[]): number {
   return items.reduce((sum, { gb }) => sum + gb, 0);
 }
 
+/** In a loop: a call takes only some ten thousand arguments, and an operation may have more items. */
+function newest(items: readonly TrashItem[]): number {
+  return items.reduce((latest, { taken }) => Math.max(latest, taken), -Infinity);
+}
+
 /** Newest first. The program tells the items in the order they arrived, so of equal times the later one is newer. */
 export function operationsOf(items: readonly TrashItem[]): Operation[] {
   const groups = new Map<string, TrashItem[]>();
@@ -25,7 +30,7 @@ export function operationsOf(items: readonly TrashItem[]): Operation[] {
   return [...groups]
     .map(([id, members]) => ({
       id,
-      taken: Math.max(...members.map(({ taken }) => taken)),
+      taken: newest(members),
       gb: totalGb(members),
       items: [...members].sort((left, right) => right.gb - left.gb),
     }))

@@ -32,7 +32,7 @@ class LargeFiles {
   readonly selectedFiles: BigFile[] = $derived(this.shown.filter(({ path }) => this.selection.selected.has(path)));
   readonly hiddenSelected: number = $derived(this.selection.selected.size - this.selectedFiles.length);
   readonly selectedGb: number = $derived(this.selectedFiles.reduce((sum, { gb }) => sum + gb, 0));
-  readonly largest: number = $derived(Math.max(...this.all.map(({ gb }) => gb), 0.1));
+  readonly largest: number = $derived(this.all.reduce((most, { gb }) => Math.max(most, gb), 0.1));
   /** What of the rows shown can be selected is: all, some or none of it. */
   readonly isAllSelected: boolean | 'some' = $derived.by(() => {
     const count = this.keys.filter(this.selectable).length;

@@ -32,7 +32,9 @@ export function monthsOf(history: readonly HistoryEntry[]): Month[] {
   const months = new Map<number, HistoryEntry[]>();
   for (const entry of dated) {
     const month = monthNumber(entry.ts);
-    months.set(month, [...(months.get(month) ?? []), entry]);
+    const entries = months.get(month);
+    if (entries) entries.push(entry);
+    else months.set(month, [entry]);
   }
   return [
     ...[...months].map(([month, entries]) => ({ stamp: middleOf(month), gb: removedGb(entries), entries })),
