@@ -35,6 +35,8 @@ furnish() {
     for name in a b; do head -c 3000000 /dev/zero | tr '\0' x >"Documents/$name.bin"; done
     head -c 60000000 /dev/urandom >Downloads/film.mkv
     head -c 2000000 /dev/urandom >.cache/app/blob
+    mkdir -p .npm/_cacache/content-v2
+    head -c 20000000 /dev/urandom >.npm/_cacache/content-v2/blob
     touch -d '2 years ago' Downloads/film.mkv
     sums >/tmp/sums
     find . | sort >/tmp/paths
@@ -108,13 +110,15 @@ switches_maintenance_on() {
     user_manager || fail "no manager of the user's units starts here"
     start_velto --debug-log
     expect_logged 'intención: webReady'
+    expect_logged 'intención: found payload: '
+    grep -F 'intención: found payload: ' "$log" | grep -qw npm || { grep -F "found payload" "$log"; fail "the rules do not find the cache of npm"; }
     until_true 60 test -e .config/systemd/user/app.velto.maintenance.timer || { tail -n 20 "$log" && fail "no timer"; }
     until_true 30 systemctl --user is-active --quiet app.velto.maintenance.timer || fail "the timer does not run"
     end_velto
     grep -q '^ConditionFileIsExecutable=/usr/lib/velto/velto$' .config/systemd/user/app.velto.maintenance.service ||
         fail "the service does not name the installed program"
     end_manager
-    say "maintenance is on: the timer runs"
+    say "the rules find what they name; maintenance is on: the timer runs"
 }
 
 maintenance_runs() {

@@ -34,14 +34,26 @@ with_units() {
     return $status
 }
 
-# For this step alone the page has a script beside it that posts what its switch for maintenance does.
+# For this step alone the page has a script beside it that posts what its switch for maintenance does, asks what
+# the rules find, and has the answer written to the log.
 with_switching_page() {
     local bundle=/usr/share/velto/Velto_velto_app.bundle
     cp -r $bundle /tmp/bundle
     cat >/tmp/bundle/switch.js <<'SCRIPT'
-window.addEventListener('load', () => window.webkit.messageHandlers.velto.postMessage({
-  type: 'settings', payload: { enabled: true, frequency: 'daily' },
-}));
+const post = (type, payload) => window.webkit.messageHandlers.velto.postMessage({ type, payload });
+function ask() {
+  const told = window.velto?.onFurtherCleanables;
+  if (!told) return setTimeout(ask, 50);
+  window.velto.onFurtherCleanables = (further) => {
+    told(further);
+    post('found', further.groups.map(({ rule }) => rule.id).join(' '));
+  };
+  post('scanFurther');
+}
+window.addEventListener('load', () => {
+  post('settings', { enabled: true, frequency: 'daily' });
+  ask();
+});
 SCRIPT
     sed -i 's|</head>|<script defer src="switch.js"></script></head>|' /tmp/bundle/index.html
     chmod -R a+rX /tmp/bundle
