@@ -30,6 +30,7 @@ constexpr auto measures = std::to_array<MeasureWord>({
     {"podman", FurtherRule::Measure::podman},
     {"snap", FurtherRule::Measure::snap},
     {"journal", FurtherRule::Measure::journal},
+    {"flatpak", FurtherRule::Measure::flatpak},
 });
 
 [[noreturn]] void refuse(std::string_view field, std::string_view why) {

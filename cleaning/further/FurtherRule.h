@@ -14,7 +14,7 @@ namespace velto {
 /// One rule of `rules/`, as its file says; `rules/schema/rule.schema.json` tells what each field
 /// means. Either `where` or `names` is empty.
 struct FurtherRule {
-    enum class Measure { none, files, docker, podman, snap, journal };
+    enum class Measure { none, files, docker, podman, snap, journal, flatpak };
 
     std::string id;
     bool isForFreedesktop = false;

@@ -7,6 +7,9 @@
 
 #include <fmt/format.h>
 
+#include "cleaning/further/tool_answers.h"
+#include "cleaning/further/unused_flatpaks.h"
+
 namespace velto {
 namespace {
 
@@ -34,19 +37,6 @@ constexpr auto prunes = std::to_array<Prune>({{"Images", "image prune --all"},
                                               {"Local Volumes", "volume prune --all"},
                                               {"Build Cache", "builder prune"}});
 
-std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(" \r\t");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \r\t") - first + 1);
-}
-
-/// Takes what stands before the next `separator` off the front.
-std::string_view next(std::string_view& rest, char separator) {
-    const std::string_view part = rest.substr(0, rest.find(separator));
-    rest.remove_prefix(std::min(rest.size(), part.size() + 1));
-    return part;
-}
-
 /// Digits with at most one point; not the locale's.
 std::optional<double> plainNumber(std::string_view text) {
     const std::size_t point = std::min(text.find('.'), text.size());
@@ -67,26 +57,13 @@ std::optional<double> plainNumber(std::string_view text) {
 
 template <typename Units>
 std::optional<std::int64_t> sizeIn(std::string_view text, const Units& units) {
-    text = trimmed(text.substr(0, text.find('(')));
+    text = trimmedAnswer(text.substr(0, text.find('(')));
     const std::size_t end = std::min(text.find_first_not_of("0123456789."), text.size());
     const auto value = plainNumber(text.substr(0, end));
-    const auto unit = std::ranges::find(units, trimmed(text.substr(end)), &Unit::word);
+    const auto unit = std::ranges::find(units, trimmedAnswer(text.substr(end)), &Unit::word);
     if (!value || unit == units.end()) return std::nullopt;
     const double bytes = std::round(*value * unit->bytes);
     return bytes < 9e18 ? std::optional(static_cast<std::int64_t>(bytes)) : std::nullopt;
-}
-
-std::optional<std::string> answerOf(const Platform& platform, std::string_view tool,
-                                    const std::vector<std::string>& arguments,
-                                    const std::vector<std::string>& folders) {
-    for (const std::string& folder : folders) {
-        const std::string path = fmt::format("{}/{}", folder, tool);
-        if (!platform.files->exists(path)) continue;
-        ToolResult result = platform.tools->read(path, arguments);
-        if (!result.started || result.exitStatus != 0) return std::nullopt;
-        return std::move(result.standardOutput);
-    }
-    return std::nullopt;
 }
 
 void sortBySize(std::vector<ToolPart>& parts) {
@@ -97,14 +74,14 @@ void sortBySize(std::vector<ToolPart>& parts) {
 
 std::optional<ToolMeasure> measureContainers(const Platform& platform, std::string_view tool,
                                              const std::vector<std::string>& folders) {
-    const auto answer = answerOf(
+    const auto answer = toolAnswer(
         platform, tool, {"system", "df", "--format", "{{.Type}}\t{{.Reclaimable}}"}, folders);
     return answer ? containerMeasure(*answer, tool) : std::nullopt;
 }
 
 std::optional<ToolMeasure> measureSnaps(const Platform& platform,
                                         const std::vector<std::string>& folders) {
-    const auto answer = answerOf(platform, "snap", {"list", "--all"}, folders);
+    const auto answer = toolAnswer(platform, "snap", {"list", "--all"}, folders);
     if (!answer) return std::nullopt;
     ToolMeasure measure;
     for (const SnapRevision& snap : disabledRevisions(*answer)) {
@@ -146,9 +123,12 @@ std::optional<ToolMeasure> measureByTool(const Platform& platform, FurtherRule::
             return measureSnaps(platform, folders);
         case FurtherRule::Measure::journal: {
             const auto answer =
-                answerOf(platform, "journalctl", {"--user", "--disk-usage"}, folders);
+                toolAnswer(platform, "journalctl", {"--user", "--disk-usage"}, folders);
             return answer ? journalMeasure(*answer) : std::nullopt;
         }
+        case FurtherRule::Measure::flatpak:
+            return measureUnusedFlatpaks(platform, folders,
+                                         {.user = platform.layout.applicationSupport + "/flatpak"});
         case FurtherRule::Measure::files:
         case FurtherRule::Measure::none:
             break;
@@ -166,8 +146,8 @@ std::optional<ToolMeasure> containerMeasure(std::string_view answer, std::string
     ToolMeasure measure;
     bool isTold = false;
     while (!answer.empty()) {
-        std::string_view line = next(answer, '\n');
-        const std::string_view type = trimmed(next(line, '\t'));
+        std::string_view line = nextPart(answer, '\n');
+        const std::string_view type = trimmedAnswer(nextPart(line, '\t'));
         const auto bytes = decimalSize(line);
         const auto prune = std::ranges::find(prunes, type, &Prune::type);
         if (!bytes || prune == prunes.end()) continue;
@@ -188,7 +168,7 @@ std::optional<ToolMeasure> journalMeasure(std::string_view answer) {
     const std::size_t begin = answer.find(before);
     if (begin == std::string_view::npos) return std::nullopt;
     std::string_view rest = answer.substr(begin + before.size());
-    const auto bytes = binarySize(next(rest, ' '));
+    const auto bytes = binarySize(nextPart(rest, ' '));
     if (!bytes) return std::nullopt;
     return ToolMeasure{.bytes = *bytes, .parts = {}};
 }
@@ -196,17 +176,17 @@ std::optional<ToolMeasure> journalMeasure(std::string_view answer) {
 std::vector<SnapRevision> disabledRevisions(std::string_view answer) {
     std::vector<SnapRevision> revisions;
     while (!answer.empty()) {
-        std::string_view line = next(answer, '\n');
+        std::string_view line = nextPart(answer, '\n');
         std::vector<std::string_view> columns;
         while (!line.empty()) {
-            const std::string_view column = next(line, ' ');
+            const std::string_view column = nextPart(line, ' ');
             if (!column.empty()) columns.push_back(column);
         }
         // Name, version, revision, channel, publisher, notes separated by commas.
         if (columns.size() < 6) continue;
         bool isDisabled = false;
         for (std::string_view notes = columns.back(); !notes.empty();)
-            isDisabled = next(notes, ',') == "disabled" || isDisabled;
+            isDisabled = nextPart(notes, ',') == "disabled" || isDisabled;
         if (isDisabled && isPlainWord(columns[0]) && isPlainWord(columns[2]))
             revisions.push_back({std::string(columns[0]), std::string(columns[2])});
     }

@@ -210,12 +210,18 @@ public:
     }
     ToolResult read(const std::string& path, const std::vector<std::string>& arguments) override {
         ToolResult answer = run(path, arguments);
-        const auto output = outputs.find(std::string(path.substr(path.rfind('/') + 1)));
+        std::string asked = path.substr(path.rfind('/') + 1);
+        auto output = outputs.find(asked);
+        for (const std::string& argument : arguments) {
+            if (output != outputs.end()) break;
+            output = outputs.find(asked += " " + argument);
+        }
         if (output != outputs.end()) answer.standardOutput = output->second;
         return answer;
     }
 
-    std::map<std::string, std::string> outputs;  // of `read`, by the tool's name
+    /// Of `read`, by the tool's name, or that with the first of its arguments.
+    std::map<std::string, std::string> outputs;
     ToolResult result{.started = true, .startError = "", .exitStatus = 0, .standardError = ""};
     std::vector<std::vector<std::string>> commands;
 };
