@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 #include <fmt/format.h>
 
@@ -153,6 +154,7 @@ std::optional<ToolMeasure> containerMeasure(std::string_view answer, std::string
         if (!bytes || prune == prunes.end()) continue;
         isTold = true;
         if (*bytes == 0) continue;
+        if (*bytes > std::numeric_limits<std::int64_t>::max() - measure.bytes) return std::nullopt;
         measure.bytes += *bytes;
         measure.parts.push_back({.name = std::string(type),
                                  .bytes = *bytes,

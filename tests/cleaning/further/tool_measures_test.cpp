@@ -36,6 +36,9 @@ TEST(ToolMeasures, WhatContainersCouldGiveBackComesWithItsCommand) {
                             ToolPart{"Containers", 834'600, "docker container prune"}));
     EXPECT_EQ(containerMeasure("Cannot connect to the Docker daemon", "docker"), std::nullopt);
     EXPECT_EQ(containerMeasure("", "docker"), std::nullopt);
+    EXPECT_EQ(containerMeasure("Images\t8000000TB\nContainers\t8000000TB\n", "docker"),
+              std::nullopt)
+        << "more than any disk holds";
 }
 
 // Lines as systemd 255 and 257 write them.
