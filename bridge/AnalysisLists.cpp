@@ -35,16 +35,19 @@ std::optional<double> sizeIn(const DupGroup& group, std::size_t index) {
 void AnalysisLists::replace(const DiskState& analysis, Mark begun) {
     files_ = analysis.files;
     groups_ = analysis.dupGroups;
+    listed_.reset();
     std::erase_if(gone_, [&](const auto& entry) { return entry.second <= begun; });
 }
 
 void AnalysisLists::add(const std::vector<DupGroup>& groups) {
     groups_.insert(groups_.end(), groups.begin(), groups.end());
+    listed_.reset();
 }
 
 void AnalysisLists::forget() {
     files_.clear();
     groups_.clear();
+    listed_.reset();
     cleanables_.clear();
     further_.clear();
     gone_.clear();
@@ -104,17 +107,25 @@ bool AnalysisLists::show(DiskState& state) const {
 }
 
 std::optional<double> AnalysisLists::sizeOf(const std::string& path) const {
-    const auto file = std::ranges::find(files_, path, &BigFile::path);
-    if (file != files_.end()) return file->gb;
-    for (const DupGroup& group : groups_) {
-        const auto copy = std::ranges::find(group.paths, path);
-        if (copy == group.paths.end()) continue;
-        return sizeIn(group, static_cast<std::size_t>(copy - group.paths.begin()));
-    }
+    const auto listed = listedSizes().find(path);
+    if (listed != listedSizes().end()) return listed->second;
     const auto cleanable = cleanables_.find(path);
     if (cleanable != cleanables_.end()) return cleanable->second;
     const auto further = further_.find(path);
     return further == further_.end() ? std::nullopt : std::optional(further->second);
+}
+
+/// A selection of thousands of paths would look through thousands of lists otherwise.
+const AnalysisLists::Sizes& AnalysisLists::listedSizes() const {
+    if (listed_) return *listed_;
+    Sizes& sizes = listed_.emplace();
+    for (const BigFile& file : files_)
+        sizes.try_emplace(file.path, file.gb);
+    for (const DupGroup& group : groups_) {
+        for (std::size_t index = 0; index < group.paths.size(); ++index)
+            sizes.try_emplace(group.paths[index], sizeIn(group, index));
+    }
+    return sizes;
 }
 
 bool AnalysisLists::isGone(const std::string& path) const { return lastGone(path).has_value(); }

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "analysis/DiskState.h"
@@ -52,12 +53,15 @@ public:
     std::optional<double> sizeOf(const std::string& path) const;
 
 private:
+    using Sizes = std::unordered_map<std::string, std::optional<double>>;  // GB by path
+    const Sizes& listedSizes() const;
     bool isGone(const std::string& path) const;
     /// When the path went last, by itself or with a folder that it lies in; nothing: it has not.
     std::optional<Mark> lastGone(std::string path) const;
 
     std::vector<BigFile> files_;
     std::vector<DupGroup> groups_;
+    mutable std::optional<Sizes> listed_;       // made when first asked for
     std::map<std::string, double> cleanables_;  // GB by path
     std::map<std::string, double> further_;     // the same
     std::map<std::string, Mark> gone_;          // standardised paths

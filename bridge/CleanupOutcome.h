@@ -39,7 +39,9 @@ struct CleanupOutcome {
     std::vector<VeltoTrashService::Returned> returned;  // items that went back, wherever to
 
     // As all is when the item ends.
-    std::vector<TrashItem> trash;                    // oldest first
+    std::vector<TrashItem> trash;  // oldest first
+    /// Tells the page of them; empty when the item has not changed them.
+    std::string trashScript;
     std::map<std::string, std::int64_t> trashBytes;  // by id, where that is known
     std::vector<HeldItem> held;                      // what the maintenance has moved there
     std::vector<WaitingItem> waiting;

@@ -125,7 +125,7 @@ private:
     void toast(std::string_view titleEs, std::string_view titleEn,
                std::string_view detail) override;
     void pushState();
-    void pushTrash();
+    void pushTrash(const std::string& script = {});
     void finishBoot();
 
     void showSettings() override;

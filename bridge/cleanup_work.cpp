@@ -78,6 +78,8 @@ std::shared_ptr<const CleanupOutcome> carryOut(
     }
     outcome->returned = services.trash.takeReturned();
     outcome->trash = services.trash.items();
+    // Of thousands of items this would hold the window up.
+    if (outcome->trash != before) outcome->trashScript = events::trashState(outcome->trash);
     outcome->trashBytes = services.trash.exactSizes();
     outcome->held = heldItems(outcome->trash, services.trash.operations(), outcome->trashBytes,
                               TakenItems(*platform.files, platform.layout));
@@ -150,7 +152,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     if (hasTrashChanged) {
         // First: the page does not list what waits among what can be put back.
         if (hadWaiting || !waiting_.empty()) evaluate(events::trashWaiting(waiting_));
-        pushTrash();
+        pushTrash(outcome.trashScript);
     }
     if (hasHeldChanged) maintenanceIntents_->tell();
     if (hasTrashChanged || hasStateChanged) pushState();
@@ -176,9 +178,10 @@ bool JSBridge::updateState(const CleanupOutcome& outcome) {
     return true;
 }
 
-void JSBridge::pushTrash() {
+/// `script` tells the page of the list, if it was made already.
+void JSBridge::pushTrash(const std::string& script) {
     evaluate(events::trashChanged(sumOf(*trash_)));
-    evaluate(events::trashState(*trash_));
+    evaluate(script.empty() ? events::trashState(*trash_) : script);
 }
 
 void JSBridge::refreshTrash() {

@@ -73,8 +73,9 @@ class Session {
   /** What is on its way to or from a disk that is away; not to be put back or deleted for now. */
   waiting = $state.raw<WaitingItem[]>([]);
   /** What of the list is really there: what waits has a list of its own. */
-  readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.listedExactly()));
-  readonly trashGb: number = $derived(this.listedExactly()?.reduce((sum, { gb }) => sum + gb, 0) ?? this.toldTrashGb);
+  private readonly exact: TrashItem[] | null = $derived(this.listed && exactly(this.listed, this.sizes.trash, ({ id }) => id));
+  readonly trash: TrashItem[] | null = $derived(this.withoutWaiting(this.exact));
+  readonly trashGb: number = $derived(this.exact?.reduce((sum, { gb }) => sum + gb, 0) ?? this.toldTrashGb);
   /** Items that went back under another name than their own, by id: where they are. */
   renamed = $state.raw<ReadonlyMap<string, string>>(new Map());
   /** Items that could not go back to their place, by id: what stands on the way there. */
@@ -90,10 +91,6 @@ class Session {
   /** Whether the home has a folder of that category to show; as long as nobody knows, it may. */
   leadsToFolders(category: string): boolean {
     return this.homeFolders?.categories.has(category) ?? true;
-  }
-
-  private listedExactly(): TrashItem[] | null {
-    return this.listed && exactly(this.listed, this.sizes.trash, ({ id }) => id);
   }
 
   private withoutWaiting(items: TrashItem[] | null): TrashItem[] | null {
