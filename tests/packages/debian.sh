@@ -7,7 +7,7 @@
 # mounts.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
-# shellcheck source=tests/packages/tree.sh
+# shellcheck source=/dev/null
 . "$root/tests/packages/tree.sh"
 release=$1
 archive=$2
