@@ -1,6 +1,8 @@
 // How long caches stay that the unattended pass has taken, and what they come to.
 
 #include <algorithm>
+#include <cstdint>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,12 +46,27 @@ struct CacheRetentionTest : testing::Test {
         return heldItems(trash.items(), trash.operations(), {}, taken);
     }
 
+    /// Bytes of all that is not small below the home, the trash with it, by its files.
+    std::int64_t usedSpace() {
+        std::int64_t bytes = 0;
+        for (const auto& entry :
+             std::filesystem::recursive_directory_iterator(machine.home.path())) {
+            if (!entry.is_regular_file()) continue;
+            const auto length = static_cast<std::int64_t>(entry.file_size());
+            if (length >= 1'000'000) bytes += length;
+        }
+        return bytes;
+    }
+
     /// Bytes in the trash at the end of each day, when the caches are made again every day.
     std::vector<std::int64_t> daily(int days) {
         std::vector<std::int64_t> bytes;
         for (int passed = 0; passed < days; ++passed) {
             fillCaches();
+            const std::int64_t before = usedSpace();
             pass();
+            used.push_back(usedSpace());
+            EXPECT_LE(used.back(), before) << "the pass of day " << passed << " takes free space";
             bytes.push_back(holdings(held(), keptFor(settings)).bytes);
             machine.clock.time += secondsPerDay;
         }
@@ -57,6 +74,7 @@ struct CacheRetentionTest : testing::Test {
     }
 
     static constexpr double secondsPerDay = 86400;
+    std::vector<std::int64_t> used;  // bytes at the end of each day, the free space's counterpart
     TestPlatform machine;
     VeltoSettings settings{machine.defaults, machine.locale};
     VeltoTrashService trash{*machine.platform.files, *machine.platform.mover, machine.clock,
@@ -68,8 +86,11 @@ TEST_F(CacheRetentionTest, ThirtyDaysOfCachesNeverHoldMoreThanFourSets) {
     const auto bytes = daily(30);
     EXPECT_EQ(std::ranges::max(bytes), 4 * set);
     // Once the first ones go, each pass gives back as much as it takes.
-    for (std::size_t day = 4; day < bytes.size(); ++day)
+    for (std::size_t day = 4; day < bytes.size(); ++day) {
         EXPECT_LE(bytes[day], bytes[day - 1]) << "day " << day;
+        EXPECT_LE(used[day], used[day - 1]) << "day " << day;
+    }
+    EXPECT_EQ(std::ranges::max(used), 4 * set);
 }
 
 TEST_F(CacheRetentionTest, WithoutAnAnswerTheyStayAsLongAsEverythingAndAreForetold) {
