@@ -57,6 +57,27 @@ TEST_F(WalkDoubts, WithoutOneOnlyWhatHasChangedIsRead) {
     EXPECT_EQ(again.result.files, 4);
 }
 
+TEST_F(WalkDoubts, WhatIsWalkedAnewWithAllBelowIsReadOnce) {
+    file("Documents/a/b/new.zip", 1'200'000);
+    tell({{made.at("Documents/a"), true}, {made.at("Documents/a/b")}});
+    const auto again = made.scan();
+    EXPECT_EQ(again.doubt, WalkDoubt::none);
+    EXPECT_EQ(std::ranges::count(again.read, made.at("Documents/a/b")), 1);
+    expectEqual(again.result, made.wholeScan());
+}
+
+TEST_F(WalkDoubts, WhereFilesComeAndGoWithoutAWordAllIsRead) {
+    machine.platform.layout.providedFiles = {made.at("Documents/c")};
+    made.scan();
+    clock += day;
+    file("Documents/c/came.zip", 1'200'000);
+    tell({});
+    const auto again = made.scan();
+    EXPECT_EQ(again.doubt, WalkDoubt::none);
+    EXPECT_EQ(std::ranges::count(again.read, made.at("Documents/c")), 1);
+    expectEqual(again.result, made.wholeScan());
+}
+
 TEST_F(WalkDoubts, TheHistoryIsAskedSinceTheMomentBeforeTheLastWalk) {
     made.scan();
     EXPECT_THAT(machine.changes.asked, ElementsAre(ChangeMark{"volume", 1}));
