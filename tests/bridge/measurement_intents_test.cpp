@@ -205,6 +205,15 @@ TEST_F(Comparison, TheNextStartKnowsWhatWasNotComparedAndCannotGoOn) {
     EXPECT_EQ(compared()["running"], false);
 }
 
+TEST_F(Comparison, OneThatEndsDuringAResetLeavesNothingBehind) {
+    post("continueComparison");
+    post("resetVelto");
+    machine.dispatcher.runGlobal();  // the comparison has ended and all data is gone
+    machine.dispatcher.runAll();     // what the page's side makes of both
+    EXPECT_FALSE(machine.home.exists("Library/Application Support/Velto"));
+    EXPECT_FALSE(bridge->bootState);
+}
+
 TEST_F(Comparison, AResetForgetsIt) {
     ask("resetVelto");
     page->scripts.clear();
