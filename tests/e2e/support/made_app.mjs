@@ -2,9 +2,9 @@
 // really run from inside them, and programs of a Linux home with their desktop entries.
 import { chmodSync, copyFileSync, mkdirSync } from 'node:fs';
 import { basename, dirname } from 'node:path';
-import { crc32, deflateSync } from 'node:zlib';
 import { startChild } from '../../../tools/desktop/children.mjs';
 import { atEnd } from './home.mjs';
+import { colours, pngOf } from './pictures.mjs';
 
 const escaped = (text) => text.replaceAll('&', '&amp;').replaceAll('<', '&lt;');
 
@@ -72,23 +72,7 @@ export function png(pixels, from, to) {
       bytes[at + 3] = Math.round(255 * alpha);
     }
   }
-  const header = Buffer.alloc(13);
-  header.writeUInt32BE(pixels, 0);
-  header.writeUInt32BE(pixels, 4);
-  header.set([8, 6], 8); // bits of a sample; colours with alpha
-  const chunk = (type, content) => {
-    const named = Buffer.concat([Buffer.from(type, 'latin1'), content]);
-    const [length, sum] = [Buffer.alloc(4), Buffer.alloc(4)];
-    length.writeUInt32BE(content.length);
-    sum.writeUInt32BE(crc32(named));
-    return Buffer.concat([length, named, sum]);
-  };
-  return Buffer.concat([
-    Buffer.from('\x89PNG\r\n\x1a\n', 'latin1'),
-    chunk('IHDR', header),
-    chunk('IDAT', deflateSync(bytes)),
-    chunk('IEND', Buffer.alloc(0)),
-  ]);
+  return pngOf(pixels, pixels, colours.withAlpha, bytes);
 }
 
 /** An Apple icon file that holds one picture of 128 pixels. */

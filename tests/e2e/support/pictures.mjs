@@ -1,4 +1,4 @@
-// Pictures for previews.
+// Pictures as files.
 import { crc32, deflateSync } from 'node:zlib';
 
 function chunk(type, data) {
@@ -9,12 +9,24 @@ function chunk(type, data) {
   return Buffer.concat([frame.subarray(0, 4), body, frame.subarray(4)]);
 }
 
-/** A PNG (ISO/IEC 15948) of that many pixels, stored without compression: 3 bytes for each of them. */
-export function png(width, height) {
+export const colours = { opaque: 2, withAlpha: 6 }; // and the bytes of a pixel: 3 and 4
+
+/** A PNG (ISO/IEC 15948) of `lines`: for each a 0, which is no filter, and its pixels, a byte for each sample. */
+export function pngOf(width, height, kind, lines, options) {
   const header = Buffer.alloc(13);
   header.writeUInt32BE(width, 0);
   header.writeUInt32BE(height, 4);
-  header.set([8, 2, 0, 0, 0], 8); // eight bits of red, green and blue, not interlaced
+  header.set([8, kind], 8); // eight bits for each sample, not interlaced
+  return Buffer.concat([
+    Buffer.from('\x89PNG\r\n\x1a\n', 'latin1'),
+    chunk('IHDR', header),
+    chunk('IDAT', deflateSync(lines, options)),
+    chunk('IEND', Buffer.alloc(0)),
+  ]);
+}
+
+/** One of that many pixels, stored without compression: 3 bytes for each of them. */
+export function png(width, height) {
   const lines = Buffer.alloc(height * (1 + 3 * width));
   for (let y = 0; y < height; y++) {
     for (let x = 0; x < width; x++) {
@@ -22,10 +34,5 @@ export function png(width, height) {
       lines.set([40 + (160 * y) / height, 90 + (120 * x) / width, 200], at);
     }
   }
-  return Buffer.concat([
-    Buffer.from('\x89PNG\r\n\x1a\n', 'latin1'),
-    chunk('IHDR', header),
-    chunk('IDAT', deflateSync(lines, { level: 0 })),
-    chunk('IEND', Buffer.alloc(0)),
-  ]);
+  return pngOf(width, height, colours.opaque, lines, { level: 0 });
 }
