@@ -80,21 +80,27 @@ test('a screen reader finds its way through every view, and is told what happens
     }
   }
   const key = (name) => desktop.input('key', name);
+  /** What is missing for longer than a moment: a page that changes while it is read is told in part before and in part after. */
+  async function hasNoFaults(what) {
+    const left = () => faults(tree);
+    if (left().length > 0) await until(what, () => left().length === 0, 10_000).catch(() => {});
+    assert.deepEqual(left(), [], what);
+  }
   /** A view by its entry of the rail, once it is there with its heading and whatever else `good` wants. */
   async function opens(view, good = () => true) {
     await reader.press(named(tree, 'button', view));
-    await until(`the view ${view}`, (now) => named(now, 'heading', view)?.attributes.level === '1' && good(now));
-    assert.deepEqual(faults(tree), [], view);
-    assert.ok(named(tree, 'button', view).states.includes('active'), `${view} is the current entry`);
+    await until(`the view ${view}, its entry the current one`, (now) =>
+      named(now, 'heading', view)?.attributes.level === '1' && named(now, 'button', view).states.includes('active') && good(now));
+    await hasNoFaults(view);
   }
   const table = (name) => (now) => named(now, 'table', name)?.nRows > 1;
 
   /** A dialog over the page: its name, the focus in it, and of a question its words and the safe answer. */
   async function asks(title, safe) {
-    const dialog = await until(title, (now) => every(now).find((one) => one.role === 'dialog' && title.test(one.name)));
-    assert.deepEqual(faults(tree), [], dialog.name);
+    const dialog = await until(`the focus in ${title}`, (now) => every(now).find((one) =>
+      one.role === 'dialog' && title.test(one.name) && every(one).some(({ path }) => path === focused(now)?.path)));
+    await hasNoFaults(dialog.name);
     assert.ok(dialog.states.includes('modal'), 'what lies behind it is out of reach');
-    assert.ok(every(dialog).some(({ path }) => path === focused(tree)?.path), 'the focus is in it');
     if (safe) {
       assert.equal(focused(tree).name, safe);
       assert.ok(dialog.description, 'its words are read with it');
@@ -104,7 +110,7 @@ test('a screen reader finds its way through every view, and is told what happens
   }
 
   await until('the overview', (now) => named(now, 'heading', 'Overview') && table('By category')(now));
-  assert.deepEqual(faults(tree), [], 'Overview');
+  await hasNoFaults('Overview');
 
   await opens('Folders', table(/./));
   await opens('Duplicates', table('Groups of identical files'));
@@ -132,9 +138,9 @@ test('a screen reader finds its way through every view, and is told what happens
   await until('the row selected', (now) => focused(now)?.states.includes('selected'));
   await key('Delete');
   const message = await until('the message', (now) =>
-    every(now).find((one) => one.attributes.live === 'polite' && every(one).some((each) => said(each) === 'Removed')));
+    every(now).find((one) => one.attributes.live === 'polite' && every(one).some((each) => said(each) === 'Removed') &&
+      /0.4 GB in Velto Trash/.test(every(one).map(said).join(' '))));
   assert.equal(message.role, 'status bar');
-  assert.match(every(message).map(said).join(' '), /0.4 GB in Velto Trash/);
   await reader.hears('the message', ({ event, path }) =>
     ['ChildrenChanged', 'TextChanged'].includes(event) && every(message).some((one) => one.path === path), { from: quiet });
 
