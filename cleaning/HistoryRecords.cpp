@@ -1,13 +1,26 @@
 #include "cleaning/HistoryRecords.h"
 
+#include <utility>
+
 #include <nlohmann/json.hpp>
 
 #include "platform/values/json_fields.h"
+#include "platform/values/parse_json.h"
 #include "platform/values/path_text.h"
+#include "platform/values/write_json.h"
 
 namespace velto {
 
 using nlohmann::json;
+
+namespace {
+
+HistoryItem historyItemFrom(const json& object) {
+    return {.name = pathBytes(field<std::string>(object, "name")),
+            .gb = field<double>(object, "gb")};
+}
+
+}  // namespace
 
 json toJson(const HistoryEntry& entry) {
     json items = json::array();
@@ -22,15 +35,40 @@ json toJson(const HistoryEntry& entry) {
 }
 
 HistoryEntry historyEntryFromJson(const json& object) {
-    const auto item = [](const json& value) {
-        return HistoryItem{.name = pathBytes(field<std::string>(value, "name")),
-                           .gb = field<double>(value, "gb")};
-    };
     return {.id = field<std::string>(object, "id"),
             .ts = field<double>(object, "ts"),
             .gb = field<double>(object, "gb"),
-            .items = listFrom(object, "items", item),
+            .items = listFrom(object, "items", historyItemFrom),
             .kind = field<std::string>(object, "kind")};
+}
+
+std::string encodeHistory(const std::vector<HistoryEntry>& entries) {
+    // Entry by entry: all of them as one JSON value would take many times their own memory.
+    std::string text = "[";
+    for (const HistoryEntry& entry : entries) {
+        const json object = toJson(entry);
+        if (!isFinite(object)) throw json::other_error::create(600, "number not finite", nullptr);
+        if (text.size() > 1) text += ',';
+        text += writeJson(object);
+    }
+    return text + ']';
+}
+
+std::vector<HistoryEntry> decodeHistory(std::string_view text) {
+    const std::vector<std::string> anEntry{""};
+    const std::vector<std::string> anItem{"", "items", ""};
+    std::vector<HistoryEntry> entries;
+    std::vector<HistoryItem> ofEntry;
+    const json rest = parseJson(text, [&](const auto& members, const json& object) {
+        if (members == anItem) ofEntry.push_back(historyItemFrom(object));
+        if (members != anEntry) return;
+        HistoryEntry entry = historyEntryFromJson(object);  // whose items have been taken
+        ofEntry.shrink_to_fit();
+        entry.items = std::exchange(ofEntry, {});
+        entries.push_back(std::move(entry));
+    });
+    if (rest != json::array()) throw json::type_error::create(302, "not a list of entries", &rest);
+    return entries;
 }
 
 }  // namespace velto

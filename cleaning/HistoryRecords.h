@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json_fwd.hpp>
@@ -30,5 +31,10 @@ nlohmann::json toJson(const HistoryEntry& entry);
 
 /// Strict: a missing or mistyped field throws nlohmann::json::exception.
 HistoryEntry historyEntryFromJson(const nlohmann::json& object);
+
+/// The JSON list of the entries, compact, and back. Strict as well; writing throws for a number
+/// that is not finite, too. Neither takes much memory beside the text and the entries.
+std::string encodeHistory(const std::vector<HistoryEntry>& entries);
+std::vector<HistoryEntry> decodeHistory(std::string_view text);
 
 }  // namespace velto

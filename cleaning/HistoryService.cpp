@@ -8,10 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/Platform.h"
-#include "platform/values/json_fields.h"
-#include "platform/values/parse_json.h"
 #include "platform/values/units.h"
-#include "platform/values/write_json.h"
 
 namespace velto {
 namespace {
@@ -100,7 +97,7 @@ std::optional<std::vector<HistoryEntry>> HistoryService::read() {
     try {
         version_ = mover_.openVersion(path_, limit);
         if (!version_) return std::nullopt;
-        return listFrom(parseJson(version_->read()), historyEntryFromJson);
+        return decodeHistory(version_->read());
     } catch (const FileError&) {
         version_.reset();  // the next change tries again
         return std::nullopt;
@@ -113,7 +110,7 @@ std::optional<std::vector<HistoryEntry>> HistoryService::read() {
 /// Without a sound file the list in memory is all there is.
 void HistoryService::mergeWithFile() {
     if (version_ && version_->isCurrent()) return;
-    const auto written = read();
+    auto written = read();
     if (!written) return;
     const auto idsOf = [](const std::vector<HistoryEntry>& entries) {
         std::unordered_set<std::string> ids;
@@ -123,34 +120,34 @@ void HistoryService::mergeWithFile() {
     };
     const auto here = idsOf(entries_);
     const auto there = idsOf(*written);
-    std::vector<HistoryEntry> merged;
-    std::ranges::copy_if(entries_, std::back_inserter(merged), [&](const HistoryEntry& entry) {
-        return !there.contains(entry.id) && !saved_.contains(entry.id);  // ours alone
+    std::erase_if(entries_, [&](const HistoryEntry& entry) {
+        return there.contains(entry.id) || saved_.contains(entry.id);  // not ours alone
     });
-    std::ranges::copy_if(*written, std::back_inserter(merged), [&](const HistoryEntry& entry) {
-        return here.contains(entry.id) || !saved_.contains(entry.id);  // not removed here
+    std::erase_if(*written, [&](const HistoryEntry& entry) {
+        return !here.contains(entry.id) && saved_.contains(entry.id);  // removed here
     });
-    entries_ = std::move(merged);
+    if (entries_.empty()) {
+        entries_ = std::move(*written);
+    } else {
+        std::ranges::move(*written, std::back_inserter(entries_));
+    }
     saved_ = there;
 }
 
 void HistoryService::save() {
-    auto list = nlohmann::json::array();
     std::unordered_set<std::string> ids;
-    for (const HistoryEntry& entry : entries_) {
-        list.push_back(toJson(entry));
+    for (const HistoryEntry& entry : entries_)
         ids.insert(entry.id);
-    }
-    if (!isFinite(list)) return;  // the file would read as damaged
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(path_, writeJson(list));
+        files_.writeAtomically(path_, encodeHistory(entries_));
         saved_ = std::move(ids);
         version_ = mover_.openVersion(path_, limit);
     } catch (const FileError&) {
         // The list in memory stays in force.
-    } catch (const nlohmann::json::type_error&) {
-        // A text that is not UTF-8 cannot be written as JSON; no name is one.
+    } catch (const nlohmann::json::exception&) {
+        // A text that is not UTF-8 cannot be written as JSON, and no name is one; with a number
+        // that is not finite the file would read as damaged.
     }
 }
 

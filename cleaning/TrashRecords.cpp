@@ -1,6 +1,7 @@
 #include "cleaning/TrashRecords.h"
 
 #include <cmath>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -36,6 +37,31 @@ TrashItem itemFrom(const json& object) {
             .name = pathBytes(field<std::string>(object, "name")),
             .gb = field<double>(object, "gb"),
             .taken = field<double>(object, "taken")};
+}
+
+void append(std::string& text, const std::vector<TrashItem>& items) {
+    text += '[';
+    for (const TrashItem& item : items) {
+        if (text.back() != '[') text += ',';
+        text += writeJson(velto::toJson(item));
+    }
+    text += ']';
+}
+
+void append(std::string& text, const Operation& operation) {
+    // Its items stand between its amount and its kind.
+    const std::string ends = writeJson(
+        ordered{{"id", operation.id}, {"ts", finite(operation.ts)}, {"gb", finite(operation.gb)}});
+    text.append(ends, 0, ends.size() - 1).append(R"(,"items":)");
+    append(text, operation.items);
+    text.append(R"(,"kind":)").append(writeJson(ordered(operation.kind))) += '}';
+}
+
+/// What is left of a list whose objects have been taken: nothing, unless it held something else.
+void requireTaken(const json& object, const char* key) {
+    listFrom(object, key, [](const json& other) -> bool {
+        throw json::type_error::create(302, "not an object", &other);
+    });
 }
 
 }  // namespace
@@ -87,17 +113,35 @@ Operation operationFromJson(const json& object) {
 }
 
 std::string encodeManifest(const Manifest& manifest) {
-    ordered operations = ordered::array();
-    for (const Operation& operation : manifest.operations)
-        operations.push_back(toJson(operation));
-    const ordered object{{"items", toJson(manifest.items)}, {"operations", std::move(operations)}};
-    return writeJson(object);
+    // Record by record: all of them as one JSON value would take many times their own memory.
+    std::string text = R"({"items":)";
+    append(text, manifest.items);
+    text += R"(,"operations":[)";
+    for (const Operation& operation : manifest.operations) {
+        if (text.back() != '[') text += ',';
+        append(text, operation);
+    }
+    return text + "]}";
 }
 
 Manifest decodeManifest(const std::string& text) {
-    const json object = parseJson(text);
-    return {.items = listFrom(object, "items", itemFrom),
-            .operations = listFrom(object, "operations", operationFromJson)};
+    const std::vector<std::string> anItem{"items", ""};
+    const std::vector<std::string> anOperation{"operations", ""};
+    const std::vector<std::string> anOperationsItem{"operations", "", "items", ""};
+    Manifest manifest;
+    std::vector<TrashItem> ofOperation;
+    const json rest = parseJson(text, [&](const auto& members, const json& object) {
+        if (members == anItem) manifest.items.push_back(itemFrom(object));
+        if (members == anOperationsItem) ofOperation.push_back(itemFrom(object));
+        if (members != anOperation) return;
+        Operation operation = operationFromJson(object);  // whose items have been taken
+        ofOperation.shrink_to_fit();
+        operation.items = std::exchange(ofOperation, {});
+        manifest.operations.push_back(std::move(operation));
+    });
+    requireTaken(rest, "items");
+    requireTaken(rest, "operations");
+    return manifest;
 }
 
 }  // namespace velto

@@ -66,6 +66,20 @@ TEST_F(TrashManifestTest, AMissingOrMistypedKeyMakesTheTrashAppearEmpty) {
     }
 }
 
+TEST_F(TrashManifestTest, AListThatHoldsAnythingButRecordsIsDamaged) {
+    trashed("a");
+    const json whole = json::parse(manifest());
+    for (const char* list : {"/items", "/operations", "/operations/0/items"}) {
+        for (const json& stranger : {json(5), json("it"), json(nullptr), json::array()}) {
+            json damaged = whole;
+            damaged.at(json::json_pointer(list)).push_back(stranger);
+            write(manifestPath(), damaged.dump());
+            TrashProcess other(layout, clock);
+            EXPECT_TRUE(other.service.items().empty()) << damaged.dump();
+        }
+    }
+}
+
 TEST_F(TrashManifestTest, ADamagedManifestIsOverwrittenByTheNextChangeAndNoFileIsTouched) {
     const TrashItem lost = trashed("lost");
     for (const char* damaged : {"", "{", "[]", "null", "\xff\xfe", "{\"items\":[]}"}) {

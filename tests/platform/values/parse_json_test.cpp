@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace velto {
 namespace {
@@ -60,6 +62,38 @@ TEST(ParseJson, ManyValuesBesideEachOtherAreNotDeep) {
     for (int index = 0; index < 1'000; ++index)
         list.push_back({{"a", json::array({index})}});
     EXPECT_EQ(parseJson(list.dump()), list);
+}
+
+TEST(ParseJson, ObjectsInsideAreHandedOverAndNeverStandTogether) {
+    std::vector<std::pair<std::vector<std::string>, json>> taken;
+    const json rest = parseJson(
+        R"({"a": [{"b": 1, "c": [{"d": 2}, 3]}, 4, {}], "e": {"f": {"g": [5]}}, "h": [[{"i": 6}]]})",
+        [&](const auto& members, const json& object) { taken.emplace_back(members, object); });
+    using Members = std::vector<std::string>;
+    const std::vector<std::pair<Members, json>> expected{
+        {{"a", "", "c", ""}, {{"d", 2}}}, {{"a", ""}, {{"b", 1}, {"c", json::array({3})}}},
+        {{"a", ""}, json::object()},      {{"e", "f"}, {{"g", json::array({5})}}},
+        {{"e"}, json::object()},          {{"h", "", ""}, {{"i", 6}}}};
+    EXPECT_EQ(taken, expected);
+    EXPECT_EQ(rest, (json{{"a", json::array({4})}, {"h", json::array({json::array()})}}));
+}
+
+TEST(ParseJson, TakingObjectsIsAsStrict) {
+    const TakeObject none = [](const auto&, const json&) {};
+    for (const char* text : {"", "{", "[1]]", "\"open", "{\"a\"}", "nul", "[{}", "\"\xFF\""}) {
+        EXPECT_THROW(parseJson(text, none), json::exception) << text;
+    }
+    EXPECT_NO_THROW(parseJson(nested("[", deepestJson, "1", "]"), none));
+    EXPECT_THROW(parseJson(nested("[", deepestJson + 1, "1", "]"), none), json::exception);
+    EXPECT_THROW(parseJson(nested("[{\"a\":", deepestJson / 2 + 1, "1", "}]"), none),
+                 json::exception);
+    EXPECT_THROW(parseJson(nested("[", 500'000, "", ""), none), json::exception);
+}
+
+TEST(ParseJson, OfAMemberThatIsNamedTwiceTheLastOneCounts) {
+    const TakeObject none = [](const auto&, const json&) {};
+    EXPECT_EQ(parseJson(R"({"a": 1, "a": 2})", none), (json{{"a", 2}}));
+    EXPECT_EQ(parseJson(R"({"a": 1, "a": {}})", none), json::object());
 }
 
 }  // namespace
