@@ -8,7 +8,8 @@ namespace velto {
 
 void WalkQueue::addRoots(std::vector<FolderReference> roots) {
     const std::lock_guard guard(lock_);
-    std::move(roots.rbegin(), roots.rend(), std::back_inserter(waiting_));
+    waiting_ += roots.size();
+    std::move(roots.rbegin(), roots.rend(), std::back_inserter(roots_));
 }
 
 void WalkQueue::allow(std::size_t workers) {
@@ -17,8 +18,9 @@ void WalkQueue::allow(std::size_t workers) {
     resumed_.notify_all();
 }
 
-void WalkQueue::join() {
+void WalkQueue::join(Seat& seat) {
     const std::lock_guard guard(lock_);
+    seats_.push_back(&seat);
     ++taking_;
 }
 
@@ -27,13 +29,13 @@ void WalkQueue::pause(std::unique_lock<std::mutex>& guard) {
     while (taking_ > allowed_ && !isOver()) {
         --taking_;
         // What this worker would have taken is another one's now.
-        if (!waiting_.empty()) changed_.notify_one();
+        if (waiting_ > 0) changed_.notify_one();
         resumed_.wait(guard, [this] { return isOver() || taking_ < allowed_; });
         ++taking_;
     }
 }
 
-bool WalkQueue::next(Item& item, Listed& listed) {
+bool WalkQueue::next(Seat& seat, Item& item, Listed& listed) {
     // Closing a folder is a system call and letting go of one may free many: not under the lock.
     FolderReference done = std::exchange(item, Item()).folder;
     const bool wasBusy = static_cast<bool>(done);
@@ -43,7 +45,7 @@ bool WalkQueue::next(Item& item, Listed& listed) {
         done = FolderReference();
     }
     std::unique_lock guard(lock_);
-    if (done) add(*done, listed, closing);
+    if (done) add(seat, *done, listed, closing);
     if (wasBusy) --busy_;
     if (isOver()) {
         changed_.notify_all();
@@ -51,15 +53,36 @@ bool WalkQueue::next(Item& item, Listed& listed) {
     }
     pause(guard);
     ++idle_;
-    changed_.wait(guard, [this] { return isOver() || !waiting_.empty(); });
+    changed_.wait(guard, [this] { return isOver() || waiting_ > 0; });
     --idle_;
-    if (stopped_ || waiting_.empty()) return false;
+    if (stopped_ || waiting_ == 0) return false;
 
     ++busy_;
-    item.folder = std::move(waiting_.back());
-    waiting_.pop_back();
+    item.folder = take(seat);
     if (item.folder->parent_) item.parent = takeHandle(*item.folder->parent_);
     return true;
+}
+
+/// Under the lock, when there is one.
+FolderReference WalkQueue::take(Seat& seat) {
+    if (seat.waiting_.empty() && roots_.empty()) takeHalf(seat);
+    std::vector<FolderReference>& from = seat.waiting_.empty() ? roots_ : seat.waiting_;
+    FolderReference folder = std::move(from.back());
+    from.pop_back();
+    --waiting_;
+    return folder;
+}
+
+/// Under the lock: from the worker that has the most, those found first, which lie highest and hold
+/// the most.
+void WalkQueue::takeHalf(Seat& seat) {
+    std::vector<FolderReference>& most =
+        (*std::ranges::max_element(seats_, {}, [](const Seat* one) {
+            return one->waiting_.size();
+        }))->waiting_;
+    const auto half = most.begin() + static_cast<std::ptrdiff_t>((most.size() + 1) / 2);
+    std::move(most.begin(), half, std::back_inserter(seat.waiting_));
+    most.erase(most.begin(), half);
 }
 
 /// Under the lock: the handle through which one of the waiting children is opened. The last one
@@ -72,9 +95,10 @@ std::shared_ptr<OpenFolder> WalkQueue::takeHandle(WalkedFolder& parent) {
 }
 
 /// Under the lock. The caller takes one of them itself.
-void WalkQueue::add(WalkedFolder& folder, Listed& listed, Handles& closing) {
+void WalkQueue::add(Seat& seat, WalkedFolder& folder, Listed& listed, Handles& closing) {
     folder.waitingChildren_ = listed.children.size();
-    std::ranges::move(listed.children, std::back_inserter(waiting_));
+    waiting_ += listed.children.size();
+    std::ranges::move(listed.children, std::back_inserter(seat.waiting_));
     keep(folder, std::exchange(listed.handle, nullptr), closing);
     const std::size_t wanted = std::min(idle_, listed.children.size() - 1);
     for (std::size_t woken = 0; woken < wanted; ++woken)

@@ -12,8 +12,9 @@
 
 namespace velto {
 
-/// The folders that a walk has found and not yet read, last found first: that keeps few folders
-/// open and few names in memory. Shared by the workers; every function is safe from each of them.
+/// The folders that a walk has found and not yet read. A worker comes first to what it has found
+/// itself, last found first: that keeps few folders open and few names in memory, and two workers
+/// out of each other's way. Shared by the workers; every function is safe from each of them.
 ///
 /// A folder stays open while folders found in it wait, so that each is opened by one name. No more
 /// than a bound of folders stay open this way: beyond it the ones kept longest, which lie highest
@@ -35,8 +36,14 @@ public:
     /// How many workers may read at once; the others pause where they ask for the next folder.
     void allow(std::size_t workers);
 
+    /// A worker's place, which lives at least as long as the worker takes part.
+    class Seat {
+        friend class WalkQueue;
+        std::vector<FolderReference> waiting_;  // found by this worker; guarded by the queue's lock
+    };
+
     /// A worker takes part from now on.
-    void join();
+    void join(Seat& seat);
 
     /// The folders found in one, and that one's handle, null when it was not opened.
     struct Listed {
@@ -45,9 +52,10 @@ public:
     };
 
     /// The next folder, in place of the one that `item` holds, which has been read: what was found
-    /// in it is added, and `listed` emptied. Waits while other workers may still find some. False
-    /// at the end of the walk and after `stop`.
-    bool next(Item& item, Listed& listed);
+    /// in it is added, and `listed` emptied. A worker that has none left takes a root, and then
+    /// half of what another has. Waits while other workers may still find some. False at the end of
+    /// the walk and after `stop`.
+    bool next(Seat& seat, Item& item, Listed& listed);
 
     /// Lets all workers end.
     void stop();
@@ -66,8 +74,10 @@ public:
 private:
     using Handles = std::vector<std::shared_ptr<OpenFolder>>;
 
-    bool isOver() const { return stopped_ || (waiting_.empty() && busy_ == 0); }
-    void add(WalkedFolder& folder, Listed& listed, Handles& closing);
+    bool isOver() const { return stopped_ || (waiting_ == 0 && busy_ == 0); }
+    void add(Seat& seat, WalkedFolder& folder, Listed& listed, Handles& closing);
+    FolderReference take(Seat& seat);
+    void takeHalf(Seat& seat);
     void pause(std::unique_lock<std::mutex>& guard);
 
     std::shared_ptr<OpenFolder> takeHandle(WalkedFolder& parent);
@@ -77,7 +87,9 @@ private:
     std::mutex lock_;
     std::condition_variable changed_;
     std::condition_variable resumed_;
-    std::vector<FolderReference> waiting_;
+    std::vector<FolderReference> roots_;  // that nobody has taken, the first one last
+    std::vector<Seat*> seats_;
+    std::size_t waiting_ = 0;        // roots, and folders at all seats
     std::list<WalkedFolder*> open_;  // kept longest first; roots do not count
     std::size_t busy_ = 0;           // workers that may still add folders
     std::size_t idle_ = 0;           // workers that wait for one

@@ -10,9 +10,9 @@
 namespace velto {
 
 void WalkWorker::run() {
-    setting_.queue.join();
+    setting_.queue.join(seat_);
     WalkQueue::Item item;
-    while (setting_.queue.next(item, listed_)) {
+    while (setting_.queue.next(seat_, item, listed_)) {
         followPriority();
         walk(item);
     }

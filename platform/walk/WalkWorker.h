@@ -46,6 +46,7 @@ private:
     TreeVisitor& visitor_;
     std::int64_t unreadable_ = 0;
     EntryList entries_;
+    WalkQueue::Seat seat_;
     WalkQueue::Listed listed_;  // of the folder whose turn it is
 };
 
