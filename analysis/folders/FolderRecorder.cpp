@@ -27,9 +27,16 @@ bool WalkedFolders::contains(const Identity& folder) const {
     return std::ranges::binary_search(folders_, folder);
 }
 
-void FolderRecorder::number(WalkedFolder& folder) {
-    folder.number = recording_.next.fetch_add(1, std::memory_order_relaxed);
+FolderRecorder::Number FolderRecorder::nextNumber() {
+    constexpr Number taken = 64;  // at once, as every recorder takes from the same place
+    if (next_ == end_) {
+        next_ = recording_.next.fetch_add(taken, std::memory_order_relaxed);
+        end_ = next_ + taken;
+    }
+    return next_++;
 }
+
+void FolderRecorder::number(WalkedFolder& folder) { folder.number = nextNumber(); }
 
 void FolderRecorder::leaveOut(const WalkedFolder& folder, FolderState state) {
     add(folder.number, folder.parent()->number, folder.name(), {.state = state});
@@ -37,8 +44,7 @@ void FolderRecorder::leaveOut(const WalkedFolder& folder, FolderState state) {
 
 void FolderRecorder::leaveOut(const WalkedFolder& parent, std::string_view name,
                               FolderState state) {
-    const Number number = recording_.next.fetch_add(1, std::memory_order_relaxed);
-    add(number, parent.number, name, {.state = state});
+    add(nextNumber(), parent.number, name, {.state = state});
 }
 
 void FolderRecorder::leaveOut(const BoundFolder& folder, FolderState state) {

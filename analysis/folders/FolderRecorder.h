@@ -48,7 +48,8 @@ struct FolderRecording {
 
     std::vector<Root> roots;                // in the order of the walk's
     const WalkedFolders* walked = nullptr;  // folders that are not walked again, null for none
-    std::atomic<Number> next{0};            // number of the next folder
+    // Number of the next folder; recorders take several at once, so some stay without a folder.
+    std::atomic<Number> next{0};
 };
 
 /// A folder at which another mount of the same volume begins. Whether it is known under another
@@ -141,6 +142,7 @@ private:
     std::string_view kept(std::string_view name);
     void add(Number number, Number parent, std::string_view name, const FolderFacts& facts);
     void record(const WalkedFolder& folder);
+    Number nextNumber();
     void countLinked(const WalkedFolder& folder, const DirectoryEntry& entry, std::int64_t bytes,
                      bool isCounted);
     // Here, as every file of a home comes by.
@@ -158,6 +160,8 @@ private:
     }
 
     FolderRecording& recording_;
+    Number next_ = 0;  // of the numbers that this recorder has taken
+    Number end_ = 0;
     FolderFacts facts_;  // of the folder whose turn it is
     double latest_ = 0;  // the same, seconds since 1970
     std::vector<std::unique_ptr<FolderTreeBuilder::Entry[]>> chunks_;

@@ -33,8 +33,16 @@ struct LinuxDirent {
     char name[1];
 };
 
+// Folders are opened and closed without the library's functions, which make each call a point at
+// which a thread may be cancelled: beside other threads that costs two locked instructions a call.
+
 struct LinuxFolder final : OpenFolder {
     explicit LinuxFolder(Descriptor opened) : descriptor(std::move(opened)) {}
+    ~LinuxFolder() override {
+        const int error = errno;
+        ::syscall(SYS_close, descriptor.release());
+        errno = error;
+    }
     Descriptor descriptor;
     bool wasRead = false;
 };
@@ -49,11 +57,13 @@ constexpr std::int64_t statxBlock = 512;  // stx_blocks counts units of 512 byte
 
 std::shared_ptr<OpenFolder> openAt(int parent, const char* name, int extraFlags) {
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK | extraFlags;
+    const auto open = [&](int with) {
+        return uninterrupted(
+            [&] { return static_cast<int>(::syscall(SYS_openat, parent, name, with)); });
+    };
     // O_NOATIME is refused to all but the owner (open(2)).
-    int number = uninterrupted([&] { return ::openat(parent, name, flags | O_NOATIME); });
-    if (number < 0 && errno == EPERM) {
-        number = uninterrupted([&] { return ::openat(parent, name, flags); });
-    }
+    int number = open(flags | O_NOATIME);
+    if (number < 0 && errno == EPERM) number = open(flags);
     if (number < 0) return nullptr;
     return std::make_shared<LinuxFolder>(Descriptor(number));
 }
