@@ -14,7 +14,6 @@ using nlohmann::json;
 json toJson(const Cat& cat);
 json toJson(const BigFile& file);
 json toJson(const DupGroup& group);
-using velto::toJson;
 
 template <typename Record>
 json listToJson(const std::vector<Record>& records) {
@@ -103,27 +102,28 @@ Settings settingsFrom(const json& object) {
 
 }  // namespace
 
-json toJson(const DiskState& state) {
-    json object = {{"total", state.total},
-                   {"free", state.free},
-                   {"ser", state.ser},
-                   {"cats", listToJson(state.cats)},
-                   {"files", listToJson(state.files)},
-                   {"dupGroups", listToJson(state.dupGroups)},
-                   {"history", listToJson(state.history)},
-                   {"settings", toJson(state.settings)}};
-    if (state.protected_) object["protected"] = *state.protected_;
-    return object;
-}
-
 std::optional<std::string> encode(const DiskState& state) {
-    const json object = toJson(state);
-    if (!isFinite(object)) return std::nullopt;
+    std::string text = "{";
+    const auto member = [&text](const char* key, const json& value) {
+        if (!isFinite(value)) throw json::other_error::create(600, "number not finite", nullptr);
+        if (text.size() > 1) text += ',';
+        appendJson(text, key);
+        text += ':' + writeJson(value);
+    };
     try {
-        return writeJson(object);
-    } catch (const json::type_error&) {  // a text that is not UTF-8
+        member("cats", listToJson(state.cats));
+        member("dupGroups", listToJson(state.dupGroups));
+        member("files", listToJson(state.files));
+        member("free", state.free);
+        text += R"(,"history":)" + encodeHistory(state.history);
+        if (state.protected_) member("protected", *state.protected_);
+        member("ser", state.ser);
+        member("settings", toJson(state.settings));
+        member("total", state.total);
+    } catch (const json::exception&) {  // such a number, or a text that is not UTF-8
         return std::nullopt;
     }
+    return text + '}';
 }
 
 DiskState diskStateFromJson(const json& object) {

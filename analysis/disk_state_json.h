@@ -9,10 +9,8 @@
 
 namespace velto {
 
-/// The record as JSON; keys come out sorted when it is written.
-nlohmann::json toJson(const DiskState& state);
-
-/// The text with sorted keys; nothing when a number is not finite or a text is not UTF-8.
+/// The record as JSON text with sorted keys; nothing when a number is not finite or a text is not
+/// UTF-8.
 std::optional<std::string> encode(const DiskState& state);
 
 /// Strict: a missing or mistyped field throws nlohmann::json::exception. Unknown keys are ignored.

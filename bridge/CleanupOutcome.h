@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,9 +9,9 @@
 #include "analysis/post_processing.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/Refusal.h"
+#include "bridge/TrashSnapshot.h"
 #include "bridge/failure_text.h"
 #include "cleaning/HistoryRecords.h"
-#include "cleaning/TrashRecords.h"
 #include "maintenance/holdings.h"
 #include "platform/Platform.h"
 
@@ -39,11 +37,11 @@ struct CleanupOutcome {
     std::vector<VeltoTrashService::Returned> returned;  // items that went back, wherever to
 
     // As all is when the item ends.
-    std::vector<TrashItem> trash;  // oldest first
-    /// Tells the page of them; empty when the item has not changed them.
+    SharedTrash trash;
+    /// Tell the page of its items and of their sizes; empty when the work has not changed them.
     std::string trashScript;
-    std::map<std::string, std::int64_t> trashBytes;  // by id, where that is known
-    std::vector<HeldItem> held;                      // what the maintenance has moved there
+    std::string sizesScript;
+    std::vector<HeldItem> held;  // what the maintenance has moved there
     std::vector<WaitingItem> waiting;
     std::vector<HistoryEntry> history;
     VolumeFigures volume;

@@ -4,6 +4,7 @@
 
 #include "bridge/events.h"
 #include "bridge/folder_search.h"
+#include "bridge/json_text.h"
 #include "platform/privacy_gate.h"
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
@@ -72,13 +73,13 @@ void FolderIntents::replace(Folders folders, bool isSaved) {
 
 void FolderIntents::takeTrash(const CleanupOutcome& outcome) {
     trash_ = outcome.trash;
-    trashBytes_ = outcome.trashBytes;
     departures_.noteBack(outcome.back);
     countDepartures(outcome.returned);
 }
 
 void FolderIntents::countDepartures(const std::vector<VeltoTrashService::Returned>& returned) {
-    if (folders_) departures_.take(trash_, trashBytes_, returned, folders_->measured);
+    if (!folders_ || !trash_) return;
+    departures_.take(trash_->items, trash_->bytes, returned, folders_->measured);
 }
 
 void FolderIntents::forget() { replace(nullptr, false); }
@@ -155,7 +156,7 @@ void FolderIntents::inBackground(std::function<std::string()> answer, const char
     dispatcher.global(QualityOfService::userInitiated,
                       [&dispatcher, weak = weak_from_this(), answer = std::move(answer), event] {
                           if (weak.expired()) return;
-                          const std::string script = events::call(event, answer());
+                          const std::string script = events::call(event, scriptLiteral(answer()));
                           dispatcher.main([weak, script] {
                               if (const auto self = weak.lock())
                                   self->context_.link.evaluate(script);

@@ -61,8 +61,7 @@ private:
     std::shared_ptr<FolderCache> cache_;
     Folders folders_;
     Departures departures_;
-    std::vector<TrashItem> trash_;  // as it was told last
-    Departures::Bytes trashBytes_;
+    SharedTrash trash_;  // as it was told last; null until then
     enum class Loading { notBegun, running, over } loading_ = Loading::notBegun;
     std::vector<std::function<void()>> waiting_;
 };

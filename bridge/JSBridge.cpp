@@ -177,7 +177,7 @@ void JSBridge::applyBootState() {
 void JSBridge::finishBoot() {
     isWaitingForTrash_ = false;
     if (!waiting_.empty()) evaluate(events::trashWaiting(waiting_));
-    evaluate(events::trashState(*trash_));
+    evaluate(events::trashState(trash_->items));
     measurementIntents_->tellTrash();
     if (scanRunning) evaluate(events::scanStarted());  // the page was reloaded meanwhile
     if (needsFirstScan) startAnalysis();

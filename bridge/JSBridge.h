@@ -182,12 +182,12 @@ private:
     std::shared_ptr<WorkProgress::Work> analysisWork_;  // while one runs
     ApplicationActivity::Token analysisWatch_;          // whether somebody looks at it
     AnalysisLists::Mark analysisBegun_ = 0;
-    std::vector<std::string> analysisExcluded_;    // what the last one kept out of
-    std::vector<HistoryEntry> history_;            // what the page knows
-    std::optional<std::vector<TrashItem>> trash_;  // the same; none until it has been read
-    std::vector<WaitingItem> waiting_;             // the same of what waits for a disk
-    bool isWaitingForTrash_ = false;               // the page has loaded first
-    int resetsAhead_ = 0;                          // asked for and not done yet
+    std::vector<std::string> analysisExcluded_;  // what the last one kept out of
+    std::vector<HistoryEntry> history_;          // what the page knows
+    SharedTrash trash_;                          // the same; null until it has been read
+    std::vector<WaitingItem> waiting_;           // the same of what waits for a disk
+    bool isWaitingForTrash_ = false;             // the page has loaded first
+    int resetsAhead_ = 0;                        // asked for and not done yet
     std::shared_ptr<AccessIntents> accessIntents_;
     std::shared_ptr<MaintenanceIntents> maintenanceIntents_;
     std::shared_ptr<SettingsIntents> settingsIntents_;

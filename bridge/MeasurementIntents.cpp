@@ -172,19 +172,24 @@ void MeasurementIntents::tellCleanables(const std::vector<Candidate>& found) {
 }
 
 /// What has left the trash needs no word: no other item gets its id.
-void MeasurementIntents::takeTrash(const events::SizesByKey& byId) {
-    for (const auto& [id, bytes] : byId)
-        hasNewTrash_ |= !trash_.contains(id);
-    trash_ = byId;
+void MeasurementIntents::takeTrash(const SharedTrash& trash) {
+    for (const auto& [id, bytes] : trash->bytes)
+        hasNewTrash_ |= !trash_ || !trash_->bytes.contains(id);
+    trash_ = trash;
 }
 
 void MeasurementIntents::tellTrash() {
     hasNewTrash_ = false;
-    if (!trash_.empty()) context_.link.evaluate(events::exactTrashSizes(trash_));
+    if (trash_ && !trash_->bytes.empty()) {
+        context_.link.evaluate(events::exactTrashSizes(trash_->bytes));
+    }
 }
 
-void MeasurementIntents::tellNewTrash() {
-    if (hasNewTrash_) tellTrash();
+void MeasurementIntents::tellNewTrash(const std::string& script) {
+    if (!hasNewTrash_) return;
+    if (script.empty()) return tellTrash();
+    hasNewTrash_ = false;
+    context_.link.evaluate(script);
 }
 
 void MeasurementIntents::tellMeasurement() {

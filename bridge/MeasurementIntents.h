@@ -11,6 +11,7 @@
 #include "bridge/BridgeLink.h"
 #include "bridge/CleanupQueue.h"
 #include "bridge/SaveQueue.h"
+#include "bridge/TrashSnapshot.h"
 #include "bridge/measurement_events.h"
 #include "bridge/payload.h"
 #include "cleaning/CleaningRules.h"
@@ -57,9 +58,11 @@ public:
 
     void tellCleanables(const std::vector<Candidate>& found);
 
-    void takeTrash(const events::SizesByKey& byId);
+    void takeTrash(const SharedTrash& trash);
     void tellTrash();
-    void tellNewTrash();  // only when there is something that the page has not been told
+    /// Only when there is something that the page has not been told; `script` tells it, if it was
+    /// made already.
+    void tellNewTrash(const std::string& script);
 
     /// All that is known but for the trash; the page has loaded.
     void tellAll();
@@ -82,7 +85,7 @@ private:
     std::optional<Measurement> measurement_;
     double stamp_ = 0;
     bool remembers_ = false;
-    events::SizesByKey trash_;
+    SharedTrash trash_;  // null until it has been read
     bool hasNewTrash_ = false;
 
     std::vector<FileRecord> uncompared_;

@@ -9,6 +9,7 @@
 #include "bridge/MaintenanceIntents.h"
 #include "bridge/MeasurementIntents.h"
 #include "bridge/events.h"
+#include "bridge/measurement_events.h"
 #include "bridge/selection_events.h"
 #include "cleaning/SpaceSharing.h"
 #include "platform/values/text.h"
@@ -36,9 +37,10 @@ std::vector<TrashItem> withFreePlace(const std::vector<TrashItem>& items,
 /// not hold any more and stands where it came from is back.
 void noteMoves(const std::vector<TrashItem>& before, const std::vector<TrashItem>& homeless,
                CleanupOutcome& outcome, const FileManager& files) {
+    const std::vector<TrashItem>& now = outcome.trash->items;
     const auto idsBefore = idsOf(before);
-    const auto idsNow = idsOf(outcome.trash);
-    for (const TrashItem& item : outcome.trash) {
+    const auto idsNow = idsOf(now);
+    for (const TrashItem& item : now) {
         if (!idsBefore.contains(item.id)) outcome.gone.push_back(item.originalPath);
     }
     for (const TrashItem& item : homeless) {
@@ -77,12 +79,16 @@ std::shared_ptr<const CleanupOutcome> carryOut(
         }
     }
     outcome->returned = services.trash.takeReturned();
-    outcome->trash = services.trash.items();
+    const auto trash = std::make_shared<const TrashSnapshot>(
+        TrashSnapshot{.items = services.trash.items(), .bytes = services.trash.exactSizes()});
     // Of thousands of items this would hold the window up.
-    if (outcome->trash != before) outcome->trashScript = events::trashState(outcome->trash);
-    outcome->trashBytes = services.trash.exactSizes();
-    outcome->held = heldItems(outcome->trash, services.trash.operations(), outcome->trashBytes,
+    if (trash->items != before) {
+        outcome->trashScript = events::trashState(trash->items);
+        outcome->sizesScript = events::exactTrashSizes(trash->bytes);
+    }
+    outcome->held = heldItems(trash->items, services.trash.operations(), trash->bytes,
                               TakenItems(*platform.files, platform.layout));
+    outcome->trash = trash;
     outcome->waiting = services.trash.waitingItems();
     outcome->history = services.history.entries();
     outcome->volume = volumeFigures(*platform.volumes, platform.layout.home);
@@ -111,8 +117,8 @@ void JSBridge::enqueue(CleanupWork work, CleanupReport report) {
 
 const TrashItem* JSBridge::trashItem(const std::string& id) const {
     if (!trash_) return nullptr;
-    const auto item = std::ranges::find(*trash_, id, &TrashItem::id);
-    return item == trash_->end() ? nullptr : &*item;
+    const auto item = std::ranges::find(trash_->items, id, &TrashItem::id);
+    return item == trash_->items.end() ? nullptr : &*item;
 }
 
 void JSBridge::toastFailure(std::string_view titleEs, std::string_view titleEn,
@@ -131,10 +137,11 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     lists_.noteGone(outcome.gone);
     lists_.noteBack(outcome.back);
     const bool isFirst = !trash_;
-    const bool hasTrashChanged = isFirst || outcome.trash != *trash_ || outcome.waiting != waiting_;
+    const bool hasTrashChanged =
+        isFirst || outcome.trash->items != trash_->items || outcome.waiting != waiting_;
     const bool hasHistoryChanged = outcome.history != history_;
     trash_ = outcome.trash;
-    measurementIntents_->takeTrash(outcome.trashBytes);
+    measurementIntents_->takeTrash(outcome.trash);
     folderIntents_->takeTrash(outcome);
     const bool hasHeldChanged = maintenanceIntents_->takeHeld(outcome.held);
     const bool hadWaiting = !waiting_.empty();
@@ -156,7 +163,7 @@ void JSBridge::finishCleanup(const CleanupOutcome& outcome, const OwnReport& rep
     }
     if (hasHeldChanged) maintenanceIntents_->tell();
     if (hasTrashChanged || hasStateChanged) pushState();
-    measurementIntents_->tellNewTrash();
+    measurementIntents_->tellNewTrash(outcome.sizesScript);
 }
 
 /// Brings the current analysis up to date and remembers it. True when the page sees a difference.
@@ -180,8 +187,8 @@ bool JSBridge::updateState(const CleanupOutcome& outcome) {
 
 /// `script` tells the page of the list, if it was made already.
 void JSBridge::pushTrash(const std::string& script) {
-    evaluate(events::trashChanged(sumOf(*trash_)));
-    evaluate(script.empty() ? events::trashState(*trash_) : script);
+    evaluate(events::trashChanged(sumOf(trash_->items)));
+    evaluate(script.empty() ? events::trashState(trash_->items) : script);
 }
 
 void JSBridge::refreshTrash() {

@@ -5,6 +5,7 @@
 
 #include "analysis/disk_state_json.h"
 #include "bridge/CleanupOutcome.h"
+#include "bridge/json_text.h"
 #include "cleaning/candidates_json.h"
 #include "platform/values/path_text.h"
 #include "platform/values/text.h"
@@ -56,7 +57,9 @@ std::string call(std::string_view callback, std::string_view arguments) {
                        arguments);
 }
 
-std::string literal(const nlohmann::json& json) { return writeJson(json, BadText::replaced); }
+std::string literal(const nlohmann::json& json) {
+    return scriptLiteral(writeJson(json, BadText::replaced));
+}
 
 std::string scanStarted() { return call("onScanStarted", ""); }
 
@@ -78,7 +81,8 @@ std::string scanFailed() { return call("onScanFailed", ""); }
 std::optional<std::string> setState(const DiskState& state, double stamp) {
     const auto json = encode(state);
     if (!json) return std::nullopt;
-    return "window.velto && window.velto.setState(" + *json + ", " + shortest(stamp) + ");";
+    return "window.velto && window.velto.setState(" + scriptLiteral(*json) + ", " +
+           shortest(stamp) + ");";
 }
 
 std::string permissions(bool fullDiskAccess) {
@@ -103,16 +107,24 @@ std::string maintenance(const nlohmann::json& status) {
 }
 
 std::string trashState(const std::vector<TrashItem>& items) {
-    auto list = nlohmann::json::array();
+    std::string list = "[";
     for (const TrashItem& item : items) {
-        list.push_back({{"id", item.id},
-                        {"name", pathText(item.name)},
-                        {"gb", item.gb},
-                        {"taken", item.taken},
-                        {"path", pathText(item.originalPath)},
-                        {"opID", item.opID}});
+        list += list.size() > 1 ? R"(,{"gb":)" : R"({"gb":)";
+        appendJson(list, item.gb);
+        list += R"(,"id":)";
+        appendJson(list, item.id, BadText::replaced);
+        list += R"(,"name":)";
+        appendPathJson(list, item.name);
+        list += R"(,"opID":)";
+        appendJson(list, item.opID, BadText::replaced);
+        list += R"(,"path":)";
+        appendPathJson(list, item.originalPath);
+        list += R"(,"taken":)";
+        appendJson(list, item.taken);
+        list += '}';
     }
-    return call("onTrashState", literal(list));
+    list += ']';
+    return call("onTrashState", scriptLiteral(std::move(list)));
 }
 
 std::string trashWaiting(const std::vector<WaitingItem>& items) {
@@ -190,7 +202,7 @@ std::optional<std::string> bootstrap(const DiskState& state, double stamp) {
     if (!json) return std::nullopt;
     return "window.velto = window.velto || {};\n"
            "window.velto._state = " +
-           *json +
+           scriptLiteral(*json) +
            ";\n"
            "window.velto._stamp = " +
            shortest(stamp) +

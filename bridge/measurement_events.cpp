@@ -5,7 +5,9 @@
 #include <nlohmann/json.hpp>
 
 #include "bridge/events.h"
+#include "bridge/json_text.h"
 #include "platform/values/path_text.h"
+#include "platform/values/write_json.h"
 
 namespace velto::events {
 namespace {
@@ -31,10 +33,16 @@ std::string exactCleanableSizes(const SizesByKey& byPath) {
 }
 
 std::string exactTrashSizes(const SizesByKey& byId) {
-    auto object = nlohmann::json::object();
-    for (const auto& [id, bytes] : byId)
-        object[id] = bytes;
-    return call("onExactSizes", literal({{"trash", object}}));
+    std::string object = R"({"trash":{)";
+    const char* separator = "";
+    for (const auto& [id, bytes] : byId) {
+        object += separator;
+        appendJson(object, id, BadText::replaced);
+        object += ':' + std::to_string(bytes);
+        separator = ",";
+    }
+    object += "}}";
+    return call("onExactSizes", scriptLiteral(std::move(object)));
 }
 
 std::string copyDates(const ListDetails& details) {

@@ -1,5 +1,6 @@
 #include "cleaning/HistoryRecords.h"
 
+#include <cmath>
 #include <utility>
 
 #include <nlohmann/json.hpp>
@@ -15,24 +16,17 @@ using nlohmann::json;
 
 namespace {
 
+void appendFinite(std::string& text, double number) {
+    if (!std::isfinite(number)) throw json::other_error::create(600, "number not finite", nullptr);
+    appendJson(text, number);
+}
+
 HistoryItem historyItemFrom(const json& object) {
     return {.name = pathBytes(field<std::string>(object, "name")),
             .gb = field<double>(object, "gb")};
 }
 
 }  // namespace
-
-json toJson(const HistoryEntry& entry) {
-    json items = json::array();
-    for (const HistoryItem& item : entry.items) {
-        items.push_back({{"name", pathText(item.name)}, {"gb", item.gb}});
-    }
-    return {{"id", entry.id},
-            {"ts", entry.ts},
-            {"gb", entry.gb},
-            {"items", std::move(items)},
-            {"kind", entry.kind}};
-}
 
 HistoryEntry historyEntryFromJson(const json& object) {
     return {.id = field<std::string>(object, "id"),
@@ -43,13 +37,30 @@ HistoryEntry historyEntryFromJson(const json& object) {
 }
 
 std::string encodeHistory(const std::vector<HistoryEntry>& entries) {
-    // Entry by entry: all of them as one JSON value would take many times their own memory.
+    // Text by text: the entries as one JSON value would take many times their own memory.
     std::string text = "[";
     for (const HistoryEntry& entry : entries) {
-        const json object = toJson(entry);
-        if (!isFinite(object)) throw json::other_error::create(600, "number not finite", nullptr);
         if (text.size() > 1) text += ',';
-        text += writeJson(object);
+        text += R"({"gb":)";
+        appendFinite(text, entry.gb);
+        text += R"(,"id":)";
+        appendJson(text, entry.id);
+        text += R"(,"items":[)";
+        const char* separator = "";
+        for (const HistoryItem& item : entry.items) {
+            text += separator;
+            text += R"({"gb":)";
+            appendFinite(text, item.gb);
+            text += R"(,"name":)";
+            appendJson(text, pathText(item.name));
+            text += '}';
+            separator = ",";
+        }
+        text += R"(],"kind":)";
+        appendJson(text, entry.kind);
+        text += R"(,"ts":)";
+        appendFinite(text, entry.ts);
+        text += '}';
     }
     return text + ']';
 }

@@ -26,13 +26,11 @@ struct HistoryEntry {
     bool operator==(const HistoryEntry&) const = default;
 };
 
-/// Keys equal the field names.
-nlohmann::json toJson(const HistoryEntry& entry);
-
 /// Strict: a missing or mistyped field throws nlohmann::json::exception.
 HistoryEntry historyEntryFromJson(const nlohmann::json& object);
 
-/// The JSON list of the entries, compact, and back. Strict as well; writing throws for a number
+/// The JSON list of the entries, compact, with sorted keys that equal the field names, and back.
+/// Strict as well; writing throws for a number
 /// that is not finite, too. Neither takes much memory beside the text and the entries.
 std::string encodeHistory(const std::vector<HistoryEntry>& entries);
 std::vector<HistoryEntry> decodeHistory(std::string_view text);

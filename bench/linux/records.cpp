@@ -156,9 +156,9 @@ void tellTrash(const std::string& folder, int count) {
     print([&] {
         const auto outcome =
             carryOut(*trash.platform, services, [](CleanupServices&, CleanupOutcome&) {});
-        requireCount(outcome->trash.size(), count);
-        return events::trashState(outcome->trash).size() +
-               events::exactTrashSizes(outcome->trashBytes).size();
+        requireCount(outcome->trash->items.size(), count);
+        return events::trashState(outcome->trash->items).size() +
+               events::exactTrashSizes(outcome->trash->bytes).size();
     });
 }
 

@@ -12,9 +12,7 @@ namespace {
 template <typename Json>
 class JsonWriter {
 public:
-    explicit JsonWriter(BadText badText)
-        : onBadText_(badText == BadText::replaced ? Json::error_handler_t::replace
-                                                  : Json::error_handler_t::strict) {}
+    explicit JsonWriter(BadText badText) : badText_(badText) {}
 
     void append(const Json& value) {
         if (value.is_object()) {
@@ -22,9 +20,9 @@ public:
         } else if (value.is_array()) {
             appendList(value);
         } else if (value.is_string()) {
-            appendText(value.template get_ref<const std::string&>());
-        } else if (value.is_number_float() && std::isfinite(value.template get<double>())) {
-            text_ += shortest(value.template get<double>());
+            appendJson(text_, value.template get_ref<const std::string&>(), badText_);
+        } else if (value.is_number_float()) {
+            appendJson(text_, value.template get<double>());
         } else {
             text_ += value.dump();
         }
@@ -38,7 +36,7 @@ private:
         const char* separator = "";
         for (const auto& [key, value] : object.items()) {
             text_ += separator;
-            appendText(key);
+            appendJson(text_, key, badText_);
             text_ += ':';
             append(value);
             separator = ",";
@@ -57,17 +55,7 @@ private:
         text_ += ']';
     }
 
-    void appendText(const std::string& text) {
-        if (isPlainJsonText(text)) {
-            text_ += '"';
-            text_ += text;
-            text_ += '"';
-        } else {
-            text_ += Json(text).dump(-1, ' ', false, onBadText_);
-        }
-    }
-
-    typename Json::error_handler_t onBadText_;
+    BadText badText_;
     std::string text_;
 };
 
@@ -86,6 +74,23 @@ std::string writeJson(const nlohmann::json& value, BadText badText) {
 
 std::string writeJson(const nlohmann::ordered_json& value, BadText badText) {
     return written(value, badText);
+}
+
+void appendJson(std::string& json, std::string_view text, BadText badText) {
+    if (isPlainJsonText(text)) {
+        json += '"';
+        json += text;
+        json += '"';
+    } else {
+        using Json = nlohmann::json;
+        json += Json(text).dump(-1, ' ', false,
+                                badText == BadText::replaced ? Json::error_handler_t::replace
+                                                             : Json::error_handler_t::strict);
+    }
+}
+
+void appendJson(std::string& json, double number) {
+    json += std::isfinite(number) ? shortest(number) : "null";
 }
 
 bool isPlainJsonText(std::string_view text) {

@@ -19,6 +19,11 @@ enum class BadText {
 std::string writeJson(const nlohmann::json& value, BadText badText = BadText::refused);
 std::string writeJson(const nlohmann::ordered_json& value, BadText badText = BadText::refused);
 
+/// Appends a text or a real as `writeJson` writes it: a long list made piece by piece takes neither
+/// the time nor the memory of one value that holds it all.
+void appendJson(std::string& json, std::string_view text, BadText badText = BadText::refused);
+void appendJson(std::string& json, double number);
+
 /// True when the text needs no more than quotes to be a JSON string, as nearly every text does.
 bool isPlainJsonText(std::string_view text);
 

@@ -25,14 +25,7 @@ struct FolderFixture : BridgeFixture {
         machine.dispatcher.runAll();
     }
 
-    nlohmann::json last(const char* event) const {
-        const auto calls = page->calls(event);
-        if (calls.empty()) return {};
-        const std::string& script = calls.back();
-        const std::size_t start =
-            script.rfind(std::string(event) + "(") + std::string(event).size();
-        return nlohmann::json::parse(script.substr(start + 1, script.size() - start - 3));
-    }
+    nlohmann::json last(const char* event) const { return page->lastArgument(event); }
 
     nlohmann::json ask(const std::string& path, int request = 7) {
         post("folder", {{"path", path}, {"request", request}});

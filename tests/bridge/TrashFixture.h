@@ -14,11 +14,8 @@ inline std::string trashChangedScript(const std::string& gb) {
            ");";
 }
 
-/// The argument of the last call of a callback that takes one.
 inline nlohmann::json lastArgument(const FakeWebView& page, const std::string& callback) {
-    const std::string script = page.calls(callback).back();
-    const std::size_t begin = script.rfind(callback + "(") + callback.size() + 1;
-    return nlohmann::json::parse(script.substr(begin, script.rfind(");") - begin));
+    return page.lastArgument(callback);
 }
 
 /// A window that shows a saved analysis of two large files and a group of three copies.
@@ -71,8 +68,8 @@ struct TrashFixture : BridgeFixture {
     /// What the page was told last.
     nlohmann::json shown() const {
         const std::string script = page->calls("setState").back();
-        const std::size_t begin = script.find('{');
-        return nlohmann::json::parse(script.substr(begin, script.rfind(", ") - begin));
+        const std::size_t begin = script.rfind("setState(") + 9;
+        return FakeWebView::value(script.substr(begin, script.rfind(", ") - begin));
     }
     std::vector<std::string> shownFiles() const {
         std::vector<std::string> names;

@@ -12,8 +12,7 @@ struct AboutTest : BridgeFixture {
         post("about");
         const std::string& script = page->scripts.back();
         EXPECT_THAT(script, testing::HasSubstr("velto.onAbout("));
-        const std::size_t begin = script.find('(') + 1;
-        return nlohmann::json::parse(script.substr(begin, script.rfind(')') - begin));
+        return page->lastArgument("onAbout");
     }
     static nlohmann::json place(const char* role, const std::string& path, bool there) {
         return {{"role", role}, {"path", path}, {"there", there}};

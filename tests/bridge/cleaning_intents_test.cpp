@@ -27,11 +27,7 @@ struct CleaningIntents : BridgeFixture {
         machine.dispatcher.runAll();
     }
 
-    json lastArgument(const std::string& callback) const {
-        const std::string script = page->calls(callback).back();
-        const std::size_t begin = script.rfind(callback + "(") + callback.size() + 1;
-        return json::parse(script.substr(begin, script.rfind(");") - begin));
-    }
+    json lastArgument(const std::string& callback) const { return page->lastArgument(callback); }
 };
 
 TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {

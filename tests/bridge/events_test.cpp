@@ -6,6 +6,7 @@
 #include <clocale>
 #include <limits>
 
+#include "analysis/disk_state_json.h"
 #include "bridge/CleanupOutcome.h"
 
 namespace velto {
@@ -36,6 +37,18 @@ TEST(Events, AToastEscapesQuotesAndNothingElse) {
     EXPECT_EQ(events::toast("Say \"hi\"", "a\\b"),
               "window.velto && window.velto.toast && "
               "window.velto.toast(\"Say \\\"hi\\\"\", \"a\\b\");");
+}
+
+TEST(Events, AStateOfManyCleanupsIsAText) {
+    DiskState state;
+    state.history.assign(100, {.id = "op", .items = {10, {.name = "a \"b\".mov", .gb = 0.1}}});
+    const std::string script = *events::setState(state, 1700000000);
+    const std::string begin = "window.velto && window.velto.setState(JSON.parse(";
+    const std::string end = "), 1700000000.0);";
+    ASSERT_TRUE(script.starts_with(begin) && script.ends_with(end));
+    const auto text = nlohmann::json::parse(
+        script.substr(begin.size(), script.size() - begin.size() - end.size()));
+    EXPECT_EQ(diskStateFromJson(nlohmann::json::parse(text.get<std::string>())), state);
 }
 
 TEST(Events, PermissionsAndListsAreJson) {

@@ -36,13 +36,7 @@ struct GrowthIntentsTest : BridgeFixture {
         return static_cast<std::int64_t>(now - daysAgo * 86'400);
     }
     std::string below(const char* path) { return pathText(machine.home.path(path)); }
-    nlohmann::json told(const char* callback = "onGrowth") {
-        const auto calls = page->calls(callback);
-        if (calls.empty()) return {};
-        const std::string& script = calls.back();
-        const std::size_t begin = script.find('(') + 1;
-        return nlohmann::json::parse(script.substr(begin, script.rfind(')') - begin));
-    }
+    nlohmann::json told(const char* callback = "onGrowth") { return page->lastArgument(callback); }
     nlohmann::json ask(const nlohmann::json& since) {
         post("growth", {{"since", since}});
         machine.dispatcher.runAll();

@@ -35,6 +35,24 @@ public:
         return found;
     }
 
+    /// The argument of the last call of a callback that takes one; null when there was no call.
+    nlohmann::json lastArgument(const std::string& callback) const {
+        const auto found = calls(callback);
+        if (found.empty()) return nullptr;
+        const std::string& script = found.back();
+        const std::size_t begin = script.rfind(callback + "(") + callback.size() + 1;
+        return value(script.substr(begin, script.rfind(");") - begin));
+    }
+
+    /// The JSON value of a script's expression: a literal, or one that the page parses.
+    static nlohmann::json value(const std::string& expression) {
+        const std::string parse = "JSON.parse(";
+        if (!expression.starts_with(parse)) return nlohmann::json::parse(expression);
+        const std::size_t length = expression.size() - parse.size() - 1;
+        const auto text = nlohmann::json::parse(expression.substr(parse.size(), length));
+        return nlohmann::json::parse(text.get<std::string>());
+    }
+
     std::vector<std::string> scripts;
     std::vector<std::string> userScripts;
     std::map<std::string, MessageHandler> handlers;

@@ -13,7 +13,10 @@
 namespace velto::window {
 
 GtkWebView::GtkWebView(WebKitNetworkSession* session)
-    : content_(webkit_user_content_manager_new()) {
+    : content_(webkit_user_content_manager_new()),
+      scripts_([this](const std::string& script, const std::function<void()>& ended) {
+          evaluateNow(script, ended);
+      }) {
     const auto settings = pageSettings();
     view_.reset(WEBKIT_WEB_VIEW(g_object_ref_sink(
         g_object_new(WEBKIT_TYPE_WEB_VIEW, "network-session", session, "user-content-manager",
@@ -41,18 +44,31 @@ void GtkWebView::loadPage() {
 void GtkWebView::loadChanged(WebKitWebView* view, WebKitLoadEvent event, gpointer self) {
     if (event != WEBKIT_LOAD_COMMITTED) return;
     const char* const uri = webkit_web_view_get_uri(view);
-    static_cast<GtkWebView*>(self)->showsPage_ = uri != nullptr && maySpeak(uri, true);
+    auto& page = *static_cast<GtkWebView*>(self);
+    page.showsPage_ = uri != nullptr && maySpeak(uri, true);
+    page.scripts_.clear();
 }
 
 void GtkWebView::processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self) {
-    static_cast<GtkWebView*>(self)->showsPage_ = false;
+    auto& page = *static_cast<GtkWebView*>(self);
+    page.showsPage_ = false;
+    page.scripts_.clear();
 }
 
 void GtkWebView::evaluate(const std::string& script) {
-    if (!showsPage_) return;
-    webkit_web_view_evaluate_javascript(view_.get(), script.data(),
-                                        static_cast<gssize>(script.size()), nullptr, nullptr,
-                                        nullptr, nullptr, nullptr);
+    if (showsPage_) scripts_.put(script);
+}
+
+void GtkWebView::evaluateNow(const std::string& script, const std::function<void()>& ended) {
+    using Ended = std::function<void()>;
+    webkit_web_view_evaluate_javascript(
+        view_.get(), script.data(), static_cast<gssize>(script.size()), nullptr, nullptr, nullptr,
+        ended ? &GtkWebView::evaluated : nullptr, ended ? new Ended(ended) : nullptr);
+}
+
+void GtkWebView::evaluated(GObject*, GAsyncResult*, gpointer ended) {
+    const std::unique_ptr<std::function<void()>> call(static_cast<std::function<void()>*>(ended));
+    (*call)();
 }
 
 void GtkWebView::addUserScript(const std::string& script) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "app/window/ScriptQueue.h"
 #include "app/window/linux/gtk.h"
 #include "platform/WebView.h"
 
@@ -42,10 +43,14 @@ private:
     static void loadChanged(WebKitWebView*, WebKitLoadEvent event, gpointer self);
     static void processEnded(WebKitWebView*, WebKitWebProcessTerminationReason, gpointer self);
     static void received(WebKitUserContentManager*, JSCValue* message, gpointer channel);
+    static void evaluated(GObject*, GAsyncResult*, gpointer ended);
+
+    void evaluateNow(const std::string& script, const std::function<void()>& ended);
 
     GlibReference<WebKitUserContentManager> content_;
     GlibReference<WebKitWebView> view_;
     std::map<std::string, std::unique_ptr<Channel>> channels_;
+    ScriptQueue scripts_;
     bool showsPage_ = false;  // the document that stands, while another one may be on its way
 };
 

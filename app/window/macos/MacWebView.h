@@ -2,8 +2,11 @@
 
 #import <WebKit/WebKit.h>
 
+#include <functional>
 #include <set>
+#include <string>
 
+#include "app/window/ScriptQueue.h"
 #include "platform/Log.h"
 #include "platform/WebView.h"
 
@@ -29,12 +32,14 @@ public:
     void setMessageHandler(const std::string& name, MessageHandler handler) override;
 
 private:
+    void evaluateNow(const std::string& script, const std::function<void()>& ended);
     void closeChannel(const std::string& name);
 
     WKWebView* view_;
     WKUserContentController* content_;
     Log& log_;
     std::set<std::string> channels_;
+    window::ScriptQueue scripts_;
 };
 
 }  // namespace velto

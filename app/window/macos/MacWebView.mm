@@ -60,7 +60,12 @@ std::optional<nlohmann::json> jsonOf(id body) {
 namespace velto {
 
 MacWebView::MacWebView(WKWebView* view, Log& log)
-    : view_(view), content_(view.configuration.userContentController), log_(log) {
+    : view_(view),
+      content_(view.configuration.userContentController),
+      log_(log),
+      scripts_([this](const std::string& script, const std::function<void()>& ended) {
+          evaluateNow(script, ended);
+      }) {
     addUserScript(window::platformScript("macos"));
 }
 
@@ -68,9 +73,19 @@ MacWebView::~MacWebView() {
     for (const auto& name : channels_) closeChannel(name);
 }
 
-void MacWebView::evaluate(const std::string& script) {
-    if (!window::isPageAddress(utf8(view_.URL.absoluteString))) return;
-    [view_ evaluateJavaScript:nsString(script) completionHandler:nil];
+void MacWebView::evaluate(const std::string& script) { scripts_.put(script); }
+
+// The view calls the handler whatever becomes of the page.
+void MacWebView::evaluateNow(const std::string& script, const std::function<void()>& ended) {
+    if (!window::isPageAddress(utf8(view_.URL.absoluteString))) {
+        if (ended) ended();
+        return;
+    }
+    const std::function<void()> call = ended;  // the block keeps a copy of it
+    [view_ evaluateJavaScript:nsString(script)
+            completionHandler:^(id, NSError*) {
+              if (call) call();
+            }];
 }
 
 void MacWebView::addUserScript(const std::string& script) {
