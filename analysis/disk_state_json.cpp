@@ -108,14 +108,16 @@ std::optional<std::string> encode(const DiskState& state) {
         if (!isFinite(value)) throw json::other_error::create(600, "number not finite", nullptr);
         if (text.size() > 1) text += ',';
         appendJson(text, key);
-        text += ':' + writeJson(value);
+        text += ':';
+        text += writeJson(value);
     };
     try {
         member("cats", listToJson(state.cats));
         member("dupGroups", listToJson(state.dupGroups));
         member("files", listToJson(state.files));
         member("free", state.free);
-        text += R"(,"history":)" + encodeHistory(state.history);
+        text += R"(,"history":)";
+        text += encodeHistory(state.history);
         if (state.protected_) member("protected", *state.protected_);
         member("ser", state.ser);
         member("settings", toJson(state.settings));
@@ -123,7 +125,8 @@ std::optional<std::string> encode(const DiskState& state) {
     } catch (const json::exception&) {  // such a number, or a text that is not UTF-8
         return std::nullopt;
     }
-    return text + '}';
+    text += '}';
+    return text;
 }
 
 DiskState diskStateFromJson(const json& object) {

@@ -28,7 +28,8 @@ std::string scriptLiteral(std::string json) {
         if (character == '"' || character == '\\') script += '\\';
         script += character;
     }
-    return script + "\")";
+    script += "\")";
+    return script;
 }
 
 }  // namespace velto

@@ -62,7 +62,8 @@ std::string encodeHistory(const std::vector<HistoryEntry>& entries) {
         appendFinite(text, entry.ts);
         text += '}';
     }
-    return text + ']';
+    text += ']';
+    return text;
 }
 
 std::vector<HistoryEntry> decodeHistory(std::string_view text) {
