@@ -2,7 +2,7 @@ import type { Browser, Locator } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
 import { someTrash } from '../support/cleaning.ts';
 import { someMeasurement, tellMeasurement } from '../support/measurement.ts';
-import { launch, open } from '../support/page.ts';
+import { launch, open, painted } from '../support/page.ts';
 import { fullState, home } from '../support/states.ts';
 
 let browser: Browser;
@@ -12,7 +12,11 @@ beforeAll(async () => {
 });
 afterAll(() => browser.close());
 
-const text = async (locator: Locator) => (await locator.innerText()).replaceAll('\u00a0', ' ');
+/** Painted first: a row that was never shown has no text yet. */
+const text = async (locator: Locator) => {
+  await painted(locator.page());
+  return (await locator.innerText()).replaceAll('\u00a0', ' ');
+};
 const film = `${home}/Movies/Viaje a Islandia/Islandia - montaje final (4K, HDR, 60 fps).mov`;
 const [small, , many] = fullState().dupGroups;
 

@@ -1,6 +1,6 @@
 import type { Browser } from 'playwright-core';
 import { afterAll, beforeAll, describe, expect, it } from 'vitest';
-import { launch, open } from '../support/page.ts';
+import { launch, open, painted } from '../support/page.ts';
 import { defaultSettings, fullState } from '../support/states.ts';
 
 let browser: Browser;
@@ -20,6 +20,7 @@ describe('the program that is about to quit', () => {
     expect(await notice.textContent()).toContain('Velto is finishing what it has begun.');
     await page.keyboard.press('Escape');
     await page.keyboard.press('Escape');
+    await painted(page);
     expect(await notice.isVisible()).toBe(true);
     // There is nothing to press in it.
     expect(await notice.evaluate((one) => getComputedStyle(one).outlineStyle)).toBe('none');

@@ -55,8 +55,8 @@ describe('what waits for a disk', () => {
     await page.keyboard.press('Escape');
 
     await tell('onTrashWaiting', []);
+    await page.locator(`[data-key="${out.id}"]`).waitFor();
     expect(await section(opened).count()).toBe(0);
-    expect(await page.locator(`[data-key="${out.id}"]`).count()).toBe(1);
     await opened.close();
     expect(opened.complaints).toEqual([]);
   });

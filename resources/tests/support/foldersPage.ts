@@ -33,11 +33,12 @@ export async function openFolders(browser: Browser, served: Partial<Served> = {}
   return opened;
 }
 
+/** In a folder of the home that is not empty: its rows are there, and the first of them has the focus. */
 export async function inFolder(browser: Browser, name: string, served: Partial<Served> = {}): Promise<OpenPage> {
   const opened = await openFolders(browser, served);
   await opened.page.locator('[data-key]').first().focus();
   await opened.page.locator(`[data-key="${home}/${name}"]`).focus();
   await opened.page.keyboard.press('Enter');
-  await opened.page.waitForFunction((wanted) => document.querySelector('[aria-current="location"]')?.textContent?.includes(wanted), name);
+  await opened.page.locator(`[data-key^="${home}/${name}/"]:focus`).waitFor();
   return opened;
 }
