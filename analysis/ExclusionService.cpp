@@ -13,8 +13,8 @@
 namespace velto {
 namespace {
 
-constexpr const char* fileName = "/exclusions.json";
-constexpr ReadLimit limit = ownFile(64 << 20);  // some hundred thousand paths
+constexpr const char* exclusionsFile = "/exclusions.json";
+constexpr ReadLimit exclusionsLimit = ownFile(64 << 20);  // some hundred thousand paths
 
 /// An empty text would be above every path, and no walk ever meets a relative one.
 bool isAbsolute(const std::string& path) { return path.starts_with('/'); }
@@ -24,7 +24,7 @@ bool isAbsolute(const std::string& path) { return path.starts_with('/'); }
 ExclusionService::ExclusionService(FileManager& files, const HomeLayout& layout)
     : files_(files), folder_(layout.dataFolder) {
     try {
-        const auto json = parseJson(files_.read(folder_ + fileName, limit));
+        const auto json = parseJson(files_.read(folder_ + exclusionsFile, exclusionsLimit));
         if (json.is_array()) paths_ = pathsOfTexts(json.get<std::vector<std::string>>());
         std::erase_if(paths_, [](const std::string& path) { return !isAbsolute(path); });
     } catch (const FileError&) {
@@ -63,7 +63,7 @@ void ExclusionService::remove(const std::string& path) {
 void ExclusionService::save() const {
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(folder_ + fileName, nlohmann::json(pathTexts(paths_)).dump());
+        files_.writeAtomically(folder_ + exclusionsFile, nlohmann::json(pathTexts(paths_)).dump());
     } catch (const FileError&) {
         // The list stays in force for the life of the process.
     }

@@ -10,7 +10,8 @@
 namespace velto {
 namespace {
 
-constexpr ReadLimit limit = ownFile(4 << 20);  // figures and some paths; exclusions are the user's
+// Figures and some paths; the exclusions among them are the user's.
+constexpr ReadLimit measurementLimit = ownFile(4 << 20);
 
 }  // namespace
 
@@ -28,7 +29,7 @@ void MeasurementFile::save(const Measurement& measurement, double ts) const {
 
 std::optional<Measurement> MeasurementFile::load(double ts) const {
     try {
-        const auto entry = parseJson(files_.read(path_, limit));
+        const auto entry = parseJson(files_.read(path_, measurementLimit));
         if (entry.at("ts").get<double>() != ts) return std::nullopt;
         return measurementFromJson(entry.at("measurement"));
     } catch (const FileError&) {

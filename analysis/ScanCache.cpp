@@ -9,7 +9,7 @@
 namespace velto {
 namespace {
 
-constexpr ReadLimit limit = ownFile(256 << 20);  // lists of files, and a history of any length
+constexpr ReadLimit stateLimit = ownFile(256 << 20);  // lists of files, and a history of any length
 
 }  // namespace
 
@@ -38,7 +38,7 @@ void ScanCache::save(const DiskState& state, double ts) const {
 
 std::optional<ScanCache::Entry> ScanCache::load() const {
     try {
-        const auto json = parseJson(files_.read(location(), limit));
+        const auto json = parseJson(files_.read(location(), stateLimit));
         const nlohmann::json& ts = json.at("ts");
         if (!ts.is_number()) return std::nullopt;
         return Entry{ts.get<double>(), diskStateFromJson(json.at("state"))};

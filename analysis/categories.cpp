@@ -8,17 +8,12 @@
 namespace velto {
 namespace {
 
-constexpr char lowerCase(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                : character;
-}
-
 /// The first eight bytes of a text as one number, in lower case: compared at once instead of byte
 /// by byte, for every file of a home is asked for its extension.
 constexpr std::uint64_t beginningOf(std::string_view text) {
     std::uint64_t beginning = 0;
     for (const char character : text.substr(0, sizeof beginning))
-        beginning = beginning << 8 | static_cast<unsigned char>(lowerCase(character));
+        beginning = beginning << 8 | static_cast<unsigned char>(lowerCasedAscii(character));
     return beginning;
 }
 
@@ -70,7 +65,8 @@ static_assert(std::ranges::adjacent_find(extensionTable, {}, &ExtensionRow::begi
               "no two extensions begin alike, so that one search finds the only one");
 
 bool isExtension(std::string_view written, std::string_view extension) {
-    return std::ranges::equal(written, extension, {}, lowerCase);
+    return std::ranges::equal(written, extension, {},
+                              [](char letter) { return lowerCasedAscii(letter); });
 }
 
 }  // namespace

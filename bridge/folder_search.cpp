@@ -47,7 +47,7 @@ private:
                 folded_ = foldedText(name);
                 return;
             }
-            if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+            letter = lowerCasedAscii(letter);
         }
     }
 

@@ -28,7 +28,7 @@ bool isBelow(const std::string& path, const std::string& folder) {
     return path != folder && isAtOrBelow(path, folder);
 }
 
-bool isAbsence(const FileError& error) {
+bool leadsNowhere(const FileError& error) {
     return error.code() == ENOENT || error.code() == ENOTDIR || error.code() == ELOOP;
 }
 
@@ -162,7 +162,7 @@ void CloudFolder::settleEarlierMove(Index& index) {
         }
     } catch (const FileError& error) {
         // A folder of it is gone for good: nothing can be brought into order there any more.
-        if (!isAbsence(error)) throw;
+        if (!leadsNowhere(error)) throw;
         if (files_.exists(move.to) && !files_.exists(move.from)) state = MoveState::atTarget;
     }
     finish(move, state, index);

@@ -23,14 +23,6 @@ bool isOfOneApplication(std::string_view left, std::string_view right) {
 
 }  // namespace
 
-std::string lowerCasedAscii(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
-
 RunningPrograms::RunningPrograms(RunningApplications& running) {
     for (const RunningApplication& application : running.list())
         note(application);

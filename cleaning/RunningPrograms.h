@@ -34,7 +34,4 @@ private:
     std::vector<std::string> executables_;   // absolute
 };
 
-/// ASCII letters alone: identifiers of applications and the tables of caches have no others.
-std::string lowerCasedAscii(std::string_view text);
-
 }  // namespace velto

@@ -10,7 +10,7 @@ namespace {
 
 using Kind = JournalEntry::Kind;
 
-bool isAbsence(const FileError& error) { return error.code() == ENOENT || error.code() == ENOTDIR; }
+bool saysGone(const FileError& error) { return error.code() == ENOENT || error.code() == ENOTDIR; }
 
 }  // namespace
 
@@ -33,7 +33,7 @@ TrashRecovery::Side TrashRecovery::reach(const std::string& path, const std::str
         if (!volume.empty() && mover_.volumeOf(*place.folder) != volume) return {};
         return {.reach = Side::Reach::visible, .place = std::move(place)};
     } catch (const FileError& error) {
-        const bool isGone = isAbsence(error) && isVolumeThere(path, volume);
+        const bool isGone = saysGone(error) && isVolumeThere(path, volume);
         return {.reach = isGone ? Side::Reach::gone : Side::Reach::hidden};
     }
 }
@@ -46,7 +46,7 @@ bool TrashRecovery::isVolumeThere(const std::string& path, const std::string& vo
         try {
             return mover_.volumeOf(*mover_.openFolder(above, FolderPath::withoutLinks)) == volume;
         } catch (const FileError& error) {
-            if (!isAbsence(error)) return false;
+            if (!saysGone(error)) return false;
         }
     }
     return false;

@@ -10,39 +10,39 @@
 namespace velto {
 namespace {
 
-using Reason = SelectionCheck::Reason;
+using Stays = SelectionCheck::Reason;
 
-Reason reasonOf(const TrashError& error, const std::string& path, const HomeLayout& layout) {
+Stays reasonOf(const TrashError& error, const std::string& path, const HomeLayout& layout) {
     switch (error.reason()) {
         case TrashError::Reason::outsideHome:
-            return standardizedPath(path).starts_with(layout.home + "/") ? Reason::link
-                                                                         : Reason::outside;
+            return standardizedPath(path).starts_with(layout.home + "/") ? Stays::link
+                                                                         : Stays::outside;
         case TrashError::Reason::protected_:
-            return Reason::protected_;
+            return Stays::protected_;
         case TrashError::Reason::alreadyInTrash:
-            return Reason::own;
+            return Stays::own;
         case TrashError::Reason::notFound:
             break;
     }
-    return Reason::gone;
+    return Stays::gone;
 }
 
-Reason reasonOf(const FileError& error) {
-    if (dynamic_cast<const SomethingMounted*>(&error) != nullptr) return Reason::mounted;
+Stays reasonOf(const FileError& error) {
+    if (dynamic_cast<const SomethingMounted*>(&error) != nullptr) return Stays::mounted;
     switch (error.code()) {
         case ENOENT:
         case ENOTDIR:
-            return Reason::gone;
+            return Stays::gone;
         case EACCES:
         case EPERM:
-            return Reason::closed;
+            return Stays::closed;
         case EROFS:
-            return Reason::readOnly;
+            return Stays::readOnly;
         case EBUSY:
         case EXDEV:
-            return Reason::mounted;
+            return Stays::mounted;
         default:
-            return Reason::other;
+            return Stays::other;
     }
 }
 
@@ -72,7 +72,7 @@ SelectionCheck checkSelection(const Platform& platform, const std::vector<std::s
             SelectionCheck::Stay stay{path, reasonOf(error, path, platform.layout), {}};
             // A folder that may not be looked into hides what it holds; that is not gone.
             const auto why =
-                stay.reason == Reason::gone ? whyAbsent(*platform.mover, path) : std::nullopt;
+                stay.reason == Stays::gone ? whyAbsent(*platform.mover, path) : std::nullopt;
             if (why) stay = {path, reasonOf(*why), why->what()};
             found.stays.push_back(std::move(stay));
         } catch (const FileError& error) {

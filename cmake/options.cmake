@@ -110,9 +110,6 @@ endif()
 
 # What is compiled together shares precompiled headers as well (unity.cmake).
 function(velto_precompile target from)
-    if(CMAKE_UNITY_BUILD)
-        velto_compile_alone(${target})
-    endif()
     if(NOT VELTO_COMPILE_TOGETHER)
         return()
     endif()

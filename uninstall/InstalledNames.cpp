@@ -14,14 +14,6 @@ namespace {
 
 constexpr ReadLimit entryLimit = anyFile(256 * 1024);
 
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
-
 /// The names in a folder; none where it is not there. `isKnown` turns false where it cannot be
 /// listed.
 std::vector<std::string> namesIn(const FileManager& files, const std::string& folder,
@@ -144,7 +136,7 @@ InstalledNames::InstalledNames(const Platform& platform, const Places& places) {
 }
 
 void InstalledNames::add(std::string_view name) {
-    if (!name.empty()) names_.insert(lowerCased(name));
+    if (!name.empty()) names_.insert(lowerCasedAscii(name));
 }
 
 /// Those that are hidden, broken or meant for another desktop too.
@@ -174,7 +166,7 @@ void InstalledNames::addEntry(const FileManager& files, const std::string& path)
         for (std::string_view key : {"X-Flatpak", "X-SnapInstanceName", "StartupWMClass", "Icon"}) {
             const std::string_view value = valueOf(line, key);
             add(value);
-            if (key == "X-Flatpak" && !value.empty()) flatpaks_.insert(lowerCased(value));
+            if (key == "X-Flatpak" && !value.empty()) flatpaks_.insert(lowerCasedAscii(value));
         }
         std::string_view command = valueOf(line, "Exec");
         while (!command.empty()) {
@@ -192,7 +184,7 @@ void InstalledNames::addRunning(RunningApplications& running) {
         add(application.entry);
         add(application.snap);
         add(application.flatpak);
-        if (!application.flatpak.empty()) flatpaks_.insert(lowerCased(application.flatpak));
+        if (!application.flatpak.empty()) flatpaks_.insert(lowerCasedAscii(application.flatpak));
     }
 }
 
@@ -219,21 +211,21 @@ void InstalledNames::addInstallation(const FileManager& files, const std::string
     for (const char* kind : {"/app", "/runtime"}) {
         for (const std::string& name : namesIn(files, folder + kind, knowsFlatpaks_)) {
             add(name);
-            flatpaks_.insert(lowerCased(name));
+            flatpaks_.insert(lowerCasedAscii(name));
         }
     }
 }
 
 bool InstalledNames::hasName(std::string_view name) const {
-    return names_.contains(lowerCased(name));
+    return names_.contains(lowerCasedAscii(name));
 }
 
 bool InstalledNames::hasFlatpak(std::string_view identifier) const {
-    return flatpaks_.contains(lowerCased(identifier));
+    return flatpaks_.contains(lowerCasedAscii(identifier));
 }
 
 bool InstalledNames::hasIdentifier(std::string_view identifier) const {
-    const std::string wanted = lowerCased(identifier);
+    const std::string wanted = lowerCasedAscii(identifier);
     if (names_.contains(wanted)) return true;
     if (names_.contains(wanted.substr(wanted.rfind('.') + 1))) return true;
     const auto isPart = [](std::string_view whole, std::string_view part) {

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/values/text.h"
+
 namespace velto {
 namespace {
 
@@ -22,20 +24,15 @@ bool isAscii(std::string_view text) {
     return std::ranges::all_of(text, [](char character) { return (character & 0x80) == 0; });
 }
 
-/// In small letters: on a Mac's disk a name is found whatever its case.
-std::string folded(std::string text) {
-    for (char& letter : text) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return text;
-}
+/// On a Mac's disk a name is found whatever its case.
+std::string folded(std::string_view name) { return lowerCasedAscii(name); }
 
-std::optional<std::unordered_set<std::string>> namesIn(const FileManager& files,
-                                                       const std::string& folder) {
+std::optional<std::unordered_set<std::string>> foldedNames(const FileManager& files,
+                                                           const std::string& folder) {
     std::unordered_set<std::string> names;
     try {
-        for (std::string& name : files.list(folder))
-            names.insert(folded(std::move(name)));
+        for (const std::string& name : files.list(folder))
+            names.insert(folded(name));
     } catch (const FileError& error) {
         // One that must not be listed may still tell of a name that is known.
         if (error.code() != ENOENT) return std::nullopt;
@@ -69,7 +66,7 @@ LastUseEstimate::LastUseEstimate(const Platform& platform) : files_(*platform.fi
 
 void LastUseEstimate::listFolders() {
     for (Place& place : places_) {
-        if (place.mayBeListed) place.names = namesIn(files_, place.folder);
+        if (place.mayBeListed) place.names = foldedNames(files_, place.folder);
     }
 }
 

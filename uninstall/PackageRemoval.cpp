@@ -12,7 +12,7 @@
 namespace velto {
 namespace {
 
-using Reason = PackageError::Reason;
+using Refusal = PackageError::Reason;
 
 std::vector<std::string> namesOf(const std::vector<Package>& packages) {
     std::vector<std::string> names;
@@ -86,7 +86,7 @@ std::optional<PackagePlan> PackageRemoval::plan(const std::string& desktopEntry)
         plan.kept = keptAmong(plan.name, plan.others);
         return plan;
     } catch (const PackageError& error) {
-        if (error.reason() != Reason::unavailable) throw;
+        if (error.reason() != Refusal::unavailable) throw;
         const std::string command = commandFor(desktopEntry);
         if (command.empty()) return std::nullopt;
         return PackagePlan{.keeper = PackageKeeper::distribution,
@@ -107,16 +107,16 @@ std::string PackageRemoval::commandFor(const std::string& desktopEntry) const {
 void PackageRemoval::remove(const std::string& desktopEntry,
                             const std::vector<std::string>& shown) const {
     const auto owner = ownerOf(desktopEntry);
-    if (!owner) throw PackageError(Reason::missing, "no package has " + desktopEntry);
+    if (!owner) throw PackageError(Refusal::missing, "no package has " + desktopEntry);
     // It may have come to more since the user was asked.
     const auto others = namesOf(owner->service.removedWith(owner->package));
     for (const std::string& other : others) {
         if (std::ranges::find(shown, other) == shown.end()) {
-            throw PackageError(Reason::changed, "would go as well: " + other);
+            throw PackageError(Refusal::changed, "would go as well: " + other);
         }
     }
     const std::string kept = keptAmong(owner->package.name, others);
-    if (!kept.empty()) throw PackageError(Reason::kept, "has to stay: " + kept);
+    if (!kept.empty()) throw PackageError(Refusal::kept, "has to stay: " + kept);
     platform_.log->line(fmt::format("Velto ▶ desinstalador: se pide al sistema quitar {}",
                                     singleLine(owner->package.name)));
     owner->service.remove(owner->package, !others.empty());

@@ -21,14 +21,6 @@ constexpr std::array<std::string_view, 27> words{
 
 bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
-
 /// "1.2", "v3", "2024": not the "2" of a name's second part.
 bool isVersion(std::string_view part) {
     const bool isMarked = part.size() > 1 && (part.front() == 'v' || part.front() == 'V');
@@ -39,7 +31,7 @@ bool isVersion(std::string_view part) {
 }
 
 bool isWordOfBuild(std::string_view part) {
-    return std::ranges::find(words, lowerCased(part)) != words.end();
+    return std::ranges::find(words, lowerCasedAscii(part)) != words.end();
 }
 
 bool isAppImage(std::string_view name) { return lowerCaseExtension(name) == "appimage"; }
@@ -131,7 +123,7 @@ std::vector<DesktopApplication> appImagesWithoutEntry(
             DesktopApplication application = describe(path);
             application.executable = std::move(resolved);
             // This program in such a file does not list itself.
-            if (lowerCased(application.entry.name) == "velto") continue;
+            if (lowerCasedAscii(application.entry.name) == "velto") continue;
             found.push_back(std::move(application));
         }
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/values/text.h"
 #include "uninstall/tool_names.h"
 #include "uninstall/words.h"
 
@@ -60,10 +61,6 @@ constexpr auto commonWords = std::to_array<std::string_view>({
 });
 static_assert(std::ranges::is_sorted(commonWords));
 
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool isDigitOrDot(char character) {
     return (character >= '0' && character <= '9') || character == '.';
 }
@@ -71,8 +68,7 @@ bool isDigitOrDot(char character) {
 }  // namespace
 
 bool isCommonWord(std::string_view name) {
-    std::string word(name);
-    std::ranges::transform(word, word.begin(), lower);
+    const std::string word = lowerCasedAscii(name);
     return std::ranges::binary_search(commonWords, std::string_view(word)) ||
            isGenericInAnyCase(name);
 }

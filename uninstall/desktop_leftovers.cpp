@@ -51,7 +51,7 @@ constexpr auto registeredPlaces = std::to_array<PlaceRow>({
 
 constexpr auto pictures = std::to_array<std::string_view>({"png", "svg", "svgz", "xpm"});
 
-std::vector<std::string> namesIn(const FileManager& files, const std::string& folder) {
+std::vector<std::string> readableNames(const FileManager& files, const std::string& folder) {
     try {
         return files.list(folder);
     } catch (const FileError&) {
@@ -64,7 +64,7 @@ std::optional<FileKind> kindOf(const FileManager& files, const std::string& path
     return attributes ? std::optional(attributes->kind) : std::nullopt;
 }
 
-bool isFolder(const FileManager& files, const std::string& path) {
+bool isRealFolder(const FileManager& files, const std::string& path) {
     return kindOf(files, path) == FileKind::folder;
 }
 
@@ -135,7 +135,7 @@ void findIcons(const FileManager& files, const HomeLayout& home, const std::stri
     if (!isEntryName(identifier) || home.applicationSupport.empty()) return;
     const std::string icons = home.applicationSupport + "/icons";
     const auto look = [&](const std::string& folder) {
-        for (const std::string& name : namesIn(files, folder)) {
+        for (const std::string& name : readableNames(files, folder)) {
             if (isIconOf(name, identifier)) {
                 found.add(folder + "/" + name, "support", confOf(identifier));
             }
@@ -143,8 +143,8 @@ void findIcons(const FileManager& files, const HomeLayout& home, const std::stri
     };
     look(icons);
     const std::string theme = icons + "/hicolor";
-    for (const std::string& size : namesIn(files, theme)) {
-        for (const std::string& context : namesIn(files, theme + "/" + size))
+    for (const std::string& size : readableNames(files, theme)) {
+        for (const std::string& context : readableNames(files, theme + "/" + size))
             look(theme + "/" + size + "/" + context);
     }
 }
@@ -153,7 +153,7 @@ void findIcons(const FileManager& files, const HomeLayout& home, const std::stri
 void findLinks(const FileManager& files, const HomeLayout& home, const AppEntry& entry,
                Found& found) {
     for (const std::string& folder : home.applicationRoots) {
-        for (const std::string& name : namesIn(files, folder)) {
+        for (const std::string& name : readableNames(files, folder)) {
             const std::string path = folder + "/" + name;
             if (leadsInto(files, path, entry.path)) found.add(path, "support", Conf::certain);
         }
@@ -179,7 +179,7 @@ public:
               std::pair(home_.configuration, "prefs"),
               std::pair(home_.applicationState, "state")}) {
             if (root.empty()) continue;
-            for (const std::string& name : namesIn(files_, root))
+            for (const std::string& name : readableNames(files_, root))
                 look(root + "/" + name, name, cat, found);
         }
     }
@@ -190,12 +190,12 @@ private:
     }
     void look(const std::string& path, const std::string& name, const char* cat,
               Found& found) const {
-        if (!isFolder(files_, path)) return;
+        if (!isRealFolder(files_, path)) return;
         if (isNamedLikeIt(name)) return found.add(path, cat, Conf::possible);
         // What lies in a shared folder goes by a rule of its own.
         const KeptMatch kept = keptPlaceOf(path, home_);
         if (kept.row != nullptr && kept.row->extent != KeptPlace::Extent::maker) return;
-        for (const std::string& child : namesIn(files_, path)) {
+        for (const std::string& child : readableNames(files_, path)) {
             if (isNamedLikeIt(child)) found.add(path + "/" + child, cat, Conf::possible);
         }
     }
@@ -250,10 +250,7 @@ std::vector<Candidate> dotFolders(const AppEntry& entry, const HomeLayout& home)
         const auto key = wordKey(text);
         if (!key) continue;
         add(*key, Conf::possible);
-        std::string small = *key;
-        std::ranges::transform(small, small.begin(), [](char letter) {
-            return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-        });
+        const std::string small = lowerCasedAscii(*key);
         if (small != *key) add(small, Conf::possible);
     }
     return found.take();

@@ -14,16 +14,6 @@ namespace {
 using Extent = KeptPlace::Extent;
 using Role = std::string HomeLayout::*;
 
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-std::string inSmallLetters(std::string_view text) {
-    std::string small(text);
-    std::ranges::transform(small, small.begin(), lower);
-    return small;
-}
-
 std::string_view takePiece(std::string_view& rest, char separator) {
     const std::string_view piece = rest.substr(0, rest.find(separator));
     rest.remove_prefix(std::min(rest.size(), piece.size() + 1));
@@ -54,7 +44,7 @@ struct Index {
             Base& base = baseOf(row.base);
             if (row.names.empty()) base.rows.emplace("", &row);
             for (std::string_view rest = row.names; !rest.empty();) {
-                std::string name = inSmallLetters(takePiece(rest, '|'));
+                std::string name = lowerCasedAscii(takePiece(rest, '|'));
                 base.holders.insert("");
                 for (std::size_t at = name.find('/'); at != name.npos; at = name.find('/', at + 1))
                     base.holders.insert(name.substr(0, at));
@@ -79,7 +69,7 @@ const Index& index() {
 /// What of a path lies below the base; nothing for the base itself.
 std::string belowBase(std::string_view path, std::string_view base) {
     return path.size() == base.size() ? std::string()
-                                      : inSmallLetters(path.substr(base.size() + 1));
+                                      : lowerCasedAscii(path.substr(base.size() + 1));
 }
 
 /// The longest place of a base that is the path or lies above it.

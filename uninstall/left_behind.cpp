@@ -19,7 +19,7 @@ namespace velto {
 namespace {
 
 constexpr double longUnused = 30.0 * 24 * 60 * 60;  // seconds
-constexpr std::size_t mostNames = 20'000;           // of a folder that are looked at
+constexpr std::size_t mostEntries = 20'000;         // of a folder that are looked at
 
 // What an identifier begins with that names a domain; other names with full stops are no
 // identifiers.
@@ -122,7 +122,7 @@ private:
         } catch (const FileError&) {
             return {};  // few have all of them
         }
-        names.resize(std::min(names.size(), mostNames));
+        names.resize(std::min(names.size(), mostEntries));
         std::erase_if(names, [&](const std::string& name) {
             const auto attributes = platform_.files->attributes(folder + "/" + name);
             return !attributes || attributes->kind != FileKind::folder;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/values/text.h"
+
 namespace velto {
 namespace {
 
@@ -113,9 +115,7 @@ bool isEntryName(std::string_view text) {
 }
 
 bool isGenericInAnyCase(std::string_view text) {
-    const auto lower = [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    };
+    const auto lower = [](char letter) { return lowerCasedAscii(letter); };
     const auto is = [&](std::string_view word) {
         return std::ranges::equal(word, text, {}, lower, lower);
     };

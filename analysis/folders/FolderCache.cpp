@@ -3,8 +3,8 @@
 namespace velto {
 namespace {
 
-constexpr const char* fileName = "/folders.bin";
-constexpr ReadLimit limit = ownFile(1LL << 30);  // some twenty million folders
+constexpr const char* foldersFile = "/folders.bin";
+constexpr ReadLimit foldersLimit = ownFile(1LL << 30);  // some twenty million folders
 
 }  // namespace
 
@@ -14,7 +14,7 @@ FolderCache::FolderCache(FileManager& files, const HomeLayout& layout)
 void FolderCache::save(const MeasuredFolders& folders) const {
     try {
         files_.createFolders(folder_);
-        files_.writeAtomically(folder_ + fileName, folder_file::encode(folders));
+        files_.writeAtomically(folder_ + foldersFile, folder_file::encode(folders));
     } catch (const FileError&) {
         // Not remembered; the folders are shown all the same.
     }
@@ -22,7 +22,7 @@ void FolderCache::save(const MeasuredFolders& folders) const {
 
 std::shared_ptr<const MeasuredFolders> FolderCache::load() const {
     try {
-        return folder_file::decode(files_.read(folder_ + fileName, limit), home_);
+        return folder_file::decode(files_.read(folder_ + foldersFile, foldersLimit), home_);
     } catch (const FileError&) {
         return nullptr;  // never saved, or out of reach
     }

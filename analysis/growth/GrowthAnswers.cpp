@@ -5,14 +5,14 @@
 namespace velto {
 namespace {
 
-constexpr std::int64_t day = 86'400;
+constexpr std::int64_t dayInSeconds = 86'400;
 
 std::int64_t wantedMoment(const GrowthSince& since, std::int64_t until) {
     switch (since.kind) {
         case GrowthSince::Kind::week:
-            return until - 7 * day;
+            return until - 7 * dayInSeconds;
         case GrowthSince::Kind::month:
-            return until - 30 * day;
+            return until - 30 * dayInSeconds;
         case GrowthSince::Kind::moment:
             return since.moment;
         case GrowthSince::Kind::last:

@@ -13,13 +13,9 @@ namespace {
 constexpr std::array<std::string_view, 3> browserSchemes{"http", "https", "mailto"};
 constexpr std::size_t longestLoggedAddress = 120;  // bytes
 
-char lowerCased(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
 bool equalIgnoringCase(std::string_view one, std::string_view other) {
     return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [](char a, char b) { return lowerCased(a) == lowerCased(b); });
+                      [](char a, char b) { return lowerCasedAscii(a) == lowerCasedAscii(b); });
 }
 
 /// Engines hand addresses over with everything else escaped.

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/values/text.h"
+
 namespace velto::window {
 namespace {
 
@@ -14,15 +16,6 @@ constexpr std::array<std::string_view, 3> developerWords{"inspect", "inspecciona
 
 constexpr std::array<std::string_view, 3> browsingItems{
     "WKMenuItemIdentifierGoBack", "WKMenuItemIdentifierGoForward", "WKMenuItemIdentifierReload"};
-
-/// ASCII only: the words that are looked for have no other letters.
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower) {
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    }
-    return lower;
-}
 
 double bound(const WidthRule& rule, double containerWidth) {
     return rule.relativeToContainer ? containerWidth + rule.constant : rule.constant;
@@ -62,7 +55,8 @@ TitleAction titleDoubleClickAction(std::string_view setting) {
 }
 
 bool isDeveloperMenuItem(std::string_view title) {
-    const std::string lower = lowerCased(title);
+    // The words that are looked for have letters of ASCII alone.
+    const std::string lower = lowerCasedAscii(title);
     return std::any_of(developerWords.begin(), developerWords.end(), [&](std::string_view word) {
         return lower.find(word) != std::string::npos;
     });

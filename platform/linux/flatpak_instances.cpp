@@ -15,12 +15,12 @@
 namespace velto {
 namespace {
 
-constexpr std::size_t mostBytes = 64 * 1024;
+constexpr std::size_t mostInstanceBytes = 64 * 1024;
 constexpr std::size_t mostInstances = 500;
 
 /// The number, outside, of the first process inside.
 std::optional<std::int64_t> firstProcess(const std::string& instance) {
-    const auto text = readForeignFile(instance + "/bwrapinfo.json", mostBytes);
+    const auto text = readForeignFile(instance + "/bwrapinfo.json", mostInstanceBytes);
     if (!text) return std::nullopt;
     try {
         return parseJson(*text).at("child-pid").get<std::int64_t>();
@@ -61,7 +61,7 @@ std::map<std::string, std::string> flatpaksByNamespace(const std::string& proc,
         const auto process = firstProcess(instance);
         if (!process) continue;
         std::string identifier =
-            identifierIn(readForeignFile(instance + "/info", mostBytes).value_or(""));
+            identifierIn(readForeignFile(instance + "/info", mostInstanceBytes).value_or(""));
         std::string space = processNamespace(proc + "/" + std::to_string(*process));
         // One that has ended may have left its notes, and its number to another process.
         if (identifier.empty() || space.empty() || space == own) continue;

@@ -8,12 +8,12 @@
 namespace velto {
 namespace {
 
-constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+constexpr std::int64_t nanosecondsOfASecond = 1'000'000'000;
 
 std::int64_t changeOf(const std::string& folder) {
     struct stat attributes {};
     if (::stat(folder.c_str(), &attributes) != 0) return 0;
-    return attributes.st_mtim.tv_sec * nanosecondsPerSecond + attributes.st_mtim.tv_nsec;
+    return attributes.st_mtim.tv_sec * nanosecondsOfASecond + attributes.st_mtim.tv_nsec;
 }
 
 std::vector<std::int64_t> changesOf(const std::vector<std::string>& folders) {

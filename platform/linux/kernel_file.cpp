@@ -16,7 +16,7 @@ namespace velto {
 namespace {
 
 // A process decides itself how long some of its files are (its environment, for one).
-constexpr std::size_t mostBytes = 1024 * 1024;
+constexpr std::size_t mostKernelBytes = 1024 * 1024;
 
 }  // namespace
 
@@ -25,14 +25,14 @@ std::optional<std::string> kernelText(const std::string& path) {
     if (!file) return std::nullopt;
     std::string text;
     std::array<char, 4096> part;
-    while (text.size() < mostBytes) {
+    while (text.size() < mostKernelBytes) {
         const ssize_t count =
             uninterrupted([&] { return ::read(file->number(), part.data(), part.size()); });
         if (count < 0) return std::nullopt;
         if (count == 0) break;
         text.append(part.data(), static_cast<std::size_t>(count));
     }
-    text.resize(std::min(text.size(), mostBytes));
+    text.resize(std::min(text.size(), mostKernelBytes));
     return text;
 }
 

@@ -5,7 +5,7 @@
 namespace velto {
 namespace {
 
-constexpr std::uint64_t bytesPerKilobyte = 1024;
+constexpr std::uint64_t bytesPerKibibyte = 1024;
 
 void skipWords(std::string_view& text, int count) {
     for (int word = 0; word < count; ++word)
@@ -51,7 +51,7 @@ std::uint64_t footprintIn(std::string_view status) {
         std::string_view line = nextLine(status);
         if (!line.starts_with("Vm") && !line.starts_with("Rss")) continue;
         const std::string_view name = nextWord(line);
-        const std::uint64_t bytes = unsignedNumber(nextWord(line)) * bytesPerKilobyte;
+        const std::uint64_t bytes = unsignedNumber(nextWord(line)) * bytesPerKibibyte;
         if (name == "VmRSS:") resident = bytes;
         if (name == "VmSwap:") swapped = bytes;
         if (name == "RssAnon:") {

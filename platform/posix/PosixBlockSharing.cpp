@@ -10,7 +10,7 @@
 namespace velto {
 namespace {
 
-constexpr const char* attempt = "share";
+constexpr const char* blockSharing = "share";
 
 std::int64_t nanoseconds(const timespec& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
@@ -34,19 +34,19 @@ PosixSharedFile::PosixSharedFile(FileCalls& calls, const FolderHandle& folder,
     // whose file it is.
     constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     descriptor_ = Descriptor(calls.open(entry.folder(), entry.c_str(), flags, 0));
-    if (!descriptor_.isOpen()) throw FileError(attempt, entry.path(), errno);
-    if (!S_ISREG(status().st_mode)) throw FileError(attempt, entry.path(), EINVAL);
+    if (!descriptor_.isOpen()) throw FileError(blockSharing, entry.path(), errno);
+    if (!S_ISREG(status().st_mode)) throw FileError(blockSharing, entry.path(), EINVAL);
 }
 
 struct stat PosixSharedFile::status() const {
     struct stat status;
-    if (calls_.status(number(), status) != 0) throw FileError(attempt, path(), errno);
+    if (calls_.status(number(), status) != 0) throw FileError(blockSharing, path(), errno);
     return status;
 }
 
 OwnSpace PosixSharedFile::ownSpace() {
     OwnSpace space;
-    if (calls_.ownSpace(number(), space) != 0) throw FileError(attempt, path(), errno);
+    if (calls_.ownSpace(number(), space) != 0) throw FileError(blockSharing, path(), errno);
     return space;
 }
 
@@ -57,13 +57,13 @@ std::unique_ptr<SharedFile> PosixBlockSharing::open(const FolderHandle& folder,
 
 void PosixBlockSharing::requireSharable(SharedFile& kept, SharedFile& copy) {
     if (calls_.mayShare(own(kept).number(), own(copy).number()) != 0) {
-        throw FileError(attempt, own(copy).path(), errno);
+        throw FileError(blockSharing, own(copy).path(), errno);
     }
 }
 
 bool PosixBlockSharing::isOneWith(SharedFile& kept, SharedFile& copy) {
     const int result = calls_.isOneWith(own(kept).number(), own(copy).number());
-    if (result < 0) throw FileError(attempt, own(copy).path(), errno);
+    if (result < 0) throw FileError(blockSharing, own(copy).path(), errno);
     return result == 1;
 }
 
@@ -77,7 +77,7 @@ BlockSharing::End RangeSharing::share(SharedFile& kept, SharedFile& copy,
         const auto step = static_cast<std::size_t>(std::min(stepLength, length - done));
         const ssize_t count =
             calls_.shareRange(from.number(), to.number(), static_cast<off_t>(done), step);
-        if (count < 0) throw FileError(attempt, to.path(), errno);
+        if (count < 0) throw FileError(blockSharing, to.path(), errno);
         if (count == 0) return End::differs;
         done += static_cast<std::int64_t>(count);
         if (progress && !progress(done) && done < length) return End::stopped;

@@ -12,8 +12,8 @@
 namespace velto {
 namespace {
 
-constexpr std::size_t bufferSize = 1024 * 1024;
-constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+constexpr std::size_t compareBuffer = 1024 * 1024;
+constexpr int compareFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 constexpr mode_t permissions = 07777;
 
 /// Answers that are no fault of the disk: what was to be compared is not as it was, or is closed.
@@ -114,8 +114,8 @@ bool TreeComparison::isKeptAlike(const struct stat& rest, const struct stat& who
 bool TreeComparison::compareFiles(const Descent& rest, const std::string& name,
                                   const struct stat& status, const Descent& whole,
                                   const std::string& wholeName, const struct stat& wholeStatus) {
-    const Descriptor file(calls_.open(rest.folder(), name.c_str(), readFlags, 0));
-    const Descriptor other(calls_.open(whole.folder(), wholeName.c_str(), readFlags, 0));
+    const Descriptor file(calls_.open(rest.folder(), name.c_str(), compareFlags, 0));
+    const Descriptor other(calls_.open(whole.folder(), wholeName.c_str(), compareFlags, 0));
     struct stat opened;
     struct stat otherOpened;
     if (!file.isOpen() || calls_.status(file.number(), opened) != 0) fail(rest.path(name));
@@ -139,8 +139,8 @@ bool TreeComparison::enterFolders(Descent& rest, const std::string& name, const 
         if (count != namesIn(calls_, whole.folder(), path, "compare").size()) return false;
     }
     if (likeness_ != Likeness::begun) {
-        const Descriptor folder(calls_.open(rest.folder(), ".", readFlags | O_DIRECTORY, 0));
-        const Descriptor other(calls_.open(whole.folder(), ".", readFlags | O_DIRECTORY, 0));
+        const Descriptor folder(calls_.open(rest.folder(), ".", compareFlags | O_DIRECTORY, 0));
+        const Descriptor other(calls_.open(whole.folder(), ".", compareFlags | O_DIRECTORY, 0));
         if (!folder.isOpen() || !other.isOpen()) fail(path);
         if (!hasAttributesOf(folder.number(), other.number(), path)) return false;
     }
@@ -161,11 +161,11 @@ bool TreeComparison::compareLinks(const Descent& rest, const std::string& name,
 
 /// All is read: what is said of holes is no proof of what is there.
 bool TreeComparison::compareContent(int rest, int whole, off_t size, const std::string& path) {
-    const auto most = static_cast<std::size_t>(std::min(size, static_cast<off_t>(bufferSize)));
+    const auto most = static_cast<std::size_t>(std::min(size, static_cast<off_t>(compareBuffer)));
     if (buffer_.size() < most) buffer_.resize(most);
     if (wholeBuffer_.size() < most) wholeBuffer_.resize(most);
     for (off_t start = 0; start < size;) {
-        const auto length = std::min(static_cast<std::size_t>(size - start), bufferSize);
+        const auto length = std::min(static_cast<std::size_t>(size - start), compareBuffer);
         readWhole(rest, buffer_, length, start, path);
         readWhole(whole, wholeBuffer_, length, start, path);
         if (!areBytesAlike(length)) return false;

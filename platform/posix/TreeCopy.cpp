@@ -14,15 +14,15 @@
 namespace velto {
 namespace {
 
-constexpr std::size_t bufferSize = 1024 * 1024;
-constexpr std::size_t zeroBlock = 64 * 1024;   // left out where all of it is zero
-constexpr off_t pieceSize = 64 * 1024 * 1024;  // copied between two looks at the result
+constexpr std::size_t copyBuffer = 1024 * 1024;
+constexpr std::size_t zeroBlock = 64 * 1024;      // left out where all of it is zero
+constexpr off_t copiedAtOnce = 64 * 1024 * 1024;  // copied between two looks at the result
 constexpr mode_t privateFile = 0600;
 constexpr mode_t privateFolder = 0700;
-constexpr int readFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-constexpr int createFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+constexpr int sourceFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+constexpr int targetFlags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
 
-[[noreturn]] void fail(const std::string& path, int reason = errno) {
+[[noreturn]] void copyFailed(const std::string& path, int reason = errno) {
     throw FileError("copy", path, reason);
 }
 
@@ -52,7 +52,7 @@ void TreeCopy::requireUnchanged(const Entry& source, bool renamed) {
         const bool exact = !(renamed && then.depth == 0);
         return exact ? isSameState(then.status, now.status) : isUnmodified(then.status, now.status);
     };
-    if (!std::ranges::equal(copied_, look(source), isSame)) fail(source.path(), EBUSY);
+    if (!std::ranges::equal(copied_, look(source), isSame)) copyFailed(source.path(), EBUSY);
 }
 
 TreeCopy::Tree TreeCopy::look(const Entry& root) {
@@ -82,21 +82,22 @@ void TreeCopy::copyEntry(Descent& from, const std::string& name, Descent& to,
     copied_.push_back({from.depth(), from.depth() == 0 ? "" : name, status});
     // What is mounted here is no part of what is moved.
     if (from.mount(name) != mount_) failMounted("copy", from.path(name), EXDEV);
-    if (isLocked(status)) fail(from.path(name), EPERM);
+    if (isLocked(status)) copyFailed(from.path(name), EPERM);
     if (S_ISREG(status.st_mode)) return copyFile(from, name, to, newName, status);
     if (S_ISDIR(status.st_mode)) return enterFolder(from, name, to, newName, status);
     if (S_ISLNK(status.st_mode)) return copyLink(from, name, to, newName, status);
-    fail(from.path(name), EOPNOTSUPP);
+    copyFailed(from.path(name), EOPNOTSUPP);
 }
 
 void TreeCopy::copyFile(const Descent& from, const std::string& name, const Descent& to,
                         const std::string& newName, const struct stat& status) {
-    const Descriptor source(calls_.open(from.folder(), name.c_str(), readFlags, 0));
+    const Descriptor source(calls_.open(from.folder(), name.c_str(), sourceFlags, 0));
     struct stat opened;
-    if (!source.isOpen() || calls_.status(source.number(), opened) != 0) fail(from.path(name));
-    if (!isSameState(status, opened)) fail(from.path(name), EBUSY);
-    const Descriptor target(calls_.open(to.folder(), newName.c_str(), createFlags, privateFile));
-    if (!target.isOpen()) fail(to.path(newName));
+    if (!source.isOpen() || calls_.status(source.number(), opened) != 0)
+        copyFailed(from.path(name));
+    if (!isSameState(status, opened)) copyFailed(from.path(name), EBUSY);
+    const Descriptor target(calls_.open(to.folder(), newName.c_str(), targetFlags, privateFile));
+    if (!target.isOpen()) copyFailed(to.path(newName));
     copyContent(source.number(), target.number(), from.path(name), status.st_size);
     finish(source.number(), target.number(), to.path(newName), status, from.depth() == 0);
     requireSameContent(source.number(), target.number(), from.path(name), status);
@@ -108,7 +109,7 @@ void TreeCopy::enterFolder(Descent& from, const std::string& name, Descent& to,
     from.enter(name, status);
     from.list();
     if (calls_.makeFolder(to.folder(), newName.c_str(), privateFolder) != 0) {
-        fail(to.path(newName));
+        copyFailed(to.path(newName));
     }
     to.enter(newName, to.examine(newName));
 }
@@ -124,11 +125,11 @@ void TreeCopy::leaveFolder(Descent& from, Descent& to) {
 void TreeCopy::copyLink(const Descent& from, const std::string& name, const Descent& to,
                         const std::string& newName, const struct stat& status) {
     std::string leadsTo;
-    if (calls_.readLink(from.folder(), name.c_str(), leadsTo) != 0) fail(from.path(name));
+    if (calls_.readLink(from.folder(), name.c_str(), leadsTo) != 0) copyFailed(from.path(name));
     const timespec times[2] = {accessedTime(status), modifiedTime(status)};
     if (calls_.makeLink(leadsTo.c_str(), to.folder(), newName.c_str()) != 0 ||
         calls_.setTimes(to.folder(), newName.c_str(), times) != 0) {
-        fail(to.path(newName));
+        copyFailed(to.path(newName));
     }
 }
 
@@ -144,12 +145,12 @@ void TreeCopy::copyContent(int from, int to, const std::string& path, off_t size
         copyPiece(from, to, path, start, std::min(end, size));
         position = end;
     }
-    if (calls_.resize(to, size) != 0) fail(path);
+    if (calls_.resize(to, size) != 0) copyFailed(path);
 }
 
 void TreeCopy::copyPiece(int from, int to, const std::string& path, off_t start, off_t end) {
     while (start < end) {
-        const auto wanted = static_cast<std::size_t>(std::min(end - start, pieceSize));
+        const auto wanted = static_cast<std::size_t>(std::min(end - start, copiedAtOnce));
         const ssize_t copied = calls_.copyRange(from, to, start, wanted);
         if (copied <= 0) break;
         start += copied;
@@ -176,21 +177,21 @@ void TreeCopy::copyWithoutHoles(int from, int to, const std::string& path, off_t
         }
         start += static_cast<off_t>(length);
     }
-    if (calls_.resize(to, size) != 0) fail(path);
+    if (calls_.resize(to, size) != 0) copyFailed(path);
 }
 
 /// Reads on from `start`, at most to `end` or as much as the buffer takes. Throws EBUSY when the
 /// file has become shorter.
 std::size_t TreeCopy::fill(std::vector<char>& buffer, int file, const std::string& path,
                            off_t start, off_t end) {
-    const auto wanted = std::min(static_cast<std::size_t>(end - start), bufferSize);
+    const auto wanted = std::min(static_cast<std::size_t>(end - start), copyBuffer);
     if (buffer.size() < wanted) buffer.resize(wanted);
     std::size_t filled = 0;
     while (filled < wanted) {
         const ssize_t length = calls_.readAt(file, buffer.data() + filled, wanted - filled,
                                              start + static_cast<off_t>(filled));
-        if (length < 0) fail(path);
-        if (length == 0) fail(path, EBUSY);
+        if (length < 0) copyFailed(path);
+        if (length == 0) copyFailed(path, EBUSY);
         filled += static_cast<std::size_t>(length);
     }
     return filled;
@@ -199,7 +200,7 @@ std::size_t TreeCopy::fill(std::vector<char>& buffer, int file, const std::strin
 void TreeCopy::writeWhole(int to, const std::string& path, std::string_view content, off_t start) {
     while (!content.empty()) {
         const ssize_t length = calls_.writeAt(to, content.data(), content.size(), start);
-        if (length < 0) fail(path);
+        if (length < 0) copyFailed(path);
         content.remove_prefix(static_cast<std::size_t>(length));
         start += length;
     }
@@ -210,7 +211,7 @@ void TreeCopy::writeWhole(int to, const std::string& path, std::string_view cont
 void TreeCopy::requireSameContent(int from, int to, const std::string& path,
                                   const struct stat& status) {
     struct stat copy;
-    if (calls_.status(to, copy) != 0) fail(path);
+    if (calls_.status(to, copy) != 0) copyFailed(path);
     calls_.dropCache(to);  // at worst it is compared with what memory holds
     bool isSame = copy.st_size == status.st_size;
     for (off_t start = 0; isSame && start < status.st_size;) {
@@ -223,7 +224,7 @@ void TreeCopy::requireSameContent(int from, int to, const std::string& path,
     if (!isSame) {
         struct stat now;
         const bool isUnchanged = calls_.status(from, now) == 0 && isSameState(status, now);
-        if (!isUnchanged) fail(path, EBUSY);
+        if (!isUnchanged) copyFailed(path, EBUSY);
         throw FileError("copy", path, EIO, "the copy does not hold the same");
     }
     // Reading it is no use of it. What keeps the time from being put back keeps nobody from moving.
@@ -235,7 +236,7 @@ void TreeCopy::requireSameContent(int from, int to, const std::string& path,
 
 void TreeCopy::finish(int from, int to, const std::string& path, const struct stat& status,
                       bool isLast) {
-    if (calls_.copyAttributes(from, to) != 0) fail(path);
+    if (calls_.copyAttributes(from, to) != 0) copyFailed(path);
     mode_t mode = status.st_mode & 07777;
     if (calls_.changeOwner(to, status.st_uid, status.st_gid) != 0) {
         // Only an administrator may give files away; a group may still be one of this user's.
@@ -244,11 +245,11 @@ void TreeCopy::finish(int from, int to, const std::string& path, const struct st
         mode &= static_cast<mode_t>(~(S_ISUID | S_ISGID));
     }
     const timespec times[2] = {accessedTime(status), modifiedTime(status)};
-    if (calls_.changeMode(to, mode) != 0 || calls_.setTimes(to, times) != 0) fail(path);
+    if (calls_.changeMode(to, mode) != 0 || calls_.setTimes(to, times) != 0) copyFailed(path);
     calls_.copyBirthTime(from, to);  // not every volume keeps one, and none is worth a failure
-    if (calls_.copyAccess(from, to) != 0) fail(path);
+    if (calls_.copyAccess(from, to) != 0) copyFailed(path);
     // What the drive itself holds back need be written out only once, at the end.
-    if ((isLast ? calls_.sync(to) : calls_.flush(to)) != 0) fail(path);
+    if ((isLast ? calls_.sync(to) : calls_.flush(to)) != 0) copyFailed(path);
 }
 
 /// A folder that could be copied but not emptied afterwards would end up in two places.
@@ -256,7 +257,7 @@ void TreeCopy::requireRemovable(const Descent& from, const std::string& name,
                                 const struct stat& status) const {
     if (status.st_uid == ::geteuid()) return;  // at worst it is made writable first
     if (::faccessat(from.folder(), name.c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
-        fail(from.path(name));
+        copyFailed(from.path(name));
     }
 }
 

@@ -12,7 +12,7 @@
 namespace velto {
 namespace {
 
-constexpr mode_t folderMode = 0700;
+constexpr mode_t newFolderMode = 0700;
 
 FileIdentity identityOf(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
@@ -30,7 +30,7 @@ Descriptor openComponent(FileCalls& calls, int parent, const char* name, FolderP
     const int flags = how == FolderPath::throughLinks ? folderFlags & ~O_NOFOLLOW : folderFlags;
     Descriptor opened(calls.open(parent, name, passThrough | flags, 0));
     if (opened.isOpen() || how != FolderPath::createdWithoutLinks || errno != ENOENT) return opened;
-    if (calls.makeFolder(parent, name, folderMode) != 0) {
+    if (calls.makeFolder(parent, name, newFolderMode) != 0) {
         if (errno != EEXIST) return opened;
     } else if (syncNames(calls, parent) != 0) {
         return opened;  // what is put into a folder is lost with the folder's own name
@@ -134,7 +134,7 @@ std::vector<std::string> PosixFileManager::list(const FolderHandle& folder) {
 
 void PosixFileManager::makeFolder(const FolderHandle& parent, const std::string& name) {
     const Entry entry(parent, name);
-    if (calls_.makeFolder(entry.folder(), entry.c_str(), folderMode) != 0 ||
+    if (calls_.makeFolder(entry.folder(), entry.c_str(), newFolderMode) != 0 ||
         syncNames(calls_, entry.folder()) != 0) {
         throw FileError("create folder", entry.path(), errno);
     }

@@ -26,8 +26,8 @@ struct Level {
 };
 
 constexpr int listFlags = O_RDONLY | folderFlags;
-constexpr int attempts = 8;             // what is being removed may change meanwhile; not for ever
-constexpr std::size_t openLevels = 64;  // of a deep tree only the lowest folders stay open
+constexpr int attempts = 8;  // what is being removed may change meanwhile; not for ever
+constexpr std::size_t levelsKeptOpen = 64;  // of a deep tree only the lowest folders stay open
 
 /// Removes a tree by handles all the way down: a folder that is swapped for a link meanwhile is
 /// removed as the link that it has become, and nothing behind it is touched. Works in a loop, and
@@ -123,8 +123,8 @@ private:
                            .names = {}});
         list();
         // The folder that holds the whole stays open: what lies above it is not ours to judge.
-        if (levels_.size() > openLevels + 1) {
-            levels_[levels_.size() - openLevels].folder = Descriptor();
+        if (levels_.size() > levelsKeptOpen + 1) {
+            levels_[levels_.size() - levelsKeptOpen].folder = Descriptor();
         }
         return true;
     }

@@ -14,7 +14,7 @@
 namespace velto {
 namespace {
 
-constexpr mode_t fileMode = 0600;
+constexpr mode_t newFileMode = 0600;
 constexpr mode_t keptMode = 0755;
 
 bool writeWhole(FileCalls& calls, int file, std::string_view content) {
@@ -33,7 +33,7 @@ bool setMode(FileCalls& calls, int folder, const std::string& name, int file) {
     struct stat made;
     const bool replaces = calls.stat(folder, name.c_str(), old) == 0 && S_ISREG(old.st_mode) &&
                           old.st_uid == ::geteuid();
-    const mode_t wanted = replaces ? old.st_mode & keptMode : fileMode;
+    const mode_t wanted = replaces ? old.st_mode & keptMode : newFileMode;
     if (calls.status(file, made) == 0 && (made.st_mode & 07777) == wanted) return true;
     // Not every file system has permissions to give.
     return calls.changeMode(file, wanted) == 0 || !replaces;

@@ -10,15 +10,6 @@ namespace {
 constexpr std::string_view digits = "0123456789abcdef";
 constexpr std::size_t escapeLength = 3;  // U+0000 and two digits
 
-/// The length of the UTF-8 sequence at the start of `bytes`, 0 when there is none.
-std::size_t sequenceLength(std::string_view bytes) {
-    constexpr std::size_t longest = 4;
-    for (std::size_t length = 1; length <= longest && length <= bytes.size(); ++length) {
-        if (isValidUtf8(bytes.substr(0, length))) return length;
-    }
-    return 0;
-}
-
 void appendEscape(std::string& text, char character) {
     const auto byte = static_cast<std::uint8_t>(character);
     text += '\0';
@@ -42,7 +33,7 @@ std::string pathText(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size() + 2 * escapeLength);
     while (!bytes.empty()) {
-        const std::size_t length = sequenceLength(bytes);
+        const std::size_t length = utf8SequenceLength(bytes);
         if (length == 0) {
             appendEscape(text, bytes.front());
         } else {

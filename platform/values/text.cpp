@@ -13,38 +13,11 @@ namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
-/// The length of the well-formed UTF-8 sequence at the start of `bytes`, 0 when there is none
-/// (Unicode 15, table 3-7: no overlong forms, no surrogates, nothing above U+10FFFF).
-std::size_t sequenceLength(std::string_view bytes) {
-    const auto byte = [&](std::size_t index) {
-        return index < bytes.size() ? static_cast<std::uint8_t>(bytes[index]) : std::uint8_t{0};
-    };
-    const auto continues = [&](std::size_t index, std::uint8_t low = 0x80,
-                               std::uint8_t high = 0xBF) {
-        return byte(index) >= low && byte(index) <= high;
-    };
-    const std::uint8_t first = byte(0);
-    if (first < 0x80) return 1;
-    if (first < 0xC2) return 0;
-    if (first < 0xE0) return continues(1) ? 2 : 0;
-    if (first < 0xF0) {
-        const std::uint8_t low = first == 0xE0 ? 0xA0 : 0x80;
-        const std::uint8_t high = first == 0xED ? 0x9F : 0xBF;
-        return continues(1, low, high) && continues(2) ? 3 : 0;
-    }
-    if (first < 0xF5) {
-        const std::uint8_t low = first == 0xF0 ? 0x90 : 0x80;
-        const std::uint8_t high = first == 0xF4 ? 0x8F : 0xBF;
-        return continues(1, low, high) && continues(2) && continues(3) ? 4 : 0;
-    }
-    return 0;
-}
-
 /// Calls `visit` with each well-formed sequence, and with an empty text for each bad byte.
 template <typename Visit>
 void forEachSequence(std::string_view bytes, Visit visit) {
     while (!bytes.empty()) {
-        const std::size_t length = sequenceLength(bytes);
+        const std::size_t length = utf8SequenceLength(bytes);
         visit(bytes.substr(0, length));
         bytes.remove_prefix(length == 0 ? 1 : length);
     }
@@ -75,9 +48,35 @@ bool movesOnScreen(char32_t letter) {
 
 }  // namespace
 
+std::size_t utf8SequenceLength(std::string_view bytes) {
+    const auto byte = [&](std::size_t index) {
+        return index < bytes.size() ? static_cast<std::uint8_t>(bytes[index]) : std::uint8_t{0};
+    };
+    const auto continues = [&](std::size_t index, std::uint8_t low = 0x80,
+                               std::uint8_t high = 0xBF) {
+        return byte(index) >= low && byte(index) <= high;
+    };
+    if (bytes.empty()) return 0;
+    const std::uint8_t first = byte(0);
+    if (first < 0x80) return 1;
+    if (first < 0xC2) return 0;
+    if (first < 0xE0) return continues(1) ? 2 : 0;
+    if (first < 0xF0) {
+        const std::uint8_t low = first == 0xE0 ? 0xA0 : 0x80;
+        const std::uint8_t high = first == 0xED ? 0x9F : 0xBF;
+        return continues(1, low, high) && continues(2) ? 3 : 0;
+    }
+    if (first < 0xF5) {
+        const std::uint8_t low = first == 0xF0 ? 0x90 : 0x80;
+        const std::uint8_t high = first == 0xF4 ? 0x8F : 0xBF;
+        return continues(1, low, high) && continues(2) && continues(3) ? 4 : 0;
+    }
+    return 0;
+}
+
 bool isValidUtf8(std::string_view bytes) {
     while (!bytes.empty()) {
-        const std::size_t length = sequenceLength(bytes);
+        const std::size_t length = utf8SequenceLength(bytes);
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }
@@ -92,6 +91,13 @@ std::string validUtf8(std::string_view bytes) {
         text += sequence.empty() ? replacement : sequence;
     });
     return text;
+}
+
+std::string lowerCasedAscii(std::string_view text) {
+    std::string lower(text);
+    for (char& letter : lower)
+        letter = lowerCasedAscii(letter);
+    return lower;
 }
 
 std::size_t occurrences(std::string_view text, std::string_view word) {
@@ -187,15 +193,7 @@ std::string_view extensionOf(std::string_view name) {
     return name.substr(stop + 1);
 }
 
-std::string lowerCaseExtension(std::string_view name) {
-    std::string extension(extensionOf(name));
-    for (char& character : extension) {
-        if (character >= 'A' && character <= 'Z') {
-            character = static_cast<char>(character - 'A' + 'a');
-        }
-    }
-    return extension;
-}
+std::string lowerCaseExtension(std::string_view name) { return lowerCasedAscii(extensionOf(name)); }
 
 bool isAtOrBelow(std::string_view path, std::string_view folder) {
     if (folder == "/") return path.starts_with('/');

@@ -10,6 +10,10 @@ namespace velto {
 std::string validUtf8(std::string_view bytes);
 bool isValidUtf8(std::string_view bytes);
 
+/// The length of the well-formed UTF-8 sequence at the start of `bytes`, 0 when there is none
+/// (Unicode 15, table 3-7: no overlong forms, no surrogates, nothing above U+10FFFF).
+std::size_t utf8SequenceLength(std::string_view bytes);
+
 /// One line without backslashes, valid UTF-8: control characters and line separators become spaces,
 /// a backslash becomes a slash. For texts from outside that go into a toast.
 std::string singleLine(std::string_view text);
@@ -19,6 +23,14 @@ std::string singleLine(std::string_view text);
 /// direction are written as "\u" and four hexadecimal digits, which JSON understands too. At most
 /// `mostBytes`: a longer one ends with "…".
 std::string logText(std::string_view text, std::size_t mostBytes);
+
+/// A letter of ASCII in lower case; any other byte as it is.
+constexpr char lowerCasedAscii(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+/// The letters of ASCII in lower case, everything else as it is.
+std::string lowerCasedAscii(std::string_view text);
 
 /// How often `word`, which is not empty, stands in `text`, none overlapping another.
 std::size_t occurrences(std::string_view text, std::string_view word);

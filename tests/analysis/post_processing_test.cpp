@@ -197,7 +197,7 @@ TEST_F(PostProcess, UnreadableItemsAreReported) {
 }
 
 /// A clock that any thread may move on.
-class SharedClock final : public Clock {
+class AnyThreadsClock final : public Clock {
 public:
     double now() const override { return monotonic(); }
     double monotonic() const override { return static_cast<double>(seconds.load()); }
@@ -206,7 +206,7 @@ public:
 };
 
 TEST_F(PostProcess, TimeThatRanOutIsReportedAndWhatWasFoundIsKept) {
-    auto& clock = install<SharedClock>(machine.platform.clock);
+    auto& clock = install<AnyThreadsClock>(machine.platform.clock);
     for (const char* path : {"/a", "/b", "/c", "/d"}) {
         const std::size_t length = path[1] < 'c' ? 2'000'000 : 3'000'000;
         contents.files[path].content = std::string(length, 'x');

@@ -9,7 +9,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-struct CleaningIntents : BridgeFixture {
+struct CleaningIntentsTest : BridgeFixture {
     std::string cache;
 
     void SetUp() override {
@@ -30,7 +30,7 @@ struct CleaningIntents : BridgeFixture {
     json lastArgument(const std::string& callback) const { return page->lastArgument(callback); }
 };
 
-TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {
+TEST_F(CleaningIntentsTest, WhatCanGoIsProposedWithAllItsFields) {
     machine.grantAccess();
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);
     post("scanCleanables");
@@ -47,7 +47,7 @@ TEST_F(CleaningIntents, WhatCanGoIsProposedWithAllItsFields) {
     EXPECT_EQ(list[1].size(), 5u);
 }
 
-TEST_F(CleaningIntents, WhatHasChangedInsideIsToldBeforeThem) {
+TEST_F(CleaningIntentsTest, WhatHasChangedInsideIsToldBeforeThem) {
     const auto now = static_cast<std::int64_t>(machine.clock.time);
     constexpr std::int64_t day = 86'400;
     TempHome::File(cache + "/blob").dated(now, now - 2 * day);
@@ -59,7 +59,7 @@ TEST_F(CleaningIntents, WhatHasChangedInsideIsToldBeforeThem) {
     EXPECT_THAT(page->scripts[1], HasSubstr("onCleanableAges("));
 }
 
-TEST_F(CleaningIntents, ThePageLearnsOfACloudDriveThatIsThere) {
+TEST_F(CleaningIntentsTest, ThePageLearnsOfACloudDriveThatIsThere) {
     load();
     EXPECT_EQ(count("onCloudDrive"), 0u);
     machine.home.folder("Library/Mobile Documents/com~apple~CloudDocs");
@@ -68,7 +68,7 @@ TEST_F(CleaningIntents, ThePageLearnsOfACloudDriveThatIsThere) {
     EXPECT_THAT(page->calls("onCloudDrive").front(), HasSubstr("onCloudDrive(true);"));
 }
 
-TEST_F(CleaningIntents, HowCertainEachCacheIsComesBeforeThem) {
+TEST_F(CleaningIntentsTest, HowCertainEachCacheIsComesBeforeThem) {
     machine.grantAccess();
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);
     machine.home.sparse("Library/Caches/rclone/blob", 60'000'000);
@@ -94,7 +94,7 @@ TEST_F(CleaningIntents, HowCertainEachCacheIsComesBeforeThem) {
     EXPECT_LT(positionOf("onCleanableFacts"), positionOf("onCleanables"));
 }
 
-TEST_F(CleaningIntents, WithoutAccessDownloadsIsLeftAlone) {
+TEST_F(CleaningIntentsTest, WithoutAccessDownloadsIsLeftAlone) {
     machine.home.sparse("Downloads/Example.dmg", 60'000'000);
     post("scanCleanables");
     machine.dispatcher.runAll();
@@ -102,7 +102,7 @@ TEST_F(CleaningIntents, WithoutAccessDownloadsIsLeftAlone) {
     EXPECT_EQ(lastArgument("onCleanables")[0]["ruleID"], "caches");
 }
 
-TEST_F(CleaningIntents, WhatWasProposedKeepsItsSizeInTheTrash) {
+TEST_F(CleaningIntentsTest, WhatWasProposedKeepsItsSizeInTheTrash) {
     post("scanCleanables");
     machine.dispatcher.runAll();
     const double gb = lastArgument("onCleanables")[0]["gb"];
@@ -115,7 +115,7 @@ TEST_F(CleaningIntents, WhatWasProposedKeepsItsSizeInTheTrash) {
               "Velto Trash. Kept for 30 days.\");");
 }
 
-TEST_F(CleaningIntents, WhatIsMovedWhileItIsMeasuredIsNotProposed) {
+TEST_F(CleaningIntentsTest, WhatIsMovedWhileItIsMeasuredIsNotProposed) {
     post("cleanPaths", {{"paths", {cache}}});
     machine.dispatcher.runGlobal();
     post("scanCleanables");
@@ -130,7 +130,7 @@ TEST_F(CleaningIntents, WhatIsMovedWhileItIsMeasuredIsNotProposed) {
     EXPECT_THAT(lastArgument("onCleanables"), SizeIs(1)) << "it stands there again";
 }
 
-TEST_F(CleaningIntents, AnAnswerToAClosedWindowIsDropped) {
+TEST_F(CleaningIntentsTest, AnAnswerToAClosedWindowIsDropped) {
     post("scanCleanables");
     bridge.reset();
     machine.dispatcher.runAll();
@@ -138,12 +138,12 @@ TEST_F(CleaningIntents, AnAnswerToAClosedWindowIsDropped) {
     EXPECT_EQ(count("onCleanables"), 0u);
 }
 
-struct CloudIntents : CleaningIntents {
+struct CloudIntents : CleaningIntentsTest {
     const std::string drive = "Library/Mobile Documents/com~apple~CloudDocs";
     std::string film;
 
     void SetUp() override {
-        CleaningIntents::SetUp();
+        CleaningIntentsTest::SetUp();
         machine.home.folder(drive);
         film = machine.home.text("Movies/film.mov", "film").path();
     }

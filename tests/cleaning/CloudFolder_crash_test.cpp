@@ -15,7 +15,7 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* drive = "Library/Mobile Documents/com~apple~CloudDocs";
+constexpr const char* iCloud = "Library/Mobile Documents/com~apple~CloudDocs";
 
 using Action = WatchedFileCalls::Action;
 
@@ -35,7 +35,7 @@ struct Journey {
             otherVolume.emplace(passage.downloads);
             layout.downloads = otherVolume->path("Downloads");
         }
-        home.folder(drive);
+        home.folder(iCloud);
         home.text("Work/papers/one", std::string(9'000, '1'));
         home.text("Work/papers/deep/two", "2");
         content = treeText(origin);

@@ -16,7 +16,7 @@ using testing::IsEmpty;
 using testing::Le;
 using testing::SizeIs;
 
-constexpr std::int64_t megabyte = 1024 * 1024;
+constexpr std::int64_t readSize = 1024 * 1024;  // what is read at once; the files have some of it
 
 /// A clock that reads move on, from whatever thread.
 class ReadingClock final : public Clock {
@@ -50,23 +50,23 @@ struct DupFinderBudget : testing::Test {
 };
 
 TEST_F(DupFinderBudget, TheCountGoesOnWhileOneHugeFileIsRead) {
-    addPair("huge", 9 * megabyte);
+    addPair("huge", 9 * readSize);
     std::vector<std::pair<std::int64_t, std::int64_t>> told;
     DupFinder(clock, contents, 1)
         .find(records, {}, DupFinder::Budget::twelveSeconds,
               [&](std::int64_t files, std::int64_t bytes) { told.emplace_back(files, bytes); });
     EXPECT_EQ(told.back().first, 2);
-    EXPECT_GE(told.back().second, 18 * megabyte);
+    EXPECT_GE(told.back().second, 18 * readSize);
     EXPECT_TRUE(std::ranges::is_sorted(told));
     for (std::size_t index = 1; index < told.size(); ++index)
-        EXPECT_THAT(told[index].second - told[index - 1].second, Le(megabyte));
+        EXPECT_THAT(told[index].second - told[index - 1].second, Le(readSize));
 }
 
 TEST_F(DupFinderBudget, WhatWasCompleteByTheDeadlineIsReturned) {
-    addPair("late", 9 * megabyte);
-    addPair("early", 2 * megabyte);
+    addPair("late", 9 * readSize);
+    addPair("early", 2 * readSize);
     contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
-        if (path == "/b/late" && offset == 3 * megabyte) clock.advance(12'001);
+        if (path == "/b/late" && offset == 3 * readSize) clock.advance(12'001);
     };
     const auto result = find();
     EXPECT_TRUE(result.budgetExhausted);
@@ -75,18 +75,18 @@ TEST_F(DupFinderBudget, WhatWasCompleteByTheDeadlineIsReturned) {
 }
 
 TEST_F(DupFinderBudget, TheDeadlineIsOverrunByNoMoreThanOneChunk) {
-    addPair("huge", 20 * megabyte);
+    addPair("huge", 20 * readSize);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
-        if (offset == 5 * megabyte) clock.advance(13'000);
+        if (offset == 5 * readSize) clock.advance(13'000);
     };
     EXPECT_TRUE(find().budgetExhausted);
-    EXPECT_THAT(contents.bytesRead("/a/huge"), Le(6 * megabyte + 3 * 4096));
+    EXPECT_THAT(contents.bytesRead("/a/huge"), Le(6 * readSize + 3 * 4096));
 }
 
 TEST_F(DupFinderBudget, ExactlyTwelveSecondsAreWithinTheBudget) {
-    addPair("file", 3 * megabyte);
+    addPair("file", 3 * readSize);
     contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
-        if (path == "/a/file" && offset == megabyte) clock.advance(12'000);
+        if (path == "/a/file" && offset == readSize) clock.advance(12'000);
     };
     const auto result = find();
     EXPECT_FALSE(result.budgetExhausted);
@@ -94,7 +94,7 @@ TEST_F(DupFinderBudget, ExactlyTwelveSecondsAreWithinTheBudget) {
 }
 
 TEST_F(DupFinderBudget, TheQuickStageDoesNotUseItUp) {
-    addPair("file", 3 * megabyte);
+    addPair("file", 3 * readSize);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
         if (offset == 0 && contents.reads().size() < 2) clock.advance(60'000);
     };
@@ -104,9 +104,9 @@ TEST_F(DupFinderBudget, TheQuickStageDoesNotUseItUp) {
 }
 
 TEST_F(DupFinderBudget, TimeThatRunsOutWithTheLastByteCostsNothing) {
-    addPair("file", 2 * megabyte);
+    addPair("file", 2 * readSize);
     contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
-        if (path == "/b/file" && offset == megabyte && contents.bytesRead(path) > megabyte) {
+        if (path == "/b/file" && offset == readSize && contents.bytesRead(path) > readSize) {
             clock.advance(20'000);
         }
     };
@@ -116,11 +116,11 @@ TEST_F(DupFinderBudget, TimeThatRunsOutWithTheLastByteCostsNothing) {
 }
 
 TEST_F(DupFinderBudget, ManySmallPairsAreSettledBeforeAHugeOne) {
-    addPair("aaa huge", 40 * megabyte);
+    addPair("aaa huge", 40 * readSize);
     for (int index = 0; index < 50; ++index)
-        addPair(std::to_string(index), megabyte + 1);
+        addPair(std::to_string(index), readSize + 1);
     contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
-        if (path.ends_with("huge") && offset >= megabyte) clock.advance(1'000);
+        if (path.ends_with("huge") && offset >= readSize) clock.advance(1'000);
     };
     const auto result = find();
     EXPECT_TRUE(result.budgetExhausted);
@@ -130,9 +130,9 @@ TEST_F(DupFinderBudget, ManySmallPairsAreSettledBeforeAHugeOne) {
 TEST_F(DupFinderBudget, SeveralThreadsKeepToItToo) {
     constexpr int pairs = 20;
     for (int index = 0; index < pairs; ++index)
-        addPair(std::to_string(index), 2 * megabyte);
+        addPair(std::to_string(index), 2 * readSize);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
-        if (offset >= megabyte) clock.advance(700);
+        if (offset >= readSize) clock.advance(700);
     };
     const auto result = find(4);
     EXPECT_TRUE(result.budgetExhausted);
@@ -142,24 +142,24 @@ TEST_F(DupFinderBudget, SeveralThreadsKeepToItToo) {
 }
 
 TEST_F(DupFinderBudget, ACallerWhoWantsNoMoreStopsItWithoutTheFlag) {
-    addPair("file", 9 * megabyte);
+    addPair("file", 9 * readSize);
     std::atomic<bool> enough = false;
     stopped = [&] { return enough.load(); };
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
-        if (offset == 2 * megabyte) enough = true;
+        if (offset == 2 * readSize) enough = true;
     };
     const auto result = find();
     EXPECT_FALSE(result.budgetExhausted);
     EXPECT_THAT(result.groups, IsEmpty());
-    EXPECT_THAT(contents.bytesRead("/a/file"), Le(3 * megabyte + 3 * 4096));
+    EXPECT_THAT(contents.bytesRead("/a/file"), Le(3 * readSize + 3 * 4096));
 }
 
 TEST_F(DupFinderBudget, WhatItDidNotGetThroughIsLeftForAnotherSearch) {
-    addPair("late", 9 * megabyte);
-    addPair("early", 2 * megabyte);
-    records.push_back({"/alone", 3 * megabyte});
+    addPair("late", 9 * readSize);
+    addPair("early", 2 * readSize);
+    records.push_back({"/alone", 3 * readSize});
     contents.beforeRead = [&](const std::string& path, std::int64_t offset) {
-        if (path == "/b/late" && offset == 3 * megabyte) clock.advance(12'001);
+        if (path == "/b/late" && offset == 3 * readSize) clock.advance(12'001);
     };
     const auto first = find();
     EXPECT_THAT(first.left, ElementsAre(records[0], records[1]));
@@ -172,16 +172,16 @@ TEST_F(DupFinderBudget, WhatItDidNotGetThroughIsLeftForAnotherSearch) {
 
 TEST_F(DupFinderBudget, WithEveryThreadNoFileIsBothSettledAndLeft) {
     for (int index = 0; index < 20; ++index)
-        addPair(std::to_string(index), 3 * megabyte);
+        addPair(std::to_string(index), 3 * readSize);
     contents.beforeRead = [&](const std::string&, std::int64_t offset) {
-        if (offset >= megabyte) clock.advance(200);
+        if (offset >= readSize) clock.advance(200);
     };
     const auto result = find(4);
     EXPECT_EQ(result.groups.size() * 2 + result.left.size(), records.size());
 }
 
 TEST_F(DupFinderBudget, WithoutALimitNothingIsLeft) {
-    addPair("file", 9 * megabyte);
+    addPair("file", 9 * readSize);
     contents.beforeRead = [&](const std::string&, std::int64_t) { clock.advance(60'000); };
     const auto result =
         DupFinder(clock, contents, 1).find(records, {}, DupFinder::Budget::unlimited);
@@ -191,8 +191,8 @@ TEST_F(DupFinderBudget, WithoutALimitNothingIsLeft) {
 }
 
 TEST_F(DupFinderBudget, ASearchThatIsStoppedLeavesTheRest) {
-    addPair("file", 9 * megabyte);
-    addPair("other", 8 * megabyte);
+    addPair("file", 9 * readSize);
+    addPair("other", 8 * readSize);
     stopped = [] { return true; };
     EXPECT_THAT(find().left, SizeIs(4));
 }

@@ -14,7 +14,7 @@ namespace {
 
 using testing::IsEmpty;
 using testing::Not;
-using Reason = CacheFacts::Reason;
+using KeptFor = CacheFacts::Reason;
 
 constexpr KnownCache stays = KnownCache::neverTaken;
 constexpr KnownCache goes = KnownCache::madeAgain;
@@ -148,7 +148,7 @@ struct CacheJudgeTest : testing::Test {
     }
     void useMacHome() { machine.platform.layout = HomeLayout::macOS(machine.home.path()); }
 
-    Reason reasonOf(const std::string& name, const std::string& rule = "caches") {
+    KeptFor reasonOf(const std::string& name, const std::string& rule = "caches") {
         const std::string path = machine.platform.layout.caches + "/" + name;
         return CacheJudge(machine.platform).facts(Candidate{.ruleID = rule, .path = path}).reason;
     }
@@ -168,56 +168,56 @@ struct CacheJudgeTest : testing::Test {
 };
 
 TEST_F(CacheJudgeTest, OnALinuxHomeOnlyWhatIsRecognisedIsCertain) {
-    EXPECT_EQ(reasonOf("mozilla"), Reason::madeAgain);
-    EXPECT_EQ(reasonOf("some-program"), Reason::unknown);
-    EXPECT_EQ(reasonOf("rclone"), Reason::keeps);
+    EXPECT_EQ(reasonOf("mozilla"), KeptFor::madeAgain);
+    EXPECT_EQ(reasonOf("some-program"), KeptFor::unknown);
+    EXPECT_EQ(reasonOf("rclone"), KeptFor::keeps);
 }
 
 TEST_F(CacheJudgeTest, OnAMacEverythingIsCertainButWhatIsNeverTaken) {
     useMacHome();
-    EXPECT_EQ(reasonOf("com.example.App"), Reason::madeAgain);
-    EXPECT_EQ(reasonOf("JetBrains"), Reason::keeps);
-    EXPECT_EQ(reasonOf("rclone"), Reason::keeps);
+    EXPECT_EQ(reasonOf("com.example.App"), KeptFor::madeAgain);
+    EXPECT_EQ(reasonOf("JetBrains"), KeptFor::keeps);
+    EXPECT_EQ(reasonOf("rclone"), KeptFor::keeps);
 }
 
 TEST_F(CacheJudgeTest, TheCacheOfAProgramThatRunsIsNotCertain) {
     runs("/usr/lib/firefox-esr/firefox-esr");
-    EXPECT_EQ(reasonOf("mozilla"), Reason::running);
-    EXPECT_EQ(reasonOf("chromium"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf("mozilla"), KeptFor::running);
+    EXPECT_EQ(reasonOf("chromium"), KeptFor::madeAgain);
     runs("/opt/google/chrome/chrome");
-    EXPECT_EQ(reasonOf("google-chrome"), Reason::running);
-    EXPECT_EQ(reasonOf("mozilla"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf("google-chrome"), KeptFor::running);
+    EXPECT_EQ(reasonOf("mozilla"), KeptFor::madeAgain);
     runs("/usr/bin/Darktable");
-    EXPECT_EQ(reasonOf("darktable"), Reason::running) << "by its own name, in whatever letters";
+    EXPECT_EQ(reasonOf("darktable"), KeptFor::running) << "by its own name, in whatever letters";
     runs("/usr/bin/python3.11");
-    EXPECT_EQ(reasonOf("pip"), Reason::running) << "pip is a python";
+    EXPECT_EQ(reasonOf("pip"), KeptFor::running) << "pip is a python";
     runs(machine.platform.layout.caches + "/electron/abc/electron-v30");
-    EXPECT_EQ(reasonOf("electron"), Reason::running) << "it runs from in there";
+    EXPECT_EQ(reasonOf("electron"), KeptFor::running) << "it runs from in there";
     runs(machine.platform.layout.caches + "/go-build-tool/x");
-    EXPECT_EQ(reasonOf("go-build"), Reason::madeAgain) << "beside it, not in it";
+    EXPECT_EQ(reasonOf("go-build"), KeptFor::madeAgain) << "beside it, not in it";
 }
 
 TEST_F(CacheJudgeTest, OnAMacTheEntryIsTheIdentifierOfItsApplication) {
     useMacHome();
     runs("/Applications/Example.app", "com.example.App");
-    EXPECT_EQ(reasonOf("com.example.App"), Reason::running);
-    EXPECT_EQ(reasonOf("com.example.app"), Reason::running);
-    EXPECT_EQ(reasonOf("com.example.App.ShipIt"), Reason::running) << "its updater's";
-    EXPECT_EQ(reasonOf("Example"), Reason::running) << "by the bundle's name";
-    EXPECT_EQ(reasonOf("com.example.App2"), Reason::madeAgain);
-    EXPECT_EQ(reasonOf("com.other.App"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf("com.example.App"), KeptFor::running);
+    EXPECT_EQ(reasonOf("com.example.app"), KeptFor::running);
+    EXPECT_EQ(reasonOf("com.example.App.ShipIt"), KeptFor::running) << "its updater's";
+    EXPECT_EQ(reasonOf("Example"), KeptFor::running) << "by the bundle's name";
+    EXPECT_EQ(reasonOf("com.example.App2"), KeptFor::madeAgain);
+    EXPECT_EQ(reasonOf("com.other.App"), KeptFor::madeAgain);
     runs("/Applications/Chrome.app/Contents/Helper.app", "com.google.Chrome.helper");
-    EXPECT_EQ(reasonOf("com.google.Chrome"), Reason::running) << "a helper runs";
+    EXPECT_EQ(reasonOf("com.google.Chrome"), KeptFor::running) << "a helper runs";
     runs("/Applications/Firefox.app", "org.mozilla.firefox");
-    EXPECT_EQ(reasonOf("Mozilla"), Reason::running) << "by its maker";
-    EXPECT_EQ(reasonOf("org.chromium.Chromium"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf("Mozilla"), KeptFor::running) << "by its maker";
+    EXPECT_EQ(reasonOf("org.chromium.Chromium"), KeptFor::madeAgain);
 }
 
 TEST_F(CacheJudgeTest, XcodesBuildDataStaysWhileXcodeRuns) {
     useMacHome();
-    EXPECT_EQ(reasonOf("DerivedData", "xcode"), Reason::madeAgain);
+    EXPECT_EQ(reasonOf("DerivedData", "xcode"), KeptFor::madeAgain);
     runs("/Applications/Xcode.app", "com.apple.dt.Xcode");
-    EXPECT_EQ(reasonOf("DerivedData", "xcode"), Reason::running);
+    EXPECT_EQ(reasonOf("DerivedData", "xcode"), KeptFor::running);
 }
 
 TEST_F(CacheJudgeTest, FactsAreToldOfCachesAlone) {
@@ -226,10 +226,10 @@ TEST_F(CacheJudgeTest, FactsAreToldOfCachesAlone) {
             .facts(std::vector<Candidate>{{.ruleID = "caches", .path = "/c/mozilla"},
                                           {.ruleID = "oldDownloads", .path = "/d/a"},
                                           {.ruleID = "xcode", .path = "/x/DerivedData"}});
-    EXPECT_EQ(facts, (FactsByPath{{"/c/mozilla", {Reason::madeAgain}},
-                                  {"/x/DerivedData", {Reason::madeAgain}}}));
+    EXPECT_EQ(facts, (FactsByPath{{"/c/mozilla", {KeptFor::madeAgain}},
+                                  {"/x/DerivedData", {KeptFor::madeAgain}}}));
     EXPECT_TRUE(facts.at("/c/mozilla").isCertain());
-    EXPECT_FALSE(CacheFacts{Reason::running}.isCertain());
+    EXPECT_FALSE(CacheFacts{KeptFor::running}.isCertain());
 }
 
 }  // namespace

@@ -36,13 +36,8 @@ bool actInChild(TrashWorld& world, const TrashScenario& scenario, Action action,
     return true;
 }
 
-struct Volumes {
-    std::string home, trash;
-    bool knowsExclusiveRename = true;
-};
-
 /// Dies at every call, or at a share of them: each `step`th, beginning elsewhere for each action.
-void dieEverywhere(const TrashScenario& scenario, const Volumes& volumes, int share) {
+void dieEverywhere(const TrashScenario& scenario, const TrashVolumes& volumes, int share) {
     const int step = isExhaustive() ? 1 : share;
     int points = 0;
     for (const Action action : {Action::dieBefore, Action::dieMidway, Action::dieAfter}) {

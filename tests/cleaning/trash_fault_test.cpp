@@ -36,11 +36,6 @@ Outcome outcomeOf(const std::function<void()>& action) {
     }
 }
 
-struct Volumes {
-    std::string home, trash;
-    bool knowsExclusiveRename = true;
-};
-
 struct Fault {
     int at;
     int reason;
@@ -48,7 +43,7 @@ struct Fault {
 };
 
 /// True when the call at which it should fail was made.
-bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault& fault) {
+bool failOnce(const TrashScenario& scenario, const TrashVolumes& volumes, const Fault& fault) {
     TrashWorld world(volumes.home, volumes.trash);
     world.keepMany();
     scenario.prepare(world);
@@ -83,7 +78,7 @@ bool failOnce(const TrashScenario& scenario, const Volumes& volumes, const Fault
     return wasReached;
 }
 
-void failEverywhere(const TrashScenario& scenario, const Volumes& volumes, int share,
+void failEverywhere(const TrashScenario& scenario, const TrashVolumes& volumes, int share,
                     Action action = Action::fail) {
     const int step = isExhaustive() ? 1 : share;
     int points = 0;

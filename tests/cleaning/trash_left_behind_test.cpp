@@ -12,8 +12,8 @@
 namespace velto {
 namespace {
 
-constexpr const char* someFolder = "Library/Caches/com.example.app";
-constexpr const char* someFile = "Downloads/año nuevo.pdf";
+constexpr const char* leftFolder = "Library/Caches/com.example.app";
+constexpr const char* leftFile = "Downloads/año nuevo.pdf";
 
 class TrashLeftBehind : public testing::Test {
 protected:
@@ -44,7 +44,7 @@ TEST_F(TrashLeftBehind, TheOriginalGoesEvenWhenItIsMissedForAMoment) {
             return calls++ == at ? ENOENT : 0;
         };
         try {
-            process->service.moveToTrash({world.path(someFolder)}, "wind");
+            process->service.moveToTrash({world.path(leftFolder)}, "wind");
         } catch (const FileError&) {
             // Then it is where it was, which `prove` looks at.
         }
@@ -66,12 +66,12 @@ TEST_F(TrashLeftBehind, AnItemWhoseOriginalResistsCanBeRestoredAndThrownAwayAgai
         return isRemovalOf("notes.txt", call, name) ? EPERM : 0;
     };
     VeltoTrashService& service = process->service;
-    const Operation operation = service.moveToTrash({world.path(someFolder)}, "wind");
-    EXPECT_EQ(world.prove().trash, std::set<std::string>{someFolder});
+    const Operation operation = service.moveToTrash({world.path(leftFolder)}, "wind");
+    EXPECT_EQ(world.prove().trash, std::set<std::string>{leftFolder});
     service.restore(operation.items.front().id);
     EXPECT_TRUE(world.prove().trash.empty());
     EXPECT_TRUE(service.items().empty());
-    service.undoOperation(service.moveToTrash({world.path(someFolder)}, "wind").id);
+    service.undoOperation(service.moveToTrash({world.path(leftFolder)}, "wind").id);
     EXPECT_TRUE(world.prove().trash.empty());
     world.proveTrashWorks();
 }
@@ -87,13 +87,13 @@ TEST_F(TrashLeftBehind, AMoveThatFailsLaterBringsItBackAndTheTrashGoesOn) {
     };
     int reason = 0;
     try {
-        process->service.moveToTrash({world.path(someFolder), world.path("pipe")}, "wind");
+        process->service.moveToTrash({world.path(leftFolder), world.path("pipe")}, "wind");
     } catch (const FileError& error) {
         reason = error.code();
     }
     EXPECT_EQ(reason, EOPNOTSUPP) << "a pipe cannot be copied";
-    process->service.moveToTrash({world.path(someFile)}, "wind");
-    EXPECT_EQ(world.prove().trash, std::set<std::string>{someFile});
+    process->service.moveToTrash({world.path(leftFile)}, "wind");
+    EXPECT_EQ(world.prove().trash, std::set<std::string>{leftFile});
     world.proveTrashWorks();
 }
 

@@ -23,6 +23,12 @@ struct TrashScenario {
     std::set<std::string> home;
 };
 
+/// Where the home and the trash lie, and what the systems there can do.
+struct TrashVolumes {
+    std::string home, trash;
+    bool knowsExclusiveRename = true;
+};
+
 /// For the test's report.
 void PrintTo(const TrashScenario& scenario, std::ostream* stream);
 

@@ -5,6 +5,7 @@
 
 #include <ctime>
 
+#include "made_times.h"
 #include "support/TestPlatform.h"
 
 namespace velto {
@@ -12,16 +13,6 @@ namespace {
 
 using testing::IsEmpty;
 using testing::SizeIs;
-
-double localTime(int year, int month, int day, int hour) {
-    std::tm date{};
-    date.tm_year = year - 1900;
-    date.tm_mon = month - 1;
-    date.tm_mday = day;
-    date.tm_hour = hour;
-    date.tm_isdst = -1;
-    return static_cast<double>(std::mktime(&date));
-}
 
 struct SystemTrashTest : testing::Test {
     TestPlatform machine;

@@ -5,27 +5,18 @@
 #include <ctime>
 #include <filesystem>
 
+#include "made_times.h"
 #include "support/TestPlatform.h"
 
 namespace velto {
 namespace {
 
-constexpr const char* agent = "Library/LaunchAgents/app.velto.maintenance.plist";
+constexpr const char* agentFile = "Library/LaunchAgents/app.velto.maintenance.plist";
 constexpr double day = 86400;
-
-double localTime(int year, int month, int dayOfMonth, int hour) {
-    std::tm date{};
-    date.tm_year = year - 1900;
-    date.tm_mon = month - 1;
-    date.tm_mday = dayOfMonth;
-    date.tm_hour = hour;
-    date.tm_isdst = -1;
-    return static_cast<double>(std::mktime(&date));
-}
 
 void installed(TestPlatform& machine, double when) {
     const auto seconds = static_cast<std::int64_t>(when);
-    machine.home.text(agent, "x").dated(seconds, seconds);
+    machine.home.text(agentFile, "x").dated(seconds, seconds);
 }
 
 TEST(NextMaintenance, WithoutAScheduleThereIsNone) {
@@ -64,7 +55,7 @@ TEST(NextMaintenance, AfterAResetItCountsFromTheNewInstallation) {
     TestPlatform machine;
     const double now = machine.clock.time;
     installed(machine, now - 3 * day);
-    std::filesystem::remove(machine.home.path(agent));
+    std::filesystem::remove(machine.home.path(agentFile));
     EXPECT_FALSE(nextMaintenance(machine.platform, "daily", std::nullopt));
     installed(machine, now - 10);
     EXPECT_EQ(nextMaintenance(machine.platform, "daily", std::nullopt), now - 10 + day);
@@ -73,7 +64,7 @@ TEST(NextMaintenance, AfterAResetItCountsFromTheNewInstallation) {
 struct NextTimerRun : testing::Test {
     NextTimerRun() {
         machine.platform.layout.kind = HomeLayout::Kind::freedesktop;
-        machine.platform.layout.agentFile = machine.home.path(agent);
+        machine.platform.layout.agentFile = machine.home.path(agentFile);
         machine.clock.time = localTime(2026, 11, 20, 9);
     }
     TestPlatform machine;

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/posix/PosixFolder.h"
+#include "support/model_answers.h"
 
 namespace velto {
 namespace {
@@ -17,11 +17,6 @@ constexpr int firstDescriptor = 1 << 30;
 constexpr std::int64_t second = 1'000'000'000;
 constexpr mode_t readable = 4;
 constexpr mode_t writable = 2;
-
-int fail(int reason) {
-    errno = reason;
-    return -1;
-}
 
 timespec timeOf(std::int64_t nanoseconds) {
     timespec time{};
@@ -44,14 +39,11 @@ void setTimesOf(Status& status, const ModelInode& inode) {
     }
 }
 
-/// Only to be passed through, not to be read.
-bool passes(int flags) { return passThrough != O_RDONLY && (flags & passThrough) == passThrough; }
-
 bool mayBeUsed(const ModelDisk& disk, const ModelInode& inode, ModelInode::Number number,
                int flags) {
-    if (passes(flags)) return true;
+    if (isPassedThrough(flags)) return true;
     const int access = flags & O_ACCMODE;
-    if (inode.isFolder() && access != O_RDONLY) return fail(EISDIR) == 0;
+    if (inode.isFolder() && access != O_RDONLY) return failedFor(EISDIR) == 0;
     const mode_t wanted = (access != O_WRONLY ? readable : 0) | (access != O_RDONLY ? writable : 0);
     return disk.allows(number, wanted);
 }
@@ -88,14 +80,14 @@ int ModelFileCalls::open(int folder, const char* name, int flags, mode_t mode) {
     ModelDisk::Place place;
     const bool isNew = (flags & (O_CREAT | O_EXCL)) == (O_CREAT | O_EXCL);
     if (!reach(folder, name, (flags & O_NOFOLLOW) == 0 && !isNew, place)) return -1;
-    if (place.inode != 0 && isNew) return fail(EEXIST);
+    if (place.inode != 0 && isNew) return failedFor(EEXIST);
     if (place.inode == 0) {
-        if ((flags & O_CREAT) == 0) return fail(ENOENT);
+        if ((flags & O_CREAT) == 0) return failedFor(ENOENT);
         if (disk_.make(place, S_IFREG | (mode & 07777), "", place.inode) != 0) return -1;
     } else {
         const ModelInode& inode = disk_.live().at(place.inode);
-        if ((flags & O_DIRECTORY) != 0 && !inode.isFolder()) return fail(ENOTDIR);
-        if (inode.isLink()) return fail(ELOOP);
+        if ((flags & O_DIRECTORY) != 0 && !inode.isFolder()) return failedFor(ENOTDIR);
+        if (inode.isLink()) return failedFor(ELOOP);
         if (!mayBeUsed(disk_, inode, place.inode, flags)) return -1;
     }
     handles_.push_back({.inode = place.inode, .flags = flags});
@@ -157,7 +149,7 @@ long ModelFileCalls::longestName(int) { return 255; }
 int ModelFileCalls::resolve(const char* path, std::string& real) {
     ModelDisk::Place place;
     if (!reach(AT_FDCWD, path, true, place)) return -1;
-    if (place.inode == 0) return fail(ENOENT);
+    if (place.inode == 0) return failedFor(ENOENT);
     real = place.name == "." || place.name == ".." ? "" : "/" + place.name;
     for (Number current = place.folder; current != ModelImage::root;) {
         const Number above = disk_.live().at(current).parent;
@@ -174,7 +166,7 @@ int ModelFileCalls::names(Descriptor folder, std::vector<std::string>& names) {
     const Handle* opened = handle(folder.number());
     if (opened == nullptr) return -1;
     const ModelInode& inode = disk_.live().at(opened->inode);
-    if (!inode.isFolder()) return fail(ENOTDIR);
+    if (!inode.isFolder()) return failedFor(ENOTDIR);
     names.clear();
     for (const auto& [name, entry] : inode.entries)
         names.push_back(name);
@@ -193,7 +185,7 @@ int ModelFileCalls::changeMode(int folder, const char* name, mode_t mode) {
     Number number = 0;
     if (!reachInode(folder, name, false, number)) return -1;
     const ModelInode& inode = disk_.live().at(number);
-    if (inode.isLink()) return fail(EOPNOTSUPP);
+    if (inode.isLink()) return failedFor(EOPNOTSUPP);
     disk_.setAttributes(number, mode, inode.accessed, inode.modified);
     return 0;
 }
@@ -201,7 +193,7 @@ int ModelFileCalls::changeMode(int folder, const char* name, mode_t mode) {
 int ModelFileCalls::changeOwner(int file, uid_t user, gid_t group) {
     if (handle(file) == nullptr) return -1;
     const bool isOwn = user == ::geteuid() || user == static_cast<uid_t>(-1);
-    return isOwn && group == ::getegid() ? 0 : fail(EPERM);
+    return isOwn && group == ::getegid() ? 0 : failedFor(EPERM);
 }
 
 int ModelFileCalls::setTimes(Number number, const struct timespec (&times)[2]) {

@@ -5,27 +5,16 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/posix/PosixFolder.h"
+#include "support/model_answers.h"
 
 namespace velto {
-namespace {
-
-int fail(int reason) {
-    errno = reason;
-    return -1;
-}
-
-/// Only to be passed through, not to be read.
-bool passes(int flags) { return passThrough != O_RDONLY && (flags & passThrough) == passThrough; }
-
-}  // namespace
 
 ModelFileCalls::Number ModelFileCalls::content(int file, bool writes) {
     const Handle* opened = handle(file);
     if (opened == nullptr) return 0;
     const bool isWritten = (opened->flags & O_ACCMODE) != O_RDONLY;
     const bool isRead = (opened->flags & O_ACCMODE) != O_WRONLY;
-    const bool isAllowed = !passes(opened->flags) && (writes ? isWritten : isRead);
+    const bool isAllowed = !isPassedThrough(opened->flags) && (writes ? isWritten : isRead);
     if (disk_.live().at(opened->inode).isFolder()) {
         errno = EISDIR;
         return 0;
@@ -80,7 +69,7 @@ off_t ModelFileCalls::seek(int file, off_t offset, int whence) {
     const Handle* opened = handle(file);
     if (opened == nullptr) return -1;
     const auto size = static_cast<off_t>(disk_.live().at(opened->inode).content->size());
-    if (offset >= size) return fail(ENXIO);
+    if (offset >= size) return failedFor(ENXIO);
     return whence == SEEK_DATA ? offset : size;
 }
 
@@ -97,7 +86,7 @@ int ModelFileCalls::resize(int file, off_t size) {
 int ModelFileCalls::sync(int file) {
     const Handle* opened = handle(file);
     if (opened == nullptr) return -1;
-    if (passes(opened->flags)) return fail(EBADF);
+    if (isPassedThrough(opened->flags)) return failedFor(EBADF);
     disk_.sync(opened->inode, ModelChange::Kind::sync);
     return 0;
 }
@@ -105,7 +94,7 @@ int ModelFileCalls::sync(int file) {
 int ModelFileCalls::flush(int file) {
     const Handle* opened = handle(file);
     if (opened == nullptr) return -1;
-    if (passes(opened->flags)) return fail(EBADF);
+    if (isPassedThrough(opened->flags)) return failedFor(EBADF);
     disk_.sync(opened->inode, ModelChange::Kind::flush);
     return 0;
 }

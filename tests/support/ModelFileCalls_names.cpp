@@ -4,15 +4,9 @@
 
 #include <cerrno>
 
+#include "support/model_answers.h"
+
 namespace velto {
-namespace {
-
-int fail(int reason) {
-    errno = reason;
-    return -1;
-}
-
-}  // namespace
 
 int ModelFileCalls::makeFolder(int folder, const char* name, mode_t mode) {
     ModelDisk::Place place;
@@ -31,7 +25,7 @@ int ModelFileCalls::makeLink(const char* target, int folder, const char* name) {
 int ModelFileCalls::readLink(int folder, const char* name, std::string& target) {
     Number number = 0;
     if (!reachInode(folder, name, false, number)) return -1;
-    if (!disk_.live().at(number).isLink()) return fail(EINVAL);
+    if (!disk_.live().at(number).isLink()) return failedFor(EINVAL);
     target = *disk_.live().at(number).content;
     return 0;
 }
@@ -50,14 +44,14 @@ int ModelFileCalls::replace(int fromFolder, const char* from, int toFolder, cons
 }
 
 int ModelFileCalls::rename(int fromFolder, const char* from, int toFolder, const char* to) {
-    if (!disk_.knowsExclusiveRename) return fail(EINVAL);
+    if (!disk_.knowsExclusiveRename) return failedFor(EINVAL);
     ModelDisk::Place source;
     ModelDisk::Place target;
     if (!reach(fromFolder, from, false, source) || !reach(toFolder, to, false, target)) return -1;
-    if (source.inode == 0) return fail(ENOENT);
+    if (source.inode == 0) return failedFor(ENOENT);
     const ModelImage& live = disk_.live();
-    if (live.at(source.folder).volume != live.at(target.folder).volume) return fail(EXDEV);
-    if (target.inode != 0) return fail(EEXIST);
+    if (live.at(source.folder).volume != live.at(target.folder).volume) return failedFor(EXDEV);
+    if (target.inode != 0) return failedFor(EEXIST);
     return disk_.rename(source, target);
 }
 

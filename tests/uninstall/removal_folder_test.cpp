@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::IsEmpty;
 
-constexpr const char* identifier = "0F8FAD5B-D9CB-469F-A165-70867728950E";
+constexpr const char* removalID = "0F8FAD5B-D9CB-469F-A165-70867728950E";
 
 class RemovalFolderTest : public testing::Test, protected UninstallWorld {
 protected:
@@ -31,8 +31,8 @@ protected:
     /// Documents with all that a sweep could take for its own.
     void fillDocuments() {
         home.text("Documents/thesis.pages", "thesis");
-        home.text(std::string("Documents/") + identifier, "precious");
-        home.text(std::string("Documents/") + identifier + ".path", "precious");
+        home.text(std::string("Documents/") + removalID, "precious");
+        home.text(std::string("Documents/") + removalID + ".path", "precious");
         documents = treeText(home.path("Documents"));
     }
     void expectNothingRemoved(const AppRemover::Result& result) const {
@@ -75,14 +75,14 @@ TEST_F(RemovalFolderTest, AFileInItsPlaceStays) {
 }
 
 TEST_F(RemovalFolderTest, ADataFolderThatLeadsOutOfTheHomeIsNotUsed) {
-    put(disk.path("elsewhere/Removing/") + identifier, "precious");
+    put(disk.path("elsewhere/Removing/") + removalID, "precious");
     home.link("Library/Application Support/Velto", disk.path("elsewhere"));
     expectNothingRemoved(remover.uninstall(entry, chosen));
-    ASSERT_TRUE(disk.exists(std::string("elsewhere/Removing/") + identifier));
+    ASSERT_TRUE(disk.exists(std::string("elsewhere/Removing/") + removalID));
 }
 
 TEST_F(RemovalFolderTest, ADataFolderThatIsALinkInsideTheHomeServes) {
-    home.text(std::string("Elsewhere/Removing/") + identifier, "of a removal that was cut off");
+    home.text(std::string("Elsewhere/Removing/") + removalID, "of a removal that was cut off");
     home.link("Library/Application Support/Velto", home.path("Elsewhere"));
     EXPECT_EQ(remover.uninstall(entry, chosen).removed, 2);
     EXPECT_FALSE(fs::exists(cache));
@@ -99,7 +99,7 @@ TEST_F(RemovalFolderTest, ADataFolderThatTheUserHasPutOutsideTheHomeServes) {
 // What may be deleted in it
 
 TEST_F(RemovalFolderTest, OnlyWhatARemovalHasPutThereIsSwept) {
-    const std::string own = identifier;
+    const std::string own = removalID;
     const std::string foreign[] = {"thesis.pages",
                                    ".keep",
                                    own + ".txt",
@@ -127,7 +127,7 @@ TEST_F(RemovalFolderTest, OnlyWhatARemovalHasPutThereIsSwept) {
 }
 
 TEST_F(RemovalFolderTest, AForgedRecordDeletesNothing) {
-    const std::string rest = std::string(".velto-removing-") + identifier;
+    const std::string rest = std::string(".velto-removing-") + removalID;
     home.folder("Pictures");
     home.link("Library/Caches/link", home.path("Pictures"));
     const std::string places[] = {disk.path(),
@@ -159,7 +159,7 @@ TEST_F(RemovalFolderTest, AForgedRecordDeletesNothing) {
         claims.push_back(place + "/" + rest);
     for (const std::string& claim : claims) {
         SCOPED_TRACE(claim.substr(0, 200));
-        put(removing(std::string(identifier) + ".path"), claim);
+        put(removing(std::string(removalID) + ".path"), claim);
         remover.uninstall(entry, {});
         for (const std::string& place : places)
             EXPECT_TRUE(fs::exists(place + "/" + rest + "/precious")) << place;
@@ -168,11 +168,11 @@ TEST_F(RemovalFolderTest, AForgedRecordDeletesNothing) {
     }
     // Nor does a link or a pipe in a record's place.
     put(home.path("note"), home.path("Pictures/" + rest));
-    fs::create_symlink(home.path("note"), removing(std::string(identifier) + ".path"));
+    fs::create_symlink(home.path("note"), removing(std::string(removalID) + ".path"));
     remover.uninstall(entry, {});
     EXPECT_TRUE(home.exists("Pictures/" + rest + "/precious"));
     // A record as a removal writes it does.
-    put(removing(std::string(identifier) + ".path"), home.path("Pictures/" + rest));
+    put(removing(std::string(removalID) + ".path"), home.path("Pictures/" + rest));
     remover.uninstall(entry, {});
     EXPECT_FALSE(home.exists("Pictures/" + rest));
 }

@@ -11,7 +11,7 @@ namespace velto {
 namespace {
 
 const HomeLayout mac = HomeLayout::macOS("/Users/ana");
-const HomeLayout linuxHome = HomeLayout::freedesktop(
+const HomeLayout freedesktopHome = HomeLayout::freedesktop(
     "/home/ana", [](const std::string&) { return std::nullopt; }, "");
 const std::string bundle = "/Applications/Foo.app";
 
@@ -86,7 +86,7 @@ TEST(RemovalRules, NothingIsTheBundleWithoutABundle) {
 TEST(RemovalRules, OnALinuxHomeTheFoldersOfAllApplicationsStay) {
     const auto isSafeThere = [](const std::string& path) {
         return isSafeToRemove("/home/ana/" + path, "/home/ana/Applications/Foo.AppImage",
-                              linuxHome);
+                              freedesktopHome);
     };
     for (const char* path : {".config",
                              ".local",
@@ -128,9 +128,9 @@ TEST(RemovalRules, OnALinuxHomeTheFoldersOfAllApplicationsStay) {
           "Applications/Foo.AppImage", "Applications/Other.AppImage", "apps/foo"}) {
         EXPECT_TRUE(isSafeThere(path)) << path;
     }
-    EXPECT_TRUE(isProtectedPlace("/home/ana/.ssh/id", linuxHome));
-    EXPECT_TRUE(isProtectedPlace("/home/ana/.bashrc", linuxHome));
-    EXPECT_FALSE(isProtectedPlace("/usr/bin/env", linuxHome));
+    EXPECT_TRUE(isProtectedPlace("/home/ana/.ssh/id", freedesktopHome));
+    EXPECT_TRUE(isProtectedPlace("/home/ana/.bashrc", freedesktopHome));
+    EXPECT_FALSE(isProtectedPlace("/usr/bin/env", freedesktopHome));
 }
 
 TEST(RemovalRules, OutOfReachIsNotProtected) {

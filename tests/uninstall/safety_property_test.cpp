@@ -16,7 +16,7 @@ namespace velto {
 namespace {
 
 const HomeLayout mac = HomeLayout::macOS("/Users/ana");
-const HomeLayout linuxHome = HomeLayout::freedesktop(
+const HomeLayout linuxLayout = HomeLayout::freedesktop(
     "/home/ana", [](const std::string&) { return std::nullopt; }, "");
 const std::string bundle = "/Applications/Foo.app";
 const std::string image = "/home/ana/.local/bin/foo";
@@ -156,7 +156,7 @@ TEST(SafetyProperty, NoPathWhateverItsTextPassesAgainstTheRule) {
 }
 
 TEST(SafetyProperty, NoPathOfALinuxHomePassesAgainstItsRule) {
-    compare(linuxHome, image, ruleOfLinux,
+    compare(linuxLayout, image, ruleOfLinux,
             {"home",    "ana",   ".config", ".local",    "share",        ".cache",   "..",
              ".",       "",      ".ssh",    ".gnupg",    "Trash",        "systemd",  "user",
              "flatpak", "app",   ".var",    "autostart", "applications", "bin",      "foo",

@@ -12,7 +12,6 @@ namespace velto {
 namespace {
 
 using Entry = FolderTreeBuilder::Entry;
-constexpr auto noParent = FolderTreeBuilder::noParent;
 constexpr std::string_view home = "/home/ana";
 
 /// Every state, the largest numbers, names of any bytes.
@@ -23,8 +22,10 @@ MeasuredFolders family(std::string_view top = home) {
     };
     MeasuredFolders folders;
     folders.tree = std::make_shared<const FolderTree>(FolderTreeBuilder::build({
-        folder(0, noParent, top, {.inode = UINT64_MAX, .ownBytes = 4096, .latest = UINT32_MAX}),
-        folder(1, noParent, "/mnt/cache", {.inode = 2, .ownBytes = 126, .ownFiles = 127}),
+        folder(0, FolderTreeBuilder::noParent, top,
+               {.inode = UINT64_MAX, .ownBytes = 4096, .latest = UINT32_MAX}),
+        folder(1, FolderTreeBuilder::noParent, "/mnt/cache",
+               {.inode = 2, .ownBytes = 126, .ownFiles = 127}),
         folder(2, 0, "Music", {.ownBytes = 1LL << 50, .ownFiles = UINT32_MAX, .unreadable = 128}),
         folder(3, 0, ".cache", {.state = FolderState::otherVolume}),
         folder(4, 0, "\xFF\n\x01", {.unreadable = 1, .state = FolderState::unreadable}),

@@ -21,7 +21,7 @@ Entry folder(std::uint32_t number, std::uint32_t parent, std::string_view name,
 }
 
 /// Given in an order in which no walk would find them.
-FolderTree family() {
+FolderTree smallTree() {
     return FolderTreeBuilder::build({
         folder(4, 1, "b", 40, 4),
         folder(0, noParent, "/home/ana", 1, 1),
@@ -42,7 +42,7 @@ std::vector<std::string> childNames(const FolderTree& tree, FolderTree::Index in
 }
 
 TEST(FolderTree, EachFolderHoldsWhatLiesBelowIt) {
-    const FolderTree tree = family();
+    const FolderTree tree = smallTree();
     ASSERT_EQ(tree.size(), 7U);
     EXPECT_EQ(tree[tree.find("/home/ana")].bytes, 191);
     EXPECT_EQ(tree[tree.find("/home/ana")].files, 20U);
@@ -53,7 +53,7 @@ TEST(FolderTree, EachFolderHoldsWhatLiesBelowIt) {
 }
 
 TEST(FolderTree, FoldersOfAFolderStandInTheOrderOfTheirNames) {
-    const FolderTree tree = family();
+    const FolderTree tree = smallTree();
     ASSERT_EQ(tree.rootCount(), 2U);
     EXPECT_EQ(tree.name(0), "/home/ana");
     EXPECT_EQ(tree.name(1), "/mnt/data");
@@ -65,7 +65,7 @@ TEST(FolderTree, FoldersOfAFolderStandInTheOrderOfTheirNames) {
 }
 
 TEST(FolderTree, APathIsFoundAgain) {
-    const FolderTree tree = family();
+    const FolderTree tree = smallTree();
     for (FolderTree::Index index = 0; index < tree.size(); ++index)
         EXPECT_EQ(tree.find(tree.path(index)), index) << tree.path(index);
     EXPECT_EQ(tree.find("/home/ana/Movie"), FolderTree::none);

@@ -9,8 +9,8 @@ namespace velto {
 namespace {
 
 constexpr std::int64_t hour = 3600;
-constexpr std::int64_t day = 24 * hour;
-constexpr std::int64_t start = 1'800'000'000;
+constexpr std::int64_t secondsOfADay = 24 * hour;
+constexpr std::int64_t firstAnalysis = 1'800'000'000;
 
 /// What is stored after each of so many analyses, one every `step` seconds.
 struct Year {
@@ -41,19 +41,19 @@ struct Year {
 TEST(GrowthThinning, OneAnalysisUnderAClockYearsAheadTakesNoHistoryAway) {
     Year year;
     for (int number = 0; number < 40; ++number)
-        year.analyse(start + number * day, 100'000);
+        year.analyse(firstAnalysis + number * secondsOfADay, 100'000);
     const std::size_t before = year.stored.size();
-    year.analyse(start + 5'000 * day, 100'000);
+    year.analyse(firstAnalysis + 5'000 * secondsOfADay, 100'000);
     EXPECT_GE(year.stored.size(), before - 4);
     EXPECT_GT(before, 10U);
 }
 
 TEST(GrowthThinning, AYearOfAnalysesLeavesSomeOfEachTime) {
-    for (const std::int64_t step : {6 * hour, day, 3 * day}) {
+    for (const std::int64_t step : {6 * hour, secondsOfADay, 3 * secondsOfADay}) {
         SCOPED_TRACE(step / hour);
         Year year;
-        std::int64_t now = start;
-        for (; now < start + 500 * day; now += step)
+        std::int64_t now = firstAnalysis;
+        for (; now < firstAnalysis + 500 * secondsOfADay; now += step)
             year.analyse(now, 100'000);
         now -= step;
         EXPECT_LE(year.most, mostSnapshots);
@@ -63,36 +63,40 @@ TEST(GrowthThinning, AYearOfAnalysesLeavesSomeOfEachTime) {
             std::int64_t within;
         };
         for (const Wanted wanted :
-             {Wanted{2 * day, day}, Wanted{7 * day, day}, Wanted{12 * day, day},
-              Wanted{30 * day, 7 * day}, Wanted{80 * day, 7 * day}, Wanted{200 * day, 30 * day},
-              Wanted{330 * day, 30 * day}}) {
+             {Wanted{2 * secondsOfADay, secondsOfADay}, Wanted{7 * secondsOfADay, secondsOfADay},
+              Wanted{12 * secondsOfADay, secondsOfADay},
+              Wanted{30 * secondsOfADay, 7 * secondsOfADay},
+              Wanted{80 * secondsOfADay, 7 * secondsOfADay},
+              Wanted{200 * secondsOfADay, 30 * secondsOfADay},
+              Wanted{330 * secondsOfADay, 30 * secondsOfADay}}) {
             const std::int64_t missed = year.misses(now - wanted.age);
-            EXPECT_GE(missed, 0) << wanted.age / day;
-            EXPECT_LE(missed, wanted.within + step) << wanted.age / day;
+            EXPECT_GE(missed, 0) << wanted.age / secondsOfADay;
+            EXPECT_LE(missed, wanted.within + step) << wanted.age / secondsOfADay;
         }
-        EXPECT_GE(year.stored.front().moment, now - 366 * day);
+        EXPECT_GE(year.stored.front().moment, now - 366 * secondsOfADay);
     }
 }
 
 TEST(GrowthThinning, TheLastAnalysesAreAllThere) {
     Year year;
     for (int index = 0; index < 10; ++index)
-        year.analyse(start + index * 60, 1000);
+        year.analyse(firstAnalysis + index * 60, 1000);
     EXPECT_EQ(year.stored.size(), 10U);
 }
 
 TEST(GrowthThinning, AllTogetherStayBelowTheBoundAndTheOldestGoFirst) {
     Year year;
     for (int index = 0; index < 40; ++index)
-        year.analyse(start + index * day, 5 << 20);
+        year.analyse(firstAnalysis + index * secondsOfADay, 5 << 20);
     EXPECT_LE(year.mostBytes, mostGrowthBytes);
     ASSERT_EQ(year.stored.size(), 6U);
-    EXPECT_EQ(year.stored.back().moment, start + 39 * day);
+    EXPECT_EQ(year.stored.back().moment, firstAnalysis + 39 * secondsOfADay);
 }
 
 TEST(GrowthThinning, TheNewestTwoStayHoweverOldAndLarge) {
-    const std::vector<StoredSnapshot> stored = {{.moment = start, .bytes = 16 << 20},
-                                                {.moment = start + 900 * day, .bytes = 40 << 20}};
+    const std::vector<StoredSnapshot> stored = {
+        {.moment = firstAnalysis, .bytes = 16 << 20},
+        {.moment = firstAnalysis + 900 * secondsOfADay, .bytes = 40 << 20}};
     EXPECT_TRUE(superfluousSnapshots(stored).empty());
     EXPECT_TRUE(superfluousSnapshots({}).empty());
 }

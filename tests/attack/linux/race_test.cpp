@@ -10,7 +10,7 @@
 namespace velto {
 namespace {
 
-int rounds() { return isExhaustive() ? 3'000 : 150; }
+int removalRounds() { return isExhaustive() ? 3'000 : 150; }
 
 class Race : public testing::Test {
 protected:
@@ -46,7 +46,7 @@ TEST_F(Race, MovingAndUndoingNeverLeavesTheHomeAndLosesNothing) {
     long swaps = 0;
     {
         const Racer racer({world.home("d"), world.home("d/e")});
-        for (int round = 0; round < rounds(); ++round) {
+        for (int round = 0; round < removalRounds(); ++round) {
             tryTo([&] { trash.moveToTrash(paths, "wind"); });
             for (const Operation& operation : std::vector(trash.operations()))
                 tryTo([&] { trash.undoOperation(operation.id); });
@@ -64,7 +64,7 @@ TEST_F(Race, RestoringIntoAFolderOfTheUsersChoiceStaysThere) {
     linkBeside(world.home("chosen/below"), "e");
     {
         const Racer racer({world.home("chosen"), world.home("chosen/below")});
-        for (int round = 0; round < rounds(); ++round) {
+        for (int round = 0; round < removalRounds(); ++round) {
             if (!world.files.exists(path)) break;
             tryTo([&] {
                 const Operation operation = trash.moveToTrash({path}, "wind");
@@ -95,7 +95,7 @@ protected:
 TEST_P(DeletingRace, NothingBehindALinkIsDeleted) {
     world.file("kept");
     const std::string trashFolder = world.layout.trashFolder;
-    for (int round = 0; round < rounds() / 3; ++round) {
+    for (int round = 0; round < removalRounds() / 3; ++round) {
         world.root.text("home/thrown away", "nobody's");
         const TrashItem item = trash.moveToTrash({world.home("thrown away")}, "wind").items.front();
         world.clock.time += 2 * 86'400;

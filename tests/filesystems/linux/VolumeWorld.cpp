@@ -23,7 +23,7 @@ std::string fastFolder() {
     return access("/dev/shm", W_OK) == 0 ? "/dev/shm" : fs::temp_directory_path().string();
 }
 
-void write(const std::string& path, const std::string& content) {
+void writeTo(const std::string& path, const std::string& content) {
     fs::create_directories(fs::path(path).parent_path());
     std::ofstream(path, std::ios::binary) << content;
     const timespec times[2] = {{1'500'000'000, 0}, {1'600'000'000, 0}};
@@ -81,13 +81,13 @@ void VolumeWorld::makeRoom() const { fs::remove(filler()); }
 void VolumeWorld::keep(const std::string& name) { kept_[name] = textOf(path(name)); }
 
 void VolumeWorld::keepFolder(const std::string& name) {
-    write(path(name + "/notes.txt"), "some notes");
-    write(path(name + "/empty"), "");
-    write(path(name + "/deep/er/large"), std::string(70'000, 'x'));
+    writeTo(path(name + "/notes.txt"), "some notes");
+    writeTo(path(name + "/empty"), "");
+    writeTo(path(name + "/deep/er/large"), std::string(70'000, 'x'));
     fs::create_directories(path(name + "/nothing in it"));
-    if (kind.keepsAnyName) write(path(name + "/line\nbreak \"quoted\" \\ back"), "odd");
+    if (kind.keepsAnyName) writeTo(path(name + "/line\nbreak \"quoted\" \\ back"), "odd");
     if (kind.keepsHoles) {
-        write(path(name + "/sparse"), "begin");
+        writeTo(path(name + "/sparse"), "begin");
         fs::resize_file(path(name + "/sparse"), 300'000);
     }
     if (kind.keepsLinks) {
@@ -112,7 +112,7 @@ void VolumeWorld::keepEverything() {
         removeTree(path(name));
     kept_.clear();
     const auto file = [&](const std::string& name, const std::string& content) {
-        write(path(name), content);
+        writeTo(path(name), content);
         keep(name);
     };
     file("Documents/report.pdf", std::string(200'000, 'r'));
@@ -125,7 +125,7 @@ void VolumeWorld::keepEverything() {
         file("Downloads/NAME", "capitals");
     }
     if (kind.keepsLinks) {
-        write(path("Downloads/twin"), "two names");
+        writeTo(path("Downloads/twin"), "two names");
         fs::create_hard_link(path("Downloads/twin"), path("Documents/twin"));
         keep("Downloads/twin");
         fs::create_hard_link(path("Downloads/twin"), home + "/" + prefix + "Pictures twin");
@@ -134,8 +134,8 @@ void VolumeWorld::keepEverything() {
         keep("Documents/twin");
     }
     keepFolder("Library/Caches/com.example.app");
-    write(path("Pictures/kept.jpg"), "nobody touches it");
-    write(path("Downloads/kept too"), "nor this");
+    writeTo(path("Pictures/kept.jpg"), "nobody touches it");
+    writeTo(path("Downloads/kept too"), "nor this");
     bystanders_ = textOf(path("Pictures")) + textOf(path("Downloads/kept too"));
 }
 

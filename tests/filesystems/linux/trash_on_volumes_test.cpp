@@ -38,7 +38,7 @@ std::vector<Place> everyPlace() {
     return places;
 }
 
-std::string nameOf(const testing::TestParamInfo<Place>& info) {
+std::string placeName(const testing::TestParamInfo<Place>& info) {
     const char* const where[] = {"holds_all", "inside_the_home", "holds_the_trash"};
     return std::string(info.param.kind.name) + "_" + where[static_cast<int>(info.param.placed)];
 }
@@ -270,7 +270,7 @@ TEST_P(TrashOnVolumes, AProcessThatIsKilledInTheMiddleLosesNothing) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, TrashOnVolumes, testing::ValuesIn(everyPlace()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Kinds, TrashOnVolumes, testing::ValuesIn(everyPlace()), placeName);
 
 }  // namespace
 }  // namespace velto

@@ -1,4 +1,5 @@
 #include "platform/linux/GlibDispatcher.h"
+#include "support/linux/main_loop.h"
 
 #include <glib.h>
 #include <gmock/gmock.h>
@@ -14,12 +15,6 @@ namespace velto {
 namespace {
 
 using testing::ElementsAre;
-
-/// Runs the default main context until `done`.
-void iterateUntil(const std::function<bool()>& done) {
-    while (!done())
-        g_main_context_iteration(nullptr, TRUE);
-}
 
 TEST(GlibDispatcher, ThePageHearsEventsInTheOrderTheyWereSent) {
     GlibDispatcher dispatcher;

@@ -15,7 +15,7 @@
 namespace velto {
 namespace {
 
-constexpr Colour red{200, 10, 10, 255};
+constexpr Colour darkRed{200, 10, 10, 255};
 constexpr std::string_view start = "data:image/png;base64,iVBORw0KGgo";  // of every PNG
 
 class LinuxIconsTest : public testing::Test {
@@ -38,15 +38,15 @@ protected:
 };
 
 TEST_F(LinuxIconsTest, TheIconOfABundleIsShown) {
-    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}))));
-    EXPECT_TRUE(hasIcon(bundle(iconFile(oldIconEntries(red)))));
-    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, red)}}), "Icon.icns")));
+    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, darkRed)}}))));
+    EXPECT_TRUE(hasIcon(bundle(iconFile(oldIconEntries(darkRed)))));
+    EXPECT_TRUE(hasIcon(bundle(iconFile({{"ic07", pngPicture(128, 128, darkRed)}}), "Icon.icns")));
 }
 
 TEST_F(LinuxIconsTest, TheIconOfAnEntryIsThatOfTheDesktopsTheme) {
     home.text("share/applications/a.desktop",
               "[Desktop Entry]\nType=Application\nName=A\nExec=/bin/sleep\nIcon=a\n");
-    home.text("share/icons/hicolor/48x48/apps/a.png", pngPicture(48, 48, red));
+    home.text("share/icons/hicolor/48x48/apps/a.png", pngPicture(48, 48, darkRed));
     home.text("share/icons/Mine/index.theme",
               "[Icon Theme]\nDirectories=apps/48\n[apps/48]\nSize=48\n");
     const std::string entry = home.path("share/applications/a.desktop");
@@ -73,25 +73,27 @@ TEST(IconThemeName, IsWhatTheToolkitsSettingsSay) {
 
 TEST_F(LinuxIconsTest, OneColourOfOneSizeIsThePicture) {
     // Scaling a picture of one colour gives that picture in the other size: every way leads to one.
-    const auto direct = icons.pngDataURL(home.text("a.png", pngPicture(32, 32, red)).path(), 32);
+    const auto direct =
+        icons.pngDataURL(home.text("a.png", pngPicture(32, 32, darkRed)).path(), 32);
     ASSERT_TRUE(direct);
-    EXPECT_EQ(icons.pngDataURL(bundle(iconFile({{"ic10", pngPicture(64, 64, red)}})), 32), direct);
+    EXPECT_EQ(icons.pngDataURL(bundle(iconFile({{"ic10", pngPicture(64, 64, darkRed)}})), 32),
+              direct);
     EXPECT_NE(icons.pngDataURL(bundle(iconFile({{"ic07", pngPicture(64, 64, {0, 0, 9})}})), 32),
               direct);
-    EXPECT_EQ(icons.pngDataURL(bundle(iconFile(oldIconEntries(red))), 32), direct);
+    EXPECT_EQ(icons.pngDataURL(bundle(iconFile(oldIconEntries(darkRed))), 32), direct);
 }
 
 TEST_F(LinuxIconsTest, ThePictureClosestToTheSizeIsTaken) {
-    const std::string file = iconFile({{"ic10", pngPicture(4, 4, red)},
-                                       {"ic12", pngPicture(2, 2, red)},
-                                       {"ic07", pngPicture(3, 3, red)}});
-    EXPECT_EQ(pngInIconFile(file, 32), pngPicture(2, 2, red));
-    EXPECT_EQ(pngInIconFile(file, 128), pngPicture(3, 3, red));
-    EXPECT_EQ(pngInIconFile(file, 2048), pngPicture(4, 4, red));
+    const std::string file = iconFile({{"ic10", pngPicture(4, 4, darkRed)},
+                                       {"ic12", pngPicture(2, 2, darkRed)},
+                                       {"ic07", pngPicture(3, 3, darkRed)}});
+    EXPECT_EQ(pngInIconFile(file, 32), pngPicture(2, 2, darkRed));
+    EXPECT_EQ(pngInIconFile(file, 128), pngPicture(3, 3, darkRed));
+    EXPECT_EQ(pngInIconFile(file, 2048), pngPicture(4, 4, darkRed));
 }
 
 TEST_F(LinuxIconsTest, WhatIsNoIconIsNone) {
-    const std::string whole = iconFile({{"ic07", pngPicture(128, 128, red)}});
+    const std::string whole = iconFile({{"ic07", pngPicture(128, 128, darkRed)}});
     EXPECT_FALSE(hasIcon(bundle("no icon at all")));
     EXPECT_FALSE(hasIcon(bundle("")));
     EXPECT_FALSE(hasIcon(bundle(whole.substr(0, whole.size() / 2))));
@@ -102,10 +104,10 @@ TEST_F(LinuxIconsTest, WhatIsNoIconIsNone) {
 }
 
 TEST_F(LinuxIconsTest, ADamagedIconIsNeverTheProgramsEnd) {
-    auto entries = oldIconEntries(red);
-    entries.emplace_back("ic07", pngPicture(128, 128, red));
+    auto entries = oldIconEntries(darkRed);
+    entries.emplace_back("ic07", pngPicture(128, 128, darkRed));
     const std::string original = iconFile(entries);
-    const std::string png = pngPicture(64, 64, red);
+    const std::string png = pngPicture(64, 64, darkRed);
     const int rounds = isExhaustive() ? 20'000 : 300;
     std::mt19937 random(20240718);
     int shown = 0;
@@ -123,10 +125,10 @@ TEST_F(LinuxIconsTest, ADamagedIconIsNeverTheProgramsEnd) {
 }
 
 TEST_F(LinuxIconsTest, APictureThatClaimsToBeHugeIsNotDecoded) {
-    std::string png = pngPicture(4, 4, red);
+    std::string png = pngPicture(4, 4, darkRed);
     png.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8));  // 60,000 by 60,000
     EXPECT_FALSE(hasIcon(home.text("huge.png", png).path()));
-    EXPECT_FALSE(hasIcon(home.text("wide.png", pngPicture(5000, 1, red)).path()));
+    EXPECT_FALSE(hasIcon(home.text("wide.png", pngPicture(5000, 1, darkRed)).path()));
 }
 
 TEST_F(LinuxIconsTest, ADesktopEntryHasThePictureThatItNames) {
@@ -136,8 +138,8 @@ TEST_F(LinuxIconsTest, ADesktopEntryHasThePictureThatItNames) {
                   "[Desktop Entry]\nType=Application\nName=Sleeper\nExec=sleep 1\n" + icon)
             .path();
     };
-    home.text("share/icons/hicolor/48x48/apps/sleeper.png", pngPicture(48, 48, red));
-    const std::string beside = home.text("beside.png", pngPicture(48, 48, red)).path();
+    home.text("share/icons/hicolor/48x48/apps/sleeper.png", pngPicture(48, 48, darkRed));
+    const std::string beside = home.text("beside.png", pngPicture(48, 48, darkRed)).path();
     EXPECT_TRUE(hasIcon(entryWith("Icon=sleeper\n"), 28));
     EXPECT_TRUE(hasIcon(entryWith("Icon=" + beside + "\n"), 28));
     EXPECT_FALSE(hasIcon(entryWith("Icon=another\n"), 28));
@@ -147,7 +149,7 @@ TEST_F(LinuxIconsTest, ADesktopEntryHasThePictureThatItNames) {
 }
 
 TEST_F(LinuxIconsTest, TheNameOfAnIconLeadsNowhereElse) {
-    home.text("secret.icns", iconFile({{"ic07", pngPicture(128, 128, red)}}));
+    home.text("secret.icns", iconFile({{"ic07", pngPicture(128, 128, darkRed)}}));
     EXPECT_FALSE(hasIcon(bundle("", "../../../secret")));
 }
 

@@ -14,6 +14,7 @@
 
 #include "support/TempHome.h"
 #include "support/fakes.h"
+#include "support/linux/main_loop.h"
 
 namespace velto {
 namespace {
@@ -22,11 +23,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-void iterateUntil(const std::function<bool()>& done) {
-    while (!done())
-        g_main_context_iteration(nullptr, TRUE);
-}
 
 /// A desktop of the tests' own: the user's applications must neither start nor be asked. GLib looks
 /// for it once per process, so it lives as long.

@@ -23,19 +23,19 @@ using testing::IsEmpty;
 
 /// Answers on a socket as snapd does. The answers have the form of those in snapd's documentation
 /// of its interface (https://snapcraft.io/docs/snapd-api).
-class Daemon {
+class SnapDaemon {
 public:
     struct Answer {
         unsigned status = 200;
         std::string text;
     };
 
-    explicit Daemon(const std::string& socket) {
+    explicit SnapDaemon(const std::string& socket) {
         std::promise<void> listening;
         thread_ = std::thread([this, socket, &listening] { serve(socket, listening); });
         listening.get_future().wait();
     }
-    ~Daemon() {
+    ~SnapDaemon() {
         g_main_context_invoke(
             context_,
             [](gpointer loop) {
@@ -47,8 +47,8 @@ public:
         g_main_loop_unref(loop_);
         g_main_context_unref(context_);
     }
-    Daemon(const Daemon&) = delete;
-    Daemon& operator=(const Daemon&) = delete;
+    SnapDaemon(const SnapDaemon&) = delete;
+    SnapDaemon& operator=(const SnapDaemon&) = delete;
 
     /// The answers to one request, "GET /v2/...", in their order; the last one is given again.
     void on(const std::string& request, std::vector<Answer> answers) {
@@ -67,8 +67,9 @@ private:
         GSocketAddress* const address = g_unix_socket_address_new(socket.c_str());
         soup_server_listen(server, address, {}, nullptr);
         const auto asked = [](SoupServer*, SoupServerMessage* message, const char* path,
-                              GHashTable*,
-                              gpointer data) { static_cast<Daemon*>(data)->answer(message, path); };
+                              GHashTable*, gpointer data) {
+            static_cast<SnapDaemon*>(data)->answer(message, path);
+        };
         soup_server_add_handler(server, nullptr, asked, this, nullptr);
         listening.set_value();
         g_main_loop_run(loop_);
@@ -136,7 +137,7 @@ protected:
     TempHome home_;
     std::string socket_ = home_.path("snapd.socket");
     std::string entries_ = home_.path("applications");
-    Daemon daemon_{socket_};
+    SnapDaemon daemon_{socket_};
     Snapd snapd_{socket_, entries_};
 };
 
@@ -194,8 +195,9 @@ TEST_F(SnapdTest, EveryRefusalHasItsReason) {
         {{409, "snap-change-conflict"}, busy},  {{500, ""}, failed}};
     for (const auto& [answer, reason] : reasons) {
         const auto [status, kind] = answer;
-        daemon_.on("POST /v2/snaps/firefox", {{static_cast<unsigned>(status),
-                                               Daemon::error(status, "in its own words", kind)}});
+        daemon_.on(
+            "POST /v2/snaps/firefox",
+            {{static_cast<unsigned>(status), SnapDaemon::error(status, "in its own words", kind)}});
         EXPECT_EQ(failure(), std::pair(reason, std::string("in its own words"))) << kind;
     }
 }

@@ -210,9 +210,9 @@ TEST(LiveCounters, WhatThisMachineDoesNotHaveIsAbsentAndNothingFails) {
 }
 
 /// A child that does nothing, or works as hard as it can.
-class Child {
+class CountedChild {
 public:
-    explicit Child(bool busy) : process_(::fork()) {
+    explicit CountedChild(bool busy) : process_(::fork()) {
         if (process_ != 0) return;
         volatile unsigned work = 0;
         while (busy)
@@ -220,9 +220,9 @@ public:
         while (true)
             ::pause();
     }
-    ~Child() { end(); }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
+    ~CountedChild() { end(); }
+    CountedChild(const CountedChild&) = delete;
+    CountedChild& operator=(const CountedChild&) = delete;
 
     void end() {
         if (process_ <= 0) return;
@@ -237,7 +237,7 @@ private:
 };
 
 TEST(LiveProcesses, AChildIsSeenWithItsParentAndGoneWhenItEnds) {
-    Child child(false);
+    CountedChild child(false);
     const pid_t process = child.process();
     LinuxProcessTable table({});
     const auto infos = table.list();
@@ -272,7 +272,7 @@ TEST(LiveProcesses, WhatAProcessHasWrittenToADiskIsCounted) {
 }
 
 TEST(LiveProcesses, ABusyChildsTimeGrowsAsTheSystemCountsIt) {
-    Child child(true);
+    CountedChild child(true);
     const pid_t process = child.process();
     LinuxProcessTable table({});
     table.list();

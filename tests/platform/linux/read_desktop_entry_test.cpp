@@ -8,7 +8,7 @@
 namespace velto {
 namespace {
 
-const std::string entry = "[Desktop Entry]\nType=Application\nName=Sleeper\nExec=sleep 1\n";
+const std::string sleeper = "[Desktop Entry]\nType=Application\nName=Sleeper\nExec=sleep 1\n";
 
 TEST(ReadDesktopEntry, APipeThatIsCalledLikeAnEntryHoldsNothingUp) {
     TempHome home;
@@ -20,7 +20,7 @@ TEST(ReadDesktopEntry, APipeThatIsCalledLikeAnEntryHoldsNothingUp) {
 
 TEST(ReadDesktopEntry, AnEntryMayBeALink) {
     TempHome home;
-    home.text("real", entry);
+    home.text("real", sleeper);
     home.link("link.desktop", "real");
     const auto read = readDesktopEntry(home.path("link.desktop"));
     ASSERT_TRUE(read);
@@ -66,7 +66,7 @@ TEST(ReadDesktopEntry, TheCommandOfEnvComesAfterItsOptionsAndAssignments) {
 TEST(ReadDesktopEntry, AnEntryLongerThanAnyIsNotRead) {
     TempHome home;
     const auto with = [&](std::size_t bytes) {
-        return home.text("long.desktop", entry + "# " + std::string(bytes, 'x') + "\n").path();
+        return home.text("long.desktop", sleeper + "# " + std::string(bytes, 'x') + "\n").path();
     };
     EXPECT_TRUE(readDesktopEntry(with(100'000)));
     EXPECT_FALSE(readDesktopEntry(with(300'000)));
@@ -77,7 +77,7 @@ TEST(DesktopEntryFiles, AFolderThatSomebodyHasFilledHidesNoOther) {
     TempHome home;
     for (int number = 0; number < 21'000; ++number)
         home.text("user/" + std::to_string(number) + ".txt", "");
-    home.text("system/app.desktop", entry);
+    home.text("system/app.desktop", sleeper);
     const auto found = desktopEntryFiles(
         PosixFileManager(), {{"user", home.path("user")}, {"system", home.path("system")}});
     ASSERT_EQ(found.size(), 1u);

@@ -21,7 +21,7 @@ using testing::UnorderedElementsAre;
 
 /// The reason with which `action` fails, 0 when it does not.
 template <typename Action>
-int reasonOf(Action action) {
+int failureOf(Action action) {
     try {
         action();
         return 0;
@@ -78,9 +78,9 @@ TEST_F(PosixFileManagerTest, AListHoldsEveryNameOnce) {
     home.folder("folder/inner");
     EXPECT_THAT(files.list(home.path("folder")),
                 UnorderedElementsAre(".hidden", "caf\xC3\xA9", "inner"));
-    EXPECT_EQ(reasonOf([&] { files.list(home.path("missing")); }), ENOENT);
-    EXPECT_EQ(reasonOf([&] { files.list(home.path("folder/.hidden")); }), ENOTDIR);
-    EXPECT_EQ(reasonOf([&] { files.list(""); }), EINVAL);
+    EXPECT_EQ(failureOf([&] { files.list(home.path("missing")); }), ENOENT);
+    EXPECT_EQ(failureOf([&] { files.list(home.path("folder/.hidden")); }), ENOTDIR);
+    EXPECT_EQ(failureOf([&] { files.list(""); }), EINVAL);
 }
 
 TEST_F(PosixFileManagerTest, AResolvedPathHoldsNoLink) {
@@ -88,8 +88,8 @@ TEST_F(PosixFileManagerTest, AResolvedPathHoldsNoLink) {
     home.link("link", "real");
     home.link("loop", "loop");
     EXPECT_EQ(files.resolved(home.path("link/../link/./file")), home.path("real/file"));
-    EXPECT_EQ(reasonOf([&] { files.resolved(home.path("missing")); }), ENOENT);
-    EXPECT_EQ(reasonOf([&] { files.resolved(home.path("loop")); }), ELOOP);
+    EXPECT_EQ(failureOf([&] { files.resolved(home.path("missing")); }), ENOENT);
+    EXPECT_EQ(failureOf([&] { files.resolved(home.path("loop")); }), ELOOP);
 }
 
 TEST_F(PosixFileManagerTest, AFileIsReadWholeAndByteForByte) {
@@ -104,11 +104,11 @@ TEST_F(PosixFileManagerTest, AFileIsReadWholeAndByteForByte) {
 TEST_F(PosixFileManagerTest, WhatIsNoFileIsNotReadAndNotWaitedFor) {
     ASSERT_EQ(mkfifo(home.path("pipe").c_str(), 0600), 0);
     home.link("loop", "loop");
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("pipe"), anyFile(1 << 20)); }), EINVAL);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path(), anyFile(1 << 20)); }), EISDIR);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("loop"), anyFile(1 << 20)); }), ELOOP);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path("missing"), anyFile(1 << 20)); }), ENOENT);
-    EXPECT_EQ(reasonOf([&] { files.read(home.path(std::string(300, 'n')), anyFile(1 << 20)); }),
+    EXPECT_EQ(failureOf([&] { files.read(home.path("pipe"), anyFile(1 << 20)); }), EINVAL);
+    EXPECT_EQ(failureOf([&] { files.read(home.path(), anyFile(1 << 20)); }), EISDIR);
+    EXPECT_EQ(failureOf([&] { files.read(home.path("loop"), anyFile(1 << 20)); }), ELOOP);
+    EXPECT_EQ(failureOf([&] { files.read(home.path("missing"), anyFile(1 << 20)); }), ENOENT);
+    EXPECT_EQ(failureOf([&] { files.read(home.path(std::string(300, 'n')), anyFile(1 << 20)); }),
               ENAMETOOLONG);
 }
 
@@ -163,7 +163,7 @@ TEST_F(PosixFileManagerTest, AWriteThatFailsAnywhereLeavesTheOldFileAndNothingEl
     for (;; ++step) {
         calls.count = 0;
         calls.failAt = step;
-        if (reasonOf([&] { files.writeAtomically(home.path("file"), "new"); }) == 0) break;
+        if (failureOf([&] { files.writeAtomically(home.path("file"), "new"); }) == 0) break;
         EXPECT_EQ(home.read("file"), "old") << step;
         EXPECT_THAT(files.list(home.path()), ElementsAre("file")) << step;
         ASSERT_LT(step, 20);
@@ -181,7 +181,7 @@ TEST_F(PosixFileManagerTest, AFullDiskLeavesTheOldFile) {
     const rlimit small{.rlim_cur = 1000, .rlim_max = old.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
     const int reason =
-        reasonOf([&] { files.writeAtomically(home.path("file"), std::string(100'000, 'n')); });
+        failureOf([&] { files.writeAtomically(home.path("file"), std::string(100'000, 'n')); });
     setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(reason, EFBIG);
@@ -193,7 +193,7 @@ TEST_F(PosixFileManagerTest, AFileCannotBeWrittenWhereNoFolderIsOrOverOne) {
     home.folder("folder");
     home.file("file", 1);
     const auto write = [&](const std::string& path) {
-        return reasonOf([&] { files.writeAtomically(path, "x"); });
+        return failureOf([&] { files.writeAtomically(path, "x"); });
     };
     EXPECT_EQ(write(home.path("missing/file")), ENOENT);
     EXPECT_EQ(write(home.path("file/below")), ENOTDIR);
@@ -219,10 +219,10 @@ TEST_F(PosixFileManagerTest, FoldersAreMadeWithTheirParentsForTheUserAlone) {
 TEST_F(PosixFileManagerTest, AFolderCannotBeMadeOverOrBelowAFile) {
     home.file("file", 1);
     home.link("dangling", "missing");
-    EXPECT_EQ(reasonOf([&] { files.createFolders(home.path("file")); }), ENOTDIR);
-    EXPECT_EQ(reasonOf([&] { files.createFolders(home.path("file/below")); }), ENOTDIR);
-    EXPECT_EQ(reasonOf([&] { files.createFolders(home.path("dangling")); }), ENOTDIR);
-    EXPECT_EQ(reasonOf([&] { files.createFolders(home.path(std::string(300, 'n'))); }),
+    EXPECT_EQ(failureOf([&] { files.createFolders(home.path("file")); }), ENOTDIR);
+    EXPECT_EQ(failureOf([&] { files.createFolders(home.path("file/below")); }), ENOTDIR);
+    EXPECT_EQ(failureOf([&] { files.createFolders(home.path("dangling")); }), ENOTDIR);
+    EXPECT_EQ(failureOf([&] { files.createFolders(home.path(std::string(300, 'n'))); }),
               ENAMETOOLONG);
     EXPECT_FALSE(home.exists("missing"));
 }
@@ -230,7 +230,7 @@ TEST_F(PosixFileManagerTest, AFolderCannotBeMadeOverOrBelowAFile) {
 TEST_F(PosixFileManagerTest, AFolderThatCannotBeMadeIsReported) {
     calls.failAt = 0;
     calls.error = EROFS;
-    EXPECT_EQ(reasonOf([&] { files.createFolders(home.path("new")); }), EROFS);
+    EXPECT_EQ(failureOf([&] { files.createFolders(home.path("new")); }), EROFS);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ struct Change {
     bool isHidden = false;
 };
 
-void write(const std::string& path, const std::string& text, std::ios::openmode mode) {
+void writeTo(const std::string& path, const std::string& text, std::ios::openmode mode) {
     std::ofstream(path, mode) << text;
 }
 
@@ -29,24 +29,24 @@ const std::vector<Change> fileChanges{
      [](const std::string& item) {
          struct stat status {};
          ASSERT_EQ(stat(item.c_str(), &status), 0);
-         write(item, "CONTENT", std::ios::in | std::ios::out);
+         writeTo(item, "CONTENT", std::ios::in | std::ios::out);
          const timespec times[2] = {accessedTime(status), modifiedTime(status)};
          ASSERT_EQ(utimensat(AT_FDCWD, item.c_str(), times, 0), 0);
      },
      true},
-    {"longer", [](const std::string& item) { write(item, " and more", std::ios::app); }},
+    {"longer", [](const std::string& item) { writeTo(item, " and more", std::ios::app); }},
     {"shorter", [](const std::string& item) { fs::resize_file(item, 3); }},
     {"permissions", [](const std::string& item) { setMode(item, 0751); }},
     {"saved anew by an editor",
      [](const std::string& item) {
-         write(item + ".new", "another version", std::ios::out);
+         writeTo(item + ".new", "another version", std::ios::out);
          fs::rename(item + ".new", item);
      }},
     {"a folder instead",
      [](const std::string& item) {
          fs::remove(item);
          fs::create_directory(item);
-         write(item + "/inside", "new", std::ios::out);
+         writeTo(item + "/inside", "new", std::ios::out);
      }},
     {"a link instead",
      [](const std::string& item) {
@@ -56,12 +56,13 @@ const std::vector<Change> fileChanges{
 };
 
 const std::vector<Change> folderChanges{
-    {"content", [](const std::string& item) { write(item + "/a/file", "CONTENT", std::ios::out); }},
-    {"added file", [](const std::string& item) { write(item + "/b/new", "new", std::ios::out); }},
+    {"content",
+     [](const std::string& item) { writeTo(item + "/a/file", "CONTENT", std::ios::out); }},
+    {"added file", [](const std::string& item) { writeTo(item + "/b/new", "new", std::ios::out); }},
     {"added folder", [](const std::string& item) { fs::create_directory(item + "/new"); }},
     {"replaced file",
      [](const std::string& item) {
-         write(item + "/new", "another version", std::ios::out);
+         writeTo(item + "/new", "another version", std::ios::out);
          fs::rename(item + "/new", item + "/a/file");
      }},
     {"file removed", [](const std::string& item) { fs::remove(item + "/a/file"); }},

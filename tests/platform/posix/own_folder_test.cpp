@@ -20,7 +20,7 @@ using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 /// A disk whose files belong to somebody else, or that has no permissions to change.
-class OtherFileCalls final : public FileCalls {
+class OtherOwnersCalls final : public FileCalls {
 public:
     using FileCalls::changeMode;
     int stat(int folder, const char* name, struct stat& status) override {
@@ -57,7 +57,7 @@ private:
 
 struct OwnFolderTest : testing::Test {
     TempHome home;
-    OtherFileCalls calls;
+    OtherOwnersCalls calls;
     const std::string path = home.path("share/Velto");
 
     static unsigned mode(const std::string& item) {

@@ -35,7 +35,7 @@ public:
     }
 };
 
-int reasonOf(PosixFileManager& files, const std::string& path) {
+int removalFailure(PosixFileManager& files, const std::string& path) {
     try {
         files.removeAll(path);
         return 0;
@@ -104,7 +104,7 @@ TEST_F(RemovalTest, AnEnteredFolderSwappedForALinkDoesNotLeadTheRemovalOut) {
     };
     // The folder that it has entered is emptied where it is now; the link in its place is no
     // folder, and the removal ends there.
-    EXPECT_EQ(reasonOf(files, home.path("tree")), ENOTDIR);
+    EXPECT_EQ(removalFailure(files, home.path("tree")), ENOTDIR);
     EXPECT_TRUE(home.exists("kept/file"));
     EXPECT_FALSE(home.exists("moved/file"));
 }
@@ -137,7 +137,7 @@ TEST_F(RemovalTest, AFolderThatIsFilledForEverIsReportedAtLast) {
     calls.beforeRemove = [&](const std::string& name) {
         if (name == "cache") home.file("cache/late", 1);
     };
-    EXPECT_EQ(reasonOf(files, home.path("cache")), ENOTEMPTY);
+    EXPECT_EQ(removalFailure(files, home.path("cache")), ENOTEMPTY);
 }
 
 TEST_F(RemovalTest, ATreeDeeperThanDescriptorsAndPathsGoIsRemoved) {
@@ -157,7 +157,7 @@ TEST_F(RemovalTest, ATreeDeeperThanDescriptorsAndPathsGoIsRemoved) {
     getrlimit(RLIMIT_NOFILE, &old);
     const rlimit few{.rlim_cur = 128, .rlim_max = old.rlim_max};
     setrlimit(RLIMIT_NOFILE, &few);
-    const int reason = reasonOf(files, home.path(name));
+    const int reason = removalFailure(files, home.path(name));
     setrlimit(RLIMIT_NOFILE, &old);
     EXPECT_EQ(reason, 0);
     EXPECT_FALSE(home.exists(name));
@@ -176,7 +176,7 @@ TEST_F(RemovalTest, ADeepFolderThatIsMovedAwayWhileItIsEmptiedEndsTheRemoval) {
         // The folder at level 20, whose handle is closed by now, goes elsewhere with all below it.
         std::filesystem::rename(home.path(path.substr(0, 2 * 20 - 1)), home.path("other/d"));
     };
-    EXPECT_EQ(reasonOf(files, home.path("d")), ESTALE);
+    EXPECT_EQ(removalFailure(files, home.path("d")), ESTALE);
     EXPECT_TRUE(home.exists("other/kept"));
 }
 
@@ -200,7 +200,7 @@ TEST_F(RemovalTest, AFailureAnywhereIsReportedAndASecondTryFinishes) {
         FaultyFileCalls faulty;
         faulty.failAt = step;
         PosixFileManager limited(faulty);
-        const bool failed = reasonOf(limited, home.path("tree")) != 0;
+        const bool failed = removalFailure(limited, home.path("tree")) != 0;
         EXPECT_EQ(home.exists("tree"), failed) << step;
         files.removeAll(home.path("tree"));
         EXPECT_FALSE(home.exists("tree"));
@@ -211,11 +211,11 @@ TEST_F(RemovalTest, AFailureAnywhereIsReportedAndASecondTryFinishes) {
 
 TEST_F(RemovalTest, APathThatNamesNoItemIsRefused) {
     for (const char* path : {"", "/", "//", "relative"}) {
-        EXPECT_EQ(reasonOf(files, path), EINVAL) << path;
+        EXPECT_EQ(removalFailure(files, path), EINVAL) << path;
     }
-    EXPECT_EQ(reasonOf(files, home.path(".")), EINVAL);
-    EXPECT_EQ(reasonOf(files, home.path("folder/..")), EINVAL);
-    EXPECT_EQ(reasonOf(files, home.path("cut") + std::string("\0x", 2)), EINVAL);
+    EXPECT_EQ(removalFailure(files, home.path(".")), EINVAL);
+    EXPECT_EQ(removalFailure(files, home.path("folder/..")), EINVAL);
+    EXPECT_EQ(removalFailure(files, home.path("cut") + std::string("\0x", 2)), EINVAL);
     EXPECT_TRUE(std::filesystem::exists(home.path()));
 }
 

@@ -21,6 +21,20 @@ TEST(Text, OverlongFormsSurrogatesAndTooHighAreNotUtf8) {
     }
 }
 
+TEST(Text, TheLengthOfASequence) {
+    EXPECT_EQ(utf8SequenceLength(""), 0u);
+    EXPECT_EQ(utf8SequenceLength("ab"), 1u);
+    EXPECT_EQ(utf8SequenceLength(std::string_view("\0b", 2)), 1u);
+    EXPECT_EQ(utf8SequenceLength("\xC3\xB1o"), 2u);
+    EXPECT_EQ(utf8SequenceLength("\xE2\x82"), 0u) << "cut short";
+}
+
+TEST(Text, OnlyLettersOfAsciiAreLowered) {
+    EXPECT_EQ(lowerCasedAscii("AZaz09@[`{"), "azaz09@[`{");
+    EXPECT_EQ(lowerCasedAscii("A\xC3\x91O"), "a\xC3\x91o");
+    EXPECT_EQ(lowerCasedAscii(std::string_view("A\0B", 3)), std::string_view("a\0b", 3));
+}
+
 TEST(Text, AToastTextIsOneLineWithoutBackslashes) {
     EXPECT_EQ(singleLine("a\nb\r\tc\\d"), "a b  c/d");
     EXPECT_EQ(singleLine("x\xE2\x80\xA8y\xC2\x85z"), "x y z");
