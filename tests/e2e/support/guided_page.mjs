@@ -10,6 +10,8 @@ const guide = `
 'use strict';
 let seen = '';
 let told = '';
+let moves = 0;
+for (const event of ['focusin', 'focusout']) document.addEventListener(event, () => { moves += 1; });
 const clean = (text) => text.replace(/\\s+/g, ' ').trim();
 function look() {
   const controls = [];
@@ -33,7 +35,7 @@ function look() {
   const at = document.activeElement;
   const label = document.getElementById(at.getAttribute('aria-labelledby'));
   const focus = at === document.body ? '' : at.dataset.key ?? clean(at.getAttribute('aria-label') ?? (label ?? at.labels?.[0] ?? at).textContent);
-  const page = JSON.stringify({ controls, rows, focus, text: clean(document.body.innerText) });
+  const page = JSON.stringify({ controls, rows, focus, moves, text: clean(document.body.innerText) });
   if (page === seen && page !== told) {
     told = page;
     window.webkit.messageHandlers.velto.postMessage({ type: 'guide', payload: page });
@@ -125,10 +127,10 @@ export async function openGuided(
     /** Types a key until the focus is at a control of this name, or at the row of this path. */
     async keyTo(key, name, most = 40) {
       for (let count = 0; count < most; count++) {
-        const before = latest()?.focus;
+        const before = latest()?.moves;
         await desktop.input('key', key);
-        // The focus that has moved decides; one key that moves it to another control of the same name is given its time.
-        await shows('another focus', ({ focus }) => focus !== before || matches(focus, name), 700).catch(() => {});
+        // Typed again only where the key was lost: while the page is slow to tell, a second one would go past the control.
+        await shows('another focus', ({ moves }) => moves !== before, 10_000).catch(() => {});
         if (matches(latest()?.focus ?? '', name)) return;
       }
       throw new Error(`${key} never came to "${name}"; the focus is at "${latest().focus}"`);
