@@ -178,7 +178,8 @@ std::vector<MaintenanceRules::Found> MaintenanceRules::fromDuplicates(
     std::vector<Found> found;
     for (DuplicateCopy& copy : duplicateCopies(platform_, limits_.excluded, leavingPaths)) {
         const std::string path = copy.copy.path;
-        found.push_back({.candidate = {path, std::string(lastPathComponent(path)), copy.gb},
+        const double gb = copy.gb;
+        found.push_back({.candidate = {path, std::string(lastPathComponent(path)), gb},
                          .duplicate = std::move(copy),
                          .cache = std::nullopt});
     }

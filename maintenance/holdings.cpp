@@ -78,7 +78,7 @@ std::int64_t foretoldBytes(std::int64_t cacheBytes, std::int64_t days, std::stri
     const double seconds = static_cast<double>(days) * secondsPerDay;
     // What is exactly that old is kept by the pass that takes the next ones.
     const double sets = std::floor(seconds / maintenanceInterval(frequency)) + 1;
-    constexpr auto most = static_cast<double>(std::numeric_limits<std::int64_t>::max() / 2);
+    constexpr double most = static_cast<double>(std::numeric_limits<std::int64_t>::max()) / 2;
     return static_cast<std::int64_t>(std::min(sets * static_cast<double>(cacheBytes), most));
 }
 

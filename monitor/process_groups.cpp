@@ -111,7 +111,7 @@ void addTraffic(std::optional<ProcessTraffic>& sum, const std::optional<ProcessT
     sum->written += more->written;
 }
 
-Groups byName(Groups groups) {
+Groups byName(Groups&& groups) {
     Groups named;
     for (auto& [key, group] : groups) {
         const bool isApplication = group.kind == "app";

@@ -87,7 +87,7 @@ std::string bundleOf(const std::string& executable);
 
 /// The applications as they are, and everything else that has one name as one group: its figures
 /// are the sums, its process the one with the lowest number.
-Groups byName(Groups groups);
+Groups byName(Groups&& groups);
 
 /// The members that weigh most, by processor time and then memory, at most so many. Valid as long
 /// as the group is.

@@ -17,12 +17,12 @@ constexpr std::uint32_t doubts = change_flags::userDropped | change_flags::kerne
 
 void ChangeHistory::take(std::string_view path, std::uint32_t flags) {
     if (isOver()) return;  // what comes after the range belongs to the next one
-    if ((flags & doubts) != 0) {
+    const bool isDone = (flags & change_flags::historyDone) != 0;
+    const bool isUsable = changes_.size() < mostChanges && path.starts_with('/');
+    if ((flags & doubts) != 0 || (!isDone && !isUsable)) {
         isDoubtful_ = true;
-    } else if ((flags & change_flags::historyDone) != 0) {
+    } else if (isDone) {
         isComplete_ = true;  // its path says nothing
-    } else if (changes_.size() == mostChanges || !path.starts_with('/')) {
-        isDoubtful_ = true;
     } else {
         while (path.size() > 1 && path.ends_with('/'))
             path.remove_suffix(1);

@@ -84,9 +84,9 @@ void JsonUserDefaults::remove(const std::string& key) {
 }
 
 void JsonUserDefaults::refresh() const {
-    auto now = attributesOf(files_, path_);
+    const auto now = attributesOf(files_, path_);
     if (isSameFile(now, seen_) && !unreadable_) return;
-    seen_ = std::move(now);
+    seen_ = now;
     readStored();
 }
 

@@ -3,7 +3,7 @@
 #include "platform/TaskBar.h"
 
 // GIO's own name for it, whose header is not for those who include this.
-using GDBusConnection = struct _GDBusConnection;
+using GDBusConnection = struct _GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
 
 namespace velto {
 

@@ -46,6 +46,13 @@ bool movesOnScreen(char32_t letter) {
         ranges, [letter](auto range) { return letter >= range.first && letter <= range.second; });
 }
 
+/// True for control characters of ASCII, the next line, and separators of lines and paragraphs.
+bool breaksLine(std::string_view sequence) {
+    const char32_t letter = codePoint(sequence);
+    return letter < 0x20 || letter == 0x7F || letter == 0x85 || letter == 0x2028 ||
+           letter == 0x2029;
+}
+
 }  // namespace
 
 std::size_t utf8SequenceLength(std::string_view bytes) {
@@ -116,11 +123,7 @@ std::string singleLine(std::string_view text) {
             line += replacement;
         } else if (sequence == "\\") {
             line += '/';
-        } else if (sequence.size() == 1 &&
-                   (static_cast<std::uint8_t>(sequence[0]) < 0x20 || sequence[0] == 0x7F)) {
-            line += ' ';
-        } else if (sequence == "\xC2\x85" || sequence == "\xE2\x80\xA8" ||
-                   sequence == "\xE2\x80\xA9") {  // next line, line and paragraph separator
+        } else if (breaksLine(sequence)) {
             line += ' ';
         } else {
             line += sequence;

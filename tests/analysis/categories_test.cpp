@@ -67,14 +67,14 @@ TEST(Categories, EachRowIsWhatThePageShows) {
         rows.push_back(textOf(row));
     EXPECT_EQ(rows,
               (std::vector<std::string>{
-                  "fotos | Fotos y vídeo | photo | #E8355A | "
-                  "aprox. 150.000 fotos o un año de vídeos caseros | video",
+                  ("fotos | Fotos y vídeo | photo | #E8355A | "
+                   "aprox. 150.000 fotos o un año de vídeos caseros | video"),
                   "apps | Aplicaciones | apps | #2563EB | como 40 juegos grandes | app",
                   "docs | Documentos | doc | #E88F0C | como 8.000 libros digitales | doc",
                   "descargas | Descargas | tray | #0BA5D6 | como 190 películas en HD | descarga",
                   "musica | Música y audio | music | #7C3AED | como 6.500 canciones | video",
-                  "sistema | macOS y Datos del sistema | cpu | #8B919C | "
-                  "el espacio esencial para que tu Mac funcione | doc"}));
+                  ("sistema | macOS y Datos del sistema | cpu | #8B919C | "
+                   "el espacio esencial para que tu Mac funcione | doc")}));
 }
 
 TEST(Categories, OnlyTheLastExtensionCounts) {

@@ -24,7 +24,7 @@ struct Passage {
     const char* name;
     bool isOut;                        // out of the cloud folder
     bool knowsExclusiveRename = true;  // else a file system that can only rename by replacing
-    std::string downloads = "";        // out to this volume, its place being gone
+    std::string downloads{};           // out to this volume, its place being gone
 };
 
 void PrintTo(const Passage& passage, std::ostream* stream) { *stream << passage.name; }

@@ -90,7 +90,7 @@ struct SharedTrash {
         }
         const std::vector<TrashItem> items = service.items();
         if (items.empty()) return;
-        const TrashItem item = items[below(items.size())];
+        const TrashItem& item = items[below(items.size())];
         if (choice < 14) return service.restore(item.id);
         if (choice < 19) return service.undoOperation(item.opID);
         if (deleted == nullptr) return;

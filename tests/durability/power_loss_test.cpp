@@ -77,7 +77,7 @@ protected:
     }
 
     template <typename Report>
-    void restart(ModelImage image, Report report) {
+    void restart(const ModelImage& image, Report report) {
         if (!seen_.insert(image.fingerprint()).second) return;
         ModelDisk after(image);
         after.knowsExclusiveRename = world_.disk.knowsExclusiveRename;

@@ -75,7 +75,7 @@ void expire(World& world) {
     moved({World::folder})(world);
 }
 
-Prepare then(Prepare first, Prepare second) {
+Prepare then(const Prepare& first, const Prepare& second) {
     return [=](World& world) {
         first(world);
         second(world);

@@ -26,7 +26,9 @@ TEST(DiskRates, ACounterThatBeginsAnewIsAGap) {
     EXPECT_FALSE(diskRates({{"sda", 10, 5'000}}, {{"sda", 10, 10}}, 1));
 }
 
-GraphicsCounters engines(std::vector<EngineTime> all) { return {.busy = {}, .engines = all}; }
+GraphicsCounters engines(std::vector<EngineTime> all) {
+    return {.busy = {}, .engines = std::move(all)};
+}
 
 TEST(GraphicsLoad, IsThatOfTheBusiestEngineWithAllItsUsers) {
     const auto before =

@@ -97,7 +97,7 @@ int ModelFileCalls::open(int folder, const char* name, int flags, mode_t mode) {
 void ModelFileCalls::fill(Number number, struct stat& status) const {
     const ModelInode& inode = disk_.live().at(number);
     std::memset(&status, 0, sizeof status);
-    status.st_dev = static_cast<dev_t>(inode.volume + 1);
+    status.st_dev = static_cast<dev_t>(inode.volume) + 1;
     status.st_ino = static_cast<ino_t>(number);
     status.st_mode = inode.mode;
     status.st_nlink = static_cast<nlink_t>(inode.links);

@@ -110,7 +110,7 @@ TEST(RemovalCrash, TheSameWhereTheRemovalFolderIsOnAnotherVolume) {
     dieEverywhere(buildVolume());
 }
 
-void failEverywhere(const std::string& elsewhere, Action action, std::vector<int> errors) {
+void failEverywhere(const std::string& elsewhere, Action action, const std::vector<int>& errors) {
     for (const int error : errors) {
         bool isComplete = false;
         for (int at = 0; !isComplete; ++at) {

@@ -97,7 +97,7 @@ TEST_F(LinuxIconsTest, WhatIsNoIconIsNone) {
     EXPECT_FALSE(hasIcon(bundle("no icon at all")));
     EXPECT_FALSE(hasIcon(bundle("")));
     EXPECT_FALSE(hasIcon(bundle(whole.substr(0, whole.size() / 2))));
-    EXPECT_FALSE(hasIcon(bundle("icns\xFF\xFF\xFF\xFFic07\0\0\0\0")));
+    EXPECT_FALSE(hasIcon(bundle(std::string("icns\xFF\xFF\xFF\xFFic07\0\0\0\0", 16))));
     EXPECT_FALSE(hasIcon(home.path("nothing")));
     EXPECT_FALSE(hasIcon(home.folder("plain folder")));
     EXPECT_FALSE(hasIcon(bundle(whole), 0));

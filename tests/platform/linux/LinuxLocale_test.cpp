@@ -10,7 +10,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-LinuxLocale localeOf(std::map<std::string, std::string> variables) {
+LinuxLocale localeOf(const std::map<std::string, std::string>& variables) {
     return LinuxLocale([variables](const std::string& name) -> std::optional<std::string> {
         const auto found = variables.find(name);
         return found == variables.end() ? std::nullopt : std::optional(found->second);

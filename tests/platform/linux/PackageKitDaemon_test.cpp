@@ -69,7 +69,7 @@ bool waitFor(const std::function<bool()>& isThere) {
 
 bool answers() {
     try {
-        PackageKitTransaction("");
+        const PackageKitTransaction transaction("");
         return true;
     } catch (const PackageError&) {
         return false;

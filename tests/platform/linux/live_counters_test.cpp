@@ -215,10 +215,13 @@ public:
     explicit CountedChild(bool busy) : process_(::fork()) {
         if (process_ != 0) return;
         volatile unsigned work = 0;
-        while (busy)
-            work = work + 1;
-        while (true)
-            ::pause();
+        while (true) {
+            if (busy) {
+                work = work + 1;
+            } else {
+                ::pause();
+            }
+        }
     }
     ~CountedChild() { end(); }
     CountedChild(const CountedChild&) = delete;
