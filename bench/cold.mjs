@@ -1,9 +1,9 @@
 // The walk of a home that is in no cache, as after a start of the machine: on the file system of the
 // made data and, where they can be made, on XFS and btrfs in a file. As root only.
-import { spawnSync } from 'node:child_process';
-import { existsSync, mkdirSync, rmSync, truncateSync, writeFileSync } from 'node:fs';
+import { existsSync } from 'node:fs';
 import { join } from 'node:path';
 import { compareProcesses, dropCaches, output, table } from './measure.mjs';
+import { mounted } from './volumes.mjs';
 
 const target = 0.4; // of the fastest peer's time
 
@@ -24,27 +24,6 @@ function compare(title, home, programs, runs) {
     `${(own.median / fastest.median).toFixed(2)} (target: at most ${target.toFixed(2)})`);
 }
 
-/** Runs `action(folder)` with a fresh file system of a kind mounted; false when there is no such kind here. */
-function mounted(kind, folder, action) {
-  const image = `${folder}.image`;
-  mkdirSync(folder, { recursive: true });
-  writeFileSync(image, '');
-  truncateSync(image, 8e9);
-  const succeeds = (...command) => spawnSync(command[0], command.slice(1), { stdio: 'ignore' }).status === 0;
-  try {
-    if (!succeeds(`mkfs.${kind}`, '-q', image) || !succeeds('mount', '-o', 'loop', image, folder)) return false;
-    try {
-      action(folder);
-    } finally {
-      output(['umount', folder]);
-    }
-    return true;
-  } finally {
-    rmSync(image);
-    rmSync(folder, { recursive: true });
-  }
-}
-
 /** `programs`: the paths of the scanner and of the bare floor. */
 export function compareCold(home, data, programs, runs) {
   if (process.getuid() !== 0 || !existsSync('/proc/sys/vm/drop_caches')) {
@@ -53,7 +32,7 @@ export function compareCold(home, data, programs, runs) {
   }
   compare('on the disk of the made data', home, programs, runs);
   for (const kind of ['xfs', 'btrfs']) {
-    const done = mounted(kind, join(data, `cold-${kind}`), (folder) => {
+    const done = mounted(kind, join(data, `cold-${kind}`), 8e9, (folder) => {
       // The shape of the small home; claimed sizes take no room.
       output(['cp', '--archive', '--sparse=always', home, folder]);
       compare(`on ${kind} in a file`, folder, programs, runs);

@@ -8,16 +8,17 @@ import { cpus, loadavg, tmpdir } from 'node:os';
 import { dirname, join, resolve } from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { compareCold } from './cold.mjs';
+import { measureLarge } from './large.mjs';
 import { compareLarge } from './large_duplicates.mjs';
 import { compareProcesses, median, output, table } from './measure.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '..');
 const data = join(root, 'build', 'bench-data');
-const partNames = ['walk', 'cold', 'memory', 'again', 'folders', 'cleanables', 'further', 'duplicates', 'duplicates-cold', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps'];
+const partNames = ['walk', 'cold', 'memory', 'again', 'folders', 'cleanables', 'further', 'duplicates', 'duplicates-cold', 'trash', 'removal', 'copy', 'growth', 'monitor', 'apps', 'large'];
 const usage = `usage: bench/run [--build FOLDER] [--runs N] [--only PART] [--clean]
   --build FOLDER  where the benchmarks were built (build/release)
   --runs N        measured runs of each program, after one that is not (15)
-  --only PART     one part instead of all: ${partNames.join(', ')}
+  --only PART     one part instead of all (large: only so): ${partNames.join(', ')}
   --clean         remove the made data (build/bench-data) and do nothing else`;
 
 function options() {
@@ -336,6 +337,12 @@ function apps() {
     `ratio ${(list / read).toFixed(2)} (target: at most 2.00)`);
 }
 
+function large() {
+  const programs = { scan: 'scan', floor: 'floor', makeMachine: 'make_machine', monitor: 'monitor', records: 'records' };
+  for (const [key, name] of Object.entries(programs)) programs[key] = program(`bench_${name}`);
+  measureLarge(data, programs, Math.min(runs, 3));
+}
+
 /** The parts that were chosen; a part's name is that of its function, in words. */
 function run(parts) {
   const nameOf = (part) => part.name.replace(/[A-Z]/g, (letter) => `-${letter.toLowerCase()}`);
@@ -353,4 +360,5 @@ if (clean) {
   console.log(`${cpus().length} processors, ${runs} measured runs each, in turn; ` +
     `load at the start ${loadavg()[0].toFixed(2)}`);
   run([walk, cold, memory, again, folders, cleanables, further, duplicates, duplicatesCold, trash, removal, copy, growth, monitor, apps]);
+  if (only === 'large') large(); // takes half an hour
 }

@@ -1,8 +1,9 @@
 // What a sample of the system monitor costs: `bench_monitor cost PROCESSES SAMPLES` makes that many
 // sleeping processes and prints milliseconds of processor time: of a sample (the mean, the first
 // one and the refreshed process maps included), of a sample that opens its files anew, of the first
-// sample, and of one ps (the median of as many runs). `bench_monitor memory SAMPLES` lets processes
-// come and go and prints the bytes in use on the heap after a tenth of the samples and at the end.
+// sample, and of one ps (the median of as many runs); and the peak of resident memory in KiB.
+// `bench_monitor memory SAMPLES` lets processes come and go and prints the bytes in use on the heap
+// after a tenth of the samples and at the end.
 #include <fcntl.h>
 #include <malloc.h>
 #include <signal.h>
@@ -186,8 +187,10 @@ void cost(int processes, int samples) {
     for (int i = 0; i < samples; ++i)
         ps.push_back(costOfPs());
     std::nth_element(ps.begin(), ps.begin() + samples / 2, ps.end());
-    fmt::print("{:.3f} {:.3f} {:.3f} {:.3f}\n", kept.mean, reopened.mean, kept.first,
-               ps[static_cast<std::size_t>(samples / 2)]);
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    fmt::print("{:.3f} {:.3f} {:.3f} {:.3f} {}\n", kept.mean, reopened.mean, kept.first,
+               ps[static_cast<std::size_t>(samples / 2)], used.ru_maxrss);
 }
 
 void memory(int samples) {
