@@ -121,7 +121,12 @@ endforeach()
 
 add_test(NAME macos.typecheck COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck.sh)
 add_test(NAME macos.configure COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mac_configure.sh)
-set(sources analysis app bench bridge cleaning maintenance monitor platform settings tests uninstall)
-list(TRANSFORM sources PREPEND ${CMAKE_SOURCE_DIR}/)
+# It reads no other source of these folders.
+set(read)
+foreach(folder IN ITEMS analysis app bench bridge cleaning maintenance monitor platform settings tests uninstall)
+    list(APPEND read ${CMAKE_SOURCE_DIR}/${folder}/*.h ${CMAKE_SOURCE_DIR}/${folder}/*.mm)
+endforeach()
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${read})
 set_tests_properties(macos.typecheck macos.configure PROPERTIES LABELS macos COST 400)
-set_tests_properties(macos.typecheck PROPERTIES REQUIRED_FILES "${sources}")
+set_tests_properties(macos.typecheck PROPERTIES REQUIRED_FILES
+    "${sources};${CMAKE_CURRENT_SOURCE_DIR}/macos_typecheck")
