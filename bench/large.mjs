@@ -99,28 +99,32 @@ function processes(programs, runs) {
   }
 }
 
+/** Time and memory of an action in a home that is afterwards as it was: some actions change it. */
+function measured(programs, action, { home, count }, runs) {
+  const all = [];
+  for (let run = 0; run < runs; ++run) {
+    const kept = `${home}-kept`;
+    output(['cp', '--archive', home, kept]);
+    const [time, memory] = numbers([programs.records, action, home, String(count)]);
+    all.push({ time, memory });
+    rmSync(home, { recursive: true });
+    renameSync(kept, home);
+  }
+  return { time: median(all.map(({ time }) => time)), memory: Math.max(...all.map(({ memory }) => memory)) };
+}
+
 /** `kind`: "trash" or "history"; `actions`: what is measured, by name, with what it is. */
 function records(programs, kind, counts, actions, runs) {
-  const homes = counts.map((count) => {
-    const home = mkdtempSync(join(tmpdir(), 'velto-large-'));
-    output([programs.records, `make-${kind}`, home, String(count)]);
-    return { home, count };
-  });
-  for (const [action, title] of actions) {
-    told(title, homes.map(({ home, count }) => {
-      const all = [];
-      for (let run = 0; run < runs; ++run) {
-        const kept = `${home}-kept`;
-        output(['cp', '--archive', home, kept]);
-        const [time, memory] = numbers([programs.records, `${action}-${kind}`, home, String(count)]);
-        all.push({ time, memory });
-        rmSync(home, { recursive: true });
-        renameSync(kept, home);
-      }
-      return { time: median(all.map(({ time }) => time)), memory: Math.max(...all.map(({ memory }) => memory)) };
-    }));
+  const made = mkdtempSync(join(tmpdir(), 'velto-large-'));
+  try {
+    const homes = counts.map((count) => ({ home: join(made, String(count)), count }));
+    for (const { home, count } of homes) output([programs.records, `make-${kind}`, home, String(count)]);
+    for (const [action, title] of actions) {
+      told(title, homes.map((home) => measured(programs, `${action}-${kind}`, home, runs)));
+    }
+  } finally {
+    rmSync(made, { recursive: true });
   }
-  for (const { home } of homes) rmSync(home, { recursive: true });
 }
 
 /** `programs`: the paths of scan, floor, makeMachine, monitor and records. */

@@ -26,7 +26,7 @@ export function mounted(kind, folder, bytes, action) {
     }
     return true;
   } finally {
-    rmSync(image);
+    rmSync(image, { force: true });
     rmSync(folder, { recursive: true });
   }
 }

@@ -65,7 +65,7 @@ set(CPACK_RPM_EXCLUDE_FROM_AUTO_FILELIST_ADDITION
     ${share}/bash-completion ${share}/bash-completion/completions
     ${share}/zsh ${share}/zsh/site-functions ${share}/zsh/vendor-completions
     ${share}/fish ${share}/fish/vendor_completions.d ${share}/doc)
-# What the .deb recommends too. CPack has no variable for it, but takes any lines into the head of the spec file.
+# What the .deb recommends too. CPack has no variable for it, but hands rpmbuild any lines for the package's head.
 set(CPACK_RPM_SPEC_MORE_DEFINE
 "Recommends: librsvg2, adwaita-icon-theme
 %define _build_id_links none

@@ -1,7 +1,7 @@
 // Writes FOLDER/build.ninja, which has clang-tidy look at what BUILD compiles, and again only at what has changed
 // since it passed: the source, what it includes, how it is compiled, or what is looked for.
-//   node tools/tidy.mjs BUILD FOLDER TIDY [FOLDER...]
-// BUILD: where compile_commands.json is. TIDY: clang-tidy with its arguments. FOLDERs: only sources below these.
+//   node tools/tidy.mjs BUILD FOLDER TIDY [PLACE...]
+// BUILD: where compile_commands.json is. TIDY: clang-tidy with its arguments. PLACEs: only sources below these.
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { dirname, join, relative, resolve } from 'node:path';
 

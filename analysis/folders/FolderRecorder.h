@@ -22,7 +22,7 @@ public:
         std::uint64_t device = 0;
         std::uint64_t inode = 0;
 
-        auto operator<=>(const Identity&) const = default;
+        auto operator<=>(const Identity&) const = default;  // NOLINT(modernize-use-nullptr)
     };
 
     void add(const std::vector<Identity>& folders);

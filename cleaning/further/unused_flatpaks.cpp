@@ -127,7 +127,7 @@ void markUsed(std::vector<Flatpak>& flatpaks, const std::vector<std::string>& pi
 struct StoredFile {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
-    auto operator<=>(const StoredFile&) const = default;
+    auto operator<=>(const StoredFile&) const = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// A file by the names that were met of it.
