@@ -61,10 +61,19 @@ else()
     target_compile_options(velto_options INTERFACE -pthread)
 endif()
 
-# What nothing calls is left out of what is linked.
-if(NOT VELTO_SANITIZE AND NOT APPLE)
+# What nothing calls is left out of what is linked: of the program for its size, of the programs of
+# the tests so that a change stays away from those that cannot come to it (tools/selection).
+if(NOT APPLE)
     target_compile_options(velto_options INTERFACE -ffunction-sections -fdata-sections)
     target_link_options(velto_options INTERFACE -Wl,--gc-sections)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT VELTO_FUZZ)
+        # What is said of a function's exceptions and of a global goes with it; clang does that where
+        # it is told that the linker is no old one.
+        target_compile_options(velto_options INTERFACE -fbinutils-version=2.36)
+        if(VELTO_SANITIZE MATCHES "address")
+            target_compile_options(velto_options INTERFACE -fsanitize-address-globals-dead-stripping)
+        endif()
+    endif()
 endif()
 
 # What makes a mistake end the program and not give it away. The sanitized builds have better.

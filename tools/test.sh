@@ -13,13 +13,11 @@ run_tests() {
     setup_build
     need_packages test
     build_page
-    compile asan unit_tests
-    compile tsan unit_tests
     if on_mac; then
-        compile release velto
+        compile_all 'asan unit_tests' 'tsan unit_tests' 'release velto'
         attach_second_volume
     else
-        compile release velto test_helpers
+        compile_all 'asan unit_tests' 'tsan unit_tests' 'release velto test_helpers'
     fi
     combine_tests asan tsan release
     test_what_changed "$root/build/test" "$all"

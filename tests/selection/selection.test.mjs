@@ -19,7 +19,7 @@ shift
 setup_build() { :; }
 need_packages() { :; }
 build_page() { :; }
-compile() { :; }
+compile_all() { :; }
 attach_second_volume() { :; }
 combine_tests() { :; }
 cd "$root"
@@ -133,6 +133,29 @@ test('every change of a folder counts: a new file, one that goes, one that may b
     assert.deepEqual(world.run().ran, all, `change ${index}`);
     assert.deepEqual(world.run().ran, ['always']);
   }
+});
+
+test('of a program counts what is in it, and not from which lines it was made', (t) => {
+  const world = new World(t);
+  const compile = (source) => {
+    world.write('source.c', source);
+    execFileSync('cc', ['-g', '-Wl,--build-id', world.at('source.c'), '-o', world.at('one')]);
+    return readFileSync(world.at('one'));
+  };
+  const before = compile('int main(void) { return 0; }\n');
+  world.run();
+  const moved = compile('\n\n/* A word. */ int main(void) { return 0; }\n');
+  assert.ok(!moved.equals(before));
+  assert.deepEqual(world.run().ran, ['always']);
+  for (const source of ['int main(void) { return 7; }\n', 'int kept = 3; int main(void) { return 7; }\n', 'int other; int main(void) { return 7; }\n']) {
+    compile(source);
+    assert.deepEqual(world.run().ran, ['always', 'first'], source);
+  }
+  // Of what only begins as one all counts.
+  writeFileSync(world.at('one'), before.subarray(0, 100));
+  assert.deepEqual(world.run().ran, ['always', 'first']);
+  writeFileSync(world.at('one'), Buffer.concat([before.subarray(0, 99), Buffer.from('?')]));
+  assert.deepEqual(world.run().ran, ['always', 'first']);
 });
 
 test('the command, its script and the variables of the tests count', (t) => {

@@ -2,26 +2,14 @@
 // it did the last time.
 import { execFileSync } from 'node:child_process';
 import { createHash } from 'node:crypto';
-import { closeSync, lstatSync, openSync, readSync, readdirSync, readlinkSync, statSync } from 'node:fs';
+import { lstatSync, readdirSync, readlinkSync, statSync } from 'node:fs';
 import { release, type } from 'node:os';
 import { join } from 'node:path';
+import { digestOfFile } from './file_digest.mjs';
 
 const digest = (text) => createHash('sha256').update(text).digest('hex');
 
-const piece = Buffer.allocUnsafe(1 << 20);
-
-function digestOfFile(path) {
-  const hash = createHash('sha256');
-  const file = openSync(path, 'r');
-  try {
-    for (let read; (read = readSync(file, piece)) > 0; ) hash.update(piece.subarray(0, read));
-  } finally {
-    closeSync(file);
-  }
-  return hash.digest('hex');
-}
-
-/** What lies at a path, whole: names, bytes, what may be run and where links lead. Throws where it cannot be read. */
+/** What lies at a path: names, bytes, what may be run and where links lead. Throws where it cannot be read. */
 function contentOf(path) {
   const link = lstatSync(path).isSymbolicLink() ? ` -> ${readlinkSync(path)}` : '';
   const status = statSync(path);
